@@ -1,0 +1,62 @@
+# What every target of this project shares: the language, warnings, visibility, sanitizers, the compiler cache.
+
+# Compilations are cached across checkouts; precompiled headers need the two sloppiness flags.
+find_program(SFG_CCACHE ccache)
+if(SFG_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+    "${CMAKE_COMMAND}" -E env
+    "CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime"
+    "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}"
+    CCACHE_NOHASHDIR=1
+    "${SFG_CCACHE}")
+endif()
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Debug, Release, RelWithDebInfo or MinSizeRel" FORCE)
+endif()
+
+# Everything built here finds its libraries in the build tree and, once installed, beside itself.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+
+# Applies the project's language level, warnings, visibility and instrumentation to `target`.
+function(sfg_target_defaults target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  set_target_properties(${target} PROPERTIES
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+  if(SFG_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(SFG_SANITIZE)
+    target_compile_options(${target} PRIVATE
+      "-fsanitize=${SFG_SANITIZE}" -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE "-fsanitize=${SFG_SANITIZE}")
+  endif()
+  if(SFG_LIBFUZZER)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+  if(SFG_COVERAGE)
+    target_compile_options(${target} PRIVATE --coverage)
+    target_link_options(${target} PRIVATE --coverage)
+  endif()
+endfunction()
+
+# Makes `target` an installable shared library. `building` is the macro that tells its export header that the
+# library itself is being compiled. Only names of the project's namespaces leave it.
+function(sfg_shared_library target building)
+  sfg_target_defaults(${target})
+  set_target_properties(${target} PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "$ORIGIN")
+  target_compile_definitions(${target} PRIVATE ${building} "SFG_VERSION=\"${PROJECT_VERSION}\"")
+  set(script "${PROJECT_SOURCE_DIR}/cmake/exports.map")
+  target_link_options(${target} PRIVATE "LINKER:--version-script=${script}")
+  if(NOT SFG_SANITIZE)
+    target_link_options(${target} PRIVATE LINKER:--no-undefined)
+  endif()
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${script}")
+endfunction()

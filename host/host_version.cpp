@@ -1,0 +1,17 @@
+#include "host/host_version.h"
+
+#include <sfg/version.h>
+#include <tolmsdk/version.h>
+
+namespace TolmSDK::Graphics::sfg::host {
+
+std::string versionLine() {
+  std::string const generator = sfgVersion();
+  std::string const platform = platformVersion();
+  std::string line = "sfg " + generator;
+  if (platform != generator)
+    line += ", platform " + platform;
+  return line;
+}
+
+} // namespace TolmSDK::Graphics::sfg::host
