@@ -2,8 +2,6 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-char const *sfgVersion() noexcept {
-  return SFG_VERSION;
-}
+char const* sfgVersion() noexcept { return SFG_VERSION; }
 
-} // namespace TolmSDK::Graphics::sfg
+}  // namespace TolmSDK::Graphics::sfg

@@ -11,9 +11,7 @@ TEST(Version, IsThreeNumbers) {
   EXPECT_THAT(sfgVersion(), ::testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
 }
 
-TEST(Version, IsThePlatformsToo) {
-  EXPECT_STREQ(sfgVersion(), platformVersion());
-}
+TEST(Version, IsThePlatformsToo) { EXPECT_STREQ(sfgVersion(), platformVersion()); }
 
-} // namespace
-} // namespace TolmSDK::Graphics::sfg
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg

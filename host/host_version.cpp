@@ -9,9 +9,8 @@ std::string versionLine() {
   std::string const generator = sfgVersion();
   std::string const platform = platformVersion();
   std::string line = "sfg " + generator;
-  if (platform != generator)
-    line += ", platform " + platform;
+  if (platform != generator) line += ", platform " + platform;
   return line;
 }
 
-} // namespace TolmSDK::Graphics::sfg::host
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -2,8 +2,6 @@
 
 namespace TolmSDK {
 
-char const *platformVersion() noexcept {
-  return SFG_VERSION;
-}
+char const* platformVersion() noexcept { return SFG_VERSION; }
 
-} // namespace TolmSDK
+}  // namespace TolmSDK

@@ -1,5 +1,5 @@
-// An ordinary main for fuzz targets: replays every file of the corpus folders named on the command line, then a
-// number of reproducible mutations of them, so that the targets are exercised wherever the tests run.
+// An ordinary main for fuzz targets: replays every file of the corpus folders named on the command line, then
+// a number of reproducible mutations of them, so that the targets are exercised wherever the tests run.
 //
 //   x_fuzz [--mutations N] [--seed S] [FILE_OR_FOLDER]...
 
@@ -19,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size);
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size);
 
 namespace {
 
@@ -35,20 +35,19 @@ struct Arguments {
   std::vector<fs::path> corpora;
 };
 
-bool readNumber(char const *text, std::uint64_t &number) {
+bool readNumber(char const* text, std::uint64_t& number) {
   std::string_view const view = text == nullptr ? std::string_view() : std::string_view(text);
   auto const [end, error] = std::from_chars(view.data(), view.data() + view.size(), number);
   return !view.empty() && error == std::errc() && end == view.data() + view.size();
 }
 
 // Answers false on anything it does not know.
-bool readArguments(char **first, Arguments &arguments) {
+bool readArguments(char** first, Arguments& arguments) {
   for (; *first != nullptr; ++first) {
     std::string_view const word = *first;
     if (word == "--mutations" || word == "--seed") {
       ++first;
-      if (!readNumber(*first, word == "--seed" ? arguments.seed : arguments.mutations))
-        return false;
+      if (!readNumber(*first, word == "--seed" ? arguments.seed : arguments.mutations)) return false;
     } else if (word.starts_with("--")) {
       return false;
     } else {
@@ -59,40 +58,45 @@ bool readArguments(char **first, Arguments &arguments) {
 }
 
 // The files below the given paths, in an order that is the same on every machine.
-std::vector<fs::path> findFiles(std::vector<fs::path> const &corpora) {
+std::vector<fs::path> findFiles(std::vector<fs::path> const& corpora) {
   std::vector<fs::path> files;
-  for (fs::path const &corpus : corpora) {
+  for (fs::path const& corpus : corpora) {
     if (!fs::is_directory(corpus)) {
       files.push_back(corpus);
       continue;
     }
-    for (fs::directory_entry const &entry : fs::recursive_directory_iterator(corpus))
-      if (entry.is_regular_file())
-        files.push_back(entry.path());
+    for (fs::directory_entry const& entry : fs::recursive_directory_iterator(corpus))
+      if (entry.is_regular_file()) files.push_back(entry.path());
   }
   std::sort(files.begin(), files.end());
   return files;
 }
 
-Bytes readFile(fs::path const &path) {
+Bytes readFile(fs::path const& path) {
   std::ifstream stream(path, std::ios::binary);
   if (!stream)
-    throw fs::filesystem_error("cannot read", path, std::make_error_code(std::errc::no_such_file_or_directory));
+    throw fs::filesystem_error("cannot read", path,
+                               std::make_error_code(std::errc::no_such_file_or_directory));
   return Bytes(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
 }
 
-// Hands the bytes over in a buffer of exactly their size, so that an address sanitizer sees a read past the end.
-void run(Bytes const &bytes) {
+// Hands the bytes over in a buffer of exactly their size, so that an address sanitizer sees a read past the
+// end.
+void run(Bytes const& bytes) {
   auto const exact = std::make_unique<std::uint8_t[]>(bytes.size());
-  if (!bytes.empty())
-    std::memcpy(exact.get(), bytes.data(), bytes.size());
+  if (!bytes.empty()) std::memcpy(exact.get(), bytes.data(), bytes.size());
   LLVMFuzzerTestOneInput(exact.get(), bytes.size());
 }
 
-// One changed copy: a few edits, each of which flips a bit, sets, drops, doubles or cuts, or splices another file in.
-Bytes mutate(std::vector<Bytes> const &inputs, std::mt19937_64 &random) {
-  auto const below = [&random](std::size_t limit) { return limit == 0 ? 0 : static_cast<std::size_t>(random() % limit); };
-  auto const at = [](Bytes &bytes, std::size_t index) { return bytes.begin() + static_cast<std::ptrdiff_t>(index); };
+// One changed copy: a few edits, each of which flips a bit, sets, drops, doubles or cuts, or splices another
+// file in.
+Bytes mutate(std::vector<Bytes> const& inputs, std::mt19937_64& random) {
+  auto const below = [&random](std::size_t limit) {
+    return limit == 0 ? 0 : static_cast<std::size_t>(random() % limit);
+  };
+  auto const at = [](Bytes& bytes, std::size_t index) {
+    return bytes.begin() + static_cast<std::ptrdiff_t>(index);
+  };
   constexpr std::string_view kTelling = "{}[]()<>;:,.\"\\/*#\n\r\t 0_\x80\xff";
 
   Bytes bytes = inputs[below(inputs.size())];
@@ -100,23 +104,16 @@ Bytes mutate(std::vector<Bytes> const &inputs, std::mt19937_64 &random) {
     std::size_t const index = below(bytes.size());
     std::uint8_t const telling = static_cast<std::uint8_t>(kTelling[below(kTelling.size())]);
     switch (bytes.empty() ? 1 : below(6)) {
-    case 0:
-      bytes[index] = static_cast<std::uint8_t>(bytes[index] ^ (1U << below(8)));
-      break;
-    case 1:
-      bytes.insert(at(bytes, index), telling);
-      break;
-    case 2:
-      bytes[index] = telling;
-      break;
+    case 0: bytes[index] = static_cast<std::uint8_t>(bytes[index] ^ (1U << below(8))); break;
+    case 1: bytes.insert(at(bytes, index), telling); break;
+    case 2: bytes[index] = telling; break;
     case 3:
-      bytes.erase(at(bytes, index), at(bytes, index + below(std::min<std::size_t>(16, bytes.size() - index) + 1)));
+      bytes.erase(at(bytes, index),
+                  at(bytes, index + below(std::min<std::size_t>(16, bytes.size() - index) + 1)));
       break;
-    case 4:
-      bytes.resize(index);
-      break;
+    case 4: bytes.resize(index); break;
     default: {
-      Bytes const &other = inputs[below(inputs.size())];
+      Bytes const& other = inputs[below(inputs.size())];
       std::size_t const begin = below(other.size());
       std::size_t const length = below(std::min<std::size_t>(64, other.size() - begin) + 1);
       auto const from = other.begin() + static_cast<std::ptrdiff_t>(begin);
@@ -128,7 +125,7 @@ Bytes mutate(std::vector<Bytes> const &inputs, std::mt19937_64 &random) {
   return bytes;
 }
 
-int replay(Arguments const &arguments) {
+int replay(Arguments const& arguments) {
   std::vector<fs::path> const files = findFiles(arguments.corpora);
   if (files.empty()) {
     std::cerr << "no corpus file found\n";
@@ -137,13 +134,14 @@ int replay(Arguments const &arguments) {
 
   // The files as they are. Each is named before it runs, so that a crash shows which one it was.
   std::vector<Bytes> inputs;
-  for (fs::path const &file : files) {
+  for (fs::path const& file : files) {
     std::cout << file.string() << std::endl;
     inputs.push_back(readFile(file));
     run(inputs.back());
   }
 
-  // Mutations of them: number n depends on the seed and n alone, so that `--seed S+n --mutations 1` repeats it.
+  // Mutations of them: number n depends on the seed and n alone, so that `--seed S+n --mutations 1` repeats
+  // it.
   for (std::uint64_t n = 0; n != arguments.mutations; ++n) {
     std::mt19937_64 random(arguments.seed + n);
     std::cout << "--seed " << arguments.seed + n << " --mutations 1" << std::endl;
@@ -153,9 +151,9 @@ int replay(Arguments const &arguments) {
   return 0;
 }
 
-} // namespace
+}  // namespace
 
-int main(int argc, char **argv) {
+int main(int argc, char** argv) {
   Arguments arguments;
   if (argc < 1 || !readArguments(argv + 1, arguments)) {
     std::cerr << "usage: x_fuzz [--mutations N] [--seed S] [FILE_OR_FOLDER]...\n";
@@ -163,7 +161,7 @@ int main(int argc, char **argv) {
   }
   try {
     return replay(arguments);
-  } catch (std::exception const &error) {
+  } catch (std::exception const& error) {
     std::cerr << error.what() << '\n';
     return 1;
   }

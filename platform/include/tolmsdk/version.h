@@ -4,8 +4,8 @@
 
 namespace TolmSDK {
 
-// The version of the platform library that was loaded, as "major.minor.patch"; it need not be the one whose headers
-// were compiled against. The text is static. Safe from every thread.
-[[nodiscard]] TOLMSDK_API char const *platformVersion() noexcept;
+// The version of the platform library that was loaded, as "major.minor.patch"; it need not be the one whose
+// headers were compiled against. The text is static. Safe from every thread.
+[[nodiscard]] TOLMSDK_API char const* platformVersion() noexcept;
 
-} // namespace TolmSDK
+}  // namespace TolmSDK
