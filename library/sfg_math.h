@@ -1,0 +1,40 @@
+// Constants and small helpers shared by the other include files.
+#ifndef SFG_MATH_H
+#define SFG_MATH_H
+
+#define SFG_PI 3.14159265358979
+#define SFG_TWO_PI 6.28318530717959
+#define SFG_INV_PI 0.318309886183791
+#define SFG_INV_TWO_PI 0.159154943091895
+
+// Unit vector along v; the zero vector stays zero instead of becoming NaN.
+float3 sfg_safeNormalize(float3 v)
+{
+    float squared = dot(v, v);
+    return squared > 0.0 ? v * rsqrt(squared) : float3(0.0, 0.0, 0.0);
+}
+
+// a / b, and 0 where b is 0.
+float sfg_safeDivide(float a, float b)
+{
+    return b != 0.0 ? a / b : 0.0;
+}
+
+// a to the power of b for a >= 0; negative a counts as 0. 0 to the power of 0 is 1.
+float sfg_safePower(float a, float b)
+{
+    return a > 0.0 ? pow(a, b) : (b == 0.0 ? 1.0 : 0.0);
+}
+
+float3 sfg_safePower3(float3 a, float b)
+{
+    return float3(sfg_safePower(a.x, b), sfg_safePower(a.y, b), sfg_safePower(a.z, b));
+}
+
+// Smoothed step with zero first and second derivative at both ends (Perlin 2002).
+float sfg_fade(float t)
+{
+    return t * t * t * (t * (t * 6.0 - 15.0) + 10.0);
+}
+
+#endif
