@@ -1,0 +1,94 @@
+#pragma once
+
+// Pieces of shader code with their parse, and their use by one fragment instance.
+
+#include <cstddef>
+#include <memory>
+#include <ostream>
+
+#include "sfg/builtin_function.h"
+#include "sfg/export.h"
+#include "sfg/scoped_text.h"
+#include "sfg/shader_symbol.h"
+#include "tolmsdk/heap.h"
+#include "tolmsdk/types.h"
+#include "tolmsdk/ustring.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+/// Owns code and its ordered list of top-level symbols. Text between recognised symbols is kept as raw-text symbols;
+/// the first construct the parser cannot classify turns everything behind the previous symbol into one. All views of
+/// the parse point into the code, so a snippet is neither copied nor moved. Parsed once, then read by any number of
+/// instances and threads.
+class SFG_API CodeSnippet : public HeapObject {
+public:
+  CodeSnippet();
+  ~CodeSnippet();
+  CodeSnippet(const CodeSnippet&) = delete;
+  CodeSnippet& operator=(const CodeSnippet&) = delete;
+
+  /// Appends code; null is ignored. Views of an earlier parse stay valid, but the code added is not parsed yet.
+  void addCode(const wchar_t* code);
+  void addCode(const WString& code);
+  /// Parses the code anew. False when symbols overlap; those before then stay.
+  bool parse();
+
+  /// Appends a raw-text symbol; empty text is ignored.
+  void addSymbol(const ScopedText& text);
+  /// Appends a copy of a symbol and gathers its state variables and built-in calls; one without a range is ignored.
+  void addSymbol(const ShaderSymbol& symbol);
+
+  /// Index of the last symbol with that key, or the not-found value.
+  std::size_t findSymbol(std::wstring_view key) const;
+  std::size_t getNumSymbols() const noexcept { return symbols_.size(); }
+  const ShaderSymbol& getSymbol(std::size_t index) const { return symbols_[index]; }
+
+  const Set<UString>& getStateVariables() const noexcept { return stateVariables_; }
+  /// All calls of sfg_isConnected and sfg_isFinalOutput, in symbol order.
+  const Array<BuiltinFunction>& getBuiltinFunctions() const noexcept { return builtinFunctions_; }
+  /// All calls of sfg_shader, in symbol order.
+  const Array<BuiltinFunction>& getShaderFunctions() const noexcept { return shaderFunctions_; }
+
+  const WString& getCode() const noexcept { return *code_; }
+  /// The code as a shared text: whoever keeps views of the parse longer than the snippet keeps this too.
+  std::shared_ptr<const WString> shareCode() const noexcept { return code_; }
+
+  /// Empties the code and the parse.
+  void clear();
+  /// Writes each symbol's kind and key (raw text: the text itself).
+  void dump(std::wostream& os) const;
+
+private:
+  void clearParse();
+
+  Set<UString> stateVariables_;
+  Array<BuiltinFunction> builtinFunctions_;
+  Array<BuiltinFunction> shaderFunctions_;
+  std::shared_ptr<WString> code_;
+  Array<std::shared_ptr<const WString>> retiredCode_;  // texts that symbols of the present parse still view
+  Array<ShaderSymbol> symbols_;
+  Map<WString, std::size_t> symbolIndex_;
+};
+
+/// A snippet as one fragment instance uses it. Owns the snippet when told so. Neither copied nor moved.
+class SFG_API CodeSnippetInstance {
+public:
+  CodeSnippetInstance();
+  ~CodeSnippetInstance();
+  CodeSnippetInstance(const CodeSnippetInstance&) = delete;
+  CodeSnippetInstance& operator=(const CodeSnippetInstance&) = delete;
+
+  /// Releases the content and takes a snippet (null: none), with one rename per built-in call of the whole snippet in
+  /// its order. With `ownsSnippet` the snippet, made by `new`, is destroyed with this instance.
+  void construct(const CodeSnippet* snippet, const Array<WString>& renames, bool ownsSnippet);
+
+  std::size_t getNumSymbols() const noexcept { return symbols_.size(); }
+  const ShaderSymbolInstance& getSymbol(std::size_t index) const { return symbols_[index]; }
+
+private:
+  std::unique_ptr<const CodeSnippet> owned_;
+  const CodeSnippet* snippet_ = nullptr;
+  Array<ShaderSymbolInstance> symbols_;
+};
+
+}  // namespace TolmSDK::Graphics::sfg

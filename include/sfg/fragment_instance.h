@@ -1,0 +1,82 @@
+#pragma once
+
+// One fragment of the graph as used in one collapse.
+
+#include <cstddef>
+
+#include "sfg/export.h"
+#include "sfg/fragment_profile_instance.h"
+#include "sfg/keyword_replace.h"
+#include "sfg/shader_fragment.h"
+#include "tolmsdk/host_interfaces.h"
+#include "tolmsdk/types.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+class AShaderCollapseContext;
+
+/// Gives the fragment's uniforms and unconnected inputs unique names, activates one of its profiles, and evaluates it:
+/// first the fragments that feed it, then its requirements, definition and call. Evaluation takes time in proportion to
+/// fragments plus connections plus text written and no stack in proportion to depth; it answers false when it cannot be
+/// done (a cycle, a port that does not fit), which the caller reports. Belongs to its context.
+class SFG_API FragmentInstance {
+public:
+  FragmentInstance();
+  virtual ~FragmentInstance();
+  FragmentInstance(const FragmentInstance&) = delete;
+  FragmentInstance& operator=(const FragmentInstance&) = delete;
+
+  /// createNoInputUniform(), then a uniform or constant for every unconnected input.
+  bool create(AShaderCollapseContext& context, const ILanguageTraits* language, const AShaderFragment* fragment);
+  /// False for a null argument and for a second call. Throws "Invalid fragment (input connection count not equal to
+  /// input parameter count): %s".
+  bool createNoInputUniform(const ILanguageTraits* language, const AShaderFragment* fragment);
+  /// Activates the best profile of that name, else of the name "default". Throws "The fragment %s doesn't have a default
+  /// profile".
+  bool setActiveProfile(AShaderCollapseContext& context, const WString& profileName, float lod);
+
+  bool isInitialized() const noexcept { return initialized_; }
+  const IShaderFragment* getShaderFragment() const noexcept { return fragment_.get(); }
+  bool requiresCurrentLight() const;
+  void setOverrideFunctionName(const WString& name);
+  /// The accumulator of output `index` when the instance accumulates, else the active profile's output name; empty for
+  /// an index beyond them.
+  const WString& getActiveProfileOutput(std::size_t index) const;
+
+  /// Evaluates once, unless the instance accumulates: then true without doing anything.
+  bool safeEvaluate(AShaderCollapseContext& context);
+  /// Evaluates and adds every output to its accumulator.
+  bool accmulateEvaluate(AShaderCollapseContext& context);
+  /// Evaluates into the given output values; an empty one gets a declared variable.
+  bool evaluate(AShaderCollapseContext& context, Array<WString>& outputValues);
+  /// Evaluates this fragment as the function that `uses` call; sets the replacement of each use in the caller's pattern.
+  bool evaluateShader(AShaderCollapseContext& context, const Array<BuiltinFunction>& uses,
+                      KeywordReplacePattern& callerShaderPattern);
+  /// Declares one accumulator per output.
+  bool declareAccumulateOutputs(AShaderCollapseContext& context);
+
+  /// Appends one value per input, evaluating the fragments that feed them.
+  bool buildUserInputValues(AShaderCollapseContext& context, Array<WString>& inputValues);
+  bool writeRequirements(AShaderCollapseContext& context);
+  bool writeDefinition(AShaderCollapseContext& context);
+  bool writeFunctionCall(WString& out, AShaderCollapseContext& context, const Array<WString>& inputValues,
+                         const Array<WString>& outputValues);
+
+private:
+  bool initialized_ = false;
+  bool uniformsWritten_ = false;
+  bool usesSamplers_ = false;
+  RefPtr<ILanguageTraits const> language_;
+  FragmentProfileInstance* activeProfileInstance_ = nullptr;
+  RefPtr<AShaderFragment const> fragment_;
+  Map<WString, FragmentProfileInstance> profileInstances_;
+  Array<RefPtr<AParameter const>> uniforms_;
+  Array<WString> uniformNames_;
+  Array<RefPtr<AParameter const>> inputUniforms_;
+  Array<WString> inputValues_;
+  Array<WString> uniformOriginalNames_;
+  Array<WString> uniformNewNames_;
+  Array<WString> accumulateOutputs_;
+};
+
+}  // namespace TolmSDK::Graphics::sfg

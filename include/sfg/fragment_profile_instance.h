@@ -1,0 +1,116 @@
+#pragma once
+
+// One profile of one fragment as used in one collapse.
+
+#include <cstddef>
+
+#include "sfg/code_snippet.h"
+#include "sfg/export.h"
+#include "sfg/keyword_replace.h"
+#include "sfg/shader_fragment.h"
+#include "sfg/shader_fragment_profile_base.h"
+#include "tolmsdk/host_interfaces.h"
+#include "tolmsdk/types.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+class AShaderCollapseContext;
+
+/// Names, replacements and built-in values that differ between two uses of a profile, and the flags that make every
+/// writer write only as often as it must: writers answer true without writing again. Belongs to its fragment instance.
+class SFG_API FragmentProfileInstance {
+public:
+  FragmentProfileInstance();
+  virtual ~FragmentProfileInstance();
+  FragmentProfileInstance(const FragmentProfileInstance&) = delete;
+  FragmentProfileInstance& operator=(const FragmentProfileInstance&) = delete;
+
+  /// Takes its names: function name and output variables end in `shortname` (the profile's name when that is empty).
+  /// False for a null argument. A second call throws "Cannot initialize fragment (%s) profile twice!".
+  bool create(const ILanguageTraits* language, const AShaderFragment* fragment, const AShaderFragmentProfile* profile,
+              const WString& shortname);
+
+  bool isInitialized() const noexcept { return initialized_; }
+  /// The profile's code reads the current light: its call is written once per light.
+  bool requiresCurrentLight() const noexcept { return requiresCurrentLight_; }
+  const ILanguageTraits* getLanguage() const noexcept { return language_.get(); }
+  const AShaderFragmentProfile* getProfile() const noexcept { return profile_.get(); }
+
+  const WString& getFunctionName() const noexcept { return functionName_; }
+  void setFunctionName(const WString& name) { functionName_ = name; }
+  const WString& getProfilename() const noexcept { return profileName_; }
+  const WString& getProfileShortname() const noexcept { return profileShortname_; }
+
+  // Outputs: a type text (empty for an inline expression), a variable name (or the expression), and both as a key.
+  std::size_t getNumOutputs() const noexcept { return outputNames_.size(); }
+  const WString& getOutputType(std::size_t index) const { return outputTypes_[index]; }
+  const WString& getOutputName(std::size_t index) const { return outputNames_[index]; }
+  const WString& getOutputKey(std::size_t index) const { return outputKeys_[index]; }
+  const Array<WString>& getOutputNames() const noexcept { return outputNames_; }
+  void setNumOutputs(std::size_t count);
+  void setOutput(std::size_t index, const WString& type, const WString& name);
+  /// Appends a declaration of every typed output, once.
+  bool declareOutputs(WString& out);
+  /// Appends, once, a declaration of every output that has no value yet and gives it its name as value. False at the
+  /// first output without a type.
+  bool declareUnspecifiedOutputs(WString& out, Array<WString>& outputValues);
+
+  KeywordReplacePattern& getKeywordReplacePattern() noexcept { return keywordReplacePattern_; }
+  /// From the uniforms' names in code to their unique ones; filled at the first call that finds any.
+  KeywordReplacePattern& getUniformReplacePattern();
+  /// From sfg_shader calls to what replaces them; at first the profile's default, which removes them.
+  KeywordReplacePattern& getShaderReplacePattern();
+  Array<WString>& getUniformOriginal() noexcept { return uniformOriginal_; }
+  Array<WString>& getUniformNew() noexcept { return uniformNew_; }
+
+  /// Index of the input (output) of exactly that name in the profile's parameter list, or the not-found value.
+  std::size_t GetInputTextParameterIndex(const WString& name) const;
+  std::size_t GetOutputTextParameterIndex(const WString& name) const;
+  /// The sfg_shader calls whose first argument names the input; false without any.
+  bool GetShaderFunctions(std::size_t inputIndex, Array<BuiltinFunction>& out) const;
+  bool IsShaderInput(std::size_t inputIndex) const;
+
+  /// One value per built-in call of the profile's predefines and of its body.
+  const Array<WString>& getBuiltinFunctionValueInPredefine() const noexcept { return builtinFunctionValuesInPredefine_; }
+  const Array<WString>& getBuiltinFunctionValueInBody() const noexcept { return builtinFunctionValuesInBody_; }
+
+  void beginShaderFunctionCall() noexcept { inShaderFunctionCall_ = true; }
+  void endShaderFunctionCall() noexcept { inShaderFunctionCall_ = false; }
+
+  /// Writes the profile's predefines through the context and merges its includes and state variables into `target`.
+  bool writeRequirements(AShaderFragmentProfile* target, AShaderCollapseContext& context);
+  bool writeDefinition(AShaderCollapseContext& context);
+  /// A function's call once per run (once per active light when it reads the current light), an inline expression at
+  /// every use, anything at every use inside a shader-function call.
+  bool writeFunctionCall(WString& out, AShaderCollapseContext& context, const Array<WString>& inputValues,
+                         const Array<WString>& outputValues);
+
+private:
+  KeywordReplacePattern keywordReplacePattern_;
+  KeywordReplacePattern shaderReplacePattern_;
+  KeywordReplacePattern uniformReplacePattern_;
+  bool initialized_ = false;
+  bool requirementsWritten_ = false;
+  bool definitionWritten_ = false;
+  bool callWritten_ = false;
+  bool inShaderFunctionCall_ = false;
+  bool outputsDeclared_ = false;
+  bool requiresCurrentLight_ = false;
+  bool isInlineProfile_ = false;
+  RefPtr<ILanguageTraits const> language_;
+  WString profileName_;
+  WString profileShortname_;
+  RefPtr<AShaderFragment const> fragment_;
+  RefPtr<AShaderFragmentProfile const> profile_;
+  WString functionName_;
+  Array<WString> outputTypes_;
+  Array<WString> outputNames_;
+  Array<WString> outputKeys_;
+  Array<WString> uniformOriginal_;
+  Array<WString> uniformNew_;
+  Array<bool> callWrittenForLight_;
+  Array<WString> builtinFunctionValuesInPredefine_;
+  Array<WString> builtinFunctionValuesInBody_;
+};
+
+}  // namespace TolmSDK::Graphics::sfg

@@ -1,0 +1,73 @@
+#pragma once
+
+// Textual replacement while code is copied: by keyword (any occurrence, also inside longer identifiers) and by
+// position (an exact span).
+
+#include <cstddef>
+
+#include "sfg/export.h"
+#include "sfg/scoped_text.h"
+#include "tolmsdk/types.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+/// A span of the text being copied. Ordered by position; at one position the longer span comes first.
+struct KeywordPosKey {
+  std::size_t position = 0;
+  std::size_t length = 0;  ///< 0 inserts at `position`
+
+  friend bool operator==(const KeywordPosKey&, const KeywordPosKey&) = default;
+  friend bool operator<(const KeywordPosKey& a, const KeywordPosKey& b) noexcept {
+    return a.position != b.position ? a.position < b.position : a.length > b.length;
+  }
+};
+
+/// Rules; owns its strings. Keywords may repeat, and their order matters: at one place and length the later rule wins.
+class SFG_API KeywordReplacePattern {
+public:
+  using PositionalReplacements = Map<KeywordPosKey, WString, std::less<KeywordPosKey>>;
+
+  /// Appends a keyword rule; never merges with an equal keyword.
+  void addReplacePattern(const WString& keyword, const WString& replacement);
+  /// Appends all pairs; both arrays have the same length.
+  void addReplacePattern(const Array<WString>& keywords, const Array<WString>& replacements);
+  /// Sets the positional rule of a span.
+  void addReplacePattern(const KeywordPosKey& key, const WString& replacement);
+  /// Sets the replacement of every entry whose keyword equals `keyword`; appends the pair when there is none.
+  void overrideReplacePattern(const WString& keyword, const WString& replacement);
+  void clearReplacePattern();
+
+  bool empty() const noexcept { return keywords_.empty() && positionalReplacements_.empty(); }
+  const Array<WString>& getKeywords() const noexcept { return keywords_; }
+  /// Parallel to getKeywords().
+  const Array<WString>& getReplacements() const noexcept { return replacements_; }
+  const PositionalReplacements& getPositionalReplacements() const noexcept { return positionalReplacements_; }
+
+private:
+  Array<WString> keywords_;
+  Array<WString> replacements_;
+  PositionalReplacements positionalReplacements_;
+};
+
+/// Applies the rules of any number of patterns. Holds pointers into the patterns added: each stays alive and keeps its
+/// rules as they are until the replacer is cleared or destroyed.
+class SFG_API KeywordReplacer {
+public:
+  /// Adds the pattern's rules behind those added before; an equal span is overwritten.
+  void addReplacePattern(const KeywordReplacePattern& pattern);
+  /// Forgets all rules; the patterns are not touched.
+  void clearReplacePattern();
+
+  /// Copies `text` to `out` with the rules applied: the first match wins, at one place the longest, of equal spans a
+  /// keyword over a position and the later rule over the earlier. Replacements are not scanned again. With rules `out`
+  /// is replaced; without rules (and for empty text) it is appended to. A span behind the end of the text appends the
+  /// rest of the text, then its replacement. `text` must be followed by a NUL somewhere (see ScopedText::find).
+  void appendAndReplace(WString& out, const ScopedText& text) const;
+
+private:
+  Array<const WString*> keywords_;
+  Array<const WString*> replacements_;
+  Map<KeywordPosKey, const WString*, std::less<KeywordPosKey>> positionalReplacements_;
+};
+
+}  // namespace TolmSDK::Graphics::sfg

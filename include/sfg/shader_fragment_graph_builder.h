@@ -1,0 +1,26 @@
+#pragma once
+
+// Turns the host's own graph, seen through accessors, into a fragment graph.
+
+#include "sfg/export.h"
+#include "sfg/shader_fragment_graph.h"
+#include "tolmsdk/host_interfaces.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+class SFG_API AShaderFragmentGraphBuilder {
+public:
+  /// A new graph of clones `n0`, `n1`, .. wired as the accessor says, with a reference count of zero; null for a null
+  /// accessor. Throws Exception "sfgError : Failed to create fragment: %s!" (no such library fragment) and "sfgError :
+  /// circular loop: %s!" with the node's fragment name. Connections whose indexes do not fit are not made. Time grows
+  /// with nodes plus wires.
+  AShaderFragmentGraph* build(const ILanguageTraits* traits, const IGraphAccessor* accessor);
+
+private:
+  IShaderFragment* createFragment(const ILanguageTraits* traits, const INodeAccessor* node,
+                                  const wchar_t* instanceName);
+
+  RefPtr<AShaderFragmentGraph> graph_;
+};
+
+}  // namespace TolmSDK::Graphics::sfg
