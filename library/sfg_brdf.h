@@ -57,6 +57,22 @@ float sfg_ggxAnisotropic(float alphaT, float alphaB, float tDotH, float bDotH, f
     return 1.0 / (SFG_PI * alphaT * alphaB * d * d);
 }
 
+// Normal distribution of Beckmann, alpha > 0 (Cook and Torrance 1982).
+float sfg_beckmannDistribution(float alpha, float nDotH)
+{
+    float c2 = max(nDotH * nDotH, 0.000001);
+    float a2 = alpha * alpha;
+    return exp((c2 - 1.0) / (a2 * c2)) / (SFG_PI * a2 * c2 * c2);
+}
+
+// Normal distribution of cloth threads, alpha > 0 (Estevez and Kulla 2017).
+float sfg_charlieDistribution(float alpha, float nDotH)
+{
+    float inverse = 1.0 / alpha;
+    float sine = sqrt(saturate(1.0 - nDotH * nDotH));
+    return (2.0 + inverse) * sfg_safePower(sine, inverse) * SFG_INV_TWO_PI;
+}
+
 // Specular reflection with GGX, Smith and Schlick, without the cosine of the light (Cook and Torrance 1982).
 float3 sfg_ggxSpecular(float3 n, float3 l, float3 v, float3 f0, float roughness)
 {
