@@ -14,17 +14,17 @@
 
 namespace TolmSDK {
 
-/// One argument of a wide format: a text, a signed or an unsigned number. Refers to texts, owns none: it lives no
-/// longer than the call it is made for.
+/// One argument of a wide format: a text, a signed or an unsigned number. Refers to texts, owns none: it
+/// lives no longer than the call it is made for.
 class FormatArgument {
 public:
-  FormatArgument(const wchar_t* text) : text_(text == nullptr ? std::wstring_view() : text), kind_(Kind::text) {}
+  FormatArgument(const wchar_t* text)
+      : text_(text == nullptr ? std::wstring_view() : text), kind_(Kind::text) {}
   FormatArgument(std::wstring_view text) : text_(text), kind_(Kind::text) {}
   FormatArgument(const WString& text) : text_(text), kind_(Kind::text) {}
   FormatArgument(const UString& text) : text_(text.view()), kind_(Kind::text) {}
   template <class Integer>
-    requires std::is_integral_v<Integer>
-  FormatArgument(Integer number)
+  requires std::is_integral_v<Integer> FormatArgument(Integer number)
       : signed_(static_cast<long long>(number)), unsigned_(static_cast<unsigned long long>(number)) {}
 
   /// Appends this argument as the conversion `%s`, `%d` or `%i` (signed) or `%Iu` (unsigned) writes it. The
@@ -39,9 +39,9 @@ private:
   Kind kind_ = Kind::number;
 };
 
-/// Appends `format` to `out` with `%s` (wide text), `%d` and `%i` (int), `%Iu` (size_t) and `%%` replaced, the same
-/// on every system and without a length limit. A conversion without an argument, or one unknown, stays as written;
-/// surplus arguments are ignored.
+/// Appends `format` to `out` with `%s` (wide text), `%d` and `%i` (int), `%Iu` (size_t) and `%%` replaced,
+/// the same on every system and without a length limit. A conversion without an argument, or one unknown,
+/// stays as written; surplus arguments are ignored.
 TOLMSDK_API void appendFormatted(WString& out, std::wstring_view format, const FormatArgument* arguments,
                                  std::size_t count);
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the generator asks of its host. A host implements these six interfaces; all are counted objects, and all
-// operations the generator calls are const. Several collapses may call one object at the same time.
+// What the generator asks of its host. A host implements these six interfaces; all are counted objects, and
+// all operations the generator calls are const. Several collapses may call one object at the same time.
 
 #include <cstddef>
 
@@ -23,15 +23,16 @@ class ILanguageTraits : public IRefObject {
 public:
   /// The language's name, as profiles list it: "dx11".
   virtual const UString& getLanguageString() const = 0;
-  /// The language's name of a type; empty for one it does not have. A structure is written by its own name, which
-  /// the caller knows.
+  /// The language's name of a type; empty for one it does not have. A structure is written by its own name,
+  /// which the caller knows.
   virtual const WString& getTypeName(const TypeID& type) const = 0;
-  /// The type of a type text; TypeID_nil for a text that is none of the language's own types (a structure's name).
-  /// A leading "inout " is ignored.
+  /// The type of a type text; TypeID_nil for a text that is none of the language's own types (a structure's
+  /// name). A leading "inout " is ignored.
   virtual TypeID getTypeID(const WString& typeText) const = 0;
   /// The value as the language writes it; empty for types without text (samplers, structures).
   virtual WString getValueText(const AValue& value) const = 0;
-  /// The name of the parameter that carries a state variable; empty when the language does not know the variable.
+  /// The name of the parameter that carries a state variable; empty when the language does not know the
+  /// variable.
   virtual const WString& getStateVariableParameterName(const UString& stateVariable) const = 0;
   /// The type text of that parameter, without "inout ".
   virtual const WString& getStateVariableTypeName(const UString& stateVariable) const = 0;
@@ -72,9 +73,10 @@ public:
   virtual const wchar_t* getFragmentName() const = 0;
   virtual std::size_t getNumInputs() const = 0;
   virtual const AParameter* getInput(std::size_t index) const = 0;
-  /// False when the input is not wired; otherwise sets the source node and its output. The source must be a node of
-  /// the same graph.
-  virtual bool getInputConnection(std::size_t index, const INodeAccessor*& source, std::size_t& output) const = 0;
+  /// False when the input is not wired; otherwise sets the source node and its output. The source must be a
+  /// node of the same graph.
+  virtual bool getInputConnection(std::size_t index, const INodeAccessor*& source,
+                                  std::size_t& output) const = 0;
   virtual std::size_t getNumOutputs() const = 0;
   virtual const AParameter* getOutput(std::size_t index) const = 0;
 };
@@ -87,7 +89,8 @@ public:
   virtual std::size_t getNumOutputs() const = 0;
   virtual const AParameter* getOutput(std::size_t index) const = 0;
   /// False when the graph output is not wired; otherwise sets the source node and its output.
-  virtual bool getOutputConnection(std::size_t index, const INodeAccessor*& source, std::size_t& output) const = 0;
+  virtual bool getOutputConnection(std::size_t index, const INodeAccessor*& source,
+                                   std::size_t& output) const = 0;
   virtual std::size_t getNumNodes() const = 0;
   virtual const INodeAccessor* getNode(std::size_t index) const = 0;
 };

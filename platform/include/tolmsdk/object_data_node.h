@@ -19,17 +19,18 @@ struct TextPosition {
 
 enum class NodeKind { null, boolean, number, string, array, object };
 
-/// One value of a JSON document. Members of objects keep file order; of members with equal names the last one counts,
-/// at the place of the first. Children belong to their document: a child pointer is valid as long as somebody holds
-/// the root; a child may also be held by a reference of its own, which keeps the whole document alive.
-/// A loaded document is only read and may be read by several threads.
+/// One value of a JSON document. Members of objects keep file order; of members with equal names the last one
+/// counts, at the place of the first. Children belong to their document: a child pointer is valid as long as
+/// somebody holds the root; a child may also be held by a reference of its own, which keeps the whole
+/// document alive. A loaded document is only read and may be read by several threads.
 class IObjectDataNode : public IRefObject {
 public:
   /// Deepest nesting of arrays and objects that loads.
   static constexpr std::size_t kMaximumDepth = 256;
 
-  /// Replaces this root by the document of a file or of a text. On failure answers false, becomes a null node, and
-  /// getLoadError() tells what was wrong: for malformed text the line, the column and what was expected.
+  /// Replaces this root by the document of a file or of a text. On failure answers false, becomes a null
+  /// node, and getLoadError() tells what was wrong: for malformed text the line, the column and what was
+  /// expected.
   virtual bool loadFromFile(std::wstring_view path) = 0;
   virtual bool loadFromText(std::wstring_view text) = 0;
   virtual const WString& getLoadError() const = 0;
@@ -58,8 +59,8 @@ public:
   /// The value of a boolean; false for anything else.
   virtual bool asBool() const = 0;
 
-  /// Compact JSON: no blanks, members in file order, numbers and strings in one form for equal values. Stable for
-  /// equal documents.
+  /// Compact JSON: no blanks, members in file order, numbers and strings in one form for equal values. Stable
+  /// for equal documents.
   virtual WString toText() const = 0;
 };
 

@@ -14,7 +14,8 @@
 
 namespace TolmSDK::Graphics {
 
-/// One port or uniform: shared by reference between fragments, clones and graphs; filled once, then only read.
+/// One port or uniform: shared by reference between fragments, clones and graphs; filled once, then only
+/// read.
 class TOLMSDK_API AParameter : public RefCounted<IRefObject> {
 public:
   /// Flag bit 0: the parameter has a constant value, which the host's options give.
@@ -24,10 +25,10 @@ public:
   AParameter(const TypeID& type, const WString& name);
   ~AParameter() override;
 
-  /// Fills the parameter from a JSON object: "name" (required, not empty), "type" (required, a name of either kind),
-  /// "struct" (required with type struct), "value" (boolean, number, or array of as many numbers as the type has
-  /// components), "constant" (boolean), "semantic" (string). Unknown keys are ignored. Answers false on anything
-  /// malformed; getLoadError() then tells what, and the position where it is known.
+  /// Fills the parameter from a JSON object: "name" (required, not empty), "type" (required, a name of either
+  /// kind), "struct" (required with type struct), "value" (boolean, number, or array of as many numbers as
+  /// the type has components), "constant" (boolean), "semantic" (string). Unknown keys are ignored. Answers
+  /// false on anything malformed; getLoadError() then tells what, and the position where it is known.
   bool load(const IObjectDataNode* node);
   const WString& getLoadError() const noexcept { return loadError_; }
 
@@ -47,8 +48,8 @@ public:
   const AValue& getDefaultValue() const noexcept { return defaultValue_; }
   void setDefaultValue(const AValue& value) { defaultValue_ = value; }
 
-  /// What the host binds the parameter to. Empty: a pre-process output is declared by the collapse, and an output is
-  /// registered as a custom state variable.
+  /// What the host binds the parameter to. Empty: a pre-process output is declared by the collapse, and an
+  /// output is registered as a custom state variable.
   const UString& getSemantic() const noexcept { return semantic_; }
   void setSemantic(const UString& semantic) { semantic_ = semantic; }
 

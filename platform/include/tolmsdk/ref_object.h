@@ -90,8 +90,7 @@ public:
   RefPtr(const RefPtr& other) : RefPtr(other.object_) {}
   RefPtr(RefPtr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
   template <class U>
-    requires std::is_convertible_v<U*, T*>
-  RefPtr(const RefPtr<U>& other) : RefPtr(other.get()) {}
+  requires std::is_convertible_v<U*, T*> RefPtr(const RefPtr<U>& other) : RefPtr(other.get()) {}
   ~RefPtr() { release(); }
 
   RefPtr& operator=(const RefPtr& other) {

@@ -18,8 +18,8 @@ public:
   ResourceLibrary(const ResourceLibrary&) = delete;
   ResourceLibrary& operator=(const ResourceLibrary&) = delete;
 
-  /// Registers `object` under `name`, replacing (and releasing) an object of the same name. A null object is refused
-  /// with false.
+  /// Registers `object` under `name`, replacing (and releasing) an object of the same name. A null object is
+  /// refused with false.
   bool registerResource(const WString& name, IRefObject* object);
   /// The object of that name, or null. Adds no reference.
   IRefObject* acquireResource(std::wstring_view name) const;

@@ -9,8 +9,8 @@
 
 namespace TolmSDK {
 
-/// SHA-1 (FIPS 180-4) of the text's UTF-8 bytes as 40 lower-case hexadecimal digits, the same for 16-bit and 32-bit
-/// wide characters. A lone surrogate is hashed as U+FFFD.
+/// SHA-1 (FIPS 180-4) of the text's UTF-8 bytes as 40 lower-case hexadecimal digits, the same for 16-bit and
+/// 32-bit wide characters. A lone surrogate is hashed as U+FFFD.
 TOLMSDK_API WString SHA1_GetStringHash(std::wstring_view text);
 
 }  // namespace TolmSDK

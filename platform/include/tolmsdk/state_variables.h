@@ -12,8 +12,8 @@
 
 namespace TolmSDK::Graphics {
 
-/// How a state variable reaches the code: as a uniform; as a member of the one `inout State state`; as an `inout`
-/// parameter of its own; or resolved by the light loop.
+/// How a state variable reaches the code: as a uniform; as a member of the one `inout State state`; as an
+/// `inout` parameter of its own; or resolved by the light loop.
 enum class StateVariableKind { uniform, metaSL, varying, currentLight };
 
 struct StateVariableInfo {

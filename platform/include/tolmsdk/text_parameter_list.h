@@ -11,7 +11,8 @@
 
 namespace TolmSDK::Graphics {
 
-/// Inputs and outputs of a function, each a type text and a name text, in the order added. Indexes are not checked.
+/// Inputs and outputs of a function, each a type text and a name text, in the order added. Indexes are not
+/// checked.
 class ITextParameterList : public IRefObject {
 public:
   virtual std::size_t getNumInputs() const = 0;
@@ -25,16 +26,17 @@ public:
   virtual void addOutput(std::wstring_view type, std::wstring_view name) = 0;
   virtual void clear() = 0;
 
-  /// Replaces the list by a comma-separated list of parameters as a function prototype has it: qualifiers `in`, `out`,
-  /// `inout`, `const`, `uniform`; type words with template arguments; the name; optionally `:` and a semantic, which
-  /// is dropped. Comments are skipped. `out` makes an output, `inout T` an input of the type text `inout T`. Blank
-  /// text is the empty list. A missing type or name, an array suffix, a default value or a name given twice answers
-  /// false and leaves the list empty.
+  /// Replaces the list by a comma-separated list of parameters as a function prototype has it: qualifiers
+  /// `in`, `out`, `inout`, `const`, `uniform`; type words with template arguments; the name; optionally `:`
+  /// and a semantic, which is dropped. Comments are skipped. `out` makes an output, `inout T` an input of the
+  /// type text `inout T`. Blank text is the empty list. A missing type or name, an array suffix, a default
+  /// value or a name given twice answers false and leaves the list empty.
   virtual bool parseParameters(std::wstring_view text) = 0;
 
-  /// Appends all inputs, then all outputs, each as a line feed, the prefix and the item, with a comma directly behind
-  /// every item but the last. An item in declaration form is type, blank, name (the name alone when the type is
-  /// empty), outputs preceded by "out "; in call form the name alone. An empty list writes nothing.
+  /// Appends all inputs, then all outputs, each as a line feed, the prefix and the item, with a comma
+  /// directly behind every item but the last. An item in declaration form is type, blank, name (the name
+  /// alone when the type is empty), outputs preceded by "out "; in call form the name alone. An empty list
+  /// writes nothing.
   virtual void writeParameters(WString& out, std::wstring_view prefix, bool declaration) const = 0;
 };
 

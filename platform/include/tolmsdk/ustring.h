@@ -12,15 +12,16 @@
 
 namespace TolmSDK {
 
-/// A handle on a pooled text. Copying and equality cost a pointer; `<` orders by text, so that a Set<UString> is
-/// walked in the same order on every run and machine. May be made in several threads at once. The pool keeps a
-/// text until the process ends; views and references to it stay valid as long.
+/// A handle on a pooled text. Copying and equality cost a pointer; `<` orders by text, so that a Set<UString>
+/// is walked in the same order on every run and machine. May be made in several threads at once. The pool
+/// keeps a text until the process ends; views and references to it stay valid as long.
 class TOLMSDK_API UString {
 public:
   /// The empty text.
   UString() noexcept;
   explicit UString(std::wstring_view text);
-  explicit UString(const wchar_t* text) : UString(text == nullptr ? std::wstring_view() : std::wstring_view(text)) {}
+  explicit UString(const wchar_t* text)
+      : UString(text == nullptr ? std::wstring_view() : std::wstring_view(text)) {}
   explicit UString(const WString& text) : UString(std::wstring_view(text)) {}
 
   const WString& str() const noexcept { return *text_; }

@@ -1,0 +1,71 @@
+#include "tolmsdk/sha1.h"
+
+#include <openssl/evp.h>
+
+#include <array>
+#include <memory>
+
+#include "platform/utf.h"
+#include "tolmsdk/exception.h"
+
+namespace TolmSDK {
+
+namespace {
+
+constexpr std::size_t kDigestSize = 20;
+
+void require(bool succeeded) {
+  if (!succeeded) throw Exception(L"sfgError : SHA-1 is not available!");
+}
+
+/// Looked up once: asking the providers for it costs more than hashing a short text.
+const EVP_MD* algorithm() {
+  static const EVP_MD* const sha1 = EVP_MD_fetch(nullptr, "SHA1", nullptr);
+  require(sha1 != nullptr);
+  return sha1;
+}
+
+struct FreeContext {
+  void operator()(EVP_MD_CTX* context) const noexcept { EVP_MD_CTX_free(context); }
+};
+
+/// The calling thread's own context, used again for each text.
+EVP_MD_CTX* threadContext() {
+  thread_local const std::unique_ptr<EVP_MD_CTX, FreeContext> context(EVP_MD_CTX_new());
+  require(context != nullptr);
+  return context.get();
+}
+
+/// Feeds the text's UTF-8 to the context piece by piece, so that no copy of a long text is made.
+void update(EVP_MD_CTX* context, std::wstring_view text) {
+  std::array<char, 1024> bytes;
+  std::size_t used = 0;
+  for (std::size_t index = 0; index < text.size();) {
+    used += writeUtf8(bytes.data() + used, nextCodePoint(text, index));
+    if (used > bytes.size() - 4) {
+      require(EVP_DigestUpdate(context, bytes.data(), used) == 1);
+      used = 0;
+    }
+  }
+  require(EVP_DigestUpdate(context, bytes.data(), used) == 1);
+}
+
+}  // namespace
+
+WString SHA1_GetStringHash(std::wstring_view text) {
+  EVP_MD_CTX* const context = threadContext();
+  require(EVP_DigestInit_ex2(context, algorithm(), nullptr) == 1);
+  update(context, text);
+  std::array<unsigned char, kDigestSize> digest;
+  require(EVP_DigestFinal_ex(context, digest.data(), nullptr) == 1);
+
+  WString out;
+  out.reserve(2 * kDigestSize);
+  for (const unsigned byte : digest) {
+    out += L"0123456789abcdef"[byte >> 4];
+    out += L"0123456789abcdef"[byte & 15];
+  }
+  return out;
+}
+
+}  // namespace TolmSDK
