@@ -14,13 +14,13 @@ struct LeakyRecord {
   friend bool operator<(LeakyRecord const& a, LeakyRecord const& b) { return a.number < b.number; }
 };
 
-[[gnu::visibility("default")]] int own() { return 1; }
+int own() { return 1; }
 
 }  // namespace TolmSDK
 
 // Its printed name begins with our namespace, and is the standard library's all the same.
-template [[gnu::visibility("default")]] TolmSDK::LeakyRecord const&
-std::max<TolmSDK::LeakyRecord>(TolmSDK::LeakyRecord const&, TolmSDK::LeakyRecord const&);
+template TolmSDK::LeakyRecord const& std::max<TolmSDK::LeakyRecord>(TolmSDK::LeakyRecord const&,
+                                                                    TolmSDK::LeakyRecord const&);
 
 namespace Foreign {
 
