@@ -80,7 +80,7 @@ float3 sfg_shadeCarPaint(sfg_Light light, float3 n, float3 flakeNormal, float3 v
     float3 flakes = sfg_ggxSpecular(flakeNormal, light.direction, v, flakeColor, 0.25) *
         sfg_lightIrradiance(light, flakeNormal);
     float3 through = 1.0 - sfg_fresnelSchlick(coatF0, saturate(dot(n, v)));
-    return coat + through * lerp(base, flakes, flakeAmount);
+    return coat + through * (base + flakes * flakeAmount);
 }
 
 // Light in flat steps with a hard highlight. `softness` widens the borders between the steps.
