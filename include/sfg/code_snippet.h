@@ -3,8 +3,12 @@
 // Pieces of shader code with their parse, and their use by one fragment instance.
 
 #include <cstddef>
+#include <functional>
+#include <map>
 #include <memory>
 #include <ostream>
+#include <string_view>
+#include <utility>
 
 #include "sfg/builtin_function.h"
 #include "sfg/export.h"
@@ -59,6 +63,8 @@ public:
   void dump(std::wostream& os) const;
 
 private:
+  void addCode(std::wstring_view code);
+  void takeSymbol(ShaderSymbol&& symbol);
   void clearParse();
 
   Set<UString> stateVariables_;
@@ -67,7 +73,8 @@ private:
   std::shared_ptr<WString> code_;
   Array<std::shared_ptr<const WString>> retiredCode_;  // texts that symbols of the present parse still view
   Array<ShaderSymbol> symbols_;
-  Map<WString, std::size_t> symbolIndex_;
+  std::multimap<std::size_t, std::size_t, std::less<>, StlAllocator<std::pair<const std::size_t, std::size_t>>>
+      symbolIndex_;  // by hash of the key, in symbol order
 };
 
 /// A snippet as one fragment instance uses it. Owns the snippet when told so. Neither copied nor moved.

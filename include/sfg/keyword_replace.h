@@ -61,8 +61,14 @@ public:
   /// Copies `text` to `out` with the rules applied: the first match wins, at one place the longest, of equal spans a
   /// keyword over a position and the later rule over the earlier. Replacements are not scanned again. With rules `out`
   /// is replaced; without rules (and for empty text) it is appended to. A span behind the end of the text appends the
-  /// rest of the text, then its replacement. `text` must be followed by a NUL somewhere (see ScopedText::find).
+  /// rest of the text, then its replacement. `text` must be followed by a NUL somewhere (see ScopedText::find) and may
+  /// view `out`. Throws when `out` would pass the size limit of generated code.
   void appendAndReplace(WString& out, const ScopedText& text) const;
+
+  /// The same, but appends in any case: `out` keeps what it holds. `text` does not view `out`.
+  void appendReplaced(WString& out, const ScopedText& text) const;
+
+  bool empty() const noexcept { return keywords_.empty() && positionalReplacements_.empty(); }
 
 private:
   Array<const WString*> keywords_;

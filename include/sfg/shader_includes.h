@@ -46,6 +46,9 @@ private:
     WString content;
     Set<WString> includes;
   };
+  class FlatWalk;
+
+  const Include* findInclude(std::wstring_view name) const;
 
   Map<WString, Include> includes_;
   Map<WString, WString> hashCache_;

@@ -98,7 +98,7 @@ public:
   void construct(const ShaderSymbol* symbol, const Array<WString>& renames, std::size_t firstRename);
 
   /// The symbol's key followed by the renames.
-  const WString& getInstanceKey() const noexcept { return instanceKey_; }
+  const WString& getInstanceKey() const { return instanceKey_.empty() ? getKey() : instanceKey_; }
   /// The symbol's key, name and text; empty without a symbol.
   const WString& getKey() const;
   ScopedText getName() const;
@@ -107,7 +107,7 @@ public:
   const KeywordReplacePattern& getKeywordReplacePattern() const noexcept { return keywordReplacePattern_; }
 
 private:
-  WString instanceKey_;
+  WString instanceKey_;  // empty when it is the symbol's key
   const ShaderSymbol* symbol_ = nullptr;
   KeywordReplacePattern keywordReplacePattern_;
 };

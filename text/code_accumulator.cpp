@@ -1,0 +1,216 @@
+#include "sfg/code_accumulator.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "sfg/size_limit.h"
+#include "text/text_store.h"
+#include "tolmsdk/exception.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+namespace {
+
+using Texts = std::pair<std::wstring_view, std::wstring_view>;
+
+std::size_t combineHash(std::size_t hash, std::wstring_view text) {
+  return hash * 1099511628211u + std::hash<std::wstring_view>()(text);
+}
+
+bool holdsRule(const KeywordReplacePattern& pattern, std::wstring_view keyword, std::wstring_view replacement) {
+  for (std::size_t i = 0; i < pattern.getKeywords().size(); ++i)
+    if (pattern.getKeywords()[i] == keyword && pattern.getReplacements()[i] == replacement) return true;
+  return false;
+}
+
+}  // namespace
+
+/// What was written, and under which names. All views point into `texts`.
+struct CodeAccumulator::Impl {
+  /// A symbol as it was written. A null name stands for its own.
+  struct Written {
+    std::size_t hash;  // of the key and the renames
+    std::wstring_view key;
+    Array<Texts> renames;
+    const WString* name;
+  };
+
+  /// What a name is used as. A null text stands for the name itself.
+  struct Name {
+    bool isRecorded = false;  // by an earlier call
+    const WString* recorded = nullptr;
+    std::uint64_t call = 0;  // the last one that used it
+    const WString* inCall = nullptr;
+  };
+
+  TextStore texts;
+  std::deque<WString> generatedNames;
+  std::uint64_t counter = 0;
+  std::unordered_map<std::wstring_view, Name> names;
+  std::deque<Written> written;
+  std::unordered_multimap<std::size_t, const Written*> writtenByHash;
+
+  // The call in progress, or one that an exception ended.
+  std::uint64_t call = 0;
+  Array<Name*> callNames;
+  Array<Written> callWritten;
+
+  // The symbol in progress.
+  Array<Texts> renamesInForce;
+  std::size_t hash = 0;
+  WString ownName;
+  KeywordReplacer replacer;
+
+  void beginCall();
+  void finishCall();
+  void append(WString& out, const ShaderSymbolInstance& symbol, const KeywordReplacePattern& pattern,
+              KeywordReplacePattern& renamePattern);
+
+private:
+  void identify(const ShaderSymbolInstance& symbol, const KeywordReplacePattern& renamePattern);
+  const Written* findWritten(std::wstring_view key, std::size_t hash, const Array<Texts>& renames) const;
+  Name& findName(std::wstring_view name);
+  bool useInCall(Name& name);
+  void reuseName(const WString* used, KeywordReplacePattern& renamePattern);
+  const WString* chooseName(KeywordReplacePattern& renamePattern);
+  const WString* generateName();
+  void rememberWritten(std::wstring_view key, const WString* name);
+};
+
+void CodeAccumulator::Impl::beginCall() {
+  ++call;
+  callNames.clear();
+  callWritten.clear();
+}
+
+/// What the call wrote is known to later calls only.
+void CodeAccumulator::Impl::finishCall() {
+  for (Written& symbol : callWritten) {
+    if (findWritten(symbol.key, symbol.hash, symbol.renames) != nullptr) continue;
+    written.push_back(std::move(symbol));
+    writtenByHash.emplace(written.back().hash, &written.back());
+  }
+  for (Name* name : callNames) {
+    name->isRecorded = true;
+    name->recorded = name->inCall;
+  }
+}
+
+void CodeAccumulator::Impl::append(WString& out, const ShaderSymbolInstance& symbol,
+                                   const KeywordReplacePattern& pattern,
+                                   KeywordReplacePattern& renamePattern) {
+  const WString& key = symbol.getInstanceKey();
+  if (key.empty()) {
+    checkTextLength(out.size() + symbol.getText().length);
+    appendString(out, symbol.getText());
+    return;
+  }
+
+  identify(symbol, renamePattern);
+  if (const Written* same = findWritten(key, hash, renamesInForce)) return reuseName(same->name, renamePattern);
+
+  const WString* name = chooseName(renamePattern);
+  rememberWritten(key, name);
+  replacer.clearReplacePattern();
+  replacer.addReplacePattern(pattern);
+  replacer.addReplacePattern(symbol.getKeywordReplacePattern());
+  replacer.addReplacePattern(renamePattern);
+  replacer.appendReplaced(out, symbol.getText());
+}
+
+/// Finds the renames that tell this use of a symbol from others: those of other names that occur in its text.
+void CodeAccumulator::Impl::identify(const ShaderSymbolInstance& symbol,
+                                     const KeywordReplacePattern& renamePattern) {
+  const ScopedText text = symbol.getText();
+  symbol.getName().toString(ownName);
+  hash = combineHash(0, symbol.getInstanceKey());
+  renamesInForce.clear();
+  for (std::size_t i = 0; i < renamePattern.getKeywords().size(); ++i) {
+    const WString& keyword = renamePattern.getKeywords()[i];
+    const WString& replacement = renamePattern.getReplacements()[i];
+    if (keyword.empty() || keyword == ownName || text.find(keyword, 0) == kNotFound) continue;
+    renamesInForce.emplace_back(keyword, replacement);
+    hash = combineHash(combineHash(hash, keyword), replacement);
+  }
+}
+
+const CodeAccumulator::Impl::Written* CodeAccumulator::Impl::findWritten(std::wstring_view key,
+                                                                         std::size_t keyAndRenamesHash,
+                                                                         const Array<Texts>& renames) const {
+  const auto [first, last] = writtenByHash.equal_range(keyAndRenamesHash);
+  for (auto entry = first; entry != last; ++entry)
+    if (entry->second->key == key && entry->second->renames == renames) return entry->second;
+  return nullptr;
+}
+
+CodeAccumulator::Impl::Name& CodeAccumulator::Impl::findName(std::wstring_view name) {
+  const auto known = names.find(name);
+  return known != names.end() ? known->second : names[texts.add(name)];
+}
+
+/// Whether this is the name's first use in the call.
+bool CodeAccumulator::Impl::useInCall(Name& name) {
+  if (name.call == call) return false;
+  name.call = call;
+  callNames.push_back(&name);
+  return true;
+}
+
+/// The symbol is not written again: this call refers to it under the name it was written under.
+void CodeAccumulator::Impl::reuseName(const WString* used, KeywordReplacePattern& renamePattern) {
+  Name& name = findName(ownName);
+  if (useInCall(name)) name.inCall = used;
+  if (used != nullptr && !holdsRule(renamePattern, ownName, *used))
+    renamePattern.addReplacePattern(ownName, *used);
+}
+
+const WString* CodeAccumulator::Impl::chooseName(KeywordReplacePattern& renamePattern) {
+  Name& name = findName(ownName);
+  if (useInCall(name)) {
+    name.inCall = name.isRecorded ? generateName() : nullptr;
+    if (name.inCall != nullptr) renamePattern.addReplacePattern(ownName, *name.inCall);
+  }
+  return name.inCall;
+}
+
+/// Numbers are appended to what was refused before: `foo3` is followed by `foo34`.
+const WString* CodeAccumulator::Impl::generateName() {
+  WString candidate = ownName;
+  for (;;) {
+    appendDecimal(candidate, static_cast<std::size_t>(++counter));
+    const auto known = names.find(candidate);
+    if (known == names.end() || !known->second.isRecorded) return &generatedNames.emplace_back(std::move(candidate));
+  }
+}
+
+void CodeAccumulator::Impl::rememberWritten(std::wstring_view key, const WString* name) {
+  Written& symbol = callWritten.emplace_back(Written{hash, texts.add(key), {}, name});
+  for (const auto& [keyword, replacement] : renamesInForce)
+    symbol.renames.emplace_back(texts.add(keyword), texts.add(replacement));
+}
+
+CodeAccumulator::CodeAccumulator() : impl_(std::make_unique<Impl>()) {}
+CodeAccumulator::~CodeAccumulator() = default;
+
+void CodeAccumulator::append(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
+                             KeywordReplacePattern& renamePattern) {
+  impl_->beginCall();
+  for (std::size_t i = 0; i < code.getNumSymbols(); ++i)
+    impl_->append(out, code.getSymbol(i), pattern, renamePattern);
+  impl_->finishCall();
+}
+
+const WString& CodeAccumulator::getRename(const WString& name) const {
+  const auto known = impl_->names.find(name);
+  if (known == impl_->names.end() || known->second.recorded == nullptr) return name;
+  return *known->second.recorded;
+}
+
+void CodeAccumulator::clear() { impl_ = std::make_unique<Impl>(); }
+
+}  // namespace TolmSDK::Graphics::sfg

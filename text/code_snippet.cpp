@@ -1,0 +1,124 @@
+#include "sfg/code_snippet.h"
+
+#include <cstdint>
+
+#include "text/scan.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+namespace {
+
+std::size_t hashOf(std::wstring_view key) { return std::hash<std::wstring_view>()(key); }
+
+}  // namespace
+
+CodeSnippet::CodeSnippet() : code_(std::make_shared<WString>()) {}
+CodeSnippet::~CodeSnippet() = default;
+
+void CodeSnippet::addCode(const wchar_t* code) {
+  if (code != nullptr) addCode(std::wstring_view(code));
+}
+
+void CodeSnippet::addCode(const WString& code) { addCode(std::wstring_view(code)); }
+
+void CodeSnippet::addCode(std::wstring_view code) {
+  // Text that others view never changes: it is copied, and kept as long as symbols of this parse view it.
+  if (!symbols_.empty() || code_.use_count() > 1) {
+    retiredCode_.push_back(code_);
+    code_ = std::make_shared<WString>(*code_);
+  }
+  code_->append(code);
+}
+
+bool CodeSnippet::parse() {
+  clearParse();
+  const ScopedText all(*code_);
+  ScopedText rest = all;
+  const wchar_t* gapStart = all.text;
+  ShaderSymbol symbol;
+  while (ShaderSymbol::findFirstSymbol(symbol, rest) && !symbol.getRange().empty()) {
+    const std::size_t gapLength = static_cast<std::size_t>(symbol.getRange().text - gapStart);
+    // A symbol never starts in front of the gap, so this refuses nothing but gaps of 2^31 characters.
+    if (static_cast<std::int32_t>(gapLength) < 0) return false;  // GCOVR_EXCL_BR_LINE
+    ScopedText gap(gapStart, gapLength);
+    trimWhiteSpaces(gap);
+    addSymbol(gap);
+    takeSymbol(std::move(symbol));
+    gapStart = rest.text;
+  }
+  ScopedText gap(gapStart, static_cast<std::size_t>(all.text + all.length - gapStart));
+  trimWhiteSpaces(gap);
+  addSymbol(gap);
+  return true;
+}
+
+void CodeSnippet::addSymbol(const ScopedText& text) {
+  if (text.empty()) return;
+  symbols_.emplace_back().setRange(text);
+}
+
+void CodeSnippet::addSymbol(const ShaderSymbol& symbol) {
+  if (!symbol.getRange().empty()) takeSymbol(ShaderSymbol(symbol));
+}
+
+void CodeSnippet::takeSymbol(ShaderSymbol&& symbol) {
+  const ShaderSymbol& added = symbols_.emplace_back(std::move(symbol));
+  symbolIndex_.emplace(hashOf(added.getKey()), symbols_.size() - 1);
+  stateVariables_.insert(added.getStateVariables().begin(), added.getStateVariables().end());
+  builtinFunctions_.insert(builtinFunctions_.end(), added.getBuiltinFunctions().begin(),
+                           added.getBuiltinFunctions().end());
+  shaderFunctions_.insert(shaderFunctions_.end(), added.getShaderFunctions().begin(),
+                          added.getShaderFunctions().end());
+}
+
+std::size_t CodeSnippet::findSymbol(std::wstring_view key) const {
+  const auto [first, last] = symbolIndex_.equal_range(hashOf(key));
+  for (auto entry = last; entry != first;) {
+    --entry;
+    if (symbols_[entry->second].getKey() == key) return entry->second;
+  }
+  return kNotFound;
+}
+
+void CodeSnippet::clear() {
+  code_ = std::make_shared<WString>();
+  clearParse();
+}
+
+void CodeSnippet::clearParse() {
+  symbols_.clear();
+  symbolIndex_.clear();
+  stateVariables_.clear();
+  builtinFunctions_.clear();
+  shaderFunctions_.clear();
+  retiredCode_.clear();
+}
+
+void CodeSnippet::dump(std::wostream& os) const {
+  for (const ShaderSymbol& symbol : symbols_) {
+    os << L"[ " << symbol.getTypeString() << L" ]\n";
+    os << (symbol.getKey().empty() ? symbol.getRange().view() : std::wstring_view(symbol.getKey())) << L"\n\n";
+  }
+}
+
+CodeSnippetInstance::CodeSnippetInstance() = default;
+CodeSnippetInstance::~CodeSnippetInstance() = default;
+
+void CodeSnippetInstance::construct(const CodeSnippet* snippet, const Array<WString>& renames, bool ownsSnippet) {
+  symbols_.clear();
+  // A snippet that was owned already is not destroyed when it is handed over again.
+  if (snippet == owned_.get()) owned_.release();
+  owned_.reset(ownsSnippet ? snippet : nullptr);
+  snippet_ = snippet;
+  if (snippet == nullptr) return;
+
+  symbols_.reserve(snippet->getNumSymbols());
+  std::size_t firstRename = 0;
+  for (std::size_t i = 0; i < snippet->getNumSymbols(); ++i) {
+    const ShaderSymbol& symbol = snippet->getSymbol(i);
+    symbols_.emplace_back().construct(&symbol, renames, firstRename);
+    firstRename += symbol.getBuiltinFunctions().size();
+  }
+}
+
+}  // namespace TolmSDK::Graphics::sfg

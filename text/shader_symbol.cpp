@@ -1,0 +1,317 @@
+#include "sfg/shader_symbol.h"
+
+#include <algorithm>
+#include <functional>
+#include <string_view>
+
+#include "text/builtin_names.h"
+#include "text/scan.h"
+#include "tolmsdk/exception.h"
+#include "tolmsdk/sha1.h"
+#include "tolmsdk/state_variables.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+namespace {
+
+/// The state variable of that name, or null. Looked up by view: a pooled string of every word that might be one
+/// would let code fill the pool.
+const UString* findStateVariableByText(std::wstring_view name) {
+  static const Array<UString> sorted = [] {
+    Array<UString> names;
+    for (const StateVariableInfo& variable : allStateVariables()) names.push_back(variable.name);
+    std::sort(names.begin(), names.end());
+    return names;
+  }();
+  const auto found = std::lower_bound(sorted.begin(), sorted.end(), name);
+  return found != sorted.end() && found->view() == name ? &*found : nullptr;
+}
+
+/// The words in front of a function's parameters or behind a uniform's qualifiers.
+struct DeclarationWords {
+  ScopedText first;
+  ScopedText lastButOne;
+  ScopedText last;
+  std::size_t count = 0;
+  std::size_t leadingQualifiers = 0;  // words that begin with `uniform` or `extern`
+
+  void add(const ScopedText& word) {
+    if (count == 0) first = word;
+    if (leadingQualifiers == count && (scan::isEqual(word, 0, L"uniform") || scan::isEqual(word, 0, L"extern")))
+      ++leadingQualifiers;
+    lastButOne = last;
+    last = word;
+    ++count;
+  }
+};
+
+DeclarationWords readWords(const ScopedText& text, std::size_t& pos) {
+  DeclarationWords words;
+  // No attribute in brackets is looked for: the search for a symbol stops at token characters only, so the words
+  // inside an attribute are met as ordinary ones.
+  ScopedText word = scan::getKeyword(text, pos);
+  while (!word.empty()) {
+    words.add(word);
+    scan::skipWhitespaces(text, pos);
+    word = scan::getKeyword(text, pos);
+  }
+  return words;
+}
+
+bool parseStruct(ShaderSymbol& s, const ScopedText& text, std::size_t& pos) {
+  const ScopedText keyword = scan::getKeyword(text, pos);
+  scan::skipWhitespaces(text, pos);
+  const ScopedText name = scan::getKeyword(text, pos);
+  scan::skipWhitespaces(text, pos);
+  if (pos >= text.length) return false;
+  if (text.text[pos] == L';') {
+    const ScopedText semicolon(text.text + pos++, 1);
+    s.constructStruct(name, ScopedText(), scan::buildRange(keyword, semicolon));
+    return true;
+  }
+  const ScopedText body = scan::getBracketBody(text, pos, L'{', L'}');
+  scan::getOptionalSemiColon(text, pos);
+  const ScopedText lineFeed = scan::getOptional(text, pos, L'\n');
+  s.constructStruct(name, body, scan::buildRange(keyword, lineFeed));
+  return true;
+}
+
+bool parseTechnique(ShaderSymbol& s, const ScopedText& text, std::size_t& pos) {
+  const ScopedText keyword = scan::getKeyword(text, pos);
+  scan::skipWhitespaces(text, pos);
+  const ScopedText name = scan::getKeyword(text, pos);
+  scan::skipWhitespaces(text, pos);
+  const ScopedText body = scan::getBracketBody(text, pos, L'{', L'}');
+  s.constructTechnique(name, scan::buildRange(keyword, body));
+  return true;
+}
+
+bool parseFunction(ShaderSymbol& s, const DeclarationWords& words, const ScopedText& text, std::size_t& pos) {
+  if (words.count < 2) return false;
+  const ScopedText returnType = scan::buildRange(words.first, words.lastButOne);
+  const ScopedText parameters = scan::getBracketBody(text, pos, L'(', L')');
+  const ScopedText semicolon = scan::getOptionalSemiColon(text, pos);
+  if (!semicolon.empty()) {
+    const ScopedText lineFeed = scan::getOptional(text, pos, L'\n');
+    s.constructFunction(returnType, words.last, parameters, lineFeed.empty() ? semicolon : lineFeed);
+    return true;
+  }
+  const ScopedText braces = scan::getBracketBody(text, pos, L'{', L'}');
+  scan::getOptionalSemiColon(text, pos);
+  const ScopedText lineFeed = scan::getOptional(text, pos, L'\n');
+  s.constructFunction(returnType, words.last, parameters, scan::buildRange(braces, lineFeed));
+  return true;
+}
+
+/// Past a default value, to the `;` behind it or to the end.
+void skipDefaultValue(const ScopedText& text, std::size_t& pos) {
+  while (pos < text.length && text.text[pos] != L';') {
+    if (scan::startsComment(text, pos)) {
+      scan::skipStartedComment(text, pos);
+    } else {
+      ++pos;
+    }
+  }
+}
+
+/// Past annotations, constructor arguments, array sizes, semantics and default value. False when anything else comes
+/// before the `;`, which `pos` then stands at.
+bool skipUniformParts(const ScopedText& text, std::size_t& pos) {
+  for (;;) {
+    scan::skipWhitespaces(text, pos);
+    if (pos >= text.length) return false;
+    switch (text.text[pos]) {
+    case L'<': scan::getBracketBody(text, pos, L'<', L'>'); break;
+    case L'(': scan::getBracketBody(text, pos, L'(', L')'); break;
+    case L'[': scan::getBracketBody(text, pos, L'[', L']'); break;
+    case L':':
+      ++pos;
+      scan::skipWhitespaces(text, pos);
+      scan::getKeyword(text, pos);
+      break;
+    case L'=':
+      ++pos;
+      skipDefaultValue(text, pos);
+      break;
+    case L';': return true;
+    default: return false;
+    }
+  }
+}
+
+bool parseUniform(ShaderSymbol& s, const DeclarationWords& words, const ScopedText& text, std::size_t& pos) {
+  const std::size_t unqualified = words.count - words.leadingQualifiers;
+  if (unqualified != 1 && unqualified != 2) return false;
+
+  // With one word behind the qualifiers that is the type, whose template arguments and name follow.
+  ScopedText name = words.last;
+  if (unqualified == 1) {
+    if (text.text[pos] == L'<') {
+      scan::getBracketBody(text, pos, L'<', L'>');
+      scan::skipWhitespaces(text, pos);
+    }
+    name = scan::getKeyword(text, pos);
+  }
+
+  if (!skipUniformParts(text, pos)) return false;
+  ++pos;  // the semicolon
+  const ScopedText lineFeed = scan::getOptional(text, pos, L'\n');
+  s.constructUniform(name, scan::buildRange(words.first, lineFeed));
+  return true;
+}
+
+}  // namespace
+
+ShaderSymbol::~ShaderSymbol() = default;
+
+void ShaderSymbol::clear() { clearThis(); }
+
+void ShaderSymbol::clearThis() {
+  stateVariables_.clear();
+  builtinFunctions_.clear();
+  shaderFunctions_.clear();
+  key_.clear();
+  range_ = ScopedText();
+  name_ = ScopedText();
+  zeroThis();
+}
+
+bool ShaderSymbol::findFirstSymbol(ShaderSymbol& s, const ScopedText& text, std::size_t& pos) {
+  s.clear();
+  scan::skipNonKeywords(text, pos);
+  if (pos >= text.length) return false;
+  if (scan::isEqual(text, pos, L"struct") || scan::isEqual(text, pos, L"samplerstate"))
+    return parseStruct(s, text, pos);
+  if (scan::isEqual(text, pos, L"technique")) return parseTechnique(s, text, pos);
+
+  const DeclarationWords words = readWords(text, pos);
+  if (pos >= text.length) return false;
+  switch (text.text[pos]) {
+  case L':':
+  case L';':
+  case L'<':
+  case L'=':
+  case L'[': return parseUniform(s, words, text, pos);
+  case L'(': return parseFunction(s, words, text, pos);
+  default: ++pos; return false;
+  }
+}
+
+bool ShaderSymbol::findFirstSymbol(ShaderSymbol& s, ScopedText& text) {
+  std::size_t pos = 0;
+  findFirstSymbol(s, text, pos);
+  text = text.substr(pos, text.length);
+  return pos > 0;
+}
+
+void ShaderSymbol::constructFunction(const ScopedText& returnType, const ScopedText& name,
+                                     const ScopedText& parameters, const ScopedText& body) {
+  clear();
+  type_ = EShaderSymbolType::function;
+  name_ = name;
+  range_ = scan::buildRange(returnType, body);
+  buildKey(key_, scan::buildRange(returnType, parameters));
+  parseKeywords(body);
+  appendDecimal(key_, body.length);
+  key_ += SHA1_GetStringHash(range_.view());
+}
+
+void ShaderSymbol::constructStruct(const ScopedText& name, const ScopedText& /*body*/, const ScopedText& range) {
+  clear();
+  type_ = EShaderSymbolType::structure;
+  name_ = name;
+  range_ = range;
+  buildKey(key_, range);
+}
+
+void ShaderSymbol::constructTechnique(const ScopedText& name, const ScopedText& range) {
+  clear();
+  type_ = EShaderSymbolType::technique;
+  name_ = name;
+  range_ = range;
+  buildKey(key_, name);
+}
+
+void ShaderSymbol::constructUniform(const ScopedText& name, const ScopedText& range) {
+  clear();
+  type_ = EShaderSymbolType::uniform;
+  name_ = name;
+  range_ = range;
+  buildKey(key_, range);
+}
+
+void ShaderSymbol::parseKeywords(const ScopedText& body) {
+  stateVariables_.clear();
+  builtinFunctions_.clear();
+  std::size_t pos = 0;
+  for (;;) {
+    scan::skipNonKeywords(body, pos);
+    if (pos >= body.length) return;
+    const std::size_t start = pos;
+    const bool isMember = scan::isEqual(body, pos, L"state.");
+    const bool isOurs = isMember || scan::isEqual(body, pos, L"sfg_") || scan::isEqual(body, pos, L"__");
+    if (isMember) pos += std::wstring_view(L"state.").size();
+    scan::getKeyword(body, pos);
+    if (isOurs) parseKeyword({body.text + start, pos - start}, body, pos);
+  }
+}
+
+void ShaderSymbol::parseKeyword(const ScopedText& word, const ScopedText& text, std::size_t& pos) {
+  if (const UString* variable = findStateVariableByText(word.view())) {
+    stateVariables_.insert(*variable);
+    return;
+  }
+  const EBuiltinFunctionId id = findBuiltinFunctionId(word.view());
+  if (id == eBuiltinFunctionUnknown) return;
+  Array<BuiltinFunction>& calls = id == eBuiltinFunctionShader ? shaderFunctions_ : builtinFunctions_;
+  // A call without an argument list keeps its entry, without a range.
+  calls.emplace_back().parse(id, text, pos - word.length, pos);
+}
+
+const wchar_t* ShaderSymbol::getTypeString() const {
+  switch (type_) {
+  case EShaderSymbolType::structure: return L"struct";
+  case EShaderSymbolType::uniform: return L"uniform";
+  case EShaderSymbolType::function: return L"function";
+  case EShaderSymbolType::technique: return L"technique";
+  case EShaderSymbolType::unknown: break;
+  }
+  return L"Unknown Symbol";
+}
+
+void ShaderSymbolInstance::construct(const ShaderSymbol* symbol, const Array<WString>& renames,
+                                     std::size_t firstRename) {
+  instanceKey_.clear();
+  keywordReplacePattern_.clearReplacePattern();
+  symbol_ = symbol;
+  if (symbol == nullptr) return;
+
+  const Array<BuiltinFunction>& calls = symbol->getBuiltinFunctions();
+  const std::size_t left = renames.size() - std::min(firstRename, renames.size());
+  const std::size_t count = std::min(calls.size(), left);
+  if (count == 0) return;
+  instanceKey_ = symbol->getKey();
+  for (std::size_t i = 0; i < count; ++i) {
+    const WString& rename = renames[firstRename + i];
+    const ScopedText& call = calls[i].range;
+    instanceKey_ += rename;
+    if (call.empty()) continue;
+    const std::size_t position = static_cast<std::size_t>(call.text - symbol->getRange().text);
+    keywordReplacePattern_.addReplacePattern(KeywordPosKey{position, call.length}, rename);
+  }
+}
+
+const WString& ShaderSymbolInstance::getKey() const {
+  static const WString kNone;
+  return symbol_ == nullptr ? kNone : symbol_->getKey();
+}
+
+ScopedText ShaderSymbolInstance::getName() const {
+  return symbol_ == nullptr ? ScopedText() : symbol_->getName();
+}
+
+ScopedText ShaderSymbolInstance::getText() const {
+  return symbol_ == nullptr ? ScopedText() : symbol_->getRange();
+}
+
+}  // namespace TolmSDK::Graphics::sfg
