@@ -3,6 +3,8 @@
 // One fragment of the graph as used in one collapse.
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 
 #include "sfg/export.h"
 #include "sfg/fragment_profile_instance.h"
@@ -15,10 +17,11 @@ namespace TolmSDK::Graphics::sfg {
 
 class AShaderCollapseContext;
 
-/// Gives the fragment's uniforms and unconnected inputs unique names, activates one of its profiles, and evaluates it:
-/// first the fragments that feed it, then its requirements, definition and call. Evaluation takes time in proportion to
-/// fragments plus connections plus text written and no stack in proportion to depth; it answers false when it cannot be
-/// done (a cycle, a port that does not fit), which the caller reports. Belongs to its context.
+/// Gives the fragment's uniforms and unconnected inputs unique names, activates one of its profiles, and
+/// evaluates it: first the fragments that feed it, then its requirements, definition and call. Evaluation
+/// takes time in proportion to fragments plus connections plus text written and no stack in proportion to
+/// depth; it answers false when it cannot be done (a cycle, a port that does not fit), which the caller
+/// reports. Belongs to its context.
 class SFG_API FragmentInstance {
 public:
   FragmentInstance();
@@ -27,20 +30,21 @@ public:
   FragmentInstance& operator=(const FragmentInstance&) = delete;
 
   /// createNoInputUniform(), then a uniform or constant for every unconnected input.
-  bool create(AShaderCollapseContext& context, const ILanguageTraits* language, const AShaderFragment* fragment);
-  /// False for a null argument and for a second call. Throws "Invalid fragment (input connection count not equal to
-  /// input parameter count): %s".
+  bool create(AShaderCollapseContext& context, const ILanguageTraits* language,
+              const AShaderFragment* fragment);
+  /// False for a null argument and for a second call. Throws "Invalid fragment (input connection count not
+  /// equal to input parameter count): %s".
   bool createNoInputUniform(const ILanguageTraits* language, const AShaderFragment* fragment);
-  /// Activates the best profile of that name, else of the name "default". Throws "The fragment %s doesn't have a default
-  /// profile".
+  /// Activates the best profile of that name, else of the name "default". Throws "The fragment %s doesn't
+  /// have a default profile".
   bool setActiveProfile(AShaderCollapseContext& context, const WString& profileName, float lod);
 
   bool isInitialized() const noexcept { return initialized_; }
   const IShaderFragment* getShaderFragment() const noexcept { return fragment_.get(); }
   bool requiresCurrentLight() const;
   void setOverrideFunctionName(const WString& name);
-  /// The accumulator of output `index` when the instance accumulates, else the active profile's output name; empty for
-  /// an index beyond them.
+  /// The accumulator of output `index` when the instance accumulates, else the active profile's output name;
+  /// empty for an index beyond them.
   const WString& getActiveProfileOutput(std::size_t index) const;
 
   /// Evaluates once, unless the instance accumulates: then true without doing anything.
@@ -49,7 +53,8 @@ public:
   bool accmulateEvaluate(AShaderCollapseContext& context);
   /// Evaluates into the given output values; an empty one gets a declared variable.
   bool evaluate(AShaderCollapseContext& context, Array<WString>& outputValues);
-  /// Evaluates this fragment as the function that `uses` call; sets the replacement of each use in the caller's pattern.
+  /// Evaluates this fragment as the function that `uses` call; sets the replacement of each use in the
+  /// caller's pattern.
   bool evaluateShader(AShaderCollapseContext& context, const Array<BuiltinFunction>& uses,
                       KeywordReplacePattern& callerShaderPattern);
   /// Declares one accumulator per output.
@@ -63,20 +68,39 @@ public:
                          const Array<WString>& outputValues);
 
 private:
+  friend class AShaderCollapseContext;
+  friend class AShaderCollapseToolLightLoop;
+  friend class FragmentEvaluator;
+
+  /// As setActiveProfile, but answers false where that throws.
+  bool activateBestProfile(AShaderCollapseContext& context, const WString& profileName, float lod);
+  void activateProfile(const IShaderFragmentProfile* profile);
+  void makeUniformsUnique();
+  void createInputUniform(const AShaderCollapseContext& context, std::size_t input);
+  bool hasActiveProfileOutput(std::size_t index) const;
+
   bool initialized_ = false;
   bool uniformsWritten_ = false;
   bool usesSamplers_ = false;
   RefPtr<ILanguageTraits const> language_;
   FragmentProfileInstance* activeProfileInstance_ = nullptr;
   RefPtr<AShaderFragment const> fragment_;
-  Map<WString, FragmentProfileInstance> profileInstances_;
+  Array<std::unique_ptr<FragmentProfileInstance>> profileInstances_;  // one per profile activated
   Array<RefPtr<AParameter const>> uniforms_;
-  Array<WString> uniformNames_;
   Array<RefPtr<AParameter const>> inputUniforms_;
   Array<WString> inputValues_;
-  Array<WString> uniformOriginalNames_;
-  Array<WString> uniformNewNames_;
   Array<WString> accumulateOutputs_;
+
+  // Kept by the context: the order in which instances were made, and the profile request that was answered
+  // last.
+  std::uint32_t creationNumber_ = 0;
+  std::uint32_t profileRequest_ = 0;
+
+  // Kept by the evaluator.
+  bool isUnderWay_ = false;
+  bool wasShaderFunction_ = false;
+  std::uint32_t repeatList_ = 0;
+  std::uint64_t evaluatedEpoch_ = 0;
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -3,6 +3,7 @@
 // One profile of one fragment as used in one collapse.
 
 #include <cstddef>
+#include <memory>
 
 #include "sfg/code_snippet.h"
 #include "sfg/export.h"
@@ -16,8 +17,9 @@ namespace TolmSDK::Graphics::sfg {
 
 class AShaderCollapseContext;
 
-/// Names, replacements and built-in values that differ between two uses of a profile, and the flags that make every
-/// writer write only as often as it must: writers answer true without writing again. Belongs to its fragment instance.
+/// Names, replacements and built-in values that differ between two uses of a profile, and the flags that make
+/// every writer write only as often as it must: writers answer true without writing again. Belongs to its
+/// fragment instance.
 class SFG_API FragmentProfileInstance {
 public:
   FragmentProfileInstance();
@@ -25,12 +27,15 @@ public:
   FragmentProfileInstance(const FragmentProfileInstance&) = delete;
   FragmentProfileInstance& operator=(const FragmentProfileInstance&) = delete;
 
-  /// Takes its names: function name and output variables end in `shortname` (the profile's name when that is empty).
-  /// False for a null argument. A second call throws "Cannot initialize fragment (%s) profile twice!".
-  bool create(const ILanguageTraits* language, const AShaderFragment* fragment, const AShaderFragmentProfile* profile,
-              const WString& shortname);
+  /// Takes its names: function name and output variables end in `shortname` (the profile's name when that is
+  /// empty). False for a null argument. A second call throws "Cannot initialize fragment (%s) profile
+  /// twice!".
+  bool create(const ILanguageTraits* language, const AShaderFragment* fragment,
+              const AShaderFragmentProfile* profile, const WString& shortname);
 
   bool isInitialized() const noexcept { return initialized_; }
+  /// The profile is an inline expression: it has a value, no function.
+  bool isInlineProfile() const noexcept { return isInlineProfile_; }
   /// The profile's code reads the current light: its call is written once per light.
   bool requiresCurrentLight() const noexcept { return requiresCurrentLight_; }
   const ILanguageTraits* getLanguage() const noexcept { return language_.get(); }
@@ -38,24 +43,26 @@ public:
 
   const WString& getFunctionName() const noexcept { return functionName_; }
   void setFunctionName(const WString& name) { functionName_ = name; }
-  const WString& getProfilename() const noexcept { return profileName_; }
+  const WString& getProfilename() const;
   const WString& getProfileShortname() const noexcept { return profileShortname_; }
 
-  // Outputs: a type text (empty for an inline expression), a variable name (or the expression), and both as a key.
+  // Outputs: a type text (empty for an inline expression), a variable name (or the expression), and both as a
+  // key.
   std::size_t getNumOutputs() const noexcept { return outputNames_.size(); }
   const WString& getOutputType(std::size_t index) const { return outputTypes_[index]; }
   const WString& getOutputName(std::size_t index) const { return outputNames_[index]; }
-  const WString& getOutputKey(std::size_t index) const { return outputKeys_[index]; }
+  const WString& getOutputKey(std::size_t index) const;
   const Array<WString>& getOutputNames() const noexcept { return outputNames_; }
   void setNumOutputs(std::size_t count);
   void setOutput(std::size_t index, const WString& type, const WString& name);
   /// Appends a declaration of every typed output, once.
   bool declareOutputs(WString& out);
-  /// Appends, once, a declaration of every output that has no value yet and gives it its name as value. False at the
-  /// first output without a type.
+  /// Appends, once, a declaration of every output that has no value yet and gives it its name as value. False
+  /// at the first output without a type.
   bool declareUnspecifiedOutputs(WString& out, Array<WString>& outputValues);
 
-  KeywordReplacePattern& getKeywordReplacePattern() noexcept { return keywordReplacePattern_; }
+  /// Renames of the profile's own symbols, made while its requirements are written.
+  KeywordReplacePattern& getKeywordReplacePattern() { return patterns().keyword; }
   /// From the uniforms' names in code to their unique ones; filled at the first call that finds any.
   KeywordReplacePattern& getUniformReplacePattern();
   /// From sfg_shader calls to what replaces them; at first the profile's default, which removes them.
@@ -63,7 +70,8 @@ public:
   Array<WString>& getUniformOriginal() noexcept { return uniformOriginal_; }
   Array<WString>& getUniformNew() noexcept { return uniformNew_; }
 
-  /// Index of the input (output) of exactly that name in the profile's parameter list, or the not-found value.
+  /// Index of the input (output) of exactly that name in the profile's parameter list, or the not-found
+  /// value.
   std::size_t GetInputTextParameterIndex(const WString& name) const;
   std::size_t GetOutputTextParameterIndex(const WString& name) const;
   /// The sfg_shader calls whose first argument names the input; false without any.
@@ -71,24 +79,41 @@ public:
   bool IsShaderInput(std::size_t inputIndex) const;
 
   /// One value per built-in call of the profile's predefines and of its body.
-  const Array<WString>& getBuiltinFunctionValueInPredefine() const noexcept { return builtinFunctionValuesInPredefine_; }
-  const Array<WString>& getBuiltinFunctionValueInBody() const noexcept { return builtinFunctionValuesInBody_; }
+  const Array<WString>& getBuiltinFunctionValueInPredefine() const noexcept {
+    return builtinFunctionValuesInPredefine_;
+  }
+  const Array<WString>& getBuiltinFunctionValueInBody() const noexcept {
+    return builtinFunctionValuesInBody_;
+  }
 
   void beginShaderFunctionCall() noexcept { inShaderFunctionCall_ = true; }
   void endShaderFunctionCall() noexcept { inShaderFunctionCall_ = false; }
 
-  /// Writes the profile's predefines through the context and merges its includes and state variables into `target`.
+  /// Writes the profile's predefines through the context and merges its includes and state variables into
+  /// `target`.
   bool writeRequirements(AShaderFragmentProfile* target, AShaderCollapseContext& context);
   bool writeDefinition(AShaderCollapseContext& context);
-  /// A function's call once per run (once per active light when it reads the current light), an inline expression at
-  /// every use, anything at every use inside a shader-function call.
+  /// A function's call once per run (once per active light when it reads the current light), an inline
+  /// expression at every use, anything at every use inside a shader-function call.
   bool writeFunctionCall(WString& out, AShaderCollapseContext& context, const Array<WString>& inputValues,
                          const Array<WString>& outputValues);
 
 private:
-  KeywordReplacePattern keywordReplacePattern_;
-  KeywordReplacePattern shaderReplacePattern_;
-  KeywordReplacePattern uniformReplacePattern_;
+  /// Needed until requirements and definition are written.
+  struct Patterns {
+    KeywordReplacePattern keyword;
+    KeywordReplacePattern shader;
+    KeywordReplacePattern uniform;
+  };
+
+  Patterns& patterns();
+  void dropPatterns();
+  bool mustWriteCall(const AShaderCollapseContext& context);
+  WString builtinFunctionValue(const BuiltinFunction& use) const;
+  Array<WString> builtinFunctionValues(const Array<BuiltinFunction>& uses) const;
+  bool isFinalOutput(std::size_t index) const;
+
+  std::unique_ptr<Patterns> patterns_;
   bool initialized_ = false;
   bool requirementsWritten_ = false;
   bool definitionWritten_ = false;
@@ -98,14 +123,13 @@ private:
   bool requiresCurrentLight_ = false;
   bool isInlineProfile_ = false;
   RefPtr<ILanguageTraits const> language_;
-  WString profileName_;
-  WString profileShortname_;
   RefPtr<AShaderFragment const> fragment_;
   RefPtr<AShaderFragmentProfile const> profile_;
+  WString profileShortname_;
   WString functionName_;
   Array<WString> outputTypes_;
   Array<WString> outputNames_;
-  Array<WString> outputKeys_;
+  mutable Array<WString> outputKeys_;  // made when asked for
   Array<WString> uniformOriginal_;
   Array<WString> uniformNew_;
   Array<bool> callWrittenForLight_;

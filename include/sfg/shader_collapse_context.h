@@ -4,6 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "sfg/code_accumulator.h"
 #include "sfg/export.h"
@@ -18,18 +22,22 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Owns the fragment being produced, one instance per fragment reached and per light, and the accumulator through which
-/// all code reaches the result. Belongs to its tool; used by one thread. Write operations append, and throw only when a
-/// text would pass the size limit of generated code.
+class FragmentEvaluator;
+
+/// Owns the fragment being produced, one instance per fragment reached and per light, and the accumulator
+/// through which all code reaches the result. Belongs to its tool; used by one thread. Write operations
+/// append, and throw only when a text would pass the size limit of generated code.
 class SFG_API AShaderCollapseContext : public StateVariableManager {
 public:
   AShaderCollapseContext();
   ~AShaderCollapseContext() override;
 
-  /// Takes the inputs and creates the instances of all fragments reachable from the graph's outputs, sources first, and
-  /// of all lights. False for an empty graph and when an instance cannot be created.
-  bool initialize(const RefPtr<ILanguageTraits const>& language, const RefPtr<IShadingEnvironment const>& environment,
-                  const RefPtr<AShaderFragmentGraph const>& graph, const RefPtr<IShaderOptions const>& options);
+  /// Takes the inputs and creates the instances of all fragments reachable from the graph's outputs, sources
+  /// first, and of all lights. False for an empty graph and when an instance cannot be created.
+  bool initialize(const RefPtr<ILanguageTraits const>& language,
+                  const RefPtr<IShadingEnvironment const>& environment,
+                  const RefPtr<AShaderFragmentGraph const>& graph,
+                  const RefPtr<IShaderOptions const>& options);
 
   const AShaderFragmentGraph* getFragmentGraph() const noexcept { return graph_.get(); }
   const IShadingEnvironment* getShadingEnvironment() const noexcept { return environment_.get(); }
@@ -38,7 +46,8 @@ public:
   const UString& getLanguageString() const;
   float getSurfaceLOD() const;
   float getLightLOD() const;
-  /// The constant's text for a parameter that is marked constant and for which the options have a value; else false.
+  /// The constant's text for a parameter that is marked constant and for which the options have a value; else
+  /// false.
   bool getConstValue(WString& value, const AParameter* parameter) const;
 
   /// The instance under the fragment's instance name; a new, uninitialised one when there is none.
@@ -80,6 +89,18 @@ public:
                        FragmentProfileInstance& profileInstance);
 
 private:
+  friend class FragmentInstance;
+
+  using InstanceMap = Map<WString, FragmentInstance>;
+  using FragmentSet = std::unordered_set<const IShaderFragment*>;
+
+  bool createInstances(const IShaderFragment* fragment, FragmentSet& visited);
+  bool createInstance(const IShaderFragment* fragment);
+  bool createLightInstance(const IShaderFragment* light);
+  FragmentInstance& findOrMakeInstance(InstanceMap& instances, const WString& name);
+  FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
+  std::uint32_t profileRequest(const WString& profileName, float lod);
+
   CodeAccumulator accumulator_;
   RefPtr<IShaderOptions const> options_;
   RefPtr<IShadingEnvironment const> environment_;
@@ -87,8 +108,17 @@ private:
   RefPtr<AShaderFragment> result_;
   RefPtr<AShaderFragmentProfile> resultProfile_;
   Set<WString> fragmentKeys_;
-  Map<WString, FragmentInstance> fragmentInstances_;
-  Map<WString, FragmentInstance> lightFragmentInstances_;
+  InstanceMap fragmentInstances_;
+  InstanceMap lightFragmentInstances_;
+  // A faster way to the entries of the first map.
+  std::unordered_map<const IShaderFragment*, InstanceMap::value_type*> instancesByFragment_;
+  std::uint32_t instancesMade_ = 0;
+  std::unique_ptr<FragmentEvaluator> evaluator_;
+  // The profile asked for last, and how many times another one was asked for: equal numbers are equal
+  // requests.
+  WString requestedProfile_;
+  float requestedLOD_ = 0.0f;
+  std::uint32_t profileRequests_ = 0;
   std::size_t activeLightIndex_ = 0;
   Array<WString> shaderInputTypes_;
 };

@@ -2,6 +2,7 @@
 
 // What both collapse tools share: inputs, names, preparation, pre-process and post-process fragments.
 
+#include <cstddef>
 #include <memory>
 
 #include "sfg/export.h"
@@ -13,8 +14,8 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Collapses once in its life; names are set before. Used by one thread; several tools may work at the same time over
-/// shared fragments and graphs.
+/// Collapses once in its life; names are set before. Used by one thread; several tools may work at the same
+/// time over shared fragments and graphs.
 class SFG_API AShaderCollapseToolBase : public ARefObject {
 public:
   AShaderCollapseToolBase();
@@ -31,6 +32,7 @@ protected:
   bool prepareCollapse(const IShaderFragmentGraph* graph, const IShadingEnvironment* environment,
                        const IShaderOptions* options, const ILanguageTraits* language);
   void checkGraphOutputs(const IShaderFragmentGraph* graph, const IShadingEnvironment* environment);
+  bool addOutputTypeConversion(const IShaderFragmentGraph* source, const IShaderFragment* target);
   void writePostprocessRequirements();
   void writePreprocessFragments();
   void declarePreprocessOutputs(const IShaderFragment* fragment, Array<WString>& names);
@@ -46,8 +48,18 @@ protected:
   AShaderCollapseContext context_;
   RefPtr<AShaderFragment> result_;
   RefPtr<AShaderFragmentProfile> resultProfile_;
-  Array<std::unique_ptr<FragmentInstance>> preprocessInstances_;
-  Array<std::unique_ptr<FragmentInstance>> postprocessInstances_;
+  using ProcessInstances = Array<std::unique_ptr<FragmentInstance>>;
+  ProcessInstances preprocessInstances_;
+  ProcessInstances postprocessInstances_;
+  std::size_t shortestLightText_ = 0;  // what every light writes at least
+
+private:
+  void checkLightText() const;
+  void addProcessInstance(ProcessInstances& instances, const IShaderFragment* fragment);
+  void writeProcessRequirements(const ProcessInstances& instances);
+  Array<WString> writePostprocessFragments(Array<WString> values);
+  Array<WString> declarePostprocessOutputs(const IShaderFragment* fragment, std::size_t position,
+                                           bool isLast);
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -23,9 +23,9 @@ public:
   const ILanguageTraits* getLanguage() const noexcept { return language_.get(); }
   void setLanguage(const ILanguageTraits* language) { language_ = language; }
 
-  /// Appends input parameters for the profile's state variables, then for its custom ones that are registered. Uniform
-  /// state adds none, all MetaSL state together one `inout State state`. False for a null list or profile. Throws
-  /// "Invalid state variable: %s" for one that the language does not know.
+  /// Appends input parameters for the profile's state variables, then for its custom ones that are
+  /// registered. Uniform state adds none, all MetaSL state together one `inout State state`. False for a null
+  /// list or profile. Throws "Invalid state variable: %s" for one that the language does not know.
   bool addStateVariableParameters(ITextParameterList* list, const IShaderFragmentProfile* profile) const;
 
   /// Type and name of the parameter that StateVariable_currentLight becomes.
@@ -43,6 +43,8 @@ protected:
   bool addCustomStateVariableParameters(ITextParameterList* list, const Set<WString>& names) const;
 
 private:
+  void addVaryingParameter(ITextParameterList& list, const UString& name) const;
+
   RefPtr<ILanguageTraits const> language_;
   Map<WString, WString> customStateVariableTypes_;
   WString currentLightType_;

@@ -1,0 +1,432 @@
+#include "collapse/evaluator.h"
+
+#include <utility>
+
+#include "sfg/shader_collapse_context.h"
+#include "sfg/shader_fragment_graph.h"
+#include "sfg/size_limit.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+namespace {
+
+/// Holds a shader-function call open.
+class ShaderCallScope {
+public:
+  explicit ShaderCallScope(FragmentProfileInstance& instance) : instance_(instance) {
+    instance_.beginShaderFunctionCall();
+  }
+  ~ShaderCallScope() { instance_.endShaderFunctionCall(); }
+  ShaderCallScope(const ShaderCallScope&) = delete;
+  ShaderCallScope& operator=(const ShaderCallScope&) = delete;
+
+private:
+  FragmentProfileInstance& instance_;
+};
+
+/// Tells whether a light-dependent inline expression changed. Within one light it is set by its first use and
+/// by every call as a shader function, but not by later uses: only of such an expression may a second visit
+/// find another one.
+class ExpressionWatch {
+public:
+  ExpressionWatch(const FragmentProfileInstance& instance, bool wasShaderFunction)
+      : instance_(instance),
+        isWatching_(wasShaderFunction && instance.isInlineProfile() && instance.requiresCurrentLight()) {
+    if (isWatching_) before_ = instance.getOutputNames();
+  }
+  bool hasChanged() const { return isWatching_ && before_ != instance_.getOutputNames(); }
+
+private:
+  const FragmentProfileInstance& instance_;
+  bool isWatching_;
+  Array<WString> before_;
+};
+
+/// Whether a function takes as many values as there are inputs. An inline expression says so itself.
+bool fitsParameters(const FragmentProfileInstance& instance, std::size_t values) {
+  if (instance.isInlineProfile()) return true;
+  const ITextParameterList* parameters = instance.getProfile()->getFunctionParameters();
+  return parameters == nullptr || parameters->getNumInputs() == values;
+}
+
+/// Whether every value belongs to an output of the function.
+bool fitsOutputs(const FragmentProfileInstance& instance, const Array<WString>& values) {
+  if (instance.isInlineProfile()) return true;
+  for (std::size_t i = instance.getNumOutputs(); i < values.size(); ++i) {
+    if (!values[i].empty()) return false;
+  }
+  return true;
+}
+
+std::size_t totalLength(const Array<WString>& texts) {
+  std::size_t length = 0;
+  for (const WString& text : texts) length += text.size();
+  return length;
+}
+
+/// The type of the value that an input receives: of the port when a fragment feeds it, of the graph input
+/// that feeds it; empty for an input that nothing feeds.
+const WString& inputValueType(const AShaderFragment& fragment, const ILanguageTraits* language,
+                              std::size_t input) {
+  static const WString none;
+  const ShaderFragmentConnection& connection = fragment.getInputConnections()[input];
+  if (connection.fragment != nullptr) {
+    const bool hasPort = input < fragment.getNumInputs() && fragment.getInput(input) != nullptr;
+    return hasPort ? fragment.getInputType(language, input) : none;
+  }
+  const IShaderFragmentGraph* graph = fragment.getOwnerGraph();
+  const bool hasGraphInput = graph != nullptr && connection.index < graph->getNumInputs() &&
+                             graph->getInput(connection.index) != nullptr;
+  return hasGraphInput ? graph->getInputType(language, connection.index) : none;
+}
+
+}  // namespace
+
+/// The frames of one run. Instances are under way as long as a frame of theirs is in here.
+class FragmentEvaluator::Stack {
+public:
+  Stack() = default;
+  ~Stack() {
+    while (!empty()) pop();
+  }
+  Stack(const Stack&) = delete;
+  Stack& operator=(const Stack&) = delete;
+
+  bool empty() const { return frames_.empty(); }
+  Frame& top() { return frames_.back(); }
+  void push(Frame&& frame) {
+    frames_.push_back(std::move(frame));
+    if (top().instance != nullptr) top().instance->isUnderWay_ = true;
+  }
+  void pop() {
+    if (top().instance != nullptr) top().instance->isUnderWay_ = false;
+    frames_.pop_back();
+  }
+
+private:
+  std::deque<Frame, StlAllocator<Frame>> frames_;
+};
+
+/// Forgets the repeat lists of former epochs, but never those that an evaluated instance or a run under way
+/// still needs.
+class FragmentEvaluator::Run {
+public:
+  explicit Run(FragmentEvaluator& evaluator) : evaluator_(evaluator) {
+    if (evaluator_.runs_++ == 0 && evaluator_.listsEpoch_ != evaluator_.epoch_) evaluator_.lists_.resize(1);
+  }
+  ~Run() {
+    if (--evaluator_.runs_ == 0) evaluator_.listsEpoch_ = evaluator_.epoch_;
+  }
+  Run(const Run&) = delete;
+  Run& operator=(const Run&) = delete;
+
+private:
+  FragmentEvaluator& evaluator_;
+};
+
+// What the instances call.
+
+bool FragmentEvaluator::evaluate(FragmentInstance& instance) {
+  if (isEvaluated(instance)) return instance.repeatList_ == 0 || run(repeatFrame(instance.repeatList_));
+  Frame frame;
+  frame.instance = &instance;
+  return run(std::move(frame));
+}
+
+bool FragmentEvaluator::evaluate(FragmentInstance& instance, Array<WString>& outputValues) {
+  Frame frame;
+  frame.task = Task::evaluateInto;
+  frame.instance = &instance;
+  frame.values = &outputValues;
+  return run(std::move(frame));
+}
+
+bool FragmentEvaluator::evaluateShader(FragmentInstance& instance, const Array<BuiltinFunction>& uses,
+                                       KeywordReplacePattern& callerPattern) {
+  Frame frame;
+  frame.task = Task::evaluateShader;
+  frame.instance = &instance;
+  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{uses, &callerPattern});
+  return run(std::move(frame));
+}
+
+bool FragmentEvaluator::appendInputValues(FragmentInstance& instance, Array<WString>& values) {
+  Frame frame;
+  frame.task = Task::collectInputs;
+  frame.instance = &instance;
+  frame.values = &values;
+  return run(std::move(frame));
+}
+
+// The walk.
+
+bool FragmentEvaluator::run(Frame root) {
+  const Run scope(*this);
+  Stack stack;
+  if (!enter(stack, std::move(root))) return false;
+  while (!stack.empty()) {
+    Frame& frame = stack.top();
+    if (!isFinished(frame)) {
+      const bool done = frame.task == Task::repeat ? visitNextItem(stack) : visitNextInput(stack);
+      if (!done) return false;
+      continue;
+    }
+    if (!finish(frame)) return false;
+    const bool writesAgain = frame.writesAgain;
+    stack.pop();
+    if (!stack.empty()) stack.top().sourceWritesAgain = writesAgain;
+  }
+  return true;
+}
+
+bool FragmentEvaluator::enter(Stack& stack, Frame frame) {
+  if (frame.task != Task::repeat) {
+    if (frame.instance->isUnderWay_ || frame.instance->activeProfileInstance_ == nullptr) return false;
+    if (!begin(frame)) return false;
+  }
+  frame.epoch = epoch_;
+  stack.push(std::move(frame));
+  return true;
+}
+
+/// Declares the outputs: consumers are written behind their sources, but declared in front of them.
+bool FragmentEvaluator::begin(Frame& frame) {
+  FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
+  frame.inputValues.reserve(frame.instance->fragment_->getInputConnections().size());
+  switch (frame.task) {
+  case Task::evaluate:
+  case Task::evaluateShader: return active.declareOutputs(body());
+  case Task::evaluateInto:
+    return fitsOutputs(active, *frame.values) && active.declareUnspecifiedOutputs(body(), *frame.values);
+  default: return true;
+  }
+}
+
+bool FragmentEvaluator::isFinished(const Frame& frame) const {
+  if (frame.task == Task::repeat) return frame.next == lists_[frame.list].size();
+  return frame.next == frame.instance->fragment_->getInputConnections().size();
+}
+
+bool FragmentEvaluator::visitNextInput(Stack& stack) {
+  Frame& frame = stack.top();
+  if (!frame.isWaiting) {
+    const bool hasSource = frame.instance->fragment_->getInputConnections()[frame.next].fragment != nullptr;
+    if (hasSource && !enterSource(stack)) return false;
+    if (frame.isWaiting) return true;
+  }
+  frame.isWaiting = false;
+  return takeInputValue(frame);
+}
+
+/// Starts what the source of the next input still has to write, and then waits for it.
+bool FragmentEvaluator::enterSource(Stack& stack) {
+  Frame& frame = stack.top();
+  frame.source = findSource(*frame.instance, frame.next);
+  if (frame.source == nullptr) return false;
+  if (frame.instance->activeProfileInstance_->IsShaderInput(frame.next)) {
+    frame.isWaiting = true;
+    return enter(stack, shaderFrame(*frame.instance, *frame.source, frame.next));
+  }
+  if (!isEvaluated(*frame.source)) {
+    frame.isWaiting = true;
+    Frame sourceFrame;
+    sourceFrame.instance = frame.source;
+    return enter(stack, std::move(sourceFrame));
+  }
+  if (frame.source->repeatList_ == 0) return true;
+  frame.isWaiting = true;
+  return enter(stack, repeatFrame(frame.source->repeatList_));
+}
+
+bool FragmentEvaluator::visitNextItem(Stack& stack) {
+  Frame& frame = stack.top();
+  const RepeatItem item = lists_[frame.list][frame.next++];
+  if (item.list != 0) return enter(stack, repeatFrame(item.list));
+  FragmentInstance* source = findSource(*item.caller, item.input);
+  return source != nullptr && enter(stack, shaderFrame(*item.caller, *source, item.input));
+}
+
+/// The value of the next input, whose source (when it has one) is evaluated.
+bool FragmentEvaluator::takeInputValue(Frame& frame) {
+  const FragmentInstance& instance = *frame.instance;
+  const ShaderFragmentConnection& connection = instance.fragment_->getInputConnections()[frame.next];
+  if (connection.fragment != nullptr) {
+    if (!takeSourceValue(frame, connection.index)) return false;
+  } else {
+    const IShaderFragmentGraph* graph = instance.fragment_->getOwnerGraph();
+    if (graph != nullptr && connection.index < graph->getNumInputs()) {
+      frame.inputValues.push_back(graph->getInputName(connection.index));
+    } else if (frame.next < instance.inputValues_.size()) {
+      frame.inputValues.push_back(instance.inputValues_[frame.next]);
+    } else {
+      return false;
+    }
+  }
+  ++frame.next;
+  return true;
+}
+
+bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
+  const FragmentInstance& instance = *frame.instance;
+  if (instance.activeProfileInstance_->IsShaderInput(frame.next)) {
+    if (frame.next >= instance.inputValues_.size()) return false;
+    frame.inputValues.push_back(instance.inputValues_[frame.next]);
+    if (frame.sourceWritesAgain) frame.repeats.push_back({0, frame.instance, frame.next});
+    return true;
+  }
+  if (!frame.source->hasActiveProfileOutput(output)) return false;
+  frame.inputValues.push_back(frame.source->getActiveProfileOutput(output));
+  if (frame.source->repeatList_ != 0) frame.repeats.push_back({frame.source->repeatList_, nullptr, 0});
+  return true;
+}
+
+bool FragmentEvaluator::finish(Frame& frame) {
+  switch (frame.task) {
+  case Task::evaluate:
+  case Task::evaluateInto: return finishEvaluation(frame);
+  case Task::evaluateShader: return finishShaderFunction(frame);
+  case Task::collectInputs:
+    for (WString& value : frame.inputValues) frame.values->push_back(std::move(value));
+    return true;
+  case Task::repeat: return true;
+  }
+  return false;
+}
+
+bool FragmentEvaluator::finishEvaluation(Frame& frame) {
+  FragmentInstance& instance = *frame.instance;
+  FragmentProfileInstance& active = *instance.activeProfileInstance_;
+  if (!writeRequirementsAndDefinition(frame)) return false;
+
+  const ExpressionWatch watch(active, instance.wasShaderFunction_);
+  // The names of the outputs are no values for an inline expression, which replaces them while it is written.
+  const Array<WString>& outputValues = frame.values != nullptr ? *frame.values : active.getOutputNames();
+  checkTextLength(body().size() + totalLength(frame.inputValues));
+  if (!active.writeFunctionCall(body(), context_, frame.inputValues, outputValues)) return false;
+  checkTextLength(body().size());
+  if (watch.hasChanged()) startEpoch();
+
+  instance.repeatList_ = makeList(std::move(frame.repeats));
+  instance.evaluatedEpoch_ = frame.epoch;
+  return true;
+}
+
+bool FragmentEvaluator::finishShaderFunction(Frame& frame) {
+  FragmentInstance& instance = *frame.instance;
+  FragmentProfileInstance& active = *instance.activeProfileInstance_;
+  if (!writeRequirementsAndDefinition(frame)) return false;
+
+  const std::size_t allocatedBefore = context_.getShaderInputTypes().size();
+  allocateShaderInputs(frame);
+  frame.writesAgain = !frame.repeats.empty() || context_.getShaderInputTypes().size() != allocatedBefore;
+
+  const ExpressionWatch watch(active, true);
+  writeShaderCalls(frame);
+  instance.wasShaderFunction_ = true;
+  // The calls leave their own text in an inline expression: its next use as a value has to write it anew.
+  if (active.isInlineProfile()) instance.evaluatedEpoch_ = 0;
+  if (watch.hasChanged()) startEpoch();
+  return true;
+}
+
+bool FragmentEvaluator::writeRequirementsAndDefinition(Frame& frame) {
+  FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
+  return fitsParameters(active, frame.inputValues.size()) && frame.instance->writeRequirements(context_) &&
+         active.writeDefinition(context_);
+}
+
+/// Hands every input value that has a type over to the shader function through the state.
+void FragmentEvaluator::allocateShaderInputs(Frame& frame) {
+  const FragmentInstance& instance = *frame.instance;
+  for (std::size_t i = 0; i < frame.inputValues.size(); ++i) {
+    const WString& type = inputValueType(*instance.fragment_, instance.language_.get(), i);
+    if (type.empty()) continue;
+    WString name = formatted(L"state.shaderInput%Iu", context_.getShaderInputTypes().size());
+    context_.allocateNewShaderInput(type);
+    context_.writeCodef(L"    %s = %s;\n", name, frame.inputValues[i]);
+    frame.inputValues[i] = std::move(name);
+  }
+}
+
+void FragmentEvaluator::writeShaderCalls(const Frame& frame) {
+  FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
+  const Array<WString> outputNames = active.getOutputNames();
+  const ShaderCallScope scope(active);
+  for (const BuiltinFunction& use : frame.shaderUse->calls) {
+    WString text;
+    if (!writeShaderCall(text, frame, outputNames, use)) continue;
+    frame.shaderUse->callerPattern->overrideReplacePattern(WString(use.range.view()), text);
+  }
+}
+
+/// One call of the shader function: pairs of parameter name and value replace input values and output
+/// variables.
+bool FragmentEvaluator::writeShaderCall(WString& out, const Frame& frame, const Array<WString>& outputNames,
+                                        const BuiltinFunction& use) {
+  if (use.arguments.size() == 1) return false;
+  FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
+  Array<WString> inputs = frame.inputValues;
+  Array<WString> outputs = outputNames;
+  Array<bool> isGiven(outputs.size(), false);
+  for (std::size_t i = 1; i + 1 < use.arguments.size(); i += 2) {
+    const WString name(use.arguments[i].view());
+    const WString value(use.arguments[i + 1].view());
+    const std::size_t input = active.GetInputTextParameterIndex(name);
+    const std::size_t output = active.GetOutputTextParameterIndex(name);
+    if (input < inputs.size()) {
+      inputs[input] = value;
+    } else if (input == kNotFound && output < outputs.size()) {
+      outputs[output] = value;
+      isGiven[output] = true;
+    } else {
+      return false;
+    }
+  }
+
+  // Outputs that the caller does not ask for still need a variable.
+  for (std::size_t i = 0; i < outputs.size(); ++i) {
+    if (isGiven[i]) continue;
+    outputs[i] += L"_temp";
+    out += formatted(L"%s %s;\n", active.getOutputType(i), outputs[i]);
+  }
+  checkTextLength(out.size() + totalLength(inputs) + totalLength(outputs));
+  return active.writeFunctionCall(out, context_, inputs, outputs);
+}
+
+// Parts of the above.
+
+FragmentEvaluator::Frame FragmentEvaluator::shaderFrame(FragmentInstance& caller, FragmentInstance& source,
+                                                        std::size_t input) const {
+  Frame frame;
+  frame.task = Task::evaluateShader;
+  frame.instance = &source;
+  FragmentProfileInstance& active = *caller.activeProfileInstance_;
+  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{{}, &active.getShaderReplacePattern()});
+  active.GetShaderFunctions(input, frame.shaderUse->calls);
+  return frame;
+}
+
+FragmentEvaluator::Frame FragmentEvaluator::repeatFrame(ListNumber list) const {
+  Frame frame;
+  frame.task = Task::repeat;
+  frame.list = list;
+  return frame;
+}
+
+/// The instance of the fragment that feeds an input; null when that is no fragment of ours.
+FragmentInstance* FragmentEvaluator::findSource(const FragmentInstance& instance, std::size_t input) const {
+  const auto* fragment =
+      dynamic_cast<const AShaderFragment*>(instance.fragment_->getInputConnections()[input].fragment);
+  return fragment != nullptr ? &context_.getFragmentInstance(fragment) : nullptr;
+}
+
+FragmentEvaluator::ListNumber FragmentEvaluator::makeList(Array<RepeatItem> items) {
+  if (items.empty()) return 0;
+  if (items.size() == 1 && items[0].list != 0) return items[0].list;
+  lists_.push_back(std::move(items));
+  return static_cast<ListNumber>(lists_.size() - 1);
+}
+
+WString& FragmentEvaluator::body() const { return context_.getResultProfile()->getFunctionBody(); }
+
+}  // namespace TolmSDK::Graphics::sfg

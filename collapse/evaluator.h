@@ -1,0 +1,114 @@
+#pragma once
+
+// Evaluation of fragment instances, without recursion.
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+
+#include "sfg/fragment_instance.h"
+#include "sfg/keyword_replace.h"
+#include "tolmsdk/types.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+class AShaderCollapseContext;
+
+/// Writes what a depth-first walk over the sources of an instance would write, in that order, but with a
+/// stack of its own and without walking where nothing would be written. Belongs to its context.
+///
+/// Repeats. Requirements, definition and declarations of an instance are written once, its call once (once
+/// per active light), and the value of an inline expression follows from those of its inputs. So a second
+/// visit of an instance writes nothing as long as the active profiles, the active light and the accumulators
+/// stay as they are. Such a period is an *epoch*; the context says when a new one starts. The one thing that
+/// is written at every visit are the shader inputs of a shader function (the source of an input that the
+/// consumer's code calls through sfg_shader). Each evaluation therefore leaves a *repeat list* with its
+/// instance: the shader functions that were visited on the way and that would write again, in order. A second
+/// visit in the same epoch redoes that list and nothing else; an empty list is passed over. Lists share
+/// lists, and an instance that adds nothing hands on the list of its source: a chain above a shader function
+/// costs a repeat nothing.
+class FragmentEvaluator {
+public:
+  explicit FragmentEvaluator(AShaderCollapseContext& context) : context_(context) {}
+
+  // Each answers false when the evaluation cannot be done: no active profile, a port that does not fit, a
+  // source that is being evaluated itself (a cycle), a writer that fails.
+  bool evaluate(FragmentInstance& instance);
+  bool evaluate(FragmentInstance& instance, Array<WString>& outputValues);
+  bool evaluateShader(FragmentInstance& instance, const Array<BuiltinFunction>& uses,
+                      KeywordReplacePattern& callerPattern);
+  bool appendInputValues(FragmentInstance& instance, Array<WString>& values);
+
+  /// Something changed that could make a second visit write.
+  void startEpoch() noexcept { ++epoch_; }
+
+private:
+  using ListNumber = std::uint32_t;  // 0 is the empty list
+
+  /// Either a whole list or the shader function that feeds an input of `caller`.
+  struct RepeatItem {
+    ListNumber list = 0;
+    FragmentInstance* caller = nullptr;
+    std::size_t input = 0;
+  };
+
+  enum class Task : std::uint8_t { evaluate, evaluateInto, evaluateShader, collectInputs, repeat };
+
+  struct ShaderUse {
+    Array<BuiltinFunction> calls;
+    KeywordReplacePattern* callerPattern;
+  };
+
+  /// One step of the walk that is under way.
+  struct Frame {
+    Task task = Task::evaluate;
+    bool isWaiting = false;          // for the frame above, which evaluates the source of the next input
+    bool sourceWritesAgain = false;  // what that frame, a shader function, would do at a second visit
+    bool writesAgain = false;
+    ListNumber list = 0;  // task repeat: what to redo
+    FragmentInstance* instance = nullptr;
+    FragmentInstance* source = nullptr;  // that feeds the next input
+    std::uint64_t epoch = 0;             // at the start
+    std::size_t next = 0;                // input, or item of the list
+    Array<WString> inputValues;
+    Array<WString>* values = nullptr;      // tasks evaluateInto and collectInputs: the caller's
+    std::unique_ptr<ShaderUse> shaderUse;  // task evaluateShader
+    Array<RepeatItem> repeats;             // what a second visit of the instance would have to redo
+  };
+
+  class Stack;
+  class Run;
+
+  bool run(Frame root);
+  bool enter(Stack& stack, Frame frame);
+  bool begin(Frame& frame);
+  bool isFinished(const Frame& frame) const;
+  bool visitNextInput(Stack& stack);
+  bool visitNextItem(Stack& stack);
+  bool enterSource(Stack& stack);
+  bool takeInputValue(Frame& frame);
+  bool takeSourceValue(Frame& frame, std::size_t output);
+  bool finish(Frame& frame);
+  bool finishEvaluation(Frame& frame);
+  bool finishShaderFunction(Frame& frame);
+  bool writeRequirementsAndDefinition(Frame& frame);
+  void allocateShaderInputs(Frame& frame);
+  void writeShaderCalls(const Frame& frame);
+  bool writeShaderCall(WString& out, const Frame& frame, const Array<WString>& outputNames,
+                       const BuiltinFunction& use);
+  Frame shaderFrame(FragmentInstance& caller, FragmentInstance& source, std::size_t input) const;
+  Frame repeatFrame(ListNumber list) const;
+  FragmentInstance* findSource(const FragmentInstance& instance, std::size_t input) const;
+  bool isEvaluated(const FragmentInstance& instance) const { return instance.evaluatedEpoch_ == epoch_; }
+  ListNumber makeList(Array<RepeatItem> items);
+  WString& body() const;
+
+  AShaderCollapseContext& context_;
+  std::uint64_t epoch_ = 1;
+  std::uint64_t listsEpoch_ = 1;
+  std::size_t runs_ = 0;
+  Array<Array<RepeatItem>> lists_{1};
+};
+
+}  // namespace TolmSDK::Graphics::sfg

@@ -1,0 +1,282 @@
+#include "sfg/fragment_profile_instance.h"
+
+#include <algorithm>
+
+#include "collapse/ports.h"
+#include "sfg/shader_collapse_context.h"
+#include "sfg/shader_fragment_graph.h"
+#include "sfg/shader_fragment_profile_inline.h"
+#include "sfg/size_limit.h"
+#include "tolmsdk/exception.h"
+#include "tolmsdk/state_variables.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+namespace {
+
+void appendDeclaration(WString& out, const WString& type, const WString& name) {
+  checkTextLength(out.size() + type.size() + name.size() + 7);
+  out += L"    ";
+  out += type;
+  out += L' ';
+  out += name;
+  out += L";\n";
+}
+
+/// Rules from the whole text of every call to its value. A call without an argument list stays as it is
+/// written.
+KeywordReplacePattern callPattern(const Array<BuiltinFunction>& uses, const Array<WString>& values) {
+  KeywordReplacePattern pattern;
+  for (std::size_t i = 0; i < uses.size() && i < values.size(); ++i) {
+    if (!uses[i].range.empty()) pattern.addReplacePattern(WString(uses[i].range.view()), values[i]);
+  }
+  return pattern;
+}
+
+WString boolText(bool value) { return value ? L"true" : L"false"; }
+
+}  // namespace
+
+FragmentProfileInstance::FragmentProfileInstance() = default;
+FragmentProfileInstance::~FragmentProfileInstance() = default;
+
+bool FragmentProfileInstance::create(const ILanguageTraits* language, const AShaderFragment* fragment,
+                                     const AShaderFragmentProfile* profile, const WString& shortname) {
+  if (initialized_) {
+    const AShaderFragment* named = fragment != nullptr ? fragment : fragment_.get();
+    throw Exception(L"Cannot initialize fragment (%s) profile twice!",
+                    named != nullptr ? named->key() : WString());
+  }
+  initialized_ = true;
+  if (language == nullptr || fragment == nullptr || profile == nullptr) return false;
+
+  isInlineProfile_ = dynamic_cast<const AShaderFragmentProfileInline*>(profile) != nullptr;
+  profileShortname_ = shortname.empty() ? profile->getProfilename() : shortname;
+  language_ = language;
+  fragment_ = fragment;
+  profile_ = profile;
+  requiresCurrentLight_ = profile->stateVariables().contains(StateVariable_currentLight);
+  functionName_.reserve(profile->getFunctionName().size() + profileShortname_.size());
+  functionName_ += profile->getFunctionName();
+  functionName_ += profileShortname_;
+
+  const ITextParameterList* parameters = profile->getFunctionParameters();
+  const std::size_t outputs = parameters != nullptr ? parameters->getNumOutputs() : 0;
+  setNumOutputs(outputs);
+  for (std::size_t i = 0; i < outputs; ++i) {
+    outputTypes_[i] = parameters->getOutputType(i);
+    WString& name = outputNames_[i];
+    name.reserve(fragment->instanceName().size() + profileShortname_.size() + 12);
+    name += L"result_";
+    name += fragment->instanceName();
+    name += L'_';
+    appendDecimal(name, i);
+    name += profileShortname_;
+  }
+
+  builtinFunctionValuesInBody_ = builtinFunctionValues(profile->getBodyBuiltinFunctions());
+  builtinFunctionValuesInPredefine_ = builtinFunctionValues(profile->getPredefineBuiltinFunctions());
+  return true;
+}
+
+const WString& FragmentProfileInstance::getProfilename() const {
+  static const WString none;
+  return profile_ ? profile_->getProfilename() : none;
+}
+
+// Outputs.
+
+void FragmentProfileInstance::setNumOutputs(std::size_t count) {
+  outputTypes_.resize(count);
+  outputNames_.resize(count);
+  outputKeys_.clear();
+}
+
+void FragmentProfileInstance::setOutput(std::size_t index, const WString& type, const WString& name) {
+  outputTypes_[index] = type;
+  outputNames_[index] = name;
+  outputKeys_.clear();
+}
+
+const WString& FragmentProfileInstance::getOutputKey(std::size_t index) const {
+  if (outputKeys_.empty()) {
+    for (std::size_t i = 0; i < outputNames_.size(); ++i) {
+      outputKeys_.push_back(outputTypes_[i] + L" " + outputNames_[i]);
+    }
+  }
+  return outputKeys_[index];
+}
+
+bool FragmentProfileInstance::declareOutputs(WString& out) {
+  if (outputsDeclared_) return true;
+  outputsDeclared_ = true;
+  for (std::size_t i = 0; i < outputNames_.size(); ++i) {
+    if (!outputTypes_[i].empty()) appendDeclaration(out, outputTypes_[i], outputNames_[i]);
+  }
+  return true;
+}
+
+bool FragmentProfileInstance::declareUnspecifiedOutputs(WString& out, Array<WString>& outputValues) {
+  outputValues.resize(outputNames_.size());
+  if (outputsDeclared_) return true;
+  outputsDeclared_ = true;
+  for (std::size_t i = 0; i < outputNames_.size(); ++i) {
+    if (outputTypes_[i].empty()) return false;
+    if (!outputValues[i].empty()) continue;
+    appendDeclaration(out, outputTypes_[i], outputNames_[i]);
+    outputValues[i] = outputNames_[i];
+  }
+  return true;
+}
+
+// Patterns.
+
+FragmentProfileInstance::Patterns& FragmentProfileInstance::patterns() {
+  if (!patterns_) patterns_ = std::make_unique<Patterns>();
+  return *patterns_;
+}
+
+void FragmentProfileInstance::dropPatterns() {
+  if (requirementsWritten_ && definitionWritten_) patterns_.reset();
+}
+
+KeywordReplacePattern& FragmentProfileInstance::getUniformReplacePattern() {
+  KeywordReplacePattern& pattern = patterns().uniform;
+  if (pattern.empty() && !uniformOriginal_.empty()) pattern.addReplacePattern(uniformOriginal_, uniformNew_);
+  return pattern;
+}
+
+KeywordReplacePattern& FragmentProfileInstance::getShaderReplacePattern() {
+  KeywordReplacePattern& pattern = patterns().shader;
+  if (pattern.empty() && profile_) pattern = profile_->GetDefaultShaderRepalcePattern();
+  return pattern;
+}
+
+// Parameters of the profile.
+
+std::size_t FragmentProfileInstance::GetInputTextParameterIndex(const WString& name) const {
+  const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
+  if (parameters == nullptr) return kNotFound;
+  for (std::size_t i = 0; i < parameters->getNumInputs(); ++i) {
+    if (parameters->getInputName(i) == name) return i;
+  }
+  return kNotFound;
+}
+
+std::size_t FragmentProfileInstance::GetOutputTextParameterIndex(const WString& name) const {
+  const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
+  if (parameters == nullptr) return kNotFound;
+  for (std::size_t i = 0; i < parameters->getNumOutputs(); ++i) {
+    if (parameters->getOutputName(i) == name) return i;
+  }
+  return kNotFound;
+}
+
+bool FragmentProfileInstance::GetShaderFunctions(std::size_t inputIndex, Array<BuiltinFunction>& out) const {
+  const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
+  if (parameters == nullptr || inputIndex >= parameters->getNumInputs()) return false;
+  return profile_->GetShaderFunctions(parameters->getInputName(inputIndex), out);
+}
+
+bool FragmentProfileInstance::IsShaderInput(std::size_t inputIndex) const {
+  const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
+  if (parameters == nullptr || inputIndex >= parameters->getNumInputs()) return false;
+  return profile_->hasShaderFunctions(parameters->getInputName(inputIndex));
+}
+
+// Values of built-in calls.
+
+Array<WString> FragmentProfileInstance::builtinFunctionValues(const Array<BuiltinFunction>& uses) const {
+  Array<WString> values;
+  values.reserve(uses.size());
+  for (const BuiltinFunction& use : uses) values.push_back(builtinFunctionValue(use));
+  return values;
+}
+
+WString FragmentProfileInstance::builtinFunctionValue(const BuiltinFunction& use) const {
+  const WString argument = use.arguments.empty() ? WString() : WString(use.arguments[0].view());
+  switch (use.id) {
+  case eBuiltinFunctionIsConnected:
+    return boolText(isInputFed(*fragment_, GetInputTextParameterIndex(argument)));
+  case eBuiltinFunctionIsNotConnected: {
+    // An unknown input is neither connected nor not connected.
+    const std::size_t input = GetInputTextParameterIndex(argument);
+    return boolText(input != kNotFound && !isInputFed(*fragment_, input));
+  }
+  case eBuiltinFunctionIsFinalOutput: return boolText(isFinalOutput(GetOutputTextParameterIndex(argument)));
+  default: return WString();
+  }
+}
+
+bool FragmentProfileInstance::isFinalOutput(std::size_t index) const {
+  const IShaderFragmentGraph* graph = fragment_->getOwnerGraph();
+  if (graph == nullptr || index == kNotFound) return false;
+  return std::any_of(graph->getOutputConnections().begin(), graph->getOutputConnections().end(),
+                     [&](const ShaderFragmentConnection& connection) {
+                       return connection.fragment == fragment_.get() && connection.index == index;
+                     });
+}
+
+// Writers.
+
+bool FragmentProfileInstance::writeRequirements(AShaderFragmentProfile* target,
+                                                AShaderCollapseContext& context) {
+  if (requirementsWritten_) return true;
+  requirementsWritten_ = true;
+  if (!profile_) return true;
+
+  if (patterns_) patterns_->keyword.clearReplacePattern();
+  CodeSnippetInstance predefines;
+  profile_->writePredefines(predefines, context, *this);
+  const KeywordReplacePattern calls =
+      callPattern(profile_->getPredefineBuiltinFunctions(), builtinFunctionValuesInPredefine_);
+  context.writePredefine(predefines, calls, getKeywordReplacePattern());
+
+  if (target != nullptr) {
+    target->includes().insert(profile_->includes().begin(), profile_->includes().end());
+    target->stateVariables().insert(profile_->stateVariables().begin(), profile_->stateVariables().end());
+    target->customStateVariables().insert(profile_->customStateVariables().begin(),
+                                          profile_->customStateVariables().end());
+  }
+  dropPatterns();
+  return true;
+}
+
+bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
+  if (definitionWritten_) return true;
+  definitionWritten_ = true;
+  if (!profile_) return true;
+
+  CodeSnippetInstance definition;
+  if (!profile_->writeDefinition(definition, context, *this)) return false;
+  const KeywordReplacePattern calls =
+      callPattern(profile_->getBodyBuiltinFunctions(), builtinFunctionValuesInBody_);
+  context.writeDefinition(definition, calls, *this);
+  dropPatterns();
+  return true;
+}
+
+bool FragmentProfileInstance::mustWriteCall(const AShaderCollapseContext& context) {
+  // Inside a shader-function call everything is written, and counts for nothing outside.
+  if (inShaderFunctionCall_) return true;
+  if (requiresCurrentLight_) {
+    const std::size_t light = context.getActiveLightIndex();
+    if (callWrittenForLight_.size() <= light) callWrittenForLight_.resize(light + 1, false);
+    if (callWrittenForLight_[light]) return false;
+    callWrittenForLight_[light] = true;
+  } else if (callWritten_ && !isInlineProfile_) {
+    return false;
+  }
+  callWritten_ = true;
+  return true;
+}
+
+bool FragmentProfileInstance::writeFunctionCall(WString& out, AShaderCollapseContext& context,
+                                                const Array<WString>& inputValues,
+                                                const Array<WString>& outputValues) {
+  if (!mustWriteCall(context)) return true;
+  if (!profile_) return true;
+  return profile_->writeFunctionCall(out, context, *this, inputValues, outputValues);
+}
+
+}  // namespace TolmSDK::Graphics::sfg

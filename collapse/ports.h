@@ -1,0 +1,32 @@
+#pragma once
+
+// Ports: how their types are written and what feeds them.
+
+#include <cstddef>
+
+#include "sfg/shader_fragment.h"
+#include "sfg/shader_fragment_graph.h"
+#include "tolmsdk/host_interfaces.h"
+#include "tolmsdk/parameter.h"
+#include "tolmsdk/type_id.h"
+#include "tolmsdk/types.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+/// The language's name of the type; a structure is written by its own name.
+inline const WString& typeText(const ILanguageTraits& language, const AParameter& parameter) {
+  return parameter.getType() == TypeID_struct ? parameter.getStructName()
+                                              : language.getTypeName(parameter.getType());
+}
+
+/// Whether a fragment or an input of the owner graph feeds the input. An input that the owner graph does not
+/// have feeds nothing.
+inline bool isInputFed(const IShaderFragment& fragment, std::size_t input) {
+  const Array<ShaderFragmentConnection>& connections = fragment.getInputConnections();
+  if (input >= connections.size()) return false;
+  if (connections[input].fragment != nullptr) return true;
+  const IShaderFragmentGraph* graph = fragment.getOwnerGraph();
+  return graph != nullptr && connections[input].index < graph->getNumInputs();
+}
+
+}  // namespace TolmSDK::Graphics::sfg
