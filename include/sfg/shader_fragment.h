@@ -28,14 +28,14 @@ struct ShaderFragmentConnection {
   friend bool operator==(const ShaderFragmentConnection&, const ShaderFragmentConnection&) = default;
 };
 
-/// A fragment as hosts, graphs and collapse tools see it. The slot order is fixed. Ports are told apart by their
-/// parameter's name. Parameters and profiles are shared, never copied. Indexes of element accessors are not checked;
-/// look-ups answer null or the not-found value; no operation throws. Built and wired by one thread; then read by any
-/// number.
+/// A fragment as hosts, graphs and collapse tools see it. The slot order is fixed. Ports are told apart by
+/// their parameter's name. Parameters and profiles are shared, never copied. Indexes of element accessors are
+/// not checked; look-ups answer null or the not-found value; no operation throws. Built and wired by one
+/// thread; then read by any number.
 class IShaderFragment : public IRefObject {
 public:
-  /// A copy under an instance name, with a reference count of zero: same key, hash string, profiles, ports, uniforms and
-  /// connections (to the very same source fragments), no owner graph.
+  /// A copy under an instance name, with a reference count of zero: same key, hash string, profiles, ports,
+  /// uniforms and connections (to the very same source fragments), no owner graph.
   virtual IShaderFragment* clone(const WString& instanceName) const = 0;
   /// The name under which the fragment stands in its library.
   virtual const WString& key() const = 0;
@@ -50,8 +50,8 @@ public:
   virtual const IShaderFragmentProfile* getProfile(std::size_t index) const = 0;
   /// The first registered profile that serves the language, or null.
   virtual const IShaderFragmentProfile* findFirstProfile(const UString& language) const = 0;
-  /// Of the profiles of exactly that name and language the one nearest in level of detail, the first registered of
-  /// equals; null when there is none.
+  /// Of the profiles of exactly that name and language the one nearest in level of detail, the first
+  /// registered of equals; null when there is none.
   virtual const IShaderFragmentProfile* findBestProfile(const WString& profileName, const UString& language,
                                                         float lod) const = 0;
   /// Registers under every language of the profile. Null and a profile without languages are ignored.
@@ -77,7 +77,8 @@ public:
 
   /// One entry per input.
   virtual const Array<ShaderFragmentConnection>& getInputConnections() const = 0;
-  // Each answers false and changes nothing when source, owner graph or an index does not fit. Types are not compared.
+  // Each answers false and changes nothing when source, owner graph or an index does not fit. Types are not
+  // compared.
   virtual bool setInputConnection(const wchar_t* input, const wchar_t* graphInput) = 0;
   virtual bool setInputConnection(const wchar_t* input, IShaderFragment* source, const wchar_t* output) = 0;
   virtual bool setInputConnection(std::size_t input, std::size_t graphInput) = 0;
@@ -89,8 +90,8 @@ public:
   virtual const AParameter* getUniform(std::size_t index) const = 0;
   virtual void addUniform(const AParameter* parameter) = 0;
 
-  /// Whether `candidate` feeds this fragment, directly or through others. Takes time in proportion to fragments plus
-  /// connections, no stack, and ends on cycles.
+  /// Whether `candidate` feeds this fragment, directly or through others. Takes time in proportion to
+  /// fragments plus connections, no stack, and ends on cycles.
   virtual bool hasAncestor(IShaderFragment* candidate) const = 0;
   /// Describes the fragment on the standard wide output stream.
   virtual void debugDump() = 0;
@@ -114,7 +115,9 @@ public:
   IShaderFragmentGraph* getOwnerGraph() const override { return ownerGraph_; }
   void setOwnerGraph(IShaderFragmentGraph* graph) override;
   std::size_t getNumProfiles() const override { return profiles_.size(); }
-  const IShaderFragmentProfile* getProfile(std::size_t index) const override { return profiles_[index].get(); }
+  const IShaderFragmentProfile* getProfile(std::size_t index) const override {
+    return profiles_[index].get();
+  }
   const IShaderFragmentProfile* findFirstProfile(const UString& language) const override;
   const IShaderFragmentProfile* findBestProfile(const WString& profileName, const UString& language,
                                                 float lod) const override;
@@ -154,24 +157,31 @@ public:
   /// Writable, for the collapse that fills a result fragment.
   Array<WString>& getShaderInputTypes() { return shaderInputTypes_; }
 
-  /// Fills the fragment from a fragment object: its "profiles" (the object itself is the one profile when there are
-  /// none) and its "uniforms", and forms the hash string. False for a null node. Throws Exception "sfgError : Failed to
-  /// load profile %d!" or "sfgError : Failed to load uniform %i!" with the position; what was read before stays, and the
-  /// fragment must not be used.
+  /// Fills the fragment from a fragment object: its "profiles" (the object itself is the one profile when
+  /// there are none) and its "uniforms", and forms the hash string. False for a null node. Throws Exception
+  /// "sfgError : Failed to load profile %d!" or "sfgError : Failed to load uniform %i!" with the position;
+  /// what was read before stays, and the fragment must not be used.
   bool load(const IObjectDataNode* node);
+  /// What a load that threw was reading, and why it could not, with the place where it is known.
+  const WString& getLoadError() const noexcept { return loadError_; }
   /// Empties key, instance name, profiles, connections, ports and uniforms.
   void clear();
-  /// Replaces the ports by the parameters of the first registered profile's function; a type text that the language does
-  /// not know is a structure's name. Without profiles the ports are just emptied.
+  /// Replaces the ports by the parameters of the first registered profile's function; a type text that the
+  /// language does not know is a structure's name. Without profiles the ports are just emptied.
   void generateAutoInputsOutputs(const ILanguageTraits* traits);
   /// Makes every graph that takes this fragment in from now on non-consolidatable. Never undone.
   void SetNonConsolidatable() { consolidatable_ = false; }
   bool isConsolidatable() const noexcept { return consolidatable_; }
 
 private:
+  void loadProfiles(const IObjectDataNode& node);
+  void loadUniforms(const IObjectDataNode& node);
+  void buildHash(const IObjectDataNode& node);
+
   WString key_;
   WString instanceName_;
   WString hashString_;
+  WString loadError_;
   IShaderFragmentGraph* ownerGraph_ = nullptr;
   Array<WString> shaderInputTypes_;
   bool consolidatable_ = true;
@@ -183,7 +193,8 @@ private:
   Array<RefPtr<AParameter const>> uniforms_;
 };
 
-/// Whether `to` can take all outputs of `from` as its inputs, position by position; false when either is null.
+/// Whether `to` can take all outputs of `from` as its inputs, position by position; false when either is
+/// null.
 SFG_API bool canConnect(const IShaderFragment* from, const IShaderFragment* to);
 /// Whether the fragment takes exactly the graph's outputs. Neither may be null.
 SFG_API bool canConnect(const IShaderFragmentGraph* graph, const IShaderFragment* fragment);

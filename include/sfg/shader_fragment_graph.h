@@ -3,6 +3,7 @@
 // Fragment graphs: wired fragments with graph inputs, outputs and uniforms, handed to a collapse tool.
 
 #include <cstddef>
+#include <unordered_set>
 
 #include "sfg/export.h"
 #include "sfg/shader_fragment.h"
@@ -14,9 +15,9 @@
 namespace TolmSDK::Graphics::sfg {
 
 /// A graph as hosts and collapse tools see it. The slot order is fixed. It holds references on its fragments,
-/// parameters and flags; its members point back without one. Pre-process and post-process fragments are no members.
-/// Indexes of element accessors are not checked; refused operations answer false or do nothing; no operation throws.
-/// Built by one thread; then read by any number of collapses at once.
+/// parameters and flags; its members point back without one. Pre-process and post-process fragments are no
+/// members. Indexes of element accessors are not checked; refused operations answer false or do nothing; no
+/// operation throws. Built by one thread; then read by any number of collapses at once.
 class IShaderFragmentGraph : public IRefObject {
 public:
   virtual const wchar_t* getKey() const = 0;
@@ -48,7 +49,8 @@ public:
 
   /// One entry per output.
   virtual const Array<ShaderFragmentConnection>& getOutputConnections() const = 0;
-  virtual bool setOutputConnection(const wchar_t* output, IShaderFragment* source, const wchar_t* sourceOutput) = 0;
+  virtual bool setOutputConnection(const wchar_t* output, IShaderFragment* source,
+                                   const wchar_t* sourceOutput) = 0;
   virtual bool setOutputConnection(std::size_t output, IShaderFragment* source, std::size_t sourceOutput) = 0;
 
   /// Takes a fragment in that belongs to no graph yet; any other is ignored.
@@ -68,15 +70,17 @@ public:
   virtual IShaderFragment* getPreprocessFragment(std::size_t index) const = 0;
   /// Appends when the last element's outputs fit the fragment's inputs.
   virtual bool addPostprocessFragment(IShaderFragment* fragment) = 0;
-  /// Inserts at `index` (an index past the end appends) when the element before fits the fragment, and the fragment
-  /// fits the element at `index` + 1 of the chain as it is before the insertion; the element at `index` is not tested.
+  /// Inserts at `index` (an index past the end appends) when the element before fits the fragment, and the
+  /// fragment fits the element at `index` + 1 of the chain as it is before the insertion; the element at
+  /// `index` is not tested.
   virtual bool insertPostprocessFragment(std::size_t index, IShaderFragment* fragment) = 0;
   virtual void removePostprocessFragment(std::size_t index) = 0;
   virtual std::size_t getNumPostprocessFragments() const = 0;
   virtual const IShaderFragment* getPostprocessFragment(std::size_t index) const = 0;
 };
 
-/// The one implementation of IShaderFragmentGraph. Members outlive it when others hold them, without owner graph.
+/// The one implementation of IShaderFragmentGraph. Members outlive it when others hold them, without owner
+/// graph.
 class SFG_API AShaderFragmentGraph : public RefCounted<IShaderFragmentGraph> {
 public:
   AShaderFragmentGraph();
@@ -109,7 +113,8 @@ public:
   std::size_t findInputIndex(const wchar_t* name) const override;
   std::size_t findOutputIndex(const wchar_t* name) const override;
   const Array<ShaderFragmentConnection>& getOutputConnections() const override { return outputConnections_; }
-  bool setOutputConnection(const wchar_t* output, IShaderFragment* source, const wchar_t* sourceOutput) override;
+  bool setOutputConnection(const wchar_t* output, IShaderFragment* source,
+                           const wchar_t* sourceOutput) override;
   bool setOutputConnection(std::size_t output, IShaderFragment* source, std::size_t sourceOutput) override;
   void addFragment(IShaderFragment* fragment) override;
   void removeFragment(IShaderFragment* fragment) override;
@@ -121,7 +126,9 @@ public:
   void addPreprocessFragment(IShaderFragment* fragment) override;
   void removePreprocessFragment(std::size_t index) override;
   std::size_t getNumPreprocessFragment() const override { return preprocessFragments_.size(); }
-  IShaderFragment* getPreprocessFragment(std::size_t index) const override { return preprocessFragments_[index].get(); }
+  IShaderFragment* getPreprocessFragment(std::size_t index) const override {
+    return preprocessFragments_[index].get();
+  }
   bool addPostprocessFragment(IShaderFragment* fragment) override;
   bool insertPostprocessFragment(std::size_t index, IShaderFragment* fragment) override;
   void removePostprocessFragment(std::size_t index) override;
@@ -144,11 +151,12 @@ private:
   Array<RefPtr<AParameter const>> uniforms_;
   Array<RefPtr<IShaderFragment>> preprocessFragments_;
   Array<RefPtr<IShaderFragment>> postprocessFragments_;
+  std::unordered_set<const IShaderFragment*> members_;  // the fragments above, for tests of membership
   bool consolidatable_ = true;
 };
 
-/// Whether the graph's leading outputs fit the fragment's inputs; more outputs than inputs are allowed. Neither may be
-/// null.
+/// Whether the graph's leading outputs fit the fragment's inputs; more outputs than inputs are allowed.
+/// Neither may be null.
 SFG_API bool isFragmentCompatible(const IShaderFragmentGraph* graph, const IShaderFragment* fragment);
 
 }  // namespace TolmSDK::Graphics::sfg

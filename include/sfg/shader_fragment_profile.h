@@ -14,8 +14,8 @@ namespace TolmSDK::Graphics::sfg {
 
 enum class EShaderFragmentProfileMode : std::uint32_t { Function = 0, Inline = 1, MetaSL = 2 };
 
-/// One implementation of a fragment for a set of languages, under a profile name, at a level of detail. The slot order
-/// is fixed. Built by one thread; then read by any number.
+/// One implementation of a fragment for a set of languages, under a profile name, at a level of detail. The
+/// slot order is fixed. Built by one thread; then read by any number.
 class IShaderFragmentProfile : public IRefObject {
 public:
   /// Code the implementation needs in front of it: helpers, structures.

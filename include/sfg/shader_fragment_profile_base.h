@@ -21,17 +21,17 @@ namespace TolmSDK::Graphics::sfg {
 class AShaderCollapseContext;
 class FragmentProfileInstance;
 
-/// Base of the profile modes. Filled by load() or the setters, then only read: several collapses may use it at the same
-/// time, and what is built lazily is built safely. Records that view the profile's texts (built-in calls) keep those
-/// texts alive, also after clear() or a second setFunctionBody().
+/// Base of the profile modes. Filled by load() or the setters, then only read: several collapses may use it
+/// at the same time, and what is built lazily is built safely. Records that view the profile's texts
+/// (built-in calls) keep those texts alive, also after clear() or a second setFunctionBody().
 class SFG_API AShaderFragmentProfile : public RefCounted<IShaderFragmentProfile> {
 public:
   AShaderFragmentProfile(const AShaderFragmentProfile&) = delete;
   AShaderFragmentProfile& operator=(const AShaderFragmentProfile&) = delete;
   ~AShaderFragmentProfile() override;
 
-  /// Makes the mode class that the object's "mode" names ("inline", "metaSL", any case; else function) and loads it.
-  /// An empty pointer when load() answers false; its exceptions pass through.
+  /// Makes the mode class that the object's "mode" names ("inline", "metaSL", any case; else function) and
+  /// loads it. An empty pointer when load() answers false; its exceptions pass through.
   static RefPtr<AShaderFragmentProfile> loadProfile(const IObjectDataNode* node);
 
   const WString& predefines() const override { return predefines_; }
@@ -60,27 +60,37 @@ public:
 
   /// Empties what load() fills, but the built-in calls and shader functions found so far.
   virtual void clear();
-  /// Fills the profile from a profile object. False for a null node or an implementation that is missing. Throws
-  /// "Profile doesn't specify the language version. " without "language", the exceptions of the prototype, and an
-  /// Exception naming key and position for a value of a wrong kind. A failure leaves the profile partly filled.
+  /// Fills the profile from a profile object. False for a null node or an implementation that is missing.
+  /// Throws "Profile doesn't specify the language version. " without "language", the exceptions of the
+  /// prototype, and an Exception naming key and position for a value of a wrong kind. A failure leaves the
+  /// profile partly filled.
   virtual bool load(const IObjectDataNode* node);
-  /// Constructs `out` over the predefines with the instance's replacements; leaves it untouched when there are none.
+  /// Constructs `out` over the predefines with the instance's replacements; leaves it untouched when there
+  /// are none.
   virtual bool writePredefines(CodeSnippetInstance& out, AShaderCollapseContext& context,
                                FragmentProfileInstance& instance) const;
   /// Constructs `out` over the definition; false when a state-variable parameter cannot be added.
   virtual bool writeDefinition(CodeSnippetInstance& out, AShaderCollapseContext& context,
                                FragmentProfileInstance& instance) const = 0;
   /// Appends one call with these values to `out`.
-  virtual bool writeFunctionCall(WString& out, AShaderCollapseContext& context, FragmentProfileInstance& instance,
-                                 const Array<WString>& inputValues, const Array<WString>& outputValues) const = 0;
+  virtual bool writeFunctionCall(WString& out, AShaderCollapseContext& context,
+                                 FragmentProfileInstance& instance, const Array<WString>& inputValues,
+                                 const Array<WString>& outputValues) const = 0;
 
-  /// Writable body, for the collapse that appends to the result profile's. Nothing is parsed.
-  WString& getFunctionBody() { return *functionBody_; }
+  /// Writable body, for the collapse that appends to the result profile's. Nothing is parsed; views of the
+  /// text as it was stay valid.
+  WString& getFunctionBody();
+  /// Constructs `out` over a snippet of this code, which it then owns; leaves it untouched when the code
+  /// holds nothing.
+  static void constructOwned(CodeSnippetInstance& out, const WString& code, const Array<WString>& renames);
 
   /// Built-in calls found in the predefines and in the body.
-  const Array<BuiltinFunction>& getPredefineBuiltinFunctions() const noexcept { return predefineBuiltinFunctions_; }
+  const Array<BuiltinFunction>& getPredefineBuiltinFunctions() const noexcept {
+    return predefineBuiltinFunctions_;
+  }
   const Array<BuiltinFunction>& getBodyBuiltinFunctions() const noexcept { return bodyBuiltinFunctions_; }
-  /// The sfg_shader calls whose first argument is `name`; false when there are none, which leaves `out` alone.
+  /// The sfg_shader calls whose first argument is `name`; false when there are none, which leaves `out`
+  /// alone.
   bool GetShaderFunctions(const WString& name, Array<BuiltinFunction>& out) const;
   /// Whether GetShaderFunctions would find any.
   bool hasShaderFunctions(const WString& name) const { return shaderFunctions_.contains(name); }

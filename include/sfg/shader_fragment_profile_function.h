@@ -16,7 +16,8 @@ public:
   bool writeDefinition(CodeSnippetInstance& out, AShaderCollapseContext& context,
                        FragmentProfileInstance& instance) const override;
   bool writeFunctionCall(WString& out, AShaderCollapseContext& context, FragmentProfileInstance& instance,
-                         const Array<WString>& inputValues, const Array<WString>& outputValues) const override;
+                         const Array<WString>& inputValues,
+                         const Array<WString>& outputValues) const override;
 
 protected:
   explicit AShaderFragmentProfileFunction(EShaderFragmentProfileMode mode);

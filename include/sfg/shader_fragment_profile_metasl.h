@@ -7,8 +7,8 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Adds to the function mode: the MetaSL state variables and include, the renaming of MetaSL matrix names, light-and-shadow
-/// blocks repeated per light, and once per collapse one lighting function per light.
+/// Adds to the function mode: the MetaSL state variables and include, the renaming of MetaSL matrix names,
+/// light-and-shadow blocks repeated per light, and once per collapse one lighting function per light.
 class SFG_API AShaderFragmentProfileMetaSL : public AShaderFragmentProfileFunction {
 public:
   AShaderFragmentProfileMetaSL();

@@ -1,0 +1,122 @@
+#include "sfg/fragment_library.h"
+
+#include <string_view>
+
+#include "sfg/shader_fragment_profile_metasl.h"
+#include "tolmsdk/debug_log.h"
+#include "tolmsdk/exception.h"
+#include "tolmsdk/files.h"
+#include "tolmsdk/object_data_node.h"
+#include "tolmsdk/state_variables.h"
+
+namespace TolmSDK::Graphics::sfg {
+namespace {
+
+constexpr std::wstring_view kInclude = L"include:";
+constexpr std::wstring_view kPredefine = L"predefine:";
+constexpr std::wstring_view kNonConsolidatable = L"nonconsolidatable";
+
+bool isLibraryFile(std::wstring_view path) {
+  constexpr std::wstring_view kExtension = L"fraglib";
+  const WString extension = GetExtension(path);
+  if (extension.size() != kExtension.size()) return false;
+  for (std::size_t i = 0; i < kExtension.size(); ++i) {
+    const wchar_t c = extension[i];
+    if ((c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c) != kExtension[i]) return false;
+  }
+  return true;
+}
+
+WString textOf(const wchar_t* text) { return text == nullptr ? WString() : WString(text); }
+
+/// Reads the library files' fragments and hands each that loads to the library; the others are written to the
+/// debug log, in lines of a fixed form and one more each that says where and why.
+class LibraryFileLoader {
+public:
+  LibraryFileLoader(FragmentLibrary& library, const WString& path) : library_(library), path_(path) {}
+
+  void load() const {
+    const RefPtr<IObjectDataNode> document(createJsonNode());
+    if (!document->loadFromFile(path_)) return logFile(document->getLoadError());
+    if (document->kind() != NodeKind::object) return logFile(L"a fragment library is an object of fragments");
+    for (std::size_t i = 0, count = document->size(); i < count; ++i)
+      if (const IObjectDataNode* node = document->element(i)) loadFragment(document->memberName(i), *node, i);
+  }
+
+private:
+  void loadFragment(const WString& name, const IObjectDataNode& node, std::size_t index) const {
+    const auto fragment = makeRef<AShaderFragment>();
+    try {
+      if (!fragment->load(&node)) return logFragment(index);
+    } catch (const Exception& error) {
+      logFragment(index);
+      debugLog(L"Error: %s", error.getMessage());
+      const TextPosition place = node.position();
+      debugLog(L"%s:%Iu:%Iu: fragment \"%s\": %s%s%s", path_, place.line, place.column, name,
+               fragment->getLoadError(), fragment->getLoadError().empty() ? L"" : L": ", error.getMessage());
+      return;
+    }
+    fragment->key() = name;
+    library_.registerResource(name, fragment.get());
+  }
+
+  void logFile(std::wstring_view reason) const {
+    debugLog(L"sfgError : Failed to load json file: %s!", path_);
+    debugLog(L"%s: %s", path_, reason);
+  }
+  void logFragment(std::size_t index) const {
+    debugLog(L"sfgError : Failed to load fragment %s: %d!", path_, index);
+  }
+
+  FragmentLibrary& library_;
+  const WString& path_;
+};
+
+void applyOption(std::wstring_view option, AShaderFragment& fragment, AShaderFragmentProfile& profile) {
+  if (option.starts_with(kInclude)) {
+    profile.includes().insert(WString(option.substr(kInclude.size())));
+  } else if (option.starts_with(kPredefine)) {
+    profile.predefines() += option.substr(kPredefine.size());
+  } else if (option == kNonConsolidatable) {
+    fragment.SetNonConsolidatable();
+  }
+}
+
+}  // namespace
+
+FragmentLibrary::FragmentLibrary() = default;
+FragmentLibrary::~FragmentLibrary() = default;
+
+bool FragmentLibrary::loadFragments(const wchar_t* folder) {
+  if (folder == nullptr) return true;
+  for (const WString& path : EnumFiles(folder))
+    if (isLibraryFile(path)) LibraryFileLoader(*this, path).load();
+  return true;
+}
+
+bool FragmentLibrary::addFragment(const wchar_t* name, const wchar_t* prototype, const wchar_t* body,
+                                  const wchar_t* const* options, int numOptions) {
+  const auto fragment = makeRef<AShaderFragment>();
+  fragment->key() = textOf(name);
+
+  const auto profile = makeRef<AShaderFragmentProfileMetaSL>();
+  profile->setLOD(100.0f);
+  profile->setProfilename(WString(L"default"));
+  profile->languages().insert(UString(L"dx11"));
+  profile->setFunctionPrototype(textOf(prototype));
+  profile->setFunctionBody(textOf(body));
+  profile->addMetaSLRequirements();
+  for (int i = 0; options != nullptr && i < numOptions; ++i)
+    if (options[i] != nullptr) applyOption(options[i], *fragment, *profile);
+  profile->stateVariables().insert(StateVariable_matViewProj);
+
+  fragment->registerProfile(profile.get());
+  registerResource(fragment->key(), fragment.get());
+  return true;
+}
+
+const IShaderFragment* FragmentLibrary::acquireFragment(const wchar_t* name) const {
+  return dynamic_cast<const IShaderFragment*>(acquireResource(textOf(name)));
+}
+
+}  // namespace TolmSDK::Graphics::sfg

@@ -1,0 +1,229 @@
+#include "sfg/shader_fragment.h"
+
+#include <cmath>
+#include <iostream>
+#include <memory>
+#include <unordered_set>
+#include <utility>
+
+#include "fragments/ports.h"
+#include "sfg/shader_fragment_graph.h"
+#include "sfg/shader_fragment_profile_base.h"
+#include "tolmsdk/exception.h"
+
+namespace TolmSDK::Graphics::sfg {
+namespace {
+
+/// The port that a parameter of a function prototype becomes.
+RefPtr<AParameter const> makePort(const ILanguageTraits& traits, const WString& typeText,
+                                  const WString& name) {
+  constexpr std::wstring_view kInOut = L"inout ";
+  const TypeID type = traits.getTypeID(typeText);
+  if (type != TypeID_nil) return makeRef<AParameter>(type, name);
+  return makeStructPort(typeText.starts_with(kInOut) ? typeText.substr(kInOut.size()) : typeText, name);
+}
+
+WString profileKey(const WString& name, const UString& language) { return name + language.str(); }
+
+}  // namespace
+
+AShaderFragment::AShaderFragment() = default;
+AShaderFragment::AShaderFragment(const WString& instanceName) : instanceName_(instanceName) {}
+AShaderFragment::~AShaderFragment() = default;
+
+IShaderFragment* AShaderFragment::clone(const WString& instanceName) const {
+  auto copy = std::make_unique<AShaderFragment>(instanceName);
+  copy->key_ = key_;
+  copy->hashString_ = hashString_;
+  copy->consolidatable_ = consolidatable_;
+  copy->profileMap_ = profileMap_;
+  copy->profiles_ = profiles_;
+  copy->inputConnections_ = inputConnections_;
+  copy->inputs_ = inputs_;
+  copy->outputs_ = outputs_;
+  copy->uniforms_ = uniforms_;
+  return copy.release();
+}
+
+void AShaderFragment::setOwnerGraph(IShaderFragmentGraph* graph) {
+  ownerGraph_ = graph;
+  if (graph != nullptr && !consolidatable_) graph->setNonConsolidatable();
+}
+
+void AShaderFragment::clear() {
+  key_.clear();
+  instanceName_.clear();
+  profileMap_.clear();
+  profiles_.clear();
+  inputConnections_.clear();
+  inputs_.clear();
+  outputs_.clear();
+  uniforms_.clear();
+}
+
+// Profiles
+
+void AShaderFragment::registerProfile(IShaderFragmentProfile* profile) {
+  if (profile == nullptr || profile->languages().empty()) return;
+  for (const UString& language : std::as_const(*profile).languages())
+    profileMap_[profileKey(profile->getProfilename(), language)].push_back(profile);
+  profiles_.push_back(profile);
+}
+
+const IShaderFragmentProfile* AShaderFragment::findFirstProfile(const UString& language) const {
+  for (const RefPtr<IShaderFragmentProfile>& profile : profiles_)
+    if (std::as_const(*profile).languages().contains(language)) return profile.get();
+  return nullptr;
+}
+
+const IShaderFragmentProfile* AShaderFragment::findBestProfile(const WString& profileName,
+                                                               const UString& language, float lod) const {
+  const auto found = profileMap_.find(profileKey(profileName, language));
+  if (found == profileMap_.end() || found->second.empty()) return nullptr;
+  const IShaderFragmentProfile* best = nullptr;
+  float bestDistance = 0.0f;
+  for (const RefPtr<IShaderFragmentProfile>& profile : found->second) {
+    const float distance = std::abs(profile->getLOD() - lod);
+    if (best != nullptr && !(distance < bestDistance)) continue;
+    best = profile.get();
+    bestDistance = distance;
+  }
+  return best;
+}
+
+// Ports
+
+const WString& AShaderFragment::getInputType(const ILanguageTraits* traits, std::size_t index) const {
+  return portType(traits, *inputs_[index]);
+}
+
+const WString& AShaderFragment::getOutputType(const ILanguageTraits* traits, std::size_t index) const {
+  return portType(traits, *outputs_[index]);
+}
+
+void AShaderFragment::addInput(const AParameter* parameter) {
+  inputs_.emplace_back(parameter);
+  inputConnections_.emplace_back();
+}
+
+void AShaderFragment::addInput(const TypeID& type, const WString& name) {
+  addInput(makeRef<AParameter>(type, name).get());
+}
+
+void AShaderFragment::addInput(const WString& structName, const WString& name) {
+  addInput(makeStructPort(structName, name).get());
+}
+
+void AShaderFragment::addOutput(const AParameter* parameter) { outputs_.emplace_back(parameter); }
+
+void AShaderFragment::addOutput(const TypeID& type, const WString& name) {
+  addOutput(makeRef<AParameter>(type, name).get());
+}
+
+void AShaderFragment::addOutput(const WString& structName, const WString& name) {
+  addOutput(makeStructPort(structName, name).get());
+}
+
+void AShaderFragment::addUniform(const AParameter* parameter) { uniforms_.emplace_back(parameter); }
+
+std::size_t AShaderFragment::findInputIndex(const wchar_t* name) const { return findPort(inputs_, name); }
+std::size_t AShaderFragment::findOutputIndex(const wchar_t* name) const { return findPort(outputs_, name); }
+
+void AShaderFragment::generateAutoInputsOutputs(const ILanguageTraits* traits) {
+  inputConnections_.clear();
+  inputs_.clear();
+  outputs_.clear();
+  if (profiles_.empty()) return;
+  const ITextParameterList& list = *std::as_const(*profiles_.front()).getFunctionParameters();
+  for (std::size_t i = 0; i < list.getNumInputs(); ++i)
+    addInput(makePort(*traits, list.getInputType(i), list.getInputName(i)).get());
+  for (std::size_t i = 0; i < list.getNumOutputs(); ++i)
+    addOutput(makePort(*traits, list.getOutputType(i), list.getOutputName(i)).get());
+}
+
+// Connections
+
+bool AShaderFragment::setInputConnection(std::size_t input, IShaderFragment* source, std::size_t output) {
+  if (source == nullptr || source->getOwnerGraph() != ownerGraph_) return false;
+  if (output >= source->getNumOutputs() || input >= inputs_.size()) return false;
+  inputConnections_[input] = {source, output};
+  return true;
+}
+
+bool AShaderFragment::setInputConnection(std::size_t input, std::size_t graphInput) {
+  if (ownerGraph_ == nullptr || graphInput >= ownerGraph_->getNumInputs() || input >= inputs_.size())
+    return false;
+  inputConnections_[input] = {nullptr, graphInput};
+  return true;
+}
+
+bool AShaderFragment::setInputConnection(const wchar_t* input, IShaderFragment* source,
+                                         const wchar_t* output) {
+  if (source == nullptr) return false;
+  return setInputConnection(findInputIndex(input), source, source->findOutputIndex(output));
+}
+
+bool AShaderFragment::setInputConnection(const wchar_t* input, const wchar_t* graphInput) {
+  if (ownerGraph_ == nullptr) return false;
+  return setInputConnection(findInputIndex(input), ownerGraph_->findInputIndex(graphInput));
+}
+
+void AShaderFragment::clearInputConnect(std::size_t input) {
+  if (input < inputConnections_.size()) inputConnections_[input] = ShaderFragmentConnection();
+}
+
+void AShaderFragment::clearInputConnect(const wchar_t* input) { clearInputConnect(findInputIndex(input)); }
+
+bool AShaderFragment::hasAncestor(IShaderFragment* candidate) const {
+  // Every fragment is looked at once, however many ways lead to it.
+  std::unordered_set<const IShaderFragment*> seen{this};
+  Array<const IShaderFragment*> pending{this};
+  while (!pending.empty()) {
+    const IShaderFragment* fragment = pending.back();
+    pending.pop_back();
+    for (const ShaderFragmentConnection& connection : fragment->getInputConnections()) {
+      if (connection.fragment == nullptr) continue;
+      if (connection.fragment == candidate) return true;
+      if (seen.insert(connection.fragment).second) pending.push_back(connection.fragment);
+    }
+  }
+  return false;
+}
+
+// Compatibility
+
+bool canConnect(const IShaderFragment* from, const IShaderFragment* to) {
+  if (from == nullptr || to == nullptr || from->getNumOutputs() != to->getNumInputs()) return false;
+  for (std::size_t i = 0, count = to->getNumInputs(); i < count; ++i) {
+    const AParameter* output = from->getOutput(i);
+    const AParameter* input = to->getInput(i);
+    if (output == nullptr || input == nullptr ||
+        !TypeID::isCompatibleType(output->getType(), input->getType()))
+      return false;
+  }
+  return true;
+}
+
+bool canConnect(const IShaderFragmentGraph* graph, const IShaderFragment* fragment) {
+  return graph->getNumOutputs() == fragment->getNumInputs() && isFragmentCompatible(graph, fragment);
+}
+
+void AShaderFragment::debugDump() {
+  std::wcout << L"key: " << key_ << std::endl;
+  if (!instanceName_.empty()) std::wcout << L"instance: " << instanceName_ << std::endl;
+  for (const auto& uniform : uniforms_)
+    std::wcout << L"uniform: " << ITypeTraits::getTypeName(uniform->getType()) << L' ' << uniform->getName()
+               << std::endl;
+  for (const auto& input : inputs_)
+    std::wcout << L"input: " << input->getType().toString() << L' ' << input->getName() << std::endl;
+  for (const auto& output : outputs_)
+    std::wcout << L"output: " << output->getType().toString() << L' ' << output->getName() << std::endl;
+  for (std::size_t i = 0; i < profiles_.size(); ++i) {
+    std::wcout << L"profile " << itos(static_cast<long long>(i)) << L" : " << std::endl;
+    // Only our own profiles can describe themselves.
+    if (const auto* profile = dynamic_cast<const AShaderFragmentProfile*>(profiles_[i].get()))
+      profile->debugDump(L"    ");
+  }
+}
+
+}  // namespace TolmSDK::Graphics::sfg

@@ -1,0 +1,242 @@
+#include "sfg/shader_fragment_profile_base.h"
+
+#include <algorithm>
+#include <iostream>
+#include <string_view>
+#include <utility>
+
+#include "profiles/object_reader.h"
+#include "sfg/code_formatter.h"
+#include "sfg/fragment_profile_instance.h"
+#include "sfg/shader_fragment_profile_function.h"
+#include "sfg/shader_fragment_profile_inline.h"
+#include "sfg/shader_fragment_profile_metasl.h"
+#include "sfg/shader_symbol.h"
+#include "tolmsdk/exception.h"
+
+namespace TolmSDK::Graphics::sfg {
+namespace {
+
+bool equalIgnoringCase(std::wstring_view a, std::wstring_view b) {
+  const auto lower = [](wchar_t c) {
+    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+  };
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [&lower](wchar_t x, wchar_t y) { return lower(x) == lower(y); });
+}
+
+RefPtr<AShaderFragmentProfile> makeProfile(std::wstring_view mode) {
+  if (equalIgnoringCase(mode, L"inline")) return makeRef<AShaderFragmentProfileInline>();
+  if (equalIgnoringCase(mode, L"metaSL")) return makeRef<AShaderFragmentProfileMetaSL>();
+  return makeRef<AShaderFragmentProfileFunction>();
+}
+
+template <class Names, class Text>
+void dumpNames(const wchar_t* indent, const wchar_t* title, const Names& names, Text&& text) {
+  if (names.empty()) return;
+  std::wcout << indent << title << std::endl;
+  for (const auto& name : names) std::wcout << indent << L"    " << text(name) << std::endl;
+}
+
+}  // namespace
+
+AShaderFragmentProfile::AShaderFragmentProfile(EShaderFragmentProfileMode mode)
+    : mode_(mode), functionBody_(std::make_shared<WString>()),
+      functionParameters_(makeRef<ATextParameterList>()) {}
+
+AShaderFragmentProfile::~AShaderFragmentProfile() = default;
+
+RefPtr<AShaderFragmentProfile> AShaderFragmentProfile::loadProfile(const IObjectDataNode* node) {
+  const IObjectDataNode* mode = node == nullptr ? nullptr : node->member(L"mode");
+  const std::wstring_view name = mode == nullptr ? std::wstring_view() : readString(L"mode", *mode);
+  RefPtr<AShaderFragmentProfile> profile = makeProfile(name);
+  if (!profile->load(node)) return nullptr;
+  return profile;
+}
+
+void AShaderFragmentProfile::clear() {
+  languages_.clear();
+  predefines_.clear();
+  profileName_.clear();
+  stateVariables_.clear();
+  customStateVariables_.clear();
+  includes_.clear();
+  functionName_.clear();
+  functionBody_ = std::make_shared<WString>();
+  predefineSnippet_.clear();
+  predefinesParsed_ = false;
+  functionParameters_->clear();
+  lod_ = 100.0f;
+}
+
+bool AShaderFragmentProfile::load(const IObjectDataNode* node) {
+  clear();
+  if (node == nullptr) return false;
+
+  const IObjectDataNode* name = node->member(L"name");
+  profileName_ = name == nullptr ? WString(L"default") : readString(L"name", *name);
+
+  const IObjectDataNode* lod = node->member(L"lod");
+  lod_ = lod == nullptr ? 100.0f : readFloat(L"lod", *lod);
+
+  const IObjectDataNode* languages = node->member(L"language");
+  if (languages == nullptr) throw Exception(L"Profile doesn't specify the language version. ");
+  readStrings(L"language", *languages, [this](const WString& text) { languages_.insert(UString(text)); });
+
+  if (const IObjectDataNode* variables = node->member(L"stateVariables"))
+    readStrings(L"stateVariables", *variables,
+                [this](const WString& text) { customStateVariables_.insert(text); });
+
+  if (const IObjectDataNode* lines = node->member(L"predefine")) loadPredefines(*lines);
+
+  // Of the includes, null and the empty text are passed over.
+  if (const IObjectDataNode* includes = node->member(L"includes")) {
+    requireKind(NodeKind::array, L"includes", L"an array of strings", *includes);
+    for (std::size_t i = 0, count = includes->size(); i < count; ++i) {
+      const IObjectDataNode* include = includes->element(i);
+      if (include == nullptr) continue;
+      requireKind(NodeKind::string, L"includes", L"an array of strings", *include);
+      if (!include->asString().empty()) includes_.insert(include->asString());
+    }
+  }
+
+  return loadImplementation(node->member(L"implementation"));
+}
+
+void AShaderFragmentProfile::loadPredefines(const IObjectDataNode& lines) {
+  predefines_.clear();
+  CodeFormatter formatter(0);
+  formatter.setResult(&predefines_);
+  readStrings(L"predefine", lines, [&formatter](WString line) { formatter.addLine(line); });
+
+  const CodeSnippet& snippet = predefineSnippet();
+  stateVariables_.insert(snippet.getStateVariables().begin(), snippet.getStateVariables().end());
+  predefineBuiltinFunctions_ = snippet.getBuiltinFunctions();
+  registerShaderFunctions(snippet.getShaderFunctions());
+  if (!snippet.getBuiltinFunctions().empty() || !snippet.getShaderFunctions().empty())
+    viewedTexts_.push_back(snippet.shareCode());
+}
+
+bool AShaderFragmentProfile::setFunctionPrototype(const WString& prototype) {
+  constexpr std::wstring_view kResult = L"void ";
+  if (!prototype.starts_with(kResult)) throw Exception(L"sfgError : Function result type is not void!");
+
+  const std::size_t open = prototype.find(L'(');
+  if (open == WString::npos) throw Exception(L"sfgError : Incorrect function declaration!");
+  functionName_.assign(prototype, kResult.size(), open - kResult.size());
+
+  const std::size_t close = prototype.find(L')', open);
+  if (close == WString::npos) throw Exception(L"sfgError : Incorrect function declaration!");
+  const std::wstring_view parameters = std::wstring_view(prototype).substr(open + 1, close - open - 1);
+  if (!functionParameters_->parseParameters(parameters))
+    throw Exception(L"sfgError : Incorrect function declaration!");
+  return true;
+}
+
+void AShaderFragmentProfile::setFunctionBody(const WString& body) {
+  replaceBodyText(body);
+  ShaderSymbol symbol;
+  symbol.parseKeywords(ScopedText(*functionBody_));
+  stateVariables_.insert(symbol.getStateVariables().begin(), symbol.getStateVariables().end());
+  bodyBuiltinFunctions_ = symbol.getBuiltinFunctions();
+  registerShaderFunctions(symbol.getShaderFunctions());
+  if (!symbol.getBuiltinFunctions().empty() || !symbol.getShaderFunctions().empty())
+    viewedTexts_.push_back(functionBody_);
+}
+
+WString& AShaderFragmentProfile::getFunctionBody() {
+  // A text that built-in calls view stays as it is: the caller gets a copy to write to.
+  if (functionBody_.use_count() > 1) functionBody_ = std::make_shared<WString>(*functionBody_);
+  return *functionBody_;
+}
+
+void AShaderFragmentProfile::replaceBodyText(const WString& body) {
+  functionBody_ = std::make_shared<WString>(body);
+}
+
+void AShaderFragmentProfile::registerShaderFunctions(const Array<BuiltinFunction>& uses) {
+  for (const BuiltinFunction& use : uses) {
+    if (use.arguments.empty()) continue;
+    shaderFunctions_[WString(use.arguments.front().view())].push_back(use);
+  }
+}
+
+bool AShaderFragmentProfile::GetShaderFunctions(const WString& name, Array<BuiltinFunction>& out) const {
+  const auto found = shaderFunctions_.find(name);
+  if (found == shaderFunctions_.end()) return false;
+  if (&out != &found->second) out = found->second;
+  return true;
+}
+
+const KeywordReplacePattern& AShaderFragmentProfile::GetDefaultShaderRepalcePattern() const {
+  if (defaultShaderPatternBuilt_.load(std::memory_order_acquire) || shaderFunctions_.empty())
+    return defaultShaderReplacePattern_;
+  const std::lock_guard<std::mutex> lock(lazyMutex_);
+  if (!defaultShaderPatternBuilt_.load(std::memory_order_relaxed)) {
+    for (const auto& [name, uses] : shaderFunctions_)
+      for (const BuiltinFunction& use : uses)
+        defaultShaderReplacePattern_.addReplacePattern(WString(use.range.view()), WString());
+    defaultShaderPatternBuilt_.store(true, std::memory_order_release);
+  }
+  return defaultShaderReplacePattern_;
+}
+
+const CodeSnippet& AShaderFragmentProfile::predefineSnippet() const {
+  if (predefinesParsed_.load(std::memory_order_acquire) || predefines_.empty()) return predefineSnippet_;
+  const std::lock_guard<std::mutex> lock(lazyMutex_);
+  // A text without any symbol (blanks only) is parsed once too, unless it was changed since.
+  if (!predefinesParsed_.load(std::memory_order_relaxed) && predefineSnippet_.getCode() != predefines_) {
+    predefineSnippet_.clear();
+    predefineSnippet_.addCode(predefines_);
+    predefineSnippet_.parse();
+    if (predefineSnippet_.getNumSymbols() != 0) predefinesParsed_.store(true, std::memory_order_release);
+  }
+  return predefineSnippet_;
+}
+
+bool AShaderFragmentProfile::writePredefines(CodeSnippetInstance& out, AShaderCollapseContext&,
+                                             FragmentProfileInstance& instance) const {
+  const KeywordReplacePattern& uniforms = instance.getUniformReplacePattern();
+  const KeywordReplacePattern& shaders = instance.getShaderReplacePattern();
+  if (uniforms.empty() && shaders.empty()) {
+    out.construct(&predefineSnippet(), instance.getBuiltinFunctionValueInPredefine(), false);
+    return true;
+  }
+
+  KeywordReplacer replacer;
+  replacer.addReplacePattern(uniforms);
+  replacer.addReplacePattern(shaders);
+  WString text;
+  replacer.appendAndReplace(text, predefines_);
+  constructOwned(out, text, instance.getBuiltinFunctionValueInPredefine());
+  return true;
+}
+
+void AShaderFragmentProfile::constructOwned(CodeSnippetInstance& out, const WString& code,
+                                            const Array<WString>& renames) {
+  auto snippet = std::make_unique<CodeSnippet>();
+  snippet->addCode(code);
+  snippet->parse();
+  if (snippet->getNumSymbols() != 0) out.construct(snippet.release(), renames, true);
+}
+
+void AShaderFragmentProfile::debugDump(const wchar_t* indent) const {
+  std::wcout << indent << L"profile name: " << profileName_ << std::endl;
+  if (!predefines_.empty()) {
+    std::wcout << indent << L"required code: " << std::endl;
+    std::wcout << predefines_ << std::endl;
+  }
+  const auto itself = [](const WString& name) -> const WString& { return name; };
+  dumpNames(indent, L"state variables: ", stateVariables_, [](const UString& name) { return name.view(); });
+  dumpNames(indent, L"custom state variables: ", customStateVariables_, itself);
+  dumpNames(indent, L"includes: ", includes_, itself);
+
+  WString parameters;
+  functionParameters_->writeParameters(parameters, WString(indent) + L"    ", true);
+  std::wcout << indent << L"void " << functionName_ << L"(" << parameters << L")" << std::endl;
+  std::wcout << indent << L"{" << std::endl;
+  std::wcout << *functionBody_ << std::endl;
+  std::wcout << indent << L"}" << std::endl;
+}
+
+}  // namespace TolmSDK::Graphics::sfg
