@@ -160,10 +160,11 @@ float sfg_perlinNoise3(float3 p)
 
 // Distances to the nearest (x) and second nearest (y) feature point, one point per cell (Worley 1996).
 // `jitter` 0 puts the points in the middle of their cells, 1 anywhere in them.
-// `first` and `last` bound the neighbour cells searched; -1 .. 1 is the usual 3 by 3 (by 3).
+// `first` and `last` bound the cells searched, which lie around p: -1 .. 1 is the usual 3 by 3 (by 3), 0 .. 1 the
+// nearest 2 by 2 (by 2).
 float2 sfg_worley2(float2 p, float jitter, int first, int last)
 {
-    float2 base = floor(p);
+    float2 base = floor(p - 0.5 * float(first + last));
     float2 f = p - base;
     float2 nearest = float2(8.0, 8.0);
     for (int y = first; y <= last; ++y)
@@ -184,7 +185,7 @@ float2 sfg_worley2(float2 p, float jitter, int first, int last)
 
 float2 sfg_worley3(float3 p, float jitter, int first, int last)
 {
-    float3 base = floor(p);
+    float3 base = floor(p - 0.5 * float(first + last));
     float3 f = p - base;
     float2 nearest = float2(12.0, 12.0);
     for (int z = first; z <= last; ++z)
