@@ -1,0 +1,312 @@
+// References of vectors.fraglib.
+
+#include "tests/numbers/reference_tools.h"
+#include "tests/numbers/row.h"
+
+namespace numbers_test {
+
+namespace {
+
+Tolerance const kOneRounding{1e-37, 0.5 * kUlp, "one correctly rounded operation"};
+Tolerance const kUnitLength{8.0 * kUlp, 0.0, "Vulkan's reciprocal square root: 2 units in the last place"};
+
+// The product of the matrix at input `m`, of `size` columns, and the vector; its first three components.
+Vec3 transformed(Sample const& in, std::size_t m, std::size_t size, Vec4 v) {
+  double const components[] = {v.x, v.y, v.z, v.w};
+  double rows[3] = {0.0, 0.0, 0.0};
+  for (std::size_t r = 0; r < 3; ++r) {
+    for (std::size_t c = 0; c < size; ++c) {
+      rows[r] += in.at(m, r * size + c) * components[c];
+    }
+  }
+  return {rows[0], rows[1], rows[2]};
+}
+
+Vec4 extended(Vec3 v, double w) { return {v.x, v.y, v.z, w}; }
+
+// Snell's law: the angles from the geometry, not from the closed formula.
+Result refracted(Sample const& in) {
+  Vec3 const i = in.vec3(0);
+  Vec3 const n = in.vec3(1);
+  double const eta = in(2);
+  Vec3 const along = i - n * dot(i, n);
+  Vec3 const refractedAlong = along * eta;
+  double const sine = length(refractedAlong);
+  if (sine > 1.0) {
+    return Result(Vec3{}, 0.0);
+  }
+  return Result(refractedAlong - n * std::cos(std::asin(sine)), 1.0);
+}
+
+bool refractionOnEdge(Sample const& in) {
+  Vec3 const along = in.vec3(0) - in.vec3(1) * dot(in.vec3(0), in.vec3(1));
+  double const sine = length(along) * in(2);
+  return std::fabs(1.0 - sine * sine) < 1e-3;
+}
+
+// Duff et al. 2017, listing 3.
+Result duffBasis(Sample const& in) {
+  Vec3 const n = in.vec3(0);
+  double const sign = std::copysign(1.0, n.z);
+  double const a = -1.0 / (sign + n.z);
+  double const b = n.x * n.y * a;
+  return Result(Vec3{1.0 + sign * n.x * n.x * a, sign * b, -sign * n.x}, Vec3{b, sign + n.y * n.y * a, -n.y});
+}
+
+// Rodrigues' formula, applied to the three axes: the columns of the matrix.
+Result rodrigues(Sample const& in) {
+  Vec3 const k = unit(in.vec3(0));
+  double const angle = in(1);
+  auto const turn = [&](Vec3 v) {
+    return v * std::cos(angle) + cross(k, v) * std::sin(angle) + k * (dot(k, v) * (1.0 - std::cos(angle)));
+  };
+  Vec3 const x = turn({1, 0, 0});
+  Vec3 const y = turn({0, 1, 0});
+  Vec3 const z = turn({0, 0, 1});
+  return Result(x.x, y.x, z.x, x.y, y.y, z.y, x.z, y.z, z.z);
+}
+
+Result matrixProduct(Sample const& in) {
+  Result result;
+  for (std::size_t r = 0; r < 3; ++r) {
+    for (std::size_t c = 0; c < 3; ++c) {
+      double sum = 0.0;
+      for (std::size_t k = 0; k < 3; ++k) {
+        sum += in.at(0, 3 * r + k) * in.at(1, 3 * k + c);
+      }
+      result.add(sum);
+    }
+  }
+  return result;
+}
+
+Result transposed(Sample const& in) {
+  Result result;
+  for (std::size_t r = 0; r < 3; ++r) {
+    for (std::size_t c = 0; c < 3; ++c) {
+      result.add(in.at(0, 3 * c + r));
+    }
+  }
+  return result;
+}
+
+Vec3 matrixRow(Sample const& in, std::size_t m, std::size_t row) {
+  return {in.at(m, 3 * row), in.at(m, 3 * row + 1), in.at(m, 3 * row + 2)};
+}
+
+std::vector<Row> arithmeticRows() {
+  std::vector<Input> const pair = {vector3("a", -10, 10), vector3("b", -10, 10)};
+  return {
+      {"addFloat3", pair, kOneRounding, [](Sample const& in) { return Result(in.vec3(0) + in.vec3(1)); }},
+      {"subtractFloat3", pair, kOneRounding,
+       [](Sample const& in) { return Result(in.vec3(0) - in.vec3(1)); }},
+      {"multiplyFloat3", pair, kOneRounding,
+       [](Sample const& in) { return Result(in.vec3(0) * in.vec3(1)); }},
+      {"scaleFloat3",
+       {vector3("a", -10, 10), number("factor", -5, 5)},
+       kOneRounding,
+       [](Sample const& in) { return Result(in.vec3(0) * in(1)); }},
+      {"addFloat2",
+       {vector2("a", -10, 10), vector2("b", -10, 10)},
+       kOneRounding,
+       [](Sample const& in) { return Result(in.vec2(0) + in.vec2(1)); }},
+      {"scaleFloat2",
+       {vector2("a", -10, 10), number("factor", -5, 5)},
+       kOneRounding,
+       [](Sample const& in) { return Result(in.vec2(0) * in(1)); }},
+      {"mixFloat3",
+       {vector3("a", -10, 10), vector3("b", -10, 10), number("amount", -1, 2)},
+       rounding(4, 10),
+       [](Sample const& in) { return Result(mix(in.vec3(0), in.vec3(1), in(2))); }},
+      {"saturateFloat3",
+       {vector3("a", -2, 3)},
+       exactly(),
+       [](Sample const& in) { return Result(each(in.vec3(0), clamp01)); }},
+      {"combineFloat2",
+       {number("x", -5, 5), number("y", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in(0), in(1)); }},
+      {"combineFloat3",
+       {number("x", -5, 5), number("y", -5, 5), number("z", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in(0), in(1), in(2)); }},
+      {"combineFloat4",
+       {number("x", -5, 5), number("y", -5, 5), number("z", -5, 5), number("w", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in(0), in(1), in(2), in(3)); }},
+      {"splitFloat2", {vector2("a", -5, 5)}, exactly(), [](Sample const& in) { return Result(in.vec2(0)); }},
+      {"splitFloat3", {vector3("a", -5, 5)}, exactly(), [](Sample const& in) { return Result(in.vec3(0)); }},
+      {"splitFloat4", {vector4("a", -5, 5)}, exactly(), [](Sample const& in) { return Result(in.vec4(0)); }},
+      {"splatFloat3", {number("a", -5, 5)}, exactly(), [](Sample const& in) { return Result(splat(in(0))); }},
+      {"extendFloat4",
+       {vector3("xyz", -5, 5), number("w", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in.vec3(0), in(1)); }},
+      {"extendFloat3",
+       {vector2("xy", -5, 5), number("z", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in.vec2(0), in(1)); }},
+  };
+}
+
+std::vector<Row> geometryRows() {
+  std::vector<Input> const pair = {vector3("a", -10, 10), vector3("b", -10, 10)};
+  return {
+      {"dotProduct", pair, rounding(4, 100),
+       [](Sample const& in) { return Result(dot(in.vec3(0), in.vec3(1))); }},
+      {"crossProduct", pair, rounding(4, 100),
+       [](Sample const& in) { return Result(cross(in.vec3(0), in.vec3(1))); }},
+      {"vectorLength",
+       {vector3("a", -10, 10)},
+       rounding(6, 1e-6),
+       [](Sample const& in) { return Result(length(in.vec3(0))); }},
+      {"pointDistance", pair, rounding(6, 10),
+       [](Sample const& in) { return Result(length(in.vec3(0) - in.vec3(1))); }},
+      {"unitVector",
+       {vector3("a", -10, 10)},
+       kUnitLength,
+       [](Sample const& in) { return Result(unit(in.vec3(0))); }},
+      {"reflectVector",
+       {vector3("incident", -2, 2), unit3("normal")},
+       rounding(8, 4),
+       [](Sample const& in) {
+         Vec3 const along = in.vec3(1) * dot(in.vec3(0), in.vec3(1));
+         return Result((in.vec3(0) - along) - along);
+       }},
+      {"refractVector",
+       {unit3("incident"), unit3("normal"), number("eta", 0.4, 2.5)},
+       {1e-4, 0.0, "the square root of a difference, down to 1e-3, of rounded squares"},
+       refracted,
+       -1.0,
+       {},
+       // The closed formula bends towards -n, as a ray that comes from the side of the normal.
+       refractionOnEdge},
+      {"faceForwardVector",
+       {unit3("normal"), unit3("incident")},
+       exactly(),
+       [](Sample const& in) { return Result(dot(in.vec3(0), in.vec3(1)) < 0.0 ? in.vec3(0) : -in.vec3(0)); },
+       -1.0,
+       {},
+       [](Sample const& in) { return std::fabs(dot(in.vec3(0), in.vec3(1))) < 1e-6; }},
+      {"angleBetween",
+       {vector3("a", 0.1, 3), vector3("b", -3, -0.1)},
+       {1e-6, 4096.0 * kUlp, "Vulkan's arc functions are off by up to 4096 units in the last place"},
+       [](Sample const& in) {
+         return Result(std::atan2(length(cross(in.vec3(0), in.vec3(1))), dot(in.vec3(0), in.vec3(1))));
+       }},
+      {"orthonormalBasis", {unit3("normal")}, rounding(8, 1), duffBasis},
+  };
+}
+
+std::vector<Row> matrixRows() {
+  return {
+      {"transformPoint",
+       {matrix4("transform", -3, 3), vector3("position", -10, 10)},
+       rounding(6, 90),
+       [](Sample const& in) { return Result(transformed(in, 0, 4, extended(in.vec3(1), 1.0))); }},
+      {"transformDirection",
+       {matrix4("transform", -3, 3), vector3("direction", -10, 10)},
+       rounding(6, 90),
+       [](Sample const& in) { return Result(transformed(in, 0, 4, extended(in.vec3(1), 0.0))); }},
+      {"objectToWorldPoint",
+       {vector3("position", -10, 10), matrix4("sfg_matWorld", -3, 3)},
+       rounding(6, 90),
+       [](Sample const& in) { return Result(transformed(in, 1, 4, extended(in.vec3(0), 1.0))); }},
+      {"worldToObjectPoint",
+       {vector3("position", -10, 10), matrix4("sfg_matWorldInverse", -3, 3)},
+       rounding(6, 90),
+       [](Sample const& in) { return Result(transformed(in, 1, 4, extended(in.vec3(0), 1.0))); }},
+      {"worldToViewPoint",
+       {vector3("position", -10, 10), matrix4("sfg_matView", -3, 3)},
+       rounding(6, 90),
+       [](Sample const& in) { return Result(transformed(in, 1, 4, extended(in.vec3(0), 1.0))); }},
+      {"objectToWorldNormal",
+       {unit3("normal"), matrix4("sfg_matWorldInverseTranspose", -3, 3)},
+       {1e-4, 0.0, "rounding before a normalisation of vectors longer than 0.1"},
+       [](Sample const& in) { return Result(unit(transformed(in, 1, 4, extended(in.vec3(0), 0.0)))); },
+       -1.0,
+       {},
+       [](Sample const& in) { return length(transformed(in, 1, 4, extended(in.vec3(0), 0.0))) < 0.1; }},
+      {"rotationMatrix",
+       {vector3("axis", 0.1, 3), number("angle", -kPi, kPi)},
+       {2.5 * 0x1p-11, 0.0, "Vulkan's sine and cosine are off by up to 2^-11 each"},
+       rodrigues},
+      {"rotateVector",
+       {matrix3("rotation", -2, 2), vector3("a", -5, 5)},
+       rounding(6, 30),
+       [](Sample const& in) { return Result(transformed(in, 0, 3, extended(in.vec3(1), 0.0))); }},
+      {"multiplyMatrix3", {matrix3("a", -2, 2), matrix3("b", -2, 2)}, rounding(6, 12), matrixProduct},
+      {"transposeMatrix3", {matrix3("a", -2, 2)}, exactly(), transposed},
+      {"determinantMatrix3",
+       {matrix3("a", -2, 2)},
+       rounding(10, 24),
+       [](Sample const& in) {
+         return Result(dot(matrixRow(in, 0, 0), cross(matrixRow(in, 0, 1), matrixRow(in, 0, 2))));
+       }},
+  };
+}
+
+std::vector<Row> inlineRows() {
+  return {
+      {"dotInline",
+       {vector3("a", -10, 10), vector3("b", -10, 10)},
+       rounding(4, 100),
+       [](Sample const& in) { return Result(dot(in.vec3(0), in.vec3(1))); },
+       -1.0,
+       "float"},
+      {"normalizeInline",
+       {vector3("a", 0.1, 5)},
+       kUnitLength,
+       [](Sample const& in) { return Result(unit(in.vec3(0))); },
+       -1.0,
+       "float3"},
+      {"componentXInline",
+       {vector3("a", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in.vec3(0).x); },
+       -1.0,
+       "float"},
+      {"componentYInline",
+       {vector3("a", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in.vec3(0).y); },
+       -1.0,
+       "float"},
+      {"componentZInline",
+       {vector3("a", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in.vec3(0).z); },
+       -1.0,
+       "float"},
+      {"componentsXYInline",
+       {vector3("a", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in.vec3(0).x, in.vec3(0).y); },
+       -1.0,
+       "float2"},
+      {"componentsXYZInline",
+       {vector4("a", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in.vec3(0)); },
+       -1.0,
+       "float3"},
+      {"combineFloat3Inline",
+       {number("x", -5, 5), number("y", -5, 5), number("z", -5, 5)},
+       exactly(),
+       [](Sample const& in) { return Result(in(0), in(1), in(2)); },
+       -1.0,
+       "float3"},
+  };
+}
+
+}  // namespace
+
+Topic vectorTopic() {
+  Topic topic{"vectors.fraglib", {}};
+  for (std::vector<Row> const& rows : {arithmeticRows(), geometryRows(), matrixRows(), inlineRows()}) {
+    topic.rows.insert(topic.rows.end(), rows.begin(), rows.end());
+  }
+  return topic;
+}
+
+}  // namespace numbers_test
