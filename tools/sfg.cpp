@@ -1,23 +1,58 @@
-#include "host/host_version.h"
-
-#include <CLI/CLI.hpp>
-
 #include <iostream>
+
+#include "host/host_version.h"
+#include "host/input_error.h"
+#include "tools/command.h"
 
 namespace {
 
-constexpr int kWrongUsage = 2;
+namespace tools = TolmSDK::Graphics::sfg::tools;
+namespace host = TolmSDK::Graphics::sfg::host;
+
+/// The parser's messages in the form of all diagnostics.
+std::string asDiagnostic(std::string text) {
+  if (const std::size_t end = text.find_last_not_of(". \n"); end != text.npos) text.resize(end + 1);
+  const auto isUpper = [&text](std::size_t i) { return i < text.size() && text[i] >= 'A' && text[i] <= 'Z'; };
+  if (isUpper(0) && !isUpper(1)) text[0] = static_cast<char>(text[0] - 'A' + 'a');
+  return text;
+}
+
+/// Help and version leave through the parser's exceptions, too.
+int answerParseError(const CLI::App& app, const CLI::ParseError& error, host::Diagnostics& diagnostics) {
+  if (error.get_exit_code() == 0) return app.exit(error, std::cout, std::cerr);
+  diagnostics.error(std::string(), asDiagnostic(error.what()));
+  diagnostics.plain("try `sfg --help`, or `sfg COMMAND --help`");
+  return tools::kWrongUsage;
+}
+
+int runChosen(const std::vector<std::unique_ptr<tools::Command>>& commands,
+              host::Diagnostics& diagnostics) try {
+  for (const auto& command : commands) {
+    if (command->app().parsed()) return command->run(diagnostics);
+  }
+  return tools::kWrongUsage;
+} catch (const host::InputError& error) {
+  diagnostics.error(error.place(), error.what());
+  return tools::kWrongUsage;
+} catch (const std::bad_alloc&) {
+  diagnostics.error(std::string(), "out of memory");
+  return tools::kRefused;
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
   CLI::App app("Collapses graphs of shader fragments into one shader function.", "sfg");
-  app.set_version_flag("--version", TolmSDK::Graphics::sfg::host::versionLine());
+  app.set_version_flag("--version", host::versionLine());
+  app.require_subcommand(0, 1);
+  const auto commands = tools::makeCommands(app);
+  host::Diagnostics diagnostics = host::Diagnostics::standard();
   try {
     app.parse(argc, argv);
-    std::cout << app.help();
-    return 0;
-  } catch (CLI::ParseError const& error) {
-    return app.exit(error) == 0 ? 0 : kWrongUsage;
+  } catch (const CLI::ParseError& error) {
+    return answerParseError(app, error, diagnostics);
   }
+  if (!app.get_subcommands().empty()) return runChosen(commands, diagnostics);
+  std::cout << app.help();
+  return tools::kDone;
 }

@@ -1,0 +1,137 @@
+#include "host/document_reader.h"
+
+#include <regex>
+
+#include "tolmsdk/exception.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+/// A load error of the platform says its place in words; diagnostics show it behind the file's name.
+InputError withPlace(const std::string& file, const WString& loadError) {
+  static const std::regex kPlace("line ([0-9]{1,9}), column ([0-9]{1,9}): ([\\s\\S]*)");
+  const std::string text = toUtf8(loadError);
+  std::smatch match;
+  if (!std::regex_match(text, match, kPlace)) return InputError(file, TextPosition(), text);
+  return InputError(file, TextPosition{std::stoul(match[1]), std::stoul(match[2])}, match[3]);
+}
+
+const char* expectedValue(const TypeID& type) {
+  if (type == TypeID_bool) return "`true` or `false`";
+  if (type == TypeID_int) return "an integer";
+  if (type == TypeID_uint) return "an integer that is not negative";
+  if (type == TypeID_float) return "a number";
+  return nullptr;
+}
+
+std::string expectedValueText(const TypeID& type) {
+  if (const char* scalar = expectedValue(type)) return scalar;
+  const bool integers = type.word(0) == TypeID_ivec2.word(0) || type.word(0) == TypeID_uvec2.word(0);
+  return "an array of " + std::to_string(componentCount(type)) + (integers ? " integers" : " numbers");
+}
+
+/// Reads a value by the very rules of a parameter object.
+bool readValue(const IObjectDataNode& node, const TypeID& type, AValue& value) {
+  const WString object =
+      formatted(LR"({"name":"value","type":"%s","value":%s})", ITypeTraits::getTypeName(type), node.toText());
+  const RefPtr<IObjectDataNode> document(createJsonNode());
+  AParameter parameter;
+  if (!document->loadFromText(object) || !parameter.load(document.get())) return false;
+  value = parameter.getDefaultValue();
+  return true;
+}
+
+}  // namespace
+
+DocumentReader::DocumentReader(const std::string& file) : file_(file), root_(createJsonNode()) {
+  if (!root_->loadFromFile(fromUtf8(file))) throw withPlace(file, root_->getLoadError());
+  if (root_->kind() != NodeKind::object) refuse(*root_, "expected an object at the top level");
+}
+
+void DocumentReader::refuse(const IObjectDataNode& at, const std::string& reason) const {
+  throw InputError(file_, at.position(), reason);
+}
+
+WString DocumentReader::requiredName(const IObjectDataNode& object, std::wstring_view key) const {
+  std::optional<WString> name = optionalName(object, key);
+  if (!name) refuse(object, quoted(key) + " is missing");
+  return *std::move(name);
+}
+
+std::optional<WString> DocumentReader::optionalName(const IObjectDataNode& object,
+                                                    std::wstring_view key) const {
+  const IObjectDataNode* const value = object.member(key);
+  if (value == nullptr) return std::nullopt;
+  if (value->kind() != NodeKind::string || value->asString().empty()) {
+    refuse(*value, quoted(key) + " must be a string that is not empty");
+  }
+  return value->asString();
+}
+
+const IObjectDataNode* DocumentReader::optionalArray(const IObjectDataNode& object,
+                                                     std::wstring_view key) const {
+  const IObjectDataNode* const value = object.member(key);
+  if (value != nullptr && value->kind() != NodeKind::array) refuse(*value, quoted(key) + " must be an array");
+  return value;
+}
+
+const IObjectDataNode* DocumentReader::optionalObject(const IObjectDataNode& object,
+                                                      std::wstring_view key) const {
+  const IObjectDataNode* const value = object.member(key);
+  if (value != nullptr && value->kind() != NodeKind::object)
+    refuse(*value, quoted(key) + " must be an object");
+  return value;
+}
+
+const IObjectDataNode& DocumentReader::objectAt(const IObjectDataNode& array, std::size_t index) const {
+  const IObjectDataNode& value = *array.elementOrNull(index);
+  if (value.kind() != NodeKind::object) refuse(value, "expected an object");
+  return value;
+}
+
+WString DocumentReader::nameAt(const IObjectDataNode& array, std::size_t index) const {
+  const IObjectDataNode& value = *array.elementOrNull(index);
+  if (value.kind() != NodeKind::string || value.asString().empty()) {
+    refuse(value, "expected a string that is not empty");
+  }
+  return value.asString();
+}
+
+RefPtr<AParameter> DocumentReader::parameter(const IObjectDataNode& object) const {
+  RefPtr<AParameter> parameter = makeRef<AParameter>();
+  if (!parameter->load(&object)) {
+    const InputError error = withPlace(file_, parameter->getLoadError());
+    throw error.position().line != 0 ? error : InputError(file_, object.position(), error.what());
+  }
+  if (parameter->isConstant() && componentCount(parameter->getType()) == 0) {
+    refuse(object, quoted(parameter->getName()) + " cannot be constant: a value of type " +
+                       typeText(*parameter) + " has no text");
+  }
+  return parameter;
+}
+
+AValue DocumentReader::value(const IObjectDataNode& node, const AParameter& parameter,
+                             std::string_view what) const {
+  const TypeID& type = parameter.getType();
+  if (componentCount(type) == 0) {
+    refuse(node,
+           std::string(what) + " cannot be given: a value of type " + typeText(parameter) + " has no text");
+  }
+  AValue value(type);
+  if (!readValue(node, type, value)) {
+    refuse(node, std::string(what) + " does not fit the type " + typeText(parameter) + ": expected " +
+                     expectedValueText(type));
+  }
+  return value;
+}
+
+std::string quoted(std::wstring_view name) { return "`" + toUtf8(name) + "`"; }
+
+std::string typeText(const AParameter& parameter) {
+  return quoted(parameter.getType() == TypeID_struct ? parameter.getStructName()
+                                                     : parameter.getType().toString());
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

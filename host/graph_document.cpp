@@ -1,0 +1,318 @@
+#include "host/graph_document.h"
+
+#include "host/document_reader.h"
+#include "host/shading_environment.h"
+#include "sfg/shader_fragment_graph_builder.h"
+#include "tolmsdk/exception.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+constexpr std::wstring_view kInputSources[] = {L"node", L"graphInput", L"value", L"constant"};
+
+std::size_t findByName(const Array<RefPtr<AParameter const>>& parameters, const WString& name) {
+  for (std::size_t i = 0; i < parameters.size(); ++i) {
+    if (parameters[i]->getName() == name) return i;
+  }
+  return kNotFound;
+}
+
+/// A copy with another default value.
+RefPtr<AParameter const> withValue(const AParameter& original, const AValue& value, bool constant) {
+  const RefPtr<AParameter> copy = makeRef<OverrideNameParameter>(original, original.getName());
+  copy->setDefaultValue(value);
+  const std::uint32_t otherFlags = original.getFlags() & ~AParameter::kConstantFlag;
+  copy->setFlags(otherFlags | (constant ? AParameter::kConstantFlag : 0));
+  return copy;
+}
+
+WString numbered(std::wstring_view prefix, std::size_t number) {
+  WString name(prefix);
+  appendDecimal(name, number);
+  return name;
+}
+
+}  // namespace
+
+GraphNode::GraphNode() = default;
+GraphNode::~GraphNode() = default;
+
+bool GraphNode::getInputConnection(std::size_t index, const INodeAccessor*& source,
+                                   std::size_t& output) const {
+  const Wire& wire = wires_[index];
+  if (wire.source == nullptr) return false;
+  source = wire.source;
+  output = wire.output;
+  return true;
+}
+
+GraphDocument::GraphDocument() = default;
+GraphDocument::~GraphDocument() = default;
+
+bool GraphDocument::getOutputConnection(std::size_t index, const INodeAccessor*& source,
+                                        std::size_t& output) const {
+  const GraphNode::Wire& wire = outputWires_[index];
+  if (wire.source == nullptr) return false;
+  source = wire.source;
+  output = wire.output;
+  return true;
+}
+
+const GraphNode* GraphDocument::findInstance(const WString& instanceName) const {
+  for (const RefPtr<GraphNode>& node : nodes_) {
+    if (numbered(L"n", node->index()) == instanceName) return node.get();
+  }
+  return nullptr;
+}
+
+/// Reads one document in the order in which its parts refer to each other: ports first, wires afterwards.
+class GraphLoader {
+public:
+  GraphLoader(const std::string& file, const ILanguageTraits& language) : reader_(file), language_(language) {
+    document_->file_ = file;
+  }
+
+  RefPtr<GraphDocument> load() {
+    readGraphInputs();
+    readUniforms();
+    readNodes();
+    readGraphOutputs();
+    wireNodes();
+    readChain(L"preprocess", document_->preprocess_);
+    readChain(L"postprocess", document_->postprocess_);
+    return document_;
+  }
+
+private:
+  using Parameters = Array<RefPtr<AParameter const>>;
+
+  void readGraphInputs() {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"inputs");
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      const IObjectDataNode& object = reader_.objectAt(*array, i);
+      document_->inputs_.push_back(reader_.parameter(object));
+      claimGraphName(object, document_->inputs_.back()->getName());
+      graphInputs_.emplace(document_->inputs_.back()->getName(), i);
+    }
+  }
+
+  void readUniforms() {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"uniforms");
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      document_->uniforms_.push_back(reader_.parameter(reader_.objectAt(*array, i)));
+    }
+  }
+
+  void readNodes() {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"nodes");
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      const IObjectDataNode& object = reader_.objectAt(*array, i);
+      document_->nodes_.push_back(readNode(object, i));
+      nodeObjects_.push_back(&object);
+      GraphNode& node = *document_->nodes_.back();
+      if (!nodes_.emplace(node.name_, &node).second) {
+        reader_.refuse(object, "the node name " + quoted(node.name_) + " is used twice");
+      }
+    }
+  }
+
+  RefPtr<GraphNode> readNode(const IObjectDataNode& object, std::size_t index) {
+    RefPtr<GraphNode> node = makeRef<GraphNode>();
+    node->index_ = index;
+    node->position_ = object.position();
+    node->name_ = reader_.requiredName(object, L"name");
+    node->fragmentName_ = reader_.requiredName(object, L"fragment");
+    if (const IObjectDataNode* interface = reader_.optionalObject(object, L"interface")) {
+      node->inputs_ = readPorts(*interface, L"inputs");
+      node->outputs_ = readPorts(*interface, L"outputs");
+    } else if (const IShaderFragment* fragment = language_.findFragment(node->fragmentName_)) {
+      takePorts(*node, *cloneWithPorts(*fragment, WString(), language_));
+    } else {
+      unknownPorts_.insert(node.get());
+    }
+    node->wires_.resize(node->inputs_.size());
+    return node;
+  }
+
+  Parameters readPorts(const IObjectDataNode& interface, std::wstring_view key) {
+    Parameters ports;
+    const IObjectDataNode* const array = reader_.optionalArray(interface, key);
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      const IObjectDataNode& object = reader_.objectAt(*array, i);
+      RefPtr<AParameter> port = reader_.parameter(object);
+      if (findByName(ports, port->getName()) != kNotFound) {
+        reader_.refuse(object, "the port name " + quoted(port->getName()) + " is used twice");
+      }
+      ports.push_back(port);
+    }
+    return ports;
+  }
+
+  static void takePorts(GraphNode& node, const IShaderFragment& fragment) {
+    for (std::size_t i = 0; i < fragment.getNumInputs(); ++i) node.inputs_.push_back(fragment.getInput(i));
+    for (std::size_t i = 0; i < fragment.getNumOutputs(); ++i) node.outputs_.push_back(fragment.getOutput(i));
+  }
+
+  void readGraphOutputs() {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"outputs");
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      const IObjectDataNode& object = reader_.objectAt(*array, i);
+      document_->outputs_.push_back(reader_.parameter(object));
+      claimGraphName(object, document_->outputs_.back()->getName());
+      document_->outputWires_.push_back(readSource(object));
+    }
+  }
+
+  void claimGraphName(const IObjectDataNode& object, const WString& name) {
+    if (!graphNames_.insert(name).second) {
+      reader_.refuse(object, "the name " + quoted(name) + " is used twice among graph inputs and outputs");
+    }
+  }
+
+  void wireNodes() {
+    for (std::size_t i = 0; i < nodeObjects_.size(); ++i) {
+      GraphNode& node = *document_->nodes_[i];
+      const IObjectDataNode* const inputs = reader_.optionalObject(*nodeObjects_[i], L"inputs");
+      for (std::size_t k = 0; inputs != nullptr && k < inputs->size(); ++k) {
+        wireInput(node, inputs->memberName(k), *inputs->elementOrNull(k));
+      }
+    }
+  }
+
+  void wireInput(GraphNode& node, const WString& name, const IObjectDataNode& object) {
+    const std::string where = "input " + quoted(name) + " of node " + quoted(node.name_);
+    if (object.kind() != NodeKind::object) reader_.refuse(object, where + " must be an object");
+    const std::wstring_view source = onlySource(object, where);
+    const std::size_t port = findByName(node.inputs_, name);
+    if (port == kNotFound && unknownPorts_.contains(&node)) return;
+    if (port == kNotFound) {
+      reader_.refuse(object, "node " + quoted(node.name_) + " has no input " + quoted(name) + "; " +
+                                 listed("its inputs are", node.inputs_));
+    }
+    if (source == L"node") {
+      node.wires_[port] = readSource(object);
+    } else if (source == L"graphInput") {
+      node.wires_[port].graphInput = readGraphInput(object);
+      node.wires_[port].position = object.position();
+    } else {
+      const bool constant = source == L"constant";
+      const AValue value =
+          reader_.value(*object.member(source), *node.inputs_[port], quoted(source) + " of " + where);
+      node.inputs_[port] = withValue(*node.inputs_[port], value, constant);
+    }
+  }
+
+  std::wstring_view onlySource(const IObjectDataNode& object, const std::string& where) {
+    std::wstring_view found;
+    for (const std::wstring_view key : kInputSources) {
+      if (object.member(key) == nullptr) continue;
+      if (!found.empty()) found = L"several";
+      if (found.empty()) found = key;
+    }
+    if (found.empty() || found == L"several") {
+      reader_.refuse(object, where + " must hold exactly one of `node`, `graphInput`, `value`, `constant`");
+    }
+    return found;
+  }
+
+  /// The wire that "node" and "output" of an object describe; none without "node".
+  GraphNode::Wire readSource(const IObjectDataNode& object) {
+    GraphNode::Wire wire;
+    wire.position = object.position();
+    const std::optional<WString> name = reader_.optionalName(object, L"node");
+    const std::optional<WString> output = reader_.optionalName(object, L"output");
+    if (!name) {
+      if (output) reader_.refuse(*object.member(L"output"), "`output` needs a `node`");
+      return wire;
+    }
+    const auto found = nodes_.find(*name);
+    if (found == nodes_.end()) reader_.refuse(*object.member(L"node"), "unknown node " + quoted(*name));
+    wire.source = found->second;
+    wire.output = output ? findByName(wire.source->outputs_, *output) : 0;
+    if (wire.output < wire.source->outputs_.size() || unknownPorts_.contains(wire.source)) return wire;
+    const std::string wanted = output ? "no output " + quoted(*output) : std::string("no outputs");
+    reader_.refuse(output ? *object.member(L"output") : object,
+                   "node " + quoted(*name) + " has " + wanted + "; " + outputsHint(*wire.source));
+  }
+
+  std::size_t readGraphInput(const IObjectDataNode& object) {
+    const WString name = reader_.requiredName(object, L"graphInput");
+    const auto found = graphInputs_.find(name);
+    if (found == graphInputs_.end()) {
+      reader_.refuse(*object.member(L"graphInput"), "unknown graph input " + quoted(name));
+    }
+    return found->second;
+  }
+
+  std::string outputsHint(const GraphNode& node) const {
+    const IShaderFragment* const fragment = language_.findFragment(node.fragmentName_);
+    const bool isInline = fragment != nullptr && fragment->getNumProfiles() != 0 &&
+                          fragment->getProfile(0)->getMode() == EShaderFragmentProfileMode::Inline;
+    if (isInline && node.outputs_.empty()) return "a node of an inline fragment needs an `interface`";
+    return listed("its outputs are", node.outputs_);
+  }
+
+  static std::string listed(const std::string& intro, const Parameters& ports) {
+    if (ports.empty()) return intro + " none";
+    std::string text = intro;
+    for (std::size_t i = 0; i < ports.size(); ++i)
+      text += (i == 0 ? " " : ", ") + quoted(ports[i]->getName());
+    return text;
+  }
+
+  void readChain(std::wstring_view key, Array<GraphDocument::ChainFragment>& chain) {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), key);
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      const IObjectDataNode& at = *array->elementOrNull(i);
+      GraphDocument::ChainFragment link{nullptr, reader_.nameAt(*array, i), at.position()};
+      link.fragment = language_.findFragment(link.name);
+      if (!link.fragment) reader_.refuse(at, "unknown fragment " + quoted(link.name));
+      chain.push_back(link);
+    }
+  }
+
+  DocumentReader reader_;
+  const ILanguageTraits& language_;
+  RefPtr<GraphDocument> document_ = makeRef<GraphDocument>();
+  Map<WString, GraphNode*> nodes_;
+  Map<WString, std::size_t> graphInputs_;
+  Set<WString> graphNames_;
+  Set<const GraphNode*> unknownPorts_;
+  Array<const IObjectDataNode*> nodeObjects_;
+};
+
+RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language) {
+  return GraphLoader(file, language).load();
+}
+
+RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language) {
+  RefPtr<AShaderFragmentGraph> graph(AShaderFragmentGraphBuilder().build(&language, &document));
+
+  for (std::size_t i = 0; i < document.getNumNodes(); ++i) {
+    const Array<GraphNode::Wire>& wires = document.node(i).wires();
+    for (std::size_t k = 0; k < wires.size(); ++k) {
+      if (wires[k].graphInput != kNotFound) graph->getFragment(i)->setInputConnection(k, wires[k].graphInput);
+    }
+  }
+  for (const RefPtr<AParameter const>& uniform : document.uniforms()) graph->addUniform(uniform.get());
+
+  for (std::size_t i = 0; i < document.preprocess().size(); ++i) {
+    const RefPtr<IShaderFragment> clone =
+        cloneWithPorts(*document.preprocess()[i].fragment, numbered(L"pre", i), language);
+    graph->addPreprocessFragment(clone.get());
+    graph->addFragment(clone.get());
+  }
+  for (std::size_t i = 0; i < document.postprocess().size(); ++i) {
+    const GraphDocument::ChainFragment& link = document.postprocess()[i];
+    const RefPtr<IShaderFragment> clone = cloneWithPorts(*link.fragment, numbered(L"post", i), language);
+    if (!graph->addPostprocessFragment(clone.get())) {
+      throw InputError(document.file(), link.position,
+                       "the inputs of post-process fragment " + quoted(link.name) +
+                           " do not fit the outputs of " + quoted(document.postprocess()[i - 1].name));
+    }
+  }
+  return graph;
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,79 @@
+#include "host/collapse_json.h"
+#include "host/output_file.h"
+#include "tolmsdk/unicode.h"
+#include "tools/collapse_options.h"
+#include "tools/command.h"
+
+namespace TolmSDK::Graphics::sfg::tools {
+
+namespace {
+
+constexpr const char* kExample =
+    "Example: one fragment, used by one node of a graph.\n\n"
+    "  lib/tint.fraglib:\n"
+    "    { \"tint\": { \"language\": [\"dx11\"], \"implementation\": [\n"
+    "        \"void tint(float3 color, float amount, out float3 result)\",\n"
+    "        \"{\",\n"
+    "        \"  result = color * amount;\",\n"
+    "        \"}\" ] } }\n\n"
+    "  red.json:\n"
+    "    { \"inputs\":  [ { \"name\": \"amount\", \"type\": \"float\" } ],\n"
+    "      \"outputs\": [ { \"name\": \"color\", \"type\": \"float3\", \"node\": \"red\" } ],\n"
+    "      \"nodes\":   [ { \"name\": \"red\", \"fragment\": \"tint\", \"inputs\": {\n"
+    "                     \"color\": { \"constant\": [1, 0, 0] }, \"amount\": { \"graphInput\": \"amount\" } "
+    "} } ] }\n\n"
+    "  sfg collapse red.json -L lib                 a complete shader\n"
+    "  sfg collapse red.json -L lib --format json   the generated function and what it needs\n\n"
+    "Exit status: 0 done; 1 the collapse was refused; 2 wrong usage or unreadable input.";
+
+class CollapseCommand : public Command {
+public:
+  explicit CollapseCommand(CLI::App& parent)
+      : Command(
+            *parent.add_subcommand("collapse", "Collapse a graph of fragments into one shader function")) {
+    declareCollapseOptions(app(), settings_);
+    app()
+        .add_option("--format", format_,
+                    "`shader`: a complete shader; `json`: the generated function and what it needs, nothing "
+                    "assembled")
+        ->type_name("shader|json")
+        ->check(CLI::IsMember({"shader", "json"}))
+        ->capture_default_str();
+    declareStageOption(app(), stage_);
+    declareOutputOption(app(), output_);
+    app().footer(kExample);
+  }
+
+  int run(host::Diagnostics& diagnostics) override {
+    host::CollapseJob job(settings_);
+    switch (collapse(job, diagnostics)) {
+    case Outcome::thrown: return kRefused;
+    case Outcome::null:
+      if (format_ == "json") host::writeOutput(output_, host::writeCollapseJson(nullptr));
+      return kRefused;
+    case Outcome::done: break;
+    }
+    if (format_ == "json") {
+      host::writeOutput(output_, host::writeCollapseJson(job.result()));
+      return kDone;
+    }
+    const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
+    if (!assembled) return kRefused;
+    host::writeOutput(output_, toUtf8(assembled->shader.getCompleteShader()));
+    return kDone;
+  }
+
+private:
+  host::CollapseSettings settings_;
+  std::string format_ = "shader";
+  host::ShaderStage stage_ = host::ShaderStage::pixel;
+  std::string output_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeCollapseCommand(CLI::App& parent) {
+  return std::make_unique<CollapseCommand>(parent);
+}
+
+}  // namespace TolmSDK::Graphics::sfg::tools

@@ -1,0 +1,126 @@
+#include "tools/collapse_options.h"
+
+#include "host/refusal_place.h"
+#include "tolmsdk/exception.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::tools {
+
+namespace {
+
+/// A folder option: one folder each time, repeatable, in order.
+void declareFolders(CLI::App& app, const char* names, std::vector<std::string>& folders, const char* help) {
+  app.add_option(names, folders, help)->type_name("DIR")->allow_extra_args(false);
+}
+
+/// A level of detail: a finite number.
+std::string checkFinite(const std::string& text) {
+  char* end = nullptr;
+  const float value = std::strtof(text.c_str(), &end);
+  const bool finite = end != text.c_str() && *end == '\0' && value - value == 0.0f;
+  return finite ? std::string() : "`" + text + "` is not a finite number";
+}
+
+void reportRefusal(const host::CollapseJob& job, std::wstring_view message, host::Diagnostics& diagnostics) {
+  const host::RefusalPlace place = host::findRefusalPlace(job, message);
+  diagnostics.note(place.place, place.text);
+}
+
+}  // namespace
+
+void declareLibraryOptions(CLI::App& app, host::CollapseSettings& settings) {
+  declareFolders(
+      app, "-L,--library", settings.libraryFolders,
+      "load the fragment libraries (*.fraglib) of a folder; a later folder overrides an earlier one");
+  declareFolders(app, "-I,--include", settings.includeFolders,
+                 "register the include files (*.h) of a folder");
+  app.add_option("--language", settings.language, "language to generate")
+      ->type_name("NAME")
+      ->capture_default_str();
+}
+
+void declareCollapseOptions(CLI::App& app, host::CollapseSettings& settings) {
+  app.add_option("GRAPH", settings.graphFile, "graph document (JSON) to collapse")
+      ->type_name("FILE")
+      ->required();
+  declareLibraryOptions(app, settings);
+  app.add_option_function<std::string>(
+         "--tool",
+         [&settings](const std::string& name) {
+           settings.tool = name == "lightloop" ? host::CollapseTool::lightLoop : host::CollapseTool::standard;
+         },
+         "`default`: one function of the graph's inputs and outputs; `lightloop`: a lit surface, accumulated "
+         "over the "
+         "lights of the environment")
+      ->type_name("default|lightloop")
+      ->default_str("default")
+      ->check(CLI::IsMember({"default", "lightloop"}));
+  app.add_option("--environment", settings.environmentFile,
+                 "environment document (JSON): lights, output fragment")
+      ->type_name("FILE");
+  app.add_option("--surface-lod", settings.surfaceLod, "level of detail of surface fragments")
+      ->type_name("X")
+      ->check(checkFinite)
+      ->capture_default_str();
+  app.add_option("--light-lod", settings.lightLod, "level of detail of light fragments")
+      ->type_name("X")
+      ->check(checkFinite)
+      ->capture_default_str();
+  app.add_option("--function-name", settings.functionName,
+                 "name of the generated function (the light loop's is always `AccumulatedLitSurface`)")
+      ->type_name("N")
+      ->default_str("CollapsedFunction");
+  app.add_option("--profile-name", settings.profileName,
+                 "profile name of the result (the light loop's is `default`)")
+      ->type_name("N")
+      ->default_str("default");
+}
+
+void declareStageOption(CLI::App& app, host::ShaderStage& stage) {
+  app.add_option_function<std::string>(
+         "--stage",
+         [&stage](const std::string& name) {
+           stage = name == "compute" ? host::ShaderStage::compute : host::ShaderStage::pixel;
+         },
+         "stage of the complete shader")
+      ->type_name("pixel|compute")
+      ->default_str("pixel")
+      ->check(CLI::IsMember({"pixel", "compute"}));
+}
+
+void declareOutputOption(CLI::App& app, std::string& file) {
+  app.add_option("-o,--output", file, "write the result to a file, as a whole or not at all")
+      ->type_name("FILE")
+      ->default_str("standard output");
+}
+
+Outcome collapse(host::CollapseJob& job, host::Diagnostics& diagnostics) {
+  try {
+    job.run();
+  } catch (const Exception& refusal) {
+    diagnostics.plain(toUtf8(refusal.getMessage()));
+    reportRefusal(job, refusal.getMessage(), diagnostics);
+    return Outcome::thrown;
+  }
+  if (job.result() != nullptr) return Outcome::done;
+  diagnostics.error(std::string(), "the graph cannot be collapsed: an output cannot be evaluated");
+  reportRefusal(job, std::wstring_view(), diagnostics);
+  return Outcome::null;
+}
+
+std::optional<host::AssembledShader> assemble(const host::CollapseJob& job, host::ShaderStage stage,
+                                              host::Diagnostics& diagnostics) {
+  try {
+    host::AssembledShader assembled = host::assembleShader(job, stage);
+    for (const WString& name : assembled.missingIncludes) {
+      diagnostics.warning(std::string(), "the include file `" + toUtf8(name) +
+                                             "` is in no include folder, or empty (see -I)");
+    }
+    return assembled;
+  } catch (const host::AssemblyError& error) {
+    diagnostics.error(job.document().file(), error.what());
+    return std::nullopt;
+  }
+}
+
+}  // namespace TolmSDK::Graphics::sfg::tools
