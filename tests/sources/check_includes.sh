@@ -23,9 +23,9 @@ allow include "$generator"
 allow platform/include 'tolmsdk'
 allow platform 'tolmsdk|platform|nlohmann|openssl|unicode'
 allow text "$generator|text"
-allow fragments "$generator|text|fragments"
-allow profiles "$generator|text|fragments|profiles"
-allow collapse "$generator|text|fragments|profiles|collapse"
+allow profiles "$generator|text|profiles"
+allow fragments "$generator|text|profiles|fragments"
+allow collapse "$generator|text|profiles|fragments|collapse"
 
 if [ "$bad" -gt 0 ]; then
   echo "$bad includes that their folder may not have"

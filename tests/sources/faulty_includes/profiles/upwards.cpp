@@ -1,0 +1,3 @@
+#include "text/upwards.h"
+#include "profiles/reader.h"
+#include "fragments/ports.h"
