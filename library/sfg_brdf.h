@@ -39,13 +39,14 @@ float sfg_ggxDistribution(float alpha, float nDotH)
     return a2 / (SFG_PI * d * d);
 }
 
-// Height-correlated Smith masking and shadowing of GGX divided by 4 nDotL nDotV (Heitz 2014).
+// Height-correlated Smith masking and shadowing of GGX divided by 4 nDotL nDotV (Heitz 2014); 0 for a light that is
+// not above the surface.
 float sfg_smithVisibility(float alpha, float nDotL, float nDotV)
 {
     float a2 = alpha * alpha;
     float lightTerm = nDotV * sqrt(nDotL * nDotL * (1.0 - a2) + a2);
     float viewTerm = nDotL * sqrt(nDotV * nDotV * (1.0 - a2) + a2);
-    return 0.5 / max(lightTerm + viewTerm, 0.00001);
+    return nDotL > 0.0 ? 0.5 / max(lightTerm + viewTerm, 0.00001) : 0.0;
 }
 
 // Anisotropic GGX: alphas along the tangent and the binormal (Burley 2012).
@@ -54,7 +55,7 @@ float sfg_ggxAnisotropic(float alphaT, float alphaB, float tDotH, float bDotH, f
     float x = tDotH / alphaT;
     float y = bDotH / alphaB;
     float d = x * x + y * y + nDotH * nDotH;
-    return 1.0 / (SFG_PI * alphaT * alphaB * d * d);
+    return 1.0 / (SFG_PI * alphaT * alphaB * max(d * d, 0.00001));
 }
 
 // Normal distribution of Beckmann, alpha > 0 (Cook and Torrance 1982).
