@@ -101,7 +101,8 @@ std::string computeShader(Function const& function) {
     written += componentCount(port.type);
   }
 
-  return "[[vk::binding(0, 0)]] StructuredBuffer<float> numbers_in : register(t0);\n"
+  return "#define SFG_COMPUTE 1\n"
+         "[[vk::binding(0, 0)]] StructuredBuffer<float> numbers_in : register(t0);\n"
          "[[vk::binding(1, 0)]] RWStructuredBuffer<float> numbers_out : register(u1);\n" +
          globals + function.code + "\n[numthreads(" + std::to_string(kGroupSize) +
          ", 1, 1)]\n"

@@ -138,5 +138,9 @@ TEST_F(Numbers, OfTheColourFragmentsAgree) { check(colorTopic()); }
 
 TEST_F(Numbers, OfTheNoiseFragmentsAgree) { check(noiseTopic()); }
 
+TEST_F(Numbers, OfThePatternFragmentsAgree) { check(patternTopic()); }
+
+TEST_F(Numbers, OfTheBrdfFragmentsAgree) { check(brdfTopic()); }
+
 }  // namespace
 }  // namespace numbers_test

@@ -32,6 +32,10 @@ Input matrix4(std::string name, double low, double high) {
 
 Input unit3(std::string name) { return {std::move(name), "float3", Draw::kUnit, -1.0, 1.0}; }
 
+Input above3(std::string name) { return {std::move(name), "float3", Draw::kAbove, -1.0, 1.0}; }
+
+Input across3(std::string name) { return {std::move(name), "float3", Draw::kAcross, -1.0, 1.0}; }
+
 Input whole(std::string name, double low, double high) {
   return {std::move(name), "float", Draw::kWhole, low, high};
 }

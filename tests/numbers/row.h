@@ -10,9 +10,11 @@ namespace numbers_test {
 
 // How the values of an input are drawn.
 enum class Draw {
-  kRange,  // every component from [low, high]; the ends, 0 and 1 more often than chance has it
-  kWhole,  // a whole number from [low, high]
-  kUnit,   // a vector of length 1, axes more often than chance has it
+  kRange,   // every component from [low, high]; the ends, 0 and 1 more often than chance has it
+  kWhole,   // a whole number from [low, high]
+  kUnit,    // a vector of length 1, axes more often than chance has it
+  kAbove,   // a vector of length 1 on the side of the row's first unit vector
+  kAcross,  // a vector of length 1 at a right angle to the row's first unit vector
 };
 
 // An input of a fragment (or a uniform or state variable that its code reads) and the values to try.
@@ -31,6 +33,8 @@ Input vector4(std::string name, double low, double high);
 Input matrix3(std::string name, double low, double high);
 Input matrix4(std::string name, double low, double high);
 Input unit3(std::string name);
+Input above3(std::string name);
+Input across3(std::string name);
 Input whole(std::string name, double low, double high);     // a float that holds a whole number
 Input wholeInt(std::string name, double low, double high);  // an int
 
@@ -112,5 +116,7 @@ Topic mathTopic();
 Topic vectorTopic();
 Topic colorTopic();
 Topic noiseTopic();
+Topic patternTopic();
+Topic brdfTopic();
 
 }  // namespace numbers_test

@@ -3,9 +3,11 @@
 #include <cmath>
 #include <cstdint>
 #include <numbers>
+#include <optional>
 #include <random>
 
 #include "tests/numbers/compute_shader.h"
+#include "tests/numbers/reference_tools.h"
 
 namespace numbers_test {
 
@@ -46,21 +48,31 @@ double drawComponent(Input const& input, Source& source) {
   return input.low + source.unit() * (input.high - input.low);
 }
 
-void drawUnit(Source& source, std::vector<float>& out) {
-  double xyz[3] = {0.0, 0.0, 0.0};
+Vec3 drawUnit(Source& source) {
   if (source.oneIn(8)) {
+    double xyz[3] = {0.0, 0.0, 0.0};
     xyz[source.below(3)] = source.oneIn(2) ? 1.0 : -1.0;
-  } else {
-    double const z = 2.0 * source.unit() - 1.0;
-    double const angle = 2.0 * std::numbers::pi * source.unit();
-    double const radius = std::sqrt(1.0 - z * z);
-    xyz[0] = radius * std::cos(angle);
-    xyz[1] = radius * std::sin(angle);
-    xyz[2] = z;
+    return {xyz[0], xyz[1], xyz[2]};
   }
-  for (double const v : xyz) {
-    out.push_back(static_cast<float>(v));
+  double const z = 2.0 * source.unit() - 1.0;
+  double const angle = 2.0 * std::numbers::pi * source.unit();
+  double const radius = std::sqrt(1.0 - z * z);
+  return {radius * std::cos(angle), radius * std::sin(angle), z};
+}
+
+// A unit vector that stands to `first` as the input wants it.
+Vec3 drawDirection(Input const& input, Vec3 first, Source& source) {
+  Vec3 direction = drawUnit(source);
+  if (input.draw == Draw::kAbove) {
+    return dot(direction, first) < 0.0 ? -direction : direction;
   }
+  if (input.draw == Draw::kAcross) {
+    while (length(cross(direction, first)) < 0.1) {
+      direction = drawUnit(source);
+    }
+    return unit(cross(direction, first));
+  }
+  return direction;
 }
 
 }  // namespace
@@ -69,9 +81,14 @@ std::vector<float> drawSamples(std::vector<Input> const& inputs, std::size_t cou
   Source source(seed);
   std::vector<float> values;
   for (std::size_t i = 0; i < count; ++i) {
+    std::optional<Vec3> first;
     for (Input const& input : inputs) {
-      if (input.draw == Draw::kUnit) {
-        drawUnit(source, values);
+      if (input.draw == Draw::kUnit || input.draw == Draw::kAbove || input.draw == Draw::kAcross) {
+        Vec3 const direction = drawDirection(input, first.value_or(Vec3{}), source);
+        first = first.value_or(direction);
+        for (double const component : {direction.x, direction.y, direction.z}) {
+          values.push_back(static_cast<float>(component));
+        }
         continue;
       }
       for (std::size_t c = 0; c < componentCount(input.type); ++c) {
