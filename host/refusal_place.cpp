@@ -100,20 +100,6 @@ public:
     return std::nullopt;
   }
 
-  Found inlineAtOutput() const {
-    for (std::size_t i = 0; i < document_.getNumOutputs(); ++i) {
-      const GraphNode::Wire& wire = document_.outputWires()[i];
-      const IShaderFragmentProfile* const profile =
-          wire.source != nullptr ? profileOf(*wire.source) : nullptr;
-      if (profile == nullptr || profile->getMode() != EShaderFragmentProfileMode::Inline) continue;
-      return at(wire.position, "graph output " + name(document_.getOutput(i)) + " comes from " +
-                                   named(*wire.source) + ", whose fragment " +
-                                   quoted(wire.source->fragmentName()) +
-                                   " is inline: an expression cannot be an output of the default tool");
-    }
-    return std::nullopt;
-  }
-
   /// The first node whose ports do not fit the function it stands for.
   Found mismatchedPorts() const {
     for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
@@ -300,7 +286,6 @@ RefusalPlace findRefusalPlace(const CollapseJob& job, std::wstring_view message)
   // exact first.
   if (Found found = search.withoutDefaultProfile()) return *found;
   if (Found found = search.outputsOfSeveralNodes()) return *found;
-  if (Found found = search.inlineAtOutput()) return *found;
   if (Found found = search.mismatchedPorts()) return *found;
   return search.outputOrFile();
 }

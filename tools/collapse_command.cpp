@@ -24,7 +24,9 @@ constexpr const char* kExample =
     "} } ] }\n\n"
     "  sfg collapse red.json -L lib                 a complete shader\n"
     "  sfg collapse red.json -L lib --format json   the generated function and what it needs\n\n"
-    "Exit status: 0 done; 1 the collapse was refused; 2 wrong usage or unreadable input.";
+    "Exit status: 0 done; 1 the collapse was refused; 2 wrong usage or unreadable input.\n";
+
+enum class Format { shader, json };
 
 class CollapseCommand : public Command {
 public:
@@ -32,13 +34,9 @@ public:
       : Command(
             *parent.add_subcommand("collapse", "Collapse a graph of fragments into one shader function")) {
     declareCollapseOptions(app(), settings_);
-    app()
-        .add_option("--format", format_,
-                    "`shader`: a complete shader; `json`: the generated function and what it needs, nothing "
-                    "assembled")
-        ->type_name("shader|json")
-        ->check(CLI::IsMember({"shader", "json"}))
-        ->capture_default_str();
+    declareChoice<Format>(
+        app(), "--format", {{"shader", Format::shader}, {"json", Format::json}}, format_,
+        "`shader`: a complete shader; `json`: the generated function and what it needs, nothing assembled");
     declareStageOption(app(), stage_);
     declareOutputOption(app(), output_);
     app().footer(kExample);
@@ -49,11 +47,11 @@ public:
     switch (collapse(job, diagnostics)) {
     case Outcome::thrown: return kRefused;
     case Outcome::null:
-      if (format_ == "json") host::writeOutput(output_, host::writeCollapseJson(nullptr));
+      if (format_ == Format::json) host::writeOutput(output_, host::writeCollapseJson(nullptr));
       return kRefused;
     case Outcome::done: break;
     }
-    if (format_ == "json") {
+    if (format_ == Format::json) {
       host::writeOutput(output_, host::writeCollapseJson(job.result()));
       return kDone;
     }
@@ -65,7 +63,7 @@ public:
 
 private:
   host::CollapseSettings settings_;
-  std::string format_ = "shader";
+  Format format_ = Format::shader;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
   std::string output_;
 };

@@ -44,17 +44,13 @@ void declareCollapseOptions(CLI::App& app, host::CollapseSettings& settings) {
       ->type_name("FILE")
       ->required();
   declareLibraryOptions(app, settings);
-  app.add_option_function<std::string>(
-         "--tool",
-         [&settings](const std::string& name) {
-           settings.tool = name == "lightloop" ? host::CollapseTool::lightLoop : host::CollapseTool::standard;
-         },
-         "`default`: one function of the graph's inputs and outputs; `lightloop`: a lit surface, accumulated "
-         "over the "
-         "lights of the environment")
-      ->type_name("default|lightloop")
-      ->default_str("default")
-      ->check(CLI::IsMember({"default", "lightloop"}));
+  declareChoice<host::CollapseTool>(
+      app, "--tool",
+      {{"default", host::CollapseTool::standard}, {"lightloop", host::CollapseTool::lightLoop}},
+      settings.tool,
+      "`default`: one function of the graph's inputs and outputs; `lightloop`: a lit surface, accumulated "
+      "over the "
+      "lights of the environment");
   app.add_option("--environment", settings.environmentFile,
                  "environment document (JSON): lights, output fragment")
       ->type_name("FILE");
@@ -77,15 +73,9 @@ void declareCollapseOptions(CLI::App& app, host::CollapseSettings& settings) {
 }
 
 void declareStageOption(CLI::App& app, host::ShaderStage& stage) {
-  app.add_option_function<std::string>(
-         "--stage",
-         [&stage](const std::string& name) {
-           stage = name == "compute" ? host::ShaderStage::compute : host::ShaderStage::pixel;
-         },
-         "stage of the complete shader")
-      ->type_name("pixel|compute")
-      ->default_str("pixel")
-      ->check(CLI::IsMember({"pixel", "compute"}));
+  declareChoice<host::ShaderStage>(
+      app, "--stage", {{"pixel", host::ShaderStage::pixel}, {"compute", host::ShaderStage::compute}}, stage,
+      "stage of the complete shader");
 }
 
 void declareOutputOption(CLI::App& app, std::string& file) {

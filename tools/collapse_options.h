@@ -5,12 +5,40 @@
 #include <CLI/CLI.hpp>
 
 #include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "host/collapse_job.h"
 #include "host/diagnostics.h"
 #include "host/shader_assembly.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
+
+/// An option that takes one of a few words, each of which stands for a value; the first is the default.
+template <class Value>
+void declareChoice(CLI::App& app, const std::string& names,
+                   std::vector<std::pair<std::string, Value>> choices, Value& value,
+                   const std::string& help) {
+  std::string bar;
+  std::string list;
+  for (const auto& [word, unused] : choices) {
+    bar += (bar.empty() ? "" : "|") + word;
+    list += (list.empty() ? "`" : ", `") + word + "`";
+  }
+  const std::string standard = choices.front().first;
+  app.add_option_function<std::string>(
+         names,
+         [choices, list, names, &value](const std::string& given) {
+           for (const auto& [word, meaning] : choices) {
+             if (word == given) return void(value = meaning);
+           }
+           throw CLI::ValidationError(names, "`" + given + "` is none of " + list);
+         },
+         help)
+      ->type_name(bar)
+      ->default_str(standard);
+}
 
 /// -L, -I and --language.
 void declareLibraryOptions(CLI::App& app, host::CollapseSettings& settings);

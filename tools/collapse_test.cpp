@@ -1,0 +1,200 @@
+// `sfg collapse`: its results, where they go, and its help.
+
+#include <filesystem>
+
+#include "tools/command_test_support.h"
+
+namespace TolmSDK::Graphics::sfg::tools {
+namespace {
+
+class CollapseTest : public CommandTest {
+protected:
+  CollapseTest() { writeLibrary(); }
+};
+
+constexpr const char* kTwoNodes = R"({ "inputs": [ { "name": "amount", "type": "float" } ],
+  "outputs": [ { "name": "color", "type": "float3", "node": "again" } ],
+  "uniforms": [ { "name": "exposure", "type": "float", "value": 0.1 } ],
+  "nodes": [
+    { "name": "again", "fragment": "tint", "inputs": { "color": { "node": "once" }, "amount": { "constant": 0.1 } } },
+    { "name": "once", "fragment": "tint", "inputs": { "color": { "value": [1, 0.5, 0] },
+      "amount": { "graphInput": "amount" } } } ] })";
+
+TEST_F(CollapseTest, WritesJsonKeysInOrder) {
+  write("graph.json", kTwoNodes);
+  const CommandRun result = run("collapse graph.json -L lib --format json");
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, R"golden({
+  "function": {
+    "name": "CollapsedFunction",
+    "inputs": [
+      {
+        "type": "float",
+        "name": "amount"
+      }
+    ],
+    "outputs": [
+      {
+        "type": "float3",
+        "name": "color"
+      }
+    ],
+    "body": "    float3 result_n1_01;\n    tint1(\n        colorn1,\n        amount,\n        result_n1_01);\n    tint1(\n        result_n1_01,\n        0.1,\n        color);\n"
+  },
+  "profile": "default",
+  "languages": [
+    "dx11"
+  ],
+  "lod": 100.0,
+  "predefines": "void tint1(\n    float3 color,\n    float amount,\n    out float3 result)\n{\n\tresult = color * amount;\n}\n",
+  "includes": [],
+  "flatIncludes": [],
+  "stateVariables": [],
+  "customStateVariables": [],
+  "uniforms": [
+    {
+      "type": "fvec3",
+      "name": "colorn1"
+    },
+    {
+      "type": "float",
+      "name": "exposure"
+    }
+  ],
+  "inputs": [],
+  "outputs": [],
+  "shaderInputTypes": []
+}
+)golden");
+}
+
+TEST_F(CollapseTest, WritesALightLoopWithEverythingTheJsonCanHold) {
+  write("inc/base.h", "float base() { return 1.0; }\n");
+  write("inc/top.h", "#include \"base.h\"\nfloat top() { return base(); }\n");
+  write("more/more.fraglib", R"json({ "glow": { "language": ["dx11"], "includes": ["top.h"],
+    "stateVariables": ["ticks", "unknown"],
+    "uniforms": [ { "name": "shape", "type": "struct", "struct": "Shape" } ],
+    "predefine": ["struct Shape { float size; };"], "implementation": [
+    "void glow(float3 color, out float3 result)", "{",
+    "result = color * top() * shape.size + sfg_worldNormal + sfg_eyePosition + ticks;", "}" ] } })json");
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "glow" } ],
+    "nodes": [ { "name": "lit", "fragment": "lit" },
+      { "name": "glow", "fragment": "glow", "inputs": { "color": { "node": "lit" } } } ],
+    "preprocess": [ "clock" ], "postprocess": [ "grade" ] })");
+  write("scene.json", R"({ "lights": [ { "name": "key", "fragment": "lamp", "profile": "Lamp" } ] })");
+  const CommandRun result =
+      run("collapse graph.json -L lib -L more -I inc --tool lightloop --environment scene.json "
+          "--function-name Ignored --profile-name Ignored --format json");
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, R"golden(LIGHTLOOP)golden");
+}
+
+TEST_F(CollapseTest, NamesFunctionAndProfile) {
+  write("graph.json", kTwoNodes);
+  const CommandRun result =
+      run("collapse graph.json -L lib --function-name Shade --profile-name fine --format json");
+  EXPECT_NE(result.out.find("\"name\": \"Shade\""), std::string::npos);
+  EXPECT_NE(result.out.find("\"profile\": \"fine\""), std::string::npos);
+}
+
+TEST_F(CollapseTest, PicksProfilesByLevelOfDetail) {
+  write("more/levels.fraglib", R"json({ "level": { "profiles": [
+    { "lod": 10, "language": ["dx11"], "implementation": ["void coarse(out float3 result) { result = 0; }"] },
+    { "lod": 90, "language": ["dx11"], "implementation": ["void fine(out float3 result) { result = 1; }"] } ] } })json");
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+    "nodes": [ { "name": "a", "fragment": "level" } ] })");
+  EXPECT_NE(run("collapse graph.json -L more --format json").out.find("fine2("), std::string::npos);
+  EXPECT_NE(run("collapse graph.json -L more --surface-lod 20 --format json").out.find("coarse1("),
+            std::string::npos);
+}
+
+TEST_F(CollapseTest, LaterLibraryFolderOverridesEarlier) {
+  write("more/other.fraglib", R"json({ "tint": { "language": ["dx11"], "implementation": [
+    "void other(float3 color, float amount, out float3 result) { result = color; }"] } })json");
+  write("graph.json", kTwoNodes);
+  EXPECT_NE(run("collapse graph.json -L lib -L more --format json").out.find("other1("), std::string::npos);
+  EXPECT_NE(run("collapse graph.json -L more -L lib --format json").out.find("tint1("), std::string::npos);
+}
+
+TEST_F(CollapseTest, AnswersNullWithStatusOne) {
+  write("more/odd.fraglib", R"json({ "glow": { "language": ["dx11"], "implementation": [
+    "void glow(float a, out float3 result) { result = a; }"] } })json");
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "Lamp", "struct": "Lamp", "node": "a" } ],
+    "nodes": [ { "name": "a", "fragment": "lamp" } ] })");
+  write("graph.json",
+        R"({ "outputs": [ { "name": "color", "type": "struct", "struct": "Lamp", "node": "a" } ],
+    "nodes": [ { "name": "a", "fragment": "lamp" } ] })");
+  const CommandRun json = run("collapse graph.json -L lib --format json");
+  EXPECT_EQ(json.out, "null\n");
+  EXPECT_EQ(json.status, 1);
+  const CommandRun shader = run("collapse graph.json -L lib");
+  EXPECT_EQ(shader.out, "");
+  EXPECT_EQ(shader.status, 1);
+}
+
+TEST_F(CollapseTest, WritesToAFileAsAWholeOrNotAtAll) {
+  write("graph.json", kTwoNodes);
+  write("out.json", "old");
+  EXPECT_EQ(run("collapse graph.json -L lib --tool lightloop --environment nowhere.json -o out.json").status,
+            2);
+  EXPECT_EQ(read("out.json"), "old");
+  const CommandRun result = run("collapse graph.json -L lib --format json -o out.json");
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(read("out.json"), run("collapse graph.json -L lib --format json").out);
+  std::size_t files = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(path("."))) ++files;
+  EXPECT_EQ(files, 5u) << "a temporary file stayed: graph.json, out.json, lib, .out and .err are expected";
+}
+
+TEST_F(CollapseTest, WritesThroughALinkAndIntoADevice) {
+  write("graph.json", kTwoNodes);
+  write("real/target.json", "old");
+  std::filesystem::create_symlink("real/target.json", path("link.json"));
+  EXPECT_EQ(run("collapse graph.json -L lib --format json -o link.json").status, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(path("link.json")));
+  EXPECT_EQ(read("real/target.json")[0], '{');
+  EXPECT_EQ(run("collapse graph.json -L lib --format json -o /dev/null").status, 0);
+  EXPECT_FALSE(std::filesystem::is_regular_file("/dev/null"));
+}
+
+TEST_F(CollapseTest, TellsThatStandardOutputIsFull) {
+  write("graph.json", kTwoNodes);
+  const CommandRun result =
+      run("collapse graph.json -L lib --format json >/dev/full 2>err; echo $? >status; true");
+  EXPECT_EQ(read("status"), "2\n");
+  EXPECT_EQ(read("err"), "standard output: error: cannot be written: the stream is closed or full\n");
+}
+
+TEST_F(CollapseTest, MatchesTheSameBytesEveryTime) {
+  const std::string arguments = "collapse " + repository("examples/materials/car_paint.json") + " -L " +
+                                repository("library") + " -I " + repository("library") +
+                                " --tool lightloop --environment " +
+                                repository("examples/environments/studio.json") + " --format json";
+  const CommandRun first = run(arguments);
+  ASSERT_EQ(first.status, 0) << first.err;
+  EXPECT_EQ(run(arguments).out, first.out);
+}
+
+TEST_F(CollapseTest, HelpExampleWorksAsPrinted) {
+  const std::string help = run("collapse --help").out;
+  const std::size_t fragment = help.find("{ \"tint\"");
+  const std::size_t graph = help.find("{ \"inputs\"");
+  const std::size_t fragmentEnd = help.find("\n\n", fragment);
+  const std::size_t graphEnd = help.find("\n\n", graph);
+  ASSERT_NE(graphEnd, std::string::npos);
+  write("example/lib/tint.fraglib", help.substr(fragment, fragmentEnd - fragment));
+  write("example/red.json", help.substr(graph, graphEnd - graph));
+  const CommandRun result = run("collapse example/red.json -L example/lib");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_NE(result.out.find("tint1(\n        float3(1.0, 0.0, 0.0),\n        amount,"), std::string::npos);
+}
+
+TEST_F(CollapseTest, WritesNoColoursIntoAFile) {
+  EXPECT_EQ(run("collapse nowhere.json").err, "nowhere.json: error: no such file\n");
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg::tools

@@ -1,0 +1,279 @@
+// What the command refuses: exit status, place and reason.
+
+#include <ostream>
+
+#include "tools/command_test_support.h"
+
+namespace TolmSDK::Graphics::sfg::tools {
+namespace {
+
+struct Refusal {
+  const char* name;
+  const char* graph;
+  int status;
+  const char* message;
+  const char* environment = nullptr;
+  const char* arguments = "";
+};
+
+std::ostream& operator<<(std::ostream& out, const Refusal& refusal) { return out << refusal.name; }
+
+class RefusalTest : public CommandTest, public testing::WithParamInterface<Refusal> {};
+
+TEST_P(RefusalTest, TellsPlaceAndReason) {
+  const Refusal& refusal = GetParam();
+  writeLibrary();
+  write("graph.json", refusal.graph);
+  if (refusal.environment != nullptr) write("scene.json", refusal.environment);
+  const std::string scene = refusal.environment != nullptr ? " --environment scene.json " : " ";
+  const CommandRun result = run("collapse graph.json -L lib --format json" + scene + refusal.arguments);
+  EXPECT_EQ(result.err, refusal.message);
+  EXPECT_EQ(result.status, refusal.status);
+}
+
+constexpr const char* kRed = R"({ "outputs": [ { "name": "color", "type": "float3", "node": "red" } ],
+  "nodes": [ { "name": "red", "fragment": "tint" } ] })";
+
+const Refusal kDocuments[] = {
+    {"MalformedJson", "{ \"nodes\": [ }", 2, "graph.json:1:14: error: expected a value or `]`, found `}`\n"},
+    {"EmptyFile", "", 2, "graph.json:1:1: error: expected a value, found the end of the text\n"},
+    {"TopLevelIsNoObject", "[]", 2, "graph.json:1:1: error: expected an object at the top level\n"},
+    {"NodesIsNoArray", R"({ "nodes": {} })", 2, "graph.json:1:12: error: `nodes` must be an array\n"},
+    {"NodeIsNoObject", R"({ "nodes": [ 3 ] })", 2, "graph.json:1:14: error: expected an object\n"},
+    {"NodeWithoutName", R"({ "nodes": [ { "fragment": "tint" } ] })", 2,
+     "graph.json:1:14: error: `name` is missing\n"},
+    {"NodeWithoutFragment", R"({ "nodes": [ { "name": "a" } ] })", 2,
+     "graph.json:1:14: error: `fragment` is missing\n"},
+    {"NodeNameTwice", R"({ "nodes": [ { "name": "a", "fragment": "tint" },
+  { "name": "a", "fragment": "tint" } ] })",
+     2, "graph.json:2:3: error: the node name `a` is used twice\n"},
+    {"PortNameTwice", R"({ "nodes": [ { "name": "a", "fragment": "twice", "interface": {
+  "inputs": [ { "name": "x", "type": "float" }, { "name": "x", "type": "float" } ] } } ] })",
+     2, "graph.json:2:49: error: the port name `x` is used twice\n"},
+    {"OutputPortNameTwice", R"({ "nodes": [ { "name": "a", "fragment": "twice", "interface": {
+  "outputs": [ { "name": "x", "type": "float" }, { "name": "x", "type": "float" } ] } } ] })",
+     2, "graph.json:2:50: error: the port name `x` is used twice\n"},
+    {"GraphInputNameTwice",
+     R"({ "inputs": [ { "name": "x", "type": "float" }, { "name": "x", "type": "int" } ] })", 2,
+     "graph.json:1:49: error: the name `x` is used twice among graph inputs and outputs\n"},
+    {"GraphInputAndOutputShareNames", R"({ "inputs": [ { "name": "x", "type": "float" } ],
+  "outputs": [ { "name": "x", "type": "float" } ] })",
+     2, "graph.json:2:16: error: the name `x` is used twice among graph inputs and outputs\n"},
+    {"ParameterWithoutType", R"({ "inputs": [ { "name": "x" } ] })", 2,
+     "graph.json:1:15: error: `type` is missing\n"},
+    {"ParameterOfUnknownType", R"({ "uniforms": [ { "name": "x", "type": "float5" } ] })", 2,
+     "graph.json:1:40: error: `type` names no type: `float5`\n"},
+    {"StructureWithoutName", R"({ "inputs": [ { "name": "x", "type": "struct" } ] })", 2,
+     "graph.json:1:15: error: `struct` is missing\n"},
+    {"ParameterValueDoesNotFit", R"({ "inputs": [ { "name": "x", "type": "float2", "value": [1, 2, 3] } ] })",
+     2, "graph.json:1:57: error: `value` must hold as many numbers as the type `float2` has components: 2\n"},
+    {"ConstantSamplerParameter",
+     R"({ "inputs": [ { "name": "x", "type": "sampler2D", "constant": true } ] })", 2,
+     "graph.json:1:15: error: `x` cannot be constant: a value of type `sfg_sampler2D` has no text\n"},
+    {"InputHoldsNothing",
+     R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "amount": {} } } ] })", 2,
+     "graph.json:1:71: error: input `amount` of node `a` must hold exactly one of `node`, `graphInput`, "
+     "`value`, `constant`\n"},
+    {"InputHoldsTwo", R"({ "nodes": [ { "name": "a", "fragment": "tint",
+  "inputs": { "amount": { "value": 1, "constant": 2 } } } ] })",
+     2,
+     "graph.json:2:25: error: input `amount` of node `a` must hold exactly one of `node`, `graphInput`, "
+     "`value`, `constant`\n"},
+    {"InputHoldsThree", R"({ "nodes": [ { "name": "a", "fragment": "tint",
+  "inputs": { "amount": { "value": 1, "node": "a", "graphInput": "x" } } } ] })",
+     2,
+     "graph.json:2:25: error: input `amount` of node `a` must hold exactly one of `node`, `graphInput`, "
+     "`value`, `constant`\n"},
+    {"InputIsNoObject", R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "amount": 3 } } ] })",
+     2, "graph.json:1:71: error: input `amount` of node `a` must be an object\n"},
+    {"UnknownInputPort",
+     R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "amuont": { "value": 3 } } } ] })", 2,
+     "graph.json:1:71: error: node `a` has no input `amuont`; its inputs are `color`, `amount`\n"},
+    {"UnknownSourceNode",
+     R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "color": { "node": "b" } } } ] })", 2,
+     "graph.json:1:80: error: unknown node `b`\n"},
+    {"UnknownSourcePort", R"({ "nodes": [ { "name": "a", "fragment": "tint" },
+  { "name": "b", "fragment": "tint", "inputs": { "color": { "node": "a", "output": "color" } } } ] })",
+     2, "graph.json:2:84: error: node `a` has no output `color`; its outputs are `result`\n"},
+    {"InlineWithoutInterface", R"({ "nodes": [ { "name": "a", "fragment": "twice" },
+  { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "a" } } } ] })",
+     2,
+     "graph.json:2:60: error: node `a` has no outputs; a node of an inline fragment needs an `interface`\n"},
+    {"UnknownGraphInput",
+     R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "color": { "graphInput": "x" } } } ] })",
+     2, "graph.json:1:86: error: unknown graph input `x`\n"},
+    {"OutputOfUnknownNode", R"({ "outputs": [ { "name": "x", "type": "float", "node": "a" } ] })", 2,
+     "graph.json:1:56: error: unknown node `a`\n"},
+    {"OutputOfUnknownPort", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a", "output": "y" } ],
+  "nodes": [ { "name": "a", "fragment": "tint" } ] })",
+     2, "graph.json:1:72: error: node `a` has no output `y`; its outputs are `result`\n"},
+    {"OutputPortWithoutNode", R"({ "outputs": [ { "name": "x", "type": "float3", "output": "y" } ] })", 2,
+     "graph.json:1:59: error: `output` needs a `node`\n"},
+    {"ValueDoesNotFit",
+     R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "color": { "value": [1, 2] } } } ] })", 2,
+     "graph.json:1:81: error: `value` of input `color` of node `a` does not fit the type `float3`: expected "
+     "an array of 3 numbers\n"},
+    {"ConstantDoesNotFit",
+     R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "amount": { "constant": true } } } ] })",
+     2,
+     "graph.json:1:85: error: `constant` of input `amount` of node `a` does not fit the type `float`: "
+     "expected a number\n"},
+    {"ConstantOfSampler",
+     R"({ "nodes": [ { "name": "a", "fragment": "pick", "inputs": { "image": { "constant": 1 } } } ] })", 2,
+     "graph.json:1:84: error: `constant` of input `image` of node `a` cannot be given: a value of type "
+     "`sfg_sampler2D` has no text\n"},
+    {"ConstantOfStructure",
+     R"({ "nodes": [ { "name": "a", "fragment": "measure", "inputs": { "patch": { "constant": 1 } } } ] })",
+     2,
+     "graph.json:1:87: error: `constant` of input `patch` of node `a` cannot be given: a value of type "
+     "`Patch` has no text\n"},
+    {"ValueOfSampler",
+     R"({ "nodes": [ { "name": "a", "fragment": "pick", "inputs": { "image": { "value": 1 } } } ] })", 2,
+     "graph.json:1:81: error: `value` of input `image` of node `a` cannot be given: a value of type "
+     "`sfg_sampler2D` has no text\n"},
+    {"UnknownPreprocessFragment", R"({ "preprocess": [ "nope" ] })", 2,
+     "graph.json:1:19: error: unknown fragment `nope`\n"},
+    {"UnknownPostprocessFragment", R"({ "postprocess": [ "nope" ] })", 2,
+     "graph.json:1:20: error: unknown fragment `nope`\n"},
+    {"PreprocessIsNoName", R"({ "preprocess": [ {} ] })", 2,
+     "graph.json:1:19: error: expected a string that is not empty\n"},
+    {"ChainRefusesPostprocess", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "red" } ],
+  "nodes": [ { "name": "red", "fragment": "tint" } ],
+  "postprocess": [ "grade",
+    "frame" ] })",
+     2,
+     "graph.json:4:5: error: the inputs of post-process fragment `frame` do not fit the outputs of "
+     "`grade`\n"},
+};
+
+const Refusal kEnvironments[] = {
+    {"MalformedEnvironment", kRed, 2,
+     "scene.json:1:18: error: expected a member name in double quotes, found `}`\n", "{ \"lights\": [ ], }"},
+    {"LightsIsNoArray", kRed, 2, "scene.json:1:13: error: `lights` must be an array\n",
+     R"({ "lights": {} })"},
+    {"LightWithoutFragment", kRed, 2, "scene.json:1:15: error: `fragment` is missing\n",
+     R"({ "lights": [ { "name": "key" } ] })"},
+    {"UnknownLightFragment", kRed, 2, "scene.json:1:29: error: unknown fragment `sun`\n",
+     R"({ "lights": [ { "fragment": "sun" } ] })"},
+    {"LightNameTwice", kRed, 2, "scene.json:2:3: error: the light name `key` is used twice\n",
+     R"({ "lights": [ { "name": "key", "fragment": "lamp" },
+  { "name": "key", "fragment": "lamp" } ] })"},
+    {"LightNameTwiceByDefault", kRed, 2, "scene.json:2:3: error: the light name `light1` is used twice\n",
+     R"({ "lights": [ { "name": "light1", "fragment": "lamp" },
+  { "fragment": "lamp" } ] })"},
+    {"UnknownOutputFragment", kRed, 2, "scene.json:1:13: error: unknown fragment `screen`\n",
+     R"({ "output": "screen" })"},
+};
+
+const Refusal kArguments[] = {
+    {"LibraryFolderIsMissing", kRed, 2, "sfg: error: the folder `nowhere` does not exist\n", nullptr,
+     "-L nowhere"},
+    {"LibraryFolderIsAFile", kRed, 2, "sfg: error: `graph.json` is not a folder\n", nullptr, "-L graph.json"},
+    {"IncludeFolderIsMissing", kRed, 2, "sfg: error: the folder `nowhere` does not exist\n", nullptr,
+     "-I nowhere"},
+    {"EnvironmentIsMissing", kRed, 2, "nowhere.json: error: no such file\n", nullptr,
+     "--environment nowhere.json"},
+    {"UnknownLanguage", kRed, 2, "sfg: error: unknown language `dx12`; known is `dx11`\n", nullptr,
+     "--language dx12"},
+    {"UnknownTool", kRed, 2,
+     "sfg: error: --tool: `fast` is none of `default`, `lightloop`\ntry `sfg --help`, or `sfg COMMAND "
+     "--help`\n",
+     nullptr, "--tool fast"},
+    {"UnknownOption", kRed, 2,
+     "sfg: error: the following argument was not expected: --fast\ntry `sfg --help`, or `sfg COMMAND "
+     "--help`\n",
+     nullptr, "--fast"},
+    {"LevelOfDetailIsNoNumber", kRed, 2,
+     "sfg: error: --surface-lod: `fine` is not a finite number\ntry `sfg --help`, or `sfg COMMAND --help`\n",
+     nullptr, "--surface-lod fine"},
+    {"LevelOfDetailIsNotFinite", kRed, 2,
+     "sfg: error: --light-lod: `inf` is not a finite number\ntry `sfg --help`, or `sfg COMMAND --help`\n",
+     nullptr, "--light-lod inf"},
+    {"OutputFolderIsMissing", kRed, 2,
+     "nowhere/out.json: error: cannot be written: the folder is missing, not writable or full\n", nullptr,
+     "-o nowhere/out.json"},
+};
+
+const Refusal kCollapses[] = {
+    {"UnknownFragmentOfANode",
+     R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a", "output": "any" } ],
+  "nodes": [
+    { "name": "a", "fragment": "paint", "inputs": { "whatever": { "value": 3 } } } ] })",
+     1,
+     "sfgError : Failed to create fragment: paint!\ngraph.json:3:5: note: node `a` uses the fragment "
+     "`paint`, which no library has\n"},
+    {"Loop", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "grade", "inputs": { "color": { "node": "b" } } },
+    { "name": "b", "fragment": "tint", "inputs": { "color": { "node": "c" } } },
+    { "name": "c", "fragment": "grade", "inputs": { "color": { "node": "a" } } } ] })",
+     1,
+     "sfgError : circular loop: grade!\ngraph.json:4:62: note: input `color` of node `c` closes a loop "
+     "through node `a`\n"},
+    {"LoopToItself", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "grade", "inputs": { "color": { "node": "a" } } } ] })",
+     1,
+     "sfgError : circular loop: grade!\ngraph.json:2:71: note: input `color` of node `a` closes a loop "
+     "through node `a`\n"},
+    {"NoOutputs", R"({ "nodes": [ { "name": "a", "fragment": "tint" } ] })", 1,
+     "sfgError : the graph should has at least one output!\ngraph.json: note: the graph has no `outputs`\n"},
+    {"UnwiredOutput", R"({ "outputs": [ { "name": "color", "type": "float3" } ] })", 1,
+     "Graph output must be connected to a fragment!\ngraph.json:1:16: note: graph output `color` has no "
+     "`node`\n"},
+    {"UnwiredOutputOfLightLoop", R"({ "outputs": [ { "name": "color", "type": "float3" } ] })", 1,
+     "Graph output must have connection!\ngraph.json:1:16: note: graph output `color` has no `node`\n",
+     nullptr, "--tool lightloop"},
+    {"PreprocessWithInputs", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "tint" } ], "preprocess": [ "clock", "grade" ] })",
+     1,
+     "sfgError : pre-process fragment should has no inputs!\ngraph.json:2:78: note: pre-process fragment "
+     "`grade` has the input `color`\n"},
+    {"PostprocessDoesNotFitGraph", R"({ "outputs": [ { "name": "size", "type": "float", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "measure" } ], "postprocess": [ "grade" ] })",
+     1,
+     "sfgError : the graph outputs should be the same as the output fragment inputs!\ngraph.json:1:16: note: "
+     "graph output `size` of type `float` feeds input `color` of post-process fragment `grade` of type "
+     "`float3`\n"},
+    {"OutputFragmentDoesNotFitGraph", R"({ "outputs": [ { "name": "size", "type": "int", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "measure" } ] })",
+     1,
+     "sfgError : the graph outputs should be the same as the output fragment inputs!\ngraph.json:1:16: note: "
+     "graph output `size` of type `int` feeds input `color` of output fragment `frame` of type `float4`\n",
+     R"({ "output": "frame" })"},
+    {"OutputsOfSeveralNodes", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" },
+    { "name": "y", "type": "float3", "node": "b" } ],
+  "nodes": [ { "name": "a", "fragment": "tint" }, { "name": "b", "fragment": "tint" } ] })",
+     1,
+     "Failed to evaluate fragment!\ngraph.json:2:5: note: graph output `y` comes from node `b` and `x` from "
+     "node `a`; without a light loop all outputs come from one node\n"},
+    {"InlineFragmentWithTooManyInputs", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "b" } ],
+  "nodes": [ { "name": "a", "fragment": "twice", "interface": {
+    "inputs": [ { "name": "a", "type": "float" }, { "name": "b", "type": "float" } ],
+    "outputs": [ { "name": "r", "type": "float" } ] } },
+  { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "a" } } } ] })",
+     1,
+     "Inline body parameter count is not equal to the node input count!\ngraph.json:2:14: note: node `a` has "
+     "2 inputs, its fragment `twice` 1\n"},
+    {"OutputOfUnknownType", R"({ "outputs": [ { "name": "x", "type": "Lamp", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
+     2, "graph.json:1:39: error: `type` names no type: `Lamp`\n"},
+    {"NodeWithoutDefaultProfile",
+     R"({ "outputs": [ { "name": "x", "type": "struct", "struct": "Lamp", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
+     1,
+     "sfg: error: the graph cannot be collapsed: an output cannot be evaluated\ngraph.json:2:14: note: node "
+     "`a` uses the fragment `lamp`, which has no profile `default` for the language `dx11`\n"},
+    {"LightWithoutProfile", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "lit" } ] })",
+     1, "Failed to set light profile Neon.\nscene.json:1:15: note: light `key` asks for the profile `Neon`\n",
+     R"({ "lights": [ { "name": "key", "fragment": "lamp", "profile": "Neon" } ] })", "--tool lightloop"},
+};
+
+std::string nameOf(const testing::TestParamInfo<Refusal>& info) { return info.param.name; }
+
+INSTANTIATE_TEST_SUITE_P(Documents, RefusalTest, testing::ValuesIn(kDocuments), nameOf);
+INSTANTIATE_TEST_SUITE_P(Environments, RefusalTest, testing::ValuesIn(kEnvironments), nameOf);
+INSTANTIATE_TEST_SUITE_P(Arguments, RefusalTest, testing::ValuesIn(kArguments), nameOf);
+INSTANTIATE_TEST_SUITE_P(Collapses, RefusalTest, testing::ValuesIn(kCollapses), nameOf);
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg::tools
