@@ -22,7 +22,8 @@ std::size_t combineHash(std::size_t hash, std::wstring_view text) {
   return hash * 1099511628211u + std::hash<std::wstring_view>()(text);
 }
 
-bool holdsRule(const KeywordReplacePattern& pattern, std::wstring_view keyword, std::wstring_view replacement) {
+bool holdsRule(const KeywordReplacePattern& pattern, std::wstring_view keyword,
+               std::wstring_view replacement) {
   for (std::size_t i = 0; i < pattern.getKeywords().size(); ++i)
     if (pattern.getKeywords()[i] == keyword && pattern.getReplacements()[i] == replacement) return true;
   return false;
@@ -112,7 +113,8 @@ void CodeAccumulator::Impl::append(WString& out, const ShaderSymbolInstance& sym
   }
 
   identify(symbol, renamePattern);
-  if (const Written* same = findWritten(key, hash, renamesInForce)) return reuseName(same->name, renamePattern);
+  if (const Written* same = findWritten(key, hash, renamesInForce))
+    return reuseName(same->name, renamePattern);
 
   const WString* name = chooseName(renamePattern);
   rememberWritten(key, name);
@@ -184,7 +186,8 @@ const WString* CodeAccumulator::Impl::generateName() {
   for (;;) {
     appendDecimal(candidate, static_cast<std::size_t>(++counter));
     const auto known = names.find(candidate);
-    if (known == names.end() || !known->second.isRecorded) return &generatedNames.emplace_back(std::move(candidate));
+    if (known == names.end() || !known->second.isRecorded)
+      return &generatedNames.emplace_back(std::move(candidate));
   }
 }
 
@@ -197,8 +200,8 @@ void CodeAccumulator::Impl::rememberWritten(std::wstring_view key, const WString
 CodeAccumulator::CodeAccumulator() : impl_(std::make_unique<Impl>()) {}
 CodeAccumulator::~CodeAccumulator() = default;
 
-void CodeAccumulator::append(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
-                             KeywordReplacePattern& renamePattern) {
+void CodeAccumulator::append(WString& out, const CodeSnippetInstance& code,
+                             const KeywordReplacePattern& pattern, KeywordReplacePattern& renamePattern) {
   impl_->beginCall();
   for (std::size_t i = 0; i < code.getNumSymbols(); ++i)
     impl_->append(out, code.getSymbol(i), pattern, renamePattern);

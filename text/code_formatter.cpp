@@ -41,8 +41,8 @@ void CodeFormatter::addIdent(WString& s, int count) { s.append(static_cast<std::
 int CodeFormatter::getNextLineIdent(const WString& line, int indent) {
   const std::int64_t next = indent + std::int64_t{std::count(line.begin(), line.end(), L'{')} -
                             std::int64_t{std::count(line.begin(), line.end(), L'}')};
-  return static_cast<int>(std::clamp<std::int64_t>(next, std::numeric_limits<int>::min(),
-                                                   std::numeric_limits<int>::max()));
+  return static_cast<int>(
+      std::clamp<std::int64_t>(next, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
 }  // namespace TolmSDK::Graphics::sfg

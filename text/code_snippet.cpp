@@ -97,14 +97,16 @@ void CodeSnippet::clearParse() {
 void CodeSnippet::dump(std::wostream& os) const {
   for (const ShaderSymbol& symbol : symbols_) {
     os << L"[ " << symbol.getTypeString() << L" ]\n";
-    os << (symbol.getKey().empty() ? symbol.getRange().view() : std::wstring_view(symbol.getKey())) << L"\n\n";
+    os << (symbol.getKey().empty() ? symbol.getRange().view() : std::wstring_view(symbol.getKey()))
+       << L"\n\n";
   }
 }
 
 CodeSnippetInstance::CodeSnippetInstance() = default;
 CodeSnippetInstance::~CodeSnippetInstance() = default;
 
-void CodeSnippetInstance::construct(const CodeSnippet* snippet, const Array<WString>& renames, bool ownsSnippet) {
+void CodeSnippetInstance::construct(const CodeSnippet* snippet, const Array<WString>& renames,
+                                    bool ownsSnippet) {
   symbols_.clear();
   // A snippet that was owned already is not destroyed when it is handed over again.
   if (snippet == owned_.get()) owned_.release();

@@ -12,7 +12,8 @@ namespace TolmSDK::Graphics::sfg {
 
 namespace {
 
-/// A keyword rule with the place of the keyword's first occurrence at or behind the cursor of its last look-up.
+/// A keyword rule with the place of the keyword's first occurrence at or behind the cursor of its last
+/// look-up.
 struct KeywordCursor {
   const WString* keyword;
   const WString* replacement;
@@ -38,8 +39,8 @@ public:
   KeywordCursors(const KeywordCursors&) = delete;
   KeywordCursors& operator=(const KeywordCursors&) = delete;
 
-  /// The rule to apply next at or behind `cursor`: the first in the text, of those at one place the longest, of equal
-  /// ones the last. Null when none is left.
+  /// The rule to apply next at or behind `cursor`: the first in the text, of those at one place the longest,
+  /// of equal ones the last. Null when none is left.
   const KeywordCursor* findNext(std::size_t cursor) {
     const KeywordCursor* best = nullptr;
     std::size_t kept = 0;
@@ -123,7 +124,8 @@ void KeywordReplacer::clearReplacePattern() {
 void KeywordReplacer::appendAndReplace(WString& out, const ScopedText& text) const {
   if (text.empty()) return;
   if (empty()) return appendChecked(out, text.view());
-  // Built apart from `out`, which the text may view. The buffer is a new one then too, so nothing is gained by reuse.
+  // Built apart from `out`, which the text may view. The buffer is a new one then too, so nothing is gained
+  // by reuse.
   WString result;
   appendReplaced(result, text);
   out.swap(result);

@@ -1,7 +1,7 @@
 #pragma once
 
-// The scanning functions of sfg/scoped_text.h, inline for the parsers of this folder: exported functions cannot be
-// inlined where they are called.
+// The scanning functions of sfg/scoped_text.h, inline for the parsers of this folder: exported functions
+// cannot be inlined where they are called.
 
 #include <algorithm>
 #include <cstddef>
@@ -136,8 +136,9 @@ inline ScopedText buildRange(const ScopedText& first, const ScopedText& last) {
   return {first.text, static_cast<std::size_t>(last.text - first.text) + last.length};
 }
 
-/// Index of the first `needle` at or after `from` that starts before `limit`, or the not-found value. The needle is
-/// not empty and holds no NUL; the text behind `limit` is read while it matches and ends with a NUL.
+/// Index of the first `needle` at or after `from` that starts before `limit`, or the not-found value. The
+/// needle is not empty and holds no NUL; the text behind `limit` is read while it matches and ends with a
+/// NUL.
 inline std::size_t findOccurrence(const wchar_t* text, std::size_t limit, std::wstring_view needle,
                                   std::size_t from) {
   if (from >= limit) return kNotFound;
@@ -154,14 +155,16 @@ inline std::size_t findOccurrence(const wchar_t* text, std::size_t limit, std::w
   return kNotFound;
 }
 
-/// Number of characters in front of the first NUL of the view: what an underlying NUL-terminated text shows of it.
+/// Number of characters in front of the first NUL of the view: what an underlying NUL-terminated text shows
+/// of it.
 inline std::size_t lengthBeforeNul(const ScopedText& text) {
   if (text.length == 0) return 0;
   const wchar_t* nul = std::wmemchr(text.text, L'\0', text.length);
   return nul == nullptr ? text.length : static_cast<std::size_t>(nul - text.text);
 }
 
-/// Whether find() can find the needle at all: none that is empty or holds a NUL occurs in a NUL-terminated text.
+/// Whether find() can find the needle at all: none that is empty or holds a NUL occurs in a NUL-terminated
+/// text.
 inline bool isSearchable(std::wstring_view needle) {
   return !needle.empty() && needle.find(L'\0') == std::wstring_view::npos;
 }

@@ -46,7 +46,9 @@ void buildKey(WString& key, const ScopedText& t) {
   key.append(run, end);
 }
 
-ScopedText buildRange(const ScopedText& first, const ScopedText& last) { return scan::buildRange(first, last); }
+ScopedText buildRange(const ScopedText& first, const ScopedText& last) {
+  return scan::buildRange(first, last);
+}
 
 void skipLine(const ScopedText& text, std::size_t& pos) { scan::skipLine(text, pos); }
 

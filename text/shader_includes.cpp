@@ -76,8 +76,8 @@ const Set<WString>& ShaderIncludes::getAncestorIncludes(const wchar_t* name) con
   return include == nullptr ? emptySet_ : include->includes;
 }
 
-/// A depth-first walk with its own stack, which visits each name once: a second visit would append nothing, and one
-/// that is still under way is a cycle.
+/// A depth-first walk with its own stack, which visits each name once: a second visit would append nothing,
+/// and one that is still under way is a cycle.
 class ShaderIncludes::FlatWalk {
 public:
   FlatWalk(const ShaderIncludes& includes, Array<WString>& out, Set<WString>& done)
@@ -124,7 +124,8 @@ private:
   Array<Level> stack_;
 };
 
-void ShaderIncludes::createFlatIncludeArray(Array<WString>& out, Set<WString>& done, const WString& name) const {
+void ShaderIncludes::createFlatIncludeArray(Array<WString>& out, Set<WString>& done,
+                                            const WString& name) const {
   // The caller's name may be an element of `out`, which grows.
   const WString root = name;
   FlatWalk(*this, out, done).visit(root);

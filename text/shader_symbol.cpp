@@ -14,8 +14,8 @@ namespace TolmSDK::Graphics::sfg {
 
 namespace {
 
-/// The state variable of that name, or null. Looked up by view: a pooled string of every word that might be one
-/// would let code fill the pool.
+/// The state variable of that name, or null. Looked up by view: a pooled string of every word that might be
+/// one would let code fill the pool.
 const UString* findStateVariableByText(std::wstring_view name) {
   static const Array<UString> sorted = [] {
     Array<UString> names;
@@ -37,7 +37,8 @@ struct DeclarationWords {
 
   void add(const ScopedText& word) {
     if (count == 0) first = word;
-    if (leadingQualifiers == count && (scan::isEqual(word, 0, L"uniform") || scan::isEqual(word, 0, L"extern")))
+    if (leadingQualifiers == count &&
+        (scan::isEqual(word, 0, L"uniform") || scan::isEqual(word, 0, L"extern")))
       ++leadingQualifiers;
     lastButOne = last;
     last = word;
@@ -47,8 +48,8 @@ struct DeclarationWords {
 
 DeclarationWords readWords(const ScopedText& text, std::size_t& pos) {
   DeclarationWords words;
-  // No attribute in brackets is looked for: the search for a symbol stops at token characters only, so the words
-  // inside an attribute are met as ordinary ones.
+  // No attribute in brackets is looked for: the search for a symbol stops at token characters only, so the
+  // words inside an attribute are met as ordinary ones.
   ScopedText word = scan::getKeyword(text, pos);
   while (!word.empty()) {
     words.add(word);
@@ -114,8 +115,8 @@ void skipDefaultValue(const ScopedText& text, std::size_t& pos) {
   }
 }
 
-/// Past annotations, constructor arguments, array sizes, semantics and default value. False when anything else comes
-/// before the `;`, which `pos` then stands at.
+/// Past annotations, constructor arguments, array sizes, semantics and default value. False when anything
+/// else comes before the `;`, which `pos` then stands at.
 bool skipUniformParts(const ScopedText& text, std::size_t& pos) {
   for (;;) {
     scan::skipWhitespaces(text, pos);
@@ -216,7 +217,8 @@ void ShaderSymbol::constructFunction(const ScopedText& returnType, const ScopedT
   key_ += SHA1_GetStringHash(range_.view());
 }
 
-void ShaderSymbol::constructStruct(const ScopedText& name, const ScopedText& /*body*/, const ScopedText& range) {
+void ShaderSymbol::constructStruct(const ScopedText& name, const ScopedText& /*body*/,
+                                   const ScopedText& range) {
   clear();
   type_ = EShaderSymbolType::structure;
   name_ = name;

@@ -20,10 +20,10 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Owns code and its ordered list of top-level symbols. Text between recognised symbols is kept as raw-text symbols;
-/// the first construct the parser cannot classify turns everything behind the previous symbol into one. All views of
-/// the parse point into the code, so a snippet is neither copied nor moved. Parsed once, then read by any number of
-/// instances and threads.
+/// Owns code and its ordered list of top-level symbols. Text between recognised symbols is kept as raw-text
+/// symbols; the first construct the parser cannot classify turns everything behind the previous symbol into
+/// one. All views of the parse point into the code, so a snippet is neither copied nor moved. Parsed once,
+/// then read by any number of instances and threads.
 class SFG_API CodeSnippet : public HeapObject {
 public:
   CodeSnippet();
@@ -31,7 +31,8 @@ public:
   CodeSnippet(const CodeSnippet&) = delete;
   CodeSnippet& operator=(const CodeSnippet&) = delete;
 
-  /// Appends code; null is ignored. Views of an earlier parse stay valid, but the code added is not parsed yet.
+  /// Appends code; null is ignored. Views of an earlier parse stay valid, but the code added is not parsed
+  /// yet.
   void addCode(const wchar_t* code);
   void addCode(const WString& code);
   /// Parses the code anew. False when symbols overlap; those before then stay.
@@ -39,7 +40,8 @@ public:
 
   /// Appends a raw-text symbol; empty text is ignored.
   void addSymbol(const ScopedText& text);
-  /// Appends a copy of a symbol and gathers its state variables and built-in calls; one without a range is ignored.
+  /// Appends a copy of a symbol and gathers its state variables and built-in calls; one without a range is
+  /// ignored.
   void addSymbol(const ShaderSymbol& symbol);
 
   /// Index of the last symbol with that key, or the not-found value.
@@ -73,7 +75,8 @@ private:
   std::shared_ptr<WString> code_;
   Array<std::shared_ptr<const WString>> retiredCode_;  // texts that symbols of the present parse still view
   Array<ShaderSymbol> symbols_;
-  std::multimap<std::size_t, std::size_t, std::less<>, StlAllocator<std::pair<const std::size_t, std::size_t>>>
+  std::multimap<std::size_t, std::size_t, std::less<>,
+                StlAllocator<std::pair<const std::size_t, std::size_t>>>
       symbolIndex_;  // by hash of the key, in symbol order
 };
 
@@ -85,8 +88,8 @@ public:
   CodeSnippetInstance(const CodeSnippetInstance&) = delete;
   CodeSnippetInstance& operator=(const CodeSnippetInstance&) = delete;
 
-  /// Releases the content and takes a snippet (null: none), with one rename per built-in call of the whole snippet in
-  /// its order. With `ownsSnippet` the snippet, made by `new`, is destroyed with this instance.
+  /// Releases the content and takes a snippet (null: none), with one rename per built-in call of the whole
+  /// snippet in its order. With `ownsSnippet` the snippet, made by `new`, is destroyed with this instance.
   void construct(const CodeSnippet* snippet, const Array<WString>& renames, bool ownsSnippet);
 
   std::size_t getNumSymbols() const noexcept { return symbols_.size(); }

@@ -1,7 +1,7 @@
 #pragma once
 
-// Textual replacement while code is copied: by keyword (any occurrence, also inside longer identifiers) and by
-// position (an exact span).
+// Textual replacement while code is copied: by keyword (any occurrence, also inside longer identifiers) and
+// by position (an exact span).
 
 #include <cstddef>
 
@@ -22,7 +22,8 @@ struct KeywordPosKey {
   }
 };
 
-/// Rules; owns its strings. Keywords may repeat, and their order matters: at one place and length the later rule wins.
+/// Rules; owns its strings. Keywords may repeat, and their order matters: at one place and length the later
+/// rule wins.
 class SFG_API KeywordReplacePattern {
 public:
   using PositionalReplacements = Map<KeywordPosKey, WString, std::less<KeywordPosKey>>;
@@ -49,8 +50,8 @@ private:
   PositionalReplacements positionalReplacements_;
 };
 
-/// Applies the rules of any number of patterns. Holds pointers into the patterns added: each stays alive and keeps its
-/// rules as they are until the replacer is cleared or destroyed.
+/// Applies the rules of any number of patterns. Holds pointers into the patterns added: each stays alive and
+/// keeps its rules as they are until the replacer is cleared or destroyed.
 class SFG_API KeywordReplacer {
 public:
   /// Adds the pattern's rules behind those added before; an equal span is overwritten.
@@ -58,11 +59,12 @@ public:
   /// Forgets all rules; the patterns are not touched.
   void clearReplacePattern();
 
-  /// Copies `text` to `out` with the rules applied: the first match wins, at one place the longest, of equal spans a
-  /// keyword over a position and the later rule over the earlier. Replacements are not scanned again. With rules `out`
-  /// is replaced; without rules (and for empty text) it is appended to. A span behind the end of the text appends the
-  /// rest of the text, then its replacement. `text` must be followed by a NUL somewhere (see ScopedText::find) and may
-  /// view `out`. Throws when `out` would pass the size limit of generated code.
+  /// Copies `text` to `out` with the rules applied: the first match wins, at one place the longest, of equal
+  /// spans a keyword over a position and the later rule over the earlier. Replacements are not scanned again.
+  /// With rules `out` is replaced; without rules (and for empty text) it is appended to. A span behind the
+  /// end of the text appends the rest of the text, then its replacement. `text` must be followed by a NUL
+  /// somewhere (see ScopedText::find) and may view `out`. Throws when `out` would pass the size limit of
+  /// generated code.
   void appendAndReplace(WString& out, const ScopedText& text) const;
 
   /// The same, but appends in any case: `out` keeps what it holds. `text` does not view `out`.

@@ -10,9 +10,10 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Include files by name without folder, case-sensitive, each with the names it includes and its text without the
-/// `#include` lines. One per process. Filled (addIncludePath, clear) while nothing else uses it; then any number of
-/// threads may ask, getIncludesHash included. Nothing throws or reports errors.
+/// Include files by name without folder, case-sensitive, each with the names it includes and its text without
+/// the
+/// `#include` lines. One per process. Filled (addIncludePath, clear) while nothing else uses it; then any
+/// number of threads may ask, getIncludesHash included. Nothing throws or reports errors.
 class SFG_API ShaderIncludes {
 public:
   static ShaderIncludes& Singleton();
@@ -33,12 +34,13 @@ public:
   /// The names the file includes directly; empty for an unknown name.
   const Set<WString>& getAncestorIncludes(const wchar_t* name) const;
 
-  /// Appends `name` and everything it includes to `out`, what is included first, each name that `done` does not hold
-  /// once. Unknown names are appended too. A name whose visit is under way is not entered again.
+  /// Appends `name` and everything it includes to `out`, what is included first, each name that `done` does
+  /// not hold once. Unknown names are appended too. A name whose visit is under way is not entered again.
   void createFlatIncludeArray(Array<WString>& out, Set<WString>& done, const WString& name) const;
   void createFlatIncludeArray(Array<WString>& out, Set<WString>& done, const Set<WString>& names) const;
 
-  /// Hashes of the contents of the flat list, one after the other. A file's hash is computed once per process.
+  /// Hashes of the contents of the flat list, one after the other. A file's hash is computed once per
+  /// process.
   WString getIncludesHash(const Set<WString>& names);
 
 private:

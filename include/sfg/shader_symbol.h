@@ -1,6 +1,7 @@
 #pragma once
 
-// Top-level symbols of shader text: functions, structures, uniforms and techniques, and the built-in calls in them.
+// Top-level symbols of shader text: functions, structures, uniforms and techniques, and the built-in calls in
+// them.
 
 #include <cstddef>
 #include <cstdint>
@@ -22,8 +23,8 @@ enum class EShaderSymbolType : std::uint32_t {
   technique = 4,
 };
 
-/// One symbol. Its views point into the text it was parsed from, whose owner outlives it. Parsing never throws: what
-/// is not recognised is consumed by at least one character and leaves the symbol empty.
+/// One symbol. Its views point into the text it was parsed from, whose owner outlives it. Parsing never
+/// throws: what is not recognised is consumed by at least one character and leaves the symbol empty.
 class SFG_API ShaderSymbol {
 public:
   ShaderSymbol() = default;
@@ -36,8 +37,8 @@ public:
 
   /// Parses the next symbol at or after `pos`; true when `s` now holds one.
   static bool findFirstSymbol(ShaderSymbol& s, const ScopedText& text, std::size_t& pos);
-  /// The same from the start of `text`, which then starts behind everything consumed. True when anything was consumed,
-  /// recognised or not: test getRange() for emptiness.
+  /// The same from the start of `text`, which then starts behind everything consumed. True when anything was
+  /// consumed, recognised or not: test getRange() for emptiness.
   static bool findFirstSymbol(ShaderSymbol& s, ScopedText& text);
 
   void constructFunction(const ScopedText& returnType, const ScopedText& name, const ScopedText& parameters,
@@ -53,9 +54,9 @@ public:
   EShaderSymbolType getType() const noexcept { return type_; }
   /// "Unknown Symbol", "struct", "uniform", "function" or "technique".
   const wchar_t* getTypeString() const;
-  /// The text that tells this symbol from others: for a function its signature without whitespace, the length of its
-  /// body and the SHA-1 of its whole text; for a structure or uniform the declaration without whitespace; for a
-  /// technique its name; empty for raw text.
+  /// The text that tells this symbol from others: for a function its signature without whitespace, the length
+  /// of its body and the SHA-1 of its whole text; for a structure or uniform the declaration without
+  /// whitespace; for a technique its name; empty for raw text.
   const WString& getKey() const noexcept { return key_; }
   const ScopedText& getRange() const noexcept { return range_; }
   const ScopedText& getName() const noexcept { return name_; }
@@ -72,8 +73,8 @@ public:
   void setBuiltinFunctions(const Array<BuiltinFunction>& functions) { builtinFunctions_ = functions; }
 
 protected:
-  /// Classifies one word that ends at `pos`: a state variable, a built-in call (whose arguments are then taken), or
-  /// nothing of ours.
+  /// Classifies one word that ends at `pos`: a state variable, a built-in call (whose arguments are then
+  /// taken), or nothing of ours.
   void parseKeyword(const ScopedText& word, const ScopedText& text, std::size_t& pos);
   void clearThis();
   void zeroThis() noexcept { type_ = EShaderSymbolType::unknown; }
@@ -88,13 +89,13 @@ private:
   Array<BuiltinFunction> shaderFunctions_;
 };
 
-/// A symbol as one fragment instance uses it: with renames of its built-in calls. Points at the symbol, which belongs
-/// to a snippet that outlives this.
+/// A symbol as one fragment instance uses it: with renames of its built-in calls. Points at the symbol, which
+/// belongs to a snippet that outlives this.
 class SFG_API ShaderSymbolInstance {
 public:
-  /// Takes one rename per built-in call of the symbol, from `renames[firstRename]` on. A call without a rename stays
-  /// as written and adds nothing to the key; one without an argument list adds its rename to the key and stays as
-  /// written. A null symbol empties the instance.
+  /// Takes one rename per built-in call of the symbol, from `renames[firstRename]` on. A call without a
+  /// rename stays as written and adds nothing to the key; one without an argument list adds its rename to the
+  /// key and stays as written. A null symbol empties the instance.
   void construct(const ShaderSymbol* symbol, const Array<WString>& renames, std::size_t firstRename);
 
   /// The symbol's key followed by the renames.

@@ -1,0 +1,304 @@
+#include "sfg/code_snippet.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "text/test_views.h"
+
+namespace TolmSDK::Graphics::sfg {
+namespace {
+
+using Type = EShaderSymbolType;
+using Symbols = std::vector<std::pair<Type, std::wstring>>;
+
+/// Kinds and texts of the symbols.
+Symbols symbols(const CodeSnippet& snippet) {
+  Symbols result;
+  for (std::size_t i = 0; i < snippet.getNumSymbols(); ++i)
+    result.emplace_back(snippet.getSymbol(i).getType(), snippet.getSymbol(i).getRange().view());
+  return result;
+}
+
+Symbols parsed(const wchar_t* code) {
+  CodeSnippet snippet;
+  snippet.addCode(code);
+  EXPECT_TRUE(snippet.parse());
+  EXPECT_EQ(snippet.getCode(), code);
+  return symbols(snippet);
+}
+
+std::vector<std::wstring> calls(const Array<BuiltinFunction>& functions) {
+  std::vector<std::wstring> result;
+  for (const BuiltinFunction& f : functions) result.emplace_back(f.range.view());
+  return result;
+}
+
+TEST(CodeSnippet, CannotBeCopiedOrMoved) {
+  static_assert(!std::is_copy_constructible_v<CodeSnippet> && !std::is_copy_assignable_v<CodeSnippet>);
+  static_assert(!std::is_copy_constructible_v<CodeSnippetInstance> &&
+                !std::is_copy_assignable_v<CodeSnippetInstance>);
+}
+
+TEST(CodeSnippetParse, BlanksAreNoSymbol) {
+  EXPECT_EQ(parsed(L""), Symbols{});
+  EXPECT_EQ(parsed(L" \t\r\n"), Symbols{});
+}
+
+TEST(CodeSnippetParse, ACommentAloneIsRawText) {
+  EXPECT_EQ(parsed(L" // only this\n"), (Symbols{{Type::unknown, L"// only this\n"}}));
+}
+
+TEST(CodeSnippetParse, KeepsTextBetweenSymbolsAsRawText) {
+  EXPECT_EQ(parsed(L"// c\n#define A 1\nfloat x;\n\n  // d\nvoid f() {};\n /* e */ "),
+            (Symbols{{Type::unknown, L"// c\n#define A 1\n"},
+                     {Type::uniform, L"float x;\n"},
+                     {Type::unknown, L"// d\n"},
+                     {Type::function, L"void f() {};\n"},
+                     {Type::unknown, L"/* e */ "}}));
+  EXPECT_EQ(parsed(L"void f() {}\n /* e */ "), (Symbols{{Type::function, L"void f() {}\n /* e */ "}}));
+  EXPECT_EQ(parsed(L"float x;float y;"),
+            (Symbols{{Type::uniform, L"float x;"}, {Type::uniform, L"float y;"}}));
+}
+
+TEST(CodeSnippetParse, TheFirstUnknownConstructTurnsTheRestIntoRawText) {
+  EXPECT_EQ(
+      parsed(L"float x;\n cbuffer C : register(b0) { };\nfloat y;"),
+      (Symbols{{Type::uniform, L"float x;\n"}, {Type::unknown, L"cbuffer C : register(b0) { };\nfloat y;"}}));
+  EXPECT_EQ(parsed(L"[numthreads(8, 8, 1)] void cs() {}\nfloat y;"),
+            (Symbols{{Type::unknown, L"[numthreads(8, 8, 1)] void cs() {}\nfloat y;"}}));
+  EXPECT_EQ(parsed(L"float x;\nfloat y"),
+            (Symbols{{Type::uniform, L"float x;\n"}, {Type::unknown, L"float y"}}));
+}
+
+TEST(CodeSnippetParse, GathersStateVariablesAndCalls) {
+  CodeSnippet snippet;
+  snippet.addCode(
+      L"float f() { return sfg_time * sfg_isConnected(a, b) + sfg_shader(c); }\n"
+      L"float x = sfg_isConnected(no);\n"
+      L"float g() { return sfg_isFinalOutput(d) * sfg_isConnected(e) * state.normal + sfg_shader(f); }");
+  ASSERT_TRUE(snippet.parse());
+  ASSERT_EQ(snippet.getNumSymbols(), 3u);
+  EXPECT_EQ(snippet.getStateVariables(), (Set<UString>{UString(L"sfg_time"), UString(L"state.normal")}));
+  EXPECT_EQ(
+      calls(snippet.getBuiltinFunctions()),
+      (std::vector<std::wstring>{L"sfg_isConnected(a, b)", L"sfg_isFinalOutput(d)", L"sfg_isConnected(e)"}));
+  EXPECT_EQ(calls(snippet.getShaderFunctions()),
+            (std::vector<std::wstring>{L"sfg_shader(c)", L"sfg_shader(f)"}));
+  EXPECT_EQ(snippet.getBuiltinFunctions()[0].id, eBuiltinFunctionIsConnected);
+  ASSERT_EQ(snippet.getBuiltinFunctions()[0].arguments.size(), 2u);
+  EXPECT_EQ(snippet.getBuiltinFunctions()[0].arguments[0].view(), L"a");
+  EXPECT_EQ(snippet.getBuiltinFunctions()[0].arguments[1].view(), L"b");
+  EXPECT_EQ(calls(snippet.getSymbol(0).getBuiltinFunctions()),
+            (std::vector<std::wstring>{L"sfg_isConnected(a, b)"}));
+}
+
+TEST(CodeSnippetParse, FindsTheLastSymbolWithAKey) {
+  CodeSnippet snippet;
+  snippet.addCode(L"void f() {};\nvoid g() {};\nvoid f() {};\n// raw");
+  ASSERT_TRUE(snippet.parse());
+  ASSERT_EQ(snippet.getNumSymbols(), 4u);
+  EXPECT_EQ(snippet.getSymbol(0).getKey(), snippet.getSymbol(2).getKey());
+  EXPECT_EQ(snippet.findSymbol(snippet.getSymbol(0).getKey()), 2u);
+  EXPECT_EQ(snippet.findSymbol(snippet.getSymbol(1).getKey()), 1u);
+  EXPECT_EQ(snippet.findSymbol(L"voidf()"), kNotFound);
+  EXPECT_EQ(snippet.findSymbol(L""), kNotFound) << "raw text has no entry";
+}
+
+TEST(CodeSnippetParse, StartsAnew) {
+  CodeSnippet snippet;
+  snippet.addCode(L"float f() { return sfg_time * sfg_isConnected(a) + sfg_shader(c); }\n");
+  ASSERT_TRUE(snippet.parse());
+  ASSERT_TRUE(snippet.parse());
+  EXPECT_EQ(snippet.getNumSymbols(), 1u);
+  EXPECT_EQ(snippet.getBuiltinFunctions().size(), 1u);
+  EXPECT_EQ(snippet.getShaderFunctions().size(), 1u);
+  snippet.addCode(L"float y;");
+  ASSERT_TRUE(snippet.parse());
+  EXPECT_EQ(snippet.getNumSymbols(), 2u);
+}
+
+TEST(CodeSnippet, AppendsCode) {
+  CodeSnippet snippet;
+  snippet.addCode(L"float ");
+  snippet.addCode(static_cast<const wchar_t*>(nullptr));
+  snippet.addCode(WString(L"x;"));
+  EXPECT_EQ(snippet.getCode(), L"float x;");
+  EXPECT_EQ(snippet.getNumSymbols(), 0u) << "not parsed yet";
+}
+
+TEST(CodeSnippet, CodeAddedLaterLeavesTheViewsOfAParse) {
+  CodeSnippet snippet;
+  snippet.addCode(L"float x;");
+  ASSERT_TRUE(snippet.parse());
+  const WString more(1000, L' ');
+  for (int i = 0; i < 10; ++i) snippet.addCode(more);
+  EXPECT_EQ(symbols(snippet), (Symbols{{Type::uniform, L"float x;"}}));
+  EXPECT_EQ(snippet.getCode(), L"float x;" + WString(10000, L' '));
+  ASSERT_TRUE(snippet.parse());
+  EXPECT_EQ(symbols(snippet), (Symbols{{Type::uniform, L"float x;"}}));
+}
+
+TEST(CodeSnippet, SharedCodeOutlivesItAndNeverChanges) {
+  auto snippet = std::make_unique<CodeSnippet>();
+  snippet->addCode(L"float x;");
+  const std::shared_ptr<const WString> code = snippet->shareCode();
+  snippet->addCode(L"float y;");
+  EXPECT_EQ(*code, L"float x;");
+  ASSERT_TRUE(snippet->parse());
+  const std::shared_ptr<const WString> all = snippet->shareCode();
+  const ScopedText range = snippet->getSymbol(1).getRange();
+  snippet->clear();
+  EXPECT_EQ(range.view(), L"float y;");
+  snippet.reset();
+  EXPECT_EQ(*all, L"float x;float y;");
+  EXPECT_EQ(range.view(), L"float y;");
+}
+
+TEST(CodeSnippet, AddsRawTextAndSymbols) {
+  const WString text = L"raw float x;";
+  ShaderSymbol symbol;
+  symbol.constructUniform(ScopedText(text, 10, 1), ScopedText(text, 4, 8));
+  const WString body = L"sfg_time sfg_isConnected(a) sfg_shader(b)";
+  symbol.parseKeywords(body);
+  CodeSnippet snippet;
+  snippet.addSymbol(ScopedText());
+  snippet.addSymbol(ShaderSymbol());
+  EXPECT_EQ(snippet.getNumSymbols(), 0u) << "empty ones are ignored";
+  snippet.addSymbol(ScopedText(text, 0, 4));
+  snippet.addSymbol(symbol);
+  EXPECT_EQ(symbols(snippet), (Symbols{{Type::unknown, L"raw "}, {Type::uniform, L"float x;"}}));
+  EXPECT_EQ(snippet.findSymbol(L"floatx;"), 1u);
+  EXPECT_EQ(snippet.getStateVariables(), Set<UString>{UString(L"sfg_time")});
+  EXPECT_EQ(calls(snippet.getBuiltinFunctions()), std::vector<std::wstring>{L"sfg_isConnected(a)"});
+  EXPECT_EQ(calls(snippet.getShaderFunctions()), std::vector<std::wstring>{L"sfg_shader(b)"});
+  EXPECT_EQ(symbol.getRange().view(), L"float x;") << "a copy was added";
+}
+
+TEST(CodeSnippet, Clears) {
+  CodeSnippet snippet;
+  snippet.addCode(L"float f() { return sfg_time * sfg_isConnected(a) + sfg_shader(c); }\n");
+  ASSERT_TRUE(snippet.parse());
+  const WString key = snippet.getSymbol(0).getKey();
+  snippet.clear();
+  EXPECT_EQ(snippet.getCode(), L"");
+  EXPECT_EQ(snippet.getNumSymbols(), 0u);
+  EXPECT_EQ(snippet.findSymbol(key), kNotFound);
+  EXPECT_TRUE(snippet.getStateVariables().empty());
+  EXPECT_TRUE(snippet.getBuiltinFunctions().empty());
+  EXPECT_TRUE(snippet.getShaderFunctions().empty());
+}
+
+TEST(CodeSnippet, DumpsKindsAndKeys) {
+  CodeSnippet snippet;
+  snippet.addCode(L"// raw\nstruct S { int a; };\nfloat x;\ntechnique T { }\n");
+  ASSERT_TRUE(snippet.parse());
+  std::wostringstream os;
+  snippet.dump(os);
+  EXPECT_EQ(os.str(), L"[ Unknown Symbol ]\n// raw\n\n\n"
+                      L"[ struct ]\nstructS{inta;};\n\n"
+                      L"[ uniform ]\nfloatx;\n\n"
+                      L"[ technique ]\nT\n\n");
+}
+
+TEST(CodeSnippetParse, TakesTimeInProportionToTheCode) {
+  CodeSnippet snippet;
+  WString code;
+  for (int i = 0; i < 20000; ++i) code += L"void f() { /* c */ } // d\nfloat x;\n";
+  snippet.addCode(code);
+  ASSERT_TRUE(snippet.parse());
+  // Blanks and a comment behind a body belong to the function.
+  EXPECT_EQ(snippet.getNumSymbols(), 40000u);
+}
+
+WString written(const CodeSnippetInstance& instance) {
+  WString out;
+  for (std::size_t i = 0; i < instance.getNumSymbols(); ++i) {
+    KeywordReplacer replacer;
+    replacer.addReplacePattern(instance.getSymbol(i).getKeywordReplacePattern());
+    replacer.appendReplaced(out, instance.getSymbol(i).getText());
+  }
+  return out;
+}
+
+TEST(CodeSnippetInstance, TakesRenamesOfTheWholeSnippetInOrder) {
+  CodeSnippet snippet;
+  snippet.addCode(L"bool f() { return sfg_isConnected(a) && sfg_isConnected(b); }\n"
+                  L"// raw\n"
+                  L"bool g() { return sfg_shader(x) + sfg_isFinalOutput(c); }\n");
+  ASSERT_TRUE(snippet.parse());
+  CodeSnippetInstance instance;
+  instance.construct(&snippet, {L"r0", L"r1", L"r2"}, false);
+  ASSERT_EQ(instance.getNumSymbols(), snippet.getNumSymbols());
+  EXPECT_EQ(written(instance),
+            L"bool f() { return r0 && r1; }\n// raw\nbool g() { return sfg_shader(x) + r2; }\n");
+  EXPECT_EQ(instance.getSymbol(0).getInstanceKey(), snippet.getSymbol(0).getKey() + L"r0r1");
+  const std::size_t last = instance.getNumSymbols() - 1;
+  EXPECT_EQ(instance.getSymbol(last).getInstanceKey(), snippet.getSymbol(last).getKey() + L"r2");
+  instance.construct(&snippet, {L"r0"}, false);
+  EXPECT_EQ(written(instance), L"bool f() { return r0 && sfg_isConnected(b); }\n// raw\n"
+                               L"bool g() { return sfg_shader(x) + sfg_isFinalOutput(c); }\n");
+}
+
+TEST(CodeSnippetInstance, IsEmptyWithoutASnippet) {
+  CodeSnippet snippet;
+  snippet.addCode(L"float x;");
+  ASSERT_TRUE(snippet.parse());
+  CodeSnippetInstance instance;
+  EXPECT_EQ(instance.getNumSymbols(), 0u);
+  instance.construct(&snippet, {}, false);
+  EXPECT_EQ(instance.getNumSymbols(), 1u);
+  instance.construct(nullptr, {}, true);
+  EXPECT_EQ(instance.getNumSymbols(), 0u);
+  EXPECT_EQ(snippet.getNumSymbols(), 1u) << "not owned, still there";
+}
+
+/// A parsed snippet, and a witness that tells when it is gone.
+std::pair<const CodeSnippet*, std::weak_ptr<const WString>> newSnippet(const wchar_t* code) {
+  auto snippet = std::make_unique<CodeSnippet>();
+  snippet->addCode(code);
+  EXPECT_TRUE(snippet->parse());
+  const std::weak_ptr<const WString> witness = snippet->shareCode();
+  return {snippet.release(), witness};
+}
+
+TEST(CodeSnippetInstance, DestroysTheSnippetItOwns) {
+  std::weak_ptr<const WString> last;
+  {
+    CodeSnippetInstance instance;
+    const auto [first, firstWitness] = newSnippet(L"float x;");
+    instance.construct(first, {}, true);
+    EXPECT_FALSE(firstWitness.expired());
+    const auto [second, secondWitness] = newSnippet(L"float y;");
+    instance.construct(second, {}, true);
+    EXPECT_TRUE(firstWitness.expired()) << "destroyed when another is taken";
+    EXPECT_EQ(written(instance), L"float y;");
+    // Handed over again: still the same one.
+    instance.construct(second, {}, true);
+    EXPECT_EQ(written(instance), L"float y;");
+    EXPECT_FALSE(secondWitness.expired());
+    last = secondWitness;
+  }
+  EXPECT_TRUE(last.expired()) << "destroyed with the instance";
+}
+
+TEST(CodeSnippetInstance, ReleasesTheSnippetToACallerThatTakesItBack) {
+  const auto [snippet, witness] = newSnippet(L"float x;");
+  const std::unique_ptr<const CodeSnippet> owner(snippet);
+  CodeSnippetInstance instance;
+  {
+    CodeSnippetInstance other;
+    other.construct(owner.get(), {}, true);
+    other.construct(owner.get(), {}, false);
+  }
+  EXPECT_FALSE(witness.expired());
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg

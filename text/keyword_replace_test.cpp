@@ -1,0 +1,291 @@
+#include "sfg/keyword_replace.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "sfg/size_limit.h"
+#include "text/test_views.h"
+#include "tolmsdk/exception.h"
+
+namespace TolmSDK::Graphics::sfg {
+namespace {
+
+using Keywords = std::initializer_list<std::pair<const wchar_t*, const wchar_t*>>;
+struct Span {
+  std::size_t position, length;
+  const wchar_t* replacement;
+};
+using Spans = std::initializer_list<Span>;
+
+KeywordReplacePattern pattern(Keywords keywords, Spans spans = {}) {
+  KeywordReplacePattern p;
+  for (const auto& [keyword, replacement] : keywords)
+    p.addReplacePattern(WString(keyword), WString(replacement));
+  for (const Span& s : spans) p.addReplacePattern(KeywordPosKey{s.position, s.length}, s.replacement);
+  return p;
+}
+
+/// The text with the patterns applied in order; also checks that both operations agree.
+std::wstring replaced(std::initializer_list<KeywordReplacePattern> patterns, const ScopedText& text) {
+  KeywordReplacer replacer;
+  for (const KeywordReplacePattern& p : patterns) replacer.addReplacePattern(p);
+  WString out;
+  replacer.appendAndReplace(out, text);
+  WString behind = L"old";
+  replacer.appendReplaced(behind, text);
+  EXPECT_EQ(behind, L"old" + out);
+  return std::wstring(out);
+}
+
+std::wstring replaced(std::initializer_list<KeywordReplacePattern> patterns, std::wstring_view text,
+                      std::wstring_view behind = L"") {
+  return replaced(patterns, LiveText(text, behind).view());
+}
+
+TEST(KeywordPosKey, OrdersByPositionThenTheLongerFirst) {
+  EXPECT_LT((KeywordPosKey{1, 0}), (KeywordPosKey{2, 9}));
+  EXPECT_LT((KeywordPosKey{1, 3}), (KeywordPosKey{1, 2}));
+  EXPECT_FALSE((KeywordPosKey{1, 2}) < (KeywordPosKey{1, 3}));
+  EXPECT_FALSE((KeywordPosKey{1, 2}) < (KeywordPosKey{1, 2}));
+  EXPECT_EQ((KeywordPosKey{1, 2}), (KeywordPosKey{1, 2}));
+  EXPECT_FALSE((KeywordPosKey{1, 2}) == (KeywordPosKey{1, 3}));
+}
+
+TEST(KeywordReplacePattern, AppendsKeywordsAndNeverMerges) {
+  KeywordReplacePattern p;
+  EXPECT_TRUE(p.empty());
+  p.addReplacePattern(WString(L"u"), WString(L"1"));
+  p.addReplacePattern(WString(L"u"), WString(L"2"));
+  p.addReplacePattern(Array<WString>{L"a", L"u"}, Array<WString>{L"3", L"4"});
+  EXPECT_FALSE(p.empty());
+  EXPECT_EQ(p.getKeywords(), (Array<WString>{L"u", L"u", L"a", L"u"}));
+  EXPECT_EQ(p.getReplacements(), (Array<WString>{L"1", L"2", L"3", L"4"}));
+}
+
+TEST(KeywordReplacePattern, SetsThePositionalRuleOfASpan) {
+  KeywordReplacePattern p;
+  p.addReplacePattern(KeywordPosKey{1, 2}, L"a");
+  p.addReplacePattern(KeywordPosKey{1, 3}, L"b");
+  p.addReplacePattern(KeywordPosKey{1, 2}, L"c");
+  EXPECT_FALSE(p.empty());
+  EXPECT_EQ(p.getPositionalReplacements(),
+            (KeywordReplacePattern::PositionalReplacements{{{1, 3}, L"b"}, {{1, 2}, L"c"}}));
+}
+
+TEST(KeywordReplacePattern, OverridesEveryEqualKeyword) {
+  KeywordReplacePattern p = pattern({{L"u", L"1"}, {L"U", L"2"}, {L"u", L"3"}, {L"uu", L"4"}});
+  p.overrideReplacePattern(L"u", L"v");
+  EXPECT_EQ(p.getKeywords(), (Array<WString>{L"u", L"U", L"u", L"uu"}));
+  EXPECT_EQ(p.getReplacements(), (Array<WString>{L"v", L"2", L"v", L"4"}));
+  p.overrideReplacePattern(L"x", L"y");
+  EXPECT_EQ(p.getKeywords().back(), L"x");
+  EXPECT_EQ(p.getReplacements().back(), L"y");
+  EXPECT_EQ(p.getKeywords().size(), 5u);
+}
+
+TEST(KeywordReplacePattern, Clears) {
+  KeywordReplacePattern p = pattern({{L"u", L"1"}}, {{0, 1, L"x"}});
+  p.clearReplacePattern();
+  EXPECT_TRUE(p.empty());
+  EXPECT_TRUE(p.getKeywords().empty());
+  EXPECT_TRUE(p.getReplacements().empty());
+  EXPECT_TRUE(p.getPositionalReplacements().empty());
+}
+
+TEST(AppendAndReplace, MatchesInsideIdentifiers) {
+  EXPECT_EQ(replaced({pattern({{L"a", L"X"}})}, L"banana"), L"bXnXnX");
+}
+
+TEST(AppendAndReplace, MatchesInCommentsAndQuotes) {
+  EXPECT_EQ(replaced({pattern({{L"u", L"v"}})}, L"u /*u*/ \"u\""), L"v /*v*/ \"v\"");
+}
+
+TEST(AppendAndReplace, TheLongestKeywordAtAPlaceWins) {
+  EXPECT_EQ(replaced({pattern({{L"ab", L"1"}, {L"abc", L"2"}})}, L"abcab"), L"21");
+  EXPECT_EQ(replaced({pattern({{L"abc", L"2"}, {L"ab", L"1"}})}, L"abcab"), L"21");
+}
+
+TEST(AppendAndReplace, TheFirstMatchWinsOverALongerLaterOne) {
+  EXPECT_EQ(replaced({pattern({{L"bcde", L"2"}, {L"ab", L"1"}})}, L"abcdebcde"), L"1cde2");
+}
+
+TEST(AppendAndReplace, ReplacementsAreNotScannedAgain) {
+  EXPECT_EQ(replaced({pattern({{L"a", L"b"}, {L"b", L"a"}})}, L"abab"), L"baba");
+  EXPECT_EQ(replaced({pattern({{L"a", L"aa"}})}, L"aa"), L"aaaa");
+}
+
+TEST(AppendAndReplace, OfEqualKeywordsTheLaterWins) {
+  EXPECT_EQ(replaced({pattern({{L"a", L"1"}, {L"a", L"2"}})}, L"aa"), L"22");
+  EXPECT_EQ(replaced({pattern({{L"a", L"1"}}), pattern({{L"a", L"2"}})}, L"aa"), L"22");
+}
+
+TEST(AppendAndReplace, SkipsEmptyKeywords) {
+  EXPECT_EQ(replaced({pattern({{L"", L"X"}})}, L"ab"), L"ab");
+  EXPECT_EQ(replaced({pattern({{L"", L"X"}, {L"a", L"Y"}})}, L"ab"), L"Yb");
+}
+
+TEST(AppendAndReplace, AKeywordMayBeDeleted) { EXPECT_EQ(replaced({pattern({{L"a", L""}})}, L"abaa"), L"b"); }
+
+TEST(AppendAndReplace, AKeywordOverridesThePositionalRuleOfItsSpan) {
+  EXPECT_EQ(replaced({pattern({{L"cde", L"K"}}, {{2, 3, L"Q"}})}, L"abcdef"), L"abKf");
+  EXPECT_EQ(replaced({pattern({{L"cde", L"K"}}), pattern({}, {{2, 3, L"Q"}})}, L"abcdef"), L"abKf");
+  EXPECT_EQ(replaced({pattern({{L"cde", L"K"}}, {{2, 4, L"Q"}})}, L"abcdef"), L"abQ");
+  EXPECT_EQ(replaced({pattern({{L"cde", L"K"}}, {{2, 2, L"Q"}})}, L"abcdef"), L"abKf");
+}
+
+TEST(AppendAndReplace, OfEqualSpansThePatternAddedLastWins) {
+  EXPECT_EQ(replaced({pattern({}, {{1, 1, L"1"}}), pattern({}, {{1, 1, L"2"}})}, L"abc"), L"a2c");
+}
+
+TEST(AppendAndReplace, AnEmptySpanInserts) {
+  EXPECT_EQ(replaced({pattern({}, {{0, 0, L"P"}})}, L"xy"), L"Pxy");
+  EXPECT_EQ(replaced({pattern({}, {{1, 0, L"P"}})}, L"xy"), L"xPy");
+  EXPECT_EQ(replaced({pattern({}, {{2, 0, L"P"}})}, L"xy"), L"xyP");
+  EXPECT_EQ(replaced({pattern({{L"y", L"Y"}}, {{1, 0, L"P"}})}, L"xy"), L"xY")
+      << "the longer span comes first";
+  EXPECT_EQ(replaced({pattern({{L"x", L"X"}}, {{1, 0, L"P"}})}, L"xy"), L"XPy");
+}
+
+TEST(AppendAndReplace, DropsWhatOverlapsTextAlreadyReplaced) {
+  EXPECT_EQ(replaced({pattern({}, {{1, 3, L"X"}, {2, 1, L"Y"}})}, L"abcdef"), L"aXef");
+  EXPECT_EQ(replaced({pattern({}, {{1, 3, L"X"}, {4, 1, L"Y"}})}, L"abcdef"), L"aXYf");
+  EXPECT_EQ(replaced({pattern({{L"cd", L"K"}}, {{1, 2, L"X"}})}, L"abcdcd"), L"aXdK");
+}
+
+TEST(AppendAndReplace, ASpanBehindTheEndFollowsTheWholeText) {
+  EXPECT_EQ(replaced({pattern({}, {{9, 2, L"X"}})}, L"ab", L"cd"), L"abX");
+  EXPECT_EQ(replaced({pattern({}, {{1, 9, L"X"}})}, L"ab", L"cd"), L"aX");
+  EXPECT_EQ(replaced({pattern({}, {{9, 2, L"X"}, {10, 1, L"Y"}, {11, 0, L"Z"}})}, L"ab"), L"abXZ");
+  EXPECT_EQ(replaced({pattern({{L"b", L"B"}}, {{kNotFound, kNotFound, L"X"}})}, L"ab"), L"aBX");
+  EXPECT_EQ(replaced({pattern({}, {{1, kNotFound, L"X"}, {kNotFound, 0, L"Y"}})}, L"ab"), L"aXY");
+}
+
+TEST(AppendAndReplace, AKeywordMayRunPastTheView) {
+  EXPECT_EQ(replaced({pattern({{L"bcd", L"X"}})}, L"ab", L"cd"), L"aX");
+  EXPECT_EQ(replaced({pattern({{L"bcd", L"X"}})}, L"ab", L"ce"), L"ab");
+  EXPECT_EQ(replaced({pattern({{L"cd", L"X"}})}, L"ab", L"cd"), L"ab");
+  EXPECT_EQ(replaced({pattern({{L"bcd", L"X"}}, {{2, 0, L"Y"}})}, L"ab", L"cd"), L"aX");
+}
+
+TEST(AppendAndReplace, ReadsNothingBehindAViewThatEndsInNoKeyword) {
+  EXPECT_EQ(replaced({pattern({{L"ab", L"X"}, {L"dd", L"Y"}}, {{1, 1, L"Z"}, {99, 1, L"!"}})},
+                     ExactText(L"cabc").view()),
+            L"cXc!");
+  EXPECT_EQ(replaced({pattern({{L"ab", L"X"}})}, ExactText(L"cabc").view()), L"cXc");
+}
+
+TEST(AppendAndReplace, FindsNoKeywordBehindANul) {
+  EXPECT_EQ(replaced({pattern({{L"a", L"X"}})}, std::wstring_view(L"ab\0ab", 5)), std::wstring(L"Xb\0ab", 5));
+  KeywordReplacePattern p;
+  p.addReplacePattern(WString(L"b\0a", 3), WString(L"X"));
+  EXPECT_EQ(replaced({p}, std::wstring_view(L"ab\0ab", 5)), std::wstring(L"ab\0ab", 5));
+}
+
+TEST(AppendAndReplace, AppendsWithoutRulesAndReplacesWithAny) {
+  const WString text = L"text";
+  KeywordReplacer replacer;
+  WString out = L"old";
+  replacer.appendAndReplace(out, text);
+  EXPECT_EQ(out, L"oldtext");
+
+  const KeywordReplacePattern absent = pattern({{L"absent", L""}});
+  replacer.addReplacePattern(absent);
+  EXPECT_FALSE(replacer.empty());
+  replacer.appendAndReplace(out, text);
+  EXPECT_EQ(out, L"text");
+
+  replacer.clearReplacePattern();
+  EXPECT_TRUE(replacer.empty());
+  replacer.appendAndReplace(out, text);
+  EXPECT_EQ(out, L"texttext");
+
+  const KeywordReplacePattern positional = pattern({}, {{0, 1, L"n"}});
+  replacer.addReplacePattern(positional);
+  replacer.appendAndReplace(out, text);
+  EXPECT_EQ(out, L"next");
+}
+
+TEST(AppendAndReplace, LeavesTheOutputAloneForEmptyText) {
+  const KeywordReplacePattern p = pattern({{L"a", L"b"}}, {{0, 0, L"x"}});
+  KeywordReplacer replacer;
+  replacer.addReplacePattern(p);
+  WString out = L"old";
+  replacer.appendAndReplace(out, ScopedText());
+  replacer.appendReplaced(out, ScopedText());
+  EXPECT_EQ(out, L"old");
+}
+
+TEST(AppendAndReplace, TheTextMayViewTheOutput) {
+  const KeywordReplacePattern p = pattern({{L"a", L"long replacement"}});
+  KeywordReplacer replacer;
+  WString out = L"xaya";
+  replacer.appendAndReplace(out, out);
+  EXPECT_EQ(out, L"xayaxaya");
+  replacer.addReplacePattern(p);
+  replacer.appendAndReplace(out, ScopedText(out, 4, 4));
+  EXPECT_EQ(out, L"xlong replacementylong replacement");
+}
+
+TEST(AppendAndReplace, HoldsPointersIntoThePatterns) {
+  KeywordReplacePattern p = pattern({{L"a", L"1"}});
+  KeywordReplacer replacer;
+  replacer.addReplacePattern(p);
+  p.overrideReplacePattern(L"a", L"2");
+  WString out;
+  replacer.appendAndReplace(out, WString(L"a"));
+  EXPECT_EQ(out, L"2");
+}
+
+TEST(AppendAndReplace, TakesMoreRulesThanFitOnTheStack) {
+  KeywordReplacePattern p;
+  WString text;
+  std::wstring expected;
+  for (int i = 0; i < 100; ++i) {
+    const WString name = L"<" + itos(i) + L">";
+    p.addReplacePattern(name, itos(100 + i));
+    text += name;
+    expected += std::to_wstring(100 + i);
+  }
+  EXPECT_EQ(replaced({p}, ScopedText(text)), expected);
+}
+
+TEST(AppendAndReplace, RefusesTextPastTheSizeLimit) {
+  const WString mega(std::size_t{1} << 20, L'x');
+  const WString as(70, L'a');
+  KeywordReplacePattern p;
+  p.addReplacePattern(WString(L"a"), mega);
+  KeywordReplacer replacer;
+  replacer.addReplacePattern(p);
+  WString out;
+  try {
+    replacer.appendAndReplace(out, as);
+    FAIL() << "not refused";
+  } catch (const Exception& e) {
+    EXPECT_EQ(e.getMessage(), L"sfgError : the generated code is too large!");
+  }
+  EXPECT_EQ(out, L"") << "unchanged";
+}
+
+// A search of the whole text for each rule and match would take 50 * 20,000 * 1,000,000 steps.
+TEST(AppendAndReplace, LooksAKeywordUpOnlyWhenItWasPassed) {
+  KeywordReplacePattern p;
+  for (int i = 0; i < 50; ++i) p.addReplacePattern(L"absent" + itos(i), WString(L"?"));
+  p.addReplacePattern(WString(L"u_value"), WString(L"v"));
+  WString text;
+  std::wstring expected;
+  while (text.size() < 1000000) {
+    text += L"float4 a = b * u_value + absence; // some 50 characters\n";
+    expected += L"float4 a = b * v + absence; // some 50 characters\n";
+  }
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(replaced({p}, ScopedText(text)), expected);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg
