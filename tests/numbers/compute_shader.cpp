@@ -60,7 +60,8 @@ std::string writeValue(Port const& port, std::size_t offset) {
   return text;
 }
 
-std::size_t totalComponents(std::vector<Port> const& ports) {
+template <typename Ports>
+std::size_t totalComponents(Ports const& ports) {
   std::size_t count = 0;
   for (Port const& port : ports) {
     count += componentCount(port.type);
@@ -77,19 +78,18 @@ std::size_t componentCount(std::string const& type) {
 
 std::string computeShader(Function const& function) {
   std::string globals;
-  for (Port const& port : function.globals) {
-    globals += "static " + port.type + " " + port.name + ";\n";
-  }
-
   std::string body;
   std::size_t read = 0;
-  for (Port const& port : function.parameters) {
-    body += "    " + port.type + " " + port.name + " = " + readValue(port.type, read) + ";\n";
+  for (SampledPort const& port : function.inputs) {
+    if (port.isGlobal) {
+      globals += "static " + port.type + " " + port.name + ";\n";
+    }
+    body += "    " + (port.isGlobal ? "" : port.type + " ") + port.name + " = " + readValue(port.type, read) +
+            ";\n";
     read += componentCount(port.type);
   }
-  for (Port const& port : function.globals) {
-    body += "    " + port.name + " = " + readValue(port.type, read) + ";\n";
-    read += componentCount(port.type);
+  for (Port const& port : function.zeros) {
+    body += "    " + port.type + " " + port.name + " = (" + port.type + ")0;\n";
   }
   for (Port const& port : function.outputs) {
     body += "    " + port.type + " " + port.name + ";\n";
@@ -102,14 +102,14 @@ std::string computeShader(Function const& function) {
   }
 
   return "#define SFG_COMPUTE 1\n"
-         "[[vk::binding(0, 0)]] StructuredBuffer<float> numbers_in : register(t0);\n"
-         "[[vk::binding(1, 0)]] RWStructuredBuffer<float> numbers_out : register(u1);\n" +
+         "StructuredBuffer<float> numbers_in : register(t0);\n"
+         "RWStructuredBuffer<float> numbers_out : register(u0);\n" +
          globals + function.code + "\n[numthreads(" + std::to_string(kGroupSize) +
          ", 1, 1)]\n"
          "void main(uint3 numbers_id : SV_DispatchThreadID)\n"
          "{\n"
          "    uint numbers_read = numbers_id.x * " +
-         std::to_string(totalComponents(function.parameters) + totalComponents(function.globals)) +
+         std::to_string(totalComponents(function.inputs)) +
          "u;\n"
          "    uint numbers_write = numbers_id.x * " +
          std::to_string(written) + "u;\n" + body + "}\n";

@@ -16,14 +16,18 @@ struct Port {
 // Throws std::invalid_argument for a type that is no number, vector or matrix.
 std::size_t componentCount(std::string const& type);
 
-// A shader function to run once per sample, with everything it needs to compile.
+// A value that the code takes from the sample, as a local of the entry point or as a global.
+struct SampledPort : Port {
+  bool isGlobal = false;
+};
+
+// Code to run once per sample, with everything it needs to compile.
 struct Function {
-  std::string code;              // includes, predefines, definition
-  std::string name;              // "" when `call` is an expression for the only output
-  std::string call;              // statements, over the names of the ports
-  std::vector<Port> parameters;  // filled from the sample, in order
-  std::vector<Port> globals;     // uniforms and state the code reads by name, filled behind the parameters
-  std::vector<Port> outputs;     // written behind one another
+  std::string code;                 // includes, predefines, definitions
+  std::string call;                 // statements over the names of the ports
+  std::vector<SampledPort> inputs;  // filled from the sample, in order
+  std::vector<Port> zeros;          // further locals that the call names
+  std::vector<Port> outputs;        // written behind one another
 };
 
 // Samples per work group of the shaders made here.

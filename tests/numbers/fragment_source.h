@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,13 +15,17 @@ struct FragmentProfile {
   std::string fragment;
   std::string profile;
   double lod = 100.0;
-  std::size_t index = 0;  // among the profiles of the fragment
 };
 
 // The profiles that a file of library/ ("math.fraglib") offers, in file order.
 std::vector<FragmentProfile> profilesIn(std::string const& file);
 
-// The profile as a function over the inputs of the row. Throws std::runtime_error when the row does not fit.
-Function functionOf(std::string const& file, FragmentProfile const& profile, Row const& row);
+// What the generator makes of a graph of this one fragment, whose inputs are graph inputs: the collapsed
+// function over the inputs of the row. Throws std::runtime_error when the row does not fit the fragment.
+Function collapsedFunction(FragmentProfile const& profile, Row const& row);
+
+// Compiles a compute shader with the entry point "main" to validated SPIR-V. Throws std::runtime_error with
+// the compiler's complaints and the text.
+std::vector<std::uint32_t> compileCompute(std::string const& hlsl);
 
 }  // namespace numbers_test

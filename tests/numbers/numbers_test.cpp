@@ -9,7 +9,6 @@
 
 #include "tests/numbers/compute_shader.h"
 #include "tests/numbers/fragment_source.h"
-#include "tests/numbers/hlsl_compiler.h"
 #include "tests/numbers/row.h"
 #include "tests/numbers/sampler.h"
 #include "tests/numbers/vulkan_compute.h"
@@ -111,17 +110,16 @@ protected:
       SCOPED_TRACE(describe(profile));
       Row const* row = rowFor(topic, profile);
       if (row == nullptr) {
-        ADD_FAILURE() << "no row in the tables of references";
-        continue;
+        continue;  // another test tells
       }
       try {
-        Function const function = functionOf(topic.file, profile, *row);
+        Function const function = collapsedFunction(profile, *row);
         std::size_t outputCount = 0;
         for (Port const& output : function.outputs) {
           outputCount += componentCount(output.type);
         }
         std::vector<float> const inputs = drawSamples(row->inputs, kSamples, row->fragment);
-        std::vector<std::uint32_t> const spirv = compileCompute(profile.fragment, computeShader(function));
+        std::vector<std::uint32_t> const spirv = compileCompute(computeShader(function));
         compare(*row, inputs, compute.run(spirv, inputs, kSamples * outputCount, kSamples / kGroupSize));
       } catch (std::exception const& error) {
         ADD_FAILURE() << error.what();
@@ -129,6 +127,31 @@ protected:
     }
   }
 };
+
+std::vector<Topic> allTopics() {
+  return {mathTopic(), vectorTopic(), colorTopic(), noiseTopic(), patternTopic(), brdfTopic()};
+}
+
+TEST(References, HaveARowForEveryFragmentOfTheirTopics) {
+  for (Topic const& topic : allTopics()) {
+    for (FragmentProfile const& profile : profilesIn(topic.file)) {
+      EXPECT_NE(rowFor(topic, profile), nullptr) << topic.file << ": " << describe(profile);
+    }
+  }
+}
+
+TEST(References, AreAllUsed) {
+  for (Topic const& topic : allTopics()) {
+    std::set<Row const*> used;
+    for (FragmentProfile const& profile : profilesIn(topic.file)) {
+      used.insert(rowFor(topic, profile));
+    }
+    for (Row const& row : topic.rows) {
+      EXPECT_EQ(used.count(&row), 1u)
+          << topic.file << ": " << row.fragment << ", level of detail " << row.lod;
+    }
+  }
+}
 
 TEST_F(Numbers, OfTheMathsFragmentsAgree) { check(mathTopic()); }
 

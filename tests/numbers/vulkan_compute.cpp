@@ -13,6 +13,8 @@ namespace numbers_test {
 
 namespace {
 
+constexpr std::uint32_t kInputBinding = 16;
+constexpr std::uint32_t kOutputBinding = 80;
 constexpr std::uint64_t kSecond = 1'000'000'000;
 constexpr std::uint64_t kLongestRun = 60 * kSecond;
 
@@ -122,8 +124,9 @@ struct VulkanCompute::Device {
     commands = device->createCommandPoolUnique({vk::CommandPoolCreateFlagBits::eTransient, family});
 
     std::vector<vk::DescriptorSetLayoutBinding> bindings;
-    for (std::uint32_t i = 0; i < 2; ++i) {
-      bindings.emplace_back(i, vk::DescriptorType::eStorageBuffer, 1, vk::ShaderStageFlagBits::eCompute);
+    for (std::uint32_t const binding : {kInputBinding, kOutputBinding}) {
+      bindings.emplace_back(binding, vk::DescriptorType::eStorageBuffer, 1,
+                            vk::ShaderStageFlagBits::eCompute);
     }
     setLayout = device->createDescriptorSetLayoutUnique(vk::DescriptorSetLayoutCreateInfo({}, bindings));
     pipelineLayout = device->createPipelineLayoutUnique(vk::PipelineLayoutCreateInfo({}, *setLayout));
@@ -171,8 +174,8 @@ struct VulkanCompute::Device {
     vk::DescriptorBufferInfo const inInfo(*in.buffer, 0, VK_WHOLE_SIZE);
     vk::DescriptorBufferInfo const outInfo(*out.buffer, 0, VK_WHOLE_SIZE);
     device->updateDescriptorSets(
-        {vk::WriteDescriptorSet(*set, 0, 0, vk::DescriptorType::eStorageBuffer, {}, inInfo),
-         vk::WriteDescriptorSet(*set, 1, 0, vk::DescriptorType::eStorageBuffer, {}, outInfo)},
+        {vk::WriteDescriptorSet(*set, kInputBinding, 0, vk::DescriptorType::eStorageBuffer, {}, inInfo),
+         vk::WriteDescriptorSet(*set, kOutputBinding, 0, vk::DescriptorType::eStorageBuffer, {}, outInfo)},
         {});
     return set;
   }

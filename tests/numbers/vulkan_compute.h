@@ -16,10 +16,11 @@ public:
   using std::runtime_error::runtime_error;
 };
 
-// Runs compute shaders over plain arrays of floats: one storage buffer in (set 0, binding 0), one out (set 0,
-// binding 1), entry point "main". A processor device is preferred to a graphics card, so that every machine
-// computes the same numbers; when the loader shows no device, Mesa's software driver is looked up by its
-// manifest, unless VK_DRIVER_FILES or VK_ICD_FILENAMES already name the drivers to use.
+// Runs compute shaders over plain arrays of floats: one storage buffer in (set 0, binding 16), one out (set
+// 0, binding 80), entry point "main": what the ready-made host makes of the registers t0 and u0. A processor
+// device is preferred to a graphics card, so that every machine computes the same numbers; when the loader
+// shows no device, Mesa's software driver is looked up by its manifest, unless VK_DRIVER_FILES or
+// VK_ICD_FILENAMES already name the drivers to use.
 //
 // Used by one thread at a time.
 class VulkanCompute {

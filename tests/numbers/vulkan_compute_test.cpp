@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/numbers/compute_shader.h"
-#include "tests/numbers/hlsl_compiler.h"
+#include "tests/numbers/fragment_source.h"
 
 namespace numbers_test {
 namespace {
@@ -60,10 +60,11 @@ TEST(VulkanCompute, RunsOncePerSampleAndLeavesTheRestNaN) {
     GTEST_SKIP() << "SFG_SKIP_VULKAN_TESTS is set";
   }
   Function function;
-  function.parameters = {{"a", "float2"}, {"turn", "float2x2"}, {"flag", "bool"}};
-  function.globals = {{"factor", "float"}};
+  function.inputs = {
+      {{"a", "float2"}}, {{"turn", "float2x2"}}, {{"flag", "bool"}}, {{"factor", "float"}, true}};
+  function.code = "float2 scaled(float2 v) { return v * factor; }\n";
   function.outputs = {{"product", "float2"}, {"copy", "float2x2"}, {"whole", "int"}};
-  function.call = "product = mul(turn, a) * factor; copy = turn; whole = flag ? int(a.x) : -1;";
+  function.call = "product = scaled(mul(turn, a)); copy = turn; whole = flag ? int(a.x) : -1;";
   std::vector<float> inputs;
   for (std::size_t i = 0; i < kGroupSize; ++i) {
     float const x = static_cast<float>(i);
@@ -72,7 +73,7 @@ TEST(VulkanCompute, RunsOncePerSampleAndLeavesTheRestNaN) {
   VulkanCompute compute;
   SCOPED_TRACE(compute.deviceName());
   std::vector<float> const outputs =
-      compute.run(compileCompute("product", computeShader(function)), inputs, 7 * kGroupSize + 1, 1);
+      compute.run(compileCompute(computeShader(function)), inputs, 7 * kGroupSize + 1, 1);
   for (std::size_t i = 0; i < kGroupSize; ++i) {
     float const x = static_cast<float>(i);
     std::vector<float> const sample(outputs.begin() + static_cast<std::ptrdiff_t>(7 * i),
@@ -81,16 +82,6 @@ TEST(VulkanCompute, RunsOncePerSampleAndLeavesTheRestNaN) {
                                              7.0f, i % 2 == 0 ? x : -1.0f));
   }
   EXPECT_TRUE(std::isnan(outputs.back()));
-}
-
-TEST(HlslCompiler, NamesTheShaderItRefuses) {
-  try {
-    compileCompute("brokenBlend", "void main() { undeclared = 1.0; }");
-    FAIL() << "compiled";
-  } catch (std::runtime_error const& error) {
-    EXPECT_THAT(error.what(), testing::HasSubstr("brokenBlend"));
-    EXPECT_THAT(error.what(), testing::HasSubstr("undeclared"));
-  }
 }
 
 }  // namespace
