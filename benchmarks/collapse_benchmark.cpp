@@ -1,0 +1,145 @@
+// Collapses, each beside the yardstick: copying the text it wrote while renaming its identifiers.
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <functional>
+#include <limits>
+#include <thread>
+
+#include "benchmarks/graph_cases.h"
+#include "benchmarks/memory_meter.h"
+#include "benchmarks/yardstick.h"
+#include "sfg/shader_collapse_tool_default.h"
+#include "sfg/shader_collapse_tool_light_loop.h"
+
+namespace TolmSDK::Graphics::sfg::benchmarks {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+/// One collapse by a tool of its own; the text written is in the result, which the tool owns.
+template <class Tool>
+RefPtr<IShaderFragment> collapseWith(const GraphCase& graphCase) {
+  const auto tool = makeRef<Tool>();
+  return RefPtr<IShaderFragment>(tool->collapse(graphCase.graph.get(), graphCase.environment.get(),
+                                                graphCase.options.get(), graphCase.language.get()));
+}
+
+RefPtr<IShaderFragment> collapse(const GraphCase& graphCase) {
+  return graphCase.lightLoop ? collapseWith<AShaderCollapseToolLightLoop>(graphCase)
+                             : collapseWith<AShaderCollapseToolDefault>(graphCase);
+}
+
+WString textOf(const IShaderFragment& result) {
+  const IShaderFragmentProfile& profile = *result.getProfile(0);
+  return profile.predefines() + profile.getFunctionBody();
+}
+
+double best(double known, double measured) { return measured < known ? measured : known; }
+
+void measureCollapse(benchmark::State& state, GraphCase (*make)(std::size_t)) {
+  const GraphCase graphCase = make(static_cast<std::size_t>(state.range(0)));
+
+  // The first collapse pays for what profiles keep from then on.
+  auto start = Clock::now();
+  RefPtr<IShaderFragment> result = collapse(graphCase);
+  const double first = secondsSince(start);
+  if (!result) {
+    state.SkipWithError("the collapse answered null");
+    return;
+  }
+  const WString text = textOf(*result);
+  const Yardstick yardstick(text);
+  result.reset();
+
+  double collapseTime = std::numeric_limits<double>::infinity();
+  double yardstickTime = collapseTime;
+  for (auto _ : state) {
+    start = Clock::now();
+    result = collapse(graphCase);
+    const double seconds = secondsSince(start);
+    result.reset();
+    state.SetIterationTime(seconds);
+    collapseTime = best(collapseTime, seconds);
+
+    start = Clock::now();
+    benchmark::DoNotOptimize(yardstick.copy());
+    yardstickTime = best(yardstickTime, secondsSince(start));
+  }
+
+  startMemoryMeter();
+  result = collapse(graphCase);
+  const MemoryReading memory = readMemoryMeter();
+
+  const auto characters = static_cast<double>(text.size());
+  state.counters["ratio"] = collapseTime / yardstickTime;
+  state.counters["first"] = first / yardstickTime;
+  state.counters["characters"] = characters;
+  state.counters["bytesPerChar"] = static_cast<double>(memory.peakBytes) / characters;
+  state.counters["allocsPerFragment"] =
+      static_cast<double>(memory.allocations) / static_cast<double>(graphCase.fragments);
+}
+
+/// Work of two threads at a time in terms of the work of one: 2 at best.
+double twoThreadGain(const std::function<void()>& work) {
+  auto start = Clock::now();
+  work();
+  const double alone = secondsSince(start);
+  start = Clock::now();
+  std::thread other(work);
+  work();
+  other.join();
+  return 2.0 * alone / secondsSince(start);
+}
+
+/// Two threads, each with tools of its own, over one library; beside two loops that share nothing.
+void measureTwoThreads(benchmark::State& state) {
+  const GraphCase graphCase = makeFunctions(1000);
+  collapse(graphCase);
+  const auto collapses = [&] {
+    for (int i = 0; i < 50; ++i) benchmark::DoNotOptimize(collapse(graphCase));
+  };
+  const auto plainLoop = [] {
+    unsigned value = 1;
+    for (int i = 0; i < 400'000'000; ++i) benchmark::DoNotOptimize(value = value * 1664525u + 1013904223u);
+  };
+  double gain = 0;
+  double plainGain = 0;
+  for (auto _ : state) {
+    const auto start = Clock::now();
+    gain = twoThreadGain(collapses);
+    state.SetIterationTime(secondsSince(start));
+    plainGain = twoThreadGain(plainLoop);
+  }
+  state.counters["gain"] = gain;
+  state.counters["plainGain"] = plainGain;
+}
+
+const bool registered = [] {
+  const auto add = [](const char* name, GraphCase (*make)(std::size_t), std::int64_t largest) {
+    auto* family =
+        benchmark::RegisterBenchmark(name, [make](benchmark::State& state) { measureCollapse(state, make); });
+    for (std::int64_t size = 10; size <= largest; size *= 10) family->Arg(size);
+    family->UseManualTime()->Unit(benchmark::kMillisecond);
+  };
+  add("chain", makeChain, 100'000);
+  add("ladder", makeLadder, 100'000);
+  add("tree", makeTree, 100'000);
+  add("functions", makeFunctions, 100'000);
+  add("lights", makeLights, 100'000);
+  benchmark::RegisterBenchmark("two threads", measureTwoThreads)
+      ->UseManualTime()
+      ->Iterations(3)
+      ->Unit(benchmark::kMillisecond);
+  return true;
+}();
+
+}  // namespace
+
+}  // namespace TolmSDK::Graphics::sfg::benchmarks

@@ -1,0 +1,83 @@
+#include "benchmarks/memory_meter.h"
+
+#include <malloc.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+
+// The C library's own allocator, behind the names below: defining malloc in the program puts every allocation
+// of every library through it.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void __libc_free(void* memory);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+}
+
+namespace {
+
+std::atomic<std::size_t> allocations{0};
+std::atomic<std::size_t> heldBytes{0};
+std::atomic<std::size_t> peakBytes{0};
+std::atomic<std::size_t> bytesAtStart{0};
+
+void* counted(void* memory) {
+  if (memory == nullptr) return memory;
+  allocations.fetch_add(1, std::memory_order_relaxed);
+  const std::size_t size = malloc_usable_size(memory);
+  const std::size_t held = heldBytes.fetch_add(size, std::memory_order_relaxed) + size;
+  std::size_t peak = peakBytes.load(std::memory_order_relaxed);
+  while (held > peak && !peakBytes.compare_exchange_weak(peak, held, std::memory_order_relaxed)) {
+  }
+  return memory;
+}
+
+void uncounted(void* memory) {
+  if (memory != nullptr) heldBytes.fetch_sub(malloc_usable_size(memory), std::memory_order_relaxed);
+}
+
+}  // namespace
+
+extern "C" {
+
+void* malloc(std::size_t size) { return counted(__libc_malloc(size)); }
+
+void free(void* memory) {
+  uncounted(memory);
+  __libc_free(memory);
+}
+
+void* calloc(std::size_t count, std::size_t size) { return counted(__libc_calloc(count, size)); }
+
+void* realloc(void* memory, std::size_t size) {
+  uncounted(memory);
+  return counted(__libc_realloc(memory, size));
+}
+
+void* memalign(std::size_t alignment, std::size_t size) { return counted(__libc_memalign(alignment, size)); }
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) { return memalign(alignment, size); }
+
+int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {
+  void* made = memalign(alignment, size);
+  if (made == nullptr) return ENOMEM;
+  *memory = made;
+  return 0;
+}
+
+}  // extern "C"
+
+namespace TolmSDK::Graphics::sfg::benchmarks {
+
+void startMemoryMeter() {
+  allocations = 0;
+  const std::size_t held = heldBytes.load();
+  bytesAtStart = held;
+  peakBytes = held;
+}
+
+MemoryReading readMemoryMeter() { return {allocations.load(), peakBytes.load() - bytesAtStart.load()}; }
+
+}  // namespace TolmSDK::Graphics::sfg::benchmarks
