@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <set>
 #include <stdexcept>
 
 #include "host/collapse_job.h"
@@ -13,6 +14,7 @@
 #include "sfg/shader_fragment_profile.h"
 #include "sfg/shader_includes.h"
 #include "tolmsdk/object_data_node.h"
+#include "tolmsdk/state_variables.h"
 #include "tolmsdk/text_parameter_list.h"
 #include "tolmsdk/unicode.h"
 
@@ -33,6 +35,12 @@ TypeID typeOf(std::string const& text) { return libraries().language().getTypeID
 
 [[noreturn]] void refuse(FragmentProfile const& profile, std::string const& reason) {
   throw std::runtime_error(profile.fragment + ": " + reason);
+}
+
+Input const* findInput(Row const& row, std::string const& name) {
+  auto const found = std::find_if(row.inputs.begin(), row.inputs.end(),
+                                  [&](Input const& input) { return input.name == name; });
+  return found == row.inputs.end() ? nullptr : &*found;
 }
 
 bool isInline(IShaderFragment const& fragment) {
@@ -73,19 +81,18 @@ RefPtr<AShaderFragmentGraph> graphOf(FragmentProfile const& profile, Row const& 
     subject = host::cloneWithPorts(*found, L"subject", libraries().language());
   }
   graph->addFragment(subject.get());
-  if (subject->getNumInputs() > row.inputs.size()) {
-    refuse(profile, "the row has too few inputs");
-  }
   for (std::size_t i = 0; i < subject->getNumInputs(); ++i) {
-    std::string const port = toUtf8(subject->getInputName(i));
     std::string const type = toUtf8(subject->getInputType(&libraries().language(), i));
-    if (row.inputs[i].name != port || row.inputs[i].type != type) {
-      refuse(profile, "input " + std::to_string(i) + " is `" + type + " " + port + "`");
+    Input const* const input = findInput(row, toUtf8(subject->getInputName(i)));
+    if (input == nullptr) {
+      continue;  // not connected
+    }
+    if (input->type != type) {
+      refuse(profile, "input `" + input->name + "` is a " + type);
     }
     graph->addInput(subject->getInput(i));
-    subject->setInputConnection(i, i);
+    subject->setInputConnection(i, graph->getNumInputs() - 1);
   }
-
   RefPtr<IShaderFragment> last = subject;
   if (isInline(*found)) {
     last = forwarder(row.inlineType);
@@ -122,29 +129,58 @@ ATextParameterList withState(IShaderFragmentProfile const& code) {
   return parameters;
 }
 
-// Every parameter that the row names is filled from the sample, a further one (state the code names, but not
-// for connected inputs) is zero; what the row names beyond the parameters is a uniform.
-void placeInputs(ITextParameterList const& parameters, Row const& row, Function& function) {
-  auto const isParameter = [&](std::string const& name) {
-    for (std::size_t i = 0; i < parameters.getNumInputs(); ++i) {
-      if (toUtf8(parameters.getInputName(i)) == name) {
-        return true;
-      }
+// The name under which the collapsed function reads an input of the row: a parameter (a graph input or
+// varying state), a state uniform, or a uniform of the fragment, which was given a longer name. Empty if it
+// reads none.
+std::string nameInCode(Input const& input, ITextParameterList const& parameters,
+                       IShaderFragment const& result) {
+  for (std::size_t i = 0; i < parameters.getNumInputs(); ++i) {
+    if (toUtf8(parameters.getInputName(i)) == input.name) {
+      return input.name;
     }
-    return false;
-  };
+  }
+  if (isStateVariableUniform(UString(fromUtf8(input.name)))) {
+    return input.name;
+  }
+  for (std::size_t i = 0; i < result.getNumUniforms(); ++i) {
+    std::string const uniform = toUtf8(result.getUniform(i)->getName());
+    if (uniform.starts_with(input.name)) {
+      return uniform;
+    }
+  }
+  return {};
+}
+
+// What the row names is filled from the sample; the rest, which the code mentions only for other connections,
+// is zero.
+void placeInputs(FragmentProfile const& profile, ITextParameterList const& parameters, Row const& row,
+                 IShaderFragment const& result, Function& function) {
+  std::set<std::string> filled;
   for (Input const& input : row.inputs) {
-    function.inputs.push_back({{input.name, input.type}, !isParameter(input.name)});
+    std::string const name = nameInCode(input, parameters, result);
+    if (name.empty()) {
+      refuse(profile, "the code does not read `" + input.name + "`");
+    }
+    bool const isGlobal = name != input.name || isStateVariableUniform(UString(fromUtf8(name)));
+    function.inputs.push_back({{name, input.type}, isGlobal});
+    filled.insert(name);
   }
   for (std::size_t i = 0; i < parameters.getNumInputs(); ++i) {
     std::string const name = toUtf8(parameters.getInputName(i));
-    std::string type = toUtf8(parameters.getInputType(i));
-    type = type.substr(type.rfind(' ') + 1);
-    if (std::none_of(row.inputs.begin(), row.inputs.end(),
-                     [&](Input const& input) { return input.name == name; })) {
-      function.zeros.push_back({name, type});
+    std::string const type = toUtf8(parameters.getInputType(i));
+    if (!filled.contains(name)) {
+      function.zeros.push_back({name, type.substr(type.rfind(' ') + 1)});
     }
   }
+  std::string unset;
+  for (std::size_t i = 0; i < result.getNumUniforms(); ++i) {
+    std::string const name = toUtf8(result.getUniform(i)->getName());
+    std::string const type = toUtf8(result.getUniform(i)->getType().toString());
+    if (!filled.contains(name)) {
+      unset += "static " + type + " " + name + " = (" + type + ")0;\n";
+    }
+  }
+  function.code = unset + function.code;
 }
 
 }  // namespace
@@ -193,7 +229,7 @@ Function collapsedFunction(FragmentProfile const& profile, Row const& row) {
   Function function;
   function.code = includedText(code.includes()) + toUtf8(code.predefines()) + toUtf8(definition);
   function.call = toUtf8(call);
-  placeInputs(parameters, row, function);
+  placeInputs(profile, parameters, row, *result, function);
   for (std::size_t i = 0; i < parameters.getNumOutputs(); ++i) {
     function.outputs.push_back({toUtf8(parameters.getOutputName(i)), toUtf8(parameters.getOutputType(i))});
   }

@@ -25,20 +25,20 @@ std::string describe(FragmentProfile const& profile) {
   return text.str();
 }
 
-// The row for a profile: one of its own level of detail before one for all. Null if there is none.
-Row const* rowFor(Topic const& topic, FragmentProfile const& profile) {
-  Row const* general = nullptr;
+// The rows for a profile: those of its own level of detail or else those for all.
+std::vector<Row const*> rowsFor(Topic const& topic, FragmentProfile const& profile) {
+  std::vector<Row const*> own;
+  std::vector<Row const*> general;
   for (Row const& row : topic.rows) {
     if (row.fragment == profile.fragment) {
       if (row.lod == profile.lod) {
-        return &row;
-      }
-      if (row.lod < 0.0) {
-        general = &row;
+        own.push_back(&row);
+      } else if (row.lod < 0.0) {
+        general.push_back(&row);
       }
     }
   }
-  return general;
+  return own.empty() ? general : own;
 }
 
 std::string describe(Row const& row, std::span<float const> sample) {
@@ -108,34 +108,38 @@ protected:
     SCOPED_TRACE(compute.deviceName());
     for (FragmentProfile const& profile : profilesIn(topic.file)) {
       SCOPED_TRACE(describe(profile));
-      Row const* row = rowFor(topic, profile);
-      if (row == nullptr) {
-        continue;  // another test tells
+      for (Row const* row : rowsFor(topic, profile)) {
+        check(*row, profile, compute);
       }
-      try {
-        Function const function = collapsedFunction(profile, *row);
-        std::size_t outputCount = 0;
-        for (Port const& output : function.outputs) {
-          outputCount += componentCount(output.type);
-        }
-        std::vector<float> const inputs = drawSamples(row->inputs, kSamples, row->fragment);
-        std::vector<std::uint32_t> const spirv = compileCompute(computeShader(function));
-        compare(*row, inputs, compute.run(spirv, inputs, kSamples * outputCount, kSamples / kGroupSize));
-      } catch (std::exception const& error) {
-        ADD_FAILURE() << error.what();
+    }
+  }
+
+private:
+  static void check(Row const& row, FragmentProfile const& profile, VulkanCompute& compute) {
+    try {
+      Function const function = collapsedFunction(profile, row);
+      std::size_t outputCount = 0;
+      for (Port const& output : function.outputs) {
+        outputCount += componentCount(output.type);
       }
+      std::vector<float> const inputs = drawSamples(row.inputs, kSamples, row.fragment);
+      std::vector<std::uint32_t> const spirv = compileCompute(computeShader(function));
+      compare(row, inputs, compute.run(spirv, inputs, kSamples * outputCount, kSamples / kGroupSize));
+    } catch (std::exception const& error) {
+      ADD_FAILURE() << error.what();
     }
   }
 };
 
 std::vector<Topic> allTopics() {
-  return {mathTopic(), vectorTopic(), colorTopic(), noiseTopic(), patternTopic(), brdfTopic()};
+  return {mathTopic(),    vectorTopic(), colorTopic(),      noiseTopic(),
+          patternTopic(), brdfTopic(),   coordinateTopic(), inputTopic()};
 }
 
 TEST(References, HaveARowForEveryFragmentOfTheirTopics) {
   for (Topic const& topic : allTopics()) {
     for (FragmentProfile const& profile : profilesIn(topic.file)) {
-      EXPECT_NE(rowFor(topic, profile), nullptr) << topic.file << ": " << describe(profile);
+      EXPECT_FALSE(rowsFor(topic, profile).empty()) << topic.file << ": " << describe(profile);
     }
   }
 }
@@ -144,7 +148,9 @@ TEST(References, AreAllUsed) {
   for (Topic const& topic : allTopics()) {
     std::set<Row const*> used;
     for (FragmentProfile const& profile : profilesIn(topic.file)) {
-      used.insert(rowFor(topic, profile));
+      for (Row const* row : rowsFor(topic, profile)) {
+        used.insert(row);
+      }
     }
     for (Row const& row : topic.rows) {
       EXPECT_EQ(used.count(&row), 1u)
@@ -162,6 +168,10 @@ TEST_F(Numbers, OfTheColourFragmentsAgree) { check(colorTopic()); }
 TEST_F(Numbers, OfTheNoiseFragmentsAgree) { check(noiseTopic()); }
 
 TEST_F(Numbers, OfThePatternFragmentsAgree) { check(patternTopic()); }
+
+TEST_F(Numbers, OfTheCoordinateFragmentsAgree) { check(coordinateTopic()); }
+
+TEST_F(Numbers, OfTheInputFragmentsAgree) { check(inputTopic()); }
 
 TEST_F(Numbers, OfTheBrdfFragmentsAgree) { check(brdfTopic()); }
 

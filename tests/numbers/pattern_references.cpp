@@ -151,8 +151,8 @@ std::vector<Row> regularRows() {
       {"checkerPattern", plane, exactly(), plainChecker, -1.0, {}, uvOnBorder},
       {"checkerFiltered", plane, exactly(), plainChecker, 0.0, {}, uvOnBorder},
       {"checkerFiltered",
-       plane,
-       {0.01, 0.0,
+       {vector2("uv", -1, 1), vector2("count", 1, 4)},
+       {4e-3, 0.0,
         "a compute stage has no pixel: the mean over 0.001 cells is a difference of rounded positions"},
        [](Sample const& in) {
          Vec2 const q = in.vec2(0) * in.vec2(1);
@@ -270,7 +270,11 @@ std::vector<Row> materialRows() {
        100.0,
        {},
        [](Sample const& in) { return onBorder(in.vec2(0) * in(1)); }},
-      {"paintFlakes", paint, rounding(8, 1), [](Sample const& in) { return Result(unit(in.vec3(6)), in(3)); },
+      {"paintFlakes",
+       {vector2("uv", -2, 2), number("density", 5, 50), number("spread", 0, 1), number("coverage", 0, 1),
+        vector3("sfg_worldNormal", -2, 2)},
+       rounding(16, 1),
+       [](Sample const& in) { return Result(unit(in.vec3(4)), in(3)); },
        0.0},
       {"brushedScratches",
        {vector2("uv", -1, 1), number("density", 5, 40), number("stretch", 0.5, 20)},

@@ -49,6 +49,18 @@ inline Vec3 each(Vec3 a, Vec3 b, std::function<double(double, double)> const& f)
   return {f(a.x, b.x), f(a.y, b.y), f(a.z, b.z)};
 }
 
+// The product of the matrix at input `m`, of `size` columns, and the vector; its first three components.
+inline Vec3 transformed(Sample const& in, std::size_t m, std::size_t size, Vec4 v) {
+  double const components[] = {v.x, v.y, v.z, v.w};
+  double rows[3] = {0.0, 0.0, 0.0};
+  for (std::size_t r = 0; r < 3; ++r) {
+    for (std::size_t c = 0; c < size; ++c) {
+      rows[r] += in.at(m, r * size + c) * components[c];
+    }
+  }
+  return {rows[0], rows[1], rows[2]};
+}
+
 // No arithmetic is done, or its result is always a float.
 inline Tolerance exactly() { return {0.0, 0.0, "no rounding is involved"}; }
 // A few roundings of intermediate values of up to `magnitude`.

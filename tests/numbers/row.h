@@ -97,7 +97,8 @@ struct Tolerance {
 // from the formula's source, in double precision.
 struct Row {
   std::string fragment;
-  std::vector<Input> inputs;  // the ports in order, then uniforms and state variables by name
+  // Ports, uniforms and state variables by name; a port that is missing here is left unconnected.
+  std::vector<Input> inputs;
   Tolerance tolerance;
   std::function<Result(Sample const&)> reference;
   double lod = -1.0;            // the level of detail it is for; -1: all that have no row of their own
@@ -118,5 +119,7 @@ Topic colorTopic();
 Topic noiseTopic();
 Topic patternTopic();
 Topic brdfTopic();
+Topic coordinateTopic();
+Topic inputTopic();
 
 }  // namespace numbers_test

@@ -10,18 +10,6 @@ namespace {
 Tolerance const kOneRounding{1e-37, 0.5 * kUlp, "one correctly rounded operation"};
 Tolerance const kUnitLength{8.0 * kUlp, 0.0, "Vulkan's reciprocal square root: 2 units in the last place"};
 
-// The product of the matrix at input `m`, of `size` columns, and the vector; its first three components.
-Vec3 transformed(Sample const& in, std::size_t m, std::size_t size, Vec4 v) {
-  double const components[] = {v.x, v.y, v.z, v.w};
-  double rows[3] = {0.0, 0.0, 0.0};
-  for (std::size_t r = 0; r < 3; ++r) {
-    for (std::size_t c = 0; c < size; ++c) {
-      rows[r] += in.at(m, r * size + c) * components[c];
-    }
-  }
-  return {rows[0], rows[1], rows[2]};
-}
-
 Vec4 extended(Vec3 v, double w) { return {v.x, v.y, v.z, w}; }
 
 // Snell's law: the angles from the geometry, not from the closed formula.
