@@ -301,7 +301,8 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
   const ExpressionWatch watch(active, instance.wasShaderFunction_);
   // The names of the outputs are no values for an inline expression, which replaces them while it is written.
   const Array<WString>& outputValues = frame.values != nullptr ? *frame.values : active.getOutputNames();
-  checkTextLength(body().size() + totalLength(frame.inputValues));
+  // An expression checks its own length.
+  if (!active.isInlineProfile()) checkTextLength(body().size() + totalLength(frame.inputValues));
   if (!active.writeFunctionCall(body(), context_, frame.inputValues, outputValues)) return false;
   checkTextLength(body().size());
   if (watch.hasChanged()) startEpoch();

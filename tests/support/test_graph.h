@@ -41,6 +41,18 @@ inline WString functionJson(std::wstring_view function, std::wstring_view more =
   return text + L'}';
 }
 
+/// A profile of functionJson() under a name of its own.
+inline WString namedFunctionJson(std::wstring_view name, std::wstring_view function) {
+  return functionJson(function, LR"(,"name":")" + WString(name) + LR"(")");
+}
+
+/// The JSON text of a fragment with these profiles.
+inline WString profilesJson(std::initializer_list<WString> profiles) {
+  WString text;
+  for (const WString& profile : profiles) text += (text.empty() ? L"" : L",") + profile;
+  return LR"({"profiles":[)" + text + L"]}";
+}
+
 inline RefPtr<AParameter> parameter(const TypeID& type, const WString& name, std::uint32_t flags = 0) {
   auto made = makeRef<AParameter>(type, name);
   made->setFlags(flags);
@@ -96,6 +108,23 @@ struct TestScene {
         addWithPorts(*loadFragment(name, json + L"\"]}"), name, {}, {parameter(TypeID_float, L"result")});
     for (const wchar_t* input : inputs) added->addInput(TypeID_float, input);
     return added;
+  }
+  /// A light that the options want with its first profile.
+  RefPtr<AShaderFragment> addLight(const WString& name, std::wstring_view json) const {
+    const RefPtr<AShaderFragment> light = instance(*loadFragment(name, json), name);
+    environment->lights.push_back(light);
+    options->lightProfiles[name] = light->getProfile(0);
+    return light;
+  }
+  RefPtr<AShaderFragment> addPostprocess(const WString& name, std::wstring_view function) const {
+    const RefPtr<AShaderFragment> fragment = instance(*loadFragment(name, functionJson(function)), name);
+    if (!graph->addPostprocessFragment(fragment.get())) throw Exception(L"test: %s does not fit", name);
+    return fragment;
+  }
+  RefPtr<AShaderFragment> addPreprocess(const WString& name, std::wstring_view function) const {
+    const RefPtr<AShaderFragment> fragment = instance(*loadFragment(name, functionJson(function)), name);
+    graph->addPreprocessFragment(fragment.get());
+    return fragment;
   }
   /// A graph output fed by an output of a member.
   void output(const WString& name, const TypeID& type, IShaderFragment* source, std::size_t index = 0) const {
