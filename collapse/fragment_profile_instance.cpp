@@ -1,6 +1,7 @@
 #include "sfg/fragment_profile_instance.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "collapse/ports.h"
 #include "sfg/shader_collapse_context.h"
@@ -92,9 +93,9 @@ void FragmentProfileInstance::setNumOutputs(std::size_t count) {
   outputKeys_.clear();
 }
 
-void FragmentProfileInstance::setOutput(std::size_t index, const WString& type, const WString& name) {
-  outputTypes_[index] = type;
-  outputNames_[index] = name;
+void FragmentProfileInstance::setOutput(std::size_t index, WString type, WString name) {
+  outputTypes_[index] = std::move(type);
+  outputNames_[index] = std::move(name);
   outputKeys_.clear();
 }
 

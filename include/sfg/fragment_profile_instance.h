@@ -54,7 +54,7 @@ public:
   const WString& getOutputKey(std::size_t index) const;
   const Array<WString>& getOutputNames() const noexcept { return outputNames_; }
   void setNumOutputs(std::size_t count);
-  void setOutput(std::size_t index, const WString& type, const WString& name);
+  void setOutput(std::size_t index, WString type, WString name);
   /// Appends a declaration of every typed output, once.
   bool declareOutputs(WString& out);
   /// Appends, once, a declaration of every output that has no value yet and gives it its name as value. False
