@@ -173,7 +173,7 @@ TEST_F(ShaderIncludesTest, CyclesEnd) {
 
 TEST_F(ShaderIncludesTest, DeepAndSharedIncludesTakeTimeInProportion) {
   // A ladder, in which each file is included twice: 2^N ways lead to the last one.
-  constexpr int kFiles = 2000;
+  constexpr int kFiles = 300;
   Files files;
   std::vector<std::string> names;
   for (int i = 0; i <= kFiles; ++i) {
@@ -188,7 +188,7 @@ TEST_F(ShaderIncludesTest, DeepAndSharedIncludesTakeTimeInProportion) {
   add(files);
   const Flat out = flat({L"0a.h"});
   EXPECT_EQ(out.size(), 2u * kFiles + 1);
-  EXPECT_EQ(out.front(), L"2000a.h");
+  EXPECT_EQ(out.front(), L"300a.h");
   EXPECT_EQ(out.back(), L"0a.h");
 }
 
