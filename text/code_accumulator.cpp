@@ -62,7 +62,7 @@ struct CodeAccumulator::Impl {
   Array<Written> callWritten;
 
   // The symbol in progress.
-  Array<Texts> renamesInForce;
+  Array<Texts> renamesInForce;  // views into the caller's pattern
   std::size_t hash = 0;
   WString ownName;
   KeywordReplacer replacer;
@@ -80,7 +80,7 @@ private:
   void reuseName(const WString* used, KeywordReplacePattern& renamePattern);
   const WString* chooseName(KeywordReplacePattern& renamePattern);
   const WString* generateName();
-  void rememberWritten(std::wstring_view key, const WString* name);
+  Written& rememberWritten(std::wstring_view key);
 };
 
 void CodeAccumulator::Impl::beginCall() {
@@ -116,8 +116,9 @@ void CodeAccumulator::Impl::append(WString& out, const ShaderSymbolInstance& sym
   if (const Written* same = findWritten(key, hash, renamesInForce))
     return reuseName(same->name, renamePattern);
 
-  const WString* name = chooseName(renamePattern);
-  rememberWritten(key, name);
+  // Remembered before a name is chosen: a new rule may move the texts that the renames in force view.
+  Written& record = rememberWritten(key);
+  record.name = chooseName(renamePattern);
   replacer.clearReplacePattern();
   replacer.addReplacePattern(pattern);
   replacer.addReplacePattern(symbol.getKeywordReplacePattern());
@@ -191,10 +192,11 @@ const WString* CodeAccumulator::Impl::generateName() {
   }
 }
 
-void CodeAccumulator::Impl::rememberWritten(std::wstring_view key, const WString* name) {
-  Written& symbol = callWritten.emplace_back(Written{hash, texts.add(key), {}, name});
+CodeAccumulator::Impl::Written& CodeAccumulator::Impl::rememberWritten(std::wstring_view key) {
+  Written& symbol = callWritten.emplace_back(Written{hash, texts.add(key), {}, nullptr});
   for (const auto& [keyword, replacement] : renamesInForce)
     symbol.renames.emplace_back(texts.add(keyword), texts.add(replacement));
+  return symbol;
 }
 
 CodeAccumulator::CodeAccumulator() : impl_(std::make_unique<Impl>()) {}
