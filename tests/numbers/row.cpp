@@ -52,4 +52,9 @@ Sample::Sample(std::span<Input const> inputs, std::span<float const> values) : v
   }
 }
 
+std::vector<Topic> allTopics() {
+  return {mathTopic(),    vectorTopic(), colorTopic(),      noiseTopic(),
+          patternTopic(), brdfTopic(),   coordinateTopic(), inputTopic()};
+}
+
 }  // namespace numbers_test

@@ -122,4 +122,6 @@ Topic brdfTopic();
 Topic coordinateTopic();
 Topic inputTopic();
 
+std::vector<Topic> allTopics();
+
 }  // namespace numbers_test
