@@ -2,8 +2,7 @@
 
 // How the function-like profile modes write a definition.
 
-#include <algorithm>
-#include <iterator>
+#include <cstddef>
 
 #include "sfg/code_snippet.h"
 #include "sfg/fragment_profile_instance.h"
@@ -23,26 +22,27 @@ public:
       : profile_(profile), context_(context), instance_(instance) {}
 
   /// Constructs `out` over "void NAME(", the parameters with those of the state variables, ")", and the body
-  /// in braces. The body has the rules of `first`, then those of the instance, applied, and is then handed to
-  /// `expand`, which may change it. The instance's keyword rules serve this one definition and are cleared.
-  /// False, with `out` untouched, when a state-variable parameter cannot be added.
+  /// in braces. The body has the rules of `first`, then those of the instance, applied; `expand(text, start)`
+  /// may then change the text from the body's start on. The instance's keyword rules serve this one
+  /// definition and are cleared. False, with `out` untouched, when a state-variable parameter cannot be
+  /// added.
   template <class Expand>
   bool write(CodeSnippetInstance& out, const KeywordReplacePattern& first, Expand&& expand) const {
     ATextParameterList parameters(*profile_.getFunctionParameters());
     if (!context_.addStateVariableParameters(&parameters, &profile_)) return false;
 
-    WString body = replacedBody(first);
-    instance_.getKeywordReplacePattern().clearReplacePattern();
-    expand(body);
-
     WString text;
-    text.reserve(body.size() + kTypicalHeadLength);
+    text.reserve(profile_.getFunctionBody().size() + kTypicalHeadLength);
     text += L"void ";
     text += instance_.getFunctionName();
     text += L'(';
     parameters.writeParameters(text, L"    ", true);
     text += L")\n{\n";
-    text += body;
+
+    const std::size_t body = text.size();
+    appendBody(text, first);
+    instance_.getKeywordReplacePattern().clearReplacePattern();
+    expand(text, body);
     text += L"}\n";
     AShaderFragmentProfile::constructOwned(out, text, instance_.getBuiltinFunctionValueInBody());
     return true;
@@ -51,15 +51,13 @@ public:
 private:
   static constexpr std::size_t kTypicalHeadLength = 256;
 
-  WString replacedBody(const KeywordReplacePattern& first) const {
+  void appendBody(WString& text, const KeywordReplacePattern& first) const {
     KeywordReplacer replacer;
     replacer.addReplacePattern(first);
     replacer.addReplacePattern(instance_.getKeywordReplacePattern());
     replacer.addReplacePattern(instance_.getUniformReplacePattern());
     replacer.addReplacePattern(instance_.getShaderReplacePattern());
-    WString body;
-    replacer.appendAndReplace(body, profile_.getFunctionBody());
-    return body;
+    replacer.appendReplaced(text, profile_.getFunctionBody());
   }
 
   const AShaderFragmentProfile& profile_;

@@ -75,11 +75,11 @@ WString sceneLightingName(std::size_t index) {
   return name;
 }
 
-void expandLightBlocks(WString& text, std::size_t numLights) {
+void expandLightBlocks(WString& text, std::size_t numLights, std::size_t from) {
   // Cut the text and add up what it becomes.
   Array<Block> blocks;
-  std::wstring_view rest = text;
-  std::size_t length = 0;
+  std::wstring_view rest = std::wstring_view(text).substr(from);
+  std::size_t length = from;
   const std::size_t digits = digitsBelow(numLights);
   for (Block block; takeBlock(rest, block);) {
     const std::size_t copy = kOpen.size() + block.inner.size() - block.calls * kLighting.size() +
@@ -94,6 +94,7 @@ void expandLightBlocks(WString& text, std::size_t numLights) {
 
   WString out;
   out.reserve(length + rest.size());
+  out.append(text, 0, from);
   WString function(kFunction);
   for (const Block& block : blocks) {
     out += block.before;

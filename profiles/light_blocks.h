@@ -15,7 +15,8 @@ WString sceneLightingName(std::size_t index);
 /// by one copy of its text per light, in braces, in which "TOLM_SCENE_LIGHTING" is the light's function.
 /// Throws "sfgError : light and shadow block is not closed!" for a begin marker without an end marker behind
 /// it, a begin marker inside a block, and an end marker before the next begin marker; and the size error,
-/// before anything is built. An end marker behind the last block stays as it is.
-void expandLightBlocks(WString& text, std::size_t numLights);
+/// before anything is built. An end marker behind the last block stays as it is. What stands in front of
+/// `from` is not looked at.
+void expandLightBlocks(WString& text, std::size_t numLights, std::size_t from = 0);
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -60,7 +60,7 @@ bool AShaderFragmentProfileFunction::writeDefinition(CodeSnippetInstance& out,
   KeywordReplacePattern currentLight;
   if (stateVariables().contains(StateVariable_currentLight))
     currentLight.addReplacePattern(WString(L"sfg_currentLight"), context.getCurrentLightName());
-  return FunctionDefinition(*this, context, instance).write(out, currentLight, [](WString&) {});
+  return FunctionDefinition(*this, context, instance).write(out, currentLight, [](WString&, std::size_t) {});
 }
 
 bool AShaderFragmentProfileFunction::writeFunctionCall(WString& out, AShaderCollapseContext& context,

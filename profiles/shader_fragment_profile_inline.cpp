@@ -67,6 +67,12 @@ std::size_t replacedLength(const WString& text, const KeywordReplacePattern& rul
   return length;
 }
 
+/// An expression is the instance's one output, without a type.
+void setExpression(FragmentProfileInstance& instance, const WString& expression) {
+  instance.setNumOutputs(1);
+  instance.setOutput(0, WString(), expression);
+}
+
 }  // namespace
 
 AShaderFragmentProfileInline::AShaderFragmentProfileInline()
@@ -101,10 +107,9 @@ bool AShaderFragmentProfileInline::writeFunctionCall(WString&, AShaderCollapseCo
                                                      const Array<WString>&) const {
   const ITextParameterList& parameters = *getFunctionParameters();
   const std::size_t count = parameters.getNumInputs();
-  instance.setNumOutputs(1);
   // Without placeholders the body stays as it is, uniform names included.
   if (count == 0) {
-    instance.setOutput(0, WString(), getFunctionBody());
+    setExpression(instance, getFunctionBody());
     return true;
   }
   if (count != inputValues.size())
@@ -118,7 +123,7 @@ bool AShaderFragmentProfileInline::writeFunctionCall(WString&, AShaderCollapseCo
   const WString& body = getFunctionBody();
   if (body.size() + boundOfReplacements(body, rules) > kMaximumTextLength)
     checkTextLength(replacedLength(body, rules));
-  instance.setOutput(0, WString(), replaced(body, rules));
+  setExpression(instance, replaced(body, rules));
   return true;
 }
 

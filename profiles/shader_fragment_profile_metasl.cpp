@@ -141,8 +141,9 @@ bool AShaderFragmentProfileMetaSL::writePredefines(CodeSnippetInstance& out, ASh
 bool AShaderFragmentProfileMetaSL::writeDefinition(CodeSnippetInstance& out, AShaderCollapseContext& context,
                                                    FragmentProfileInstance& instance) const {
   return FunctionDefinition(*this, context, instance)
-      .write(out, KeywordReplacePattern(),
-             [&context](WString& body) { expandLightBlocks(body, numLights(context)); });
+      .write(out, KeywordReplacePattern(), [&context](WString& text, std::size_t body) {
+        expandLightBlocks(text, numLights(context), body);
+      });
 }
 
 }  // namespace TolmSDK::Graphics::sfg
