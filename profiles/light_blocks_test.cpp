@@ -69,11 +69,15 @@ TEST(LightBlocks, AreMeasuredBeforeTheyAreBuilt) {
   for (int i = 0; i < 100000; ++i) many += kBegin + L"TOLM_SCENE_LIGHTING" + kEnd;
   EXPECT_EQ(messageOf([&] { expanded(many, 1000); }), kTooLarge);
   EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), 1.0);
-  // At the limit itself a text is still built: one light, a block of the limit's length.
-  const std::size_t frame = 8;
-  const std::wstring fits(kMaximumTextLength - frame, L'x');
-  EXPECT_EQ(expanded(kBegin + fits + kEnd, 1).size(), kMaximumTextLength);
-  EXPECT_EQ(messageOf([&] { expanded(kBegin + fits + kEnd + L"y", 1); }), kTooLarge);
+  // At the limit itself a text is still built: one light, a block of the limit's length, one character too
+  // many behind it at first.
+  constexpr std::size_t kFrame = 8;
+  WString fits(kBegin.c_str());
+  fits.append(kMaximumTextLength - kFrame, L'x').append(kEnd.c_str()).append(L"y");
+  EXPECT_EQ(messageOf([&] { expandLightBlocks(fits, 1); }), kTooLarge);
+  fits.pop_back();
+  expandLightBlocks(fits, 1);
+  EXPECT_EQ(fits.size(), kMaximumTextLength);
 }
 
 }  // namespace

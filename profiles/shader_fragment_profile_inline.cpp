@@ -2,6 +2,7 @@
 
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "profiles/object_reader.h"
 #include "sfg/fragment_profile_instance.h"
@@ -42,11 +43,13 @@ std::size_t boundOfReplacements(std::wstring_view text, const KeywordReplacePatt
   return bound;
 }
 
-WString replaced(const WString& text, const KeywordReplacePattern& rules) {
+/// The text with the rules applied; `capacity` is the length it is expected to reach.
+WString replaced(const WString& text, const KeywordReplacePattern& rules, std::size_t capacity) {
   KeywordReplacer replacer;
   replacer.addReplacePattern(rules);
   WString out;
-  replacer.appendAndReplace(out, text);
+  out.reserve(capacity);
+  replacer.appendReplaced(out, text);
   return out;
 }
 
@@ -58,7 +61,7 @@ std::size_t replacedLength(const WString& text, const KeywordReplacePattern& rul
     KeywordReplacePattern marks;
     for (std::size_t i = 0; i < keywords.size(); ++i)
       marks.addReplacePattern(keywords[i], WString(i == marked ? 1 : 0, L'x'));
-    return replaced(text, marks).size();
+    return replaced(text, marks, text.size()).size();
   };
   const std::size_t kept = lengthWith(kNotFound);
   std::size_t length = kept;
@@ -68,9 +71,9 @@ std::size_t replacedLength(const WString& text, const KeywordReplacePattern& rul
 }
 
 /// An expression is the instance's one output, without a type.
-void setExpression(FragmentProfileInstance& instance, const WString& expression) {
+void setExpression(FragmentProfileInstance& instance, WString expression) {
   instance.setNumOutputs(1);
-  instance.setOutput(0, WString(), expression);
+  instance.setOutput(0, WString(), std::move(expression));
 }
 
 }  // namespace
@@ -121,9 +124,10 @@ bool AShaderFragmentProfileInline::writeFunctionCall(WString&, AShaderCollapseCo
 
   // An expression may double with every fragment it passes: its size is known before it is built.
   const WString& body = getFunctionBody();
-  if (body.size() + boundOfReplacements(body, rules) > kMaximumTextLength)
-    checkTextLength(replacedLength(body, rules));
-  setExpression(instance, replaced(body, rules));
+  std::size_t length = body.size() + boundOfReplacements(body, rules);
+  if (length > kMaximumTextLength) length = replacedLength(body, rules);
+  checkTextLength(length);
+  setExpression(instance, replaced(body, rules, length));
   return true;
 }
 
