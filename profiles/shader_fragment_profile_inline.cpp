@@ -32,13 +32,20 @@ std::size_t countOccurrences(std::wstring_view text, std::wstring_view keyword) 
   return count;
 }
 
+/// What replaces what. Refers to its texts: values may be as long as the limit, and are not copied before it
+/// is known that the result fits.
+struct Rule {
+  const WString& keyword;
+  const WString& replacement;
+};
+
 /// The rules' replacements as often as their keywords stand in the text: no replaced text is longer than the
 /// text and this together.
-std::size_t boundOfReplacements(std::wstring_view text, const KeywordReplacePattern& rules) {
+std::size_t boundOfReplacements(std::wstring_view text, const Array<Rule>& rules) {
   std::size_t bound = 0;
-  for (std::size_t i = 0; i < rules.getKeywords().size(); ++i) {
-    if (rules.getKeywords()[i].empty() || rules.getReplacements()[i].empty()) continue;
-    bound += countOccurrences(text, rules.getKeywords()[i]) * rules.getReplacements()[i].size();
+  for (const Rule& rule : rules) {
+    if (rule.keyword.empty() || rule.replacement.empty()) continue;
+    bound += countOccurrences(text, rule.keyword) * rule.replacement.size();
   }
   return bound;
 }
@@ -55,19 +62,28 @@ WString replaced(const WString& text, const KeywordReplacePattern& rules, std::s
 
 /// Length of the replaced text, without building it: rules may overlap, so each is applied with one character
 /// as its replacement while all others remove their keyword.
-std::size_t replacedLength(const WString& text, const KeywordReplacePattern& rules) {
-  const Array<WString>& keywords = rules.getKeywords();
+std::size_t replacedLength(const WString& text, const Array<Rule>& rules) {
   const auto lengthWith = [&](std::size_t marked) {
     KeywordReplacePattern marks;
-    for (std::size_t i = 0; i < keywords.size(); ++i)
-      marks.addReplacePattern(keywords[i], WString(i == marked ? 1 : 0, L'x'));
+    for (std::size_t i = 0; i < rules.size(); ++i)
+      marks.addReplacePattern(rules[i].keyword, WString(i == marked ? 1 : 0, L'x'));
     return replaced(text, marks, text.size()).size();
   };
   const std::size_t kept = lengthWith(kNotFound);
   std::size_t length = kept;
-  for (std::size_t i = 0; i < keywords.size(); ++i)
-    length += (lengthWith(i) - kept) * rules.getReplacements()[i].size();
+  for (std::size_t i = 0; i < rules.size(); ++i)
+    length += (lengthWith(i) - kept) * rules[i].replacement.size();
   return length;
+}
+
+/// Applies the rules. Throws the size error, before anything is built, when the result would pass the limit.
+WString applyRules(const WString& text, const Array<Rule>& rules) {
+  std::size_t length = text.size() + boundOfReplacements(text, rules);
+  if (length > kMaximumTextLength) length = replacedLength(text, rules);
+  checkTextLength(length);
+  KeywordReplacePattern pattern;
+  for (const Rule& rule : rules) pattern.addReplacePattern(rule.keyword, rule.replacement);
+  return replaced(text, pattern, length);
 }
 
 /// An expression is the instance's one output, without a type.
@@ -118,16 +134,14 @@ bool AShaderFragmentProfileInline::writeFunctionCall(WString&, AShaderCollapseCo
   if (count != inputValues.size())
     throw Exception(L"Inline body parameter count is not equal to the node input count!");
 
-  KeywordReplacePattern rules;
-  for (std::size_t i = 0; i < count; ++i) rules.addReplacePattern(parameters.getInputName(i), inputValues[i]);
-  rules.addReplacePattern(instance.getUniformOriginal(), instance.getUniformNew());
+  Array<Rule> rules;
+  for (std::size_t i = 0; i < count; ++i) rules.push_back({parameters.getInputName(i), inputValues[i]});
+  const Array<WString>& uniforms = instance.getUniformOriginal();
+  for (std::size_t i = 0; i < uniforms.size(); ++i)
+    rules.push_back({uniforms[i], instance.getUniformNew()[i]});
 
-  // An expression may double with every fragment it passes: its size is known before it is built.
-  const WString& body = getFunctionBody();
-  std::size_t length = body.size() + boundOfReplacements(body, rules);
-  if (length > kMaximumTextLength) length = replacedLength(body, rules);
-  checkTextLength(length);
-  setExpression(instance, replaced(body, rules, length));
+  // An expression may double with every fragment it passes.
+  setExpression(instance, applyRules(getFunctionBody(), rules));
   return true;
 }
 

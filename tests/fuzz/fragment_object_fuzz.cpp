@@ -14,6 +14,7 @@
 namespace {
 
 using namespace TolmSDK;
+using namespace TolmSDK::Graphics;
 using namespace TolmSDK::Graphics::sfg;
 
 void require(bool holds) {
