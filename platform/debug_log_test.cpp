@@ -56,6 +56,7 @@ TEST_F(DebugLog, SinkMayLogAndReplaceItself) {
 
 TEST_F(DebugLog, HandsOutOneLineAtATime) {
   std::vector<std::thread> threads;
+  threads.reserve(8);
   for (int thread = 0; thread < 8; ++thread) {
     threads.emplace_back([] {
       for (int line = 0; line < 100; ++line) debugLogLine(L"line");

@@ -472,7 +472,7 @@ RefPtr<Document> parseDocument(std::string_view bytes, WString& error) {
     bytes = repaired;
   }
 
-  const RefPtr<Document> document = makeRef<Document>();
+  RefPtr<Document> document = makeRef<Document>();
   Cursor cursor{bytes.data()};
   Builder builder(*document, bytes, cursor);
   const TrackingIterator first(&cursor, bytes.data());

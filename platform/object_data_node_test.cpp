@@ -344,6 +344,7 @@ TEST(JsonNode, IsReadByManyThreads) {
   const auto node = parse(LR"({"a": [1, "two", {"three": 3}]})");
   std::vector<WString> texts(8);
   std::vector<std::thread> threads;
+  threads.reserve(8);
   for (WString& text : texts) {
     threads.emplace_back([&text, &node] {
       for (int round = 0; round < 200; ++round) {

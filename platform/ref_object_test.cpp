@@ -76,6 +76,7 @@ TEST(RefObject, CountsReferencesOfManyThreads) {
   int destroyed = 0;
   RefPtr<Probe> probe = makeRef<Probe>(&destroyed);
   std::vector<std::thread> threads;
+  threads.reserve(8);
   for (int thread = 0; thread < 8; ++thread) {
     threads.emplace_back([probe] {
       for (int round = 0; round < 2000; ++round) {
@@ -96,6 +97,7 @@ TEST(RefObject, IsDestroyedByWhicheverThreadReleasesLast) {
   for (int round = 0; round < 50; ++round) {
     int destroyed = 0;
     std::vector<std::thread> threads;
+    threads.reserve(8);
     {
       const RefPtr<Probe> probe = makeRef<Probe>(&destroyed);
       for (int thread = 0; thread < 8; ++thread) threads.emplace_back([probe] {});

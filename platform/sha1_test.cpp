@@ -40,6 +40,7 @@ TEST(Sha1, HashesTheWholeTextWithItsNulls) {
 TEST(Sha1, ServesManyThreads) {
   std::vector<WString> digests(8);
   std::vector<std::thread> threads;
+  threads.reserve(8);
   for (WString& digest : digests) {
     threads.emplace_back([&digest] {
       for (int round = 0; round < 100; ++round) digest = SHA1_GetStringHash(L"abc");

@@ -76,6 +76,7 @@ TEST(UString, ManyThreadsAgreeOnOneRepresentation) {
   constexpr std::size_t kTexts = 500;
   std::vector<std::vector<const WString*>> seen(kThreads);
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (std::size_t thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([&mine = seen[thread]] {
       for (std::size_t text = 0; text < kTexts; ++text) {
