@@ -136,49 +136,24 @@ private:
 
 constexpr std::size_t kIndexedMembers = 16;
 
-/// Says what a parse error means, in terms of the text at the place where it was found.
-class ErrorText {
-public:
-  ErrorText(std::string_view text, bool isFirstInside, bool insideObject)
-      : text_(text), isFirstInside_(isFirstInside), insideObject_(insideObject) {}
+constexpr std::size_t kLongestWord = 40;
 
-  /// What the parser wanted; its message names the rule it was in.
-  WString expectation(std::string_view message) const {
-    const auto says = [&](std::string_view part) { return message.find(part) != std::string_view::npos; };
-    if (says("; expected end of input")) return L"the end of the text";
-    if (says("while parsing object key")) {
-      return isFirstInside_ ? L"a member name in double quotes or `}`" : L"a member name in double quotes";
-    }
-    if (says("while parsing object separator")) return L"`:`";
-    if (says("while parsing object ")) return L"`,` or `}`";
-    if (says("while parsing array ")) return L"`,` or `]`";
-    return isFirstInside_ && !insideObject_ ? L"a value or `]`" : L"a value";
+/// What stands at the start of a text, for a message.
+WString describe(std::string_view rest) {
+  if (rest.empty()) return L"the end of the text";
+  if (rest[0] == '\0') return L"a null character";
+  if (static_cast<unsigned char>(rest[0]) < 0x20) return L"a control character";
+  if (rest[0] == '"') return L"a string";
+  if (rest.starts_with("//") || rest.starts_with("/*")) return L"a comment, which JSON does not have";
+  if (rest.starts_with("\xEF\xBB\xBF")) return L"a second byte-order mark";
+  const auto* const wordEnd = std::find_if_not(rest.begin(), rest.end(), isWordCharacter);
+  std::size_t length = std::min(static_cast<std::size_t>(wordEnd - rest.begin()), kLongestWord);
+  if (length == 0) {
+    length = 1;
+    while (length < rest.size() && (static_cast<unsigned char>(rest[length]) & 0xC0) == 0x80) ++length;
   }
-
-  /// What stands at `place`.
-  WString found(const char* place) const {
-    const std::string_view rest = text_.substr(static_cast<std::size_t>(place - text_.data()));
-    if (rest.empty()) return L"the end of the text";
-    if (rest[0] == '\0') return L"a null character";
-    if (static_cast<unsigned char>(rest[0]) < 0x20) return L"a control character";
-    if (rest[0] == '"') return L"a string";
-    if (rest.starts_with("//") || rest.starts_with("/*")) return L"a comment, which JSON does not have";
-    if (rest.starts_with("\xEF\xBB\xBF")) return L"a second byte-order mark";
-    const auto* const wordEnd = std::find_if_not(rest.begin(), rest.end(), isWordCharacter);
-    std::size_t length = std::min(static_cast<std::size_t>(wordEnd - rest.begin()), kLongestWord);
-    if (length == 0) {
-      length = 1;
-      while (length < rest.size() && (static_cast<unsigned char>(rest[length]) & 0xC0) == 0x80) ++length;
-    }
-    return formatted(L"`%s`", fromUtf8(rest.substr(0, length)));
-  }
-
-private:
-  static constexpr std::size_t kLongestWord = 40;
-  std::string_view text_;
-  bool isFirstInside_;
-  bool insideObject_;
-};
+  return formatted(L"`%s`", fromUtf8(rest.substr(0, length)));
+}
 
 /// Errors inside a string or number, where the parser's message alone says what is wrong.
 struct TokenError {
@@ -280,25 +255,23 @@ public:
     return true;
   }
 
-  bool parse_error(std::size_t, const std::string& token,
-                   const nlohmann::detail::exception& exception) override {
+  bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception& exception) override {
     const std::string_view message = exception.what();
-    skipToUnexpected(message);
-    if (exception.id == kOutOfRange) {
-      return failHere(
-          formatted(L"expected a number within the range of double precision, found `%s`", fromUtf8(token)));
-    }
+    // What follows is the text's own and may read like anything.
+    const std::string_view reason = message.substr(0, message.find("; last read: '"));
+    skipToUnexpected(reason);
+    if (exception.id == kOutOfRange) return failExpecting(L"a number within the range of double precision");
     for (const TokenError& error : kTokenErrors) {
-      if (message.find(error.message) == std::string_view::npos) continue;
+      if (reason.find(error.message) == std::string_view::npos) continue;
       if (!error.atStart) counter_.moveTo(lastRead());
       return failHere(error.text);
     }
     constexpr std::string_view kControl = "control character";
-    if (const std::size_t control = message.find(kControl); control != std::string_view::npos) {
+    if (const std::size_t control = reason.find(kControl); control != std::string_view::npos) {
       counter_.moveTo(lastRead());
-      return failHere(fromUtf8(message.substr(control, message.find("; last read") - control)));
+      return failHere(fromUtf8(reason.substr(control)));
     }
-    return failUnexpected(message);
+    return failExpecting(expectation(reason, message.ends_with("; expected end of input")));
   }
 
   /// The parser takes a null character for the end of its input: whether there is more.
@@ -309,6 +282,12 @@ public:
   }
 
   Value root() const { return values_.front(); }
+
+  /// Fails at the counter's position, where something else stands.
+  bool failExpecting(std::wstring_view what) {
+    const std::string_view rest = text_.substr(static_cast<std::size_t>(counter_.at() - text_.data()));
+    return failHere(formatted(L"expected %s, found %s", what, describe(rest)));
+  }
 
   /// Fails at the counter's position.
   bool failHere(const WString& message) {
@@ -436,18 +415,25 @@ private:
   }
 
   /// Moves to the start of the token that the message is about.
-  void skipToUnexpected(std::string_view message) {
+  void skipToUnexpected(std::string_view reason) {
     for (const std::string_view token : {"unexpected ','", "unexpected ':'", "unexpected end of input"}) {
-      if (message.find(token) != std::string_view::npos) return counter_.moveTo(lastRead());
+      if (reason.find(token) != std::string_view::npos) return counter_.moveTo(lastRead());
     }
     counter_.skipToToken();
   }
 
-  bool failUnexpected(std::string_view message) {
+  /// What the parser wanted; its message names the rule it was in.
+  const wchar_t* expectation(std::string_view reason, bool expectsEnd) const {
+    const auto isIn = [&](std::string_view rule) { return reason.find(rule) != std::string_view::npos; };
     const bool isFirst = !frames_.empty() && values_.size() == frames_.back().firstValue;
-    const ErrorText text(text_, isFirst, !frames_.empty() && frames_.back().isObject);
-    return failHere(
-        formatted(L"expected %s, found %s", text.expectation(message), text.found(counter_.at())));
+    if (expectsEnd) return L"the end of the text";
+    if (isIn("while parsing object key")) {
+      return isFirst ? L"a member name in double quotes or `}`" : L"a member name in double quotes";
+    }
+    if (isIn("while parsing object separator")) return L"`:`";
+    if (isIn("while parsing object ")) return L"`,` or `}`";
+    if (isIn("while parsing array ")) return L"`,` or `]`";
+    return isFirst && !frames_.back().isObject ? L"a value or `]`" : L"a value";
   }
 
   Document& document_;
@@ -479,7 +465,7 @@ RefPtr<Document> parseDocument(std::string_view bytes, WString& error) {
   const TrackingIterator last(&cursor, bytes.data() + bytes.size());
   bool succeeded = false;
   if (bytes.starts_with("\xEF\xBB\xBF")) {
-    succeeded = builder.failHere(L"expected a value, found a second byte-order mark");
+    succeeded = builder.failExpecting(L"a value");
   } else {
     succeeded = Json::sax_parse(first, last, &builder) && builder.checkEnd();
   }

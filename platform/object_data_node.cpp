@@ -90,7 +90,7 @@ void appendQuoted(WString& out, std::wstring_view text) {
     case L'\r': out += L"\\r"; break;
     case L'\t': out += L"\\t"; break;
     default:
-      if (c >= 0 && c < 0x20) {
+      if (static_cast<char32_t>(c) < 0x20) {
         out += L"\\u00";
         out += L"0123456789abcdef"[c >> 4];
         out += L"0123456789abcdef"[c & 15];

@@ -11,7 +11,7 @@
 
 namespace TolmSDK {
 
-/// A place in a document, both counted from 1; zero when unknown.
+/// A place in a document, both counted from 1, columns in code points; zero when unknown.
 struct TextPosition {
   std::size_t line = 0;
   std::size_t column = 0;
