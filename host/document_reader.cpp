@@ -56,7 +56,7 @@ void DocumentReader::refuse(const IObjectDataNode& at, const std::string& reason
 
 WString DocumentReader::requiredName(const IObjectDataNode& object, std::wstring_view key) const {
   std::optional<WString> name = optionalName(object, key);
-  if (!name) refuse(object, quoted(key) + " is missing");
+  if (!name) refuse(object, inTicks(key) + " is missing");
   return *std::move(name);
 }
 
@@ -65,7 +65,7 @@ std::optional<WString> DocumentReader::optionalName(const IObjectDataNode& objec
   const IObjectDataNode* const value = object.member(key);
   if (value == nullptr) return std::nullopt;
   if (value->kind() != NodeKind::string || value->asString().empty()) {
-    refuse(*value, quoted(key) + " must be a string that is not empty");
+    refuse(*value, inTicks(key) + " must be a string that is not empty");
   }
   return value->asString();
 }
@@ -73,7 +73,8 @@ std::optional<WString> DocumentReader::optionalName(const IObjectDataNode& objec
 const IObjectDataNode* DocumentReader::optionalArray(const IObjectDataNode& object,
                                                      std::wstring_view key) const {
   const IObjectDataNode* const value = object.member(key);
-  if (value != nullptr && value->kind() != NodeKind::array) refuse(*value, quoted(key) + " must be an array");
+  if (value != nullptr && value->kind() != NodeKind::array)
+    refuse(*value, inTicks(key) + " must be an array");
   return value;
 }
 
@@ -81,7 +82,7 @@ const IObjectDataNode* DocumentReader::optionalObject(const IObjectDataNode& obj
                                                       std::wstring_view key) const {
   const IObjectDataNode* const value = object.member(key);
   if (value != nullptr && value->kind() != NodeKind::object)
-    refuse(*value, quoted(key) + " must be an object");
+    refuse(*value, inTicks(key) + " must be an object");
   return value;
 }
 
@@ -106,7 +107,7 @@ RefPtr<AParameter> DocumentReader::parameter(const IObjectDataNode& object) cons
     throw error.position().line != 0 ? error : InputError(file_, object.position(), error.what());
   }
   if (parameter->isConstant() && componentCount(parameter->getType()) == 0) {
-    refuse(object, quoted(parameter->getName()) + " cannot be constant: a value of type " +
+    refuse(object, inTicks(parameter->getName()) + " cannot be constant: a value of type " +
                        typeText(*parameter) + " has no text");
   }
   return parameter;
@@ -127,11 +128,11 @@ AValue DocumentReader::value(const IObjectDataNode& node, const AParameter& para
   return value;
 }
 
-std::string quoted(std::wstring_view name) { return "`" + toUtf8(name) + "`"; }
+std::string inTicks(std::wstring_view name) { return "`" + toUtf8(name) + "`"; }
 
 std::string typeText(const AParameter& parameter) {
-  return quoted(parameter.getType() == TypeID_struct ? parameter.getStructName()
-                                                     : parameter.getType().toString());
+  return inTicks(parameter.getType() == TypeID_struct ? parameter.getStructName()
+                                                      : parameter.getType().toString());
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -49,7 +49,7 @@ private:
 };
 
 /// "`noise`": a name as diagnostics show it.
-std::string quoted(std::wstring_view name);
+std::string inTicks(std::wstring_view name);
 /// The type as a person writes it: the language's name, or the structure's.
 std::string typeText(const AParameter& parameter);
 

@@ -112,7 +112,7 @@ private:
       nodeObjects_.push_back(&object);
       GraphNode& node = *document_->nodes_.back();
       if (!nodes_.emplace(node.name_, &node).second) {
-        reader_.refuse(object, "the node name " + quoted(node.name_) + " is used twice");
+        reader_.refuse(object, "the node name " + inTicks(node.name_) + " is used twice");
       }
     }
   }
@@ -142,7 +142,7 @@ private:
       const IObjectDataNode& object = reader_.objectAt(*array, i);
       RefPtr<AParameter> port = reader_.parameter(object);
       if (findByName(ports, port->getName()) != kNotFound) {
-        reader_.refuse(object, "the port name " + quoted(port->getName()) + " is used twice");
+        reader_.refuse(object, "the port name " + inTicks(port->getName()) + " is used twice");
       }
       ports.push_back(port);
     }
@@ -166,7 +166,7 @@ private:
 
   void claimGraphName(const IObjectDataNode& object, const WString& name) {
     if (!graphNames_.insert(name).second) {
-      reader_.refuse(object, "the name " + quoted(name) + " is used twice among graph inputs and outputs");
+      reader_.refuse(object, "the name " + inTicks(name) + " is used twice among graph inputs and outputs");
     }
   }
 
@@ -181,13 +181,13 @@ private:
   }
 
   void wireInput(GraphNode& node, const WString& name, const IObjectDataNode& object) {
-    const std::string where = "input " + quoted(name) + " of node " + quoted(node.name_);
+    const std::string where = "input " + inTicks(name) + " of node " + inTicks(node.name_);
     if (object.kind() != NodeKind::object) reader_.refuse(object, where + " must be an object");
     const std::wstring_view source = onlySource(object, where);
     const std::size_t port = findByName(node.inputs_, name);
     if (port == kNotFound && unknownPorts_.contains(&node)) return;
     if (port == kNotFound) {
-      reader_.refuse(object, "node " + quoted(node.name_) + " has no input " + quoted(name) + "; " +
+      reader_.refuse(object, "node " + inTicks(node.name_) + " has no input " + inTicks(name) + "; " +
                                  listed("its inputs are", node.inputs_));
     }
     if (source == L"node") {
@@ -198,7 +198,7 @@ private:
     } else {
       const bool constant = source == L"constant";
       const AValue value =
-          reader_.value(*object.member(source), *node.inputs_[port], quoted(source) + " of " + where);
+          reader_.value(*object.member(source), *node.inputs_[port], inTicks(source) + " of " + where);
       node.inputs_[port] = withValue(*node.inputs_[port], value, constant);
     }
   }
@@ -227,20 +227,20 @@ private:
       return wire;
     }
     const auto found = nodes_.find(*name);
-    if (found == nodes_.end()) reader_.refuse(*object.member(L"node"), "unknown node " + quoted(*name));
+    if (found == nodes_.end()) reader_.refuse(*object.member(L"node"), "unknown node " + inTicks(*name));
     wire.source = found->second;
     wire.output = output ? findByName(wire.source->outputs_, *output) : 0;
     if (wire.output < wire.source->outputs_.size() || unknownPorts_.contains(wire.source)) return wire;
-    const std::string wanted = output ? "no output " + quoted(*output) : std::string("no outputs");
+    const std::string wanted = output ? "no output " + inTicks(*output) : std::string("no outputs");
     reader_.refuse(output ? *object.member(L"output") : object,
-                   "node " + quoted(*name) + " has " + wanted + "; " + outputsHint(*wire.source));
+                   "node " + inTicks(*name) + " has " + wanted + "; " + outputsHint(*wire.source));
   }
 
   std::size_t readGraphInput(const IObjectDataNode& object) {
     const WString name = reader_.requiredName(object, L"graphInput");
     const auto found = graphInputs_.find(name);
     if (found == graphInputs_.end()) {
-      reader_.refuse(*object.member(L"graphInput"), "unknown graph input " + quoted(name));
+      reader_.refuse(*object.member(L"graphInput"), "unknown graph input " + inTicks(name));
     }
     return found->second;
   }
@@ -257,7 +257,7 @@ private:
     if (ports.empty()) return intro + " none";
     std::string text = intro;
     for (std::size_t i = 0; i < ports.size(); ++i)
-      text += (i == 0 ? " " : ", ") + quoted(ports[i]->getName());
+      text += (i == 0 ? " " : ", ") + inTicks(ports[i]->getName());
     return text;
   }
 
@@ -267,7 +267,7 @@ private:
       const IObjectDataNode& at = *array->elementOrNull(i);
       GraphDocument::ChainFragment link{nullptr, reader_.nameAt(*array, i), at.position()};
       link.fragment = language_.findFragment(link.name);
-      if (!link.fragment) reader_.refuse(at, "unknown fragment " + quoted(link.name));
+      if (!link.fragment) reader_.refuse(at, "unknown fragment " + inTicks(link.name));
       chain.push_back(link);
     }
   }
@@ -308,8 +308,8 @@ RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILa
     const RefPtr<IShaderFragment> clone = cloneWithPorts(*link.fragment, numbered(L"post", i), language);
     if (!graph->addPostprocessFragment(clone.get())) {
       throw InputError(document.file(), link.position,
-                       "the inputs of post-process fragment " + quoted(link.name) +
-                           " do not fit the outputs of " + quoted(document.postprocess()[i - 1].name));
+                       "the inputs of post-process fragment " + inTicks(link.name) +
+                           " do not fit the outputs of " + inTicks(document.postprocess()[i - 1].name));
     }
   }
   return graph;

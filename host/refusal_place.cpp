@@ -20,7 +20,7 @@ public:
     for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
       const GraphNode& node = document_.node(i);
       if (fragmentOf(node) == nullptr) {
-        return at(node.position(), named(node) + " uses the fragment " + quoted(node.fragmentName()) +
+        return at(node.position(), named(node) + " uses the fragment " + inTicks(node.fragmentName()) +
                                        ", which no library has");
       }
     }
@@ -60,7 +60,7 @@ public:
           cloneWithPorts(*link.fragment, WString(), job_.libraries().language());
       if (clone->getNumInputs() == 0) continue;
       return at(link.position,
-                "pre-process fragment " + quoted(link.name) + " has the input " + name(clone->getInput(0)));
+                "pre-process fragment " + inTicks(link.name) + " has the input " + name(clone->getInput(0)));
     }
     return std::nullopt;
   }
@@ -72,7 +72,7 @@ public:
                 : RefPtr<IShaderFragment const>(job_.environment().getOutputFragment());
     if (!target) return std::nullopt;
     const std::string taker =
-        (chained ? "post-process fragment " : "output fragment ") + quoted(target->key());
+        (chained ? "post-process fragment " : "output fragment ") + inTicks(target->key());
     for (std::size_t i = 0; i < target->getNumInputs(); ++i) {
       const std::string input = "input " + name(target->getInput(i)) + " of " + taker;
       if (i >= document_.getNumOutputs()) {
@@ -127,7 +127,7 @@ public:
     }
     for (const ShadingEnvironment::Light& light : job_.environment().lights()) {
       if (!hasDefaultProfile(*light.fragment)) {
-        return atLight(light, lacksDefault("light " + quoted(light.name), *light.fragment));
+        return atLight(light, lacksDefault("light " + inTicks(light.name), *light.fragment));
       }
     }
     return std::nullopt;
@@ -140,7 +140,7 @@ public:
       const bool named = message.find(L" of light " + light.name + L":") != message.npos ||
                          message.find(L" of light " + light.name + L".") != message.npos;
       if (!named && message.find(L"light profile " + profile + L".") == message.npos) continue;
-      return atLight(light, "light " + quoted(light.name) + " asks for the profile " + quoted(profile) +
+      return atLight(light, "light " + inTicks(light.name) + " asks for the profile " + inTicks(profile) +
                                 surfaceWithout(profile));
     }
     return std::nullopt;
@@ -157,8 +157,8 @@ public:
   }
 
 private:
-  static std::string named(const GraphNode& node) { return "node " + quoted(node.name()); }
-  static std::string name(const AParameter* parameter) { return quoted(parameter->getName()); }
+  static std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
+  static std::string name(const AParameter* parameter) { return inTicks(parameter->getName()); }
 
   RefusalPlace at(TextPosition position, const std::string& text) const {
     return {InputError(document_.file(), position, text).place(), text};
@@ -180,8 +180,9 @@ private:
     return fragment.findBestProfile(L"default", job_.options().getLanguage(), 100.0f) != nullptr;
   }
   std::string lacksDefault(const std::string& user, const IShaderFragment& fragment) const {
-    return user + " uses the fragment " + quoted(fragment.key()) +
-           ", which has no profile `default` for the language " + quoted(job_.options().getLanguage().view());
+    return user + " uses the fragment " + inTicks(fragment.key()) +
+           ", which has no profile `default` for the language " +
+           inTicks(job_.options().getLanguage().view());
   }
 
   std::string surfaceWithout(const WString& profile) const {
@@ -207,7 +208,7 @@ private:
   static std::string counted(const GraphNode& node, std::size_t has, const std::string& what,
                              std::size_t wants) {
     return named(node) + " has " + std::to_string(has) + " " + what + ", its fragment " +
-           quoted(node.fragmentName()) + " " + std::to_string(wants);
+           inTicks(node.fragmentName()) + " " + std::to_string(wants);
   }
 
   std::size_t countWires() const {

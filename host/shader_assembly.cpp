@@ -42,6 +42,16 @@ bool isInteger(const TypeID& type) {
 /// Booleans travel as numbers.
 const TypeID& carrierType(const TypeID& type) { return type == TypeID_bool ? TypeID_uint : type; }
 
+/// A row of the type, widened to four components: such values lie at the same places in every shading
+/// language.
+TypeID wideType(const TypeID& type) { return TypeID(carrierType(type).word(0), 4, 1, 0); }
+
+/// The components of a widened value that are the value.
+const wchar_t* narrowing(const TypeID& type) {
+  constexpr const wchar_t* kSwizzles[] = {L"", L".x", L".xy", L".xyz", L""};
+  return kSwizzles[isMatrix(type) ? type.word(1) : componentCount(type)];
+}
+
 const wchar_t* textureType(const TypeID& sampler) {
   if (sampler == TypeID_sampler1D) return L"Texture1D<float4>";
   if (sampler == TypeID_sampler2D) return L"Texture2D<float4>";
@@ -96,6 +106,14 @@ const Array<UString>& stateSources() {
                                          StateVariable_texCoord0,     StateVariable_vertexColor};
   return sources;
 }
+
+/// A member of a constant buffer.
+struct BufferMember {
+  TypeID type;  ///< nil for a structure
+  WString typeText;
+  WString name;
+  WString value;  ///< initial value; may be empty
+};
 
 /// A symbol of the predefines, or text between symbols (without a name).
 struct PredefinePart {
@@ -302,8 +320,8 @@ private:
           i < result_.getNumOutputs() ? result_.getOutputName(i) : parameters_->getOutputName(i);
       outputs_.push_back({language_.getTypeID(typeText), typeText, name});
       const TypeID& type = outputs_.back().type;
-      if (isSamplerType(type) || (isPixel() && componentCount(type) == 0)) {
-        throw AssemblyError("the output " + quoted(name) + " of type " + quoted(typeText) +
+      if (componentCount(type) == 0) {
+        throw AssemblyError("the output " + inTicks(name) + " of type " + inTicks(typeText) +
                             " cannot leave a " + (isPixel() ? "pixel" : "compute") + " stage");
       }
       targets_ += isMatrix(type) ? type.word(2) : 1;
@@ -388,37 +406,65 @@ private:
 
   void writeConstantBuffers() {
     out_.section(Kind::declarations);
-    Array<WString> lines;
+    std::vector<BufferMember> members;
     for (const AParameter* uniform : uniforms_) {
-      if (!isSamplerType(uniform->getType())) lines.push_back(uniformLine(*uniform));
+      if (isSamplerType(uniform->getType())) continue;
+      const Port port = portOf(*uniform);
+      members.push_back(
+          {port.type, port.typeText, port.name, language_.getValueText(uniform->getDefaultValue())});
     }
-    writeConstantBuffer(L"sfg_Uniforms", lines);
-    lines.clear();
+    writeConstantBuffers(L"sfg_Uniforms", members);
+    members.clear();
     for (const StateVariableInfo& info : allStateVariables()) {
       if (info.kind == StateVariableKind::uniform && stateVariables_.contains(info.name)) {
-        lines.push_back(formatted(L"%s %s", info.type.toString(), info.name));
+        members.push_back({info.type, info.type.toString(), info.name.str(), WString()});
       }
     }
-    writeConstantBuffer(L"sfg_StateUniforms", lines);
-    lines.clear();
+    writeConstantBuffers(L"sfg_StateUniforms", members);
+    members.clear();
     for (const Port& input : graphInputs_) {
-      if (isBuffered(input)) lines.push_back(formatted(L"%s %s", input.typeText, bufferedName(input)));
+      if (isBuffered(input)) members.push_back({input.type, input.typeText, bufferedName(input), WString()});
     }
-    writeConstantBuffer(L"sfg_GraphInputs", lines);
+    writeConstantBuffers(L"sfg_GraphInputs", members);
   }
 
-  WString uniformLine(const AParameter& uniform) const {
-    const Port port = portOf(uniform);
-    const WString value = language_.getValueText(uniform.getDefaultValue());
-    return value.empty() ? formatted(L"%s %s", port.typeText, port.name)
-                         : formatted(L"%s %s = %s", port.typeText, port.name, value);
+  /// One buffer for all members but structures, whose sizes are not known here: each has a buffer of its own.
+  void writeConstantBuffers(const WString& name, const std::vector<BufferMember>& members) {
+    std::vector<BufferMember> plain;
+    for (const BufferMember& member : members) {
+      if (member.type == TypeID_nil) {
+        writeConstantBuffer(name + L"_" + member.name, {member});
+      } else {
+        plain.push_back(member);
+      }
+    }
+    writeConstantBuffer(name, plain);
   }
 
-  void writeConstantBuffer(std::wstring_view name, const Array<WString>& lines) {
-    if (lines.empty()) return;
+  void writeConstantBuffer(const WString& name, const std::vector<BufferMember>& members) {
+    if (members.empty()) return;
     out_.writef(L"\ncbuffer %s : register(b%Iu)\n{\n", name, buffers_++);
-    for (const WString& line : lines) out_.writef(L"    %s;\n", line);
+    std::size_t end = 0;
+    for (const BufferMember& member : members) {
+      out_.writef(L"    %s %s : packoffset(%s)", member.typeText, member.name, place(member.type, end));
+      if (!member.value.empty()) out_.writef(L" = %s", member.value);
+      out_.write(L";\n");
+    }
     out_.write(L"};\n");
+  }
+
+  /// The next place for a value of the type, by rules on which all shading languages agree; moves `end`
+  /// behind it.
+  static WString place(const TypeID& type, std::size_t& end) {
+    constexpr std::size_t kRegister = 4;
+    const std::size_t components = isMatrix(type) ? kRegister * type.word(2) : componentCount(type);
+    const std::size_t alignment = components > 2 || components == 0 ? kRegister : components;
+    const std::size_t start = (end + alignment - 1) / alignment * alignment;
+    end = start + components;
+    WString text = L"c";
+    appendDecimal(text, start / kRegister);
+    if (start % kRegister != 0) (text += L'.') += L"xyzw"[start % kRegister];
+    return text;
   }
 
   static bool isBuffered(const Port& input) { return !canVary(input.type) && !isSamplerType(input.type); }
@@ -516,18 +562,20 @@ private:
     if (!varyings_.empty()) {
       out_.write(L"\nstruct sfg_ComputeInput\n{\n");
       for (const Varying& varying : varyings_) {
-        out_.writef(L"    %s %s;\n", carrierType(varying.type).toString(), varying.name);
+        out_.writef(L"    %s %s;\n", wideType(varying.type).toString(), varying.name);
       }
       out_.write(L"};\n");
     }
     out_.write(L"\nstruct sfg_ComputeOutput\n{\n");
     for (const Port& output : outputs_) {
-      const bool isBool = output.type == TypeID_bool;
-      out_.writef(L"    %s %s;\n", isBool ? TypeID_uint.toString() : output.typeText, output.name);
+      for (std::size_t row = 0; row < rowCount(output.type); ++row) {
+        out_.writef(L"    %s %s;\n", wideType(output.type).toString(), resultMember(output, row));
+      }
     }
     out_.write(L"};\n\n");
-    if (!varyings_.empty())
+    if (!varyings_.empty()) {
       out_.writef(L"StructuredBuffer<sfg_ComputeInput> sfg_inputs : register(t%Iu);\n", textures_);
+    }
     out_.write(L"RWStructuredBuffer<sfg_ComputeOutput> sfg_outputs : register(u0);\n\n");
     out_.writef(L"[numthreads(%d, 1, 1)]\nvoid %s(uint3 sfg_thread : SV_DispatchThreadID)\n{\n", kGroupSize,
                 entryPoint());
@@ -544,9 +592,16 @@ private:
   void writeVaryingLocals() {
     for (const Varying& varying : varyings_) {
       if (findStateVariable(UString(varying.name)) == nullptr) continue;
-      const wchar_t* const test = varying.type == TypeID_bool && !isPixel() ? L" != 0" : L"";
-      out_.writef(L"    %s %s = sfg_in.%s%s;\n", varying.type.toString(), varying.name, varying.name, test);
+      const bool isSystemBool = isPixel() && varying.type == TypeID_bool;
+      const WString value =
+          isSystemBool ? L"sfg_in." + varying.name : varyingValue(varying.type, varying.name);
+      out_.writef(L"    %s %s = %s;\n", varying.type.toString(), varying.name, value);
     }
+  }
+
+  WString varyingValue(const TypeID& type, const WString& name) const {
+    return formatted(L"sfg_in.%s%s%s", name, isPixel() ? L"" : narrowing(type),
+                     type == TypeID_bool ? L" != 0" : L"");
   }
 
   void writeStateLocal() {
@@ -567,7 +622,7 @@ private:
                        textureName(input));
     }
     if (isBuffered(input)) return bufferedName(input);
-    return formatted(L"sfg_in.%s%s", input.name, input.type == TypeID_bool ? L" != 0" : L"");
+    return varyingValue(input.type, input.name);
   }
 
   void writeCustomLocals() {
@@ -584,7 +639,8 @@ private:
 
   /// Outputs that the interface carries in another form pass through a variable.
   bool needsLocal(const Port& output) const {
-    return output.type == TypeID_bool || (isPixel() && isMatrix(output.type));
+    if (output.type == TypeID_bool || isMatrix(output.type)) return true;
+    return !isPixel() && componentCount(output.type) != 4;
   }
   static WString localName(const Port& output) { return L"sfg_result_" + output.name; }
 
@@ -614,15 +670,21 @@ private:
   void writeResults() {
     for (const Port& output : outputs_) {
       if (!needsLocal(output)) continue;
-      if (output.type == TypeID_bool) {
-        out_.writef(L"    sfg_out.%s = %s ? 1 : 0;\n", output.name, localName(output));
-        continue;
-      }
       for (std::size_t row = 0; row < rowCount(output.type); ++row) {
-        out_.writef(L"    sfg_out.%s = %s[%Iu];\n", resultMember(output, row), localName(output), row);
+        out_.writef(L"    sfg_out.%s = %s;\n", resultMember(output, row), resultValue(output, row));
       }
     }
     out_.write(isPixel() ? L"    return sfg_out;\n" : L"    sfg_outputs[sfg_thread.x] = sfg_out;\n");
+  }
+
+  WString resultValue(const Port& output, std::size_t row) const {
+    WString value = localName(output);
+    if (output.type == TypeID_bool) value += L" ? 1 : 0";
+    if (isMatrix(output.type)) value += formatted(L"[%Iu]", row);
+    if (isPixel()) return value;
+    WString wide = wideType(output.type).toString() + L"(" + value;
+    for (std::size_t i = output.type.word(1); i < 4; ++i) wide += isInteger(output.type) ? L", 0" : L", 0.0";
+    return wide + L")";
   }
 
   static std::size_t rowCount(const TypeID& type) { return isMatrix(type) ? type.word(2) : 1; }

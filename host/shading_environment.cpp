@@ -11,7 +11,7 @@ namespace {
 const IShaderFragment& requireFragment(const DocumentReader& reader, const IObjectDataNode& at,
                                        const WString& name, const ILanguageTraits& language) {
   const IShaderFragment* const fragment = language.findFragment(name);
-  if (fragment == nullptr) reader.refuse(at, "unknown fragment " + quoted(name));
+  if (fragment == nullptr) reader.refuse(at, "unknown fragment " + inTicks(name));
   return *fragment;
 }
 
@@ -50,7 +50,7 @@ RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILangu
       const WString& name = environment->lights_.back().name;
       environment->lightIndex_.emplace(environment->lights_.back().fragment.get(), i);
       if (!names.insert(name).second)
-        reader.refuse(object, "the light name " + quoted(name) + " is used twice");
+        reader.refuse(object, "the light name " + inTicks(name) + " is used twice");
     }
   }
   if (const std::optional<WString> name = reader.optionalName(reader.root(), L"output")) {

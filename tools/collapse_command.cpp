@@ -39,12 +39,14 @@ public:
         "`shader`: a complete shader; `json`: the generated function and what it needs, nothing assembled");
     declareStageOption(app(), stage_);
     declareOutputOption(app(), output_);
+    declareDepfileOptions(app(), depfile_);
     app().footer(kExample);
   }
 
   int run(host::Diagnostics& diagnostics) override {
+    checkDepfile(depfile_, output_);
     host::CollapseJob job(settings_);
-    switch (collapse(job, diagnostics)) {
+    switch (collapse(job, format_ == Format::shader, diagnostics)) {
     case Outcome::thrown: return kRefused;
     case Outcome::null:
       if (format_ == Format::json) host::writeOutput(output_, host::writeCollapseJson(nullptr));
@@ -53,11 +55,12 @@ public:
     }
     if (format_ == Format::json) {
       host::writeOutput(output_, host::writeCollapseJson(job.result()));
-      return kDone;
+    } else {
+      const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
+      if (!assembled) return kRefused;
+      host::writeOutput(output_, toUtf8(assembled->shader.getCompleteShader()));
     }
-    const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
-    if (!assembled) return kRefused;
-    host::writeOutput(output_, toUtf8(assembled->shader.getCompleteShader()));
+    writeDepfile(depfile_, output_, job);
     return kDone;
   }
 
@@ -66,6 +69,7 @@ private:
   Format format_ = Format::shader;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
   std::string output_;
+  DepfileOptions depfile_;
 };
 
 }  // namespace

@@ -1,6 +1,10 @@
 #include "tools/collapse_options.h"
 
+#include "host/depfile.h"
+#include "host/input_error.h"
+#include "host/output_file.h"
 #include "host/refusal_place.h"
+#include "host/warnings.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
 
@@ -84,7 +88,25 @@ void declareOutputOption(CLI::App& app, std::string& file) {
       ->default_str("standard output");
 }
 
-Outcome collapse(host::CollapseJob& job, host::Diagnostics& diagnostics) {
+void declareDepfileOptions(CLI::App& app, DepfileOptions& options) {
+  app.add_flag(
+      "--MD", options.wanted,
+      "also write a dependency file for Make or Ninja: the result's file name and `.d` (also spelled `-MD`)");
+  app.add_option("--MF", options.file, "name of the dependency file (also spelled `-MF`)")->type_name("FILE");
+}
+
+void checkDepfile(const DepfileOptions& options, const std::string& output) {
+  if (options.file.empty() ? options.wanted && output.empty() : output.empty()) {
+    throw host::InputError("a dependency file needs the result's name (`-o`)");
+  }
+}
+
+void writeDepfile(const DepfileOptions& options, const std::string& output, const host::CollapseJob& job) {
+  if (!options.wanted && options.file.empty()) return;
+  host::writeOutput(options.file.empty() ? output + ".d" : options.file, host::writeDepfile(job, output));
+}
+
+Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics& diagnostics) {
   try {
     job.run();
   } catch (const Exception& refusal) {
@@ -92,7 +114,12 @@ Outcome collapse(host::CollapseJob& job, host::Diagnostics& diagnostics) {
     reportRefusal(job, refusal.getMessage(), diagnostics);
     return Outcome::thrown;
   }
-  if (job.result() != nullptr) return Outcome::done;
+  if (job.result() != nullptr) {
+    for (const host::Warning& warning : host::findWarnings(job, completeShader)) {
+      diagnostics.warning(warning.place, warning.text);
+    }
+    return Outcome::done;
+  }
   diagnostics.error(std::string(), "the graph cannot be collapsed: an output cannot be evaluated");
   reportRefusal(job, std::wstring_view(), diagnostics);
   return Outcome::null;

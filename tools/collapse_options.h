@@ -49,12 +49,24 @@ void declareStageOption(CLI::App& app, host::ShaderStage& stage);
 /// -o.
 void declareOutputOption(CLI::App& app, std::string& file);
 
+/// Whether and where to write a dependency file.
+struct DepfileOptions {
+  bool wanted = false;
+  std::string file;
+};
+/// -MD and -MF.
+void declareDepfileOptions(CLI::App& app, DepfileOptions& options);
+/// Throws InputError when a dependency file is wanted for a result that is in no file.
+void checkDepfile(const DepfileOptions& options, const std::string& output);
+/// Writes the dependency file, if one is wanted.
+void writeDepfile(const DepfileOptions& options, const std::string& output, const host::CollapseJob& job);
+
 /// How a collapse ended: with a result, with the answer null, or with an exception of the generator.
 enum class Outcome { done, null, thrown };
 
 /// Collapses. A refusal is written: the generator's message as it stands, and the place in the documents in a
 /// line of its own.
-Outcome collapse(host::CollapseJob& job, host::Diagnostics& diagnostics);
+Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics& diagnostics);
 
 /// The complete shader of a job that is done; nothing when it cannot be one, which is then written.
 std::optional<host::AssembledShader> assemble(const host::CollapseJob& job, host::ShaderStage stage,

@@ -34,6 +34,9 @@ private:
 };
 
 std::unique_ptr<Command> makeCollapseCommand(CLI::App& parent);
+std::unique_ptr<Command> makeCompileCommand(CLI::App& parent);
+std::unique_ptr<Command> makeListCommand(CLI::App& parent);
+std::unique_ptr<Command> makeDumpCommand(CLI::App& parent);
 
 /// All commands, in the order in which help lists them.
 std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& parent);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iostream>
 
 #include "host/host_version.h"
@@ -15,6 +16,15 @@ std::string asDiagnostic(std::string text) {
   const auto isUpper = [&text](std::size_t i) { return i < text.size() && text[i] >= 'A' && text[i] <= 'Z'; };
   if (isUpper(0) && !isUpper(1)) text[0] = static_cast<char>(text[0] - 'A' + 'a');
   return text;
+}
+
+/// The compilers' spelling of two options: the parser knows one dash in front of one letter only.
+std::vector<std::string> spelledForParser(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  for (std::string& argument : arguments) {
+    if (argument == "-MD" || argument == "-MF") argument.insert(0, "-");
+  }
+  return arguments;
 }
 
 /// Help and version leave through the parser's exceptions, too.
@@ -48,7 +58,10 @@ int main(int argc, char** argv) {
   const auto commands = tools::makeCommands(app);
   host::Diagnostics diagnostics = host::Diagnostics::standard();
   try {
-    app.parse(argc, argv);
+    // The parser takes them from the end.
+    std::vector<std::string> arguments = spelledForParser(argc, argv);
+    std::reverse(arguments.begin(), arguments.end());
+    app.parse(arguments);
   } catch (const CLI::ParseError& error) {
     return answerParseError(app, error, diagnostics);
   }

@@ -1,0 +1,409 @@
+#include "host/warnings.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "host/document_reader.h"
+#include "host/fragment_files.h"
+#include "host/identifiers.h"
+#include "sfg/code_snippet.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+constexpr std::wstring_view kDefaultProfile = L"default";
+constexpr std::wstring_view kMslLightProfile = L"msl_light";
+constexpr float kChainLod = 100.0f;
+
+using Profile = const IShaderFragmentProfile*;
+/// Each once, in the order in which they are chosen.
+using Profiles = std::vector<Profile>;
+
+void insert(Profiles& profiles, Profile profile) {
+  const bool isNew = std::find(profiles.begin(), profiles.end(), profile) == profiles.end();
+  if (profile != nullptr && isNew) profiles.push_back(profile);
+}
+
+bool readsCurrentLight(Profile profile) {
+  return profile->stateVariables().contains(StateVariable_currentLight);
+}
+
+/// A fragment with the profiles that its instances in this collapse take.
+struct Use {
+  const IShaderFragment* fragment = nullptr;
+  std::size_t count = 0;  ///< instances times profiles of each
+  Profiles profiles;
+};
+
+/// What is left of raw text without comments, preprocessor lines and blanks.
+bool holdsStatement(const ScopedText& raw) {
+  std::size_t pos = 0;
+  while (pos < raw.length) {
+    const std::size_t start = pos;
+    skipWhitespaces(raw, pos);
+    if (pos < raw.length && raw.text[pos] == L'#') skipLine(raw, pos);
+    if (pos == start) return true;
+  }
+  return false;
+}
+
+/// The first line of a raw statement in the predefines, or nothing.
+std::optional<std::string> rawStatement(const IShaderFragmentProfile& profile) {
+  CodeSnippet snippet;
+  snippet.addCode(profile.predefines());
+  snippet.parse();
+  for (std::size_t i = 0; i < snippet.getNumSymbols(); ++i) {
+    const ShaderSymbol& symbol = snippet.getSymbol(i);
+    if (symbol.getType() != EShaderSymbolType::unknown || !holdsStatement(symbol.getRange())) continue;
+    const std::wstring_view text = symbol.getRange().view();
+    return toUtf8(text.substr(0, text.find(L'\n')));
+  }
+  return std::nullopt;
+}
+
+/// Names of the functions, structures and variables that the predefines declare.
+Set<WString> helperNames(const IShaderFragmentProfile& profile) {
+  CodeSnippet snippet;
+  snippet.addCode(profile.predefines());
+  snippet.parse();
+  Set<WString> names;
+  for (std::size_t i = 0; i < snippet.getNumSymbols(); ++i) {
+    const ScopedText name = snippet.getSymbol(i).getName();
+    if (!name.empty()) names.insert(WString(name.view()));
+  }
+  return names;
+}
+
+class Search {
+public:
+  Search(const CollapseJob& job, bool completeShader)
+      : job_(job), document_(job.document()), completeShader_(completeShader) {
+    findProfileNames();
+    findReachable();
+    findLit();
+    findUses();
+  }
+
+  std::vector<Warning> run() {
+    inlineAtOutput();
+    unlitBetweenLit();
+    litAtOutputAndInLit();
+    structureAccumulated();
+    litWithoutLights();
+    profileNobodyOffers();
+    graphInputOfLightLoop();
+    namesInsideOthers();
+    rawStatements();
+    return std::move(warnings_);
+  }
+
+private:
+  bool isLightLoop() const { return job_.settings().tool == CollapseTool::lightLoop; }
+  const Array<ShadingEnvironment::Light>& lights() const { return job_.environment().lights(); }
+  std::size_t nodeCount() const { return document_.getNumNodes(); }
+
+  void warn(TextPosition position, const std::string& text) {
+    warnings_.push_back({InputError(document_.file(), position, text).place(), text});
+  }
+  /// A warning about a fragment's own code, at its place in the library.
+  void warnOfFragment(const IShaderFragment& fragment, const std::string& text) {
+    if (!files_) files_.emplace(job_.settings().libraryFolders);
+    const FragmentFiles::Entry* const entry = files_->find(fragment.key());
+    warnings_.push_back({entry != nullptr ? entry->place() : std::string(),
+                         "fragment " + inTicks(fragment.key()) + ": " + text});
+  }
+
+  static std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
+
+  /// The profile names under which the surface is evaluated.
+  void findProfileNames() {
+    if (!isLightLoop() || lights().empty()) {
+      surfaceProfiles_.insert(WString(kDefaultProfile));
+      return;
+    }
+    for (const ShadingEnvironment::Light& light : lights())
+      surfaceProfiles_.insert(light.profile->getProfilename());
+  }
+
+  /// The profile that an instance takes: the one of that name, else "default"; null when there is neither.
+  Profile chosen(const IShaderFragment& fragment, const WString& name, float lod) const {
+    const UString& language = job_.options().getLanguage();
+    const Profile best = fragment.findBestProfile(name, language, lod);
+    return best != nullptr ? best : fragment.findBestProfile(WString(kDefaultProfile), language, lod);
+  }
+
+  Profiles surfaceProfilesOf(const IShaderFragment& fragment) const {
+    Profiles profiles;
+    for (const WString& name : surfaceProfiles_) {
+      insert(profiles, chosen(fragment, name, job_.options().getSurfaceLOD()));
+    }
+    return profiles;
+  }
+
+  /// Nodes that feed an output, sources before the nodes they feed.
+  void findReachable() {
+    enum class Mark { none, open, done };
+    std::vector<Mark> marks(nodeCount(), Mark::none);
+    std::vector<std::size_t> open;
+    for (const GraphNode::Wire& wire : document_.outputWires()) {
+      if (wire.source != nullptr) open.push_back(wire.source->index());
+      while (!open.empty()) {
+        const std::size_t node = open.back();
+        if (marks[node] == Mark::none) {
+          marks[node] = Mark::open;
+          for (const GraphNode::Wire& input : document_.node(node).wires()) {
+            if (input.source != nullptr && marks[input.source->index()] == Mark::none) {
+              open.push_back(input.source->index());
+            }
+          }
+        } else {
+          open.pop_back();
+          if (marks[node] == Mark::open) order_.push_back(node);
+          marks[node] = Mark::done;
+        }
+      }
+    }
+  }
+
+  /// Which nodes read the current light, are fed by one that does, or feed one that does.
+  void findLit() {
+    lit_.resize(nodeCount());
+    belowLit_.resize(nodeCount());
+    feedsLit_.resize(nodeCount());
+    accumulated_.resize(nodeCount());
+    for (const std::size_t node : order_) {
+      const Profiles profiles = surfaceProfilesOf(fragmentOf(node));
+      lit_[node] = std::any_of(profiles.begin(), profiles.end(), readsCurrentLight);
+      for (const GraphNode::Wire& wire : document_.node(node).wires()) {
+        if (wire.source == nullptr) continue;
+        const std::size_t source = wire.source->index();
+        if (lit_[source] || belowLit_[source]) belowLit_[node] = true;
+      }
+    }
+    for (auto node = order_.rbegin(); node != order_.rend(); ++node) {
+      for (const GraphNode::Wire& wire : document_.node(*node).wires()) {
+        if (wire.source != nullptr && (lit_[*node] || feedsLit_[*node]))
+          feedsLit_[wire.source->index()] = true;
+      }
+    }
+    findAccumulated();
+  }
+
+  /// The lit nodes nearest to the outputs: the light loop accumulates them.
+  void findAccumulated() {
+    std::vector<bool> shown(nodeCount());
+    for (const GraphNode::Wire& wire : document_.outputWires()) {
+      if (wire.source != nullptr) shown[wire.source->index()] = true;
+    }
+    for (auto node = order_.rbegin(); node != order_.rend(); ++node) {
+      if (!shown[*node]) continue;
+      accumulated_[*node] = lit_[*node];
+      if (lit_[*node]) continue;
+      for (const GraphNode::Wire& wire : document_.node(*node).wires()) {
+        if (wire.source != nullptr) shown[wire.source->index()] = true;
+      }
+    }
+  }
+
+  const IShaderFragment& fragmentOf(std::size_t node) const {
+    return *job_.libraries().language().findFragment(document_.node(node).fragmentName());
+  }
+
+  void findUses() {
+    for (const std::size_t node : order_) addUse(fragmentOf(node), surfaceProfilesOf(fragmentOf(node)));
+    for (const auto* chain : {&document_.preprocess(), &document_.postprocess()}) {
+      for (const GraphDocument::ChainFragment& link : *chain) {
+        addUse(*link.fragment, {chosen(*link.fragment, WString(kDefaultProfile), kChainLod)});
+      }
+    }
+    if (!isLightLoop()) return;
+    for (const ShadingEnvironment::Light& light : lights()) {
+      const float lod = job_.options().getLightLOD();
+      Profiles profiles;
+      insert(profiles, chosen(*light.fragment, light.profile->getProfilename(), lod));
+      insert(profiles,
+             light.fragment->findBestProfile(WString(kMslLightProfile), job_.options().getLanguage(), lod));
+      addUse(*light.fragment, profiles);
+    }
+  }
+
+  void addUse(const IShaderFragment& fragment, const Profiles& profiles) {
+    Use& use = uses_[fragment.key()];
+    use.fragment = &fragment;
+    for (const Profile profile : profiles) {
+      if (profile == nullptr) continue;
+      insert(use.profiles, profile);
+      ++use.count;
+    }
+  }
+
+  void inlineAtOutput() {
+    if (isLightLoop()) return;
+    for (std::size_t i = 0; i < document_.getNumOutputs(); ++i) {
+      const GraphNode::Wire& wire = document_.outputWires()[i];
+      if (wire.source == nullptr) continue;
+      const Profiles profiles = surfaceProfilesOf(fragmentOf(wire.source->index()));
+      if (profiles.empty() || (*profiles.begin())->getMode() != EShaderFragmentProfileMode::Inline) continue;
+      warn(wire.position, "graph output " + inTicks(document_.getOutput(i)->getName()) +
+                              " is never assigned: " + named(*wire.source) + " uses the inline fragment " +
+                              inTicks(wire.source->fragmentName()) +
+                              ", which the default tool cannot end in");
+    }
+  }
+
+  void unlitBetweenLit() {
+    if (!isLightLoop() || lights().size() < 2) return;
+    for (std::size_t i = 0; i < nodeCount(); ++i) {
+      if (lit_[i] || !belowLit_[i] || !feedsLit_[i]) continue;
+      warn(document_.node(i).position(),
+           named(document_.node(i)) +
+               " keeps its value of the first light: it is not lit, but stands between lit nodes");
+    }
+  }
+
+  void litAtOutputAndInLit() {
+    if (!isLightLoop() || lights().size() < 2) return;
+    for (std::size_t i = 0; i < nodeCount(); ++i) {
+      if (!accumulated_[i] || !feedsLit_[i]) continue;
+      warn(document_.node(i).position(),
+           named(document_.node(i)) +
+               " feeds both an output and another lit node, which reads the sum over the lights so far");
+    }
+  }
+
+  void structureAccumulated() {
+    if (!isLightLoop()) return;
+    for (std::size_t i = 0; i < nodeCount(); ++i) {
+      if (!accumulated_[i]) continue;
+      const GraphNode& node = document_.node(i);
+      for (std::size_t k = 0; k < node.getNumOutputs(); ++k) {
+        if (componentCount(node.getOutput(k)->getType()) != 0) continue;
+        warn(node.position(), "output " + inTicks(node.getOutput(k)->getName()) + " of " + named(node) +
+                                  " of type " + typeText(*node.getOutput(k)) +
+                                  " is summed over the lights, but has no `+=`");
+      }
+    }
+  }
+
+  void litWithoutLights() {
+    if (isLightLoop() && !lights().empty()) return;
+    for (std::size_t i = 0; i < nodeCount(); ++i) {
+      if (!lit_[i]) continue;
+      warn(document_.node(i).position(),
+           named(document_.node(i)) + " reads the current light, but " +
+               (isLightLoop() ? "the environment has no lights"
+                              : "only the light loop (`--tool lightloop`) has one"));
+    }
+  }
+
+  /// An unlit graph and one whose MetaSL code asks every light by itself have no use for light profiles.
+  void profileNobodyOffers() {
+    if (!isLightLoop() || !hasLitProfile()) return;
+    Set<WString> told;
+    for (const ShadingEnvironment::Light& light : lights()) {
+      const WString& name = light.profile->getProfilename();
+      if (isOffered(name) || !told.insert(name).second) continue;
+      const std::string text = "light " + inTicks(light.name) + " asks for the profile " + inTicks(name) +
+                               ", which no fragment of the graph has";
+      warnings_.push_back({InputError(job_.environment().file(), light.position, text).place(), text});
+    }
+  }
+
+  bool hasLitProfile() const {
+    const UString& language = job_.options().getLanguage();
+    return std::any_of(order_.begin(), order_.end(), [&](std::size_t node) {
+      const IShaderFragment& fragment = fragmentOf(node);
+      for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i) {
+        const Profile profile = fragment.getProfile(i);
+        if (profile->languages().contains(language) && readsCurrentLight(profile)) return true;
+      }
+      return false;
+    });
+  }
+
+  bool isOffered(const WString& profile) const {
+    return std::any_of(order_.begin(), order_.end(), [&](std::size_t node) {
+      return fragmentOf(node).findBestProfile(profile, job_.options().getLanguage(), 0.0f) != nullptr;
+    });
+  }
+
+  void graphInputOfLightLoop() {
+    if (!isLightLoop() || completeShader_) return;
+    Set<std::size_t> told;
+    for (std::size_t i = 0; i < nodeCount(); ++i) {
+      for (const GraphNode::Wire& wire : document_.node(i).wires()) {
+        if (wire.graphInput == kNotFound || !told.insert(wire.graphInput).second) continue;
+        warn(wire.position, "the light-loop function has no parameter for the graph input " +
+                                inTicks(document_.getInput(wire.graphInput)->getName()) +
+                                "; only the complete shader (`--format shader`) declares it");
+      }
+    }
+  }
+
+  /// Renames replace text inside identifiers, too.
+  void namesInsideOthers() {
+    for (const auto& [key, use] : uses_) {
+      Set<std::string> told;
+      for (const Profile profile : use.profiles) {
+        const WString code = profile->predefines() + L"\n" + profile->getFunctionBody();
+        const Set<std::wstring_view> identifiers = identifiersOf(code);
+        for (std::size_t i = 0; i < use.fragment->getNumUniforms(); ++i) {
+          const AParameter& uniform = *use.fragment->getUniform(i);
+          const bool isSampler = isSamplerType(uniform.getType());
+          nameInsideOthers(use, "uniform", uniform.getName(), isSampler, identifiers, told);
+        }
+        for (const WString& helper : helperNames(*profile)) {
+          nameInsideOthers(use, "helper", helper, false, identifiers, told);
+        }
+      }
+    }
+  }
+
+  void nameInsideOthers(const Use& use, const char* kind, const WString& name, bool isSampler,
+                        const Set<std::wstring_view>& identifiers, Set<std::string>& told) {
+    for (const std::wstring_view other : identifiers) {
+      if (other == name || other.find(name) == other.npos) continue;
+      if (isSampler && other == L"sampler_" + name) continue;
+      const std::string text = std::string("the ") + kind + " name " + inTicks(name) + " occurs inside " +
+                               inTicks(other) + ", which is changed with it when it is renamed";
+      if (told.insert(text).second) warnOfFragment(*use.fragment, text);
+      return;
+    }
+  }
+
+  void rawStatements() {
+    for (const auto& [key, use] : uses_) {
+      if (use.count < 2) continue;
+      for (const Profile profile : use.profiles) {
+        const std::optional<std::string> statement = rawStatement(*profile);
+        if (!statement) continue;
+        warnOfFragment(*use.fragment, "it is used " + std::to_string(use.count) + " times, and so often `" +
+                                          *statement + "` of its predefines is written");
+        break;
+      }
+    }
+  }
+
+  const CollapseJob& job_;
+  const GraphDocument& document_;
+  bool completeShader_;
+  Set<WString> surfaceProfiles_;
+  std::vector<std::size_t> order_;
+  std::vector<bool> lit_;
+  std::vector<bool> belowLit_;
+  std::vector<bool> feedsLit_;
+  std::vector<bool> accumulated_;
+  Map<WString, Use> uses_;
+  std::optional<FragmentFiles> files_;
+  std::vector<Warning> warnings_;
+};
+
+}  // namespace
+
+std::vector<Warning> findWarnings(const CollapseJob& job, bool completeShader) {
+  return Search(job, completeShader).run();
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

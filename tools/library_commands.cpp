@@ -1,0 +1,103 @@
+#include <algorithm>
+#include <clocale>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+#include "host/fragment_files.h"
+#include "host/output_file.h"
+#include "sfg/shader_fragment.h"
+#include "tolmsdk/unicode.h"
+#include "tools/collapse_options.h"
+#include "tools/command.h"
+
+namespace TolmSDK::Graphics::sfg::tools {
+
+namespace {
+
+class ListCommand : public Command {
+public:
+  explicit ListCommand(CLI::App& parent)
+      : Command(*parent.add_subcommand("list", "List the fragments of libraries: name, place, description")) {
+    declareLibraryOptions(app(), settings_);
+    app()
+        .add_option("WORD", word_, "only fragments whose name or description holds this text")
+        ->type_name("TEXT");
+    app().footer("Example:\n\n  sfg list -L library noise\n");
+  }
+
+  int run(host::Diagnostics&) override {
+    const host::LoadedLibraries libraries(settings_.libraryFolders, settings_.includeFolders,
+                                          settings_.language);
+    const host::FragmentFiles files(settings_.libraryFolders);
+    std::vector<std::array<std::string, 3>> rows;
+    for (const auto& [name, entry] : files.entries()) {
+      // What did not load is no fragment; the log has said why.
+      if (libraries.language().findFragment(name) == nullptr) continue;
+      const std::string text = toUtf8(name) + " " + toUtf8(entry.description);
+      if (text.find(word_) != text.npos)
+        rows.push_back({toUtf8(name), entry.place(), toUtf8(entry.description)});
+    }
+    host::writeOutput(std::string(), table(rows));
+    return kDone;
+  }
+
+private:
+  static std::string table(const std::vector<std::array<std::string, 3>>& rows) {
+    std::size_t widths[2] = {0, 0};
+    for (const auto& row : rows) {
+      for (std::size_t i = 0; i < 2; ++i) widths[i] = std::max(widths[i], row[i].size());
+    }
+    std::string text;
+    for (const auto& row : rows) {
+      std::string line = row[0] + std::string(widths[0] - row[0].size() + 2, ' ') + row[1];
+      if (!row[2].empty()) line += std::string(widths[1] - row[1].size() + 2, ' ') + row[2];
+      text += line + "\n";
+    }
+    return text;
+  }
+
+  host::CollapseSettings settings_;
+  std::string word_;
+};
+
+class DumpCommand : public Command {
+public:
+  explicit DumpCommand(CLI::App& parent)
+      : Command(*parent.add_subcommand("dump",
+                                       "Describe fragments: uniforms, ports and the code of every profile")) {
+    declareLibraryOptions(app(), settings_);
+    app().add_option("FRAGMENT", names_, "name of a fragment")->type_name("NAME")->required();
+    app().footer("Example:\n\n  sfg dump -L library mixFloat3\n");
+  }
+
+  int run(host::Diagnostics& diagnostics) override {
+    const host::LoadedLibraries libraries(settings_.libraryFolders, settings_.includeFolders,
+                                          settings_.language);
+    // The description is wide text on the standard output stream.
+    if (std::setlocale(LC_CTYPE, "C.UTF-8") == nullptr) std::setlocale(LC_CTYPE, "");
+    int status = kDone;
+    for (const std::string& name : names_) {
+      const IShaderFragment* const fragment = libraries.language().findFragment(fromUtf8(name));
+      if (fragment != nullptr) {
+        host::cloneWithPorts(*fragment, WString(), libraries.language())->debugDump();
+      } else {
+        diagnostics.error(std::string(), "unknown fragment `" + name + "`");
+        status = kWrongUsage;
+      }
+    }
+    return status;
+  }
+
+private:
+  host::CollapseSettings settings_;
+  std::vector<std::string> names_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeListCommand(CLI::App& parent) { return std::make_unique<ListCommand>(parent); }
+
+std::unique_ptr<Command> makeDumpCommand(CLI::App& parent) { return std::make_unique<DumpCommand>(parent); }
+
+}  // namespace TolmSDK::Graphics::sfg::tools
