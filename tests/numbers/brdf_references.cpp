@@ -1,7 +1,7 @@
 // References of brdf.fraglib. Directions are unit vectors away from the surface; alpha is the square of the
 // roughness.
 
-#include "tests/numbers/reference_tools.h"
+#include "tests/numbers/reference_brdf.h"
 #include "tests/numbers/row.h"
 
 namespace numbers_test {
@@ -13,46 +13,9 @@ Tolerance const kPower{1e-5, 1e-4,
                        "Vulkan's pow is exp2(b log2 a), and the errors of a cosine grow with the exponent"};
 Tolerance const kLobe{1e-5, 1e-3, "a rounded cosine near 1 against alpha^2, down to 0.008, in a square"};
 
-double alphaOf(double roughness) { return roughness * roughness; }
-
-// Schlick 1994, equation 15.
-Vec3 schlick(Vec3 f0, double cosine) { return f0 + (splat(1.0) - f0) * std::pow(1.0 - cosine, 5.0); }
-
-// Walter et al. 2007, equation 33, with the tangent of the angle.
-double ggx(double alpha, double cosine) {
-  double const tangent2 = (1.0 - cosine * cosine) / (cosine * cosine);
-  double const a2 = alpha * alpha;
-  return a2 / (kPi * std::pow(cosine, 4) * std::pow(a2 + tangent2, 2));
-}
-
-// Heitz 2014, equations 72 and 99: Smith's function for GGX and the height-correlated product.
-double smithLambda(double alpha, double cosine) {
-  double const tangent2 = (1.0 - cosine * cosine) / (cosine * cosine);
-  return (std::sqrt(1.0 + alpha * alpha * tangent2) - 1.0) / 2.0;
-}
-
-double visibility(double alpha, double nDotL, double nDotV) {
-  double const masking = 1.0 / (1.0 + smithLambda(alpha, nDotL) + smithLambda(alpha, nDotV));
-  return masking / (4.0 * nDotL * nDotV);
-}
-
-// Oren and Nayar 1994, equation 30, in angles; times the cosine of the light.
 Result orenNayar(Sample const& in) {
-  Vec3 const n = in.vec3(0);
-  Vec3 const l = in.vec3(1);
-  Vec3 const v = in.vec3(2);
-  if (dot(n, l) <= 0.0) {
-    return Result(0.0);
-  }
-  double const variance = in(3) * in(3);
-  double const a = 1.0 - 0.5 * variance / (variance + 0.33);
-  double const b = 0.45 * variance / (variance + 0.09);
-  double const lightAngle = std::acos(clamp01(dot(n, l)));
-  double const viewAngle = std::acos(clamp01(dot(n, v)));
-  double const azimuth = dot(unit(l - n * dot(n, l)), unit(v - n * dot(n, v)));
-  double const rough = std::max(azimuth, 0.0) * std::sin(std::max(lightAngle, viewAngle)) *
-                       std::tan(std::min(lightAngle, viewAngle));
-  return Result(std::cos(lightAngle) / kPi * (a + b * rough));
+  double const cosine = std::max(dot(in.vec3(0), in.vec3(1)), 0.0);
+  return Result(orenNayarFactor(in.vec3(0), in.vec3(1), in.vec3(2), in(3)) * cosine / kPi);
 }
 
 // Burley 2012, section 5.3; times the cosine of the light.
@@ -76,9 +39,8 @@ Result phongLobe(Sample const& in) {
   return Result((in(3) + 2.0) / (2.0 * kPi) * std::pow(cosine, in(3)));
 }
 
-Result blinnLobe(Sample const& in) {
-  double const cosine = std::max(dot(in.vec3(0), unit(in.vec3(1) + in.vec3(2))), 0.0);
-  return Result((in(3) + 8.0) / (8.0 * kPi) * std::pow(cosine, in(3)));
+Result blinnHighlight(Sample const& in) {
+  return Result(blinnLobe(in.vec3(0), in.vec3(1), in.vec3(2), in(3)));
 }
 
 // Fresnel's equations for the two polarisations.
@@ -95,7 +57,7 @@ Result beckmann(Sample const& in) {
   return Result(std::exp(-std::pow(std::tan(angle), 2) / a2) / (kPi * a2 * std::pow(std::cos(angle), 4)));
 }
 
-// Estevez and Kulla 2017, equation 2.
+// Estevez and Kulla 2017.
 Result charlie(Sample const& in) {
   double const inverse = 1.0 / alphaOf(in(1));
   return Result((2.0 + inverse) * std::pow(std::sin(std::acos(in(0))), inverse) / (2.0 * kPi));
@@ -137,8 +99,7 @@ Result ggxAnisotropic(Sample const& in) {
 Result blinnForGgx(Sample const& in) {
   double const alpha = std::max(alphaOf(in(4)), 0.05);
   double const exponent = 2.0 / (alpha * alpha) - 2.0;
-  double const cosine = std::max(dot(in.vec3(0), unit(in.vec3(1) + in.vec3(2))), 0.0);
-  return Result(in.vec3(3) * ((exponent + 8.0) / (8.0 * kPi) * std::pow(cosine, exponent)));
+  return Result(in.vec3(3) * blinnLobe(in.vec3(0), in.vec3(1), in.vec3(2), exponent));
 }
 
 // Flat steps; the last share `softness` of each rises to the next along the cubic Hermite curve.
@@ -223,7 +184,7 @@ std::vector<Row> lobeRows() {
                                         number("exponent", 1, 100)};
   return {
       {"phong", highlight, kPower, phongLobe},
-      {"blinnPhong", highlight, kPower, blinnLobe},
+      {"blinnPhong", highlight, kPower, blinnHighlight},
       {"ggxSpecular",
        {unit3("normal"), unit3("light"), above3("view"), vector3("reflectance", 0, 1),
         number("roughness", 0.3, 1)},

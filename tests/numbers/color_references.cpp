@@ -11,7 +11,7 @@ Tolerance const kOneRounding{1e-37, 0.5 * kUlp, "one correctly rounded operation
 Tolerance const kPower{1e-5, 2e-5, "Vulkan's pow is exp2(b log2 a), log2 2^-21 off around 1"};
 Tolerance const kHue{1e-4, 0.0, "the hue divides rounded differences by a chroma of 1e-3 and more"};
 
-// IEC 61966-2-1, clause 5.2: the two directions of one channel.
+// IEC 61966-2-1: the two directions of one channel.
 double decodeSrgb(double v) {
   return v <= 0.04045 ? std::max(v, 0.0) / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
 }
@@ -20,7 +20,7 @@ double encodeSrgb(double v) {
   return v <= 0.0031308 ? 12.92 * std::max(v, 0.0) : 1.055 * std::pow(v, 1.0 / 2.4) - 0.055;
 }
 
-// ITU-R BT.709, item 3.2.
+// ITU-R BT.709.
 double luminanceOf(Vec3 c) { return 0.2126 * c.x + 0.7152 * c.y + 0.0722 * c.z; }
 
 double chromaOf(Vec3 c) { return std::max({c.x, c.y, c.z}) - std::min({c.x, c.y, c.z}); }

@@ -10,6 +10,7 @@
 #include "host/shader_options.h"
 #include "host/shading_environment.h"
 #include "sfg/shader_collapse_tool_default.h"
+#include "sfg/shader_collapse_tool_light_loop.h"
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile.h"
 #include "sfg/shader_includes.h"
@@ -133,13 +134,14 @@ ATextParameterList withState(IShaderFragmentProfile const& code) {
 // varying state), a state uniform, or a uniform of the fragment, which was given a longer name. Empty if it
 // reads none.
 std::string nameInCode(Input const& input, ITextParameterList const& parameters,
-                       IShaderFragment const& result) {
+                       IShaderFragment const& result, AShaderFragmentGraph const& graph) {
   for (std::size_t i = 0; i < parameters.getNumInputs(); ++i) {
     if (toUtf8(parameters.getInputName(i)) == input.name) {
       return input.name;
     }
   }
-  if (isStateVariableUniform(UString(fromUtf8(input.name)))) {
+  bool const isGraphInput = graph.findInputIndex(fromUtf8(input.name).c_str()) != kNotFound;
+  if (isGraphInput || isStateVariableUniform(UString(fromUtf8(input.name)))) {
     return input.name;
   }
   for (std::size_t i = 0; i < result.getNumUniforms(); ++i) {
@@ -151,18 +153,25 @@ std::string nameInCode(Input const& input, ITextParameterList const& parameters,
   return {};
 }
 
-// What the row names is filled from the sample; the rest, which the code mentions only for other connections,
-// is zero.
+// What the row names is filled from the sample (state that the code does not read, too); the rest, which the
+// code mentions only for other connections, is zero.
 void placeInputs(FragmentProfile const& profile, ITextParameterList const& parameters, Row const& row,
-                 IShaderFragment const& result, Function& function) {
+                 IShaderFragment const& result, AShaderFragmentGraph const& graph, Function& function) {
+  std::set<std::string> locals;
+  for (std::size_t i = 0; i < parameters.getNumInputs(); ++i) {
+    locals.insert(toUtf8(parameters.getInputName(i)));
+  }
   std::set<std::string> filled;
   for (Input const& input : row.inputs) {
-    std::string const name = nameInCode(input, parameters, result);
+    std::string const name = nameInCode(input, parameters, result, graph);
     if (name.empty()) {
-      refuse(profile, "the code does not read `" + input.name + "`");
+      if (!isStateVariable(UString(fromUtf8(input.name)))) {
+        refuse(profile, "the code does not read `" + input.name + "`");
+      }
+      function.inputs.push_back({{input.name, input.type}, false});
+      continue;
     }
-    bool const isGlobal = name != input.name || isStateVariableUniform(UString(fromUtf8(name)));
-    function.inputs.push_back({{name, input.type}, isGlobal});
+    function.inputs.push_back({{name, input.type}, !locals.contains(name)});
     filled.insert(name);
   }
   for (std::size_t i = 0; i < parameters.getNumInputs(); ++i) {
@@ -181,6 +190,38 @@ void placeInputs(FragmentProfile const& profile, ITextParameterList const& param
     }
   }
   function.code = unset + function.code;
+}
+
+template <typename Tool>
+Function collapseWith(FragmentProfile const& profile, Row const& row,
+                      host::ShadingEnvironment const& environment) {
+  RefPtr<AShaderFragmentGraph> const graph = graphOf(profile, row);
+  auto const options =
+      makeRef<host::ShaderOptions>(UString(L"dx11"), static_cast<float>(profile.lod), 100.0f, &environment);
+  auto const tool = makeRef<Tool>();
+  IShaderFragment const* const result =
+      tool->collapse(graph.get(), &environment, options.get(), &libraries().language());
+  if (result == nullptr) {
+    refuse(profile, "the collapse answers null");
+  }
+
+  IShaderFragmentProfile const& code = *result->getProfile(0);
+  ATextParameterList const parameters = withState(code);
+  WString definition = L"void " + code.getFunctionName() + L"(";
+  parameters.writeParameters(definition, L"    ", true);
+  definition += L")\n{\n" + code.getFunctionBody() + L"}\n";
+  WString call = code.getFunctionName() + L"(";
+  parameters.writeParameters(call, L"        ", false);
+  call += L");";
+
+  Function function;
+  function.code = includedText(code.includes()) + toUtf8(code.predefines()) + toUtf8(definition);
+  function.call = toUtf8(call);
+  placeInputs(profile, parameters, row, *result, *graph, function);
+  for (std::size_t i = 0; i < parameters.getNumOutputs(); ++i) {
+    function.outputs.push_back({toUtf8(parameters.getOutputName(i)), toUtf8(parameters.getOutputType(i))});
+  }
+  return function;
 }
 
 }  // namespace
@@ -206,34 +247,13 @@ std::vector<FragmentProfile> profilesIn(std::string const& file) {
 }
 
 Function collapsedFunction(FragmentProfile const& profile, Row const& row) {
-  RefPtr<AShaderFragmentGraph> const graph = graphOf(profile, row);
-  auto const environment = makeRef<host::ShadingEnvironment>();
-  auto const options =
-      makeRef<host::ShaderOptions>(UString(L"dx11"), static_cast<float>(profile.lod), 100.0f, nullptr);
-  auto const tool = makeRef<AShaderCollapseToolDefault>();
-  IShaderFragment const* const result =
-      tool->collapse(graph.get(), environment.get(), options.get(), &libraries().language());
-  if (result == nullptr) {
-    refuse(profile, "the collapse answers null");
-  }
+  return collapseWith<AShaderCollapseToolDefault>(profile, row, *makeRef<host::ShadingEnvironment>());
+}
 
-  IShaderFragmentProfile const& code = *result->getProfile(0);
-  ATextParameterList const parameters = withState(code);
-  WString definition = L"void " + code.getFunctionName() + L"(";
-  parameters.writeParameters(definition, L"    ", true);
-  definition += L")\n{\n" + code.getFunctionBody() + L"}\n";
-  WString call = code.getFunctionName() + L"(";
-  parameters.writeParameters(call, L"        ", false);
-  call += L");";
-
-  Function function;
-  function.code = includedText(code.includes()) + toUtf8(code.predefines()) + toUtf8(definition);
-  function.call = toUtf8(call);
-  placeInputs(profile, parameters, row, *result, function);
-  for (std::size_t i = 0; i < parameters.getNumOutputs(); ++i) {
-    function.outputs.push_back({toUtf8(parameters.getOutputName(i)), toUtf8(parameters.getOutputType(i))});
-  }
-  return function;
+Function litFunction(FragmentProfile const& profile, Row const& row, std::string const& environmentFile) {
+  RefPtr<host::ShadingEnvironment> const environment =
+      host::loadEnvironment(environmentFile, libraries().language());
+  return collapseWith<AShaderCollapseToolLightLoop>(profile, row, *environment);
 }
 
 std::vector<std::uint32_t> compileCompute(std::string const& hlsl) {

@@ -21,8 +21,12 @@ struct FragmentProfile {
 std::vector<FragmentProfile> profilesIn(std::string const& file);
 
 // What the generator makes of a graph of this one fragment, whose inputs are graph inputs: the collapsed
-// function over the inputs of the row. Throws std::runtime_error when the row does not fit the fragment.
+// function over the inputs of the row. Throws std::runtime_error when the row does not fit the fragment; what
+// the row does not name is zero.
 Function collapsedFunction(FragmentProfile const& profile, Row const& row);
+
+// The same of a surface, collapsed by the light loop under the lights of an environment document.
+Function litFunction(FragmentProfile const& profile, Row const& row, std::string const& environmentFile);
 
 // Compiles a compute shader with the entry point "main" to validated SPIR-V. Throws std::runtime_error with
 // the compiler's complaints and the text.

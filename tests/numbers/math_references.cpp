@@ -13,7 +13,7 @@ Tolerance const kTrigonometry{0x1p-11, 0.0, "Vulkan's sine and cosine are off by
 Tolerance const kArcTangent{1e-6, 4096.0 * kUlp,
                             "Vulkan's arc tangent is off by up to 4096 units in the last place"};
 
-// Schlick 1994, "Fast Alternatives to Perlin's Bias and Gain Functions", equations 3 and 4.
+// Schlick 1994, "Fast Alternatives to Perlin's Bias and Gain Functions".
 double schlickBias(double t, double a) { return t / ((1.0 / a - 2.0) * (1.0 - t) + 1.0); }
 
 double schlickGain(double t, double a) {

@@ -32,7 +32,7 @@ bool refractionOnEdge(Sample const& in) {
   return std::fabs(1.0 - sine * sine) < 1e-3;
 }
 
-// Duff et al. 2017, listing 3.
+// Duff et al. 2017.
 Result duffBasis(Sample const& in) {
   Vec3 const n = in.vec3(0);
   double const sign = std::copysign(1.0, n.z);
