@@ -1,4 +1,4 @@
-#include "collapse/literal_collapse.h"
+#include "tests/support/literal_collapse.h"
 
 #include <chrono>
 #include <functional>
