@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Which folder may include which: check_includes.sh ROOT
 #
-# A folder sees the headers named below, its own, and the language's library. Tests may include what they like.
+# A folder sees the headers named below, its own, and the language's library. Tests and what their names show to be
+# theirs (x_test.cpp, x_fixture.h, test_x.h) may include what they like.
 set -euo pipefail
 cd "$1"
 
@@ -14,7 +15,7 @@ allow() {
     echo "$line"
     bad=$((bad + 1))
   done < <(grep -rnE --include='*.h' --include='*.cpp' '^ *# *include' "$folder" | LC_ALL=C sort -t: -k1,1 -k2,2n |
-    grep -vE '_(test|fuzz|benchmark)\.cpp:|^[^:]*/test_[^/:]*:' |
+    grep -vE '_(test|fuzz|benchmark)\.cpp:|_fixture\.h:|^[^:]*/test_[^/:]*:' |
     grep -vE ":[0-9]+: *# *include *(<[a-z_0-9]+>|[<\"]($pattern)/)")
 }
 
