@@ -10,6 +10,12 @@ namespace {
 namespace tools = TolmSDK::Graphics::sfg::tools;
 namespace host = TolmSDK::Graphics::sfg::host;
 
+constexpr const char* kExample =
+    "Example: a material of the examples, first as HLSL, then as a SPIR-V module.\n\n"
+    "  sfg collapse examples/materials/brick.json -L library -I library\n"
+    "  sfg compile examples/materials/brick.json -L library -I library --target spirv -o brick.spv\n\n"
+    "`sfg collapse --help` shows how fragments and graphs are written.\n";
+
 /// The parser's messages in the form of all diagnostics.
 std::string asDiagnostic(std::string text) {
   if (const std::size_t end = text.find_last_not_of(". \n"); end != text.npos) text.resize(end + 1);
@@ -54,6 +60,7 @@ int runChosen(const std::vector<std::unique_ptr<tools::Command>>& commands,
 int main(int argc, char** argv) {
   CLI::App app("Collapses graphs of shader fragments into one shader function.", "sfg");
   app.set_version_flag("--version", host::versionLine());
+  app.footer(kExample);
   app.require_subcommand(0, 1);
   const auto commands = tools::makeCommands(app);
   host::Diagnostics diagnostics = host::Diagnostics::standard();
