@@ -1,5 +1,7 @@
 // The complete shader of `sfg collapse`, and what `sfg compile` makes of it.
 
+#include <gmock/gmock.h>
+
 #include "tools/command_test_support.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
@@ -412,7 +414,14 @@ TEST_F(ShaderTest, ComplaintOfACompilerNamesTheFragmentAndItsFile) {
   const CommandRun result = run("compile graph.json -L lib --target spirv -o out.spv");
   EXPECT_EQ(result.status, 1);
   EXPECT_FALSE(exists("out.spv"));
-  EXPECT_EQ(result.err, "");
+  EXPECT_THAT(
+      result.err,
+      testing::StartsWith(
+          "graph.json: error: the generated shader does not compile\ngenerated:12: error: 'colour' : "));
+  EXPECT_THAT(result.err,
+              testing::HasSubstr(
+                  "generated:12: note: the line is `result = colour;`\n"
+                  "lib/more.fraglib:2:13: note: function `broken1` is of fragment `broken`, node `bad`\n"));
 }
 
 TEST_F(ShaderTest, ComplaintAboutACallNamesTheNodesInIt) {
@@ -421,7 +430,14 @@ TEST_F(ShaderTest, ComplaintAboutACallNamesTheNodesInIt) {
       { "name": "source", "fragment": "measure" } ] })");
   const CommandRun result = run("compile graph.json -L lib --target spirv -o out.spv");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "");
+  EXPECT_THAT(
+      result.err,
+      testing::StartsWith(
+          "graph.json: error: the generated shader does not compile\ngenerated:36: error: 'grade1' : "));
+  EXPECT_THAT(result.err,
+              testing::HasSubstr(
+                  "generated:36: note: the line is `grade1(`\n"
+                  "lib/test.fraglib:11:12: note: function `grade1` is of fragment `grade`, node `bad`\n"));
 }
 
 TEST_F(ShaderTest, ComplaintAboutAnIncludeFileNamesIt) {
@@ -432,7 +448,12 @@ TEST_F(ShaderTest, ComplaintAboutAnIncludeFileNamesIt) {
     "nodes": [ { "name": "a", "fragment": "user" } ] })");
   const CommandRun result = run("compile graph.json -L lib -I inc");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "");
+  EXPECT_THAT(
+      result.err,
+      testing::StartsWith(
+          "graph.json: error: the generated shader does not compile\ngenerated:3: error: 'nothing' : "));
+  EXPECT_THAT(result.err, testing::HasSubstr("generated:3: note: the line is `float bad() { return nothing; "
+                                             "}`\ninc/bad.h: note: in this include file\n"));
 }
 
 TEST_F(ShaderTest, KeepsNamesOfUniformsAndTexturesInEveryText) {
