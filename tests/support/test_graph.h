@@ -9,6 +9,7 @@
 #include "sfg/shader_fragment.h"
 #include "sfg/shader_fragment_graph.h"
 #include "tests/support/test_host.h"
+#include "tolmsdk/exception.h"
 #include "tolmsdk/object_data_node.h"
 
 namespace TolmSDK::Graphics::sfg::test {

@@ -1,0 +1,374 @@
+#include "sfg/fragment_profile_instance.h"
+
+#include <gtest/gtest.h>
+
+#include "sfg/shader_collapse_context.h"
+#include "tests/support/test_graph.h"
+#include "tolmsdk/exception.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg {
+namespace {
+
+struct ProfileInstance : ::testing::Test {
+  ProfileInstance() { context.initialize(scene.language, scene.environment, scene.graph, scene.options); }
+
+  /// A member `name` of the graph; its first profile is the one of the instance.
+  const AShaderFragment* make(std::wstring_view function, const WString& name = L"mix3",
+                              const WString& shortname = L"2") {
+    const AShaderFragment* fragment = scene.addFunction(name, function);
+    EXPECT_TRUE(instance.create(scene.language.get(), fragment, profileOf(*fragment), shortname));
+    return fragment;
+  }
+  static const AShaderFragmentProfile* profileOf(const AShaderFragment& fragment) {
+    return dynamic_cast<const AShaderFragmentProfile*>(fragment.getProfile(0));
+  }
+  std::string call() {
+    WString text;
+    EXPECT_TRUE(instance.writeFunctionCall(text, context, {}, {}));
+    return toUtf8(text);
+  }
+
+  test::TestScene scene;
+  AShaderCollapseContext context;
+  FragmentProfileInstance instance;
+};
+
+constexpr std::wstring_view kBlend = L"void blend(float a, float B, out float3 x, out float y)\n{\nx = a;\n}";
+
+TEST_F(ProfileInstance, TakesNamesThatEndInItsShortName) {
+  make(kBlend);
+  EXPECT_EQ(instance.getFunctionName(), L"blend2");
+  EXPECT_EQ(instance.getProfilename(), L"default");
+  EXPECT_EQ(instance.getProfileShortname(), L"2");
+  ASSERT_EQ(instance.getNumOutputs(), 2u);
+  EXPECT_EQ(instance.getOutputName(0), L"result_mix3_02");
+  EXPECT_EQ(instance.getOutputName(1), L"result_mix3_12");
+  EXPECT_EQ(instance.getOutputType(0), L"float3");
+  EXPECT_EQ(instance.getOutputKey(0), L"float3 result_mix3_02");
+  EXPECT_EQ(instance.getOutputKey(1), L"float result_mix3_12");
+  EXPECT_FALSE(instance.isInlineProfile());
+  EXPECT_FALSE(instance.requiresCurrentLight());
+  EXPECT_EQ(instance.getLanguage(), scene.language.get());
+}
+
+TEST_F(ProfileInstance, IsCalledAfterTheProfileWithoutAShortName) {
+  make(L"void f(out float r)\n{\n}", L"n", L"");
+  EXPECT_EQ(instance.getFunctionName(), L"fdefault");
+  EXPECT_EQ(instance.getProfileShortname(), L"default");
+  EXPECT_EQ(instance.getOutputName(0), L"result_n_0default");
+}
+
+TEST_F(ProfileInstance, StartsEmpty) {
+  EXPECT_FALSE(instance.isInitialized());
+  EXPECT_EQ(instance.getNumOutputs(), 0u);
+  EXPECT_TRUE(instance.getProfilename().empty());
+  EXPECT_EQ(instance.GetInputTextParameterIndex(L"a"), kNotFound);
+  EXPECT_EQ(instance.GetOutputTextParameterIndex(L"a"), kNotFound);
+  EXPECT_FALSE(instance.IsShaderInput(0));
+  EXPECT_TRUE(instance.getShaderReplacePattern().empty());
+  EXPECT_TRUE(instance.getUniformReplacePattern().empty());
+  EXPECT_TRUE(instance.writeRequirements(context.getResultProfile(), context));
+  EXPECT_TRUE(instance.writeDefinition(context));
+  EXPECT_EQ(call(), "");
+}
+
+TEST_F(ProfileInstance, IsCreatedOnce) {
+  const AShaderFragment* fragment = make(kBlend);
+  try {
+    instance.create(scene.language.get(), fragment, profileOf(*fragment), L"1");
+    FAIL();
+  } catch (const Exception& exception) {
+    EXPECT_STREQ(exception.what(), "Cannot initialize fragment (mix3) profile twice!");
+  }
+}
+
+TEST_F(ProfileInstance, RefusesNullArgumentsAndCountsAsCreated) {
+  const AShaderFragment* fragment = scene.addFunction(L"n", kBlend);
+  const AShaderFragmentProfile* profile = profileOf(*fragment);
+  FragmentProfileInstance noLanguage;
+  FragmentProfileInstance noFragment;
+  FragmentProfileInstance noProfile;
+  EXPECT_FALSE(noLanguage.create(nullptr, fragment, profile, L"1"));
+  EXPECT_FALSE(noFragment.create(scene.language.get(), nullptr, profile, L"1"));
+  EXPECT_FALSE(noProfile.create(scene.language.get(), fragment, nullptr, L"1"));
+  EXPECT_TRUE(noLanguage.isInitialized());
+  EXPECT_THROW(noLanguage.create(scene.language.get(), fragment, profile, L"1"), Exception);
+}
+
+TEST_F(ProfileInstance, FindsParametersByTheirExactName) {
+  make(kBlend);
+  EXPECT_EQ(instance.GetInputTextParameterIndex(L"B"), 1u);
+  EXPECT_EQ(instance.GetInputTextParameterIndex(L"b"), kNotFound);
+  EXPECT_EQ(instance.GetInputTextParameterIndex(L"x"), kNotFound);
+  EXPECT_EQ(instance.GetOutputTextParameterIndex(L"y"), 1u);
+  EXPECT_EQ(instance.GetOutputTextParameterIndex(L"a"), kNotFound);
+}
+
+TEST_F(ProfileInstance, FindsTheShaderFunctionsOfAnInput) {
+  make(L"void f(float a, float b, out float r)\n{\nsfg_shader(b, x, 1);\nsfg_shader(b, y, 2);\n}");
+  Array<BuiltinFunction> uses;
+  EXPECT_FALSE(instance.GetShaderFunctions(0, uses));
+  EXPECT_TRUE(uses.empty());
+  EXPECT_TRUE(instance.GetShaderFunctions(1, uses));
+  ASSERT_EQ(uses.size(), 2u);
+  EXPECT_EQ(uses[1].range.view(), L"sfg_shader(b, y, 2)");
+  EXPECT_TRUE(instance.IsShaderInput(1));
+  EXPECT_FALSE(instance.IsShaderInput(0));
+  EXPECT_FALSE(instance.IsShaderInput(2)) << "no such input";
+  EXPECT_FALSE(instance.IsShaderInput(kNotFound));
+}
+
+TEST_F(ProfileInstance, RemovesShaderCallsThatNobodyReplaces) {
+  make(L"void f(float a, out float r)\n{\nsfg_shader(a, x, 1);\n}");
+  ASSERT_EQ(instance.getShaderReplacePattern().getKeywords().size(), 1u);
+  EXPECT_EQ(instance.getShaderReplacePattern().getKeywords()[0], L"sfg_shader(a, x, 1)");
+  EXPECT_EQ(instance.getShaderReplacePattern().getReplacements()[0], L"");
+}
+
+TEST_F(ProfileInstance, FillsTheUniformPatternOnce) {
+  make(kBlend);
+  EXPECT_TRUE(instance.getUniformReplacePattern().empty());
+  instance.getUniformOriginal().push_back(L"k");
+  instance.getUniformNew().push_back(L"kmix3");
+  ASSERT_EQ(instance.getUniformReplacePattern().getKeywords().size(), 1u);
+  instance.getUniformOriginal().push_back(L"late");
+  instance.getUniformNew().push_back(L"latemix3");
+  EXPECT_EQ(instance.getUniformReplacePattern().getKeywords().size(), 1u);
+}
+
+// Built-in calls.
+
+TEST_F(ProfileInstance, KnowsWhatIsConnected) {
+  AShaderFragment* source = scene.addFunction(L"s", L"void s(out float r)\n{\n}");
+  AShaderFragment* fragment = scene.addFunction(
+      L"n",
+      L"void f(float a, float b, float c, out float r)\n{\n"
+      L"sfg_isConnected(a) sfg_isConnected(b) sfg_isConnected(c) sfg_isConnected(A) sfg_isConnected()\n}");
+  scene.graph->addInput(TypeID_float, L"g");
+  fragment->setInputConnection(L"a", source, L"r");
+  fragment->setInputConnection(L"b", L"g");
+  ASSERT_TRUE(instance.create(scene.language.get(), fragment, profileOf(*fragment), L"1"));
+  const Array<WString> expected{L"true", L"true", L"false", L"false", L"false"};
+  EXPECT_EQ(instance.getBuiltinFunctionValueInBody(), expected);
+  EXPECT_TRUE(instance.getBuiltinFunctionValueInPredefine().empty());
+}
+
+TEST_F(ProfileInstance, KnowsWhatIsAFinalOutput) {
+  AShaderFragment* fragment = scene.addFunction(
+      L"n", L"void f(float a, out float x, out float y)\n{\n"
+            L"sfg_isFinalOutput(x) sfg_isFinalOutput(y) sfg_isFinalOutput(a) sfg_isFinalOutput(z)\n}");
+  scene.output(L"color", TypeID_float, fragment, 1);
+  ASSERT_TRUE(instance.create(scene.language.get(), fragment, profileOf(*fragment), L"1"));
+  const Array<WString> expected{L"false", L"true", L"false", L"false"};
+  EXPECT_EQ(instance.getBuiltinFunctionValueInBody(), expected);
+}
+
+TEST_F(ProfileInstance, HasNoFinalOutputOutsideOfAGraph) {
+  const auto fragment = scene.instance(
+      *test::loadFragment(L"f", test::functionJson(L"void f(out float x)\n{\nsfg_isFinalOutput(x)\n}")),
+      L"n");
+  ASSERT_TRUE(instance.create(scene.language.get(), fragment.get(), profileOf(*fragment), L"1"));
+  EXPECT_EQ(instance.getBuiltinFunctionValueInBody(), Array<WString>{L"false"});
+}
+
+/// A profile whose writers fail.
+class FailingProfile : public AShaderFragmentProfile {
+public:
+  FailingProfile() : AShaderFragmentProfile(EShaderFragmentProfileMode::Function) {}
+  bool writeDefinition(CodeSnippetInstance&, AShaderCollapseContext&,
+                       FragmentProfileInstance&) const override {
+    return false;
+  }
+  bool writeFunctionCall(WString&, AShaderCollapseContext&, FragmentProfileInstance&, const Array<WString>&,
+                         const Array<WString>&) const override {
+    return false;
+  }
+
+protected:
+  bool loadImplementation(const IObjectDataNode*) override { return true; }
+};
+
+TEST_F(ProfileInstance, PassesAWritersFailureOn) {
+  const auto profile = makeRef<FailingProfile>();
+  const auto fragment = makeRef<AShaderFragment>(L"n");
+  ASSERT_TRUE(instance.create(scene.language.get(), fragment.get(), profile.get(), L"1"));
+  WString text;
+  EXPECT_FALSE(instance.writeDefinition(context));
+  EXPECT_FALSE(instance.writeFunctionCall(text, context, {}, {}));
+}
+
+// Outputs.
+
+TEST_F(ProfileInstance, DeclaresItsOutputsOnce) {
+  make(kBlend);
+  WString text;
+  EXPECT_TRUE(instance.declareOutputs(text));
+  EXPECT_EQ(text, L"    float3 result_mix3_02;\n    float result_mix3_12;\n");
+  WString other;
+  EXPECT_TRUE(instance.declareOutputs(other));
+  EXPECT_EQ(other, L"");
+}
+
+TEST_F(ProfileInstance, PassesOverAnOutputWithoutAType) {
+  make(kBlend);
+  instance.setOutput(0, L"", L"(a + b)");
+  EXPECT_EQ(instance.getOutputKey(0), L" (a + b)");
+  WString text;
+  EXPECT_TRUE(instance.declareOutputs(text));
+  EXPECT_EQ(text, L"    float result_mix3_12;\n");
+}
+
+TEST_F(ProfileInstance, CannotSpecifyAnOutputWithoutAType) {
+  make(kBlend);
+  instance.setOutput(1, L"", L"(a + b)");
+  WString text;
+  Array<WString> values;
+  EXPECT_FALSE(instance.declareUnspecifiedOutputs(text, values));
+  EXPECT_EQ(text, L"    float3 result_mix3_02;\n") << "the outputs in front of it";
+}
+
+TEST_F(ProfileInstance, DeclaresOnlyOutputsWithoutAValue) {
+  make(kBlend);
+  WString text;
+  Array<WString> values{L"color"};
+  EXPECT_TRUE(instance.declareUnspecifiedOutputs(text, values));
+  EXPECT_EQ(text, L"    float result_mix3_12;\n");
+  EXPECT_EQ(values, (Array<WString>{L"color", L"result_mix3_12"}));
+  // They count as declared, all of them.
+  Array<WString> second{L"", L"", L"surplus"};
+  text.clear();
+  EXPECT_TRUE(instance.declareUnspecifiedOutputs(text, second));
+  EXPECT_TRUE(instance.declareOutputs(text));
+  EXPECT_EQ(text, L"");
+  EXPECT_EQ(second, (Array<WString>{L"", L""}));
+}
+
+// Writers.
+
+TEST_F(ProfileInstance, WritesItsCallOncePerRun) {
+  make(L"void f(out float r)\n{\n}");
+  EXPECT_EQ(call(), "    f2();\n");
+  EXPECT_EQ(call(), "");
+}
+
+TEST_F(ProfileInstance, WritesTheCallOfALightDependentProfileOncePerLight) {
+  make(L"void f(out float r)\n{\nr = sfg_currentLight.x;\n}");
+  EXPECT_TRUE(instance.requiresCurrentLight());
+  context.setCurrentLight(L"L", L"l");
+  const std::string text = "    f2(\n        l);\n";
+  context.setActiveLightIndex(3);
+  EXPECT_EQ(call(), text);
+  EXPECT_EQ(call(), "");
+  context.setActiveLightIndex(0);
+  EXPECT_EQ(call(), text);
+  EXPECT_EQ(call(), "");
+  context.setActiveLightIndex(3);
+  EXPECT_EQ(call(), "");
+}
+
+TEST_F(ProfileInstance, WritesEveryCallInsideAShaderFunctionCallAndCountsNone) {
+  for (const std::wstring_view body :
+       {L"void f(out float r)\n{\n}", L"void f(out float r)\n{\nsfg_currentLight\n}"}) {
+    FragmentProfileInstance inside;
+    const AShaderFragment* fragment =
+        scene.addFunction(L"n" + itos(static_cast<long long>(body.size())), body);
+    ASSERT_TRUE(inside.create(scene.language.get(), fragment, profileOf(*fragment), L"1"));
+    WString text;
+    inside.beginShaderFunctionCall();
+    EXPECT_TRUE(inside.writeFunctionCall(text, context, {}, {}));
+    const WString once = text;
+    EXPECT_NE(once, L"");
+    EXPECT_TRUE(inside.writeFunctionCall(text, context, {}, {}));
+    EXPECT_EQ(text, once + once);
+    inside.endShaderFunctionCall();
+    EXPECT_TRUE(inside.writeFunctionCall(text, context, {}, {}));
+    EXPECT_EQ(text, once + once + once);
+    EXPECT_TRUE(inside.writeFunctionCall(text, context, {}, {}));
+    EXPECT_EQ(text, once + once + once);
+  }
+}
+
+TEST_F(ProfileInstance, WritesAnInlineExpressionAtEveryUse) {
+  const AShaderFragment* fragment = scene.addInline(L"n", L"{{a}} * 2", {L"a"});
+  ASSERT_TRUE(instance.create(scene.language.get(), fragment, profileOf(*fragment), L"1"));
+  EXPECT_TRUE(instance.isInlineProfile());
+  EXPECT_EQ(instance.getNumOutputs(), 0u);
+  WString text;
+  EXPECT_TRUE(instance.writeFunctionCall(text, context, {L"x"}, {}));
+  EXPECT_EQ(instance.getOutputName(0), L"(x * 2)");
+  EXPECT_TRUE(instance.writeFunctionCall(text, context, {L"y"}, {}));
+  EXPECT_EQ(instance.getOutputName(0), L"(y * 2)");
+  EXPECT_EQ(instance.getOutputType(0), L"");
+  EXPECT_EQ(text, L"");
+}
+
+TEST_F(ProfileInstance, WritesItsDefinitionOnceUnderANameOfItsOwn) {
+  make(L"void f(out float r)\n{\nr = 1;\n}");
+  EXPECT_TRUE(instance.writeDefinition(context));
+  EXPECT_TRUE(instance.writeDefinition(context));
+  EXPECT_EQ(context.getResultProfile()->predefines(), L"void f2(\n    out float r)\n{\n\tr = 1;\n}\n");
+}
+
+TEST_F(ProfileInstance, TakesTheNameItsFunctionWasWrittenUnder) {
+  make(L"void f(out float r)\n{\nr = 1;\n}");
+  FragmentProfileInstance other;
+  const AShaderFragment* fragment = scene.addFunction(L"m", L"void f(out float r)\n{\nr = 2;\n}");
+  ASSERT_TRUE(other.create(scene.language.get(), fragment, profileOf(*fragment), L"2"));
+  EXPECT_TRUE(instance.writeDefinition(context));
+  EXPECT_TRUE(other.writeDefinition(context));
+  EXPECT_EQ(instance.getFunctionName(), L"f2");
+  EXPECT_EQ(other.getFunctionName(), L"f21");
+}
+
+TEST_F(ProfileInstance, WritesItsRequirementsOnce) {
+  const auto loaded = test::loadFragment(
+      L"f",
+      test::functionJson(L"void f(float a, out float r)\n{\nr = g(state.normal.x);\n}",
+                         LR"x(,"predefine":["float g(float v) { return sfg_isConnected(a) ? v : 0; }"],)x"
+                         LR"x("includes":["sfg_math.h"],"stateVariables":["tint"])x"));
+  AShaderFragment* fragment = scene.add(*loaded, L"n");
+  ASSERT_TRUE(instance.create(scene.language.get(), fragment, profileOf(*fragment), L"1"));
+  AShaderFragmentProfile* result = context.getResultProfile();
+  EXPECT_TRUE(instance.writeRequirements(result, context));
+  EXPECT_TRUE(instance.writeRequirements(result, context));
+  EXPECT_EQ(toUtf8(result->predefines()), "float g(float v) { return false ? v : 0; }\n");
+  EXPECT_EQ(result->includes(), Set<WString>{L"sfg_math.h"});
+  EXPECT_EQ(result->stateVariables(), Set<UString>{UString(L"state.normal")});
+  EXPECT_EQ(result->customStateVariables(), Set<WString>{L"tint"});
+}
+
+TEST_F(ProfileInstance, RenamesInTheDefinitionWhatItsRequirementsHadToRename) {
+  const auto helperOf = [&](const wchar_t* name, const wchar_t* value) {
+    const WString predefine = WString(LR"(,"predefine":["float help() { return )") + value + LR"(; }"])";
+    return scene.add(*test::loadFragment(name, test::functionJson(WString(L"void ") + name +
+                                                                      L"(out float r)\n{\nr = help();\n}",
+                                                                  predefine)),
+                     name);
+  };
+  const AShaderFragment* first = helperOf(L"f", L"1");
+  const AShaderFragment* second = helperOf(L"g", L"2");
+  FragmentProfileInstance other;
+  ASSERT_TRUE(instance.create(scene.language.get(), first, profileOf(*first), L"1"));
+  ASSERT_TRUE(other.create(scene.language.get(), second, profileOf(*second), L"1"));
+  for (FragmentProfileInstance* each : {&instance, &other}) {
+    EXPECT_TRUE(each->writeRequirements(context.getResultProfile(), context));
+    EXPECT_TRUE(each->writeDefinition(context));
+  }
+  EXPECT_EQ(toUtf8(context.getResultProfile()->predefines()), R"(float help() { return 1; }
+void f1(
+    out float r)
+{
+	r = help();
+}
+float help1() { return 2; }
+void g1(
+    out float r)
+{
+	r = help1();
+}
+)");
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg
