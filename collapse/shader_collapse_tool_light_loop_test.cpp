@@ -66,9 +66,9 @@ void AccumulatedLitSurface(
     out float3 output_0)
 {
     float3 accumulate_n0_result = float3(0.0, 0.0, 0.0);
-    // ------------------------------------------------------------ )"
-            "\n    // default light \n"
-            R"(    // ------------------------------------------------------------ 
+    // ------------------------------------------------------------ 
+    // default light 
+    // ------------------------------------------------------------ 
     float3 result_n0_02;
     ambient2(
         albedon0,
@@ -391,6 +391,85 @@ TEST(LightLoop, TakesTheDefaultProfileWhenTheOptionsNameNone) {
   const std::string text = collapseLightLoop(scene);
   EXPECT_NE(text.find("    // Light 0 \n"), std::string::npos) << text;
   EXPECT_NE(text.find("    ambient2(\n"), std::string::npos) << text;
+}
+
+TEST(LightLoop, RepeatsLightAndShadowBlocksOfMetaSLCodePerLight) {
+  TestScene scene;
+  const auto metaSL = test::loadFragment(
+      L"surface",
+      LR"x({"mode":"metaSL","language":["dx11"],"implementation":["void surface(float3 base, out float3 c)",)x"
+      LR"x("{","c = mul(base, __object_to_world);","TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN",)x"
+      LR"x("TOLM_SCENE_LIGHTING(P, N, l);","TOLM_VESSOR_LIGHT_AND_SHADOW_END","}"]})x");
+  AShaderFragment* first = scene.add(*metaSL, L"n0");
+  AShaderFragment* second = scene.add(*metaSL, L"n1");
+  second->setInputConnection(L"base", first, L"c");
+  scene.output(L"color", TypeID_fvec3, second);
+  scene.addLight(
+      L"sun", profilesJson({namedFunctionJson(L"default", L"void sun(out Any r)\n{\n}"),
+                            namedFunctionJson(L"msl_light",
+                                              L"void sunlight(float3 Pw, float3 Nw, out Light_iterator light)"
+                                              L"\n{\nlight.msl_count = 2;\n}")}));
+  scene.addLight(L"sky", namedFunctionJson(L"default", L"void sky(out Any r)\n{\n}"));
+  EXPECT_EQ(collapseLightLoop(scene), R"(void TolmSceneLighting0(
+    float3 Pw,
+    float3 Nw,
+    out Light_iterator light)
+{
+	light.msl_count = 2;
+}
+void TolmSceneLighting1(float3 Pw, float3 Nw, out Light_iterator light)
+{
+    light.msl_point = float3(0, 0, 0);
+    light.msl_direction = float3(1, 0, 0);
+    light.msl_distance = 0;
+    light.msl_dot_nl = 0;
+    light.msl_contribution = float3(0, 0, 0);
+    light.msl_raw_contribution = float3(0, 0, 0);
+    light.msl_shadow = float3(0, 0, 0);
+    light.msl_count = 1;
+}
+void surface1(
+    float3 base,
+    inout State state,
+    out float3 c)
+{
+	c = mul(base, sfg_matWorld);
+	
+    {
+	TolmSceneLighting0(P, N, l);
+	}
+
+    {
+	TolmSceneLighting1(P, N, l);
+	}
+
+}
+void AccumulatedLitSurface(
+    out float3 output_0)
+{
+    // ------------------------------------------------------------ 
+    // Light 0 
+    // ------------------------------------------------------------ 
+    // ------------------------------------------------------------ 
+    // Light 1 
+    // ------------------------------------------------------------ 
+    float3 result_n1_01;
+    float3 result_n0_01;
+    surface1(
+        basen0,
+        state,
+        result_n0_01);
+    surface1(
+        result_n0_01,
+        state,
+        result_n1_01);
+    output_0 = result_n1_01;
+}
+uniforms: fvec3/basen0
+outputs: fvec3/color
+includes: sfg_msl_common.h
+state: sfg_matView sfg_matViewInverse sfg_matWorld sfg_matWorldInverse sfg_matWorldViewProj sfg_orthographic state.direction state.origin state.position state.ray_length
+)");
 }
 
 // Refusals.

@@ -1,0 +1,279 @@
+#include "sfg/shader_collapse_context.h"
+
+#include <gtest/gtest.h>
+
+#include "sfg/size_limit.h"
+#include "tests/support/test_graph.h"
+#include "tolmsdk/exception.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg {
+namespace {
+
+using test::TestScene;
+
+constexpr std::wstring_view kAdd = L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
+constexpr std::wstring_view kLit = L"void lit(float a, out float result)\n{\nresult = sfg_currentLight.x;\n}";
+
+struct Context : ::testing::Test {
+  bool initialize() {
+    return context.initialize(scene.language, scene.environment, scene.graph, scene.options);
+  }
+  bool isCreated(const IShaderFragment* fragment) {
+    return context.getFragmentInstance(fragment).isInitialized();
+  }
+  std::string body() const { return toUtf8(context.getResultProfile()->getFunctionBody()); }
+  std::string predefines() const { return toUtf8(context.getResultProfile()->predefines()); }
+
+  TestScene scene;
+  AShaderCollapseContext context;
+};
+
+TEST_F(Context, StartsWithAnEmptyResult) {
+  ASSERT_NE(context.getResult(), nullptr);
+  ASSERT_NE(context.getResultProfile(), nullptr);
+  EXPECT_EQ(context.getResultProfile()->getProfilename(), L"default");
+  EXPECT_EQ(context.getResultProfile()->getMode(), EShaderFragmentProfileMode::Function);
+  EXPECT_EQ(context.getResult()->getNumProfiles(), 0u);
+  EXPECT_EQ(context.getActiveLightIndex(), 0u);
+  EXPECT_EQ(context.getFragmentGraph(), nullptr);
+  EXPECT_EQ(context.getShadingEnvironment(), nullptr);
+  EXPECT_EQ(context.getLanguage(), nullptr);
+  EXPECT_TRUE(context.getLanguageString().empty());
+  EXPECT_FALSE(context.requiresCurrentLight());
+  EXPECT_TRUE(context.setActiveSurfaceProfile(L"any"));
+}
+
+TEST_F(Context, TakesWhatItIsInitialisedWith) {
+  scene.options->surfaceLOD = 3.0f;
+  scene.options->lightLOD = 4.0f;
+  EXPECT_TRUE(initialize());
+  EXPECT_EQ(context.getLanguage(), scene.language.get());
+  EXPECT_EQ(context.getLanguageString(), UString(L"dx11"));
+  EXPECT_EQ(context.getFragmentGraph(), scene.graph.get());
+  EXPECT_EQ(context.getShadingEnvironment(), scene.environment.get());
+  EXPECT_EQ(context.getSurfaceLOD(), 3.0f);
+  scene.options->surfaceLOD = 5.0f;
+  EXPECT_EQ(context.getSurfaceLOD(), 5.0f) << "asked for every time";
+  EXPECT_EQ(context.getLightLOD(), 4.0f);
+  EXPECT_EQ(context.getResult()->getNumProfiles(), 1u);
+  EXPECT_EQ(context.getResult()->getProfile(0), context.getResultProfile());
+  EXPECT_TRUE(context.getResultProfile()->languages().contains(UString(L"dx11")));
+}
+
+TEST_F(Context, RefusesAnEmptyGraphButTakesTheRest) {
+  EXPECT_FALSE(context.initialize(scene.language, scene.environment, nullptr, scene.options));
+  EXPECT_EQ(context.getLanguage(), scene.language.get());
+  EXPECT_EQ(context.getResult()->getNumProfiles(), 1u);
+  EXPECT_FALSE(context.initialize(nullptr, nullptr, scene.graph, nullptr));
+}
+
+TEST_F(Context, CreatesNothingForOpenOutputs) {
+  scene.graph->addOutput(TypeID_float, L"open");
+  AShaderFragment* add = scene.addFunction(L"n0", kAdd);
+  EXPECT_TRUE(initialize());
+  EXPECT_TRUE(context.setActiveSurfaceProfile(L"default")) << "there is no instance yet";
+  EXPECT_FALSE(isCreated(add));
+}
+
+TEST_F(Context, CreatesOneInstancePerFragmentThatIsReached) {
+  AShaderFragment* shared = scene.addFunction(L"n0", kAdd);
+  AShaderFragment* top = scene.addFunction(L"n1", kAdd);
+  AShaderFragment* apart = scene.addFunction(L"n2", kAdd);
+  top->setInputConnection(L"a", shared, L"result");
+  top->setInputConnection(L"b", shared, L"result");
+  scene.output(L"x", TypeID_float, top);
+  scene.output(L"y", TypeID_float, shared);
+  scene.output(L"z", TypeID_float, top);
+  EXPECT_TRUE(initialize());
+  EXPECT_TRUE(isCreated(shared));
+  EXPECT_TRUE(isCreated(top));
+  EXPECT_FALSE(isCreated(apart));
+  EXPECT_EQ(&context.getFragmentInstance(top), &context.getFragmentInstance(top));
+}
+
+TEST_F(Context, GivesFragmentsOfOneNameOneInstance) {
+  AShaderFragment* first = scene.addFunction(L"same", kAdd);
+  AShaderFragment* second = scene.addFunction(L"same", kLit);
+  scene.output(L"x", TypeID_float, first);
+  scene.output(L"y", TypeID_float, second);
+  EXPECT_TRUE(initialize());
+  EXPECT_EQ(&context.getFragmentInstance(first), &context.getFragmentInstance(second));
+  EXPECT_EQ(context.getFragmentInstance(second).getShaderFragment(), first);
+}
+
+TEST_F(Context, FindsAFragmentByItsNameAlsoAtTheAddressOfAnother) {
+  const auto one = makeRef<AShaderFragment>(L"one");
+  AShaderFragment* place = one.get();
+  FragmentInstance& before = context.getFragmentInstance(place);
+  RefPtr<AShaderFragment> other = makeRef<AShaderFragment>(L"other");
+  EXPECT_NE(&context.getFragmentInstance(other.get()), &before);
+  one->clear();  // the same object under another name
+  EXPECT_NE(&context.getFragmentInstance(place), &before);
+}
+
+TEST_F(Context, KeepsLightsApartFromSurfaces) {
+  AShaderFragment* lit = scene.addFunction(L"key", kLit);
+  scene.output(L"x", TypeID_float, lit);
+  const auto light = scene.addLight(L"key", test::functionJson(L"void key(out L result)\n{\n}"));
+  EXPECT_TRUE(initialize());
+  EXPECT_NE(&context.getFragmentInstance(lit), &context.getLightFragmentInstance(light.get()));
+  EXPECT_EQ(context.getLightFragmentInstance(light.get()).getShaderFragment(), light.get());
+}
+
+TEST_F(Context, FailsForALightThatIsThereTwice) {
+  const auto light = scene.addLight(L"key", test::functionJson(L"void key(out L result)\n{\n}"));
+  scene.environment->lights.push_back(light);
+  EXPECT_FALSE(initialize());
+}
+
+TEST_F(Context, FailsForANullLight) {
+  scene.environment->lights.emplace_back();
+  EXPECT_FALSE(initialize());
+}
+
+TEST_F(Context, CreatesEveryInstanceOfACycle) {
+  AShaderFragment* a = scene.addFunction(L"a", kAdd);
+  AShaderFragment* b = scene.addFunction(L"b", kAdd);
+  a->setInputConnection(L"a", b, L"result");
+  b->setInputConnection(L"a", a, L"result");
+  scene.output(L"x", TypeID_float, a);
+  EXPECT_TRUE(initialize());
+  EXPECT_TRUE(isCreated(a));
+  EXPECT_TRUE(isCreated(b));
+}
+
+TEST_F(Context, AsksSurfacesOnlyWhetherTheyNeedTheLight) {
+  const auto light = scene.addLight(L"key", test::functionJson(kLit));
+  EXPECT_TRUE(initialize());
+  EXPECT_TRUE(context.getLightFragmentInstance(light.get()).requiresCurrentLight());
+  EXPECT_FALSE(context.requiresCurrentLight());
+  AShaderFragment* lit = scene.addFunction(L"n0", kLit);
+  context.getFragmentInstance(lit).create(context, scene.language.get(), lit);
+  EXPECT_TRUE(context.requiresCurrentLight());
+}
+
+TEST_F(Context, AnInstanceThatWasNeverCreatedTakesNoProfile) {
+  EXPECT_TRUE(initialize());
+  EXPECT_TRUE(context.setActiveSurfaceProfile(L"default"));
+  const auto stray = makeRef<AShaderFragment>(L"stray");
+  EXPECT_FALSE(context.getFragmentInstance(stray.get()).isInitialized());
+  EXPECT_FALSE(context.setActiveSurfaceProfile(L"default"));
+}
+
+TEST_F(Context, StopsAtTheFirstSurfaceWithoutTheProfile) {
+  // Walked in the order of the names: "a" takes the profile, "b" has none, "c" keeps what it has.
+  const auto withBoth = test::loadFragment(
+      L"both", test::profilesJson({test::functionJson(L"void day(out float r)\n{\n}"),
+                                   test::namedFunctionJson(L"night", L"void night(out float r)\n{\n}")}));
+  AShaderFragment* a = scene.add(*withBoth, L"a");
+  AShaderFragment* b = scene.add(
+      *test::loadFragment(L"dusk", test::namedFunctionJson(L"dusk", L"void dusk(out float r)\n{\n}")), L"b");
+  AShaderFragment* c = scene.add(*withBoth, L"c");
+  for (AShaderFragment* fragment : {c, b, a}) scene.output(fragment->instanceName(), TypeID_float, fragment);
+  EXPECT_TRUE(initialize());
+  EXPECT_FALSE(context.setActiveSurfaceProfile(L"night"));
+  EXPECT_EQ(context.getFragmentInstance(a).getActiveProfileOutput(0), L"result_a_02");
+  EXPECT_EQ(context.getFragmentInstance(c).getActiveProfileOutput(0), L"result_c_01");
+}
+
+TEST_F(Context, AsksForTheLevelOfDetailOfEverySurface) {
+  class CountingOptions : public test::TestOptions {
+  public:
+    float getSurfaceLOD() const override { return ++asked % 2 == 0 ? 10.0f : 100.0f; }
+    mutable int asked = 0;
+  };
+  const auto options = makeRef<CountingOptions>();
+  scene.options = options;
+  const auto levels = test::loadFragment(
+      L"levels",
+      test::profilesJson({test::functionJson(L"void fine(out float r)\n{\n}", LR"(,"lod":100)"),
+                          test::functionJson(L"void coarse(out float r)\n{\n}", LR"(,"lod":10)")}));
+  AShaderFragment* a = scene.add(*levels, L"a");
+  AShaderFragment* b = scene.add(*levels, L"b");
+  for (AShaderFragment* fragment : {a, b}) scene.output(fragment->instanceName(), TypeID_float, fragment);
+  EXPECT_TRUE(initialize());
+  EXPECT_TRUE(context.setActiveSurfaceProfile(L"default"));
+  EXPECT_EQ(options->asked, 2);
+  EXPECT_EQ(context.getFragmentInstance(a).getActiveProfileOutput(0), L"result_a_01");
+  EXPECT_EQ(context.getFragmentInstance(b).getActiveProfileOutput(0), L"result_b_02");
+}
+
+TEST_F(Context, AnswersConstantsOfMarkedParametersOnly) {
+  AValue two(TypeID_float);
+  two.set(0, 2.0);
+  scene.options->constants[L"k"] = two;
+  EXPECT_TRUE(initialize());
+  WString value = L"untouched";
+  EXPECT_FALSE(context.getConstValue(value, nullptr));
+  EXPECT_FALSE(context.getConstValue(value, test::parameter(TypeID_float, L"k").get()));
+  EXPECT_FALSE(
+      context.getConstValue(value, test::parameter(TypeID_float, L"x", AParameter::kConstantFlag).get()));
+  EXPECT_EQ(value, L"untouched");
+  EXPECT_TRUE(
+      context.getConstValue(value, test::parameter(TypeID_float, L"k", AParameter::kConstantFlag).get()));
+  EXPECT_EQ(value, L"2.0");
+}
+
+TEST_F(Context, RemembersKeysAndShaderInputs) {
+  EXPECT_FALSE(context.getFragmentKeyExist(L"k"));
+  context.setFragmentKeyExist(L"k");
+  context.setFragmentKeyExist(L"k");
+  EXPECT_TRUE(context.getFragmentKeyExist(L"k"));
+  EXPECT_FALSE(context.getFragmentKeyExist(L"K"));
+  context.allocateNewShaderInput(L"float2");
+  context.allocateNewShaderInput(L"float2");
+  EXPECT_EQ(context.getShaderInputTypes(), (Array<WString>{L"float2", L"float2"}));
+}
+
+// Writing.
+
+TEST_F(Context, AppendsCodeToTheBody) {
+  EXPECT_TRUE(context.writeCode(L"a;"));
+  EXPECT_TRUE(context.writeCode(static_cast<const wchar_t*>(nullptr)));
+  EXPECT_TRUE(context.writeCodef(L"%s[%d]%Iu;", L"b", -1, std::size_t{2}));
+  EXPECT_EQ(body(), "a;b[-1]2;");
+}
+
+TEST_F(Context, FormatsTextOfAnyLength) {
+  const WString longText(5000, L'x');
+  EXPECT_TRUE(context.writeCodef(L"<%s>", longText));
+  EXPECT_EQ(context.getResultProfile()->getFunctionBody().size(), 5002u);
+}
+
+TEST_F(Context, DeclaresAVariableOnALineOfItsOwn) {
+  EXPECT_TRUE(context.writeDeclareVariable(L"float3", L"n"));
+  EXPECT_EQ(body(), "    float3 n;\n");
+}
+
+TEST_F(Context, RefusesABodyThatGrowsTooLong) {
+  const WString block(std::size_t{1} << 20, L'x');
+  for (std::size_t i = 0; i < 64; ++i) context.writeCode(std::wstring_view(block));
+  EXPECT_EQ(context.getResultProfile()->getFunctionBody().size(), kMaximumTextLength);
+  EXPECT_THROW(context.writeCode(L"x"), Exception);
+  EXPECT_EQ(context.getResultProfile()->getFunctionBody().size(), kMaximumTextLength);
+}
+
+TEST_F(Context, DropsPredefinesThatHoldOnlyBlanksAndComments) {
+  for (const wchar_t* text : {L"", L" \t\r\n", L"// nothing\n", L"/* a *//* b */ // c", L"/* open"}) {
+    context.writePredefine(WString(text));
+  }
+  EXPECT_EQ(predefines(), "");
+}
+
+TEST_F(Context, KeepsPreprocessorLines) {
+  context.writePredefine(L"// about\n#define X 1\n");
+  EXPECT_NE(predefines().find("#define X 1"), std::string::npos);
+}
+
+TEST_F(Context, WritesEachPredefineOnce) {
+  const WString text = L"float help() { return 1; }\n";
+  context.writePredefine(text);
+  context.writePredefine(text);
+  EXPECT_EQ(predefines(), "float help() { return 1; }\n");
+  context.writePredefine(L"float help() { return 2; }\n");
+  EXPECT_EQ(predefines(), "float help() { return 1; }\nfloat help1() { return 2; }\n");
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg

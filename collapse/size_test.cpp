@@ -1,0 +1,155 @@
+// Graphs as large as hosts may make them, and larger.
+
+#include <ctime>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include "tests/support/collapse.h"
+
+namespace TolmSDK::Graphics::sfg {
+namespace {
+
+using test::TestScene;
+
+/// Seconds that the process has worked: other work on the machine does not count.
+class WorkTime {
+public:
+  double seconds() const { return static_cast<double>(std::clock() - start_) / CLOCKS_PER_SEC; }
+
+private:
+  std::clock_t start_ = std::clock();
+};
+
+/// Runs with a stack of 256 KiB, as a host's worker may have.
+template <class Work>
+void runWithSmallStack(Work work) {
+  pthread_attr_t attributes;
+  ASSERT_EQ(pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{256} << 10), 0);
+  pthread_t thread;
+  const auto start = [](void* argument) -> void* {
+    (*static_cast<Work*>(argument))();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, start, &work), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+constexpr std::size_t kMany = 100'000;
+constexpr std::wstring_view kAdd = L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
+
+/// A row of functions, each fed by the one before; both inputs of each when it is a ladder.
+AShaderFragment* addRow(const TestScene& scene, AShaderFragment* first, std::size_t count, bool isLadder) {
+  const auto add = test::loadFragment(L"add", test::functionJson(kAdd));
+  AShaderFragment* last = first;
+  for (std::size_t i = 0; i < count; ++i) {
+    AShaderFragment* next = scene.add(*add, L"n" + itos(static_cast<long long>(i)));
+    if (last != nullptr) next->setInputConnection(std::size_t{0}, last, 0);
+    if (last != nullptr && isLadder) next->setInputConnection(1, last, 0);
+    last = next;
+  }
+  return last;
+}
+
+std::size_t countOf(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+    ++count;
+  return count;
+}
+
+class LongRow : public ::testing::TestWithParam<bool> {};
+
+TEST_P(LongRow, IsCollapsedByBothToolsInLinearTimeOnASmallStack) {
+  TestScene scene;
+  scene.output(L"color", TypeID_float, addRow(scene, nullptr, kMany, GetParam()));
+  std::string byDefault;
+  std::string byLightLoop;
+  const WorkTime work;
+  runWithSmallStack([&] { byDefault = test::collapseDefault(scene); });
+  runWithSmallStack([&] { byLightLoop = test::collapseLightLoop(scene); });
+  EXPECT_EQ(countOf(byDefault, "    add1(\n"), kMany);
+  EXPECT_EQ(countOf(byLightLoop, "    add1(\n"), kMany);
+  EXPECT_EQ(countOf(byDefault, "void add1("), 1u);
+  EXPECT_LT(work.seconds(), 60.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Size, LongRow, ::testing::Bool(),
+                         [](const auto& parameter) { return parameter.param ? "Ladder" : "Chain"; });
+
+TEST(Size, LooksForLitFragmentsInLinearTime) {
+  TestScene scene;
+  AShaderFragment* lit =
+      scene.addFunction(L"lit", L"void lit(float a, out float r)\n{\nr = a * sfg_currentLight.x;\n}");
+  scene.output(L"color", TypeID_float, addRow(scene, lit, kMany, true));
+  scene.addLight(L"key", test::functionJson(L"void key(out Light r)\n{\nr.x = 1.0;\n}"));
+  std::string text;
+  runWithSmallStack([&] { text = test::collapseLightLoop(scene); });
+  EXPECT_EQ(countOf(text, "    accumulate_lit_r += result_lit_01;\n"), 1u);
+  EXPECT_EQ(countOf(text, "    add1(\n"), kMany);
+}
+
+TEST(Size, RepeatsAShaderFunctionWithoutWalkingTheChainAboveIt) {
+  constexpr std::size_t kLength = 20'000;
+  TestScene scene;
+  AShaderFragment* noise = scene.addFunction(L"noise", L"void noise(float p, out float r)\n{\nr = p;\n}");
+  AShaderFragment* caller =
+      scene.addFunction(L"caller", L"void caller(float f, out float r)\n{\nsfg_shader(f, p, 1.0, r, r);\n}");
+  scene.graph->addInput(TypeID_float, L"x");
+  noise->setInputConnection(L"p", L"x");
+  caller->setInputConnection(L"f", noise, L"r");
+  AShaderFragment* end = addRow(scene, caller, kLength, false);
+  // Every fragment of a second chain asks for the end of the first one: each time the shader input is written
+  // again.
+  const auto add = test::loadFragment(L"add", test::functionJson(kAdd));
+  AShaderFragment* last = end;
+  for (std::size_t i = 0; i < kLength; ++i) {
+    AShaderFragment* next = scene.add(*add, L"m" + itos(static_cast<long long>(i)));
+    next->setInputConnection(std::size_t{0}, last, 0);
+    next->setInputConnection(1, end, 0);
+    last = next;
+  }
+  scene.output(L"color", TypeID_float, last);
+  const WorkTime work;
+  const std::string text = test::collapseDefault(scene);
+  EXPECT_LT(work.seconds(), 20.0);
+  EXPECT_EQ(countOf(text, "    state.shaderInput"), kLength + 1);
+}
+
+TEST(Size, RefusesAnExpressionThatDoublesAtEveryLevel) {
+  TestScene scene;
+  AShaderFragment* last = nullptr;
+  for (int i = 0; i < 64; ++i) {
+    AShaderFragment* next = scene.addInline(L"n" + itos(i), L"{{a}} + {{b}}", {L"a", L"b"});
+    if (last != nullptr) next->setInputConnection(L"a", last, L"result");
+    if (last != nullptr) next->setInputConnection(L"b", last, L"result");
+    last = next;
+  }
+  AShaderFragment* use = scene.addFunction(L"use", L"void use(float a, out float r)\n{\nr = a;\n}");
+  use->setInputConnection(L"a", last, L"result");
+  scene.output(L"color", TypeID_float, use);
+  EXPECT_EQ(test::collapseDefault(scene), "sfgError : the generated code is too large!");
+}
+
+TEST(Size, RefusesACallWhoseValuesAreTooLongTogether) {
+  // Each value fits, all of them don't.
+  TestScene scene;
+  AShaderFragment* last = nullptr;
+  for (int i = 0; i < 22; ++i) {
+    AShaderFragment* next = scene.addInline(L"n" + itos(i), L"{{a}} + {{b}}", {L"a", L"b"});
+    if (last != nullptr) next->setInputConnection(L"a", last, L"result");
+    if (last != nullptr) next->setInputConnection(L"b", last, L"result");
+    last = next;
+  }
+  AShaderFragment* use = scene.addFunction(
+      L"use", L"void use(float a, float b, float c, float d, float e, out float r)\n{\nr = a;\n}");
+  for (std::size_t i = 0; i < 5; ++i) use->setInputConnection(i, last, 0);
+  scene.output(L"color", TypeID_float, use);
+  EXPECT_EQ(test::collapseDefault(scene), "sfgError : the generated code is too large!");
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg
