@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "collapse/random_scene.h"
 #include "tests/support/collapse.h"
+#include "tests/support/random_scene.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {

@@ -7,8 +7,8 @@
 #include <random>
 #include <vector>
 
-#include "collapse/random_scene.h"
 #include "tests/support/collapse.h"
+#include "tests/support/random_scene.h"
 
 using namespace TolmSDK;
 using namespace TolmSDK::Graphics::sfg;
