@@ -4,20 +4,39 @@
 // cannot be inlined where they are called.
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cwchar>
 #include <string_view>
+#include <type_traits>
 
 #include "sfg/scoped_text.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg::scan {
 
-inline bool isTokenChar(wchar_t c) {
-  return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || (c >= L'0' && c <= L'9') || c == L'_';
+/// Classes of the ASCII characters; no other character has one.
+enum CharacterClass : std::uint8_t { kNoClass = 0, kToken = 1, kWhitespace = 2 };
+
+inline constexpr std::array<std::uint8_t, 128> kCharacterClasses = [] {
+  std::array<std::uint8_t, 128> classes{};
+  for (std::size_t c = 'a'; c <= 'z'; ++c) classes[c] = kToken;
+  for (std::size_t c = 'A'; c <= 'Z'; ++c) classes[c] = kToken;
+  for (std::size_t c = '0'; c <= '9'; ++c) classes[c] = kToken;
+  classes['_'] = kToken;
+  for (const std::size_t c : {'\t', '\n', '\r', ' '}) classes[c] = kWhitespace;
+  return classes;
+}();
+
+inline std::uint8_t classOf(wchar_t c) {
+  const auto code = static_cast<std::make_unsigned_t<wchar_t>>(c);
+  return code < kCharacterClasses.size() ? kCharacterClasses[code] : std::uint8_t{kNoClass};
 }
 
-inline bool isWhitespace(wchar_t c) { return c == L' ' || c == L'\n' || c == L'\t' || c == L'\r'; }
+inline bool isTokenChar(wchar_t c) { return classOf(c) == kToken; }
+
+inline bool isWhitespace(wchar_t c) { return classOf(c) == kWhitespace; }
 
 inline wchar_t toLowerAscii(wchar_t c) {
   return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + (L'a' - L'A')) : c;
@@ -86,12 +105,17 @@ inline ScopedText getBracketBody(const ScopedText& text, std::size_t& pos, wchar
   if (pos >= text.length || text.text[pos] != open) return emptyAt(text, pos);
   const std::size_t start = pos++;
   std::size_t depth = 1;
-  while (depth > 0) {
-    if (startsComment(text, pos)) skipStartedComment(text, pos);
-    if (pos < text.length && text.text[pos] == L'#') scan::skipLine(text, pos);
-    if (pos >= text.length) break;
+  while (depth > 0 && pos < text.length) {
+    wchar_t c = text.text[pos];
+    // One comment and one preprocessor line are passed before a character is looked at.
+    if (c == L'/' || c == L'#') {
+      if (startsComment(text, pos)) skipStartedComment(text, pos);
+      if (pos < text.length && text.text[pos] == L'#') scan::skipLine(text, pos);
+      if (pos >= text.length) break;
+      c = text.text[pos];
+    }
+    ++pos;
     // A bracket that opens and closes alike leaves the depth as it is.
-    const wchar_t c = text.text[pos++];
     if (c == open) ++depth;
     if (c == close) --depth;
   }

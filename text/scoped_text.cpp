@@ -85,7 +85,8 @@ bool isEqual(const ScopedText& text, std::size_t pos, const wchar_t* literal) {
 bool isTokenChar(wchar_t c) { return scan::isTokenChar(c); }
 
 bool isTokenChar_firstLetter(wchar_t c) {
-  return c == L'[' || (scan::isTokenChar(c) && !(c >= L'0' && c <= L'9'));
+  // Of the token characters the digits come first.
+  return c == L'[' || (scan::isTokenChar(c) && c > L'9');
 }
 
 bool isWhitespace(wchar_t c) { return scan::isWhitespace(c); }

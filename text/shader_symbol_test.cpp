@@ -297,7 +297,7 @@ TEST(ParseKeywords, CollectsStateVariablesAndBuiltinCalls) {
       {L"state.geometry_normal.x", {L"state.geometry_normal"}, {}, {}},
       {L"sfg_matWorld * sfg_currentLight", {L"sfg_currentLight", L"sfg_matWorld"}, {}, {}},
       // Names are compared whole and with case, the prefix without.
-      {L"State.normal state.Normal state.unknown state. normal state.", {}, {}, {}},
+      {L"State.normal state.Normal state.unknown state.zzz state. normal state.", {}, {}, {}},
       {L"sfg_matWorlds SFG_matWorld mysfg_matWorld sfg_ sfg_isNotConnected(a)", {}, {}, {}},
       {L"__x __sfg_matWorld _state.normal", {}, {}, {}},
       // A state variable may be a member of something.
