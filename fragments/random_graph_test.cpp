@@ -23,7 +23,6 @@ struct ModelFragment {
   struct Connection {
     int fragment = kNone;
     std::size_t index = kNotFound;
-    friend bool operator==(const Connection&, const Connection&) = default;
   };
   std::size_t outputs = 0;
   std::vector<Connection> inputs;

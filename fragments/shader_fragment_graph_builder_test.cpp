@@ -270,7 +270,7 @@ TEST_F(GraphBuilder, BuildsDeepAndSharedGraphsInLinearTime) {
   const auto start = std::chrono::steady_clock::now();
   const auto graph = build();
   EXPECT_EQ(graph->getNumFragments(), 50001u);
-  host->nodes[0] = makeRef<HostNode>(L"b", 1);  // now wired from the last one
+  host->nodes[0] = makeRef<HostNode>(L"b", std::size_t{1});  // now wired from the last one
   host->nodes[1]->wires = {{0, {host->nodes[0].get(), 0}}};
   host->nodes[0]->wires[0] = {before, 0};
   EXPECT_EQ(message(), L"sfgError : circular loop: a!");

@@ -15,14 +15,14 @@ public:
   FragmentLibrary();
   ~FragmentLibrary();
 
-  /// Loads every "fraglib" file (any case) directly in the folder. A bad file or fragment never stops the others; the
-  /// debug log names file, fragment, place and reason. Always true.
+  /// Loads every "fraglib" file (any case) directly in the folder. A bad file or fragment never stops the
+  /// others; the debug log names file, fragment, place and reason. Always true.
   bool loadFragments(const wchar_t* folder);
-  /// Creates and registers a fragment with one MetaSL profile ("default", "dx11", level of detail 100). Options:
-  /// "include:NAME", "predefine:TEXT" and "nonconsolidatable"; any other is ignored. Always true; the exceptions of a
-  /// malformed prototype pass through.
-  bool addFragment(const wchar_t* name, const wchar_t* prototype, const wchar_t* body, const wchar_t* const* options,
-                   int numOptions);
+  /// Creates and registers a fragment with one MetaSL profile ("default", "dx11", level of detail 100).
+  /// Options: "include:NAME", "predefine:TEXT" and "nonconsolidatable"; any other is ignored. Always true;
+  /// the exceptions of a malformed prototype pass through.
+  bool addFragment(const wchar_t* name, const wchar_t* prototype, const wchar_t* body,
+                   const wchar_t* const* options, int numOptions);
   /// The fragment of that name, or null. Adds no reference.
   const IShaderFragment* acquireFragment(const wchar_t* name) const;
 };
