@@ -37,28 +37,32 @@ struct Use {
   Profiles profiles;
 };
 
-/// What is left of raw text without comments, preprocessor lines and blanks.
-bool holdsStatement(const ScopedText& raw) {
+/// Where raw text holds more than comments, preprocessor lines and blanks, or its end.
+std::size_t findStatement(const ScopedText& raw) {
   std::size_t pos = 0;
   while (pos < raw.length) {
     const std::size_t start = pos;
     skipWhitespaces(raw, pos);
     if (pos < raw.length && raw.text[pos] == L'#') skipLine(raw, pos);
-    if (pos == start) return true;
+    if (pos == start) break;
   }
-  return false;
+  return pos;
 }
 
-/// The first line of a raw statement in the predefines, or nothing.
+/// The line of the predefines in which a raw statement starts, or nothing.
 std::optional<std::string> rawStatement(const IShaderFragmentProfile& profile) {
   CodeSnippet snippet;
   snippet.addCode(profile.predefines());
   snippet.parse();
+  const std::wstring_view code = snippet.getCode();
   for (std::size_t i = 0; i < snippet.getNumSymbols(); ++i) {
     const ShaderSymbol& symbol = snippet.getSymbol(i);
-    if (symbol.getType() != EShaderSymbolType::unknown || !holdsStatement(symbol.getRange())) continue;
-    const std::wstring_view text = symbol.getRange().view();
-    return toUtf8(text.substr(0, text.find(L'\n')));
+    if (symbol.getType() != EShaderSymbolType::unknown) continue;
+    const std::size_t statement = findStatement(symbol.getRange());
+    if (statement == symbol.getRange().length) continue;
+    const std::size_t place = static_cast<std::size_t>(symbol.getRange().text - code.data()) + statement;
+    const std::size_t start = code.rfind(L'\n', place) + 1;
+    return toUtf8(code.substr(start, code.find(L'\n', place) - start));
   }
   return std::nullopt;
 }
@@ -304,7 +308,7 @@ private:
     Set<WString> told;
     for (const ShadingEnvironment::Light& light : lights()) {
       const WString& name = light.profile->getProfilename();
-      if (isOffered(name) || !told.insert(name).second) continue;
+      if (isOffered(name) || isReadByDefault(light) || !told.insert(name).second) continue;
       const std::string text = "light " + inTicks(light.name) + " asks for the profile " + inTicks(name) +
                                ", which no fragment of the graph has";
       warnings_.push_back({InputError(job_.environment().file(), light.position, text).place(), text});
@@ -326,6 +330,17 @@ private:
   bool isOffered(const WString& profile) const {
     return std::any_of(order_.begin(), order_.end(), [&](std::size_t node) {
       return fragmentOf(node).findBestProfile(profile, job_.options().getLanguage(), 0.0f) != nullptr;
+    });
+  }
+
+  /// A default profile that reads any current light takes one whose type has the profile's name.
+  bool isReadByDefault(const ShadingEnvironment::Light& light) const {
+    const WString& name = light.profile->getProfilename();
+    if (light.fragment->getNumOutputs() == 0 || light.fragment->getOutput(0)->getStructName() != name)
+      return false;
+    return std::any_of(order_.begin(), order_.end(), [&](std::size_t node) {
+      const Profile profile = chosen(fragmentOf(node), name, job_.options().getSurfaceLOD());
+      return profile != nullptr && readsCurrentLight(profile);
     });
   }
 
