@@ -26,8 +26,8 @@ SFG_API extern const UString sfg_isNotConnected;
 SFG_API extern const UString sfg_shader;
 SFG_API extern const UString sfg_isFinalOutput;
 
-/// The id of a name; eBuiltinFunctionUnknown for any other. Case-sensitive; never answers IsNotConnected, whose text is
-/// IsConnected's.
+/// The id of a name; eBuiltinFunctionUnknown for any other. Case-sensitive; never answers IsNotConnected,
+/// whose text is IsConnected's.
 SFG_API EBuiltinFunctionId getBuiltinFunctionId(const UString& name);
 /// The text of an id, "sfg_unkown" for 0; empty for a value that is no id.
 SFG_API WString getBuiltinFunctionString(EBuiltinFunctionId id);
@@ -35,14 +35,14 @@ SFG_API WString getBuiltinFunctionString(EBuiltinFunctionId id);
 /// One call. The views point into the code it was found in.
 struct SFG_API BuiltinFunction {
   EBuiltinFunctionId id = eBuiltinFunctionUnknown;
-  /// The arguments, split at every comma. An argument is meant to be one identifier or literal: its view starts at its
-  /// first character and is as long as it has characters that are not whitespace.
+  /// The arguments, split at every comma. An argument is meant to be one identifier or literal: its view
+  /// starts at its first character and is as long as it has characters that are not whitespace.
   Array<ScopedText> arguments;
   /// The whole call, from the name to behind the closing parenthesis; empty without an argument list.
   ScopedText range;
 
-  /// Reads the argument list of a call whose name starts at `start` and ends at `pos`, which then stands behind the
-  /// list. False when no balanced list follows; the id is stored in any case.
+  /// Reads the argument list of a call whose name starts at `start` and ends at `pos`, which then stands
+  /// behind the list. False when no balanced list follows; the id is stored in any case.
   bool parse(EBuiltinFunctionId id, const ScopedText& text, std::size_t start, std::size_t& pos);
 };
 

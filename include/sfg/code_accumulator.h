@@ -1,7 +1,7 @@
 #pragma once
 
-// One output text to which many fragment instances contribute symbols: each is written once, clashing names are
-// renamed.
+// One output text to which many fragment instances contribute symbols: each is written once, clashing names
+// are renamed.
 
 #include <memory>
 
@@ -20,11 +20,12 @@ public:
   CodeAccumulator(const CodeAccumulator&) = delete;
   CodeAccumulator& operator=(const CodeAccumulator&) = delete;
 
-  /// Appends to `out` the symbols of `code` that were not written before, with `pattern`, the symbols' own positional
-  /// rules and `renamePattern` applied in that order; raw text is appended as it is, every time. A symbol whose name an
-  /// earlier call used gets a new one, and the rule is added to `renamePattern`. A symbol is known when its instance key
-  /// and the renames in force that occur in its text are those of one written before: it is skipped, and referred to
-  /// under the name that one has. Throws when the text would pass the size limit of generated code.
+  /// Appends to `out` the symbols of `code` that were not written before, with `pattern`, the symbols' own
+  /// positional rules and `renamePattern` applied in that order; raw text is appended as it is, every time. A
+  /// symbol whose name an earlier call used gets a new one, and the rule is added to `renamePattern`. A
+  /// symbol is known when its instance key and the renames in force that occur in its text are those of one
+  /// written before: it is skipped, and referred to under the name that one has. Throws when the text would
+  /// pass the size limit of generated code.
   void append(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
               KeywordReplacePattern& renamePattern);
 

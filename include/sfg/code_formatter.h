@@ -7,9 +7,9 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Writes lines with their leading whitespace replaced by one tab per brace level. Every brace counts, also in comments
-/// and strings; surplus closing braces drive the level below zero. Neither copied nor moved: it may point at its own
-/// result.
+/// Writes lines with their leading whitespace replaced by one tab per brace level. Every brace counts, also
+/// in comments and strings; surplus closing braces drive the level below zero. Neither copied nor moved: it
+/// may point at its own result.
 class SFG_API CodeFormatter {
 public:
   /// Starts at a level; a negative one counts as 0.

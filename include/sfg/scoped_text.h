@@ -2,8 +2,9 @@
 
 // Views of wide text and the scanning functions that all parsing of shader text is made of.
 //
-// Every scanning function moves an index forward through a view in one pass, allocates nothing and never throws: an
-// index behind the end yields empty views, unterminated comments, lines and bodies run to the end of the view.
+// Every scanning function moves an index forward through a view in one pass, allocates nothing and never
+// throws: an index behind the end yields empty views, unterminated comments, lines and bodies run to the end
+// of the view.
 
 #include <cstddef>
 #include <string_view>
@@ -14,9 +15,9 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// A view of text that someone else owns and keeps alive: the first character and the number of characters. Not
-/// terminated by NUL in general. An empty view may have a null pointer or point at a position inside a text; callers
-/// use that pointer as a position.
+/// A view of text that someone else owns and keeps alive: the first character and the number of characters.
+/// Not terminated by NUL in general. An empty view may have a null pointer or point at a position inside a
+/// text; callers use that pointer as a position.
 struct SFG_API ScopedText {
   const wchar_t* text = nullptr;
   std::size_t length = 0;
@@ -39,9 +40,10 @@ struct SFG_API ScopedText {
   ScopedText substr(std::size_t pos, std::size_t count) const;
   /// Index of the first `c` inside the view, or the not-found value.
   std::size_t find(wchar_t c) const;
-  /// Index of the first occurrence of `needle` at or after `from` that starts inside the view, or the not-found value.
-  /// An occurrence may run past the view's end: the text behind it is read while it matches, up to its terminating
-  /// NUL, which must exist. An empty needle is found at `from` when that lies inside the view. Searches in place.
+  /// Index of the first occurrence of `needle` at or after `from` that starts inside the view, or the
+  /// not-found value. An occurrence may run past the view's end: the text behind it is read while it matches,
+  /// up to its terminating NUL, which must exist. An empty needle is found at `from` when that lies inside
+  /// the view. Searches in place.
   std::size_t find(const WString& needle, std::size_t from) const;
   /// Replaces the contents of `out`.
   void toString(WString& out) const;
@@ -65,8 +67,9 @@ SFG_API void skipWhitespaces(const ScopedText& text, std::size_t& pos);
 /// To the next token character outside of comments and preprocessor lines.
 SFG_API void skipNonKeywords(const ScopedText& text, std::size_t& pos);
 
-/// Skips whitespace and takes a balanced body, brackets included; `pos` then stands behind it. An empty view at `pos`
-/// when no `open` stands there. Brackets in comments and preprocessor lines do not count, those in quotes do.
+/// Skips whitespace and takes a balanced body, brackets included; `pos` then stands behind it. An empty view
+/// at `pos` when no `open` stands there. Brackets in comments and preprocessor lines do not count, those in
+/// quotes do.
 SFG_API ScopedText getBracketBody(const ScopedText& text, std::size_t& pos, wchar_t open, wchar_t close);
 /// The run of token characters at `pos`, possibly empty.
 SFG_API ScopedText getKeyword(const ScopedText& text, std::size_t& pos);
@@ -75,8 +78,8 @@ SFG_API ScopedText getOptionalReturn(const ScopedText& text, std::size_t& pos);
 /// Skips whitespace (also when nothing follows) and takes a `;`, or an empty view there.
 SFG_API ScopedText getOptionalSemiColon(const ScopedText& text, std::size_t& pos);
 
-/// Whether `literal` stands at `pos`, ASCII letters compared without case, whatever follows it. False when the view is
-/// shorter than the literal, or ends inside it.
+/// Whether `literal` stands at `pos`, ASCII letters compared without case, whatever follows it. False when
+/// the view is shorter than the literal, or ends inside it.
 SFG_API bool isEqual(const ScopedText& text, std::size_t pos, const wchar_t* literal);
 
 /// ASCII letters, digits and `_`.
