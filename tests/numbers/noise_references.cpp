@@ -120,25 +120,33 @@ std::vector<Row> fractalRows() {
     all.insert(all.end(), rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(count));
     return all;
   };
-  for (auto const& [lod, most] : {std::pair{100.0, 6}, {50.0, 3}, {0.0, 1}}) {
+  struct Detail {
+    double lod;
+    int most;
+  };
+  for (Detail const detail : {Detail{100.0, 6}, {50.0, 3}, {0.0, 1}}) {
+    int const most = detail.most;
     rows.push_back(
         {"fbmNoise2", inputs(vector2("position", -4, 4), 3), kOctaves,
-         [=](Sample const& in) { return Result(fbm(in.vec2(0), whole(in, 1, most), in(2), in(3))); }, lod});
+         [=](Sample const& in) { return Result(fbm(in.vec2(0), whole(in, 1, most), in(2), in(3))); },
+         detail.lod});
     rows.push_back(
         {"fbmNoise3", inputs(vector3("position", -4, 4), 3), kOctaves,
-         [=](Sample const& in) { return Result(fbm(in.vec3(0), whole(in, 1, most), in(2), in(3))); }, lod});
+         [=](Sample const& in) { return Result(fbm(in.vec3(0), whole(in, 1, most), in(2), in(3))); },
+         detail.lod});
   }
-  for (auto const& [lod, most] : {std::pair{100.0, 6}, {0.0, 2}}) {
+  for (Detail const detail : {Detail{100.0, 6}, {0.0, 2}}) {
+    int const most = detail.most;
     rows.push_back(
         {"turbulenceNoise3", inputs(vector3("position", -4, 4), 3), kOctaves,
          [=](Sample const& in) { return Result(turbulence(in.vec3(0), whole(in, 1, most), in(2), in(3))); },
-         lod});
+         detail.lod});
     rows.push_back(
         {"ridgedNoise3",
          inputs(vector3("position", -4, 4), 2),
          {1e-3, 0.0, "rounded positions of the last octaves, weighed by the squares of the crests before"},
          [=](Sample const& in) { return Result(ridged(in.vec3(0), whole(in, 1, most), in(2))); },
-         lod});
+         detail.lod});
   }
   std::vector<Input> const warped = {vector3("position", -4, 4), number("warp", 0, 2),
                                      wholeInt("octaves", 0, 5)};

@@ -70,7 +70,9 @@ Words2 pcgHash(Words2 key) {
 }
 
 Words3 pcgHash(Words3 key) {
-  auto [x, y, z] = key;
+  std::uint32_t x = key[0];
+  std::uint32_t y = key[1];
+  std::uint32_t z = key[2];
   auto const mixWords = [&] {
     x += y * z;
     y += z * x;
