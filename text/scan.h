@@ -25,7 +25,7 @@ inline constexpr std::array<std::uint8_t, 128> kCharacterClasses = [] {
   for (std::size_t c = 'A'; c <= 'Z'; ++c) classes[c] = kToken;
   for (std::size_t c = '0'; c <= '9'; ++c) classes[c] = kToken;
   classes['_'] = kToken;
-  for (const std::size_t c : {'\t', '\n', '\r', ' '}) classes[c] = kWhitespace;
+  classes['\t'] = classes['\n'] = classes['\r'] = classes[' '] = kWhitespace;
   return classes;
 }();
 
