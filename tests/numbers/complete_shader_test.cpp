@@ -17,6 +17,7 @@
 #include "host/shader_assembly.h"
 #include "host/shader_compiler.h"
 #include "tests/numbers/agreement.h"
+#include "tests/numbers/reference_tools.h"
 #include "tests/numbers/sampler.h"
 #include "tests/numbers/vulkan_compute.h"
 #include "tolmsdk/unicode.h"
@@ -28,20 +29,24 @@ using namespace TolmSDK;
 using namespace TolmSDK::Graphics;
 using namespace TolmSDK::Graphics::sfg;
 
-// Where the members of an element of a buffer lie, in floats.
-struct ElementLayout {
-  std::size_t stride = 0;
+// Where the members of a structure that the shader shares with its host lie, in floats.
+struct SharedLayout {
+  std::size_t stride = 0;     // of a run-time array of it; 0 if there is none
+  std::uint32_t binding = 0;  // of a constant buffer
   std::map<std::string, std::size_t> offsets;
 };
 
-// The layout of the run-time array of the structure of this name, as the module's decorations say.
-ElementLayout layoutOf(std::vector<std::uint32_t> const& spirv, std::string const& structure) {
+// The layout of the structure of this name, as the module's decorations say; without members if there is
+// none.
+SharedLayout layoutOf(std::vector<std::uint32_t> const& spirv, std::string const& structure) {
   constexpr std::size_t kHeader = 5;
   std::uint32_t structId = 0;
-  std::map<std::uint32_t, std::string> names;    // member -> name
-  std::map<std::uint32_t, std::size_t> offsets;  // member -> bytes
-  std::map<std::uint32_t, std::size_t> strides;  // type -> bytes
-  ElementLayout layout;
+  std::uint32_t pointerId = 0;
+  std::map<std::uint32_t, std::string> names;       // member -> name
+  std::map<std::uint32_t, std::size_t> offsets;     // member -> bytes
+  std::map<std::uint32_t, std::size_t> strides;     // type -> bytes
+  std::map<std::uint32_t, std::uint32_t> bindings;  // variable -> binding
+  SharedLayout layout;
   for (std::size_t at = kHeader; at < spirv.size(); at += spirv[at] >> 16) {
     std::uint32_t const* const words = &spirv[at];
     auto const text = [&](std::size_t word) {
@@ -57,8 +62,14 @@ ElementLayout layoutOf(std::vector<std::uint32_t> const& spirv, std::string cons
       offsets[words[2]] = words[4];
     } else if (operation == spv::OpDecorate && words[2] == spv::DecorationArrayStride) {
       strides[words[1]] = words[3];
+    } else if (operation == spv::OpDecorate && words[2] == spv::DecorationBinding) {
+      bindings[words[1]] = words[3];
     } else if (operation == spv::OpTypeRuntimeArray && words[2] == structId) {
       layout.stride = strides.at(words[1]) / sizeof(float);
+    } else if (operation == spv::OpTypePointer && words[3] == structId) {
+      pointerId = words[1];
+    } else if (operation == spv::OpVariable && words[1] == pointerId) {
+      layout.binding = bindings.at(words[2]);
     }
   }
   for (auto const& [member, name] : names) {
@@ -88,6 +99,12 @@ std::string graphDocument(FragmentProfile const& profile, Function const& functi
          wires + "}}]}";
 }
 
+std::vector<std::uint32_t> words(std::string const& bytes) {
+  std::vector<std::uint32_t> result(bytes.size() / sizeof(std::uint32_t));
+  std::memcpy(result.data(), bytes.data(), result.size() * sizeof(std::uint32_t));
+  return result;
+}
+
 class TemporaryFile {
 public:
   explicit TemporaryFile(std::string const& content)
@@ -104,27 +121,52 @@ private:
   std::filesystem::path path_;
 };
 
-// The module of the complete compute shader of the document. The include files are registered already.
-std::vector<std::uint32_t> compileDocument(std::string const& document, double lod) {
+// A complete compute shader and the values its uniforms start with.
+struct CompleteShader {
+  std::vector<std::uint32_t> spirv;
+  std::map<std::string, std::vector<float>> uniforms;
+};
+
+// Collapses and compiles the document. The include files are registered already.
+CompleteShader compileDocument(std::string const& document, host::CollapseSettings settings) {
   TemporaryFile const file(document);
-  host::CollapseSettings settings;
   settings.graphFile = file.path();
   settings.libraryFolders = {"library"};
-  settings.surfaceLod = static_cast<float>(lod);
   host::CollapseJob job(settings);
   job.run();
   host::AssembledShader assembled = host::assembleShader(job, host::ShaderStage::compute);
-  std::string const bytes =
-      host::compileShader(toUtf8(assembled.shader.getCompleteShader()), assembled.entryPoint,
-                          host::ShaderStage::compute, host::ShaderTarget::spirv);
-  std::vector<std::uint32_t> words(bytes.size() / sizeof(std::uint32_t));
-  std::memcpy(words.data(), bytes.data(), bytes.size());
-  return words;
+  CompleteShader complete;
+  complete.spirv =
+      words(host::compileShader(toUtf8(assembled.shader.getCompleteShader()), assembled.entryPoint,
+                                host::ShaderStage::compute, host::ShaderTarget::spirv));
+  for (std::size_t i = 0; i < job.result()->getNumUniforms(); ++i) {
+    AParameter const& uniform = *job.result()->getUniform(i);
+    std::vector<float>& values = complete.uniforms[toUtf8(uniform.getName())];
+    for (std::size_t c = 0; c < uniform.getDefaultValue().size(); ++c) {
+      values.push_back(static_cast<float>(uniform.getDefaultValue().get(c)));
+    }
+  }
+  return complete;
+}
+
+// The named constant buffer filled with the values; those that have none are zero.
+UniformBlock fillBlock(CompleteShader const& shader, std::string const& name,
+                       std::map<std::string, std::vector<float>> const& values) {
+  constexpr std::size_t kLargestBlock = 1024;
+  SharedLayout const layout = layoutOf(shader.spirv, name);
+  UniformBlock block{layout.binding, std::vector<float>(kLargestBlock)};
+  for (auto const& [member, offset] : layout.offsets) {
+    if (auto const found = values.find(member); found != values.end()) {
+      std::copy(found->second.begin(), found->second.end(),
+                block.values.begin() + static_cast<std::ptrdiff_t>(offset));
+    }
+  }
+  return block;
 }
 
 // Spreads the samples to the elements of the input buffer; whole numbers become integers where the port is
 // one.
-std::vector<float> spread(std::vector<float> const& samples, Row const& row, ElementLayout const& layout) {
+std::vector<float> spread(std::vector<float> const& samples, Row const& row, SharedLayout const& layout) {
   std::vector<float> buffer(kSamples * layout.stride);
   std::size_t read = 0;
   for (std::size_t i = 0; i < kSamples; ++i) {
@@ -140,7 +182,7 @@ std::vector<float> spread(std::vector<float> const& samples, Row const& row, Ele
 }
 
 std::vector<float> gather(std::vector<float> const& buffer, Function const& function,
-                          ElementLayout const& layout) {
+                          SharedLayout const& layout) {
   std::vector<float> values;
   for (std::size_t i = 0; i < kSamples; ++i) {
     for (Port const& output : function.outputs) {
@@ -180,9 +222,12 @@ TEST(CompleteShaders, AnswerWhatTheReferencesSay) {
         continue;
       }
       ++tried;
-      std::vector<std::uint32_t> const spirv = compileDocument(graphDocument(profile, function), profile.lod);
-      ElementLayout const in = layoutOf(spirv, "sfg_ComputeInput");
-      ElementLayout const out = layoutOf(spirv, "sfg_ComputeOutput");
+      host::CollapseSettings settings;
+      settings.surfaceLod = static_cast<float>(profile.lod);
+      std::vector<std::uint32_t> const spirv =
+          compileDocument(graphDocument(profile, function), settings).spirv;
+      SharedLayout const in = layoutOf(spirv, "sfg_ComputeInput");
+      SharedLayout const out = layoutOf(spirv, "sfg_ComputeOutput");
       std::vector<float> const samples = drawSamples(row.inputs, kSamples, row.fragment);
       std::vector<float> const outputs =
           compute.run(spirv, spread(samples, row, in), kSamples * out.stride, kSamples / kGroupSize);
@@ -190,6 +235,101 @@ TEST(CompleteShaders, AnswerWhatTheReferencesSay) {
     }
   }
   EXPECT_GE(tried, 60u);
+}
+
+// The lights of environments/four_msl.json with the uniforms' values of lights.fraglib, at a point with a
+// normal: directions to the light and irradiances on a surface that faces it.
+struct Arrival {
+  Vec3 direction;
+  Vec3 irradiance;
+};
+
+using UniformValues = std::map<std::string, std::vector<float>>;
+
+double numberOf(UniformValues const& values, std::string const& name) {
+  return static_cast<double>(values.at(name).at(0));
+}
+
+Vec3 vectorOf(UniformValues const& values, std::string const& name) {
+  std::vector<float> const& v = values.at(name);
+  return {static_cast<double>(v.at(0)), static_cast<double>(v.at(1)), static_cast<double>(v.at(2))};
+}
+
+Arrival lampAt(UniformValues const& values, std::string const& light, Vec3 point) {
+  Vec3 const toLamp = vectorOf(values, "light_position" + light) - point;
+  EXPECT_EQ(numberOf(values, "light_range" + light), 0.0) << "the reference knows no range";
+  return {unit(toLamp), vectorOf(values, "light_color" + light) *
+                            (numberOf(values, "light_intensity" + light) / dot(toLamp, toLamp))};
+}
+
+std::vector<Arrival> fourLights(UniformValues const& values, Vec3 point, Vec3 normal) {
+  Arrival const sun{-unit(vectorOf(values, "light_axisSun")),
+                    vectorOf(values, "light_colorSun") * numberOf(values, "light_intensitySun")};
+  Vec3 const around =
+      mix(vectorOf(values, "light_groundSky"), vectorOf(values, "light_skySky"), (1.0 + normal.y) / 2.0);
+  Arrival torch = lampAt(values, "Torch", point);
+  double const cosine = dot(-torch.direction, unit(vectorOf(values, "light_axisTorch")));
+  double const inner = std::cos(numberOf(values, "light_innerTorch"));
+  double const outer = std::cos(numberOf(values, "light_outerTorch"));
+  double const t = clamp01((cosine - outer) / (inner - outer));
+  torch.irradiance = torch.irradiance * (t * t * (3.0 - 2.0 * t));
+  return {sun, {normal, around * kPi}, lampAt(values, "Lantern", point), torch};
+}
+
+TEST(CompleteShaders, RepeatTheBlockOfAMetaSlSurfaceForEachLight) {
+  if (isVulkanSkipped()) {
+    GTEST_SKIP() << "SFG_SKIP_VULKAN_TESTS is set";
+  }
+  std::string const document = R"({
+    "inputs": [{"name": "diffuse", "type": "float3"}, {"name": "specular", "type": "float3"},
+               {"name": "exponent", "type": "float"}, {"name": "ambient", "type": "float3"}],
+    "outputs": [{"name": "result", "type": "float3", "node": "shade"}],
+    "nodes": [{"name": "shade", "fragment": "mslPhongSurface", "inputs": {
+      "diffuse": {"graphInput": "diffuse"}, "specular": {"graphInput": "specular"},
+      "exponent": {"graphInput": "exponent"}, "ambient": {"graphInput": "ambient"}}}]})";
+  profilesIn("metasl.fraglib");  // registers the include files
+  host::CollapseSettings settings;
+  settings.tool = host::CollapseTool::lightLoop;
+  settings.environmentFile = "tests/numbers/environments/four_msl.json";
+  CompleteShader const shader = compileDocument(document, settings);
+
+  Vec3 const eye{5.0, 6.0, 7.0};
+  std::vector<UniformBlock> const blocks = {
+      fillBlock(shader, "sfg_Uniforms", shader.uniforms),
+      fillBlock(shader, "sfg_StateUniforms", {{"sfg_eyePosition", {5.0f, 6.0f, 7.0f}}})};
+  ASSERT_NE(blocks[0].binding, blocks[1].binding);
+
+  Row row;
+  row.fragment = "mslPhongSurface";
+  row.inputs = {vector3("diffuse", 0, 1),
+                vector3("specular", 0, 1),
+                number("exponent", 1, 50),
+                vector3("ambient", 0, 1),
+                vector3("sfg_worldPosition", -1.5, 1.5),
+                vector3("sfg_worldNormal", 0.2, 1)};
+  row.tolerance = {2e-3, 2e-3, "rounded cosines in narrow lobes, times irradiances of up to 10"};
+  row.reference = [&](Sample const& in) {
+    Vec3 const point = in.vec3(4);
+    Vec3 const normal = unit(in.vec3(5));
+    Vec3 color = in.vec3(3);
+    for (Arrival const& light : fourLights(shader.uniforms, point, normal)) {
+      double const cosine = std::max(dot(normal, light.direction), 0.0);
+      double const facing = std::max(dot(normal, unit(unit(eye - point) + light.direction)), 0.0);
+      color = color + in.vec3(0) * light.irradiance * (cosine / kPi) +
+              in.vec3(1) * light.irradiance * (std::pow(facing, in(2)) * cosine);
+    }
+    return Result(color);
+  };
+
+  VulkanCompute compute;
+  SharedLayout const in = layoutOf(shader.spirv, "sfg_ComputeInput");
+  SharedLayout const out = layoutOf(shader.spirv, "sfg_ComputeOutput");
+  std::vector<float> const samples = drawSamples(row.inputs, kSamples, row.fragment);
+  std::vector<float> const outputs = compute.run(shader.spirv, spread(samples, row, in),
+                                                 kSamples * out.stride, kSamples / kGroupSize, blocks);
+  Function layout;
+  layout.outputs = {{out.offsets.begin()->first, "float3"}};
+  EXPECT_TRUE(agree(row, samples, gather(outputs, layout, out)));
 }
 
 }  // namespace

@@ -16,6 +16,7 @@ namespace numbers_test {
 
 namespace {
 
+constexpr std::uint32_t kUniformBindings = 4;  // from 0
 constexpr std::uint32_t kInputBinding = 16;
 constexpr std::uint32_t kOutputBinding = 80;
 constexpr std::uint64_t kSecond = 1'000'000'000;
@@ -145,15 +146,20 @@ struct VulkanCompute::Device {
     commands = device->createCommandPoolUnique({vk::CommandPoolCreateFlagBits::eTransient, family});
 
     std::vector<vk::DescriptorSetLayoutBinding> bindings;
+    for (std::uint32_t binding = 0; binding < kUniformBindings; ++binding) {
+      bindings.emplace_back(binding, vk::DescriptorType::eUniformBuffer, 1,
+                            vk::ShaderStageFlagBits::eCompute);
+    }
     for (std::uint32_t const binding : {kInputBinding, kOutputBinding}) {
       bindings.emplace_back(binding, vk::DescriptorType::eStorageBuffer, 1,
                             vk::ShaderStageFlagBits::eCompute);
     }
     setLayout = device->createDescriptorSetLayoutUnique(vk::DescriptorSetLayoutCreateInfo({}, bindings));
     pipelineLayout = device->createPipelineLayoutUnique(vk::PipelineLayoutCreateInfo({}, *setLayout));
-    vk::DescriptorPoolSize size(vk::DescriptorType::eStorageBuffer, 2);
+    std::vector<vk::DescriptorPoolSize> const sizes = {
+        {vk::DescriptorType::eStorageBuffer, 2}, {vk::DescriptorType::eUniformBuffer, kUniformBindings}};
     descriptors = device->createDescriptorPoolUnique(
-        {vk::DescriptorPoolCreateFlagBits::eFreeDescriptorSet, 1, 1, &size});
+        vk::DescriptorPoolCreateInfo(vk::DescriptorPoolCreateFlagBits::eFreeDescriptorSet, 1, sizes));
   }
 
   std::uint32_t hostMemoryType(std::uint32_t allowed) const {
@@ -168,10 +174,10 @@ struct VulkanCompute::Device {
     throw VulkanError("the Vulkan device has no memory that the processor can write");
   }
 
-  Buffer createBuffer(std::span<float const> values) const {
+  Buffer createBuffer(std::span<float const> values, vk::BufferUsageFlagBits usage) const {
     Buffer result;
     vk::DeviceSize const bytes = std::max<vk::DeviceSize>(values.size_bytes(), sizeof(float));
-    result.buffer = device->createBufferUnique({{}, bytes, vk::BufferUsageFlagBits::eStorageBuffer});
+    result.buffer = device->createBufferUnique({{}, bytes, usage});
     vk::MemoryRequirements const needs = device->getBufferMemoryRequirements(*result.buffer);
     result.memory = device->allocateMemoryUnique({needs.size, hostMemoryType(needs.memoryTypeBits)});
     device->bindBufferMemory(*result.buffer, *result.memory, 0);
@@ -189,16 +195,14 @@ struct VulkanCompute::Device {
     return device->createComputePipelineUnique({}, {{}, stage, *pipelineLayout}).value;
   }
 
-  vk::UniqueDescriptorSet createDescriptorSet(Buffer const& in, Buffer const& out) const {
-    vk::UniqueDescriptorSet set =
-        std::move(device->allocateDescriptorSetsUnique({*descriptors, *setLayout}).front());
-    vk::DescriptorBufferInfo const inInfo(*in.buffer, 0, VK_WHOLE_SIZE);
-    vk::DescriptorBufferInfo const outInfo(*out.buffer, 0, VK_WHOLE_SIZE);
-    device->updateDescriptorSets(
-        {vk::WriteDescriptorSet(*set, kInputBinding, 0, vk::DescriptorType::eStorageBuffer, {}, inInfo),
-         vk::WriteDescriptorSet(*set, kOutputBinding, 0, vk::DescriptorType::eStorageBuffer, {}, outInfo)},
-        {});
-    return set;
+  vk::UniqueDescriptorSet createDescriptorSet() const {
+    return std::move(device->allocateDescriptorSetsUnique({*descriptors, *setLayout}).front());
+  }
+
+  void bind(vk::DescriptorSet set, std::uint32_t binding, vk::DescriptorType type,
+            Buffer const& buffer) const {
+    vk::DescriptorBufferInfo const info(*buffer.buffer, 0, VK_WHOLE_SIZE);
+    device->updateDescriptorSets(vk::WriteDescriptorSet(set, binding, 0, type, {}, info), {});
   }
 
   void dispatch(vk::Pipeline pipeline, vk::DescriptorSet set, std::uint32_t groups) const {
@@ -251,13 +255,23 @@ VulkanCompute::~VulkanCompute() = default;
 std::string const& VulkanCompute::deviceName() const { return device_->name; }
 
 std::vector<float> VulkanCompute::run(std::span<std::uint32_t const> spirv, std::span<float const> inputs,
-                                      std::size_t outputCount, std::uint32_t groups) {
+                                      std::size_t outputCount, std::uint32_t groups,
+                                      std::span<UniformBlock const> blocks) {
   try {
-    Buffer const in = device_->createBuffer(inputs);
+    using Usage = vk::BufferUsageFlagBits;
+    using Type = vk::DescriptorType;
     std::vector<float> const unwritten(outputCount, std::numeric_limits<float>::quiet_NaN());
-    Buffer const out = device_->createBuffer(unwritten);
+    Buffer const in = device_->createBuffer(inputs, Usage::eStorageBuffer);
+    Buffer const out = device_->createBuffer(unwritten, Usage::eStorageBuffer);
+    std::vector<Buffer> uniforms;
     vk::UniquePipeline const pipeline = device_->createPipeline(spirv);
-    vk::UniqueDescriptorSet const set = device_->createDescriptorSet(in, out);
+    vk::UniqueDescriptorSet const set = device_->createDescriptorSet();
+    device_->bind(*set, kInputBinding, Type::eStorageBuffer, in);
+    device_->bind(*set, kOutputBinding, Type::eStorageBuffer, out);
+    for (UniformBlock const& block : blocks) {
+      uniforms.push_back(device_->createBuffer(block.values, Usage::eUniformBuffer));
+      device_->bind(*set, block.binding, Type::eUniformBuffer, uniforms.back());
+    }
     device_->dispatch(*pipeline, *set, groups);
     return device_->read(out, outputCount);
   } catch (vk::SystemError const& error) {

@@ -16,6 +16,12 @@ public:
   using std::runtime_error::runtime_error;
 };
 
+// The content of a constant buffer (set 0).
+struct UniformBlock {
+  std::uint32_t binding = 0;  // 0 to 3
+  std::vector<float> values;
+};
+
 // Runs compute shaders over plain arrays of floats: one storage buffer in (set 0, binding 16), one out (set
 // 0, binding 80), entry point "main": what the ready-made host makes of the registers t0 and u0. A processor
 // device is preferred to a graphics card, so that every machine computes the same numbers; when the loader
@@ -36,7 +42,8 @@ public:
   // Runs `groups` work groups and answers the output buffer, which starts as NaN in every element, so that a
   // value the shader never writes is seen. Throws VulkanError.
   std::vector<float> run(std::span<std::uint32_t const> spirv, std::span<float const> inputs,
-                         std::size_t outputCount, std::uint32_t groups);
+                         std::size_t outputCount, std::uint32_t groups,
+                         std::span<UniformBlock const> blocks = {});
 
 private:
   struct Device;
