@@ -111,14 +111,19 @@ public:
     return std::nullopt;
   }
 
-  /// A node, light or chain fragment without a profile that the collapse could fall back on.
-  Found withoutDefaultProfile() const {
+  Found nodeWithoutDefaultProfile() const {
     for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
       const GraphNode& node = document_.node(i);
       const IShaderFragment* const fragment = fragmentOf(node);
       if (fragment != nullptr && !hasDefaultProfile(*fragment))
         return at(node.position(), lacksDefault(named(node), *fragment));
     }
+    return std::nullopt;
+  }
+
+  /// A node, light or chain fragment without a profile that the collapse could fall back on.
+  Found withoutDefaultProfile() const {
+    if (Found found = nodeWithoutDefaultProfile()) return found;
     for (const auto* chain : {&document_.preprocess(), &document_.postprocess()}) {
       for (const GraphDocument::ChainFragment& link : *chain) {
         if (!hasDefaultProfile(*link.fragment))
@@ -283,12 +288,14 @@ Found findByMessage(const Search& search, std::wstring_view message) {
 RefusalPlace findRefusalPlace(const CollapseJob& job, std::wstring_view message) {
   const Search search(job);
   if (Found found = findByMessage(search, message)) return *found;
-  // Something could not be evaluated, or the message says nothing about the graph: the usual causes, most
-  // exact first.
-  if (Found found = search.withoutDefaultProfile()) return *found;
-  if (Found found = search.outputsOfSeveralNodes()) return *found;
-  if (Found found = search.mismatchedPorts()) return *found;
-  return search.outputOrFile();
+  // Something could not be evaluated: the usual causes, most exact first.
+  if (message.empty() || message.find(L"evaluate") != message.npos) {
+    if (Found found = search.nodeWithoutDefaultProfile()) return *found;
+    if (Found found = search.outputsOfSeveralNodes()) return *found;
+    if (Found found = search.mismatchedPorts()) return *found;
+    return search.outputOrFile();
+  }
+  return {job.document().file(), "while this graph was collapsed"};
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

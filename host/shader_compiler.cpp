@@ -244,11 +244,14 @@ std::string bytesOf(const Words& words) {
 
 }  // namespace
 
-std::string compileShader(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,
-                          ShaderTarget target) {
+Words compileToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage) {
   const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
-  const Words words = legaliseAndOptimise(parsed.toSpirv(stage));
+  Words words = legaliseAndOptimise(parsed.toSpirv(stage));
   validate(words);
+  return words;
+}
+
+std::string translate(const Words& words, ShaderStage stage, ShaderTarget target) {
   switch (target) {
   case ShaderTarget::hlsl: return toHlsl(words, stage);
   case ShaderTarget::glsl: return toGlsl(words, stage, false);
@@ -257,6 +260,11 @@ std::string compileShader(const std::string& hlsl, const std::string& entryPoint
   case ShaderTarget::spirv: break;
   }
   return bytesOf(words);
+}
+
+std::string compileShader(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,
+                          ShaderTarget target) {
+  return translate(compileToSpirv(hlsl, entryPoint, stage), stage, target);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

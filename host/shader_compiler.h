@@ -2,6 +2,7 @@
 
 // Complete shaders through the field's compilers.
 
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <vector>

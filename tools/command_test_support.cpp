@@ -22,6 +22,7 @@ constexpr const char* kLibrary = R"json({
   "measure": { "language": ["dx11"], "predefine": ["struct Patch { float size; };"], "implementation": [
     "void measure(Patch patch, inout float seed, out float result)", "{", "result = patch.size + seed;", "}" ] },
   "twice": { "mode": "inline", "language": ["dx11"], "implementation": ["{{a}} * 2.0"] },
+  "sum": { "mode": "inline", "language": ["dx11"], "implementation": ["{{a}} + {{b}}"] },
   "clock": { "language": ["dx11"], "implementation": ["void clock(out float ticks)", "{", "ticks = sfg_time;", "}"] },
   "grade": { "language": ["dx11"], "implementation": [
     "void grade(float3 color, out float3 result)", "{", "result = color;", "}" ] },

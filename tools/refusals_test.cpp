@@ -18,12 +18,28 @@ struct Refusal {
 
 std::ostream& operator<<(std::ostream& out, const Refusal& refusal) { return out << refusal.name; }
 
+/// In place of DOUBLING: forty nodes, each an expression of twice the length of the one before.
+std::string withDoublings(std::string graph) {
+  const std::size_t place = graph.find("DOUBLING");
+  if (place == graph.npos) return graph;
+  std::string nodes;
+  for (int i = 0; i < 40; ++i) {
+    const std::string before = R"({ "node": "d)" + std::to_string(i - 1) + "\" }";
+    const std::string source = i == 0 ? R"({ "value": 1 })" : before;
+    nodes += R"({ "name": "d)" + std::to_string(i) + R"(", "fragment": "sum", "interface": {
+      "inputs": [ { "name": "a", "type": "float" }, { "name": "b", "type": "float" } ],
+      "outputs": [ { "name": "r", "type": "float" } ] }, "inputs": { "a": )" +
+             source + R"(, "b": )" + source + " } },\n";
+  }
+  return graph.replace(place, 8, nodes);
+}
+
 class RefusalTest : public CommandTest, public testing::WithParamInterface<Refusal> {};
 
 TEST_P(RefusalTest, TellsPlaceAndReason) {
   const Refusal& refusal = GetParam();
   writeLibrary();
-  write("graph.json", refusal.graph);
+  write("graph.json", withDoublings(refusal.graph));
   if (refusal.environment != nullptr) write("scene.json", refusal.environment);
   const std::string scene = refusal.environment != nullptr ? " --environment scene.json " : " ";
   const CommandRun result = run("collapse graph.json -L lib --format json" + scene + refusal.arguments);
@@ -262,6 +278,10 @@ const Refusal kCollapses[] = {
      1,
      "sfg: error: the graph cannot be collapsed: an output cannot be evaluated\ngraph.json:2:14: note: node "
      "`a` uses the fragment `lamp`, which has no profile `default` for the language `dx11`\n"},
+    {"CodeThatGrowsTooLarge", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "b" } ],
+  "nodes": [ DOUBLING
+  { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "d39" } } } ] })",
+     1, "sfgError : the generated code is too large!\ngraph.json: note: while this graph was collapsed\n"},
     {"LightWithoutProfile", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lit" } ] })",
      1, "Failed to set light profile Neon.\nscene.json:1:15: note: light `key` asks for the profile `Neon`\n",
