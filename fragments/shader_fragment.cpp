@@ -3,9 +3,9 @@
 #include <cmath>
 #include <iostream>
 #include <memory>
-#include <unordered_set>
 #include <utility>
 
+#include "fragments/pointer_set.h"
 #include "fragments/ports.h"
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile_base.h"
@@ -27,22 +27,19 @@ WString profileKey(const WString& name, const UString& language) { return name +
 
 }  // namespace
 
-AShaderFragment::AShaderFragment() = default;
-AShaderFragment::AShaderFragment(const WString& instanceName) : instanceName_(instanceName) {}
+AShaderFragment::AShaderFragment() : AShaderFragment(WString()) {}
+AShaderFragment::AShaderFragment(const WString& instanceName)
+    : instanceName_(instanceName), hashString_(std::make_shared<const WString>()),
+      profiles_(std::make_shared<Profiles>()) {}
+AShaderFragment::AShaderFragment(const AShaderFragment& original, const WString& instanceName)
+    : key_(original.key_), instanceName_(instanceName), hashString_(original.hashString_),
+      consolidatable_(original.consolidatable_), profiles_(original.profiles_),
+      inputConnections_(original.inputConnections_), inputs_(original.inputs_), outputs_(original.outputs_),
+      uniforms_(original.uniforms_) {}
 AShaderFragment::~AShaderFragment() = default;
 
 IShaderFragment* AShaderFragment::clone(const WString& instanceName) const {
-  auto copy = std::make_unique<AShaderFragment>(instanceName);
-  copy->key_ = key_;
-  copy->hashString_ = hashString_;
-  copy->consolidatable_ = consolidatable_;
-  copy->profileMap_ = profileMap_;
-  copy->profiles_ = profiles_;
-  copy->inputConnections_ = inputConnections_;
-  copy->inputs_ = inputs_;
-  copy->outputs_ = outputs_;
-  copy->uniforms_ = uniforms_;
-  return copy.release();
+  return new AShaderFragment(*this, instanceName);
 }
 
 void AShaderFragment::setOwnerGraph(IShaderFragmentGraph* graph) {
@@ -53,8 +50,7 @@ void AShaderFragment::setOwnerGraph(IShaderFragmentGraph* graph) {
 void AShaderFragment::clear() {
   key_.clear();
   instanceName_.clear();
-  profileMap_.clear();
-  profiles_.clear();
+  profiles_ = std::make_shared<Profiles>();
   inputConnections_.clear();
   inputs_.clear();
   outputs_.clear();
@@ -65,21 +61,22 @@ void AShaderFragment::clear() {
 
 void AShaderFragment::registerProfile(IShaderFragmentProfile* profile) {
   if (profile == nullptr || profile->languages().empty()) return;
+  if (profiles_.use_count() > 1) profiles_ = std::make_shared<Profiles>(*profiles_);
   for (const UString& language : std::as_const(*profile).languages())
-    profileMap_[profileKey(profile->getProfilename(), language)].push_back(profile);
-  profiles_.push_back(profile);
+    profiles_->byNameAndLanguage[profileKey(profile->getProfilename(), language)].push_back(profile);
+  profiles_->list.push_back(profile);
 }
 
 const IShaderFragmentProfile* AShaderFragment::findFirstProfile(const UString& language) const {
-  for (const RefPtr<IShaderFragmentProfile>& profile : profiles_)
+  for (const RefPtr<IShaderFragmentProfile>& profile : profiles_->list)
     if (std::as_const(*profile).languages().contains(language)) return profile.get();
   return nullptr;
 }
 
 const IShaderFragmentProfile* AShaderFragment::findBestProfile(const WString& profileName,
                                                                const UString& language, float lod) const {
-  const auto found = profileMap_.find(profileKey(profileName, language));
-  if (found == profileMap_.end() || found->second.empty()) return nullptr;
+  const auto found = profiles_->byNameAndLanguage.find(profileKey(profileName, language));
+  if (found == profiles_->byNameAndLanguage.end() || found->second.empty()) return nullptr;
   const IShaderFragmentProfile* best = nullptr;
   float bestDistance = 0.0f;
   for (const RefPtr<IShaderFragmentProfile>& profile : found->second) {
@@ -133,8 +130,8 @@ void AShaderFragment::generateAutoInputsOutputs(const ILanguageTraits* traits) {
   inputConnections_.clear();
   inputs_.clear();
   outputs_.clear();
-  if (profiles_.empty()) return;
-  const ITextParameterList& list = *std::as_const(*profiles_.front()).getFunctionParameters();
+  if (profiles_->list.empty()) return;
+  const ITextParameterList& list = *std::as_const(*profiles_->list.front()).getFunctionParameters();
   for (std::size_t i = 0; i < list.getNumInputs(); ++i)
     addInput(makePort(*traits, list.getInputType(i), list.getInputName(i)).get());
   for (std::size_t i = 0; i < list.getNumOutputs(); ++i)
@@ -176,7 +173,8 @@ void AShaderFragment::clearInputConnect(const wchar_t* input) { clearInputConnec
 
 bool AShaderFragment::hasAncestor(IShaderFragment* candidate) const {
   // Every fragment is looked at once, however many ways lead to it.
-  std::unordered_set<const IShaderFragment*> seen{this};
+  PointerSet seen;
+  seen.insert(this);
   Array<const IShaderFragment*> pending{this};
   while (!pending.empty()) {
     const IShaderFragment* fragment = pending.back();
@@ -184,7 +182,7 @@ bool AShaderFragment::hasAncestor(IShaderFragment* candidate) const {
     for (const ShaderFragmentConnection& connection : fragment->getInputConnections()) {
       if (connection.fragment == nullptr) continue;
       if (connection.fragment == candidate) return true;
-      if (seen.insert(connection.fragment).second) pending.push_back(connection.fragment);
+      if (seen.insert(connection.fragment)) pending.push_back(connection.fragment);
     }
   }
   return false;
@@ -218,10 +216,10 @@ void AShaderFragment::debugDump() {
     std::wcout << L"input: " << input->getType().toString() << L' ' << input->getName() << std::endl;
   for (const auto& output : outputs_)
     std::wcout << L"output: " << output->getType().toString() << L' ' << output->getName() << std::endl;
-  for (std::size_t i = 0; i < profiles_.size(); ++i) {
+  for (std::size_t i = 0; i < profiles_->list.size(); ++i) {
     std::wcout << L"profile " << itos(static_cast<long long>(i)) << L" : " << std::endl;
     // Only our own profiles can describe themselves.
-    if (const auto* profile = dynamic_cast<const AShaderFragmentProfile*>(profiles_[i].get()))
+    if (const auto* profile = dynamic_cast<const AShaderFragmentProfile*>(profiles_->list[i].get()))
       profile->debugDump(L"    ");
   }
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "fragments/pointer_set.h"
 #include "fragments/ports.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -15,7 +16,7 @@ void removeAt(Chain& chain, std::size_t index) {
 
 }  // namespace
 
-AShaderFragmentGraph::AShaderFragmentGraph() = default;
+AShaderFragmentGraph::AShaderFragmentGraph() : members_(std::make_unique<PointerSet>()) {}
 
 AShaderFragmentGraph::~AShaderFragmentGraph() {
   for (const RefPtr<IShaderFragment>& fragment : fragments_) fragment->setOwnerGraph(nullptr);
@@ -83,21 +84,21 @@ bool AShaderFragmentGraph::setOutputConnection(const wchar_t* output, IShaderFra
 
 void AShaderFragmentGraph::addFragment(IShaderFragment* fragment) {
   if (fragment == nullptr || fragment->getOwnerGraph() != nullptr) return;
-  if (!members_.insert(fragment).second) return;
+  if (!members_->insert(fragment)) return;
   fragment->setOwnerGraph(this);
   fragments_.emplace_back(fragment);
 }
 
 void AShaderFragmentGraph::removeFragment(IShaderFragment* fragment) {
   if (fragment == nullptr || fragment->getOwnerGraph() != this) return;
-  if (members_.erase(fragment) == 0) return;
+  if (!members_->erase(fragment)) return;
   fragment->setOwnerGraph(nullptr);
   removeAt(fragments_, static_cast<std::size_t>(std::find(fragments_.begin(), fragments_.end(), fragment) -
                                                 fragments_.begin()));
 }
 
 std::size_t AShaderFragmentGraph::findFragment(const IShaderFragment* fragment) const {
-  if (!members_.contains(fragment)) return kNotFound;
+  if (!members_->contains(fragment)) return kNotFound;
   return static_cast<std::size_t>(std::find(fragments_.begin(), fragments_.end(), fragment) -
                                   fragments_.begin());
 }

@@ -115,6 +115,8 @@ std::wstring_view nameOf(const INodeAccessor* node) {
 /// Places of the members that the host's nodes became.
 class NodeIndex {
 public:
+  explicit NodeIndex(std::size_t count) { indexes_.reserve(count); }
+
   void add(const INodeAccessor* node, std::size_t index) { indexes_[node] = index; }
 
   std::size_t find(const INodeAccessor* node) const {
@@ -161,7 +163,11 @@ void addGraphPorts(AShaderFragmentGraph& graph, const IGraphAccessor& accessor, 
 }
 
 WString joinHashes(const AShaderFragmentGraph& graph) {
+  std::size_t length = 0;
+  for (std::size_t i = 0; i < graph.getNumFragments(); ++i)
+    length += graph.getFragment(i)->getHashString().size();
   WString hash;
+  hash.reserve(length);
   for (std::size_t i = 0; i < graph.getNumFragments(); ++i) hash += graph.getFragment(i)->getHashString();
   return hash;
 }
@@ -174,7 +180,7 @@ AShaderFragmentGraph* AShaderFragmentGraphBuilder::build(const ILanguageTraits* 
   abandonedGraph_.reset();
   auto graph = std::make_unique<AShaderFragmentGraph>();
   try {
-    NodeIndex nodes;
+    NodeIndex nodes(accessor->getNumNodes());
     for (std::size_t i = 0, count = accessor->getNumNodes(); i < count; ++i) {
       const INodeAccessor* node = accessor->getNode(i);
       if (node == nullptr) throw Exception(L"sfgError : node %Iu of the graph is missing!", i);

@@ -1,5 +1,7 @@
 // Reading of fragment objects.
 
+#include <utility>
+
 #include "profiles/object_reader.h"
 #include "sfg/shader_fragment.h"
 #include "sfg/shader_fragment_profile_base.h"
@@ -71,11 +73,12 @@ void AShaderFragment::loadUniforms(const IObjectDataNode& node) {
 }
 
 void AShaderFragment::buildHash(const IObjectDataNode& node) {
-  hashString_ = SHA1_GetStringHash(node.toText());
+  WString hash = SHA1_GetStringHash(node.toText());
   Set<WString> includes;
-  for (const RefPtr<IShaderFragmentProfile>& profile : profiles_)
+  for (const RefPtr<IShaderFragmentProfile>& profile : profiles_->list)
     includes.insert(profile->includes().begin(), profile->includes().end());
-  hashString_ += ShaderIncludes::Singleton().getIncludesHash(includes);
+  hash += ShaderIncludes::Singleton().getIncludesHash(includes);
+  hashString_ = std::make_shared<const WString>(std::move(hash));
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -363,7 +363,6 @@ TEST(ShaderFragment, ClonesShareEverythingButTheOwner) {
   original->getShaderInputTypes().push_back(L"float");
   ASSERT_TRUE(original->setInputConnection(k0, source.get(), k0));
   graph->addFragment(original.get());
-  const std::uint32_t profileReferences = profile->referenceCount();
 
   const RefPtr<IShaderFragment> clone(original->clone(L"second"));
   EXPECT_EQ(static_cast<AShaderFragment*>(clone.get())->referenceCount(), 1u);
@@ -374,7 +373,6 @@ TEST(ShaderFragment, ClonesShareEverythingButTheOwner) {
   EXPECT_TRUE(clone->getShaderInputTypes().empty());
   EXPECT_EQ(clone->getProfile(0), profile.get());
   EXPECT_EQ(clone->findBestProfile(L"p", kDx11, 0.0f), profile.get());
-  EXPECT_EQ(profile->referenceCount(), profileReferences + 2);
   EXPECT_EQ(clone->getInput(0), original->getInput(0));
   EXPECT_EQ(clone->getOutput(0), original->getOutput(0));
   EXPECT_EQ(clone->getUniform(0), uniform.get());
@@ -383,8 +381,28 @@ TEST(ShaderFragment, ClonesShareEverythingButTheOwner) {
   // They are two fragments from then on.
   clone->addInput(TypeID_float, L"more");
   clone->clearInputConnect(k0);
+  clone->registerProfile(makeProfile(L"q", 1.0f, {L"dx11"}).get());
+  EXPECT_EQ(clone->getNumProfiles(), 2u);
+  EXPECT_EQ(original->getNumProfiles(), 1u);
+  EXPECT_EQ(original->findBestProfile(L"q", kDx11, 0.0f), nullptr);
   EXPECT_EQ(original->getNumInputs(), 1u);
   EXPECT_EQ(original->getInputConnections()[0].fragment, source.get());
+}
+
+TEST(ShaderFragment, ClonesKeepProfilesAlive) {
+  const auto profile = makeProfile(L"p", 1.0f, {L"dx11"});
+  RefPtr<AShaderFragment> original = makeFragment(0, 0);
+  original->registerProfile(profile.get());
+  RefPtr<IShaderFragment> first(original->clone(L"a"));
+  RefPtr<IShaderFragment> second(first->clone(L"b"));
+  original->clear();
+  EXPECT_EQ(first->getProfile(0), profile.get());
+  original.reset();
+  first.reset();
+  EXPECT_GT(profile->referenceCount(), 1u);
+  EXPECT_EQ(second->findBestProfile(L"p", kDx11, 1.0f), profile.get());
+  second.reset();
+  EXPECT_EQ(profile->referenceCount(), 1u);
 }
 
 TEST(ShaderFragment, ClonesKeepTheConsolidatableFlag) {

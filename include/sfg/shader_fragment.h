@@ -3,6 +3,7 @@
 // Fragments: named pieces of shader code with typed ports, uniforms and profiles.
 
 #include <cstddef>
+#include <memory>
 
 #include "sfg/export.h"
 #include "sfg/shader_fragment_profile.h"
@@ -110,13 +111,13 @@ public:
 
   IShaderFragment* clone(const WString& instanceName) const override;
   const WString& key() const override { return key_; }
-  const WString& getHashString() const override { return hashString_; }
+  const WString& getHashString() const override { return *hashString_; }
   const WString& instanceName() const override { return instanceName_; }
   IShaderFragmentGraph* getOwnerGraph() const override { return ownerGraph_; }
   void setOwnerGraph(IShaderFragmentGraph* graph) override;
-  std::size_t getNumProfiles() const override { return profiles_.size(); }
+  std::size_t getNumProfiles() const override { return profiles_->list.size(); }
   const IShaderFragmentProfile* getProfile(std::size_t index) const override {
-    return profiles_[index].get();
+    return profiles_->list[index].get();
   }
   const IShaderFragmentProfile* findFirstProfile(const UString& language) const override;
   const IShaderFragmentProfile* findBestProfile(const WString& profileName, const UString& language,
@@ -174,19 +175,25 @@ public:
   bool isConsolidatable() const noexcept { return consolidatable_; }
 
 private:
+  struct Profiles {
+    Map<WString, Array<RefPtr<IShaderFragmentProfile>>> byNameAndLanguage;
+    Array<RefPtr<IShaderFragmentProfile>> list;
+  };
+
+  AShaderFragment(const AShaderFragment& original, const WString& instanceName);
+
   void loadProfiles(const IObjectDataNode& node);
   void loadUniforms(const IObjectDataNode& node);
   void buildHash(const IObjectDataNode& node);
 
   WString key_;
   WString instanceName_;
-  WString hashString_;
+  std::shared_ptr<const WString> hashString_;  // shared with clones
   WString loadError_;
   IShaderFragmentGraph* ownerGraph_ = nullptr;
   Array<WString> shaderInputTypes_;
   bool consolidatable_ = true;
-  Map<WString, Array<RefPtr<IShaderFragmentProfile>>> profileMap_;
-  Array<RefPtr<IShaderFragmentProfile>> profiles_;
+  std::shared_ptr<Profiles> profiles_;  // shared with clones until one of them registers another
   Array<ShaderFragmentConnection> inputConnections_;
   Array<RefPtr<AParameter const>> inputs_;
   Array<RefPtr<AParameter const>> outputs_;

@@ -3,7 +3,7 @@
 // Fragment graphs: wired fragments with graph inputs, outputs and uniforms, handed to a collapse tool.
 
 #include <cstddef>
-#include <unordered_set>
+#include <memory>
 
 #include "sfg/export.h"
 #include "sfg/shader_fragment.h"
@@ -13,6 +13,8 @@
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg {
+
+class PointerSet;
 
 /// A graph as hosts and collapse tools see it. The slot order is fixed. It holds references on its fragments,
 /// parameters and flags; its members point back without one. Pre-process and post-process fragments are no
@@ -151,7 +153,7 @@ private:
   Array<RefPtr<AParameter const>> uniforms_;
   Array<RefPtr<IShaderFragment>> preprocessFragments_;
   Array<RefPtr<IShaderFragment>> postprocessFragments_;
-  std::unordered_set<const IShaderFragment*> members_;  // the fragments above, for tests of membership
+  std::unique_ptr<PointerSet> members_;  // the fragments above, for tests of membership
   bool consolidatable_ = true;
 };
 
