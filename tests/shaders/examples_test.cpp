@@ -1,0 +1,40 @@
+// Every example, without a light loop and with 0, 1 and 4 lights, for both stages and every target.
+
+#include <fstream>
+
+#include "tests/shaders/shader_fixture.h"
+
+namespace shaders_test {
+namespace {
+
+class ExamplesTest : public ShaderFixture, public testing::WithParamInterface<std::string> {};
+
+TEST_P(ExamplesTest, CompilesForEveryStageAndTarget) {
+  std::ifstream file("examples/materials/" + GetParam() + ".json");
+  const Json graph = Json::parse(file);
+  for (const sfg::host::ShaderStage stage :
+       {sfg::host::ShaderStage::pixel, sfg::host::ShaderStage::compute}) {
+    EXPECT_EQ(compile(settings(graph), stage, true), "") << "without a light loop";
+    for (const std::size_t lights : {0u, 1u, 4u}) {
+      sfg::host::CollapseSettings lit = settings(graph);
+      light(lit, environmentOf(lights));
+      EXPECT_EQ(compile(lit, stage, true), "") << lights << " lights";
+    }
+  }
+}
+
+std::vector<std::string> examples() {
+  std::vector<std::string> names;
+  for (const auto& file : std::filesystem::directory_iterator("examples/materials")) {
+    if (file.path().extension() == ".json") names.push_back(file.path().stem().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string nameOf(const testing::TestParamInfo<std::string>& info) { return info.param; }
+
+INSTANTIATE_TEST_SUITE_P(Materials, ExamplesTest, testing::ValuesIn(examples()), nameOf);
+
+}  // namespace
+}  // namespace shaders_test

@@ -1,0 +1,92 @@
+#include "tests/shaders/shader_fixture.h"
+
+#include <fstream>
+
+#include "host/fragment_files.h"
+#include "host/shader_compiler.h"
+#include "tolmsdk/unicode.h"
+
+namespace shaders_test {
+
+namespace {
+
+using namespace sfg::host;
+namespace fs = std::filesystem;
+
+const std::vector<std::string> kLibrary = {"library"};
+
+}  // namespace
+
+const LoadedLibraries& standardLibrary() {
+  static const LoadedLibraries libraries(kLibrary, kLibrary, "dx11");
+  return libraries;
+}
+
+std::vector<std::string> fragmentNames() {
+  std::vector<std::string> names;
+  const FragmentFiles files(kLibrary);
+  for (const auto& [name, entry] : files.entries()) names.push_back(TolmSDK::toUtf8(name));
+  return names;
+}
+
+ShaderFixture::ShaderFixture() {
+  std::string pattern = (fs::temp_directory_path() / "sfg_shaders_XXXXXX").string();
+  folder_ = mkdtemp(pattern.data());
+}
+
+ShaderFixture::~ShaderFixture() { fs::remove_all(folder_); }
+
+CollapseSettings ShaderFixture::settings(const Json& graph) const {
+  std::ofstream(folder_ / "graph.json") << graph;
+  CollapseSettings settings;
+  settings.graphFile = (folder_ / "graph.json").string();
+  settings.libraryFolders = kLibrary;
+  // Registered with the process once, by standardLibrary(): a second time would add each file to itself.
+  standardLibrary();
+  return settings;
+}
+
+void ShaderFixture::light(CollapseSettings& settings, const Json& environment) const {
+  std::ofstream(folder_ / "environment.json") << environment;
+  settings.environmentFile = (folder_ / "environment.json").string();
+  settings.tool = CollapseTool::lightLoop;
+}
+
+std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage stage,
+                                   bool everyTarget) try {
+  CollapseJob job(settings);
+  job.run();
+  if (job.result() == nullptr) return "the collapse answers null";
+  const AssembledShader assembled = assembleShader(job, stage);
+  if (!assembled.missingIncludes.empty()) return "include files are missing";
+  const std::string hlsl = TolmSDK::toUtf8(assembled.shader.getCompleteShader());
+  try {
+    const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage);
+    if (!everyTarget) return {};
+    for (const ShaderTarget target :
+         {ShaderTarget::hlsl, ShaderTarget::glsl, ShaderTarget::essl, ShaderTarget::msl}) {
+      if (translate(spirv, stage, target).empty()) return "a translation is empty";
+    }
+    return {};
+  } catch (const CompileError& error) {
+    std::string text = error.what();
+    for (const CompilerMessage& message : error.messages()) {
+      text += "\n" + std::to_string(message.line) + ": " + message.text;
+    }
+    return text + "\n" + hlsl;
+  }
+} catch (const std::exception& error) {
+  return error.what();
+}
+
+Json environmentOf(std::size_t lights) {
+  const char* const kinds[] = {"directionalLight", "pointLight", "environmentLight", "spotLight"};
+  Json list = Json::array();
+  for (std::size_t i = 0; i < lights; ++i) {
+    list.push_back(
+        {{"name", "lamp" + std::to_string(i)}, {"fragment", kinds[i % 4]}, {"profile", "sfg_Light"}});
+  }
+  return {{"lights", list}};
+}
+
+}  // namespace shaders_test

@@ -1,0 +1,47 @@
+#pragma once
+
+// Graph documents of the standard fragments, collapsed, assembled and compiled in this process.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "host/collapse_job.h"
+#include "host/shader_assembly.h"
+
+namespace shaders_test {
+
+namespace sfg = TolmSDK::Graphics::sfg;
+using Json = nlohmann::ordered_json;
+
+/// The standard fragments with the ports of their first profiles' functions; loaded once.
+const sfg::host::LoadedLibraries& standardLibrary();
+/// Their names, in order.
+std::vector<std::string> fragmentNames();
+
+class ShaderFixture : public testing::Test {
+protected:
+  ShaderFixture();
+  ~ShaderFixture() override;
+
+  /// Settings over the standard library for a document of the test.
+  sfg::host::CollapseSettings settings(const Json& graph) const;
+  /// Makes it a light loop over an environment document.
+  void light(sfg::host::CollapseSettings& settings, const Json& environment) const;
+
+  /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language. Answers why
+  /// it cannot.
+  static std::string compile(const sfg::host::CollapseSettings& settings, sfg::host::ShaderStage stage,
+                             bool everyTarget);
+
+private:
+  std::filesystem::path folder_;
+};
+
+/// An environment of that many lights, of all kinds by turns.
+Json environmentOf(std::size_t lights);
+
+}  // namespace shaders_test
