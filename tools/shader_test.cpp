@@ -437,7 +437,7 @@ TEST_F(ShaderTest, ComplaintAboutACallNamesTheNodesInIt) {
   EXPECT_THAT(result.err,
               testing::HasSubstr(
                   "generated:36: note: the line is `grade1(`\n"
-                  "lib/test.fraglib:11:12: note: function `grade1` is of fragment `grade`, node `bad`\n"));
+                  "lib/test.fraglib:12:12: note: function `grade1` is of fragment `grade`, node `bad`\n"));
 }
 
 TEST_F(ShaderTest, ComplaintAboutAnIncludeFileNamesIt) {
