@@ -1,6 +1,7 @@
 #include "sfg/fragment_instance.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "collapse/evaluator.h"
 #include "collapse/ports.h"
@@ -91,13 +92,13 @@ void FragmentInstance::createInputUniform(const AShaderCollapseContext& context,
   WString& value = inputValues_[input];
   if (parameter->isConstant() && context.getConstValue(value, parameter)) return;
 
-  const WString name = inputUniformName(parameter->getName(), fragment_->instanceName());
+  WString name = inputUniformName(parameter->getName(), fragment_->instanceName());
   inputUniforms_[input] = makeRef<OverrideNameParameter>(*parameter, name);
   if (isSamplerType(parameter->getType())) {
     value = samplerConstructor(parameter->getType()) + name + L", sampler_" + name + L")";
     usesSamplers_ = true;
   } else {
-    value = name;
+    value = std::move(name);
   }
 }
 

@@ -1,11 +1,13 @@
 #include "sfg/fragment_profile_instance.h"
 
 #include <algorithm>
+#include <typeinfo>
 #include <utility>
 
 #include "collapse/ports.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"
+#include "sfg/shader_fragment_profile_function.h"
 #include "sfg/shader_fragment_profile_inline.h"
 #include "sfg/size_limit.h"
 #include "tolmsdk/exception.h"
@@ -32,6 +34,14 @@ KeywordReplacePattern callPattern(const Array<BuiltinFunction>& uses, const Arra
     if (!uses[i].range.empty()) pattern.addReplacePattern(WString(uses[i].range.view()), values[i]);
   }
   return pattern;
+}
+
+/// Whether nothing of it is raw text, which is written every time.
+bool hasOnlySymbols(const CodeSnippetInstance& code) {
+  for (std::size_t i = 0; i < code.getNumSymbols(); ++i) {
+    if (code.getSymbol(i).getInstanceKey().empty()) return false;
+  }
+  return true;
 }
 
 WString boolText(bool value) { return value ? L"true" : L"false"; }
@@ -248,13 +258,41 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
   definitionWritten_ = true;
   if (!profile_) return true;
 
+  // What another instance wrote in the very same words need not be made again to be found to be there.
+  const bool isShared = hasSharedDefinition();
+  WString key = isShared ? definitionKey() : WString();
+  if (isShared && context.takeWrittenDefinition(*this, key)) {
+    dropPatterns();
+    return true;
+  }
+
   CodeSnippetInstance definition;
   if (!profile_->writeDefinition(definition, context, *this)) return false;
   const KeywordReplacePattern calls =
       callPattern(profile_->getBodyBuiltinFunctions(), builtinFunctionValuesInBody_);
   context.writeDefinition(definition, calls, *this);
+  if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this, std::move(key));
   dropPatterns();
   return true;
+}
+
+/// Whether the definition follows from the profile, the function's name and the values of the built-in calls
+/// alone.
+bool FragmentProfileInstance::hasSharedDefinition() const {
+  return typeid(*profile_) == typeid(AShaderFragmentProfileFunction) && !requiresCurrentLight_ &&
+         profile_->customStateVariables().empty() && uniformOriginal_.empty() &&
+         (!patterns_ ||
+          (patterns_->keyword.empty() && patterns_->uniform.empty() && patterns_->shader.empty())) &&
+         profile_->GetDefaultShaderRepalcePattern().empty();
+}
+
+WString FragmentProfileInstance::definitionKey() const {
+  WString key = functionName_;
+  for (const WString& value : builtinFunctionValuesInBody_) {
+    key += L' ';
+    key += value;
+  }
+  return key;
 }
 
 bool FragmentProfileInstance::mustWriteCall(const AShaderCollapseContext& context) {

@@ -212,4 +212,19 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
   profileInstance.setFunctionName(accumulator_.getRename(profileInstance.getFunctionName()));
 }
 
+/// Gives the function the name under which another instance wrote it; false when none did.
+bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance,
+                                                   const WString& key) const {
+  const auto found = writtenDefinitions_.find({instance.getProfile(), key});
+  if (found == writtenDefinitions_.end()) return false;
+  if (!found->second.empty()) instance.setFunctionName(found->second);
+  return true;
+}
+
+void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance, WString key) {
+  const WString& name = instance.getFunctionName();
+  const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');
+  writtenDefinitions_.try_emplace({instance.getProfile(), std::move(key)}, isRenamed ? name : WString());
+}
+
 }  // namespace TolmSDK::Graphics::sfg

@@ -109,6 +109,8 @@ private:
   Patterns& patterns();
   void dropPatterns();
   bool mustWriteCall(const AShaderCollapseContext& context);
+  bool hasSharedDefinition() const;
+  WString definitionKey() const;
   WString builtinFunctionValue(const BuiltinFunction& use) const;
   Array<WString> builtinFunctionValues(const Array<BuiltinFunction>& uses) const;
   bool isFinalOutput(std::size_t index) const;

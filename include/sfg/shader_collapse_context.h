@@ -8,6 +8,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "sfg/code_accumulator.h"
 #include "sfg/export.h"
@@ -90,6 +91,7 @@ public:
 
 private:
   friend class FragmentInstance;
+  friend class FragmentProfileInstance;
 
   using InstanceMap = Map<WString, FragmentInstance>;
   using FragmentSet = std::unordered_set<const IShaderFragment*>;
@@ -99,6 +101,8 @@ private:
   bool createLightInstance(const IShaderFragment* light);
   FragmentInstance& findOrMakeInstance(InstanceMap& instances, const WString& name);
   FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
+  bool takeWrittenDefinition(FragmentProfileInstance& instance, const WString& key) const;
+  void rememberWrittenDefinition(const FragmentProfileInstance& instance, WString key);
   std::uint32_t profileRequest(const WString& profileName, float lod);
 
   CodeAccumulator accumulator_;
@@ -113,6 +117,9 @@ private:
   // A faster way to the entries of the first map.
   std::unordered_map<const IShaderFragment*, InstanceMap::value_type*> instancesByFragment_;
   std::uint32_t instancesMade_ = 0;
+  // Functions that are written, by profile and what else their text depends on: the name they were given
+  // instead of their own, if any.
+  Map<std::pair<const AShaderFragmentProfile*, WString>, WString> writtenDefinitions_;
   std::unique_ptr<FragmentEvaluator> evaluator_;
   // The profile asked for last, and how many times another one was asked for: equal numbers are equal
   // requests.
