@@ -49,7 +49,6 @@ FragmentInstance::~FragmentInstance() = default;
 bool FragmentInstance::create(AShaderCollapseContext& context, const ILanguageTraits* language,
                               const AShaderFragment* fragment) {
   if (!createNoInputUniform(language, fragment)) return false;
-  inputUniforms_.resize(fragment->getNumInputs());
   inputValues_.resize(fragment->getNumInputs());
   for (std::size_t i = 0; i < fragment->getNumInputs(); ++i) {
     // A connected input has its source's value, unless the code calls the source as a function.
@@ -77,7 +76,7 @@ bool FragmentInstance::createNoInputUniform(const ILanguageTraits* language,
 }
 
 void FragmentInstance::makeUniformsUnique() {
-  uniforms_.reserve(fragment_->getNumUniforms());
+  uniforms_.reserve(fragment_->getNumUniforms() + fragment_->getNumInputs());
   for (std::size_t i = 0; i < fragment_->getNumUniforms(); ++i) {
     const AParameter* uniform = fragment_->getUniform(i);
     if (uniform == nullptr) continue;
@@ -93,7 +92,7 @@ void FragmentInstance::createInputUniform(const AShaderCollapseContext& context,
   if (parameter->isConstant() && context.getConstValue(value, parameter)) return;
 
   WString name = inputUniformName(parameter->getName(), fragment_->instanceName());
-  inputUniforms_[input] = makeRef<OverrideNameParameter>(*parameter, name);
+  uniforms_.push_back(makeRef<OverrideNameParameter>(*parameter, name));
   if (isSamplerType(parameter->getType())) {
     value = samplerConstructor(parameter->getType()) + name + L", sampler_" + name + L")";
     usesSamplers_ = true;
@@ -136,21 +135,20 @@ void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
   activeProfileInstance_ = nullptr;
   if (profile == nullptr) return;
   const auto* ours = dynamic_cast<const AShaderFragmentProfile*>(profile);
-  for (const auto& instance : profileInstances_) {
-    if (ours != nullptr && instance->getProfile() == ours) activeProfileInstance_ = instance.get();
+  for (FragmentProfileInstance& instance : profileInstances_) {
+    if (ours != nullptr && instance.getProfile() == ours) activeProfileInstance_ = &instance;
   }
   if (activeProfileInstance_ != nullptr) return;
 
-  auto instance = std::make_unique<FragmentProfileInstance>();
-  if (!instance->create(language_.get(), fragment_.get(), ours, profileNumber(*fragment_, profile))) return;
+  FragmentProfileInstance& instance = profileInstances_.emplace_back();
+  if (!instance.create(language_.get(), fragment_.get(), ours, profileNumber(*fragment_, profile))) return;
   for (std::size_t i = 0; i < fragment_->getNumUniforms(); ++i) {
     const AParameter* uniform = fragment_->getUniform(i);
     if (uniform == nullptr) continue;
-    instance->getUniformOriginal().push_back(uniform->getName());
-    instance->getUniformNew().push_back(uniform->getName() + fragment_->instanceName());
+    instance.getUniformOriginal().push_back(uniform->getName());
+    instance.getUniformNew().push_back(uniform->getName() + fragment_->instanceName());
   }
-  activeProfileInstance_ = instance.get();
-  profileInstances_.push_back(std::move(instance));
+  activeProfileInstance_ = &instance;
 }
 
 bool FragmentInstance::requiresCurrentLight() const {
@@ -228,13 +226,8 @@ bool FragmentInstance::writeRequirements(AShaderCollapseContext& context) {
   if (!uniformsWritten_) {
     uniformsWritten_ = true;
     for (const auto& uniform : uniforms_) context.getResult()->addUniform(uniform.get());
-    for (const auto& uniform : inputUniforms_) {
-      if (uniform) context.getResult()->addUniform(uniform.get());
-    }
     if (usesSamplers_) context.getResultProfile()->includes().insert(L"sfg_samplers.h");
-    // From now on they are the result's.
     Array<RefPtr<AParameter const>>().swap(uniforms_);
-    Array<RefPtr<AParameter const>>().swap(inputUniforms_);
   }
   return activeProfileInstance_ == nullptr ||
          activeProfileInstance_->writeRequirements(context.getResultProfile(), context);

@@ -75,7 +75,6 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
   const std::size_t outputs = parameters != nullptr ? parameters->getNumOutputs() : 0;
   setNumOutputs(outputs);
   for (std::size_t i = 0; i < outputs; ++i) {
-    outputTypes_[i] = parameters->getOutputType(i);
     WString& name = outputNames_[i];
     name.reserve(fragment->instanceName().size() + profileShortname_.size() + 12);
     name += L"result_";
@@ -98,13 +97,26 @@ const WString& FragmentProfileInstance::getProfilename() const {
 // Outputs.
 
 void FragmentProfileInstance::setNumOutputs(std::size_t count) {
-  outputTypes_.resize(count);
+  if (!outputTypes_.empty()) outputTypes_.resize(count);
   outputNames_.resize(count);
   outputKeys_.clear();
 }
 
+const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {
+  static const WString none;
+  if (!outputTypes_.empty()) return outputTypes_[index];
+  const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
+  return parameters != nullptr && index < parameters->getNumOutputs() ? parameters->getOutputType(index)
+                                                                      : none;
+}
+
 void FragmentProfileInstance::setOutput(std::size_t index, WString type, WString name) {
-  outputTypes_[index] = std::move(type);
+  if (type != getOutputType(index)) {
+    Array<WString> types;
+    for (std::size_t i = 0; i < outputNames_.size(); ++i) types.push_back(getOutputType(i));
+    types[index] = std::move(type);
+    outputTypes_ = std::move(types);
+  }
   outputNames_[index] = std::move(name);
   outputKeys_.clear();
 }
@@ -112,7 +124,7 @@ void FragmentProfileInstance::setOutput(std::size_t index, WString type, WString
 const WString& FragmentProfileInstance::getOutputKey(std::size_t index) const {
   if (outputKeys_.empty()) {
     for (std::size_t i = 0; i < outputNames_.size(); ++i) {
-      outputKeys_.push_back(outputTypes_[i] + L" " + outputNames_[i]);
+      outputKeys_.push_back(getOutputType(i) + L" " + outputNames_[i]);
     }
   }
   return outputKeys_[index];
@@ -122,7 +134,7 @@ bool FragmentProfileInstance::declareOutputs(WString& out) {
   if (outputsDeclared_) return true;
   outputsDeclared_ = true;
   for (std::size_t i = 0; i < outputNames_.size(); ++i) {
-    if (!outputTypes_[i].empty()) appendDeclaration(out, outputTypes_[i], outputNames_[i]);
+    if (!getOutputType(i).empty()) appendDeclaration(out, getOutputType(i), outputNames_[i]);
   }
   return true;
 }
@@ -132,9 +144,9 @@ bool FragmentProfileInstance::declareUnspecifiedOutputs(WString& out, Array<WStr
   if (outputsDeclared_) return true;
   outputsDeclared_ = true;
   for (std::size_t i = 0; i < outputNames_.size(); ++i) {
-    if (outputTypes_[i].empty()) return false;
+    if (getOutputType(i).empty()) return false;
     if (!outputValues[i].empty()) continue;
-    appendDeclaration(out, outputTypes_[i], outputNames_[i]);
+    appendDeclaration(out, getOutputType(i), outputNames_[i]);
     outputValues[i] = outputNames_[i];
   }
   return true;

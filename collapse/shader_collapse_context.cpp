@@ -44,9 +44,8 @@ bool AShaderCollapseContext::initialize(const RefPtr<ILanguageTraits const>& lan
   options_ = options;
   if (!graph_ || !language) return false;
 
-  FragmentSet visited;
   for (const ShaderFragmentConnection& connection : graph_->getOutputConnections()) {
-    if (connection.fragment != nullptr && !createInstances(connection.fragment, visited)) return false;
+    if (connection.fragment != nullptr && !createInstances(connection.fragment)) return false;
   }
   const std::size_t lights = environment_ ? environment_->getNumLights() : 0;
   for (std::size_t i = 0; i < lights; ++i) {
@@ -57,25 +56,30 @@ bool AShaderCollapseContext::initialize(const RefPtr<ILanguageTraits const>& lan
 
 /// Creates the instance of a fragment and, before it, those of everything that feeds it, but for what was
 /// visited.
-bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment, FragmentSet& visited) {
+bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment) {
   struct Visit {
     const IShaderFragment* fragment;
     std::size_t nextInput;
   };
   Array<Visit> path;
-  if (visited.insert(fragment).second) path.push_back({fragment, 0});
+  if (markVisited(fragment)) path.push_back({fragment, 0});
   while (!path.empty()) {
     Visit& visit = path.back();
     const Array<ShaderFragmentConnection>& connections = visit.fragment->getInputConnections();
     if (visit.nextInput < connections.size()) {
       const IShaderFragment* source = connections[visit.nextInput++].fragment;
-      if (source != nullptr && visited.insert(source).second) path.push_back({source, 0});
+      if (source != nullptr && markVisited(source)) path.push_back({source, 0});
     } else {
       if (!createInstance(visit.fragment)) return false;
       path.pop_back();
     }
   }
   return true;
+}
+
+/// False when it is marked already.
+bool AShaderCollapseContext::markVisited(const IShaderFragment* fragment) {
+  return !std::exchange(knownFragments_[fragment].isVisited, true);
 }
 
 bool AShaderCollapseContext::createInstance(const IShaderFragment* fragment) {
@@ -116,7 +120,7 @@ FragmentInstance& AShaderCollapseContext::findOrMakeInstance(InstanceMap& instan
 }
 
 FragmentInstance& AShaderCollapseContext::getFragmentInstance(const IShaderFragment* fragment) {
-  InstanceMap::value_type*& entry = instancesByFragment_[fragment];
+  InstanceMap::value_type*& entry = knownFragments_[fragment].entry;
   // The name decides: a fragment may be gone and another one stand at its address.
   if (entry == nullptr || entry->first != fragment->instanceName()) {
     findOrMakeInstance(fragmentInstances_, fragment->instanceName());
@@ -215,7 +219,7 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
 /// Gives the function the name under which another instance wrote it; false when none did.
 bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance,
                                                    const WString& key) const {
-  const auto found = writtenDefinitions_.find({instance.getProfile(), key});
+  const auto found = writtenDefinitions_.find(std::pair(instance.getProfile(), std::wstring_view(key)));
   if (found == writtenDefinitions_.end()) return false;
   if (!found->second.empty()) instance.setFunctionName(found->second);
   return true;

@@ -120,6 +120,65 @@ uniforms: float/an0 float/kn0 float/kn1
 )");
 }
 
+/// The lines of a text that call a function.
+std::string callsIn(const std::string& text) {
+  std::string calls;
+  for (std::size_t at = 0; (at = text.find("(\n        ", at)) != std::string::npos; ++at) {
+    calls += text.substr(text.rfind(' ', at) + 1, at - text.rfind(' ', at) - 1) + ";";
+  }
+  return calls;
+}
+
+TEST(DefaultCollapse, CallsEveryUseOfAFragmentByTheNameItsFunctionWasGiven) {
+  // Two fragments with functions of one name and different texts, in turns; and one whose text depends on its
+  // inputs.
+  TestScene scene;
+  const auto one =
+      test::loadFragment(L"one", test::functionJson(L"void f(float a, out float r)\n{\nr = 1;\n}"));
+  const auto two =
+      test::loadFragment(L"two", test::functionJson(L"void f(float a, out float r)\n{\nr = 2;\n}"));
+  const auto any = test::loadFragment(
+      L"any", test::functionJson(L"void g(float a, float b, out float r)\n{\nr = sfg_isConnected(b);\n}"));
+  AShaderFragment* last = nullptr;
+  int count = 0;
+  for (const auto& fragment : {one, two, one, two, any, any, any}) {
+    AShaderFragment* next = scene.add(*fragment, L"n" + itos(count++));
+    if (last != nullptr) next->setInputConnection(L"a", last, L"r");
+    if (count == 6) next->setInputConnection(L"b", last, L"r");
+    last = next;
+  }
+  scene.output(L"color", TypeID_float, last);
+  const std::string text = collapseDefault(scene);
+  EXPECT_EQ(callsIn(text), "f1;f11;f1;f11;g1;g12;g1;") << text;
+  EXPECT_EQ(text.substr(0, text.find("void CollapsedFunction")), R"(void f1(
+    float a,
+    out float r)
+{
+	r = 1;
+}
+void f11(
+    float a,
+    out float r)
+{
+	r = 2;
+}
+void g1(
+    float a,
+    float b,
+    out float r)
+{
+	r = false;
+}
+void g12(
+    float a,
+    float b,
+    out float r)
+{
+	r = true;
+}
+)");
+}
+
 TEST(DefaultCollapse, WritesAConstantInPlaceOfAUniform) {
   TestScene scene;
   AShaderFragment* scale = scene.addWithPorts(

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <list>
 
 #include "sfg/export.h"
 #include "sfg/fragment_profile_instance.h"
@@ -85,9 +85,9 @@ private:
   RefPtr<ILanguageTraits const> language_;
   FragmentProfileInstance* activeProfileInstance_ = nullptr;
   RefPtr<AShaderFragment const> fragment_;
-  Array<std::unique_ptr<FragmentProfileInstance>> profileInstances_;  // one per profile activated
-  Array<RefPtr<AParameter const>> uniforms_;
-  Array<RefPtr<AParameter const>> inputUniforms_;
+  std::list<FragmentProfileInstance, StlAllocator<FragmentProfileInstance>> profileInstances_;
+  Array<RefPtr<AParameter const>>
+      uniforms_;  // its own, then those of its inputs, until they are the result's
   Array<WString> inputValues_;
   Array<WString> accumulateOutputs_;
 

@@ -49,7 +49,7 @@ public:
   // Outputs: a type text (empty for an inline expression), a variable name (or the expression), and both as a
   // key.
   std::size_t getNumOutputs() const noexcept { return outputNames_.size(); }
-  const WString& getOutputType(std::size_t index) const { return outputTypes_[index]; }
+  const WString& getOutputType(std::size_t index) const;
   const WString& getOutputName(std::size_t index) const { return outputNames_[index]; }
   const WString& getOutputKey(std::size_t index) const;
   const Array<WString>& getOutputNames() const noexcept { return outputNames_; }
@@ -129,7 +129,7 @@ private:
   RefPtr<AShaderFragmentProfile const> profile_;
   WString profileShortname_;
   WString functionName_;
-  Array<WString> outputTypes_;
+  Array<WString> outputTypes_;  // empty as long as they are those of the profile
   Array<WString> outputNames_;
   mutable Array<WString> outputKeys_;  // made when asked for
   Array<WString> uniformOriginal_;

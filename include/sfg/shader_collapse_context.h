@@ -4,10 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "sfg/code_accumulator.h"
@@ -94,9 +94,24 @@ private:
   friend class FragmentProfileInstance;
 
   using InstanceMap = Map<WString, FragmentInstance>;
-  using FragmentSet = std::unordered_set<const IShaderFragment*>;
 
-  bool createInstances(const IShaderFragment* fragment, FragmentSet& visited);
+  /// What is known about a fragment: its entry among the instances, and whether a walk has come to it.
+  struct Known {
+    InstanceMap::value_type* entry = nullptr;
+    bool isVisited = false;
+  };
+  /// A profile and a text, found by a view of the text.
+  struct DefinitionLess {
+    using is_transparent = void;
+    template <class A, class B>
+    bool operator()(const A& a, const B& b) const {
+      if (a.first != b.first) return std::less<>()(a.first, b.first);
+      return std::wstring_view(a.second) < std::wstring_view(b.second);
+    }
+  };
+
+  bool createInstances(const IShaderFragment* fragment);
+  bool markVisited(const IShaderFragment* fragment);
   bool createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
   FragmentInstance& findOrMakeInstance(InstanceMap& instances, const WString& name);
@@ -114,12 +129,12 @@ private:
   Set<WString> fragmentKeys_;
   InstanceMap fragmentInstances_;
   InstanceMap lightFragmentInstances_;
-  // A faster way to the entries of the first map.
-  std::unordered_map<const IShaderFragment*, InstanceMap::value_type*> instancesByFragment_;
+  std::unordered_map<const IShaderFragment*, Known>
+      knownFragments_;  // a faster way to the entries of the first map
   std::uint32_t instancesMade_ = 0;
   // Functions that are written, by profile and what else their text depends on: the name they were given
   // instead of their own, if any.
-  Map<std::pair<const AShaderFragmentProfile*, WString>, WString> writtenDefinitions_;
+  Map<std::pair<const AShaderFragmentProfile*, WString>, WString, DefinitionLess> writtenDefinitions_;
   std::unique_ptr<FragmentEvaluator> evaluator_;
   // The profile asked for last, and how many times another one was asked for: equal numbers are equal
   // requests.
