@@ -1,6 +1,6 @@
 #include "host/document_reader.h"
 
-#include <regex>
+#include <charconv>
 
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
@@ -9,13 +9,25 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
+/// Takes `prefix` and the number behind it from the front of `text`; nothing when they do not stand there.
+std::optional<std::size_t> takeNumber(std::string_view& text, std::string_view prefix) {
+  if (!text.starts_with(prefix)) return std::nullopt;
+  std::size_t number = 0;
+  const char* const start = text.data() + prefix.size();
+  const auto [end, error] = std::from_chars(start, text.data() + text.size(), number);
+  if (error != std::errc()) return std::nullopt;
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  return number;
+}
+
 /// A load error of the platform says its place in words; diagnostics show it behind the file's name.
 InputError withPlace(const std::string& file, const WString& loadError) {
-  static const std::regex kPlace("line ([0-9]{1,9}), column ([0-9]{1,9}): ([\\s\\S]*)");
-  const std::string text = toUtf8(loadError);
-  std::smatch match;
-  if (!std::regex_match(text, match, kPlace)) return InputError(file, TextPosition(), text);
-  return InputError(file, TextPosition{std::stoul(match[1]), std::stoul(match[2])}, match[3]);
+  const std::string message = toUtf8(loadError);
+  std::string_view text = message;
+  const std::optional<std::size_t> line = takeNumber(text, "line ");
+  const std::optional<std::size_t> column = line ? takeNumber(text, ", column ") : std::nullopt;
+  if (!column || !text.starts_with(": ")) return InputError(file, TextPosition(), message);
+  return InputError(file, TextPosition{*line, *column}, std::string(text.substr(2)));
 }
 
 const char* expectedValue(const TypeID& type) {

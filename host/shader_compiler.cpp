@@ -5,9 +5,10 @@
 #include <glslang/SPIRV/GlslangToSpv.h>
 #include <spirv_cross_c.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <memory>
-#include <regex>
 #include <spirv-tools/libspirv.hpp>
 #include <spirv-tools/optimizer.hpp>
 #include <sstream>
@@ -38,21 +39,27 @@ EShLanguage stageOf(ShaderStage stage) {
   return stage == ShaderStage::pixel ? EShLangFragment : EShLangCompute;
 }
 
-/// The complaints of a front end's log, without its summary.
+/// The complaints of a front end's log, "ERROR: NAME:LINE: TEXT" each in a line, without its summary.
 std::vector<CompilerMessage> readLog(const std::string& log) {
-  static const std::regex kPlaced("ERROR: [^:]*:([0-9]{1,9}): (.*?)\\s*");
-  std::vector<CompilerMessage> messages;
+  constexpr std::string_view kError = "ERROR: ";
+  std::vector<CompilerMessage> placed;
   std::vector<CompilerMessage> unplaced;
   std::istringstream lines(log);
   for (std::string line; std::getline(lines, line);) {
-    std::smatch match;
-    if (std::regex_match(line, match, kPlaced)) {
-      messages.push_back({std::stoul(match[1]), match[2]});
-    } else if (line.starts_with("ERROR: ")) {
-      unplaced.push_back({0, line.substr(7)});
+    if (!line.starts_with(kError)) continue;
+    const std::size_t end = line.find_last_not_of(" \t\r") + 1;
+    const std::size_t name = line.find(':', kError.size());
+    std::size_t number = 0;
+    const char* const start = line.data() + std::min(name, end - 1) + 1;
+    const auto [stop, error] = std::from_chars(start, line.data() + end, number);
+    const std::size_t text = static_cast<std::size_t>(stop - line.data());
+    if (error == std::errc() && line.compare(text, 2, ": ") == 0) {
+      placed.push_back({number, line.substr(text + 2, end - text - 2)});
+    } else {
+      unplaced.push_back({0, line.substr(kError.size(), end - kError.size())});
     }
   }
-  return messages.empty() ? unplaced : messages;
+  return placed.empty() ? unplaced : placed;
 }
 
 /// One parsed and linked shader.

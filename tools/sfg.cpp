@@ -53,6 +53,9 @@ int runChosen(const std::vector<std::unique_ptr<tools::Command>>& commands,
 } catch (const std::bad_alloc&) {
   diagnostics.error(std::string(), "out of memory");
   return tools::kRefused;
+} catch (const std::exception& error) {
+  diagnostics.error(std::string(), error.what());
+  return tools::kRefused;
 }
 
 }  // namespace
