@@ -291,7 +291,8 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
 /// Whether the definition follows from the profile, the function's name and the values of the built-in calls
 /// alone.
 bool FragmentProfileInstance::hasSharedDefinition() const {
-  return typeid(*profile_) == typeid(AShaderFragmentProfileFunction) && !requiresCurrentLight_ &&
+  const AShaderFragmentProfile& profile = *profile_;
+  return typeid(profile) == typeid(AShaderFragmentProfileFunction) && !requiresCurrentLight_ &&
          profile_->customStateVariables().empty() && uniformOriginal_.empty() &&
          (!patterns_ ||
           (patterns_->keyword.empty() && patterns_->uniform.empty() && patterns_->shader.empty())) &&
