@@ -90,9 +90,10 @@ TEST(Evaluation, EndsOnRandomGraphsWithCycles) {
     for (std::size_t i = 0; i < count; ++i) {
       scene.add(pick(3) == 0 ? *call : *add, L"n" + itos(static_cast<long long>(i)));
     }
-    for (std::size_t i = 0; i < count * 2; ++i) {
-      scene.graph->getFragment(pick(count))
-          ->setInputConnection(pick(2), scene.graph->getFragment(pick(count)), 0);
+    for (std::size_t i = 0; i < count + count / 2; ++i) {
+      IShaderFragment* to = scene.graph->getFragment(pick(count));
+      IShaderFragment* from = scene.graph->getFragment(pick(count));
+      to->setInputConnection(pick(2), from, 0);
     }
     scene.output(L"color", TypeID_float, scene.graph->getFragment(0));
     const bool isCyclic = [&] {
