@@ -1,0 +1,116 @@
+// Whatever a graph document holds: it is refused with a place, or built, collapsed, warned of and assembled.
+
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#include "host/collapse_job.h"
+#include "host/input_error.h"
+#include "host/refusal_place.h"
+#include "host/shader_assembly.h"
+#include "host/warnings.h"
+#include "tolmsdk/exception.h"
+
+namespace {
+
+using namespace TolmSDK;
+using namespace TolmSDK::Graphics::sfg;
+namespace fs = std::filesystem;
+
+void require(bool holds) {
+  if (!holds) std::abort();
+}
+
+constexpr const char* kLibrary = R"json({
+  "tint": { "language": ["dx11"], "implementation": [
+    "void tint(float3 color, float amount, out float3 result)", "{", "result = color * amount;", "}" ] },
+  "pick": { "language": ["dx11"], "uniforms": [ { "name": "gain", "type": "float" } ], "implementation": [
+    "void pick(sfg_sampler2D image, float2 uv, out float4 result, out float alpha)", "{", "result = gain;", "}" ] },
+  "patch": { "language": ["dx11"], "predefine": ["struct Patch { float size; };"], "implementation": [
+    "void patch(Patch patch, inout float seed, out float result)", "{", "result = patch.size + sfg_time;", "}" ] },
+  "twice": { "mode": "inline", "language": ["dx11"], "implementation": ["{{a}} * {{b}}"] },
+  "clock": { "language": ["dx11"], "implementation": ["void clock(out float ticks)", "{", "ticks = 1;", "}"] },
+  "grade": { "language": ["dx11"], "stateVariables": ["ticks"], "implementation": [
+    "void grade(float3 color, out float3 result)", "{", "result = color * ticks;", "}" ] },
+  "call": { "mode": "metaSL", "language": ["dx11"], "implementation": [
+    "void call(float3 f, out float3 result)", "{", "sfg_shader(f, color, state.normal, result, result);", "}" ] },
+  "lit": { "profiles": [
+    { "language": ["dx11"], "implementation": ["void lit(float3 c, out float3 r)", "{", "r = c;", "}"] },
+    { "name": "Lamp", "language": ["dx11"], "implementation": [
+      "void lit(float3 c, out float3 r)", "{", "r = c * sfg_currentLight.color;", "}" ] } ] },
+  "lamp": { "name": "Lamp", "language": ["dx11"], "predefine": ["struct Lamp { float3 color; };"],
+    "implementation": ["void lamp(out Lamp light)", "{", "light.color = 1;", "}"] }
+})json";
+
+/// A folder with the library and two lights, for as long as the process runs.
+class Folder {
+public:
+  Folder() {
+    std::string pattern = (fs::temp_directory_path() / "sfg_graph_fuzz_XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+    std::ofstream(path_ / "library.fraglib") << kLibrary;
+    std::ofstream(path_ / "scene.json")
+        << R"({ "lights": [ { "fragment": "lamp", "profile": "Lamp" }, { "fragment": "lamp", "profile": "Lamp" } ] })";
+  }
+  ~Folder() { fs::remove_all(path_); }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+
+  std::string file(const char* name) const { return (path_ / name).string(); }
+  std::string path() const { return path_.string(); }
+
+private:
+  fs::path path_;
+};
+
+void collapse(const host::CollapseSettings& settings) try {
+  host::CollapseJob job(settings);
+  try {
+    job.run();
+  } catch (const Exception& refusal) {
+    require(!host::findRefusalPlace(job, refusal.getMessage()).text.empty());
+    return;
+  }
+  if (job.result() == nullptr) {
+    require(!host::findRefusalPlace(job, std::wstring_view()).text.empty());
+    return;
+  }
+  for (const host::Warning& warning : host::findWarnings(job, true)) require(!warning.place.empty());
+  for (const host::ShaderStage stage : {host::ShaderStage::pixel, host::ShaderStage::compute}) {
+    try {
+      const host::AssembledShader assembled = host::assembleShader(job, stage);
+      std::size_t line = 1;
+      for (const host::ShaderSection& section : assembled.sections) {
+        require(section.firstLine == line && section.lastLine >= line);
+        line = section.lastLine + 1;
+      }
+    } catch (const host::AssemblyError&) {
+    }
+  }
+} catch (const host::InputError& error) {
+  require(!std::string_view(error.what()).empty() && !error.file().empty());
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const Folder folder;
+  {
+    std::ofstream graph(folder.file("graph.json"), std::ios::binary | std::ios::trunc);
+    for (std::size_t i = 0; i < size; ++i) graph.put(static_cast<char>(data[i]));
+  }
+  host::CollapseSettings settings;
+  settings.graphFile = folder.file("graph.json");
+  settings.libraryFolders = {folder.path()};
+  collapse(settings);
+  settings.tool = host::CollapseTool::lightLoop;
+  settings.environmentFile = folder.file("scene.json");
+  collapse(settings);
+  return 0;
+}
