@@ -2,13 +2,15 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
+#include <algorithm>
 #include <functional>
 #include <limits>
 #include <thread>
+#include <vector>
 
 #include "benchmarks/graph_cases.h"
 #include "benchmarks/memory_meter.h"
+#include "benchmarks/stopwatch.h"
 #include "benchmarks/yardstick.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_collapse_tool_light_loop.h"
@@ -16,12 +18,6 @@
 namespace TolmSDK::Graphics::sfg::benchmarks {
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 /// One collapse by a tool of its own; the text written is in the result, which the tool owns.
 template <class Tool>
@@ -41,15 +37,13 @@ WString textOf(const IShaderFragment& result) {
   return profile.predefines() + profile.getFunctionBody();
 }
 
-double best(double known, double measured) { return measured < known ? measured : known; }
-
 void measureCollapse(benchmark::State& state, GraphCase (*make)(std::size_t)) {
   const GraphCase graphCase = make(static_cast<std::size_t>(state.range(0)));
 
   // The first collapse pays for what profiles keep from then on.
-  auto start = Clock::now();
+  Stopwatch watch;
   RefPtr<IShaderFragment> result = collapse(graphCase);
-  const double first = secondsSince(start);
+  const double first = watch.seconds();
   if (!result) {
     state.SkipWithError("the collapse answered null");
     return;
@@ -61,16 +55,16 @@ void measureCollapse(benchmark::State& state, GraphCase (*make)(std::size_t)) {
   double collapseTime = std::numeric_limits<double>::infinity();
   double yardstickTime = collapseTime;
   for (auto _ : state) {
-    start = Clock::now();
+    watch.restart();
     result = collapse(graphCase);
-    const double seconds = secondsSince(start);
+    const double seconds = watch.seconds();
     result.reset();
     state.SetIterationTime(seconds);
-    collapseTime = best(collapseTime, seconds);
+    collapseTime = std::min(collapseTime, seconds);
 
-    start = Clock::now();
+    watch.restart();
     benchmark::DoNotOptimize(yardstick.copy());
-    yardstickTime = best(yardstickTime, secondsSince(start));
+    yardstickTime = std::min(yardstickTime, watch.seconds());
   }
 
   startMemoryMeter();
@@ -86,17 +80,24 @@ void measureCollapse(benchmark::State& state, GraphCase (*make)(std::size_t)) {
       static_cast<double>(memory.allocations) / static_cast<double>(graphCase.fragments);
 }
 
-/// Work of two threads at a time in terms of the work of one: 2 at best.
-double twoThreadGain(const std::function<void()>& work) {
-  auto start = Clock::now();
-  work();
-  const double alone = secondsSince(start);
-  start = Clock::now();
-  std::thread other(work);
-  work();
-  other.join();
-  return 2.0 * alone / secondsSince(start);
+/// Seconds of processor time of the calling thread that `work` takes, in each of `threads` threads at a time;
+/// the slowest counts.
+double slowest(const std::function<void()>& work, int threads) {
+  std::vector<double> seconds(static_cast<std::size_t>(threads));
+  std::vector<std::thread> running;
+  for (double& own : seconds) {
+    running.emplace_back([&work, &own] {
+      const Stopwatch watch;
+      work();
+      own = watch.seconds();
+    });
+  }
+  for (std::thread& thread : running) thread.join();
+  return *std::max_element(seconds.begin(), seconds.end());
 }
+
+/// Work of two threads at a time in terms of the work of one: 2 at best.
+double twoThreadGain(const std::function<void()>& work) { return 2.0 * slowest(work, 1) / slowest(work, 2); }
 
 /// Two threads, each with tools of its own, over one library; beside two loops that share nothing.
 void measureTwoThreads(benchmark::State& state) {
@@ -112,10 +113,10 @@ void measureTwoThreads(benchmark::State& state) {
   double gain = 0;
   double plainGain = 0;
   for (auto _ : state) {
-    const auto start = Clock::now();
-    gain = twoThreadGain(collapses);
-    state.SetIterationTime(secondsSince(start));
-    plainGain = twoThreadGain(plainLoop);
+    const Stopwatch watch;
+    gain = std::max(gain, twoThreadGain(collapses));
+    state.SetIterationTime(watch.seconds());
+    plainGain = std::max(plainGain, twoThreadGain(plainLoop));
   }
   state.counters["gain"] = gain;
   state.counters["plainGain"] = plainGain;

@@ -18,24 +18,26 @@ void* __libc_memalign(std::size_t alignment, std::size_t size);
 
 namespace {
 
+// Counts only while a reading is under way, so that it costs the measured times (and threads) nothing.
+std::atomic<bool> isCounting{false};
 std::atomic<std::size_t> allocations{0};
-std::atomic<std::size_t> heldBytes{0};
-std::atomic<std::size_t> peakBytes{0};
-std::atomic<std::size_t> bytesAtStart{0};
+std::atomic<std::ptrdiff_t> heldBytes{0};  // since the start; negative when more was freed
+std::atomic<std::ptrdiff_t> peakBytes{0};
 
 void* counted(void* memory) {
-  if (memory == nullptr) return memory;
+  if (memory == nullptr || !isCounting.load(std::memory_order_relaxed)) return memory;
   allocations.fetch_add(1, std::memory_order_relaxed);
-  const std::size_t size = malloc_usable_size(memory);
-  const std::size_t held = heldBytes.fetch_add(size, std::memory_order_relaxed) + size;
-  std::size_t peak = peakBytes.load(std::memory_order_relaxed);
+  const auto size = static_cast<std::ptrdiff_t>(malloc_usable_size(memory));
+  const std::ptrdiff_t held = heldBytes.fetch_add(size, std::memory_order_relaxed) + size;
+  std::ptrdiff_t peak = peakBytes.load(std::memory_order_relaxed);
   while (held > peak && !peakBytes.compare_exchange_weak(peak, held, std::memory_order_relaxed)) {
   }
   return memory;
 }
 
 void uncounted(void* memory) {
-  if (memory != nullptr) heldBytes.fetch_sub(malloc_usable_size(memory), std::memory_order_relaxed);
+  if (memory == nullptr || !isCounting.load(std::memory_order_relaxed)) return;
+  heldBytes.fetch_sub(static_cast<std::ptrdiff_t>(malloc_usable_size(memory)), std::memory_order_relaxed);
 }
 
 }  // namespace
@@ -73,11 +75,14 @@ namespace TolmSDK::Graphics::sfg::benchmarks {
 
 void startMemoryMeter() {
   allocations = 0;
-  const std::size_t held = heldBytes.load();
-  bytesAtStart = held;
-  peakBytes = held;
+  heldBytes = 0;
+  peakBytes = 0;
+  isCounting = true;
 }
 
-MemoryReading readMemoryMeter() { return {allocations.load(), peakBytes.load() - bytesAtStart.load()}; }
+MemoryReading readMemoryMeter() {
+  isCounting = false;
+  return {allocations.load(), static_cast<std::size_t>(peakBytes.load())};
+}
 
 }  // namespace TolmSDK::Graphics::sfg::benchmarks

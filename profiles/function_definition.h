@@ -2,62 +2,61 @@
 
 // How the function-like profile modes write a definition.
 
+#include <array>
 #include <cstddef>
+#include <string_view>
 
 #include "sfg/code_snippet.h"
 #include "sfg/fragment_profile_instance.h"
 #include "sfg/keyword_replace.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_profile_base.h"
-#include "tolmsdk/text_parameter_list.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Writes one instance's definition. Refers to its arguments: used at once and thrown away.
+/// Writes one instance's definition: "void NAME(", the parameters with those of the state variables, ")", and
+/// the body in braces. Refers to its arguments: used at once and thrown away.
 class FunctionDefinition {
 public:
   FunctionDefinition(const AShaderFragmentProfile& profile, AShaderCollapseContext& context,
                      FragmentProfileInstance& instance)
       : profile_(profile), context_(context), instance_(instance) {}
 
-  /// Constructs `out` over "void NAME(", the parameters with those of the state variables, ")", and the body
-  /// in braces. The body has the rules of `first`, then those of the instance, applied; `expand(text, start)`
-  /// may then change the text from the body's start on. The instance's keyword rules serve this one
-  /// definition and are cleared. False, with `out` untouched, when a state-variable parameter cannot be
-  /// added.
+  /// Constructs `out` over the definition, whose body has the rules of `first`, then those of the instance,
+  /// applied. The instance's keyword rules serve this one definition and are cleared. False, with `out`
+  /// untouched, when a state-variable parameter cannot be added.
+  bool write(CodeSnippetInstance& out, const KeywordReplacePattern& first) const;
+
+  /// The same for a body that `expand(text, start)` may then change, from its start in the text on.
   template <class Expand>
-  bool write(CodeSnippetInstance& out, const KeywordReplacePattern& first, Expand&& expand) const {
-    ATextParameterList parameters(*profile_.getFunctionParameters());
-    if (!context_.addStateVariableParameters(&parameters, &profile_)) return false;
-
-    WString text;
-    text.reserve(profile_.getFunctionBody().size() + kTypicalHeadLength);
-    text += L"void ";
-    text += instance_.getFunctionName();
-    text += L'(';
-    parameters.writeParameters(text, L"    ", true);
-    text += L")\n{\n";
-
-    const std::size_t body = text.size();
-    appendBody(text, first);
-    instance_.getKeywordReplacePattern().clearReplacePattern();
-    expand(text, body);
-    text += L"}\n";
-    AShaderFragmentProfile::constructOwned(out, text, instance_.getBuiltinFunctionValueInBody());
+  bool writeExpanded(CodeSnippetInstance& out, Expand&& expand) const {
+    Text text;
+    if (!writeHead(text)) return false;
+    appendBody(text.code, KeywordReplacePattern());
+    expand(text.code, text.body + kOpening.size());
+    text.code += kTail;
+    AShaderFragmentProfile::constructOwned(out, text.code, instance_.getBuiltinFunctionValueInBody());
     return true;
   }
 
 private:
-  static constexpr std::size_t kTypicalHeadLength = 256;
+  static constexpr std::wstring_view kResult = L"void ";
+  static constexpr std::wstring_view kOpening = L"{\n";
+  static constexpr std::wstring_view kTail = L"}\n";
 
-  void appendBody(WString& text, const KeywordReplacePattern& first) const {
-    KeywordReplacer replacer;
-    replacer.addReplacePattern(first);
-    replacer.addReplacePattern(instance_.getKeywordReplacePattern());
-    replacer.addReplacePattern(instance_.getUniformReplacePattern());
-    replacer.addReplacePattern(instance_.getShaderReplacePattern());
-    replacer.appendReplaced(text, profile_.getFunctionBody());
+  struct Text {
+    WString code;
+    std::size_t body = 0;  // where its opening brace stands
+  };
+
+  bool writeHead(Text& text) const;
+  /// Also clears the instance's keyword rules.
+  void appendBody(WString& text, const KeywordReplacePattern& first) const;
+  bool isPlainFunction(const Text& text, const KeywordReplacePattern& first) const;
+  std::array<const KeywordReplacePattern*, 3> instancePatterns() const {
+    return {&instance_.getKeywordReplacePattern(), &instance_.getUniformReplacePattern(),
+            &instance_.getShaderReplacePattern()};
   }
 
   const AShaderFragmentProfile& profile_;

@@ -31,6 +31,14 @@ RefPtr<AShaderFragmentProfile> makeProfile(std::wstring_view mode) {
   return makeRef<AShaderFragmentProfileFunction>();
 }
 
+/// Whether the brace in front of a body, as definitions have it, is closed by the one behind it.
+bool isBalancedInBraces(const WString& body) {
+  const WString block = L"{\n" + body + L"}\n";
+  std::size_t pos = 0;
+  getBracketBody(block, pos, L'{', L'}');
+  return pos + 1 == block.size();
+}
+
 template <class Names, class Text>
 void dumpNames(const wchar_t* indent, const wchar_t* title, const Names& names, Text&& text) {
   if (names.empty()) return;
@@ -62,7 +70,7 @@ void AShaderFragmentProfile::clear() {
   customStateVariables_.clear();
   includes_.clear();
   functionName_.clear();
-  functionBody_ = std::make_shared<WString>();
+  replaceBodyText(WString());
   predefineSnippet_.clear();
   predefinesParsed_ = false;
   functionParameters_->clear();
@@ -142,9 +150,12 @@ void AShaderFragmentProfile::setFunctionBody(const WString& body) {
   registerShaderFunctions(symbol.getShaderFunctions());
   if (!symbol.getBuiltinFunctions().empty() || !symbol.getShaderFunctions().empty())
     viewedTexts_.push_back(functionBody_);
+  hasPlainBody_ = symbol.getBuiltinFunctions().empty() && symbol.getShaderFunctions().empty() &&
+                  isBalancedInBraces(*functionBody_);
 }
 
 WString& AShaderFragmentProfile::getFunctionBody() {
+  hasPlainBody_ = false;
   // A text that built-in calls view stays as it is: the caller gets a copy to write to.
   if (functionBody_.use_count() > 1) functionBody_ = std::make_shared<WString>(*functionBody_);
   return *functionBody_;
@@ -152,6 +163,7 @@ WString& AShaderFragmentProfile::getFunctionBody() {
 
 void AShaderFragmentProfile::replaceBodyText(const WString& body) {
   functionBody_ = std::make_shared<WString>(body);
+  hasPlainBody_ = false;
 }
 
 void AShaderFragmentProfile::registerShaderFunctions(const Array<BuiltinFunction>& uses) {

@@ -4,6 +4,7 @@
 
 #include "profiles/function_definition.h"
 #include "profiles/object_reader.h"
+#include "profiles/parameter_text.h"
 #include "sfg/code_formatter.h"
 #include "sfg/fragment_profile_instance.h"
 #include "sfg/shader_collapse_context.h"
@@ -60,7 +61,7 @@ bool AShaderFragmentProfileFunction::writeDefinition(CodeSnippetInstance& out,
   KeywordReplacePattern currentLight;
   if (stateVariables().contains(StateVariable_currentLight))
     currentLight.addReplacePattern(WString(L"sfg_currentLight"), context.getCurrentLightName());
-  return FunctionDefinition(*this, context, instance).write(out, currentLight, [](WString&, std::size_t) {});
+  return FunctionDefinition(*this, context, instance).write(out, currentLight);
 }
 
 bool AShaderFragmentProfileFunction::writeFunctionCall(WString& out, AShaderCollapseContext& context,
@@ -70,13 +71,7 @@ bool AShaderFragmentProfileFunction::writeFunctionCall(WString& out, AShaderColl
   out += L"    ";
   out += instance.getFunctionName();
   out += L'(';
-
-  ATextParameterList list;
-  for (const WString& value : inputValues) list.addInput(std::wstring_view(), value);
-  for (const WString& value : outputValues) list.addOutput(std::wstring_view(), value);
-  if (!context.addStateVariableParameters(&list, this)) return false;
-
-  list.writeParameters(out, L"        ", false);
+  if (!appendArguments(out, L"        ", *this, context, inputValues, outputValues)) return false;
   out += L");\n";
   return true;
 }

@@ -141,7 +141,7 @@ bool AShaderFragmentProfileMetaSL::writePredefines(CodeSnippetInstance& out, ASh
 bool AShaderFragmentProfileMetaSL::writeDefinition(CodeSnippetInstance& out, AShaderCollapseContext& context,
                                                    FragmentProfileInstance& instance) const {
   return FunctionDefinition(*this, context, instance)
-      .write(out, KeywordReplacePattern(), [&context](WString& text, std::size_t body) {
+      .writeExpanded(out, [&context](WString& text, std::size_t body) {
         expandLightBlocks(text, numLights(context), body);
       });
 }

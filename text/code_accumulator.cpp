@@ -35,8 +35,9 @@ bool holdsRule(const KeywordReplacePattern& pattern, std::wstring_view keyword,
 struct CodeAccumulator::Impl {
   /// A symbol as it was written. A null name stands for its own.
   struct Written {
-    std::size_t hash;  // of the key and the renames
-    std::wstring_view key;
+    std::size_t hash;  // of all that follows
+    std::wstring_view identity;
+    std::wstring_view callRenames;
     Array<Texts> renames;
     const WString* name;
   };
@@ -74,13 +75,14 @@ struct CodeAccumulator::Impl {
 
 private:
   void identify(const ShaderSymbolInstance& symbol, const KeywordReplacePattern& renamePattern);
-  const Written* findWritten(std::wstring_view key, std::size_t hash, const Array<Texts>& renames) const;
+  const Written* findWritten(std::size_t hash, std::wstring_view identity, std::wstring_view callRenames,
+                             const Array<Texts>& renames) const;
   Name& findName(std::wstring_view name);
   bool useInCall(Name& name);
   void reuseName(const WString* used, KeywordReplacePattern& renamePattern);
   const WString* chooseName(KeywordReplacePattern& renamePattern);
   const WString* generateName();
-  Written& rememberWritten(std::wstring_view key);
+  Written& rememberWritten(const ShaderSymbolInstance& symbol);
 };
 
 void CodeAccumulator::Impl::beginCall() {
@@ -92,7 +94,7 @@ void CodeAccumulator::Impl::beginCall() {
 /// What the call wrote is known to later calls only.
 void CodeAccumulator::Impl::finishCall() {
   for (Written& symbol : callWritten) {
-    if (findWritten(symbol.key, symbol.hash, symbol.renames) != nullptr) continue;
+    if (findWritten(symbol.hash, symbol.identity, symbol.callRenames, symbol.renames) != nullptr) continue;
     written.push_back(std::move(symbol));
     writtenByHash.emplace(written.back().hash, &written.back());
   }
@@ -105,19 +107,18 @@ void CodeAccumulator::Impl::finishCall() {
 void CodeAccumulator::Impl::append(WString& out, const ShaderSymbolInstance& symbol,
                                    const KeywordReplacePattern& pattern,
                                    KeywordReplacePattern& renamePattern) {
-  const WString& key = symbol.getInstanceKey();
-  if (key.empty()) {
+  if (!symbol.hasInstanceKey()) {
     checkTextLength(out.size() + symbol.getText().length);
     appendString(out, symbol.getText());
     return;
   }
 
   identify(symbol, renamePattern);
-  if (const Written* same = findWritten(key, hash, renamesInForce))
+  if (const Written* same = findWritten(hash, symbol.getIdentity(), symbol.getRenames(), renamesInForce))
     return reuseName(same->name, renamePattern);
 
   // Remembered before a name is chosen: a new rule may move the texts that the renames in force view.
-  Written& record = rememberWritten(key);
+  Written& record = rememberWritten(symbol);
   record.name = chooseName(renamePattern);
   replacer.clearReplacePattern();
   replacer.addReplacePattern(pattern);
@@ -131,7 +132,7 @@ void CodeAccumulator::Impl::identify(const ShaderSymbolInstance& symbol,
                                      const KeywordReplacePattern& renamePattern) {
   const ScopedText text = symbol.getText();
   symbol.getName().toString(ownName);
-  hash = combineHash(0, symbol.getInstanceKey());
+  hash = combineHash(combineHash(0, symbol.getIdentity()), symbol.getRenames());
   renamesInForce.clear();
   for (std::size_t i = 0; i < renamePattern.getKeywords().size(); ++i) {
     const WString& keyword = renamePattern.getKeywords()[i];
@@ -142,14 +143,19 @@ void CodeAccumulator::Impl::identify(const ShaderSymbolInstance& symbol,
   }
 }
 
-const CodeAccumulator::Impl::Written* CodeAccumulator::Impl::findWritten(std::wstring_view key,
-                                                                         std::size_t keyAndRenamesHash,
+const CodeAccumulator::Impl::Written* CodeAccumulator::Impl::findWritten(std::size_t hashOfAll,
+                                                                         std::wstring_view identity,
+                                                                         std::wstring_view callRenames,
                                                                          const Array<Texts>& renames) const {
-  const auto [first, last] = writtenByHash.equal_range(keyAndRenamesHash);
+  const auto [first, last] = writtenByHash.equal_range(hashOfAll);
   // Different symbols of one hash are too rare to be met by a test.
-  for (auto entry = first; entry != last; ++entry)
-    if (entry->second->key == key && entry->second->renames == renames)  // GCOVR_EXCL_BR_LINE
-      return entry->second;
+  for (auto entry = first; entry != last; ++entry) {
+    const Written& symbol = *entry->second;
+    const bool isSame = symbol.identity == identity &&
+                        symbol.callRenames == callRenames &&  // GCOVR_EXCL_BR_LINE
+                        symbol.renames == renames;
+    if (isSame) return &symbol;  // GCOVR_EXCL_BR_LINE
+  }
   return nullptr;
 }
 
@@ -194,11 +200,12 @@ const WString* CodeAccumulator::Impl::generateName() {
   }
 }
 
-CodeAccumulator::Impl::Written& CodeAccumulator::Impl::rememberWritten(std::wstring_view key) {
-  Written& symbol = callWritten.emplace_back(Written{hash, texts.add(key), {}, nullptr});
+CodeAccumulator::Impl::Written& CodeAccumulator::Impl::rememberWritten(const ShaderSymbolInstance& symbol) {
+  Written& entry = callWritten.emplace_back(
+      Written{hash, texts.add(symbol.getIdentity()), texts.add(symbol.getRenames()), {}, nullptr});
   for (const auto& [keyword, replacement] : renamesInForce)
-    symbol.renames.emplace_back(texts.add(keyword), texts.add(replacement));
-  return symbol;
+    entry.renames.emplace_back(texts.add(keyword), texts.add(replacement));
+  return entry;
 }
 
 CodeAccumulator::CodeAccumulator() : impl_(std::make_unique<Impl>()) {}

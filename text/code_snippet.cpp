@@ -6,12 +6,6 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-namespace {
-
-std::size_t hashOf(std::wstring_view key) { return std::hash<std::wstring_view>()(key); }
-
-}  // namespace
-
 CodeSnippet::CodeSnippet() : code_(std::make_shared<WString>()) {}
 CodeSnippet::~CodeSnippet() = default;
 
@@ -52,6 +46,17 @@ bool CodeSnippet::parse() {
   return true;
 }
 
+void CodeSnippet::takePlainFunction(WString&& code, std::size_t name, std::size_t nameLength,
+                                    std::size_t body) {
+  clearParse();
+  code_ = std::make_shared<WString>(std::move(code));
+  const ScopedText all(*code_);
+  const std::size_t behindName = name + nameLength;
+  symbols_.emplace_back().constructPlainFunction(all.substr(0, name), all.substr(name, nameLength),
+                                                 all.substr(behindName, body - behindName),
+                                                 all.substr(body, all.length - body));
+}
+
 void CodeSnippet::addSymbol(const ScopedText& text) {
   if (text.empty()) return;
   symbols_.emplace_back().setRange(text);
@@ -63,7 +68,6 @@ void CodeSnippet::addSymbol(const ShaderSymbol& symbol) {
 
 void CodeSnippet::takeSymbol(ShaderSymbol&& symbol) {
   const ShaderSymbol& added = symbols_.emplace_back(std::move(symbol));
-  symbolIndex_.emplace(hashOf(added.getKey()), symbols_.size() - 1);
   stateVariables_.insert(added.getStateVariables().begin(), added.getStateVariables().end());
   builtinFunctions_.insert(builtinFunctions_.end(), added.getBuiltinFunctions().begin(),
                            added.getBuiltinFunctions().end());
@@ -72,12 +76,8 @@ void CodeSnippet::takeSymbol(ShaderSymbol&& symbol) {
 }
 
 std::size_t CodeSnippet::findSymbol(std::wstring_view key) const {
-  const auto [first, last] = symbolIndex_.equal_range(hashOf(key));
-  for (auto entry = last; entry != first;) {
-    --entry;
-    // Different keys of one hash are too rare to be met by a test.
-    if (symbols_[entry->second].getKey() == key) return entry->second;  // GCOVR_EXCL_BR_LINE
-  }
+  for (std::size_t i = symbols_.size(); i-- > 0;)
+    if (symbols_[i].hasKey() && symbols_[i].getKey() == key) return i;
   return kNotFound;
 }
 
@@ -88,7 +88,6 @@ void CodeSnippet::clear() {
 
 void CodeSnippet::clearParse() {
   symbols_.clear();
-  symbolIndex_.clear();
   stateVariables_.clear();
   builtinFunctions_.clear();
   shaderFunctions_.clear();

@@ -1,7 +1,7 @@
 #include "sfg/shader_symbol.h"
 
 #include <algorithm>
-#include <functional>
+#include <mutex>
 #include <string_view>
 
 #include "text/builtin_names.h"
@@ -176,7 +176,7 @@ void ShaderSymbol::clearThis() {
   stateVariables_.clear();
   builtinFunctions_.clear();
   shaderFunctions_.clear();
-  key_.clear();
+  setKey(WString());
   range_ = ScopedText();
   name_ = ScopedText();
   zeroThis();
@@ -212,14 +212,40 @@ bool ShaderSymbol::findFirstSymbol(ShaderSymbol& s, ScopedText& text) {
 
 void ShaderSymbol::constructFunction(const ScopedText& returnType, const ScopedText& name,
                                      const ScopedText& parameters, const ScopedText& body) {
+  constructPlainFunction(returnType, name, parameters, body);
+  parseKeywords(body);
+}
+
+void ShaderSymbol::constructPlainFunction(const ScopedText& returnType, const ScopedText& name,
+                                          const ScopedText& parameters, const ScopedText& body) {
   clear();
   type_ = EShaderSymbolType::function;
   name_ = name;
   range_ = scan::buildRange(returnType, body);
-  buildKey(key_, scan::buildRange(returnType, parameters));
-  parseKeywords(body);
-  appendDecimal(key_, body.length);
-  key_ += SHA1_GetStringHash(range_.view());
+  keyedText_ = range_;
+  signatureLength_ = scan::buildRange(returnType, parameters).length;
+  bodyLength_ = body.length;
+  key_.pending.store(true, std::memory_order_relaxed);
+}
+
+void ShaderSymbol::setKey(const WString& key) {
+  key_.text = key;
+  key_.pending.store(false, std::memory_order_relaxed);
+  keyedText_ = ScopedText();
+}
+
+const WString& ShaderSymbol::makeKey() const {
+  // One lock for all symbols: keys are asked for seldom.
+  static std::mutex mutex;
+  const std::lock_guard<std::mutex> lock(mutex);
+  if (!key_.isPending()) return key_.text;
+  WString key;
+  buildKey(key, keyedText_.substr(0, signatureLength_));
+  appendDecimal(key, bodyLength_);
+  key += SHA1_GetStringHash(keyedText_.view());
+  key_.text = std::move(key);
+  key_.pending.store(false, std::memory_order_release);
+  return key_.text;
 }
 
 void ShaderSymbol::constructStruct(const ScopedText& name, const ScopedText& /*body*/,
@@ -228,7 +254,7 @@ void ShaderSymbol::constructStruct(const ScopedText& name, const ScopedText& /*b
   type_ = EShaderSymbolType::structure;
   name_ = name;
   range_ = range;
-  buildKey(key_, range);
+  buildKey(key_.text, range);
 }
 
 void ShaderSymbol::constructTechnique(const ScopedText& name, const ScopedText& range) {
@@ -236,7 +262,7 @@ void ShaderSymbol::constructTechnique(const ScopedText& name, const ScopedText& 
   type_ = EShaderSymbolType::technique;
   name_ = name;
   range_ = range;
-  buildKey(key_, name);
+  buildKey(key_.text, name);
 }
 
 void ShaderSymbol::constructUniform(const ScopedText& name, const ScopedText& range) {
@@ -244,7 +270,7 @@ void ShaderSymbol::constructUniform(const ScopedText& name, const ScopedText& ra
   type_ = EShaderSymbolType::uniform;
   name_ = name;
   range_ = range;
-  buildKey(key_, range);
+  buildKey(key_.text, range);
 }
 
 void ShaderSymbol::parseKeywords(const ScopedText& body) {
@@ -286,6 +312,7 @@ const wchar_t* ShaderSymbol::getTypeString() const {
 
 void ShaderSymbolInstance::construct(const ShaderSymbol* symbol, const Array<WString>& renames,
                                      std::size_t firstRename) {
+  renames_.clear();
   instanceKey_.clear();
   keywordReplacePattern_.clearReplacePattern();
   symbol_ = symbol;
@@ -294,16 +321,20 @@ void ShaderSymbolInstance::construct(const ShaderSymbol* symbol, const Array<WSt
   const Array<BuiltinFunction>& calls = symbol->getBuiltinFunctions();
   const std::size_t left = renames.size() - std::min(firstRename, renames.size());
   const std::size_t count = std::min(calls.size(), left);
-  if (count == 0) return;
-  instanceKey_ = symbol->getKey();
   for (std::size_t i = 0; i < count; ++i) {
     const WString& rename = renames[firstRename + i];
     const ScopedText& call = calls[i].range;
-    instanceKey_ += rename;
+    renames_ += rename;
     if (call.empty()) continue;
     const std::size_t position = static_cast<std::size_t>(call.text - symbol->getRange().text);
     keywordReplacePattern_.addReplacePattern(KeywordPosKey{position, call.length}, rename);
   }
+}
+
+const WString& ShaderSymbolInstance::getInstanceKey() const {
+  if (renames_.empty()) return getKey();
+  if (instanceKey_.empty()) instanceKey_ = getKey() + renames_;
+  return instanceKey_;
 }
 
 const WString& ShaderSymbolInstance::getKey() const {

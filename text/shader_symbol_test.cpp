@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <thread>
 #include <type_traits>
 #include <vector>
 
@@ -535,6 +536,31 @@ TEST(ShaderSymbolInstance, ConstructingAnewForgetsTheOldRenames) {
   i.construct({});
   EXPECT_EQ(i.instance.getInstanceKey(), i.symbol.getKey());
   EXPECT_TRUE(i.instance.getKeywordReplacePattern().empty());
+}
+
+TEST(ShaderSymbol, MakesItsKeyAtTheFirstQuestionInAnyThread) {
+  const WString code = L"void f(float a) { a = 1; }";
+  const ShaderSymbol symbol = find(code).symbol;
+  EXPECT_TRUE(symbol.hasKey());
+  EXPECT_EQ(symbol.getIdentity(), code);
+
+  std::vector<WString> keys(4);
+  std::vector<std::thread> threads;
+  for (WString& key : keys) {
+    threads.emplace_back([&symbol, &key] {
+      const ShaderSymbol copy = symbol;
+      key = symbol.getKey() == copy.getKey() ? copy.getKey() : WString();
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(keys, std::vector<WString>(4, L"voidf(floata)10" + SHA1_GetStringHash(code)));
+}
+
+TEST(ShaderSymbol, KeepsItsKeyWhenItsRangeIsSetLater) {
+  const WString code = L"void f() {}";
+  ShaderSymbol symbol = find(code).symbol;
+  symbol.setRange(ScopedText());
+  EXPECT_EQ(symbol.getKey(), L"voidf()2" + SHA1_GetStringHash(code));
 }
 
 static_assert(std::has_virtual_destructor_v<ShaderSymbol>);

@@ -3,12 +3,9 @@
 // Pieces of shader code with their parse, and their use by one fragment instance.
 
 #include <cstddef>
-#include <functional>
-#include <map>
 #include <memory>
 #include <ostream>
 #include <string_view>
-#include <utility>
 
 #include "sfg/builtin_function.h"
 #include "sfg/export.h"
@@ -37,6 +34,11 @@ public:
   void addCode(const WString& code);
   /// Parses the code anew. False when symbols overlap; those before then stay.
   bool parse();
+
+  /// Takes code that is known to be one function and nothing else, `nameLength` characters of name at `name`,
+  /// the parameters in parentheses behind it, and from `body` on a body without built-in calls; the same as
+  /// adding and parsing it, but for the state variables, which are not collected.
+  void takePlainFunction(WString&& code, std::size_t name, std::size_t nameLength, std::size_t body);
 
   /// Appends a raw-text symbol; empty text is ignored.
   void addSymbol(const ScopedText& text);
@@ -75,9 +77,6 @@ private:
   std::shared_ptr<WString> code_;
   Array<std::shared_ptr<const WString>> retiredCode_;  // texts that symbols of the present parse still view
   Array<ShaderSymbol> symbols_;
-  std::multimap<std::size_t, std::size_t, std::less<>,
-                StlAllocator<std::pair<const std::size_t, std::size_t>>>
-      symbolIndex_;  // by hash of the key, in symbol order
 };
 
 /// A snippet as one fragment instance uses it. Owns the snippet when told so. Neither copied nor moved.

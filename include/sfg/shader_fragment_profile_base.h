@@ -89,6 +89,9 @@ public:
     return predefineBuiltinFunctions_;
   }
   const Array<BuiltinFunction>& getBodyBuiltinFunctions() const noexcept { return bodyBuiltinFunctions_; }
+  /// Whether the body, in braces, is one balanced block without any built-in call. A definition over such a
+  /// body is one function, and need not be parsed.
+  bool hasPlainBody() const noexcept { return hasPlainBody_; }
   /// The sfg_shader calls whose first argument is `name`; false when there are none, which leaves `out`
   /// alone.
   bool GetShaderFunctions(const WString& name, Array<BuiltinFunction>& out) const;
@@ -124,6 +127,7 @@ private:
   Set<WString> includes_;
   WString functionName_;
   std::shared_ptr<WString> functionBody_;
+  bool hasPlainBody_ = false;
   Array<BuiltinFunction> predefineBuiltinFunctions_;
   Array<BuiltinFunction> bodyBuiltinFunctions_;
   Map<WString, Array<BuiltinFunction>> shaderFunctions_;

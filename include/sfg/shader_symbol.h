@@ -3,8 +3,11 @@
 // Top-level symbols of shader text: functions, structures, uniforms and techniques, and the built-in calls in
 // them.
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
+#include <utility>
 
 #include "sfg/builtin_function.h"
 #include "sfg/export.h"
@@ -30,8 +33,8 @@ public:
   ShaderSymbol() = default;
   ShaderSymbol(const ShaderSymbol&) = default;
   ShaderSymbol& operator=(const ShaderSymbol&) = default;
-  ShaderSymbol(ShaderSymbol&&) = default;
-  ShaderSymbol& operator=(ShaderSymbol&&) = default;
+  ShaderSymbol(ShaderSymbol&&) noexcept = default;
+  ShaderSymbol& operator=(ShaderSymbol&&) noexcept = default;
   virtual ~ShaderSymbol();
   virtual void clear();
 
@@ -43,6 +46,9 @@ public:
 
   void constructFunction(const ScopedText& returnType, const ScopedText& name, const ScopedText& parameters,
                          const ScopedText& body);
+  /// The same for a body that is known to hold nothing to collect.
+  void constructPlainFunction(const ScopedText& returnType, const ScopedText& name,
+                              const ScopedText& parameters, const ScopedText& body);
   /// The body is not looked at.
   void constructStruct(const ScopedText& name, const ScopedText& body, const ScopedText& range);
   void constructTechnique(const ScopedText& name, const ScopedText& range);
@@ -56,8 +62,16 @@ public:
   const wchar_t* getTypeString() const;
   /// The text that tells this symbol from others: for a function its signature without whitespace, the length
   /// of its body and the SHA-1 of its whole text; for a structure or uniform the declaration without
-  /// whitespace; for a technique its name; empty for raw text.
-  const WString& getKey() const noexcept { return key_; }
+  /// whitespace; for a technique its name; empty for raw text. A function's is made at the first call, from
+  /// the text it was parsed from; safe in several threads.
+  const WString& getKey() const { return key_.isPending() ? makeKey() : key_.text; }
+  /// Whether getKey() answers a text, without making it.
+  bool hasKey() const noexcept { return key_.isPending() || !key_.text.empty(); }
+  /// A text that is equal for two keyed symbols exactly when their keys are, and that is at hand: a
+  /// function's whole text, any other's key.
+  std::wstring_view getIdentity() const noexcept {
+    return keyedText_.empty() ? std::wstring_view(key_.text) : keyedText_.view();
+  }
   const ScopedText& getRange() const noexcept { return range_; }
   const ScopedText& getName() const noexcept { return name_; }
   const Set<UString>& getStateVariables() const noexcept { return stateVariables_; }
@@ -66,7 +80,7 @@ public:
   /// Calls of sfg_shader.
   const Array<BuiltinFunction>& getShaderFunctions() const noexcept { return shaderFunctions_; }
 
-  void setKey(const WString& key) { key_ = key; }
+  void setKey(const WString& key);
   void setName(const ScopedText& name) { name_ = name; }
   void setRange(const ScopedText& range) { range_ = range; }
   void setStateVariables(const Set<UString>& variables) { stateVariables_ = variables; }
@@ -80,8 +94,36 @@ protected:
   void zeroThis() noexcept { type_ = EShaderSymbolType::unknown; }
 
 private:
+  /// A key, or the promise of one. Whoever is handed a copy of a promise makes the text for itself.
+  struct Key {
+    WString text;
+    std::atomic<bool> pending{false};
+
+    Key() = default;
+    Key(const Key& other) { *this = other; }
+    Key(Key&& other) noexcept : text(std::move(other.text)), pending(other.isPending()) {}
+    Key& operator=(const Key& other) {
+      const bool isPromise = other.isPending();
+      text = isPromise ? WString() : other.text;
+      pending.store(isPromise, std::memory_order_relaxed);
+      return *this;
+    }
+    Key& operator=(Key&& other) noexcept {
+      text = std::move(other.text);
+      pending.store(other.isPending(), std::memory_order_relaxed);
+      return *this;
+    }
+    ~Key() = default;
+    bool isPending() const noexcept { return pending.load(std::memory_order_acquire); }
+  };
+
+  const WString& makeKey() const;
+
   EShaderSymbolType type_ = EShaderSymbolType::unknown;
-  WString key_;
+  mutable Key key_;
+  ScopedText keyedText_;  // a function as it was parsed: what its key is made of
+  std::size_t signatureLength_ = 0;
+  std::size_t bodyLength_ = 0;
   ScopedText range_;
   ScopedText name_;
   Set<UString> stateVariables_;
@@ -98,8 +140,15 @@ public:
   /// key and stays as written. A null symbol empties the instance.
   void construct(const ShaderSymbol* symbol, const Array<WString>& renames, std::size_t firstRename);
 
-  /// The symbol's key followed by the renames.
-  const WString& getInstanceKey() const { return instanceKey_.empty() ? getKey() : instanceKey_; }
+  /// The symbol's key followed by the renames. Made at the first call; for one thread.
+  const WString& getInstanceKey() const;
+  /// Whether getInstanceKey() answers a text, without making it.
+  bool hasInstanceKey() const { return symbol_ != nullptr && (symbol_->hasKey() || !renames_.empty()); }
+  /// Together equal exactly when the instance keys are: see ShaderSymbol::getIdentity, and the renames.
+  std::wstring_view getIdentity() const {
+    return symbol_ == nullptr ? std::wstring_view() : symbol_->getIdentity();
+  }
+  const WString& getRenames() const noexcept { return renames_; }
   /// The symbol's key, name and text; empty without a symbol.
   const WString& getKey() const;
   ScopedText getName() const;
@@ -108,7 +157,8 @@ public:
   const KeywordReplacePattern& getKeywordReplacePattern() const noexcept { return keywordReplacePattern_; }
 
 private:
-  WString instanceKey_;  // empty when it is the symbol's key
+  WString renames_;
+  mutable WString instanceKey_;  // empty until asked for
   const ShaderSymbol* symbol_ = nullptr;
   KeywordReplacePattern keywordReplacePattern_;
 };

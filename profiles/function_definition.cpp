@@ -1,0 +1,82 @@
+#include "profiles/function_definition.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "profiles/parameter_text.h"
+#include "sfg/scoped_text.h"
+#include "sfg/size_limit.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+namespace {
+
+constexpr std::size_t kTypicalHeadLength = 256;
+
+bool isWord(const WString& text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), isTokenChar);
+}
+
+bool areWords(const Array<WString>& texts) { return std::all_of(texts.begin(), texts.end(), isWord); }
+
+/// Whether the rules turn words into words, wherever they match: brackets and comments then stay what they
+/// are.
+bool keepsStructure(const KeywordReplacePattern& rules) {
+  return rules.getPositionalReplacements().empty() && areWords(rules.getKeywords()) &&
+         areWords(rules.getReplacements());
+}
+
+}  // namespace
+
+bool FunctionDefinition::write(CodeSnippetInstance& out, const KeywordReplacePattern& first) const {
+  Text text;
+  if (!writeHead(text)) return false;
+
+  const bool isPlain = isPlainFunction(text, first);
+  appendBody(text.code, first);
+  text.code += kTail;
+  if (!isPlain) {
+    AShaderFragmentProfile::constructOwned(out, text.code, instance_.getBuiltinFunctionValueInBody());
+    return true;
+  }
+  auto snippet = std::make_unique<CodeSnippet>();
+  snippet->takePlainFunction(std::move(text.code), kResult.size(), instance_.getFunctionName().size(),
+                             text.body);
+  out.construct(snippet.release(), {}, true);
+  return true;
+}
+
+bool FunctionDefinition::writeHead(Text& text) const {
+  text.code.reserve(profile_.getFunctionBody().size() + kTypicalHeadLength);
+  text.code += kResult;
+  text.code += instance_.getFunctionName();
+  text.code += L'(';
+  if (!appendDeclaredParameters(text.code, L"    ", profile_, context_)) return false;
+  text.code += L")\n";
+  text.body = text.code.size();
+  text.code += kOpening;
+  return true;
+}
+
+void FunctionDefinition::appendBody(WString& text, const KeywordReplacePattern& first) const {
+  KeywordReplacer replacer;
+  replacer.addReplacePattern(first);
+  for (const KeywordReplacePattern* pattern : instancePatterns()) replacer.addReplacePattern(*pattern);
+  replacer.appendReplaced(text, profile_.getFunctionBody());
+  instance_.getKeywordReplacePattern().clearReplacePattern();
+}
+
+/// Whether a parse would find one function and nothing else, without any call of a built-in function. That is
+/// known of the profile's body, and the rules leave it so; the head is looked at.
+bool FunctionDefinition::isPlainFunction(const Text& text, const KeywordReplacePattern& first) const {
+  if (!profile_.hasPlainBody() || !isWord(instance_.getFunctionName()) || !keepsStructure(first))
+    return false;
+  for (const KeywordReplacePattern* pattern : instancePatterns())
+    if (!keepsStructure(*pattern)) return false;
+  std::size_t pos = kResult.size() + instance_.getFunctionName().size();
+  getBracketBody(text.code, pos, L'(', L')');
+  return pos + 1 == text.body;
+}
+
+}  // namespace TolmSDK::Graphics::sfg

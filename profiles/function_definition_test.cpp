@@ -1,0 +1,73 @@
+// A definition over a plain body is not parsed: these tests hold it against the parse.
+
+#include "profiles/function_definition.h"
+
+#include <gtest/gtest.h>
+
+#include "sfg/shader_fragment_profile_function.h"
+
+namespace TolmSDK::Graphics::sfg {
+namespace {
+
+struct BodyCase {
+  const char* name;
+  const wchar_t* body;
+  bool isPlain;
+};
+
+void PrintTo(const BodyCase& c, std::ostream* os) { *os << c.name; }
+
+class Body : public testing::TestWithParam<BodyCase> {};
+
+TEST_P(Body, IsPlainExactlyWhenItsDefinitionIsOneFunctionWithoutBuiltInCalls) {
+  const auto profile = makeRef<AShaderFragmentProfileFunction>();
+  profile->setFunctionBody(GetParam().body);
+  EXPECT_EQ(profile->hasPlainBody(), GetParam().isPlain);
+
+  const WString code = L"void f(\n    float a,\n    out float b)\n{\n" + WString(GetParam().body) + L"}\n";
+  CodeSnippet parsed;
+  parsed.addCode(code);
+  parsed.parse();
+  const bool isOneFunction = parsed.getNumSymbols() == 1 &&
+                             parsed.getSymbol(0).getType() == EShaderSymbolType::function &&
+                             parsed.getSymbol(0).getRange().length == code.size() &&
+                             parsed.getBuiltinFunctions().empty() && parsed.getShaderFunctions().empty();
+  // What runs to the end without being closed looks like one function too, and is left to the parse.
+  if (!GetParam().isPlain) return;
+  ASSERT_TRUE(isOneFunction);
+
+  CodeSnippet taken;
+  taken.takePlainFunction(WString(code), 5, 1, code.find(L'{'));
+  ASSERT_EQ(taken.getNumSymbols(), 1u);
+  EXPECT_EQ(taken.getSymbol(0).getKey(), parsed.getSymbol(0).getKey());
+  EXPECT_EQ(taken.getSymbol(0).getName().view(), L"f");
+  EXPECT_EQ(taken.getSymbol(0).getRange().view(), code);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Bodies, Body,
+    testing::Values(BodyCase{"empty", L"", true}, BodyCase{"statement", L"\tb = a;\n", true},
+                    BodyCase{"block", L"\tif (a > 0) {\n\t\tb = a;\n\t}\n", true},
+                    BodyCase{"comment", L"\tb = a; // }\n", true},
+                    BodyCase{"preprocessor", L"#define X }\n\tb = a;\n", true},
+                    BodyCase{"stateVariable", L"\tb = sfg_time;\n", true},
+                    BodyCase{"closesTooEarly", L"\tb = a;\n}\nfloat g() {\n\treturn 1;\n", false},
+                    BodyCase{"staysOpen", L"\tif (a > 0) {\n\t\tb = a;\n", false},
+                    BodyCase{"swallowsTheBrace", L"\tb = a; //", false},
+                    BodyCase{"builtInCall", L"\tb = sfg_isConnected(a) ? 1 : 0;\n", false},
+                    BodyCase{"shaderFunction", L"\tsfg_shader(a);\n", false}),
+    [](const auto& body) { return body.param.name; });
+
+TEST(PlainBody, IsForgottenWhenTheBodyIsWrittenTo) {
+  const auto profile = makeRef<AShaderFragmentProfileFunction>();
+  profile->setFunctionBody(L"\tb = a;\n");
+  profile->getFunctionBody() += L"}";
+  EXPECT_FALSE(profile->hasPlainBody());
+  profile->setFunctionBody(L"\tb = a;\n");
+  EXPECT_TRUE(profile->hasPlainBody());
+  profile->clear();
+  EXPECT_FALSE(profile->hasPlainBody());
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg

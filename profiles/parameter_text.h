@@ -1,0 +1,83 @@
+#pragma once
+
+// The parameters of generated functions as text.
+
+#include <string_view>
+
+#include "sfg/shader_collapse_context.h"
+#include "sfg/shader_fragment_profile_base.h"
+#include "tolmsdk/text_parameter_list.h"
+#include "tolmsdk/types.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+/// Appends parameters one by one in the form of ITextParameterList::writeParameters, without a list.
+class ParameterWriter {
+public:
+  /// Refers to both arguments.
+  ParameterWriter(WString& out, std::wstring_view prefix) : out_(out), prefix_(prefix) {}
+
+  void writeName(std::wstring_view name) {
+    beginItem();
+    out_ += name;
+  }
+  void writeDeclaration(std::wstring_view direction, std::wstring_view type, std::wstring_view name) {
+    beginItem();
+    out_ += direction;
+    out_ += type;
+    if (!type.empty()) out_ += L' ';
+    out_ += name;
+  }
+
+private:
+  void beginItem() {
+    if (!isFirst_) out_ += L',';
+    isFirst_ = false;
+    out_ += L'\n';
+    out_ += prefix_;
+  }
+
+  WString& out_;
+  std::wstring_view prefix_;
+  bool isFirst_ = true;
+};
+
+/// The inputs that the profile's state variables add to its own. False when one cannot be added.
+inline bool addStateInputs(ATextParameterList& list, const AShaderFragmentProfile& profile,
+                           const AShaderCollapseContext& context) {
+  if (profile.stateVariables().empty() && profile.customStateVariables().empty()) return true;
+  return context.addStateVariableParameters(&list, &profile);
+}
+
+/// Appends the declaration of a profile's parameters: its inputs, those of its state variables, its outputs.
+/// False when one cannot be added.
+inline bool appendDeclaredParameters(WString& out, std::wstring_view prefix,
+                                     const AShaderFragmentProfile& profile,
+                                     const AShaderCollapseContext& context) {
+  ATextParameterList state;
+  if (!addStateInputs(state, profile, context)) return false;
+  const ITextParameterList& own = *profile.getFunctionParameters();
+  ParameterWriter writer(out, prefix);
+  for (std::size_t i = 0; i < own.getNumInputs(); ++i)
+    writer.writeDeclaration(L"", own.getInputType(i), own.getInputName(i));
+  for (std::size_t i = 0; i < state.getNumInputs(); ++i)
+    writer.writeDeclaration(L"", state.getInputType(i), state.getInputName(i));
+  for (std::size_t i = 0; i < own.getNumOutputs(); ++i)
+    writer.writeDeclaration(L"out ", own.getOutputType(i), own.getOutputName(i));
+  return true;
+}
+
+/// Appends the arguments of a call in the same order.
+inline bool appendArguments(WString& out, std::wstring_view prefix, const AShaderFragmentProfile& profile,
+                            const AShaderCollapseContext& context, const Array<WString>& inputValues,
+                            const Array<WString>& outputValues) {
+  ATextParameterList state;
+  if (!addStateInputs(state, profile, context)) return false;
+  ParameterWriter writer(out, prefix);
+  for (const WString& value : inputValues) writer.writeName(value);
+  for (std::size_t i = 0; i < state.getNumInputs(); ++i) writer.writeName(state.getInputName(i));
+  for (const WString& value : outputValues) writer.writeName(value);
+  return true;
+}
+
+}  // namespace TolmSDK::Graphics::sfg
