@@ -100,6 +100,7 @@ public:
     graphInputOfLightLoop();
     namesInsideOthers();
     rawStatements();
+    inoutWithoutVariable();
     return std::move(warnings_);
   }
 
@@ -397,6 +398,23 @@ private:
         warnOfFragment(*use.fragment, "it is used " + std::to_string(use.count) + " times, and so often `" +
                                           *statement + "` of its predefines is written");
         break;
+      }
+    }
+  }
+
+  /// What an `inout` parameter is given must be a variable: neither a uniform nor a constant is one.
+  void inoutWithoutVariable() {
+    for (std::size_t i = 0; i < nodeCount(); ++i) {
+      const GraphNode& node = document_.node(i);
+      for (const Profile profile : surfaceProfilesOf(fragmentOf(i))) {
+        const ITextParameterList& list = *profile->getFunctionParameters();
+        for (std::size_t k = 0; k < std::min(node.getNumInputs(), list.getNumInputs()); ++k) {
+          const GraphNode::Wire& wire = node.wires()[k];
+          if (wire.source != nullptr || wire.graphInput != kNotFound) continue;
+          if (!list.getInputType(k).starts_with(L"inout ")) continue;
+          warn(node.position(), "input " + inTicks(node.getInput(k)->getName()) + " of " + named(node) +
+                                    " is `inout`, but nothing is wired to it that could be written");
+        }
       }
     }
   }

@@ -337,6 +337,21 @@ TEST_F(ShaderTest, MetaSlStateIsFilledFromTheVaryings) {
   compilesEverywhere(arguments + " --stage compute");
 }
 
+TEST_F(ShaderTest, ShaderInputsTravelInTheState) {
+  write("lib/call.fraglib", R"json({ "call": { "mode": "metaSL", "language": ["dx11"], "implementation": [
+    "void call(float3 f, out float3 result)", "{", "sfg_shader(f, color, state.normal, result, result);", "}" ] } })json");
+  write("graph.json", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
+    "nodes": [ { "name": "a", "fragment": "call", "inputs": { "f": { "node": "b" } } },
+      { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "ticks" } } },
+      { "name": "ticks", "fragment": "clock" } ] })");
+  const std::string arguments = "-I " + repository("library");
+  const std::string text = shader(arguments);
+  EXPECT_NE(text.find("    float ray_far;\n    float shaderInput0;\n};"), std::string::npos) << text;
+  EXPECT_NE(text.find("    state.shaderInput0 = result_n2_01;\n"), std::string::npos);
+  compilesEverywhere(arguments);
+  compilesEverywhere(arguments + " --stage compute");
+}
+
 TEST_F(ShaderTest, PacksUniformsWhereEveryLanguagePutsThem) {
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
     "uniforms": [ { "name": "u0", "type": "float3" }, { "name": "u1", "type": "float2" }, { "name": "u2", "type": "float" },
@@ -427,16 +442,16 @@ TEST_F(ShaderTest, ComplaintOfACompilerNamesTheFragmentAndItsFile) {
 TEST_F(ShaderTest, ComplaintAboutACallNamesTheNodesInIt) {
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float", "node": "bad" } ],
     "nodes": [ { "name": "bad", "fragment": "grade", "inputs": { "color": { "node": "source" } } },
-      { "name": "source", "fragment": "measure" } ] })");
+      { "name": "source", "fragment": "tint" } ] })");
   const CommandRun result = run("compile graph.json -L lib --target spirv -o out.spv");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(
       result.err,
       testing::StartsWith(
-          "graph.json: error: the generated shader does not compile\ngenerated:36: error: 'grade1' : "));
+          "graph.json: error: the generated shader does not compile\ngenerated:31: error: 'grade1' : "));
   EXPECT_THAT(result.err,
               testing::HasSubstr(
-                  "generated:36: note: the line is `grade1(`\n"
+                  "generated:31: note: the line is `grade1(`\n"
                   "lib/test.fraglib:12:12: note: function `grade1` is of fragment `grade`, node `bad`\n"));
 }
 

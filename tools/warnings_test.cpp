@@ -172,6 +172,15 @@ const WarningCase kCases[] = {
     {"SamplerRegisterOfAFragmentUsedTwice", kFilteredTwice, kNoLight, "",
      "lib/warnings.fraglib:21:15: warning: fragment `filtered`: it is used 2 times, and so often "
      "`SamplerState filterState : register(s7);` of its predefines is written\n"},
+    {"InoutInputWithoutAVariable", R"({ "outputs": [ { "name": "x", "type": "float", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "measure" } ] })",
+     kNoLight, "",
+     "graph.json:2:14: warning: input `seed` of node `a` is `inout`, but nothing is wired to it that could "
+     "be written\n"},
+    {"InoutInputWithAVariableIsSound", R"({ "outputs": [ { "name": "x", "type": "float", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "measure", "inputs": { "seed": { "node": "c" } } },
+    { "name": "c", "fragment": "clock" } ] })",
+     kNoLight, "", ""},
     {"MacroOfAFragmentUsedTwiceIsSound", kMacroTwice, kNoLight, "", ""},
 };
 
