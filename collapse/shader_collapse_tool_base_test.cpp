@@ -303,5 +303,93 @@ TEST(OddHosts, MayHaveNullLightsInADefaultCollapse) {
   EXPECT_EQ(collapseDefault(scene), text);
 }
 
+/// A graph that is not ours, in front of one that is.
+class ForeignGraph : public RefCounted<IShaderFragmentGraph> {
+public:
+  explicit ForeignGraph(const RefPtr<AShaderFragmentGraph>& inner) : inner_(inner) {}
+  const wchar_t* getKey() const override { return inner_->getKey(); }
+  void setKey(const wchar_t*) override {}
+  const WString& getHashString() const override { return inner_->getHashString(); }
+  void setHashString(const WString&) override {}
+  void setShaderFlags(IShaderFlags*) override {}
+  const IShaderFlags* getShaderFlags() const override { return nullptr; }
+  void setNonConsolidatable() override {}
+  bool isConsolidatable() const override { return true; }
+  std::size_t getNumInputs() const override { return inner_->getNumInputs(); }
+  const WString& getInputType(const ILanguageTraits* traits, std::size_t i) const override {
+    return inner_->getInputType(traits, i);
+  }
+  const WString& getInputName(std::size_t i) const override { return inner_->getInputName(i); }
+  const AParameter* getInput(std::size_t i) const override { return inner_->getInput(i); }
+  std::size_t getNumOutputs() const override { return inner_->getNumOutputs(); }
+  const WString& getOutputType(const ILanguageTraits* traits, std::size_t i) const override {
+    return inner_->getOutputType(traits, i);
+  }
+  const WString& getOutputName(std::size_t i) const override { return inner_->getOutputName(i); }
+  const AParameter* getOutput(std::size_t i) const override { return inner_->getOutput(i); }
+  void addInput(const AParameter*) override {}
+  void addInput(const TypeID&, const WString&) override {}
+  void addInput(const WString&, const WString&) override {}
+  void addOutput(const AParameter*) override {}
+  void addOutput(const TypeID&, const WString&) override {}
+  void addOutput(const WString&, const WString&) override {}
+  std::size_t findInputIndex(const wchar_t* name) const override { return inner_->findInputIndex(name); }
+  std::size_t findOutputIndex(const wchar_t* name) const override { return inner_->findOutputIndex(name); }
+  const Array<ShaderFragmentConnection>& getOutputConnections() const override {
+    return inner_->getOutputConnections();
+  }
+  bool setOutputConnection(const wchar_t*, IShaderFragment*, const wchar_t*) override { return false; }
+  bool setOutputConnection(std::size_t, IShaderFragment*, std::size_t) override { return false; }
+  void addFragment(IShaderFragment*) override {}
+  void removeFragment(IShaderFragment*) override {}
+  std::size_t getNumFragments() const override { return 1; }
+  IShaderFragment* getFragment(std::size_t) const override { return nullptr; }
+  std::size_t getNumUniforms() const override { return 0; }
+  const AParameter* getUniform(std::size_t) const override { return nullptr; }
+  void addUniform(const AParameter*) override {}
+  void addPreprocessFragment(IShaderFragment*) override {}
+  void removePreprocessFragment(std::size_t) override {}
+  std::size_t getNumPreprocessFragment() const override { return processes; }
+  IShaderFragment* getPreprocessFragment(std::size_t) const override { return nullptr; }
+  bool addPostprocessFragment(IShaderFragment*) override { return false; }
+  bool insertPostprocessFragment(std::size_t, IShaderFragment*) override { return false; }
+  void removePostprocessFragment(std::size_t) override {}
+  std::size_t getNumPostprocessFragments() const override { return postprocesses; }
+  const IShaderFragment* getPostprocessFragment(std::size_t) const override { return nullptr; }
+
+  std::size_t processes = 0;
+  std::size_t postprocesses = 0;
+
+private:
+  RefPtr<AShaderFragmentGraph> inner_;
+};
+
+template <class Tool>
+std::string collapseForeign(const TestScene& scene, const ForeignGraph& graph) {
+  const auto tool = makeRef<Tool>();
+  try {
+    return test::describe(
+        tool->collapse(&graph, scene.environment.get(), scene.options.get(), scene.language.get()));
+  } catch (const Exception& exception) {
+    return exception.what();
+  }
+}
+
+TEST(OddHosts, MayHaveGraphsThatAreNotOursWhichCountAsEmpty) {
+  TestScene scene = sceneWithOutputs({TypeID_float});
+  const auto graph = makeRef<ForeignGraph>(scene.graph);
+  EXPECT_EQ(collapseForeign<AShaderCollapseToolDefault>(scene, *graph), "Failed to evaluate fragment!");
+  EXPECT_EQ(collapseForeign<AShaderCollapseToolLightLoop>(scene, *graph), "Failed to set default profile.");
+}
+
+TEST(OddHosts, MayAnswerNullForProcessFragments) {
+  TestScene scene = sceneWithOutputs({TypeID_float});
+  const auto graph = makeRef<ForeignGraph>(scene.graph);
+  graph->processes = 1;
+  EXPECT_EQ(collapseForeign<AShaderCollapseToolDefault>(scene, *graph), "Failed to evaluate fragment!");
+  graph->postprocesses = 1;
+  EXPECT_EQ(collapseForeign<AShaderCollapseToolDefault>(scene, *graph), kNotTheSame);
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg
