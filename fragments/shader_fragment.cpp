@@ -33,7 +33,7 @@ AShaderFragment::AShaderFragment(const WString& instanceName)
       profiles_(std::make_shared<Profiles>()) {}
 AShaderFragment::AShaderFragment(const AShaderFragment& original, const WString& instanceName)
     : key_(original.key_), instanceName_(instanceName), hashString_(original.hashString_),
-      consolidatable_(original.consolidatable_), profiles_(original.profiles_),
+      consolidatable_(original.consolidatable_), profiles_(original.shareProfiles()),
       inputConnections_(original.inputConnections_), inputs_(original.inputs_), outputs_(original.outputs_),
       uniforms_(original.uniforms_) {}
 AShaderFragment::~AShaderFragment() = default;
@@ -59,9 +59,25 @@ void AShaderFragment::clear() {
 
 // Profiles
 
+const std::shared_ptr<AShaderFragment::Profiles>& AShaderFragment::shareProfiles() const {
+  if (!profiles_->isShared.load(std::memory_order_relaxed))
+    profiles_->isShared.store(true, std::memory_order_relaxed);
+  return profiles_;
+}
+
+void AShaderFragment::makeProfilesOwn() {
+  // The number of those that hold the table now would not do: it does not tell that another thread's clone,
+  // gone by now, has finished reading.
+  if (!profiles_->isShared.load(std::memory_order_relaxed)) return;
+  auto own = std::make_shared<Profiles>();
+  own->byNameAndLanguage = profiles_->byNameAndLanguage;
+  own->list = profiles_->list;
+  profiles_ = std::move(own);
+}
+
 void AShaderFragment::registerProfile(IShaderFragmentProfile* profile) {
   if (profile == nullptr || profile->languages().empty()) return;
-  if (profiles_.use_count() > 1) profiles_ = std::make_shared<Profiles>(*profiles_);
+  makeProfilesOwn();
   for (const UString& language : std::as_const(*profile).languages())
     profiles_->byNameAndLanguage[profileKey(profile->getProfilename(), language)].push_back(profile);
   profiles_->list.push_back(profile);

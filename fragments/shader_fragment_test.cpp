@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile_function.h"
 #include "sfg/shader_fragment_profile_inline.h"
@@ -403,6 +406,35 @@ TEST(ShaderFragment, ClonesKeepProfilesAlive) {
   EXPECT_EQ(second->findBestProfile(L"p", kDx11, 1.0f), profile.get());
   second.reset();
   EXPECT_EQ(profile->referenceCount(), 1u);
+}
+
+TEST(ShaderFragment, ClonesAreChangedAndReadInThreadsOfTheirOwn) {
+  // The two threads share nothing but what clones share by themselves: a relaxed flag orders nothing. The
+  // thread sanitizer tells when what one of them reads is what the other one writes.
+  for (int round = 0; round < 50; ++round) {
+    RefPtr<AShaderFragment> original = makeFragment(0, 0);
+    original->registerProfile(makeProfile(L"p", 1.0f, {L"dx11"}).get());
+    const auto late = makeProfile(L"q", 1.0f, {L"dx11"});
+    const RefPtr<IShaderFragment> changed(original->clone(L"a"));
+    RefPtr<IShaderFragment> read(original->clone(L"b"));
+    original.reset();
+
+    std::atomic<bool> done{false};
+    std::size_t seen = 0;
+    std::thread reader([&] {
+      if (read->findBestProfile(L"p", kDx11, 1.0f) != nullptr) seen = read->getNumProfiles();
+      read.reset();
+      done.store(true, std::memory_order_relaxed);
+    });
+    std::thread writer([&] {
+      while (!done.load(std::memory_order_relaxed)) std::this_thread::yield();
+      changed->registerProfile(late.get());
+    });
+    reader.join();
+    writer.join();
+    ASSERT_EQ(seen, 1u);
+    ASSERT_EQ(changed->getNumProfiles(), 2u);
+  }
 }
 
 TEST(ShaderFragment, ClonesKeepTheConsolidatableFlag) {

@@ -2,6 +2,7 @@
 
 // Fragments: named pieces of shader code with typed ports, uniforms and profiles.
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 
@@ -178,10 +179,13 @@ private:
   struct Profiles {
     Map<WString, Array<RefPtr<IShaderFragmentProfile>>> byNameAndLanguage;
     Array<RefPtr<IShaderFragmentProfile>> list;
+    std::atomic<bool> isShared{false};  ///< by a clone, once: it is never changed again
   };
 
   AShaderFragment(const AShaderFragment& original, const WString& instanceName);
 
+  const std::shared_ptr<Profiles>& shareProfiles() const;
+  void makeProfilesOwn();
   void loadProfiles(const IObjectDataNode& node);
   void loadUniforms(const IObjectDataNode& node);
   void buildHash(const IObjectDataNode& node);
@@ -193,7 +197,7 @@ private:
   IShaderFragmentGraph* ownerGraph_ = nullptr;
   Array<WString> shaderInputTypes_;
   bool consolidatable_ = true;
-  std::shared_ptr<Profiles> profiles_;  // shared with clones until one of them registers another
+  std::shared_ptr<Profiles> profiles_;  // shared with clones; whoever registers another makes its own
   Array<ShaderFragmentConnection> inputConnections_;
   Array<RefPtr<AParameter const>> inputs_;
   Array<RefPtr<AParameter const>> outputs_;
