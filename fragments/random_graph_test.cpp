@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "sfg/shader_fragment_graph.h"
+#include "sfg/shader_fragment_profile_function.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -28,7 +29,8 @@ struct ModelFragment {
   std::vector<Connection> inputs;
   int owner = kNone;
   bool consolidatable = true;
-  bool held = true;  ///< the test holds a reference
+  std::vector<float> profiles;  ///< levels of detail
+  bool held = true;             ///< the test holds a reference
 };
 
 struct ModelGraph {
@@ -44,7 +46,7 @@ public:
   explicit Playground(unsigned seed) : random_(seed) {}
 
   void step() {
-    switch (below(13)) {
+    switch (below(14)) {
     case 0: return makeFragment();
     case 1: return makeGraph();
     case 2: return addToGraph();
@@ -56,6 +58,7 @@ public:
     case 8: return connectOutput();
     case 9: return connectGraphInput();
     case 10: return clearInput();
+    case 11: return registerProfile();
     default: return connect();
     }
   }
@@ -69,6 +72,7 @@ public:
       ASSERT_EQ(fragment->getInputConnections().size(), model.inputs.size());
       for (std::size_t i = 0; i < model.inputs.size(); ++i)
         ASSERT_EQ(fragment->getInputConnections()[i], realConnection(model.inputs[i]));
+      checkProfiles(*fragment, model);
     }
     for (const auto& [id, model] : graphs_) {
       const AShaderFragmentGraph* graph = realGraphs_.at(id).get();
@@ -89,6 +93,16 @@ public:
 private:
   std::size_t below(std::size_t limit) {
     return limit == 0 ? 0 : static_cast<std::size_t>(random_() % limit);
+  }
+
+  static void checkProfiles(const IShaderFragment& fragment, const ModelFragment& model) {
+    ASSERT_EQ(fragment.getNumProfiles(), model.profiles.size());
+    for (std::size_t i = 0; i < model.profiles.size(); ++i) {
+      const float lod = model.profiles[i];
+      ASSERT_EQ(fragment.getProfile(i)->getLOD(), lod);
+      ASSERT_EQ(fragment.findBestProfile(L"p", UString(L"dx11"), lod), fragment.getProfile(i));
+    }
+    ASSERT_EQ(fragment.findBestProfile(L"p", UString(L"dx11"), 0.0f) == nullptr, model.profiles.empty());
   }
 
   template <class Map>
@@ -221,6 +235,18 @@ private:
     model.owner = kNone;
     model.held = true;
     fragments_[copy] = model;
+  }
+
+  // Clones and originals have profiles of their own from then on.
+  void registerProfile() {
+    const int id = pick(fragments_);
+    if (id == kNone) return;
+    const auto profile = makeRef<AShaderFragmentProfileFunction>();
+    profile->setProfilename(L"p");
+    profile->languages().insert(UString(L"dx11"));
+    profile->setLOD(static_cast<float>(next_++));
+    real_[id]->registerProfile(profile.get());
+    fragments_[id].profiles.push_back(profile->getLOD());
   }
 
   void markNonConsolidatable() {

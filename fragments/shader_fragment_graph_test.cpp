@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <memory>
+#include <vector>
 
 #include "tests/support/test_host.h"
 #include "tolmsdk/exception.h"
@@ -189,6 +190,47 @@ TEST(ShaderFragmentGraph, LetsMembersGoWhenItDies) {
   EXPECT_EQ(chained->referenceCount(), 1u);
 }
 
+/// A fragment that tells what happens to it.
+class WitnessFragment : public AShaderFragment {
+public:
+  WitnessFragment(const wchar_t* name, std::vector<WString>& events)
+      : AShaderFragment(name), events_(events) {}
+  ~WitnessFragment() override { events_.push_back(instanceName() + L" dies"); }
+  void setOwnerGraph(IShaderFragmentGraph* graph) override {
+    AShaderFragment::setOwnerGraph(graph);
+    if (graph == nullptr)
+      events_.push_back(instanceName() + L" is free");
+    else
+      events_.push_back(instanceName() + L" joins " + itos(static_cast<int>(graph->getNumFragments())));
+  }
+
+private:
+  std::vector<WString>& events_;
+};
+
+TEST(ShaderFragmentGraph, TellsAFragmentItsOwnerBeforeItIsAMember) {
+  std::vector<WString> events;
+  const auto graph = makeRef<AShaderFragmentGraph>();
+  graph->addFragment(makeRef<WitnessFragment>(L"a", events).get());
+  graph->addFragment(makeRef<WitnessFragment>(L"b", events).get());
+  graph->removeFragment(graph->getFragment(0));
+  EXPECT_EQ(events, (std::vector<WString>{L"a joins 0", L"b joins 1", L"a is free", L"a dies"}));
+}
+
+TEST(ShaderFragmentGraph, FreesAllMembersAndThenLetsItsChainsGoFirst) {
+  std::vector<WString> events;
+  {
+    const auto graph = makeRef<AShaderFragmentGraph>();
+    for (const wchar_t* name : {L"a", L"b"})
+      graph->addFragment(makeRef<WitnessFragment>(name, events).get());
+    graph->addPreprocessFragment(makeRef<WitnessFragment>(L"pre", events).get());
+    EXPECT_TRUE(graph->addPostprocessFragment(makeRef<WitnessFragment>(L"post", events).get()));
+    events.clear();
+  }
+  EXPECT_EQ(events, (std::vector<WString>{L"a is free", L"b is free", L"post dies", L"pre dies", L"a dies",
+                                          L"b dies"}));
+}
+
 TEST(ShaderFragmentGraph, TakesManyMembersInLinearTime) {
   const auto seconds = [](int count) {
     std::vector<RefPtr<AShaderFragment>> fragments;
@@ -324,6 +366,9 @@ TEST(IsFragmentCompatible, AllowsMoreOutputsThanInputs) {
   const auto holed = makeRef<AShaderFragment>();
   holed->addInput(static_cast<const AParameter*>(nullptr));
   EXPECT_FALSE(isFragmentCompatible(graph.get(), holed.get()));
+  const auto withoutOutput = makeRef<AShaderFragmentGraph>();
+  withoutOutput->addOutput(static_cast<const AParameter*>(nullptr));
+  EXPECT_FALSE(isFragmentCompatible(withoutOutput.get(), makeFragment(1, 0).get()));
 }
 
 }  // namespace

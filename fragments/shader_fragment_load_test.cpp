@@ -90,10 +90,12 @@ TEST(FragmentLoad, ReadsUniforms) {
 
 TEST(FragmentLoad, AnswersFalseForNothing) {
   const auto fragment = loaded(kOneProfile);
+  const WString hash = fragment->getHashString();
   fragment->key() = L"k";
   EXPECT_FALSE(fragment->load(nullptr));
   EXPECT_EQ(fragment->getNumProfiles(), 0u);
   EXPECT_EQ(fragment->key(), L"");
+  EXPECT_EQ(fragment->getHashString(), hash);  // only a load that succeeds changes it
 }
 
 TEST(FragmentLoad, NamesTheProfileThatFails) {

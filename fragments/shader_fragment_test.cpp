@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <thread>
+#include <vector>
 
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile_function.h"
@@ -470,6 +471,28 @@ TEST(ShaderFragment, ClearEmptiesDefinitionAndPortsOnly) {
   EXPECT_EQ(fragment->getShaderInputTypes(), Array<WString>{L"float"});
 }
 
+/// A parameter that tells when it dies.
+class MortalParameter : public AParameter {
+public:
+  MortalParameter(const wchar_t* name, std::vector<WString>& deaths)
+      : AParameter(TypeID_float, name), deaths_(deaths) {}
+  ~MortalParameter() override { deaths_.push_back(getName()); }
+
+private:
+  std::vector<WString>& deaths_;
+};
+
+TEST(ShaderFragment, LetsUniformsGoBeforeOutputsBeforeInputs) {
+  std::vector<WString> deaths;
+  {
+    const auto fragment = makeRef<AShaderFragment>();
+    fragment->addInput(makeRef<MortalParameter>(L"input", deaths).get());
+    fragment->addUniform(makeRef<MortalParameter>(L"uniform", deaths).get());
+    fragment->addOutput(makeRef<MortalParameter>(L"output", deaths).get());
+  }
+  EXPECT_EQ(deaths, (std::vector<WString>{L"uniform", L"output", L"input"}));
+}
+
 // Ports from the first profile
 
 TEST(ShaderFragment, TakesPortsFromItsFirstProfile) {
@@ -537,6 +560,9 @@ TEST(CanConnect, ComparesWholePortListsByPosition) {
   EXPECT_FALSE(canConnect(one.get(), two.get()));
   EXPECT_FALSE(canConnect(two.get(), mixed.get()));
   EXPECT_FALSE(canConnect(one.get(), holed.get()));
+  const auto withoutOutput = makeRef<AShaderFragment>();
+  withoutOutput->addOutput(static_cast<const AParameter*>(nullptr));
+  EXPECT_FALSE(canConnect(withoutOutput.get(), one.get()));
   EXPECT_FALSE(canConnect(static_cast<IShaderFragment*>(nullptr), none.get()));
   EXPECT_FALSE(canConnect(none.get(), nullptr));
 }

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 #include "sfg/shader_fragment_profile_function.h"
 #include "sfg/shader_fragment_profile_inline.h"
 #include "sfg/shader_fragment_profile_metasl.h"
@@ -202,6 +205,41 @@ TEST(ProfileObject, RefusesValuesOfAWrongKind) {
             L"sfgError : \"implementation\" must be an array of strings, not a number (line 1, column 49)!");
   EXPECT_EQ(refusalOf(L"{\"mode\": \"inline\", \"language\": [], \"implementation\": [1]}"),
             L"sfgError : \"implementation\" must be a string, not a number (line 1, column 55)!");
+}
+
+TEST(ProfileObject, IsReadThroughTheOperationsThatAModeOverrides) {
+  struct Own : AShaderFragmentProfileFunction {
+    void clear() override {
+      calls.push_back(L"clear");
+      AShaderFragmentProfileFunction::clear();
+    }
+    bool setFunctionPrototype(const WString& prototype) override {
+      calls.push_back(L"prototype " + prototype);
+      return acceptsPrototype;
+    }
+    void setFunctionBody(const WString& body) override { calls.push_back(L"body " + body); }
+    std::vector<WString> calls;
+    bool acceptsPrototype = true;
+  };
+  const auto node = parseJson(L"{\"language\": [], " + std::wstring(kBody) + L"}");
+  const auto profile = makeRef<Own>();
+  EXPECT_TRUE(profile->load(node.get()));
+  EXPECT_EQ(profile->calls, (std::vector<WString>{L"clear", L"prototype void f(){", L"body "}));
+  // A prototype that is answered with false makes the whole load fail, and no body is read.
+  profile->calls.clear();
+  profile->acceptsPrototype = false;
+  EXPECT_FALSE(profile->load(node.get()));
+  EXPECT_EQ(profile->calls, (std::vector<WString>{L"clear", L"prototype void f(){"}));
+
+  struct OwnInline : AShaderFragmentProfileInline {
+    void setFunctionBody(const WString& body) override {
+      AShaderFragmentProfileInline::setFunctionBody(body + L" + 1");
+    }
+  };
+  const auto expression = makeRef<OwnInline>();
+  EXPECT_TRUE(
+      expression->load(parseJson(L"{\"language\": [], \"implementation\": [\"{{a}}\"]}").get()));
+  EXPECT_EQ(std::as_const(*expression).getFunctionBody(), L"({{a}} + 1)");
 }
 
 TEST(ProfileObject, LetsExceptionsOfThePrototypeThrough) {

@@ -209,6 +209,14 @@ TEST_F(FunctionWriter, WritesPredefinesAsTheyAre) {
   EXPECT_EQ(out.getSymbol(0).getText().text, again.getSymbol(0).getText().text);
 }
 
+TEST_F(FunctionWriter, GivesTheValuesOfBuiltinCallsInPredefines) {
+  useFunction(L"float a", L"x;", L"\"predefine\": [\"float h() { return sfg_isConnected(a); }\"], ");
+  CodeSnippetInstance out;
+  ASSERT_TRUE(profile->writePredefines(out, context, *instance));
+  ASSERT_EQ(out.getNumSymbols(), 1u);
+  EXPECT_EQ(out.getSymbol(0).getInstanceKey(), out.getSymbol(0).getKey() + L"false");
+}
+
 TEST_F(FunctionWriter, ReplacesUniformsAndShaderCallsInPredefines) {
   useFunction(L"", L"x;",
               L"\"predefine\": [\"float h() { return u + sfg_shader(t, a) + sfg_isConnected(a); }\"], ");

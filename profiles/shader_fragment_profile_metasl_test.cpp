@@ -59,8 +59,7 @@ protected:
   /// The lights of a collapse are known when it begins.
   void useLights(std::initializer_list<RefPtr<AShaderFragment>> lights) {
     environment->lights.assign(lights.begin(), lights.end());
-    ASSERT_TRUE(context.initialize(language, environment, makeRef<AShaderFragmentGraph>(),
-                                   makeRef<test::TestOptions>()));
+    ASSERT_TRUE(context.initialize(language, environment, makeRef<AShaderFragmentGraph>(), options));
   }
 };
 
@@ -125,6 +124,16 @@ TEST_F(MetaSLWriter, AppliesTheInstancesRules) {
   EXPECT_EQ(definition(), L"void f1(\n    out float r)\n{\n\tu_n0; helper2; ;\n}\n");
 }
 
+TEST_F(MetaSLWriter, GivesTheValuesOfBuiltinCalls) {
+  useCode(L"sfg_isFinalOutput(r);", L"float h() { return sfg_isConnected(a) + sfg_isFinalOutput(r); }");
+  CodeSnippetInstance before;
+  ASSERT_TRUE(profile->writePredefines(before, context, *instance));
+  EXPECT_EQ(before.getSymbol(0).getInstanceKey(), before.getSymbol(0).getKey() + L"falsefalse");
+  CodeSnippetInstance own;
+  ASSERT_TRUE(profile->writeDefinition(own, context, *instance));
+  EXPECT_EQ(own.getSymbol(0).getInstanceKey(), own.getSymbol(0).getKey() + L"false");
+}
+
 TEST_F(MetaSLWriter, RepeatsBlocksPerLight) {
   useLights(
       {makeLight(L"a", kPlainProfiles), makeLight(L"b", kPlainProfiles), makeLight(L"c", kPlainProfiles)});
@@ -170,6 +179,32 @@ TEST_F(MetaSLWriter, WritesTheLightsOwnFunctions) {
                            L"\tlight.msl_count = 2;\n"
                            L"}\n" +
                            defaultLight(L"2"));
+}
+
+TEST_F(MetaSLWriter, ChoosesTheLightsFunctionByTheLightLevelOfDetail) {
+  options->surfaceLOD = 10;
+  options->lightLOD = 90;
+  useLights({makeLight(L"a", LR"json([
+      {"name": "msl_light", "lod": 10, "language": ["dx11"],
+       "implementation": ["void coarse(out Light_iterator light)", "{", "light.msl_count = 10;", "}"]},
+      {"name": "msl_light", "lod": 90, "language": ["dx11"],
+       "implementation": ["void fine(out Light_iterator light)", "{", "light.msl_count = 90;", "}"]}])json")});
+  useCode(L"x;");
+  predefines();
+  EXPECT_EQ(written(), L"void TolmSceneLighting0(\n"
+                       L"    out Light_iterator light)\n"
+                       L"{\n"
+                       L"\tlight.msl_count = 90;\n"
+                       L"}\n");
+}
+
+TEST_F(MetaSLWriter, WritesADefaultFunctionForAProfileOfAnotherLanguage) {
+  useLights({makeLight(L"a", LR"json([{"name": "msl_light", "language": ["gl"],
+      "implementation": ["void own(out Light_iterator light)", "{", "}"]}, {"language": ["dx11"],
+      "implementation": ["void plain(out float r)", "{", "r = 1;", "}"]}])json")});
+  useCode(L"x;");
+  predefines();
+  EXPECT_EQ(written(), defaultLight(L"0"));
 }
 
 TEST_F(MetaSLWriter, WritesLightFunctionsOncePerCollapse) {

@@ -19,7 +19,7 @@ namespace TolmSDK::Graphics::sfg::test {
 class ProfileWriter : public ::testing::Test {
 protected:
   ProfileWriter() {
-    context.initialize(language, environment, makeRef<AShaderFragmentGraph>(), makeRef<TestOptions>());
+    context.initialize(language, environment, makeRef<AShaderFragmentGraph>(), options);
   }
 
   /// Loads the profile of a fragment `n0` and makes its instance, under the short name "1".
@@ -64,6 +64,7 @@ protected:
 
   RefPtr<TestLanguage> language = makeRef<TestLanguage>();
   RefPtr<TestEnvironment> environment = makeRef<TestEnvironment>();
+  RefPtr<TestOptions> options = makeRef<TestOptions>();
   AShaderCollapseContext context;
   RefPtr<AShaderFragmentProfile> profile;
   RefPtr<AShaderFragment> fragment;
