@@ -6,6 +6,15 @@
 
 namespace TolmSDK::Graphics::sfg {
 
+namespace {
+
+/// A symbol without a name may have an empty key as well, but a kind.
+bool isRawText(const ShaderSymbol& symbol) {
+  return symbol.getType() == EShaderSymbolType::unknown && !symbol.hasKey();
+}
+
+}  // namespace
+
 CodeSnippet::CodeSnippet() : code_(std::make_shared<WString>()) {}
 CodeSnippet::~CodeSnippet() = default;
 
@@ -77,7 +86,7 @@ void CodeSnippet::takeSymbol(ShaderSymbol&& symbol) {
 
 std::size_t CodeSnippet::findSymbol(std::wstring_view key) const {
   for (std::size_t i = symbols_.size(); i-- > 0;)
-    if (symbols_[i].hasKey() && symbols_[i].getKey() == key) return i;
+    if (!isRawText(symbols_[i]) && symbols_[i].getKey() == key) return i;
   return kNotFound;
 }
 

@@ -111,6 +111,14 @@ TEST(CodeSnippetParse, FindsTheLastSymbolWithAKey) {
   EXPECT_EQ(snippet.findSymbol(L""), kNotFound) << "raw text has no entry";
 }
 
+TEST(CodeSnippetParse, FindsASymbolWithoutANameByItsEmptyKey) {
+  CodeSnippet snippet;
+  snippet.addCode(L"// raw\ntechnique { }\n// raw");
+  ASSERT_TRUE(snippet.parse());
+  ASSERT_EQ(snippet.getNumSymbols(), 3u);
+  EXPECT_EQ(snippet.findSymbol(L""), 1u);
+}
+
 TEST(CodeSnippetParse, StartsAnew) {
   CodeSnippet snippet;
   snippet.addCode(L"float f() { return sfg_time * sfg_isConnected(a) + sfg_shader(c); }\n");
