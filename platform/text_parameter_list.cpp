@@ -15,14 +15,15 @@ bool isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <=
 
 bool isWordCharacter(wchar_t c) { return isLetter(c) || (c >= L'0' && c <= L'9'); }
 
-/// Position behind a line comment: a line that ends in a backslash goes on in the next one.
+/// Position behind a line comment: a line that ends in a backslash, optionally followed by carriage returns,
+/// goes on in the next one.
 std::size_t endOfLineComment(std::wstring_view text, std::size_t pos) {
   while (pos < text.size()) {
     const std::size_t end = std::min(text.find(L'\n', pos), text.size());
-    const bool hasReturn = end > pos && text[end - 1] == L'\r';
-    const std::size_t last = end - (hasReturn ? 1 : 0);
+    const std::wstring_view line = text.substr(pos, end - pos);
+    const std::size_t last = line.find_last_not_of(L'\r');
     pos = std::min(end + 1, text.size());
-    if (last == 0 || text[last - 1] != L'\\') break;
+    if (last == std::wstring_view::npos || line[last] != L'\\') break;
   }
   return pos;
 }

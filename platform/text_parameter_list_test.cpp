@@ -105,6 +105,7 @@ TEST(ParseParameters, SkipsComments) {
                 {L"float a /* , float c */, float b", L"float|a float|b ;"},
                 {L"float a // goes on \\\n float hidden\n, float b", L"float|a float|b ;"},
                 {L"float a // goes on \\\r\n float hidden\r\n, float b", L"float|a float|b ;"},
+                {L"float a // goes on \\\r\r\n float hidden\n, float b", L"float|a float|b ;"},
                 {L"float a /* open", L"float|a ;"},
                 {L"float a // end", L"float|a ;"},
                 {L"vector</* of */float, 3> v", L"vector< float, 3>|v ;"}});
