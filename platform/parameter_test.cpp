@@ -64,6 +64,8 @@ TEST(Parameter, LoadsAStructure) {
 TEST(Parameter, LoadsValuesOfEveryForm) {
   const auto text = [](std::wstring_view json) { return toShaderText(load(json)->getDefaultValue()); };
   EXPECT_EQ(text(LR"({"name": "a", "type": "bool", "value": true})"), L"true");
+  EXPECT_EQ(text(LR"({"name": "a", "type": "bool", "value": 2})"), L"true");
+  EXPECT_EQ(text(LR"({"name": "a", "type": "bool", "value": [0]})"), L"false");
   EXPECT_EQ(text(LR"({"name": "a", "type": "float", "value": 3})"), L"3.0");
   EXPECT_EQ(text(LR"({"name": "a", "type": "float", "value": [3]})"), L"3.0");
   EXPECT_EQ(text(LR"({"name": "a", "type": "int", "value": -3})"), L"-3");
@@ -117,6 +119,8 @@ TEST(Parameter, RefusesWhatIsMalformedAndSaysWhere) {
        L"line 1, column 45: `value` must hold numbers only"},
       {LR"({"name": "a", "type": "sampler2D", "value": 1})",
        L"line 1, column 45: the type `sfg_sampler2D` has no `value`"},
+      {LR"({"name": "a", "type": "struct", "struct": "S", "value": 1})",
+       L"line 1, column 57: the type `struct` has no `value`"},
       {LR"({"name": "a", "type": "int", "constant": 1})",
        L"line 1, column 42: `constant` must be `true` or `false`"},
       {LR"({"name": "a", "type": "int", "constant": "true"})",

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -30,6 +31,24 @@ TEST(Sha1, DoesNotDependOnHowLongTextsAreCut) {
   std::wstring text;
   for (int i = 0; i < 3000; ++i) text += L"a\u00e4\u20ac\U0001F600"[i % 4 == 3 ? 0 : i % 4];
   EXPECT_EQ(SHA1_GetStringHash(text), L"e79dc51af16e7cd0e3a0840c1a8bdb701448752b");
+}
+
+// The same digest where wide characters are 16 bits wide.
+TEST(Sha1, HashesASurrogatePairAsItsCodePoint) {
+  const std::wstring pair{static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00)};
+  EXPECT_EQ(SHA1_GetStringHash(pair), L"9c533688a979a858cbd6a43c9f91aba624651f18");
+  EXPECT_EQ(SHA1_GetStringHash(pair), SHA1_GetStringHash(L"\U0001F600"));
+}
+
+TEST(Sha1, CutsNoCharacterOfFourBytes) {
+  const wchar_t* const digests[] = {
+      L"478fad0d27306474c5ff00f5e5b39ebdd9a26dd5", L"edbdce3a281ff32384d38a2043faf6410a476e3f",
+      L"11773f2b82fc15362def57347c8a14d4ac29d809", L"c76d41afbe76e09063741ca49a5e6e04e8ce9b06"};
+  for (std::size_t offset = 0; offset < std::size(digests); ++offset) {
+    std::wstring text(offset, L'a');
+    for (int i = 0; i < 1000; ++i) text += L"\U0001F600";
+    EXPECT_EQ(SHA1_GetStringHash(text), digests[offset]);
+  }
 }
 
 TEST(Sha1, HashesTheWholeTextWithItsNulls) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <thread>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "text/test_views.h"
@@ -397,6 +398,25 @@ TEST(ShaderSymbol, SettersSetTheirMembers) {
   EXPECT_EQ(copy.getRange().view(), L"range");
   EXPECT_EQ(copy.getStateVariables(), Set<UString>{UString(L"sfg_time")});
   EXPECT_EQ(calls(copy.getBuiltinFunctions()), (std::vector<std::wstring>{L"sfg_isConnected(a)"}));
+}
+
+TEST(ShaderSymbol, CopiesEveryMember) {
+  const WString code = L"float f() { return sfg_time * sfg_isConnected(a) * sfg_shader(b); }";
+  const ShaderSymbol symbol = find(code).symbol;
+  const ShaderSymbol constructed = symbol;
+  const WString uniform = L"int x;";
+  ShaderSymbol assigned = find(uniform).symbol;
+  assigned = symbol;
+  for (const ShaderSymbol* copy : {&constructed, &std::as_const(assigned)}) {
+    EXPECT_EQ(copy->getType(), Type::function);
+    EXPECT_EQ(copy->getKey(), symbol.getKey());
+    EXPECT_EQ(copy->getRange().text, code.data());
+    EXPECT_EQ(copy->getRange().view(), code);
+    EXPECT_EQ(copy->getName().view(), L"f");
+    EXPECT_EQ(copy->getStateVariables(), Set<UString>{UString(L"sfg_time")});
+    EXPECT_EQ(calls(copy->getBuiltinFunctions()), (std::vector<std::wstring>{L"sfg_isConnected(a)"}));
+    EXPECT_EQ(calls(copy->getShaderFunctions()), (std::vector<std::wstring>{L"sfg_shader(b)"}));
+  }
 }
 
 TEST(ShaderSymbol, ClearsEverything) {
