@@ -17,7 +17,8 @@ public:
   CodeFormatter(const CodeFormatter&) = delete;
   CodeFormatter& operator=(const CodeFormatter&) = delete;
 
-  /// Writes one line and a line feed. Removes the leading whitespace of the caller's string too.
+  /// Writes one line and a line feed. Removes the leading whitespace of the caller's string too. Throws, with
+  /// nothing written, when the result would pass the size limit of generated code.
   void addLine(WString& line);
   /// The same for a NUL-terminated text; null is ignored.
   void addLine(const wchar_t* line);

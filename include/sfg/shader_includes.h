@@ -11,8 +11,7 @@
 namespace TolmSDK::Graphics::sfg {
 
 /// Include files by name without folder, case-sensitive, each with the names it includes and its text without
-/// the
-/// `#include` lines. One per process. Filled (addIncludePath, clear) while nothing else uses it; then any
+/// the `#include` lines. One per process. Filled (addIncludePath, clear) while nothing else uses it; then any
 /// number of threads may ask, getIncludesHash included. Nothing throws or reports errors.
 class SFG_API ShaderIncludes {
 public:
