@@ -221,8 +221,7 @@ TEST(ShaderFragmentGraph, FreesAllMembersAndThenLetsItsChainsGoFirst) {
   std::vector<WString> events;
   {
     const auto graph = makeRef<AShaderFragmentGraph>();
-    for (const wchar_t* name : {L"a", L"b"})
-      graph->addFragment(makeRef<WitnessFragment>(name, events).get());
+    for (const wchar_t* name : {L"a", L"b"}) graph->addFragment(makeRef<WitnessFragment>(name, events).get());
     graph->addPreprocessFragment(makeRef<WitnessFragment>(L"pre", events).get());
     EXPECT_TRUE(graph->addPostprocessFragment(makeRef<WitnessFragment>(L"post", events).get()));
     events.clear();

@@ -237,8 +237,7 @@ TEST(ProfileObject, IsReadThroughTheOperationsThatAModeOverrides) {
     }
   };
   const auto expression = makeRef<OwnInline>();
-  EXPECT_TRUE(
-      expression->load(parseJson(L"{\"language\": [], \"implementation\": [\"{{a}}\"]}").get()));
+  EXPECT_TRUE(expression->load(parseJson(L"{\"language\": [], \"implementation\": [\"{{a}}\"]}").get()));
   EXPECT_EQ(std::as_const(*expression).getFunctionBody(), L"({{a}} + 1)");
 }
 

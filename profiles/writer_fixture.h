@@ -18,9 +18,7 @@ namespace TolmSDK::Graphics::sfg::test {
 
 class ProfileWriter : public ::testing::Test {
 protected:
-  ProfileWriter() {
-    context.initialize(language, environment, makeRef<AShaderFragmentGraph>(), options);
-  }
+  ProfileWriter() { context.initialize(language, environment, makeRef<AShaderFragmentGraph>(), options); }
 
   /// Loads the profile of a fragment `n0` and makes its instance, under the short name "1".
   void use(const std::wstring& profileText) {

@@ -63,8 +63,8 @@ public:
   /// spans a keyword over a position and the later rule over the earlier. Replacements are not scanned again.
   /// With rules `out` is replaced; without rules (and for empty text) it is appended to. A span behind the
   /// end of the text appends the rest of the text, then its replacement. `text` must be followed by a NUL
-  /// somewhere (see ScopedText::find) and may view `out`. Throws, with `out` unchanged, when it would pass the
-  /// size limit of generated code.
+  /// somewhere (see ScopedText::find) and may view `out`. Throws, with `out` unchanged, when it would pass
+  /// the size limit of generated code.
   void appendAndReplace(WString& out, const ScopedText& text) const;
 
   /// The same, but appends in any case: `out` keeps what it holds. `text` does not view `out`, which holds a
