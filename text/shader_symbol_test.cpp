@@ -302,6 +302,7 @@ TEST(ParseKeywords, CollectsStateVariablesAndBuiltinCalls) {
       {L"State.normal state.Normal state.unknown state.zzz state. normal state.", {}, {}, {}},
       {L"sfg_matWorlds SFG_matWorld mysfg_matWorld sfg_ sfg_isNotConnected(a)", {}, {}, {}},
       {L"__x __sfg_matWorld _state.normal", {}, {}, {}},
+      {L"scale sf state _ _x __ s", {}, {}, {}},
       // A state variable may be a member of something.
       {L"a.state.normal", {L"state.normal"}, {}, {}},
       {L"mystate.normal", {}, {}, {}},
