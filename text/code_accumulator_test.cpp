@@ -310,6 +310,7 @@ TEST_F(CodeAccumulatorTest, RefusesTextPastTheSizeLimit) {
       EXPECT_EQ(e.getMessage(), L"sfgError : the generated code is too large!");
     }
   }
+  EXPECT_EQ(append(L"int y;\n"), L"int y;\n");
   EXPECT_EQ(append(L"int x;\n"), L"int x;\n") << "what was refused was not written";
 }
 

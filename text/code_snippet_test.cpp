@@ -238,6 +238,7 @@ WString written(const CodeSnippetInstance& instance) {
 TEST(CodeSnippetInstance, TakesRenamesOfTheWholeSnippetInOrder) {
   CodeSnippet snippet;
   snippet.addCode(L"bool f() { return sfg_isConnected(a) && sfg_isConnected(b); }\n"
+                  L"bool s() { return sfg_shader(no); }\n"
                   L"// raw\n"
                   L"bool g() { return sfg_shader(x) + sfg_isFinalOutput(c); }\n");
   ASSERT_TRUE(snippet.parse());
@@ -245,12 +246,14 @@ TEST(CodeSnippetInstance, TakesRenamesOfTheWholeSnippetInOrder) {
   instance.construct(&snippet, {L"r0", L"r1", L"r2"}, false);
   ASSERT_EQ(instance.getNumSymbols(), snippet.getNumSymbols());
   EXPECT_EQ(written(instance),
-            L"bool f() { return r0 && r1; }\n// raw\nbool g() { return sfg_shader(x) + r2; }\n");
+            L"bool f() { return r0 && r1; }\nbool s() { return sfg_shader(no); }\n// raw\n"
+            L"bool g() { return sfg_shader(x) + r2; }\n");
   EXPECT_EQ(instance.getSymbol(0).getInstanceKey(), snippet.getSymbol(0).getKey() + L"r0r1");
   const std::size_t last = instance.getNumSymbols() - 1;
   EXPECT_EQ(instance.getSymbol(last).getInstanceKey(), snippet.getSymbol(last).getKey() + L"r2");
   instance.construct(&snippet, {L"r0"}, false);
-  EXPECT_EQ(written(instance), L"bool f() { return r0 && sfg_isConnected(b); }\n// raw\n"
+  EXPECT_EQ(written(instance), L"bool f() { return r0 && sfg_isConnected(b); }\n"
+                               L"bool s() { return sfg_shader(no); }\n// raw\n"
                                L"bool g() { return sfg_shader(x) + sfg_isFinalOutput(c); }\n");
 }
 

@@ -554,6 +554,9 @@ TEST(ShaderSymbolInstance, IsEmptyWithoutASymbol) {
 TEST(ShaderSymbolInstance, ConstructingAnewForgetsTheOldRenames) {
   Instance i(L"bool f() { return sfg_isConnected(a); }");
   i.construct({L"true"});
+  EXPECT_EQ(i.instance.getInstanceKey(), i.symbol.getKey() + L"true");
+  i.construct({L"false"});
+  EXPECT_EQ(i.instance.getInstanceKey(), i.symbol.getKey() + L"false");
   i.construct({});
   EXPECT_EQ(i.instance.getInstanceKey(), i.symbol.getKey());
   EXPECT_TRUE(i.instance.getKeywordReplacePattern().empty());
@@ -582,6 +585,21 @@ TEST(ShaderSymbol, KeepsItsKeyWhenItsRangeIsSetLater) {
   ShaderSymbol symbol = find(code).symbol;
   symbol.setRange(ScopedText());
   EXPECT_EQ(symbol.getKey(), L"voidf()2" + SHA1_GetStringHash(code));
+}
+
+TEST(ShaderSymbol, IsTheOneItHoldsNow) {
+  const WString code = L"void f() {}\nfloat x;";
+  ScopedText rest = code;
+  ShaderSymbol symbol;
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(symbol, rest));
+  EXPECT_EQ(symbol.getIdentity(), L"void f() {}\n");
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(symbol, rest));
+  EXPECT_EQ(symbol.getIdentity(), L"floatx;");
+
+  symbol = find(code).symbol;
+  symbol.setKey(L"key");
+  EXPECT_EQ(symbol.getKey(), L"key");
+  EXPECT_EQ(symbol.getIdentity(), L"key");
 }
 
 static_assert(std::has_virtual_destructor_v<ShaderSymbol>);
