@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "profiles/parameter_text.h"
 #include "sfg/shader_fragment_profile_function.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -57,6 +58,33 @@ INSTANTIATE_TEST_SUITE_P(
                     BodyCase{"builtInCall", L"\tb = sfg_isConnected(a) ? 1 : 0;\n", false},
                     BodyCase{"shaderFunction", L"\tsfg_shader(a);\n", false}),
     [](const auto& body) { return body.param.name; });
+
+TEST(ParameterWriter, LaysParametersOutAsTheListDoes) {
+  ATextParameterList list;
+  list.addInput(L"float3", L"a");
+  list.addInput(L"", L"b");
+  list.addInput(L"inout State", L"state");
+  list.addOutput(L"float", L"r");
+  list.addOutput(L"", L"s");
+  WString declared;
+  ParameterWriter declaration(declared, L"    ");
+  WString called;
+  ParameterWriter call(called, L"        ");
+  for (std::size_t i = 0; i < list.getNumInputs(); ++i) {
+    declaration.writeDeclaration(L"", list.getInputType(i), list.getInputName(i));
+    call.writeName(list.getInputName(i));
+  }
+  for (std::size_t i = 0; i < list.getNumOutputs(); ++i) {
+    declaration.writeDeclaration(L"out ", list.getOutputType(i), list.getOutputName(i));
+    call.writeName(list.getOutputName(i));
+  }
+  WString expected;
+  list.writeParameters(expected, L"    ", true);
+  EXPECT_EQ(declared, expected);
+  expected.clear();
+  list.writeParameters(expected, L"        ", false);
+  EXPECT_EQ(called, expected);
+}
 
 TEST(PlainBody, IsForgottenWhenTheBodyIsWrittenTo) {
   const auto profile = makeRef<AShaderFragmentProfileFunction>();

@@ -154,6 +154,15 @@ TEST_F(FunctionWriter, AppliesTheInstancesRules) {
                           L"}\n");
 }
 
+TEST_F(FunctionWriter, FindsTheSymbolsThatARuleMakesOfOne) {
+  useFunction(L"out float r", L"r = cut;");
+  instance->getKeywordReplacePattern().addReplacePattern(L"cut;", L"1; } float g() { return 1;");
+  CodeSnippetInstance out;
+  ASSERT_TRUE(profile->writeDefinition(out, context, *instance));
+  ASSERT_EQ(out.getNumSymbols(), 2u);
+  EXPECT_EQ(out.getSymbol(1).getName().view(), L"g");
+}
+
 TEST_F(FunctionWriter, RemovesShaderCallsThatNobodyReplaces) {
   useFunction(L"out float r", L"r = 1 + sfg_shader(t, a);");
   EXPECT_EQ(definition(), L"void f1(\n    out float r)\n{\n\tr = 1 + ;\n}\n");

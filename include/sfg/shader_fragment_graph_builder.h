@@ -14,7 +14,8 @@ public:
   /// for a null accessor. Throws Exception "sfgError : Failed to create fragment: %s!" (no such library
   /// fragment) and "sfgError : circular loop: %s!" with the node's fragment name, and one of its own for a
   /// null node and for a wire from a node that is not the graph's. Connections whose indexes do not fit are
-  /// not made. Time grows with nodes plus wires.
+  /// not made. Time grows with nodes plus wires; in a graph with a cycle each wire that is not made may cost
+  /// as much again.
   AShaderFragmentGraph* build(const ILanguageTraits* traits, const IGraphAccessor* accessor);
 
   /// The partly built graph of a build that threw, for those who look for the reason; kept until the next
