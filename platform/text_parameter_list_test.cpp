@@ -70,7 +70,8 @@ TEST(ParseParameters, QualifiersDecideTheDirection) {
                 {L"inout float a", L"inout float|a ;"},
                 {L"const inout State state", L"inout State|state ;"},
                 {L"inout unsigned int a", L"inout unsigned int|a ;"},
-                {L"in out float a", L"; float|a"}});
+                {L"in out float a", L"; float|a"},
+                {L"inout out float a", L"inout float|a ;"}});
 }
 
 TEST(ParseParameters, QualifiersAreWholeWords) {
@@ -129,9 +130,9 @@ TEST(ParseParameters, RefusesANameGivenTwice) {
 
 TEST(ParseParameters, RefusesWhatIsNoParameter) {
   expectRefused({L"float a)", L"(float a)", L"float a;", L"float* a", L"float &a", L"3 a", L"float 3a",
-                 L"float a.b", L"float \u00e4", L"float a :", L"float a : : B", L"float a : A B",
-                 L"Texture<float a", L"T<float>> a", L"T<f(x)> a", L"sampler s : register(s0", L"float a / b",
-                 L"vector<float>"});
+                 L"float a.b", L"float a<3>", L"float \u00e4", L"float a :", L"float a : : B",
+                 L"float a : A B", L"Texture<float a", L"T<float>> a", L"T<f(x)> a",
+                 L"sampler s : register(s0", L"float a / b", L"vector<float>"});
 }
 
 TEST(ParseParameters, ParsesItsOwnText) {

@@ -245,9 +245,8 @@ TEST(CodeSnippetInstance, TakesRenamesOfTheWholeSnippetInOrder) {
   CodeSnippetInstance instance;
   instance.construct(&snippet, {L"r0", L"r1", L"r2"}, false);
   ASSERT_EQ(instance.getNumSymbols(), snippet.getNumSymbols());
-  EXPECT_EQ(written(instance),
-            L"bool f() { return r0 && r1; }\nbool s() { return sfg_shader(no); }\n// raw\n"
-            L"bool g() { return sfg_shader(x) + r2; }\n");
+  EXPECT_EQ(written(instance), L"bool f() { return r0 && r1; }\nbool s() { return sfg_shader(no); }\n// raw\n"
+                               L"bool g() { return sfg_shader(x) + r2; }\n");
   EXPECT_EQ(instance.getSymbol(0).getInstanceKey(), snippet.getSymbol(0).getKey() + L"r0r1");
   const std::size_t last = instance.getNumSymbols() - 1;
   EXPECT_EQ(instance.getSymbol(last).getInstanceKey(), snippet.getSymbol(last).getKey() + L"r2");
