@@ -96,6 +96,7 @@ public:
     litAtOutputAndInLit();
     structureAccumulated();
     litWithoutLights();
+    lightUniformsNobodyDeclares();
     profileNobodyOffers();
     graphInputOfLightLoop();
     namesInsideOthers();
@@ -301,6 +302,35 @@ private:
                (isLightLoop() ? "the environment has no lights"
                               : "only the light loop (`--tool lightloop`) has one"));
     }
+  }
+
+  /// MetaSL code calls the functions of all lights under either tool; what the lights need is written by the
+  /// light loop only.
+  void lightUniformsNobodyDeclares() {
+    if (isLightLoop() || !hasMetaSL()) return;
+    Set<WString> told;
+    for (const ShadingEnvironment::Light& light : lights()) {
+      const Profile profile = light.fragment->findBestProfile(
+          WString(kMslLightProfile), job_.options().getLanguage(), job_.options().getLightLOD());
+      if (profile == nullptr || !told.insert(light.fragment->key()).second) continue;
+      const Set<std::wstring_view> identifiers = identifiersOf(profile->getFunctionBody());
+      for (std::size_t i = 0; i < light.fragment->getNumUniforms(); ++i) {
+        const WString& uniform = light.fragment->getUniform(i)->getName();
+        if (!identifiers.contains(uniform)) continue;
+        const std::string text = "light " + inTicks(light.name) + " has the uniform " + inTicks(uniform) +
+                                 ", which its function for MetaSL code reads, but only the light loop "
+                                 "(`--tool lightloop`) declares";
+        warnings_.push_back({InputError(job_.environment().file(), light.position, text).place(), text});
+      }
+    }
+  }
+
+  bool hasMetaSL() const {
+    return std::any_of(uses_.begin(), uses_.end(), [](const auto& use) {
+      return std::any_of(use.second.profiles.begin(), use.second.profiles.end(), [](Profile profile) {
+        return profile->getMode() == EShaderFragmentProfileMode::MetaSL;
+      });
+    });
   }
 
   /// An unlit graph and one whose MetaSL code asks every light by itself have no use for light profiles.

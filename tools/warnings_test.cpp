@@ -41,6 +41,12 @@ constexpr const char* kFragments = R"json({
     "implementation": [ "void buffered(float3 color, out float3 result)", "{", "result = color * own;", "}" ] },
   "filtered": { "language": ["dx11"], "predefine": ["SamplerState filterState : register(s7);"],
     "implementation": [ "void filtered(float3 color, out float3 result)", "{", "result = color;", "}" ] },
+  "msl": { "mode": "metaSL", "language": ["dx11"], "implementation": [
+    "void msl(out float3 result)", "{", "result = float3(0, 0, 0);", "}" ] },
+  "dimmed": { "uniforms": [ { "name": "dim", "type": "float" }, { "name": "unread", "type": "float" } ], "profiles": [
+    { "language": ["dx11"], "implementation": ["void dimmed(out float3 result)", "{", "result = dim;", "}" ] },
+    { "name": "msl_light", "language": ["dx11"], "implementation": [
+      "void dimmedLight(float3 Pw, float3 Nw, out Light_iterator light)", "{", "light.msl_shadow = dim;", "}" ] } ] },
   "macro": { "language": ["dx11"], "predefine": ["// only a macro", "#define MACRO 1"],
     "implementation": [ "void macro(float3 color, out float3 result)", "{", "result = color * MACRO;", "}" ] }
 })json";
@@ -114,6 +120,11 @@ constexpr const char* kMacroTwice = R"({ "outputs": [ { "name": "x", "type": "fl
   "nodes": [ { "name": "a", "fragment": "macro" },
     { "name": "b", "fragment": "macro", "inputs": { "color": { "node": "a" } } } ] })";
 
+constexpr const char* kMetaSL = R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "msl" } ] })";
+constexpr const char* kDimmedLights = R"({ "lights": [ { "name": "key", "fragment": "dimmed" },
+  { "name": "fill", "fragment": "dimmed" } ] })";
+
 const WarningCase kCases[] = {
     {"InlineFragmentAtOutputOfDefaultTool", kInlineAtOutput, kNoLight, "",
      "graph.json:1:16: warning: graph output `x` is never assigned: node `a` uses the inline fragment "
@@ -181,6 +192,12 @@ const WarningCase kCases[] = {
   "nodes": [ { "name": "a", "fragment": "measure", "inputs": { "seed": { "node": "c" } } },
     { "name": "c", "fragment": "clock" } ] })",
      kNoLight, "", ""},
+    {"LightUniformOfMetaSLCodeUnderDefaultTool", kMetaSL, kDimmedLights, "--format json",
+     "scene.json:1:15: warning: light `key` has the uniform `dim`, which its function for MetaSL code reads, "
+     "but only the light loop (`--tool lightloop`) declares\n"},
+    {"LightUniformOfMetaSLCodeUnderLightLoopIsSound", kMetaSL, kDimmedLights,
+     "--tool lightloop --format json", ""},
+    {"LightUniformWithoutMetaSLCodeIsSound", kUnlit, kDimmedLights, "", ""},
     {"MacroOfAFragmentUsedTwiceIsSound", kMacroTwice, kNoLight, "", ""},
 };
 
