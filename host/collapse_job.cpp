@@ -1,6 +1,7 @@
 #include "host/collapse_job.h"
 
 #include <filesystem>
+#include <mutex>
 
 #include "host/document_reader.h"
 #include "sfg/shader_collapse_tool_default.h"
@@ -17,6 +18,17 @@ void requireFolder(const std::string& folder) {
   if (std::filesystem::is_directory(folder, error)) return;
   throw InputError(std::filesystem::exists(folder, error) ? "`" + folder + "` is not a folder"
                                                           : "the folder `" + folder + "` does not exist");
+}
+
+/// Once per process and folder: registered again, every file would hold its text twice.
+void registerIncludeFolder(const std::string& folder) {
+  static std::mutex mutex;
+  static Set<std::string> registered;
+  std::error_code error;
+  const std::filesystem::path canonical = std::filesystem::canonical(folder, error);
+  const std::lock_guard lock(mutex);
+  if (!registered.insert(error ? folder : canonical.string()).second) return;
+  ShaderIncludes::Singleton().addIncludePath(fromUtf8(folder).c_str());
 }
 
 void requireLanguage(const std::string& language) {
@@ -44,8 +56,7 @@ LoadedLibraries::LoadedLibraries(const std::vector<std::string>& libraryFolders,
   for (const std::string& folder : includeFolders) requireFolder(folder);
 
   // Includes first: a fragment's hash string holds those of its include files.
-  for (const std::string& folder : includeFolders)
-    ShaderIncludes::Singleton().addIncludePath(fromUtf8(folder).c_str());
+  for (const std::string& folder : includeFolders) registerIncludeFolder(folder);
   for (const std::string& folder : libraryFolders) library_.loadFragments(fromUtf8(folder).c_str());
   language_ = makeRef<LanguageDx11>(&library_);
 }

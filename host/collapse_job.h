@@ -32,7 +32,8 @@ struct CollapseSettings {
 };
 
 /// Fragments and language as folders give them. Include folders are registered with the process-wide include
-/// registry. Not copied or moved: the language points at the library.
+/// registry, each once per process however it is spelled; so none is made while another collapses. Not copied
+/// or moved: the language points at the library.
 class LoadedLibraries {
 public:
   /// Throws InputError for a folder that does not exist and for an unknown language. What is wrong inside
