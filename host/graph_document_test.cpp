@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "host/input_error.h"
 #include "host/language_dx11.h"
 #include "host/shader_options.h"
 #include "host/shading_environment.h"
@@ -149,6 +150,18 @@ TEST_F(GraphDocumentTest, EnvironmentClonesLightsUnderTheirNames) {
   EXPECT_EQ(options.getLightProfile(nullptr), nullptr);
   EXPECT_EQ(options.getSurfaceLOD(), 1.0f);
   EXPECT_EQ(options.getLightLOD(), 2.0f);
+}
+
+TEST_F(GraphDocumentTest, EnvironmentRefusesAMillionLightsBeforeItReadsThem) {
+  std::string text = R"({ "lights": [)";
+  for (int i = 0; i < 1'000'000; ++i) text += i == 0 ? "{}" : ",{}";
+  try {
+    loadEnvironment(file(text + "] }"), language_);
+    FAIL();
+  } catch (const InputError& error) {
+    EXPECT_STREQ(error.what(), "1000000 lights are too many; at most 524288 can be written");
+    EXPECT_EQ(error.position().column, 13u);
+  }
 }
 
 TEST_F(GraphDocumentTest, AnEmptyEnvironmentHasNothing) {

@@ -2,11 +2,15 @@
 
 #include "host/document_reader.h"
 #include "sfg/shader_fragment_profile_function.h"
+#include "sfg/size_limit.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
+
+/// No light loop over more lights stays within the size limit: each one's comment lines alone are longer.
+constexpr std::size_t kMaximumLights = kMaximumTextLength / 128;
 
 const IShaderFragment& requireFragment(const DocumentReader& reader, const IObjectDataNode& at,
                                        const WString& name, const ILanguageTraits& language) {
@@ -44,6 +48,10 @@ RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILangu
   environment->file_ = file;
   Set<WString> names;
   if (const IObjectDataNode* lights = reader.optionalArray(reader.root(), L"lights")) {
+    if (lights->size() > kMaximumLights) {
+      reader.refuse(*lights, std::to_string(lights->size()) + " lights are too many; at most " +
+                                 std::to_string(kMaximumLights) + " can be written");
+    }
     for (std::size_t i = 0; i < lights->size(); ++i) {
       const IObjectDataNode& object = reader.objectAt(*lights, i);
       environment->lights_.push_back(readLight(reader, object, i, language));

@@ -44,8 +44,8 @@ private:
   RefPtr<IShaderFragment> output_;
 };
 
-/// Reads an environment document. Throws InputError for a malformed one, a light name used twice and a
-/// fragment that the language does not know.
+/// Reads an environment document. Throws InputError for a malformed one, more lights than code can be written
+/// for, a light name used twice and a fragment that the language does not know.
 RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILanguageTraits& language);
 
 /// A clone under an instance name, with the ports of its first profile's function.
