@@ -255,7 +255,32 @@ custom state: tint
 )");
 }
 
+TEST(PreProcess, IsOfTheFinestLevelOfDetailWhateverTheOptionsWant) {
+  TestScene scene = sceneWithOutputs({TypeID_float});
+  const auto levels = test::loadFragment(
+      L"levels", test::profilesJson({test::functionJson(L"void coarse(out float r)\n{\n}", LR"(,"lod":10)"),
+                                     test::functionJson(L"void fine(out float r)\n{\n}", LR"(,"lod":100)")}));
+  scene.graph->addPreprocessFragment(scene.instance(*levels, L"pre0").get());
+  scene.options->surfaceLOD = 10.0f;
+  scene.options->lightLOD = 10.0f;
+  const std::string text = collapseDefault(scene);
+  EXPECT_NE(text.find("    fine2(\n"), std::string::npos) << text;
+}
+
 // Post-process fragments.
+
+TEST(PostProcess, IsOfTheFinestLevelOfDetailWhateverTheOptionsWant) {
+  TestScene scene = sceneWithOutputs({TypeID_float});
+  const auto levels = test::loadFragment(
+      L"levels",
+      test::profilesJson({test::functionJson(L"void coarse(float a, out float r)\n{\n}", LR"(,"lod":10)"),
+                          test::functionJson(L"void fine(float a, out float r)\n{\n}", LR"(,"lod":100)")}));
+  ASSERT_TRUE(scene.graph->addPostprocessFragment(scene.instance(*levels, L"post0").get()));
+  scene.options->surfaceLOD = 10.0f;
+  scene.options->lightLOD = 10.0f;
+  const std::string text = collapseLightLoop(scene);
+  EXPECT_NE(text.find("    fine2(\n"), std::string::npos) << text;
+}
 
 TEST(PostProcess, RefusesAFragmentWhoseDefinitionCannotBeWritten) {
   // Nothing in the fragment's list of profiles serves the language.

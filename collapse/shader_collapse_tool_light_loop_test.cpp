@@ -511,6 +511,44 @@ TEST(LightLoop, RefusesASurfaceWithoutADefaultProfileWhenThereIsNoLight) {
   EXPECT_EQ(collapseLightLoop(scene), "Failed to set default profile.");
 }
 
+TEST(LightLoop, RefusesALightWhoseProfileChangesToOneThatItLacks) {
+  // The requirements ask for the light's own profile, the loop for another one.
+  class FickleOptions : public test::TestOptions {
+  public:
+    const IShaderFragmentProfile* getLightProfile(const IShaderFragment* light) const override {
+      return ++asked_ == 1 ? test::TestOptions::getLightProfile(light) : later.get();
+    }
+    RefPtr<IShaderFragmentProfile const> later;
+
+  private:
+    mutable int asked_ = 0;
+  };
+  TestScene scene;
+  const auto both = test::loadFragment(L"surface", profilesJson({namedFunctionJson(L"PointLight", kLit),
+                                                                 namedFunctionJson(L"SkyLight", kLit)}));
+  scene.output(L"color", TypeID_fvec3, scene.add(*both, L"n0"));
+  const auto options = makeRef<FickleOptions>();
+  options->later = test::loadFragment(L"sky", skyLight())->getProfile(0);
+  scene.options = options;
+  scene.addLight(L"key", keyLight());
+  EXPECT_EQ(collapseLightLoop(scene), "Failed to set light profile of light key: SkyLight.");
+}
+
+TEST(LightLoop, TakesTheLightsLevelOfDetailForLightsOnly) {
+  TestScene scene = litScene();
+  scene.addLight(
+      L"key",
+      profilesJson(
+          {test::functionJson(L"void fine(out PointLight r)\n{\n}", LR"(,"name":"PointLight","lod":90)"),
+           test::functionJson(L"void coarse(out PointLight r)\n{\n}", LR"(,"name":"PointLight","lod":10)")}));
+  EXPECT_NE(collapseLightLoop(scene).find("    fine1(\n"), std::string::npos);
+  scene.options->lightLOD = 20.0f;
+  EXPECT_NE(collapseLightLoop(scene).find("    coarse2(\n"), std::string::npos);
+  scene.options->lightLOD = 100.0f;
+  scene.options->surfaceLOD = 20.0f;
+  EXPECT_NE(collapseLightLoop(scene).find("    fine1(\n"), std::string::npos);
+}
+
 TEST(LightLoop, RefusesALightThatCannotBeEvaluated) {
   // A light without an output has nothing to hand to the surface.
   TestScene scene = litScene();
