@@ -1,5 +1,7 @@
 // Every profile of every standard fragment, alone.
 
+#include <set>
+
 #include "tests/shaders/shader_fixture.h"
 #include "tolmsdk/unicode.h"
 
@@ -16,12 +18,10 @@ using TolmSDK::toUtf8;
 using TolmSDK::Graphics::AParameter;
 using TolmSDK::Graphics::componentCount;
 
-Json parameter(const char* name, const std::string& type) { return {{"name", name}, {"type", type}}; }
-
 class FragmentsTest : public ShaderFixture, public testing::WithParamInterface<std::string> {
 protected:
   const IShaderFragment& fragment() const {
-    return *standardLibrary().language().findFragment(TolmSDK::fromUtf8(GetParam()));
+    return *standardLibrary().language().findFragment(TolmSDK::fromUtf8(name_));
   }
 
   /// One node of the fragment; its outputs of numbers are the graph's.
@@ -37,7 +37,7 @@ protected:
                          {"node", "alone"},
                          {"output", toUtf8(output.getName())}});
     }
-    return {{"outputs", outputs}, {"nodes", {{{"name", "alone"}, {"fragment", GetParam()}}}}};
+    return {{"outputs", outputs}, {"nodes", {{{"name", "alone"}, {"fragment", name_}}}}};
   }
 
   static Json surface(const char* name) {
@@ -46,7 +46,7 @@ protected:
   }
 
   Json environmentOfThis(const std::string& profile) const {
-    return {{"lights", {{{"name", "lamp"}, {"fragment", GetParam()}, {"profile", profile}}}}};
+    return {{"lights", {{{"name", "lamp"}, {"fragment", name_}, {"profile", profile}}}}};
   }
 
   /// Fills the description of a light in one of its profiles.
@@ -80,43 +80,73 @@ protected:
     return compileBothStages(chosen);
   }
 
-  /// An inline fragment fits several types: some of them must compile.
-  std::string compileInline(const IShaderFragmentProfile& profile) const {
-    std::string last;
-    for (const char* input : {"float", "float2", "float3", "float4"}) {
-      for (const char* output : {"float", "float2", "float3", "float4"}) {
-        Json inputs = Json::array();
-        for (std::size_t i = 0; i < profile.getFunctionParameters()->getNumInputs(); ++i) {
-          inputs.push_back(parameter(("in" + std::to_string(i)).c_str(), input));
-        }
-        Json graph = {{"outputs", {{{"name", "color"}, {"type", output}, {"node", "alone"}}}},
-                      {"nodes",
-                       {{{"name", "alone"},
-                         {"fragment", GetParam()},
-                         {"interface", {{"inputs", inputs}, {"outputs", {parameter("result", output)}}}}}}}};
-        CollapseSettings chosen = settings(graph);
-        // The light loop assigns its outputs by itself, so an expression can be one.
-        light(chosen, environmentOf(0));
-        last = compileBothStages(chosen);
-        if (last.empty()) return last;
-      }
+  /// An expression has the ports that its file documents.
+  std::string compileInline() const {
+    const Json interface = documentedInterface(name_);
+    if (interface.is_null()) return "no \"interface\" in its file";
+    const Json& output = interface.at("outputs").at(0);
+    const Json graph = {{"outputs", {{{"name", "color"}, {"type", output.at("type")}, {"node", "alone"}}}},
+                        {"nodes", {{{"name", "alone"}, {"fragment", name_}, {"interface", interface}}}}};
+    CollapseSettings chosen = settings(graph);
+    // The light loop assigns its outputs by itself, so an expression can be one.
+    light(chosen, environmentOf(0));
+    return compileBothStages(chosen);
+  }
+
+  /// Its light block is written once for every light.
+  std::string compileMetaSL(std::size_t lights) const {
+    CollapseSettings chosen = settings(alone());
+    light(chosen, environmentOf(lights));
+    return compileBothStages(chosen);
+  }
+
+  void compileEveryProfile() const {
+    ASSERT_GT(fragment().getNumProfiles(), 0u);
+    for (std::size_t i = 0; i < fragment().getNumProfiles(); ++i) {
+      SCOPED_TRACE(name_ + ", profile " + std::to_string(i));
+      compileOf(*fragment().getProfile(i));
     }
-    return last;
+  }
+
+  std::string name_;  ///< of the fragment at hand
+
+private:
+  void compileOf(const IShaderFragmentProfile& profile) const {
+    // Nothing else is compiled in its place.
+    EXPECT_EQ(fragment().findBestProfile(profile.getProfilename(),
+                                         standardLibrary().language().getLanguageString(), profile.getLOD()),
+              &profile);
+    if (profile.getMode() == EShaderFragmentProfileMode::Inline) {
+      EXPECT_EQ(compileInline(), "");
+      return;
+    }
+    EXPECT_EQ(compileProfile(profile), "");
+    if (profile.getMode() != EShaderFragmentProfileMode::MetaSL) return;
+    for (const std::size_t lights : {0u, 2u}) EXPECT_EQ(compileMetaSL(lights), "") << lights << " lights";
   }
 };
 
+// One process for a file: starting the compilers takes longer than most fragments.
 TEST_P(FragmentsTest, EveryProfileCompilesAlone) {
-  ASSERT_GT(fragment().getNumProfiles(), 0u);
-  for (std::size_t i = 0; i < fragment().getNumProfiles(); ++i) {
-    const IShaderFragmentProfile& profile = *fragment().getProfile(i);
-    const bool isInline = profile.getMode() == EShaderFragmentProfileMode::Inline;
-    EXPECT_EQ(isInline ? compileInline(profile) : compileProfile(profile), "") << "profile " << i;
+  std::size_t count = 0;
+  for (const std::string& name : fragmentNames()) {
+    if (libraryFileOf(name) != GetParam()) continue;
+    ++count;
+    name_ = name;
+    compileEveryProfile();
   }
+  EXPECT_GT(count, 0u);
+}
+
+std::vector<std::string> libraryFiles() {
+  std::set<std::string> files;
+  for (const std::string& name : fragmentNames()) files.insert(libraryFileOf(name));
+  return {files.begin(), files.end()};
 }
 
 std::string nameOf(const testing::TestParamInfo<std::string>& info) { return info.param; }
 
-INSTANTIATE_TEST_SUITE_P(Library, FragmentsTest, testing::ValuesIn(fragmentNames()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Library, FragmentsTest, testing::ValuesIn(libraryFiles()), nameOf);
 
 }  // namespace
 }  // namespace shaders_test

@@ -4,6 +4,7 @@
 
 #include "host/fragment_files.h"
 #include "host/shader_compiler.h"
+#include "host/warnings.h"
 #include "tolmsdk/unicode.h"
 
 namespace shaders_test {
@@ -15,6 +16,11 @@ namespace fs = std::filesystem;
 
 const std::vector<std::string> kLibrary = {"library"};
 
+const FragmentFiles& libraryFiles() {
+  static const FragmentFiles files(kLibrary);
+  return files;
+}
+
 }  // namespace
 
 const LoadedLibraries& standardLibrary() {
@@ -24,9 +30,17 @@ const LoadedLibraries& standardLibrary() {
 
 std::vector<std::string> fragmentNames() {
   std::vector<std::string> names;
-  const FragmentFiles files(kLibrary);
-  for (const auto& [name, entry] : files.entries()) names.push_back(TolmSDK::toUtf8(name));
+  for (const auto& [name, entry] : libraryFiles().entries()) names.push_back(TolmSDK::toUtf8(name));
   return names;
+}
+
+std::string libraryFileOf(const std::string& fragment) {
+  return fs::path(libraryFiles().find(TolmSDK::fromUtf8(fragment))->file).stem().string();
+}
+
+Json documentedInterface(const std::string& fragment) {
+  std::ifstream file(libraryFiles().find(TolmSDK::fromUtf8(fragment))->file);
+  return Json::parse(file).at(fragment).value("interface", Json());
 }
 
 ShaderFixture::ShaderFixture() {
@@ -59,6 +73,7 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   if (job.result() == nullptr) return "the collapse answers null";
   const AssembledShader assembled = assembleShader(job, stage);
   if (!assembled.missingIncludes.empty()) return "include files are missing";
+  for (const Warning& warning : findWarnings(job, true)) return warning.place + ": " + warning.text;
   const std::string hlsl = TolmSDK::toUtf8(assembled.shader.getCompleteShader());
   try {
     const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage);

@@ -21,6 +21,10 @@ using Json = nlohmann::ordered_json;
 const sfg::host::LoadedLibraries& standardLibrary();
 /// Their names, in order.
 std::vector<std::string> fragmentNames();
+/// The file that holds the fragment, without folder and extension.
+std::string libraryFileOf(const std::string& fragment);
+/// The "interface" that a library file gives for an inline fragment; null when there is none.
+Json documentedInterface(const std::string& fragment);
 
 class ShaderFixture : public testing::Test {
 protected:
@@ -33,7 +37,7 @@ protected:
   void light(sfg::host::CollapseSettings& settings, const Json& environment) const;
 
   /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language. Answers why
-  /// it cannot.
+  /// it cannot, or what the host warns of.
   static std::string compile(const sfg::host::CollapseSettings& settings, sfg::host::ShaderStage stage,
                              bool everyTarget);
 
