@@ -278,6 +278,7 @@ Found findByMessage(const Search& search, std::wstring_view message) {
   if (says(L"pre-process fragment should")) return search.preprocessWithInputs();
   if (says(L"graph outputs should be the same")) return search.mismatchedOutput();
   if (says(L"have a default profile")) return search.withoutDefaultProfile();
+  if (says(L"Failed to set default profile")) return search.nodeWithoutDefaultProfile();
   if (says(L"Inline body parameter count")) return search.mismatchedPorts();
   if (says(L"light")) return search.light(message);
   return std::nullopt;

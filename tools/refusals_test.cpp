@@ -282,6 +282,46 @@ const Refusal kCollapses[] = {
   "nodes": [ DOUBLING
   { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "d39" } } } ] })",
      1, "sfgError : the generated code is too large!\ngraph.json: note: while this graph was collapsed\n"},
+    {"FunctionWithTooFewInputs", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "tint", "interface": {
+    "inputs": [ { "name": "color", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })",
+     1,
+     "Failed to evaluate fragment!\ngraph.json:2:14: note: node `a` has 1 inputs, its fragment `tint` 2\n"},
+    {"FunctionWithTooManyOutputsUnderLightLoop",
+     R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a", "output": "s" } ],
+  "nodes": [ { "name": "a", "fragment": "grade", "interface": {
+    "inputs": [ { "name": "color", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" }, { "name": "s", "type": "float3" } ] } } ] })",
+     1,
+     "sfg: error: the graph cannot be collapsed: an output cannot be evaluated\ngraph.json:2:14: note: node "
+     "`a` has 2 outputs, its fragment `grade` 1\n",
+     nullptr, "--tool lightloop"},
+    {"PreprocessWithoutDefaultProfile", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "tint" } ], "preprocess": [ "lamp" ] })",
+     1,
+     "The fragment lamp doesn't have a default profile\ngraph.json:2:69: note: the chain uses the fragment "
+     "`lamp`, which has no profile `default` for the language `dx11`\n"},
+    {"PostprocessThatWantsMore", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "tint" } ], "postprocess": [ "tint" ] })",
+     1,
+     "sfgError : the graph outputs should be the same as the output fragment inputs!\ngraph.json: note: the "
+     "graph has no output for input `amount` of post-process fragment `tint`\n"},
+    {"SurfaceWithoutDefaultProfileAndNoLight",
+     R"({ "outputs": [ { "name": "x", "type": "struct", "struct": "Lamp", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
+     1,
+     "Failed to set default profile.\ngraph.json:2:14: note: node `a` uses the fragment `lamp`, which has no "
+     "profile `default` for the language `dx11`\n",
+     nullptr, "--tool lightloop"},
+    {"SurfaceWithoutTheLightsProfile",
+     R"({ "outputs": [ { "name": "x", "type": "struct", "struct": "Lamp", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
+     1,
+     "Failed to set light profile Neon.\nscene.json:1:15: note: light `key` asks for the profile `Neon`; "
+     "node "
+     "`a` has neither it nor `default`\n",
+     R"({ "lights": [ { "name": "key", "fragment": "lit", "profile": "Neon" } ] })", "--tool lightloop"},
     {"LightWithoutProfile", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lit" } ] })",
      1, "Failed to set light profile Neon.\nscene.json:1:15: note: light `key` asks for the profile `Neon`\n",
