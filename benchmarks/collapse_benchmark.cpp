@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <limits>
 #include <thread>
@@ -37,9 +38,7 @@ WString textOf(const IShaderFragment& result) {
   return profile.predefines() + profile.getFunctionBody();
 }
 
-void measureCollapse(benchmark::State& state, GraphCase (*make)(std::size_t)) {
-  const GraphCase graphCase = make(static_cast<std::size_t>(state.range(0)));
-
+void measureCollapse(benchmark::State& state, const GraphCase& graphCase) {
   // The first collapse pays for what profiles keep from then on.
   Stopwatch watch;
   RefPtr<IShaderFragment> result = collapse(graphCase);
@@ -124,8 +123,9 @@ void measureTwoThreads(benchmark::State& state) {
 
 const bool registered = [] {
   const auto add = [](const char* name, GraphCase (*make)(std::size_t), std::int64_t largest) {
-    auto* family =
-        benchmark::RegisterBenchmark(name, [make](benchmark::State& state) { measureCollapse(state, make); });
+    auto* family = benchmark::RegisterBenchmark(name, [make](benchmark::State& state) {
+      measureCollapse(state, make(static_cast<std::size_t>(state.range(0))));
+    });
     for (std::int64_t size = 10; size <= largest; size *= 10) family->Arg(size);
     family->UseManualTime()->Unit(benchmark::kMillisecond);
   };
@@ -134,6 +134,12 @@ const bool registered = [] {
   add("tree", makeTree, 100'000);
   add("functions", makeFunctions, 100'000);
   add("lights", makeLights, 100'000);
+  for (const std::filesystem::path& file : exampleFiles()) {
+    benchmark::RegisterBenchmark(
+        file.stem().c_str(), [file](benchmark::State& state) { measureCollapse(state, loadExample(file)); })
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond);
+  }
   benchmark::RegisterBenchmark("two threads", measureTwoThreads)
       ->UseManualTime()
       ->Iterations(3)

@@ -3,7 +3,8 @@
 // The graphs that the benchmarks collapse, made by calls, in any size.
 
 #include <cstddef>
-#include <string_view>
+#include <filesystem>
+#include <vector>
 
 #include "host/language_dx11.h"
 #include "sfg/shader_fragment.h"
@@ -34,5 +35,10 @@ GraphCase makeTree(std::size_t count);
 GraphCase makeFunctions(std::size_t count);
 /// A lit surface of 20 fragments under `count` lights.
 GraphCase makeLights(std::size_t count);
+
+/// The example materials, in order of their names; none when the working folder is not the repository's root.
+std::vector<std::filesystem::path> exampleFiles();
+/// An example over the standard library, which is loaded once: for the light loop, under the studio's lights.
+GraphCase loadExample(const std::filesystem::path& file);
 
 }  // namespace TolmSDK::Graphics::sfg::benchmarks

@@ -93,8 +93,8 @@ void writeGrid(std::ostream& out, const LogAxis& sizes, const LogAxis& times) {
 }  // namespace
 
 bool TableReporter::ReportContext(const Context&) {
-  std::printf("%-18s %8s %12s %7s %7s %10s %9s %8s\n", "case", "N", "time", "ratio", "first", "characters",
-              "B/char", "allocs");
+  std::printf("%-18s %8s %12s %7s %7s %10s %7s %7s %6s %6s %6s\n", "case", "N", "time", "ratio", "first",
+              "characters", "B/char", "allocs", "share", "gain", "plain");
   return true;
 }
 
@@ -106,11 +106,13 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
       continue;
     }
     const Measurement row = measurementOf(run);
-    std::printf("%-18s %8.0f %9.3f ms %7s %7s %10s %9s %8s\n", row.family.c_str(), row.size,
+    std::printf("%-18s %8.0f %9.3f ms %7s %7s %10s %7s %7s %6s %6s %6s\n", row.family.c_str(), row.size,
                 row.seconds * 1e3, cell(row.counters, "ratio", "%.2f").c_str(),
                 cell(row.counters, "first", "%.2f").c_str(), cell(row.counters, "characters", "%.0f").c_str(),
                 cell(row.counters, "bytesPerChar", "%.1f").c_str(),
-                cell(row.counters, "allocsPerFragment", "%.1f").c_str());
+                cell(row.counters, "allocsPerFragment", "%.1f").c_str(),
+                cell(row.counters, "share", "%.2f").c_str(), cell(row.counters, "gain", "%.2f").c_str(),
+                cell(row.counters, "plainGain", "%.2f").c_str());
     std::fflush(stdout);
     measurements_.push_back(row);
   }

@@ -10,6 +10,9 @@ namespace TolmSDK::Graphics::sfg {
 
 namespace {
 
+/// Characters that the values of one frame may hold to be kept for the next.
+constexpr std::size_t kLargestSpare = 4096;
+
 /// Holds a shader-function call open.
 class ShaderCallScope {
 public:
@@ -62,6 +65,12 @@ std::size_t totalLength(const Array<WString>& texts) {
   std::size_t length = 0;
   for (const WString& text : texts) length += text.size();
   return length;
+}
+
+std::size_t totalCapacity(const Array<WString>& texts) {
+  std::size_t capacity = 0;
+  for (const WString& text : texts) capacity += text.capacity();
+  return capacity;
 }
 
 /// The type of the value that an input receives: of the port when a fragment feeds it, of the graph input
@@ -173,6 +182,7 @@ bool FragmentEvaluator::run(Frame root) {
     }
     if (!finish(frame)) return false;
     const bool writesAgain = frame.writesAgain;
+    giveBackTexts(frame);
     stack.pop();
     if (!stack.empty()) stack.top().sourceWritesAgain = writesAgain;
   }
@@ -192,7 +202,6 @@ bool FragmentEvaluator::enter(Stack& stack, Frame frame) {
 /// Declares the outputs: consumers are written behind their sources, but declared in front of them.
 bool FragmentEvaluator::begin(Frame& frame) {
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
-  frame.inputValues.reserve(frame.instance->fragment_->getInputConnections().size());
   switch (frame.task) {
   case Task::evaluate:
   case Task::evaluateShader: return active.declareOutputs(body());
@@ -250,14 +259,15 @@ bool FragmentEvaluator::visitNextItem(Stack& stack) {
 bool FragmentEvaluator::takeInputValue(Frame& frame) {
   const FragmentInstance& instance = *frame.instance;
   const ShaderFragmentConnection& connection = instance.fragment_->getInputConnections()[frame.next];
+  if (frame.next == 0) takeSpareTexts(frame);
   if (connection.fragment != nullptr) {
     if (!takeSourceValue(frame, connection.index)) return false;
   } else {
     const IShaderFragmentGraph* graph = instance.fragment_->getOwnerGraph();
     if (graph != nullptr && connection.index < graph->getNumInputs()) {
-      frame.inputValues.push_back(graph->getInputName(connection.index));
+      frame.inputValues[frame.next] = graph->getInputName(connection.index);
     } else if (frame.next < instance.inputValues_.size()) {
-      frame.inputValues.push_back(instance.inputValues_[frame.next]);
+      frame.inputValues[frame.next] = instance.inputValues_[frame.next];
     } else {
       return false;
     }
@@ -266,16 +276,31 @@ bool FragmentEvaluator::takeInputValue(Frame& frame) {
   return true;
 }
 
+/// The values of a frame are written into the texts of one that is done, which have their memory already.
+void FragmentEvaluator::takeSpareTexts(Frame& frame) {
+  if (!spareTexts_.empty()) {
+    frame.inputValues = std::move(spareTexts_.back());
+    spareTexts_.pop_back();
+  }
+  frame.inputValues.resize(frame.instance->fragment_->getInputConnections().size());
+}
+
+void FragmentEvaluator::giveBackTexts(Frame& frame) {
+  // Long expressions are not kept.
+  if (frame.inputValues.empty() || totalCapacity(frame.inputValues) > kLargestSpare) return;
+  spareTexts_.push_back(std::move(frame.inputValues));
+}
+
 bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   const FragmentInstance& instance = *frame.instance;
   if (instance.activeProfileInstance_->IsShaderInput(frame.next)) {
     if (frame.next >= instance.inputValues_.size()) return false;
-    frame.inputValues.push_back(instance.inputValues_[frame.next]);
+    frame.inputValues[frame.next] = instance.inputValues_[frame.next];
     if (frame.sourceWritesAgain) frame.repeats.push_back({0, frame.instance, frame.next});
     return true;
   }
   if (!frame.source->hasActiveProfileOutput(output)) return false;
-  frame.inputValues.push_back(frame.source->getActiveProfileOutput(output));
+  frame.inputValues[frame.next] = frame.source->getActiveProfileOutput(output);
   if (frame.source->repeatList_ != 0) frame.repeats.push_back({frame.source->repeatList_, nullptr, 0});
   return true;
 }

@@ -88,6 +88,8 @@ private:
   bool visitNextItem(Stack& stack);
   bool enterSource(Stack& stack);
   bool takeInputValue(Frame& frame);
+  void takeSpareTexts(Frame& frame);
+  void giveBackTexts(Frame& frame);
   bool takeSourceValue(Frame& frame, std::size_t output);
   bool finish(Frame& frame);
   bool finishEvaluation(Frame& frame);
@@ -108,6 +110,7 @@ private:
   std::uint64_t epoch_ = 1;
   std::uint64_t listsEpoch_ = 1;
   std::size_t runs_ = 0;
+  Array<Array<WString>> spareTexts_;
   Array<Array<RepeatItem>> lists_{1};
 };
 
