@@ -265,6 +265,7 @@ bool FragmentEvaluator::takeInputValue(Frame& frame) {
   } else {
     const IShaderFragmentGraph* graph = instance.fragment_->getOwnerGraph();
     if (graph != nullptr && connection.index < graph->getNumInputs()) {
+      if (graph->getInput(connection.index) == nullptr) return false;
       frame.inputValues[frame.next] = graph->getInputName(connection.index);
     } else if (frame.next < instance.inputValues_.size()) {
       frame.inputValues[frame.next] = instance.inputValues_[frame.next];

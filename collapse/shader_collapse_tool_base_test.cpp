@@ -407,6 +407,47 @@ TEST(OddHosts, MayHaveGraphsThatAreNotOursWhichCountAsEmpty) {
   EXPECT_EQ(collapseForeign<AShaderCollapseToolLightLoop>(scene, *graph), "Failed to set default profile.");
 }
 
+TEST(OddHosts, MayHaveNullPortsAndUniforms) {
+  const auto withNulls = [](int place) {
+    TestScene scene = sceneWithOutputs({TypeID_float});
+    if (place == 6) {
+      scene = TestScene();
+      scene.output(L"x", TypeID_float, scene.addFunction(L"n0", L"void source(float a, out float r)\n{\n}"));
+    }
+    auto* fragment = dynamic_cast<AShaderFragment*>(scene.graph->getFragment(0));
+    const auto consumer = place == 4 ? consumerOf({}) : consumerOf({TypeID_fvec4});
+    const AParameter* none = nullptr;
+    if (place == 0) fragment->addInput(none);
+    if (place == 6) {
+      scene.graph->addInput(none);
+      fragment->setInputConnection(std::size_t{0}, std::size_t{0});
+    }
+    if (place == 1) fragment->addOutput(none);
+    if (place == 2) fragment->addUniform(none);
+    if (place == 4) consumer->addInput(none);
+    if (place == 3 || place == 5) {
+      scene.graph->addOutput(none);
+      scene.graph->setOutputConnection(std::size_t{1}, fragment, 0);
+    }
+    if (place == 4 || place == 5) scene.environment->output = consumer;
+    return scene;
+  };
+  EXPECT_EQ(collapseDefault(withNulls(0)), "Failed to evaluate fragment!");
+  EXPECT_EQ(collapseLightLoop(withNulls(0)), "null");
+  EXPECT_EQ(collapseLightLoop(withNulls(3)), "null");
+  EXPECT_EQ(collapseDefault(withNulls(3)), "null");
+  EXPECT_EQ(collapseLightLoop(withNulls(6)), "null");
+  EXPECT_EQ(collapseDefault(withNulls(6)), "null");
+  for (const int place : {4, 5}) {
+    EXPECT_EQ(collapseDefault(withNulls(place)), kNotTheSame) << place;
+    EXPECT_EQ(collapseLightLoop(withNulls(place)), kNotTheSame) << place;
+  }
+  for (const int place : {1, 2}) {
+    EXPECT_NE(collapseDefault(withNulls(place)).find("source1("), std::string::npos) << place;
+    EXPECT_NE(collapseLightLoop(withNulls(place)).find("source1("), std::string::npos) << place;
+  }
+}
+
 TEST(OddHosts, MayAnswerNullForProcessFragments) {
   TestScene scene = sceneWithOutputs({TypeID_float});
   const auto graph = makeRef<ForeignGraph>(scene.graph);

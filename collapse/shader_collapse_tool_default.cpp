@@ -14,7 +14,7 @@ IShaderFragment* AShaderCollapseToolDefault::collapse(const IShaderFragmentGraph
                                                       const IShaderOptions* options,
                                                       const ILanguageTraits* language) {
   if (!prepareCollapse(graph, environment, options, language)) return nullptr;
-  addParameters();
+  if (!addParameters()) return nullptr;
   if (!context_.setActiveSurfaceProfile(L"default")) return nullptr;
   const IShaderFragment* fragment = findOutputFragment();
   if (fragment == nullptr) return nullptr;
@@ -27,15 +27,18 @@ IShaderFragment* AShaderCollapseToolDefault::collapse(const IShaderFragmentGraph
   return result_.get();
 }
 
-/// The graph's inputs and outputs become those of the function.
-void AShaderCollapseToolDefault::addParameters() {
+/// The graph's inputs and outputs become those of the function; false when one of them is null.
+bool AShaderCollapseToolDefault::addParameters() {
   ITextParameterList* parameters = resultProfile_->getFunctionParameters();
   for (std::size_t i = 0; i < graph_->getNumInputs(); ++i) {
+    if (graph_->getInput(i) == nullptr) return false;
     parameters->addInput(graph_->getInputType(language_.get(), i), graph_->getInputName(i));
   }
   for (std::size_t i = 0; i < graph_->getNumOutputs(); ++i) {
+    if (graph_->getOutput(i) == nullptr) return false;
     parameters->addOutput(graph_->getOutputType(language_.get(), i), graph_->getOutputName(i));
   }
+  return true;
 }
 
 /// The one fragment that feeds the graph's outputs: it writes them by itself, so several cannot be evaluated.
