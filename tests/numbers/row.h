@@ -79,9 +79,13 @@ public:
   void add(double v) { values_.push_back(v); }
 
 private:
-  void add(Vec2 const& v) { values_.insert(values_.end(), {v.x, v.y}); }
-  void add(Vec3 const& v) { values_.insert(values_.end(), {v.x, v.y, v.z}); }
-  void add(Vec4 const& v) { values_.insert(values_.end(), {v.x, v.y, v.z, v.w}); }
+  void add(Vec2 const& v) { addAll(v.x, v.y); }
+  void add(Vec3 const& v) { addAll(v.x, v.y, v.z); }
+  void add(Vec4 const& v) { addAll(v.x, v.y, v.z, v.w); }
+  template <typename... Numbers>
+  void addAll(Numbers... numbers) {
+    (values_.push_back(numbers), ...);
+  }
 
   std::vector<double> values_;
 };
