@@ -14,9 +14,9 @@ public:
 
   /// Turns the graph into one function that takes the graph's inputs and writes its outputs. The result
   /// fragment belongs to the tool: a caller that keeps it takes a reference. Null when the collapse cannot be
-  /// done with these inputs (null argument or port, language mismatch, no output). Throws Exception for malformed
-  /// graphs: "Cannot collapse twice!", "Graph output must be connected to a fragment!", "Failed to evaluate
-  /// fragment!" and those of the preparation.
+  /// done with these inputs (null argument or port, language mismatch, no output). Throws Exception for
+  /// malformed graphs: "Cannot collapse twice!", "Graph output must be connected to a fragment!", "Failed to
+  /// evaluate fragment!" and those of the preparation.
   IShaderFragment* collapse(const IShaderFragmentGraph* graph, const IShadingEnvironment* environment,
                             const IShaderOptions* options, const ILanguageTraits* language);
 
