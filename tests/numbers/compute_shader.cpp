@@ -49,10 +49,10 @@ std::string writeValue(Port const& port, std::size_t offset) {
   for (std::size_t i = 0; i < shape.rows * shape.columns; ++i) {
     std::string element = port.name;
     if (shape.rows > 1) {
-      element += "[" + std::to_string(i / shape.columns) + "]";
+      element.append("[").append(std::to_string(i / shape.columns)).append("]");
     }
     if (shape.columns > 1) {
-      element += "[" + std::to_string(i % shape.columns) + "]";
+      element.append("[").append(std::to_string(i % shape.columns)).append("]");
     }
     text +=
         "    numbers_out[numbers_write + " + std::to_string(offset + i) + "u] = float(" + element + ");\n";

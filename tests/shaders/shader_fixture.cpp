@@ -86,7 +86,7 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   } catch (const CompileError& error) {
     std::string text = error.what();
     for (const CompilerMessage& message : error.messages()) {
-      text += "\n" + std::to_string(message.line) + ": " + message.text;
+      text.append("\n").append(std::to_string(message.line)).append(": ").append(message.text);
     }
     return text + "\n" + hlsl;
   }
