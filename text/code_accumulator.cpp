@@ -151,10 +151,9 @@ const CodeAccumulator::Impl::Written* CodeAccumulator::Impl::findWritten(std::si
   // Different symbols of one hash are too rare to be met by a test.
   for (auto entry = first; entry != last; ++entry) {
     const Written& symbol = *entry->second;
-    const bool isSame = symbol.identity == identity &&
-                        symbol.callRenames == callRenames &&  // GCOVR_EXCL_BR_LINE
-                        symbol.renames == renames;
-    if (isSame) return &symbol;  // GCOVR_EXCL_BR_LINE
+    if (symbol.identity != identity) continue;        // GCOVR_EXCL_BR_LINE
+    if (symbol.callRenames != callRenames) continue;  // GCOVR_EXCL_BR_LINE
+    if (symbol.renames == renames) return &symbol;    // GCOVR_EXCL_BR_LINE
   }
   return nullptr;
 }

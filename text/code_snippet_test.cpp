@@ -310,5 +310,47 @@ TEST(CodeSnippetInstance, ReleasesTheSnippetToACallerThatTakesItBack) {
   EXPECT_FALSE(witness.expired());
 }
 
+TEST(CodeSnippetPlainFunction, IsTheSymbolThatTheParseFinds) {
+  const WString code = L"void f(float a)\n{\n\ta = 1;\n}\n";
+  CodeSnippet parsed;
+  parsed.addCode(code);
+  ASSERT_TRUE(parsed.parse());
+  ASSERT_EQ(parsed.getNumSymbols(), 1u);
+
+  CodeSnippet taken;
+  taken.addCode(L"struct Former;");
+  taken.parse();
+  taken.takePlainFunction(WString(code), 5, 1, code.find(L'{'));
+  ASSERT_EQ(taken.getNumSymbols(), 1u);
+  EXPECT_EQ(taken.getCode(), code);
+  EXPECT_EQ(taken.getSymbol(0).getType(), Type::function);
+  EXPECT_EQ(taken.getSymbol(0).getName().view(), L"f");
+  EXPECT_EQ(taken.getSymbol(0).getRange().view(), parsed.getSymbol(0).getRange().view());
+  EXPECT_EQ(taken.getSymbol(0).getKey(), parsed.getSymbol(0).getKey());
+  EXPECT_EQ(taken.findSymbol(parsed.getSymbol(0).getKey()), 0u);
+}
+
+TEST(CodeSnippetInstance, AnswersTheSameInstanceKeyEachTime) {
+  CodeSnippet snippet;
+  snippet.addCode(L"float f() { return sfg_isConnected(a); }");
+  ASSERT_TRUE(snippet.parse());
+  CodeSnippetInstance instance;
+  instance.construct(&snippet, {L"true"}, false);
+  const WString expected = snippet.getSymbol(0).getKey() + L"true";
+  EXPECT_EQ(instance.getSymbol(0).getInstanceKey(), expected);
+  EXPECT_EQ(instance.getSymbol(0).getInstanceKey(), expected);
+}
+
+TEST(CodeSnippet, FindsASymbolOfUnknownKindByTheKeyItWasGiven) {
+  const WString text = L"anything";
+  ShaderSymbol symbol;
+  symbol.setRange(text);
+  symbol.setKey(L"k");
+  CodeSnippet snippet;
+  snippet.addSymbol(symbol);
+  EXPECT_EQ(snippet.findSymbol(L"k"), 0u);
+  EXPECT_EQ(snippet.findSymbol(L""), kNotFound);
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg
