@@ -21,7 +21,7 @@ bool isWord(const WString& text) {
 bool areWords(const Array<WString>& texts) { return std::all_of(texts.begin(), texts.end(), isWord); }
 
 /// Whether the rules turn words into words, wherever they match: brackets and comments then stay what they
-/// are.
+/// are. Should a new word spell a built-in function, its call would have no value and stay as written too.
 bool keepsStructure(const KeywordReplacePattern& rules) {
   return rules.getPositionalReplacements().empty() && areWords(rules.getKeywords()) &&
          areWords(rules.getReplacements());

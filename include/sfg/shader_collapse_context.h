@@ -52,6 +52,7 @@ public:
   bool getConstValue(WString& value, const AParameter* parameter) const;
 
   /// The instance under the fragment's instance name; a new, uninitialised one when there is none.
+  /// The fragment must not be null.
   FragmentInstance& getFragmentInstance(const IShaderFragment* fragment);
   FragmentInstance& getLightFragmentInstance(const IShaderFragment* fragment);
 
