@@ -268,7 +268,7 @@ bool FragmentEvaluator::takeInputValue(Frame& frame) {
       if (graph->getInput(connection.index) == nullptr) return false;
       frame.inputValues[frame.next] = graph->getInputName(connection.index);
     } else if (frame.next < instance.inputValues_.size()) {
-      frame.inputValues[frame.next] = instance.inputValues_[frame.next];
+      frame.inputValues[frame.next] = instance.inputValue(frame.next);
     } else {
       return false;
     }
@@ -296,12 +296,13 @@ bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   const FragmentInstance& instance = *frame.instance;
   if (instance.activeProfileInstance_->IsShaderInput(frame.next)) {
     if (frame.next >= instance.inputValues_.size()) return false;
-    frame.inputValues[frame.next] = instance.inputValues_[frame.next];
+    frame.inputValues[frame.next] = instance.inputValue(frame.next);
     if (frame.sourceWritesAgain) frame.repeats.push_back({0, frame.instance, frame.next});
     return true;
   }
   if (!frame.source->hasActiveProfileOutput(output)) return false;
-  frame.inputValues[frame.next] = frame.source->getActiveProfileOutput(output);
+  frame.inputValues[frame.next].clear();
+  frame.source->appendActiveProfileOutput(frame.inputValues[frame.next], output);
   if (frame.source->repeatList_ != 0) frame.repeats.push_back({frame.source->repeatList_, nullptr, 0});
   return true;
 }
@@ -326,7 +327,7 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
 
   const ExpressionWatch watch(active, instance.wasShaderFunction_);
   // The names of the outputs are no values for an inline expression, which replaces them while it is written.
-  const Array<WString>& outputValues = frame.values != nullptr ? *frame.values : active.getOutputNames();
+  const Array<WString>& outputValues = frame.values != nullptr ? *frame.values : outputNamesOf(active);
   // An expression checks its own length.
   if (!active.isInlineProfile()) checkTextLength(body().size() + totalLength(frame.inputValues));
   if (!active.writeFunctionCall(body(), context_, frame.inputValues, outputValues)) return false;
@@ -336,6 +337,17 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
   instance.repeatList_ = makeList(std::move(frame.repeats));
   instance.evaluatedEpoch_ = frame.epoch;
   return true;
+}
+
+/// The names of a function's outputs in texts that serve one call after another.
+const Array<WString>& FragmentEvaluator::outputNamesOf(const FragmentProfileInstance& instance) {
+  if (instance.isInlineProfile()) return instance.getOutputNames();
+  outputTexts_.resize(instance.getNumOutputs());
+  for (std::size_t i = 0; i < outputTexts_.size(); ++i) {
+    outputTexts_[i].clear();
+    instance.appendOutputName(outputTexts_[i], i);
+  }
+  return outputTexts_;
 }
 
 bool FragmentEvaluator::finishShaderFunction(Frame& frame) {
@@ -442,8 +454,12 @@ FragmentEvaluator::Frame FragmentEvaluator::repeatFrame(ListNumber list) const {
 
 /// The instance of the fragment that feeds an input; null when that is no fragment of ours.
 FragmentInstance* FragmentEvaluator::findSource(const FragmentInstance& instance, std::size_t input) const {
-  const auto* fragment =
-      dynamic_cast<const AShaderFragment*>(instance.fragment_->getInputConnections()[input].fragment);
+  const IShaderFragment* connected = instance.fragment_->getInputConnections()[input].fragment;
+  if (input < instance.inputValues_.size()) {
+    FragmentInstance* known = instance.inputValues_[input].source;
+    if (known != nullptr && known->fragment_.get() == connected) return known;
+  }
+  const auto* fragment = dynamic_cast<const AShaderFragment*>(connected);
   return fragment != nullptr ? &context_.getFragmentInstance(fragment) : nullptr;
 }
 

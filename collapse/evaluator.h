@@ -93,6 +93,7 @@ private:
   bool takeSourceValue(Frame& frame, std::size_t output);
   bool finish(Frame& frame);
   bool finishEvaluation(Frame& frame);
+  const Array<WString>& outputNamesOf(const FragmentProfileInstance& instance);
   bool finishShaderFunction(Frame& frame);
   bool writeRequirementsAndDefinition(Frame& frame);
   void allocateShaderInputs(Frame& frame);
@@ -111,6 +112,7 @@ private:
   std::uint64_t listsEpoch_ = 1;
   std::size_t runs_ = 0;
   Array<Array<WString>> spareTexts_;
+  Array<WString> outputTexts_;
   Array<Array<RepeatItem>> lists_{1};
 };
 

@@ -5,6 +5,7 @@
 
 #include "collapse/evaluator.h"
 #include "collapse/ports.h"
+#include "collapse/visited_fragments.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"
 #include "tolmsdk/exception.h"
@@ -76,7 +77,6 @@ bool FragmentInstance::createNoInputUniform(const ILanguageTraits* language,
 }
 
 void FragmentInstance::makeUniformsUnique() {
-  uniforms_.reserve(fragment_->getNumUniforms() + fragment_->getNumInputs());
   for (std::size_t i = 0; i < fragment_->getNumUniforms(); ++i) {
     const AParameter* uniform = fragment_->getUniform(i);
     if (uniform == nullptr) continue;
@@ -88,16 +88,34 @@ void FragmentInstance::makeUniformsUnique() {
 void FragmentInstance::createInputUniform(const AShaderCollapseContext& context, std::size_t input) {
   const AParameter* parameter = fragment_->getInput(input);
   if (parameter == nullptr) return;
-  WString& value = inputValues_[input];
-  if (parameter->isConstant() && context.getConstValue(value, parameter)) return;
+  InputValue& value = inputValues_[input];
+  if (WString text; parameter->isConstant() && context.getConstValue(text, parameter)) {
+    value.text = std::make_unique<const WString>(std::move(text));
+    return;
+  }
 
-  WString name = inputUniformName(parameter->getName(), fragment_->instanceName());
-  uniforms_.push_back(makeRef<OverrideNameParameter>(*parameter, name));
-  if (isSamplerType(parameter->getType())) {
-    value = samplerConstructor(parameter->getType()) + name + L", sampler_" + name + L")";
-    usesSamplers_ = true;
-  } else {
-    value = std::move(name);
+  value.uniform = makeRef<OverrideNameParameter>(
+      *parameter, inputUniformName(parameter->getName(), fragment_->instanceName()));
+  if (!isSamplerType(parameter->getType())) return;
+  const WString& name = value.uniform->getName();
+  value.text = std::make_unique<const WString>(samplerConstructor(parameter->getType()) + name +
+                                               L", sampler_" + name + L")");
+  usesSamplers_ = true;
+}
+
+/// The value of an input that no fragment feeds.
+const WString& FragmentInstance::inputValue(std::size_t input) const {
+  static const WString none;
+  const InputValue& value = inputValues_[input];
+  if (value.text) return *value.text;
+  return value.uniform ? value.uniform->getName() : none;
+}
+
+void FragmentInstance::setSources(const VisitedFragments& visited) {
+  const Array<ShaderFragmentConnection>& connections = fragment_->getInputConnections();
+  for (std::size_t i = 0; i < inputValues_.size(); ++i) {
+    if (connections[i].fragment != nullptr)
+      inputValues_[i].source = visited.getInstance(connections[i].fragment);
   }
 }
 
@@ -114,33 +132,43 @@ bool FragmentInstance::setActiveProfile(AShaderCollapseContext& context, const W
 
 bool FragmentInstance::activateBestProfile(AShaderCollapseContext& context, const WString& profileName,
                                            float lod) {
-  if (!fragment_) return false;
   const std::uint32_t request = context.profileRequest(profileName, lod);
-  if (request == profileRequest_) return true;
-
-  const IShaderFragmentProfile* profile =
-      fragment_->findBestProfile(profileName, context.getLanguageString(), lod);
-  if (profile == nullptr) profile = fragment_->findBestProfile(L"default", context.getLanguageString(), lod);
+  if (hasAnswered(request)) return true;
+  const IShaderFragmentProfile* profile = findProfile(context, profileName, lod);
   if (profile == nullptr) return false;
   profileRequest_ = request;
+  if (!hasActiveProfile(profile)) changeProfile(context, profile);
+  return true;
+}
 
+const IShaderFragmentProfile* FragmentInstance::findProfile(const AShaderCollapseContext& context,
+                                                            const WString& profileName, float lod) const {
+  static const WString defaultName(L"default");
+  if (!fragment_) return nullptr;
+  const IShaderFragmentProfile* profile =
+      fragment_->findBestProfile(profileName, context.getLanguageString(), lod);
+  return profile != nullptr ? profile
+                            : fragment_->findBestProfile(defaultName, context.getLanguageString(), lod);
+}
+
+bool FragmentInstance::hasActiveProfile(const IShaderFragmentProfile* profile) const {
+  return activeProfileInstance_ != nullptr && activeProfileInstance_->getProfile() == profile;
+}
+
+void FragmentInstance::changeProfile(AShaderCollapseContext& context, const IShaderFragmentProfile* profile) {
   const FragmentProfileInstance* before = activeProfileInstance_;
-  if (before != nullptr && before->getProfile() == profile) return true;
   activateProfile(profile);
   if (activeProfileInstance_ != before) context.evaluator().startEpoch();
-  return true;
 }
 
 void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
   activeProfileInstance_ = nullptr;
   if (profile == nullptr) return;
   const auto* ours = dynamic_cast<const AShaderFragmentProfile*>(profile);
-  for (FragmentProfileInstance& instance : profileInstances_) {
-    if (ours != nullptr && instance.getProfile() == ours) activeProfileInstance_ = &instance;
-  }
+  activeProfileInstance_ = findProfileInstance(ours);
   if (activeProfileInstance_ != nullptr) return;
 
-  FragmentProfileInstance& instance = profileInstances_.emplace_back();
+  FragmentProfileInstance& instance = makeProfileInstance();
   if (!instance.create(language_.get(), fragment_.get(), ours, profileNumber(*fragment_, profile))) return;
   for (std::size_t i = 0; i < fragment_->getNumUniforms(); ++i) {
     const AParameter* uniform = fragment_->getUniform(i);
@@ -149,6 +177,19 @@ void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
     instance.getUniformNew().push_back(uniform->getName() + fragment_->instanceName());
   }
   activeProfileInstance_ = &instance;
+}
+
+FragmentProfileInstance* FragmentInstance::findProfileInstance(const AShaderFragmentProfile* profile) {
+  if (profile == nullptr) return nullptr;
+  if (firstProfileInstance_ && firstProfileInstance_->getProfile() == profile) return &*firstProfileInstance_;
+  for (FragmentProfileInstance& instance : otherProfileInstances_) {
+    if (instance.getProfile() == profile) return &instance;
+  }
+  return nullptr;
+}
+
+FragmentProfileInstance& FragmentInstance::makeProfileInstance() {
+  return firstProfileInstance_ ? otherProfileInstances_.emplace_back() : firstProfileInstance_.emplace();
 }
 
 bool FragmentInstance::requiresCurrentLight() const {
@@ -169,6 +210,15 @@ const WString& FragmentInstance::getActiveProfileOutput(std::size_t index) const
   if (!hasActiveProfileOutput(index)) return none;
   return accumulateOutputs_.empty() ? activeProfileInstance_->getOutputName(index)
                                     : accumulateOutputs_[index];
+}
+
+void FragmentInstance::appendActiveProfileOutput(WString& out, std::size_t index) const {
+  if (!hasActiveProfileOutput(index)) return;
+  if (accumulateOutputs_.empty()) {
+    activeProfileInstance_->appendOutputName(out, index);
+  } else {
+    out += accumulateOutputs_[index];
+  }
 }
 
 // Evaluation.
@@ -226,8 +276,10 @@ bool FragmentInstance::writeRequirements(AShaderCollapseContext& context) {
   if (!uniformsWritten_) {
     uniformsWritten_ = true;
     for (const auto& uniform : uniforms_) context.getResult()->addUniform(uniform.get());
+    for (const InputValue& value : inputValues_) {
+      if (value.uniform) context.getResult()->addUniform(value.uniform.get());
+    }
     if (usesSamplers_) context.getResultProfile()->includes().insert(L"sfg_samplers.h");
-    Array<RefPtr<AParameter const>>().swap(uniforms_);
   }
   return activeProfileInstance_ == nullptr ||
          activeProfileInstance_->writeRequirements(context.getResultProfile(), context);

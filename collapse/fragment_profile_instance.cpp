@@ -17,13 +17,13 @@ namespace TolmSDK::Graphics::sfg {
 
 namespace {
 
-void appendDeclaration(WString& out, const WString& type, const WString& name) {
-  checkTextLength(out.size() + type.size() + name.size() + 7);
+void appendDeclaration(WString& out, const FragmentProfileInstance& instance, std::size_t output) {
   out += L"    ";
-  out += type;
+  out += instance.getOutputType(output);
   out += L' ';
-  out += name;
+  instance.appendOutputName(out, output);
   out += L";\n";
+  checkTextLength(out.size());
 }
 
 /// Rules from the whole text of every call to its value. A call without an argument list stays as it is
@@ -67,25 +67,13 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
   fragment_ = fragment;
   profile_ = profile;
   requiresCurrentLight_ = profile->stateVariables().contains(StateVariable_currentLight);
-  functionName_.reserve(profile->getFunctionName().size() + profileShortname_.size());
-  functionName_ += profile->getFunctionName();
-  functionName_ += profileShortname_;
-
   const ITextParameterList* parameters = profile->getFunctionParameters();
-  const std::size_t outputs = parameters != nullptr ? parameters->getNumOutputs() : 0;
-  setNumOutputs(outputs);
-  for (std::size_t i = 0; i < outputs; ++i) {
-    WString& name = outputNames_[i];
-    name.reserve(fragment->instanceName().size() + profileShortname_.size() + 12);
-    name += L"result_";
-    name += fragment->instanceName();
-    name += L'_';
-    appendDecimal(name, i);
-    name += profileShortname_;
+  numOutputs_ = parameters != nullptr ? parameters->getNumOutputs() : 0;
+  if (!profile->getBodyBuiltinFunctions().empty() || !profile->getPredefineBuiltinFunctions().empty()) {
+    extras().builtinFunctionValuesInBody = builtinFunctionValues(profile->getBodyBuiltinFunctions());
+    extras().builtinFunctionValuesInPredefine =
+        builtinFunctionValues(profile->getPredefineBuiltinFunctions());
   }
-
-  builtinFunctionValuesInBody_ = builtinFunctionValues(profile->getBodyBuiltinFunctions());
-  builtinFunctionValuesInPredefine_ = builtinFunctionValues(profile->getPredefineBuiltinFunctions());
   return true;
 }
 
@@ -94,17 +82,74 @@ const WString& FragmentProfileInstance::getProfilename() const {
   return profile_ ? profile_->getProfilename() : none;
 }
 
+FragmentProfileInstance::Extras& FragmentProfileInstance::extras() const {
+  if (!extras_) extras_ = std::make_unique<Extras>();
+  return *extras_;
+}
+
+const Array<WString>& FragmentProfileInstance::none() noexcept {
+  static const Array<WString> texts;
+  return texts;
+}
+
+// Names.
+
+void FragmentProfileInstance::appendFunctionName(WString& out) const {
+  if (hasFunctionName_) {
+    out += functionName_;
+  } else if (profile_) {
+    out += profile_->getFunctionName();
+    out += profileShortname_;
+  }
+}
+
+const WString& FragmentProfileInstance::getFunctionName() const {
+  if (!hasFunctionName_) {
+    appendFunctionName(functionName_);
+    hasFunctionName_ = true;
+  }
+  return functionName_;
+}
+
+void FragmentProfileInstance::setFunctionName(const WString& name) {
+  functionName_ = name;
+  hasFunctionName_ = true;
+}
+
+void FragmentProfileInstance::appendOutputName(WString& out, std::size_t index) const {
+  if (hasOutputNames_) {
+    out += outputNames_[index];
+    return;
+  }
+  out += L"result_";
+  out += fragment_->instanceName();
+  out += L'_';
+  appendDecimal(out, index);
+  out += profileShortname_;
+}
+
+const Array<WString>& FragmentProfileInstance::getOutputNames() const {
+  if (hasOutputNames_) return outputNames_;
+  outputNames_.resize(numOutputs_);
+  for (std::size_t i = 0; i < numOutputs_; ++i) appendOutputName(outputNames_[i], i);
+  hasOutputNames_ = true;
+  return outputNames_;
+}
+
 // Outputs.
 
 void FragmentProfileInstance::setNumOutputs(std::size_t count) {
-  if (!outputTypes_.empty()) outputTypes_.resize(count);
+  getOutputNames();
   outputNames_.resize(count);
-  outputKeys_.clear();
+  numOutputs_ = count;
+  if (!extras_) return;
+  if (!extras_->outputTypes.empty()) extras_->outputTypes.resize(count);
+  extras_->outputKeys.clear();
 }
 
 const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {
   static const WString none;
-  if (!outputTypes_.empty()) return outputTypes_[index];
+  if (extras_ && !extras_->outputTypes.empty()) return extras_->outputTypes[index];
   const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
   return parameters != nullptr && index < parameters->getNumOutputs() ? parameters->getOutputType(index)
                                                                       : none;
@@ -113,41 +158,44 @@ const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {
 void FragmentProfileInstance::setOutput(std::size_t index, WString type, WString name) {
   if (type != getOutputType(index)) {
     Array<WString> types;
-    for (std::size_t i = 0; i < outputNames_.size(); ++i) types.push_back(getOutputType(i));
+    for (std::size_t i = 0; i < numOutputs_; ++i) types.push_back(getOutputType(i));
     types[index] = std::move(type);
-    outputTypes_ = std::move(types);
+    extras().outputTypes = std::move(types);
   }
+  getOutputNames();
   outputNames_[index] = std::move(name);
-  outputKeys_.clear();
+  if (extras_) extras_->outputKeys.clear();
 }
 
 const WString& FragmentProfileInstance::getOutputKey(std::size_t index) const {
-  if (outputKeys_.empty()) {
-    for (std::size_t i = 0; i < outputNames_.size(); ++i) {
-      outputKeys_.push_back(getOutputType(i) + L" " + outputNames_[i]);
+  Array<WString>& keys = extras().outputKeys;
+  if (keys.empty()) {
+    for (std::size_t i = 0; i < numOutputs_; ++i) {
+      keys.push_back(getOutputType(i) + L" ");
+      appendOutputName(keys.back(), i);
     }
   }
-  return outputKeys_[index];
+  return keys[index];
 }
 
 bool FragmentProfileInstance::declareOutputs(WString& out) {
   if (outputsDeclared_) return true;
   outputsDeclared_ = true;
-  for (std::size_t i = 0; i < outputNames_.size(); ++i) {
-    if (!getOutputType(i).empty()) appendDeclaration(out, getOutputType(i), outputNames_[i]);
+  for (std::size_t i = 0; i < numOutputs_; ++i) {
+    if (!getOutputType(i).empty()) appendDeclaration(out, *this, i);
   }
   return true;
 }
 
 bool FragmentProfileInstance::declareUnspecifiedOutputs(WString& out, Array<WString>& outputValues) {
-  outputValues.resize(outputNames_.size());
+  outputValues.resize(numOutputs_);
   if (outputsDeclared_) return true;
   outputsDeclared_ = true;
-  for (std::size_t i = 0; i < outputNames_.size(); ++i) {
+  for (std::size_t i = 0; i < numOutputs_; ++i) {
     if (getOutputType(i).empty()) return false;
     if (!outputValues[i].empty()) continue;
-    appendDeclaration(out, getOutputType(i), outputNames_[i]);
-    outputValues[i] = outputNames_[i];
+    appendDeclaration(out, *this, i);
+    appendOutputName(outputValues[i], i);
   }
   return true;
 }
@@ -165,7 +213,8 @@ void FragmentProfileInstance::dropPatterns() {
 
 KeywordReplacePattern& FragmentProfileInstance::getUniformReplacePattern() {
   KeywordReplacePattern& pattern = patterns().uniform;
-  if (pattern.empty() && !uniformOriginal_.empty()) pattern.addReplacePattern(uniformOriginal_, uniformNew_);
+  if (pattern.empty() && hasUniforms())
+    pattern.addReplacePattern(extras_->uniformOriginal, extras_->uniformNew);
   return pattern;
 }
 
@@ -251,9 +300,11 @@ bool FragmentProfileInstance::writeRequirements(AShaderFragmentProfile* target,
   if (patterns_) patterns_->keyword.clearReplacePattern();
   CodeSnippetInstance predefines;
   profile_->writePredefines(predefines, context, *this);
-  const KeywordReplacePattern calls =
-      callPattern(profile_->getPredefineBuiltinFunctions(), builtinFunctionValuesInPredefine_);
-  context.writePredefine(predefines, calls, getKeywordReplacePattern());
+  if (predefines.getNumSymbols() != 0) {
+    const KeywordReplacePattern calls =
+        callPattern(profile_->getPredefineBuiltinFunctions(), getBuiltinFunctionValueInPredefine());
+    context.writePredefine(predefines, calls, getKeywordReplacePattern());
+  }
 
   if (target != nullptr) {
     target->includes().insert(profile_->includes().begin(), profile_->includes().end());
@@ -272,8 +323,7 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
 
   // What another instance wrote in the very same words need not be made again to be found to be there.
   const bool isShared = hasSharedDefinition();
-  WString key = isShared ? definitionKey() : WString();
-  if (isShared && context.takeWrittenDefinition(*this, key)) {
+  if (isShared && context.takeWrittenDefinition(*this)) {
     dropPatterns();
     return true;
   }
@@ -281,7 +331,9 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
   CodeSnippetInstance definition;
   if (!profile_->writeDefinition(definition, context, *this)) return false;
   const KeywordReplacePattern calls =
-      callPattern(profile_->getBodyBuiltinFunctions(), builtinFunctionValuesInBody_);
+      callPattern(profile_->getBodyBuiltinFunctions(), getBuiltinFunctionValueInBody());
+  WString key;
+  if (isShared) appendDefinitionKey(key);
   context.writeDefinition(definition, calls, *this);
   if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this, std::move(key));
   dropPatterns();
@@ -293,19 +345,18 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
 bool FragmentProfileInstance::hasSharedDefinition() const {
   const AShaderFragmentProfile& profile = *profile_;
   return typeid(profile) == typeid(AShaderFragmentProfileFunction) && !requiresCurrentLight_ &&
-         profile_->customStateVariables().empty() && uniformOriginal_.empty() &&
+         profile_->customStateVariables().empty() && !hasUniforms() &&
          (!patterns_ ||
           (patterns_->keyword.empty() && patterns_->uniform.empty() && patterns_->shader.empty())) &&
          profile_->GetDefaultShaderRepalcePattern().empty();
 }
 
-WString FragmentProfileInstance::definitionKey() const {
-  WString key = functionName_;
-  for (const WString& value : builtinFunctionValuesInBody_) {
+void FragmentProfileInstance::appendDefinitionKey(WString& key) const {
+  appendFunctionName(key);
+  for (const WString& value : getBuiltinFunctionValueInBody()) {
     key += L' ';
     key += value;
   }
-  return key;
 }
 
 bool FragmentProfileInstance::mustWriteCall(const AShaderCollapseContext& context) {
@@ -313,9 +364,10 @@ bool FragmentProfileInstance::mustWriteCall(const AShaderCollapseContext& contex
   if (inShaderFunctionCall_) return true;
   if (requiresCurrentLight_) {
     const std::size_t light = context.getActiveLightIndex();
-    if (callWrittenForLight_.size() <= light) callWrittenForLight_.resize(light + 1, false);
-    if (callWrittenForLight_[light]) return false;
-    callWrittenForLight_[light] = true;
+    Array<bool>& isWritten = extras().callWrittenForLight;
+    if (isWritten.size() <= light) isWritten.resize(light + 1, false);
+    if (isWritten[light]) return false;
+    isWritten[light] = true;
   } else if (callWritten_ && !isInlineProfile_) {
     return false;
   }

@@ -1,8 +1,12 @@
 #include "sfg/shader_collapse_context.h"
 
+#include <optional>
 #include <utility>
 
 #include "collapse/evaluator.h"
+#include "collapse/instance_table.h"
+#include "collapse/visited_fragments.h"
+#include "collapse/written_definitions.h"
 #include "sfg/code_snippet.h"
 #include "sfg/scoped_text.h"
 #include "sfg/size_limit.h"
@@ -26,6 +30,9 @@ bool isBlankCode(const WString& code) {
 
 AShaderCollapseContext::AShaderCollapseContext()
     : result_(makeRef<AShaderFragment>()), resultProfile_(makeRef<AShaderFragmentProfileFunction>()),
+      fragmentInstances_(std::make_unique<InstanceTable>()),
+      lightFragmentInstances_(std::make_unique<InstanceTable>()),
+      writtenDefinitions_(std::make_unique<WrittenDefinitions>()),
       evaluator_(std::make_unique<FragmentEvaluator>(*this)) {
   resultProfile_->setProfilename(L"default");
 }
@@ -44,8 +51,9 @@ bool AShaderCollapseContext::initialize(const RefPtr<ILanguageTraits const>& lan
   options_ = options;
   if (!graph_ || !language) return false;
 
+  VisitedFragments visited;
   for (const ShaderFragmentConnection& connection : graph_->getOutputConnections()) {
-    if (connection.fragment != nullptr && !createInstances(connection.fragment)) return false;
+    if (connection.fragment != nullptr && !createInstances(connection.fragment, visited)) return false;
   }
   const std::size_t lights = environment_ ? environment_->getNumLights() : 0;
   for (std::size_t i = 0; i < lights; ++i) {
@@ -56,36 +64,35 @@ bool AShaderCollapseContext::initialize(const RefPtr<ILanguageTraits const>& lan
 
 /// Creates the instance of a fragment and, before it, those of everything that feeds it, but for what was
 /// visited.
-bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment) {
+bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment, VisitedFragments& visited) {
   struct Visit {
     const IShaderFragment* fragment;
     std::size_t nextInput;
   };
   Array<Visit> path;
-  if (markVisited(fragment)) path.push_back({fragment, 0});
+  if (visited.insert(fragment)) path.push_back({fragment, 0});
   while (!path.empty()) {
     Visit& visit = path.back();
     const Array<ShaderFragmentConnection>& connections = visit.fragment->getInputConnections();
     if (visit.nextInput < connections.size()) {
       const IShaderFragment* source = connections[visit.nextInput++].fragment;
-      if (source != nullptr && markVisited(source)) path.push_back({source, 0});
+      if (source != nullptr && visited.insert(source)) path.push_back({source, 0});
     } else {
-      if (!createInstance(visit.fragment)) return false;
+      FragmentInstance* instance = createInstance(visit.fragment);
+      if (instance == nullptr) return false;
+      visited.setInstance(visit.fragment, instance);
+      instance->setSources(visited);
       path.pop_back();
     }
   }
   return true;
 }
 
-/// False when it is marked already.
-bool AShaderCollapseContext::markVisited(const IShaderFragment* fragment) {
-  return !std::exchange(knownFragments_[fragment].isVisited, true);
-}
-
-bool AShaderCollapseContext::createInstance(const IShaderFragment* fragment) {
+/// Null when it cannot be created.
+FragmentInstance* AShaderCollapseContext::createInstance(const IShaderFragment* fragment) {
   FragmentInstance& instance = getFragmentInstance(fragment);
-  return instance.isInitialized() ||
-         instance.create(*this, getLanguage(), dynamic_cast<const AShaderFragment*>(fragment));
+  const auto* ours = dynamic_cast<const AShaderFragment*>(fragment);
+  return instance.isInitialized() || instance.create(*this, getLanguage(), ours) ? &instance : nullptr;
 }
 
 bool AShaderCollapseContext::createLightInstance(const IShaderFragment* light) {
@@ -113,24 +120,18 @@ bool AShaderCollapseContext::getConstValue(WString& value, const AParameter* par
 
 // Instances.
 
-FragmentInstance& AShaderCollapseContext::findOrMakeInstance(InstanceMap& instances, const WString& name) {
-  const auto [entry, isNew] = instances.try_emplace(name);
-  if (isNew) entry->second.creationNumber_ = ++instancesMade_;
-  return entry->second;
+FragmentInstance& AShaderCollapseContext::getInstance(InstanceTable& instances, const WString& name) {
+  FragmentInstance& instance = instances.get(name);
+  if (instance.creationNumber_ == 0) instance.creationNumber_ = ++instancesMade_;
+  return instance;
 }
 
 FragmentInstance& AShaderCollapseContext::getFragmentInstance(const IShaderFragment* fragment) {
-  InstanceMap::value_type*& entry = knownFragments_[fragment].entry;
-  // The name decides: a fragment may be gone and another one stand at its address.
-  if (entry == nullptr || entry->first != fragment->instanceName()) {
-    findOrMakeInstance(fragmentInstances_, fragment->instanceName());
-    entry = &*fragmentInstances_.find(fragment->instanceName());
-  }
-  return entry->second;
+  return getInstance(*fragmentInstances_, fragment->instanceName());
 }
 
 FragmentInstance& AShaderCollapseContext::getLightFragmentInstance(const IShaderFragment* fragment) {
-  return findOrMakeInstance(lightFragmentInstances_, fragment->instanceName());
+  return getInstance(*lightFragmentInstances_, fragment->instanceName());
 }
 
 bool AShaderCollapseContext::getFragmentKeyExist(const WString& key) const {
@@ -151,17 +152,40 @@ void AShaderCollapseContext::setActiveLightIndex(std::size_t index) noexcept {
 }
 
 bool AShaderCollapseContext::requiresCurrentLight() const {
-  for (const auto& [name, instance] : fragmentInstances_) {
-    if (instance.requiresCurrentLight()) return true;
+  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i) {
+    if ((*fragmentInstances_)[i].instance.requiresCurrentLight()) return true;
   }
   return false;
 }
 
+/// All have theirs when none fails. When some do, those whose names come before that of the first that fails.
 bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName) {
-  for (auto& [name, instance] : fragmentInstances_) {
-    if (!instance.activateBestProfile(*this, profileName, getSurfaceLOD())) return false;
+  struct Change {
+    std::wstring_view name;
+    FragmentInstance* instance;
+    const IShaderFragmentProfile* profile;
+  };
+  Array<Change> changes;
+  std::optional<std::wstring_view> firstFailing;
+  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i) {
+    auto& [name, instance] = (*fragmentInstances_)[i];
+    const float lod = getSurfaceLOD();
+    if (instance.hasAnswered(profileRequest(profileName, lod))) continue;
+    const IShaderFragmentProfile* profile = instance.findProfile(*this, profileName, lod);
+    if (profile == nullptr) {
+      if (!firstFailing || name < *firstFailing) firstFailing = name;
+    } else if (instance.hasActiveProfile(profile)) {
+      instance.profileRequest_ = profileRequests_;
+    } else {
+      changes.push_back({name, &instance, profile});
+    }
   }
-  return true;
+  for (const Change& change : changes) {
+    if (firstFailing && change.name >= *firstFailing) continue;
+    change.instance->changeProfile(*this, change.profile);
+    if (!firstFailing) change.instance->profileRequest_ = profileRequests_;
+  }
+  return !firstFailing;
 }
 
 std::uint32_t AShaderCollapseContext::profileRequest(const WString& profileName, float lod) {
@@ -217,18 +241,19 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
 }
 
 /// Gives the function the name under which another instance wrote it; false when none did.
-bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance,
-                                                   const WString& key) const {
-  const auto found = writtenDefinitions_.find(std::pair(instance.getProfile(), std::wstring_view(key)));
-  if (found == writtenDefinitions_.end()) return false;
-  if (!found->second.empty()) instance.setFunctionName(found->second);
+bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance) {
+  WString& key = writtenDefinitions_->searchedKey();
+  instance.appendDefinitionKey(key);
+  const WrittenDefinitions::Definition* found = writtenDefinitions_->find(instance.getProfile(), key);
+  if (found == nullptr) return false;
+  if (!found->rename.empty()) instance.setFunctionName(found->rename);
   return true;
 }
 
 void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance, WString key) {
   const WString& name = instance.getFunctionName();
   const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');
-  writtenDefinitions_.try_emplace({instance.getProfile(), std::move(key)}, isRenamed ? name : WString());
+  writtenDefinitions_->add(instance.getProfile(), key, isRenamed ? name : WString());
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -91,7 +91,7 @@ const IShaderFragmentProfile* AShaderFragment::findFirstProfile(const UString& l
 
 const IShaderFragmentProfile* AShaderFragment::findBestProfile(const WString& profileName,
                                                                const UString& language, float lod) const {
-  const auto found = profiles_->byNameAndLanguage.find(profileKey(profileName, language));
+  const auto found = profiles_->byNameAndLanguage.find(ProfileKeyView{profileName, language.view()});
   if (found == profiles_->byNameAndLanguage.end() || found->second.empty()) return nullptr;
   const IShaderFragmentProfile* best = nullptr;
   float bestDistance = 0.0f;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/never_destroyed.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics {
@@ -100,20 +101,47 @@ bool readConstant(const IObjectDataNode& object) {
   return member->asBool();
 }
 
+using SharedValue = std::shared_ptr<const AValue>;
+
+Map<TypeID, SharedValue> makeDefaultValues() {
+  Map<TypeID, SharedValue> values;
+  values.emplace(TypeID_nil, std::make_shared<const AValue>());
+  for (const TypeID& type : allTypes()) values.emplace(type, std::make_shared<const AValue>(type));
+  return values;
+}
+
+/// One value for all parameters of a type.
+SharedValue defaultValueOf(const TypeID& type) {
+  static const NeverDestroyed<Map<TypeID, SharedValue>> values(makeDefaultValues());
+  const auto found = values.get().find(type);
+  return found != values.get().end() ? found->second : std::make_shared<const AValue>(type);
+}
+
 }  // namespace
 
-AParameter::AParameter() = default;
+AParameter::AParameter() : AParameter(TypeID_nil, WString()) {}
 
 AParameter::AParameter(const TypeID& type, const WString& name)
-    : name_(name), type_(type), defaultValue_(type) {}
+    : name_(name), type_(type), defaultValue_(defaultValueOf(type)) {}
 
-AParameter::AParameter(const AParameter& other) = default;
+AParameter::AParameter(const AParameter& other, WString name)
+    : name_(std::move(name)), structName_(other.structName_), semantic_(other.semantic_), type_(other.type_),
+      flags_(other.flags_), defaultValue_(other.defaultValue_) {}
 
 AParameter::~AParameter() = default;
 
+const WString& AParameter::getLoadError() const noexcept {
+  static const NeverDestroyed<WString> none;
+  return loadError_ ? *loadError_ : none.get();
+}
+
 void AParameter::setType(const TypeID& type) {
   type_ = type;
-  defaultValue_ = AValue(type);
+  defaultValue_ = defaultValueOf(type);
+}
+
+void AParameter::setDefaultValue(const AValue& value) {
+  defaultValue_ = std::make_shared<const AValue>(value);
 }
 
 bool AParameter::load(const IObjectDataNode* node) try {
@@ -136,20 +164,18 @@ bool AParameter::load(const IObjectDataNode* node) try {
   name_ = name;
   structName_ = std::move(structName);
   type_ = type;
-  defaultValue_ = value;
+  setDefaultValue(value);
   flags_ = isConstant ? kConstantFlag : 0;
   semantic_ = semantic == nullptr ? UString() : UString(*semantic);
-  loadError_.clear();
+  loadError_.reset();
   return true;
 } catch (const LoadFailure& failure) {
-  loadError_ = failure.message;
+  loadError_ = std::make_unique<const WString>(failure.message);
   return false;
 }
 
-OverrideNameParameter::OverrideNameParameter(const AParameter& original, const WString& name)
-    : AParameter(original), original_(&original) {
-  setName(name);
-}
+OverrideNameParameter::OverrideNameParameter(const AParameter& original, WString name)
+    : AParameter(original, std::move(name)), original_(&original) {}
 
 OverrideNameParameter::~OverrideNameParameter() = default;
 

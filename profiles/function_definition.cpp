@@ -50,7 +50,7 @@ bool FunctionDefinition::write(CodeSnippetInstance& out, const KeywordReplacePat
 bool FunctionDefinition::writeHead(Text& text) const {
   text.code.reserve(profile_.getFunctionBody().size() + kTypicalHeadLength);
   text.code += kResult;
-  text.code += instance_.getFunctionName();
+  instance_.appendFunctionName(text.code);
   text.code += L'(';
   if (!appendDeclaredParameters(text.code, L"    ", profile_, context_)) return false;
   text.code += L")\n";

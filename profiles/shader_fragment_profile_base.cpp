@@ -208,6 +208,7 @@ const CodeSnippet& AShaderFragmentProfile::predefineSnippet() const {
 
 bool AShaderFragmentProfile::writePredefines(CodeSnippetInstance& out, AShaderCollapseContext&,
                                              FragmentProfileInstance& instance) const {
+  if (predefines_.empty() && predefineSnippet_.getNumSymbols() == 0) return true;
   const KeywordReplacePattern& uniforms = instance.getUniformReplacePattern();
   const KeywordReplacePattern& shaders = instance.getShaderReplacePattern();
   if (uniforms.empty() && shaders.empty()) {

@@ -69,7 +69,7 @@ bool AShaderFragmentProfileFunction::writeFunctionCall(WString& out, AShaderColl
                                                        const Array<WString>& inputValues,
                                                        const Array<WString>& outputValues) const {
   out += L"    ";
-  out += instance.getFunctionName();
+  instance.appendFunctionName(out);
   out += L'(';
   if (!appendArguments(out, L"        ", *this, context, inputValues, outputValues)) return false;
   out += L");\n";

@@ -5,10 +5,10 @@
 #include <deque>
 #include <functional>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "sfg/size_limit.h"
+#include "text/hash_index.h"
 #include "text/text_store.h"
 #include "tolmsdk/exception.h"
 
@@ -44,6 +44,7 @@ struct CodeAccumulator::Impl {
 
   /// What a name is used as. A null text stands for the name itself.
   struct Name {
+    std::wstring_view text;
     bool isRecorded = false;  // by an earlier call
     const WString* recorded = nullptr;
     std::uint64_t call = 0;  // the last one that used it
@@ -53,9 +54,10 @@ struct CodeAccumulator::Impl {
   TextStore texts;
   std::deque<WString> generatedNames;
   std::uint64_t counter = 0;
-  std::unordered_map<std::wstring_view, Name> names;
+  std::deque<Name> names;
+  HashIndex namesByText;
   std::deque<Written> written;
-  std::unordered_multimap<std::size_t, const Written*> writtenByHash;
+  HashIndex writtenByHash;
 
   // The call in progress, or one that an exception ended.
   std::uint64_t call = 0;
@@ -72,12 +74,13 @@ struct CodeAccumulator::Impl {
   void finishCall();
   void append(WString& out, const ShaderSymbolInstance& symbol, const KeywordReplacePattern& pattern,
               KeywordReplacePattern& renamePattern);
+  const Name* findName(std::wstring_view text) const;
 
 private:
   void identify(const ShaderSymbolInstance& symbol, const KeywordReplacePattern& renamePattern);
   const Written* findWritten(std::size_t hash, std::wstring_view identity, std::wstring_view callRenames,
                              const Array<Texts>& renames) const;
-  Name& findName(std::wstring_view name);
+  Name& getName(std::wstring_view text);
   bool useInCall(Name& name);
   void reuseName(const WString* used, KeywordReplacePattern& renamePattern);
   const WString* chooseName(KeywordReplacePattern& renamePattern);
@@ -95,8 +98,8 @@ void CodeAccumulator::Impl::beginCall() {
 void CodeAccumulator::Impl::finishCall() {
   for (Written& symbol : callWritten) {
     if (findWritten(symbol.hash, symbol.identity, symbol.callRenames, symbol.renames) != nullptr) continue;
+    writtenByHash.add(symbol.hash, written.size());
     written.push_back(std::move(symbol));
-    writtenByHash.emplace(written.back().hash, &written.back());
   }
   for (Name* name : callNames) {
     name->isRecorded = true;
@@ -147,20 +150,30 @@ const CodeAccumulator::Impl::Written* CodeAccumulator::Impl::findWritten(std::si
                                                                          std::wstring_view identity,
                                                                          std::wstring_view callRenames,
                                                                          const Array<Texts>& renames) const {
-  const auto [first, last] = writtenByHash.equal_range(hashOfAll);
   // Different symbols of one hash are too rare to be met by a test.
-  for (auto entry = first; entry != last; ++entry) {
-    const Written& symbol = *entry->second;
-    if (symbol.identity != identity) continue;        // GCOVR_EXCL_BR_LINE
-    if (symbol.callRenames != callRenames) continue;  // GCOVR_EXCL_BR_LINE
-    if (symbol.renames == renames) return &symbol;    // GCOVR_EXCL_BR_LINE
-  }
-  return nullptr;
+  const std::size_t known = writtenByHash.find(hashOfAll, [&](std::size_t i) {
+    const Written& symbol = written[i];
+    return symbol.identity == identity &&        // GCOVR_EXCL_BR_LINE
+           symbol.callRenames == callRenames &&  // GCOVR_EXCL_BR_LINE
+           symbol.renames == renames;            // GCOVR_EXCL_BR_LINE
+  });
+  return known != kNotFound ? &written[known] : nullptr;
 }
 
-CodeAccumulator::Impl::Name& CodeAccumulator::Impl::findName(std::wstring_view name) {
-  const auto known = names.find(name);
-  return known != names.end() ? known->second : names[texts.add(name)];
+/// Null for a name that was never used.
+const CodeAccumulator::Impl::Name* CodeAccumulator::Impl::findName(std::wstring_view text) const {
+  const std::size_t known = namesByText.find(std::hash<std::wstring_view>()(text),
+                                             [&](std::size_t i) { return names[i].text == text; });
+  return known != kNotFound ? &names[known] : nullptr;
+}
+
+CodeAccumulator::Impl::Name& CodeAccumulator::Impl::getName(std::wstring_view text) {
+  const std::size_t hashOfText = std::hash<std::wstring_view>()(text);
+  const std::size_t known =
+      namesByText.find(hashOfText, [&](std::size_t i) { return names[i].text == text; });
+  if (known != kNotFound) return names[known];
+  namesByText.add(hashOfText, names.size());
+  return names.emplace_back(Name{.text = texts.add(text)});
 }
 
 /// Whether this is the name's first use in the call.
@@ -173,14 +186,14 @@ bool CodeAccumulator::Impl::useInCall(Name& name) {
 
 /// The symbol is not written again: this call refers to it under the name it was written under.
 void CodeAccumulator::Impl::reuseName(const WString* used, KeywordReplacePattern& renamePattern) {
-  Name& name = findName(ownName);
+  Name& name = getName(ownName);
   if (useInCall(name)) name.inCall = used;
   if (used != nullptr && !holdsRule(renamePattern, ownName, *used))
     renamePattern.addReplacePattern(ownName, *used);
 }
 
 const WString* CodeAccumulator::Impl::chooseName(KeywordReplacePattern& renamePattern) {
-  Name& name = findName(ownName);
+  Name& name = getName(ownName);
   if (useInCall(name)) {
     name.inCall = name.isRecorded ? generateName() : nullptr;
     if (name.inCall != nullptr) renamePattern.addReplacePattern(ownName, *name.inCall);
@@ -193,9 +206,8 @@ const WString* CodeAccumulator::Impl::generateName() {
   WString candidate = ownName;
   for (;;) {
     appendDecimal(candidate, static_cast<std::size_t>(++counter));
-    const auto known = names.find(candidate);
-    if (known == names.end() || !known->second.isRecorded)
-      return &generatedNames.emplace_back(std::move(candidate));
+    const Name* known = findName(candidate);
+    if (known == nullptr || !known->isRecorded) return &generatedNames.emplace_back(std::move(candidate));
   }
 }
 
@@ -219,9 +231,8 @@ void CodeAccumulator::append(WString& out, const CodeSnippetInstance& code,
 }
 
 const WString& CodeAccumulator::getRename(const WString& name) const {
-  const auto known = impl_->names.find(name);
-  if (known == impl_->names.end() || known->second.recorded == nullptr) return name;
-  return *known->second.recorded;
+  const Impl::Name* known = impl_->findName(name);
+  return known != nullptr && known->recorded != nullptr ? *known->recorded : name;
 }
 
 void CodeAccumulator::clear() { impl_ = std::make_unique<Impl>(); }

@@ -133,7 +133,7 @@ void KeywordReplacer::appendAndReplace(WString& out, const ScopedText& text) con
 
 void KeywordReplacer::appendReplaced(WString& out, const ScopedText& text) const {
   if (text.empty()) return;
-  out.reserve(out.size() + text.length);
+  if (out.empty()) out.reserve(text.length);
   KeywordCursors keywords(keywords_, replacements_, text);
   auto positional = positionalReplacements_.begin();
   std::size_t cursor = 0;

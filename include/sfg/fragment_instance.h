@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
+#include <memory>
+#include <optional>
 
 #include "sfg/export.h"
 #include "sfg/fragment_profile_instance.h"
@@ -16,6 +18,7 @@
 namespace TolmSDK::Graphics::sfg {
 
 class AShaderCollapseContext;
+class VisitedFragments;
 
 /// Gives the fragment's uniforms and unconnected inputs unique names, activates one of its profiles, and
 /// evaluates it: first the fragments that feed it, then its requirements, definition and call. Evaluation
@@ -74,10 +77,29 @@ private:
 
   /// As setActiveProfile, but answers false where that throws.
   bool activateBestProfile(AShaderCollapseContext& context, const WString& profileName, float lod);
+  /// The best profile of that name, else of the name "default"; null without any.
+  const IShaderFragmentProfile* findProfile(const AShaderCollapseContext& context, const WString& profileName,
+                                            float lod) const;
+  bool hasActiveProfile(const IShaderFragmentProfile* profile) const;
+  bool hasAnswered(std::uint32_t request) const { return fragment_ && request == profileRequest_; }
+  void changeProfile(AShaderCollapseContext& context, const IShaderFragmentProfile* profile);
   void activateProfile(const IShaderFragmentProfile* profile);
+  FragmentProfileInstance* findProfileInstance(const AShaderFragmentProfile* profile);
+  FragmentProfileInstance& makeProfileInstance();
   void makeUniformsUnique();
   void createInputUniform(const AShaderCollapseContext& context, std::size_t input);
   bool hasActiveProfileOutput(std::size_t index) const;
+  /// Appends what getActiveProfileOutput() answers.
+  void appendActiveProfileOutput(WString& out, std::size_t index) const;
+  const WString& inputValue(std::size_t input) const;
+  void setSources(const VisitedFragments& visited);
+
+  /// What an input that no fragment feeds has as its value: a uniform's name, or a text of its own.
+  struct InputValue {
+    RefPtr<AParameter const> uniform;
+    std::unique_ptr<const WString> text;
+    FragmentInstance* source = nullptr;  // of the fragment that fed the input when the instance was made
+  };
 
   bool initialized_ = false;
   bool uniformsWritten_ = false;
@@ -85,10 +107,11 @@ private:
   RefPtr<ILanguageTraits const> language_;
   FragmentProfileInstance* activeProfileInstance_ = nullptr;
   RefPtr<AShaderFragment const> fragment_;
-  std::list<FragmentProfileInstance, StlAllocator<FragmentProfileInstance>> profileInstances_;
-  Array<RefPtr<AParameter const>>
-      uniforms_;  // its own, then those of its inputs, until they are the result's
-  Array<WString> inputValues_;
+  // Most fragments use one profile.
+  std::optional<FragmentProfileInstance> firstProfileInstance_;
+  std::list<FragmentProfileInstance, StlAllocator<FragmentProfileInstance>> otherProfileInstances_;
+  Array<RefPtr<AParameter const>> uniforms_;  // its own
+  Array<InputValue> inputValues_;
   Array<WString> accumulateOutputs_;
 
   // Kept by the context: the order in which instances were made, and the profile request that was answered

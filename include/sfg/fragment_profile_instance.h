@@ -41,18 +41,22 @@ public:
   const ILanguageTraits* getLanguage() const noexcept { return language_.get(); }
   const AShaderFragmentProfile* getProfile() const noexcept { return profile_.get(); }
 
-  const WString& getFunctionName() const noexcept { return functionName_; }
-  void setFunctionName(const WString& name) { functionName_ = name; }
+  const WString& getFunctionName() const;
+  void setFunctionName(const WString& name);
+  /// Appends what getFunctionName() answers, without making a text of its own for it.
+  void appendFunctionName(WString& out) const;
   const WString& getProfilename() const;
   const WString& getProfileShortname() const noexcept { return profileShortname_; }
 
   // Outputs: a type text (empty for an inline expression), a variable name (or the expression), and both as a
   // key.
-  std::size_t getNumOutputs() const noexcept { return outputNames_.size(); }
+  std::size_t getNumOutputs() const noexcept { return numOutputs_; }
   const WString& getOutputType(std::size_t index) const;
-  const WString& getOutputName(std::size_t index) const { return outputNames_[index]; }
+  const WString& getOutputName(std::size_t index) const { return getOutputNames()[index]; }
+  /// Appends what getOutputName() answers, without making a text of its own for it.
+  void appendOutputName(WString& out, std::size_t index) const;
   const WString& getOutputKey(std::size_t index) const;
-  const Array<WString>& getOutputNames() const noexcept { return outputNames_; }
+  const Array<WString>& getOutputNames() const;
   void setNumOutputs(std::size_t count);
   void setOutput(std::size_t index, WString type, WString name);
   /// Appends a declaration of every typed output, once.
@@ -67,8 +71,8 @@ public:
   KeywordReplacePattern& getUniformReplacePattern();
   /// From sfg_shader calls to what replaces them; at first the profile's default, which removes them.
   KeywordReplacePattern& getShaderReplacePattern();
-  Array<WString>& getUniformOriginal() noexcept { return uniformOriginal_; }
-  Array<WString>& getUniformNew() noexcept { return uniformNew_; }
+  Array<WString>& getUniformOriginal() { return extras().uniformOriginal; }
+  Array<WString>& getUniformNew() { return extras().uniformNew; }
 
   /// Index of the input (output) of exactly that name in the profile's parameter list, or the not-found
   /// value.
@@ -80,10 +84,10 @@ public:
 
   /// One value per built-in call of the profile's predefines and of its body.
   const Array<WString>& getBuiltinFunctionValueInPredefine() const noexcept {
-    return builtinFunctionValuesInPredefine_;
+    return extras_ ? extras_->builtinFunctionValuesInPredefine : none();
   }
   const Array<WString>& getBuiltinFunctionValueInBody() const noexcept {
-    return builtinFunctionValuesInBody_;
+    return extras_ ? extras_->builtinFunctionValuesInBody : none();
   }
 
   void beginShaderFunctionCall() noexcept { inShaderFunctionCall_ = true; }
@@ -99,6 +103,8 @@ public:
                          const Array<WString>& outputValues);
 
 private:
+  friend class AShaderCollapseContext;
+
   /// Needed until requirements and definition are written.
   struct Patterns {
     KeywordReplacePattern keyword;
@@ -106,16 +112,31 @@ private:
     KeywordReplacePattern uniform;
   };
 
+  /// What many instances do without.
+  struct Extras {
+    Array<WString> outputTypes;  // empty as long as they are those of the profile
+    Array<WString> outputKeys;   // made when asked for
+    Array<WString> uniformOriginal;
+    Array<WString> uniformNew;
+    Array<bool> callWrittenForLight;
+    Array<WString> builtinFunctionValuesInPredefine;
+    Array<WString> builtinFunctionValuesInBody;
+  };
+
   Patterns& patterns();
+  Extras& extras() const;
+  static const Array<WString>& none() noexcept;
+  bool hasUniforms() const noexcept { return extras_ && !extras_->uniformOriginal.empty(); }
   void dropPatterns();
   bool mustWriteCall(const AShaderCollapseContext& context);
   bool hasSharedDefinition() const;
-  WString definitionKey() const;
+  void appendDefinitionKey(WString& key) const;
   WString builtinFunctionValue(const BuiltinFunction& use) const;
   Array<WString> builtinFunctionValues(const Array<BuiltinFunction>& uses) const;
   bool isFinalOutput(std::size_t index) const;
 
   std::unique_ptr<Patterns> patterns_;
+  mutable std::unique_ptr<Extras> extras_;
   bool initialized_ = false;
   bool requirementsWritten_ = false;
   bool definitionWritten_ = false;
@@ -128,15 +149,12 @@ private:
   RefPtr<AShaderFragment const> fragment_;
   RefPtr<AShaderFragmentProfile const> profile_;
   WString profileShortname_;
-  WString functionName_;
-  Array<WString> outputTypes_;  // empty as long as they are those of the profile
-  Array<WString> outputNames_;
-  mutable Array<WString> outputKeys_;  // made when asked for
-  Array<WString> uniformOriginal_;
-  Array<WString> uniformNew_;
-  Array<bool> callWrittenForLight_;
-  Array<WString> builtinFunctionValuesInPredefine_;
-  Array<WString> builtinFunctionValuesInBody_;
+  std::size_t numOutputs_ = 0;
+  // Both names follow from fragment and profile; texts of their own are made when somebody asks for them.
+  mutable bool hasFunctionName_ = false;
+  mutable bool hasOutputNames_ = false;
+  mutable WString functionName_;
+  mutable Array<WString> outputNames_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg

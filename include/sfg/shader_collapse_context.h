@@ -4,11 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
 
 #include "sfg/code_accumulator.h"
 #include "sfg/export.h"
@@ -24,6 +21,9 @@
 namespace TolmSDK::Graphics::sfg {
 
 class FragmentEvaluator;
+class InstanceTable;
+class VisitedFragments;
+class WrittenDefinitions;
 
 /// Owns the fragment being produced, one instance per fragment reached and per light, and the accumulator
 /// through which all code reaches the result. Belongs to its tool; used by one thread. Write operations
@@ -94,30 +94,12 @@ private:
   friend class FragmentInstance;
   friend class FragmentProfileInstance;
 
-  using InstanceMap = Map<WString, FragmentInstance>;
-
-  /// What is known about a fragment: its entry among the instances, and whether a walk has come to it.
-  struct Known {
-    InstanceMap::value_type* entry = nullptr;
-    bool isVisited = false;
-  };
-  /// A profile and a text, found by a view of the text.
-  struct DefinitionLess {
-    using is_transparent = void;
-    template <class A, class B>
-    bool operator()(const A& a, const B& b) const {
-      if (a.first != b.first) return std::less<>()(a.first, b.first);
-      return std::wstring_view(a.second) < std::wstring_view(b.second);
-    }
-  };
-
-  bool createInstances(const IShaderFragment* fragment);
-  bool markVisited(const IShaderFragment* fragment);
-  bool createInstance(const IShaderFragment* fragment);
+  bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
+  FragmentInstance* createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
-  FragmentInstance& findOrMakeInstance(InstanceMap& instances, const WString& name);
+  FragmentInstance& getInstance(InstanceTable& instances, const WString& name);
   FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
-  bool takeWrittenDefinition(FragmentProfileInstance& instance, const WString& key) const;
+  bool takeWrittenDefinition(FragmentProfileInstance& instance);
   void rememberWrittenDefinition(const FragmentProfileInstance& instance, WString key);
   std::uint32_t profileRequest(const WString& profileName, float lod);
 
@@ -128,14 +110,10 @@ private:
   RefPtr<AShaderFragment> result_;
   RefPtr<AShaderFragmentProfile> resultProfile_;
   Set<WString> fragmentKeys_;
-  InstanceMap fragmentInstances_;
-  InstanceMap lightFragmentInstances_;
-  std::unordered_map<const IShaderFragment*, Known>
-      knownFragments_;  // a faster way to the entries of the first map
+  std::unique_ptr<InstanceTable> fragmentInstances_;
+  std::unique_ptr<InstanceTable> lightFragmentInstances_;
   std::uint32_t instancesMade_ = 0;
-  // Functions that are written, by profile and what else their text depends on: the name they were given
-  // instead of their own, if any.
-  Map<std::pair<const AShaderFragmentProfile*, WString>, WString, DefinitionLess> writtenDefinitions_;
+  std::unique_ptr<WrittenDefinitions> writtenDefinitions_;
   std::unique_ptr<FragmentEvaluator> evaluator_;
   // The profile asked for last, and how many times another one was asked for: equal numbers are equal
   // requests.

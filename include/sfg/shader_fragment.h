@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstddef>
 #include <memory>
+#include <string_view>
 
 #include "sfg/export.h"
 #include "sfg/shader_fragment_profile.h"
@@ -176,8 +177,23 @@ public:
   bool isConsolidatable() const noexcept { return consolidatable_; }
 
 private:
+  /// A profile's key in parts: its name with the language behind it.
+  struct ProfileKeyView {
+    std::wstring_view name;
+    std::wstring_view language;
+  };
+  struct ProfileKeyLess {
+    using is_transparent = void;
+    bool operator()(std::wstring_view a, std::wstring_view b) const { return a < b; }
+    bool operator()(std::wstring_view a, const ProfileKeyView& b) const { return compare(a, b) < 0; }
+    bool operator()(const ProfileKeyView& a, std::wstring_view b) const { return compare(b, a) > 0; }
+    static int compare(std::wstring_view a, const ProfileKeyView& b) {
+      const int names = a.substr(0, b.name.size()).compare(b.name);
+      return names != 0 ? names : a.substr(b.name.size()).compare(b.language);
+    }
+  };
   struct Profiles {
-    Map<WString, Array<RefPtr<IShaderFragmentProfile>>> byNameAndLanguage;
+    Map<WString, Array<RefPtr<IShaderFragmentProfile>>, ProfileKeyLess> byNameAndLanguage;
     Array<RefPtr<IShaderFragmentProfile>> list;
     std::atomic<bool> isShared{false};  ///< by a clone, once: it is never changed again
   };

@@ -3,6 +3,7 @@
 // Parameter records: ports of fragments and graphs, and uniforms.
 
 #include <cstdint>
+#include <memory>
 
 #include "tolmsdk/export.h"
 #include "tolmsdk/object_data_node.h"
@@ -30,7 +31,7 @@ public:
   /// the type has components), "constant" (boolean), "semantic" (string). Unknown keys are ignored. Answers
   /// false on anything malformed; getLoadError() then tells what, and the position where it is known.
   bool load(const IObjectDataNode* node);
-  const WString& getLoadError() const noexcept { return loadError_; }
+  const WString& getLoadError() const noexcept;
 
   const WString& getName() const noexcept { return name_; }
   void setName(const WString& name) { name_ = name; }
@@ -45,8 +46,8 @@ public:
   void setFlags(std::uint32_t flags) noexcept { flags_ = flags; }
   bool isConstant() const noexcept { return (flags_ & kConstantFlag) != 0; }
 
-  const AValue& getDefaultValue() const noexcept { return defaultValue_; }
-  void setDefaultValue(const AValue& value) { defaultValue_ = value; }
+  const AValue& getDefaultValue() const noexcept { return *defaultValue_; }
+  void setDefaultValue(const AValue& value);
 
   /// What the host binds the parameter to. Empty: a pre-process output is declared by the collapse, and an
   /// output is registered as a custom state variable.
@@ -54,22 +55,25 @@ public:
   void setSemantic(const UString& semantic) { semantic_ = semantic; }
 
 protected:
-  AParameter(const AParameter& other);
+  /// A copy under another name.
+  AParameter(const AParameter& other, WString name);
 
 private:
+  // A collapse makes a parameter for every uniform, so what most do not have, or have in common, is kept
+  // apart.
   WString name_;
   WString structName_;
-  WString loadError_;
+  std::unique_ptr<const WString> loadError_;
   UString semantic_;
   TypeID type_;
   std::uint32_t flags_ = 0;
-  AValue defaultValue_;
+  std::shared_ptr<const AValue> defaultValue_;  // never null; shared by copies
 };
 
 /// A copy of a parameter under another name: a uniform whose name is unique in a shader.
 class TOLMSDK_API OverrideNameParameter : public AParameter {
 public:
-  OverrideNameParameter(const AParameter& original, const WString& name);
+  OverrideNameParameter(const AParameter& original, WString name);
   ~OverrideNameParameter() override;
 
   /// The parameter copied; kept alive by this one.

@@ -1,0 +1,51 @@
+#pragma once
+
+// The fragments that a walk over a graph has come to.
+
+#include <cstddef>
+#include <functional>
+
+#include "sfg/shader_fragment.h"
+#include "text/hash_index.h"
+#include "tolmsdk/types.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+class FragmentInstance;
+
+/// Fragments with their instances, as far as those are made.
+class VisitedFragments {
+public:
+  /// False when it was visited before.
+  bool insert(const IShaderFragment* fragment) {
+    if (find(fragment) != kNotFound) return false;
+    index_.add(hashOf(fragment), visited_.size());
+    visited_.push_back({fragment, nullptr});
+    return true;
+  }
+  /// Of a fragment that was visited.
+  void setInstance(const IShaderFragment* fragment, FragmentInstance* instance) {
+    visited_[find(fragment)].instance = instance;
+  }
+  /// Null for a fragment without one.
+  FragmentInstance* getInstance(const IShaderFragment* fragment) const {
+    const std::size_t number = find(fragment);
+    return number != kNotFound ? visited_[number].instance : nullptr;
+  }
+
+private:
+  struct Visited {
+    const IShaderFragment* fragment;
+    FragmentInstance* instance;
+  };
+
+  static std::size_t hashOf(const IShaderFragment* fragment) { return std::hash<const void*>()(fragment); }
+  std::size_t find(const IShaderFragment* fragment) const {
+    return index_.find(hashOf(fragment), [&](std::size_t i) { return visited_[i].fragment == fragment; });
+  }
+
+  Array<Visited> visited_;
+  HashIndex index_;
+};
+
+}  // namespace TolmSDK::Graphics::sfg
