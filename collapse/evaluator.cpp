@@ -203,7 +203,12 @@ bool FragmentEvaluator::enter(Stack& stack, Frame frame) {
 bool FragmentEvaluator::begin(Frame& frame) {
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
   switch (frame.task) {
-  case Task::evaluate:
+  case Task::evaluate: {
+    const std::size_t before = body().size();
+    const bool done = active.declareOutputs(body());
+    declarations_.add(body().size() - before);
+    return done;
+  }
   case Task::evaluateShader: return active.declareOutputs(body());
   case Task::evaluateInto:
     return fitsOutputs(active, *frame.values) && active.declareUnspecifiedOutputs(body(), *frame.values);
@@ -330,13 +335,27 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
   const Array<WString>& outputValues = frame.values != nullptr ? *frame.values : outputNamesOf(active);
   // An expression checks its own length.
   if (!active.isInlineProfile()) checkTextLength(body().size() + totalLength(frame.inputValues));
+  const std::size_t before = body().size();
   if (!active.writeFunctionCall(body(), context_, frame.inputValues, outputValues)) return false;
   checkTextLength(body().size());
+  calls_.add(body().size() - before);
+  reserveTexts();
   if (watch.hasChanged()) startEpoch();
 
   instance.repeatList_ = makeList(std::move(frame.repeats));
   instance.evaluatedEpoch_ = frame.epoch;
   return true;
+}
+
+/// Forecasts the whole from what the instances so far have written. Without a forecast texts grow on their
+/// own.
+void FragmentEvaluator::reserveTexts() {
+  const std::size_t instances = context_.countSurfaceInstances();
+  if (isAlmostFull(body()) && calls_.pieces < instances)
+    growTo(body(), declarations_.rest(instances) + calls_.rest(instances));
+  WString& definitions = context_.getResultProfile()->predefines();
+  if (isAlmostFull(definitions) && calls_.pieces < instances)
+    growTo(definitions, TextRate{calls_.pieces, definitions.size()}.rest(instances));
 }
 
 /// The names of a function's outputs in texts that serve one call after another.

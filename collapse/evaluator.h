@@ -7,6 +7,7 @@
 #include <deque>
 #include <memory>
 
+#include "collapse/text_forecast.h"
 #include "sfg/fragment_instance.h"
 #include "sfg/keyword_replace.h"
 #include "tolmsdk/types.h"
@@ -93,6 +94,7 @@ private:
   bool takeSourceValue(Frame& frame, std::size_t output);
   bool finish(Frame& frame);
   bool finishEvaluation(Frame& frame);
+  void reserveTexts();
   const Array<WString>& outputNamesOf(const FragmentProfileInstance& instance);
   bool finishShaderFunction(Frame& frame);
   bool writeRequirementsAndDefinition(Frame& frame);
@@ -113,6 +115,8 @@ private:
   std::size_t runs_ = 0;
   Array<Array<WString>> spareTexts_;
   Array<WString> outputTexts_;
+  TextRate declarations_;
+  TextRate calls_;
   Array<Array<RepeatItem>> lists_{1};
 };
 

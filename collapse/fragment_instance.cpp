@@ -45,6 +45,11 @@ WString profileNumber(const AShaderFragment& fragment, const IShaderFragmentProf
 FragmentInstance::FragmentInstance() = default;
 FragmentInstance::~FragmentInstance() = default;
 
+FragmentInstance::Extras& FragmentInstance::extras() {
+  if (!extras_) extras_ = std::make_unique<Extras>();
+  return *extras_;
+}
+
 // Creation.
 
 bool FragmentInstance::create(AShaderCollapseContext& context, const ILanguageTraits* language,
@@ -80,7 +85,7 @@ void FragmentInstance::makeUniformsUnique() {
   for (std::size_t i = 0; i < fragment_->getNumUniforms(); ++i) {
     const AParameter* uniform = fragment_->getUniform(i);
     if (uniform == nullptr) continue;
-    uniforms_.push_back(
+    extras().uniforms.push_back(
         makeRef<OverrideNameParameter>(*uniform, uniform->getName() + fragment_->instanceName()));
   }
 }
@@ -182,14 +187,16 @@ void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
 FragmentProfileInstance* FragmentInstance::findProfileInstance(const AShaderFragmentProfile* profile) {
   if (profile == nullptr) return nullptr;
   if (firstProfileInstance_ && firstProfileInstance_->getProfile() == profile) return &*firstProfileInstance_;
-  for (FragmentProfileInstance& instance : otherProfileInstances_) {
+  if (!extras_) return nullptr;
+  for (FragmentProfileInstance& instance : extras_->otherProfileInstances) {
     if (instance.getProfile() == profile) return &instance;
   }
   return nullptr;
 }
 
 FragmentProfileInstance& FragmentInstance::makeProfileInstance() {
-  return firstProfileInstance_ ? otherProfileInstances_.emplace_back() : firstProfileInstance_.emplace();
+  return firstProfileInstance_ ? extras().otherProfileInstances.emplace_back()
+                               : firstProfileInstance_.emplace();
 }
 
 bool FragmentInstance::requiresCurrentLight() const {
@@ -201,37 +208,38 @@ void FragmentInstance::setOverrideFunctionName(const WString& name) {
 }
 
 bool FragmentInstance::hasActiveProfileOutput(std::size_t index) const {
-  if (!accumulateOutputs_.empty()) return index < accumulateOutputs_.size();
+  if (accumulates()) return index < extras_->accumulateOutputs.size();
   return activeProfileInstance_ != nullptr && index < activeProfileInstance_->getNumOutputs();
 }
 
 const WString& FragmentInstance::getActiveProfileOutput(std::size_t index) const {
   static const WString none;
   if (!hasActiveProfileOutput(index)) return none;
-  return accumulateOutputs_.empty() ? activeProfileInstance_->getOutputName(index)
-                                    : accumulateOutputs_[index];
+  return accumulates() ? extras_->accumulateOutputs[index] : activeProfileInstance_->getOutputName(index);
 }
 
 void FragmentInstance::appendActiveProfileOutput(WString& out, std::size_t index) const {
   if (!hasActiveProfileOutput(index)) return;
-  if (accumulateOutputs_.empty()) {
-    activeProfileInstance_->appendOutputName(out, index);
+  if (accumulates()) {
+    out += extras_->accumulateOutputs[index];
   } else {
-    out += accumulateOutputs_[index];
+    activeProfileInstance_->appendOutputName(out, index);
   }
 }
 
 // Evaluation.
 
 bool FragmentInstance::safeEvaluate(AShaderCollapseContext& context) {
-  return !accumulateOutputs_.empty() || context.evaluator().evaluate(*this);
+  return accumulates() || context.evaluator().evaluate(*this);
 }
 
 bool FragmentInstance::accmulateEvaluate(AShaderCollapseContext& context) {
   if (!context.evaluator().evaluate(*this)) return false;
-  if (accumulateOutputs_.size() > activeProfileInstance_->getNumOutputs()) return false;
-  for (std::size_t i = 0; i < accumulateOutputs_.size(); ++i) {
-    context.writeCodef(L"    %s += %s;\n", accumulateOutputs_[i], activeProfileInstance_->getOutputName(i));
+  if (!accumulates()) return true;
+  const Array<WString>& accumulators = extras_->accumulateOutputs;
+  if (accumulators.size() > activeProfileInstance_->getNumOutputs()) return false;
+  for (std::size_t i = 0; i < accumulators.size(); ++i) {
+    context.writeCodef(L"    %s += %s;\n", accumulators[i], activeProfileInstance_->getOutputName(i));
   }
   return true;
 }
@@ -246,7 +254,8 @@ bool FragmentInstance::evaluateShader(AShaderCollapseContext& context, const Arr
 }
 
 bool FragmentInstance::declareAccumulateOutputs(AShaderCollapseContext& context) {
-  accumulateOutputs_.clear();
+  Array<WString>& accumulators = extras().accumulateOutputs;
+  accumulators.clear();
   // Consumers see the accumulators from now on.
   context.evaluator().startEpoch();
   if (!fragment_) return false;
@@ -254,7 +263,7 @@ bool FragmentInstance::declareAccumulateOutputs(AShaderCollapseContext& context)
     const AParameter* output = fragment_->getOutput(i);
     if (output == nullptr) return false;
     const WString& type = typeText(*language_, *output);
-    const WString& name = accumulateOutputs_.emplace_back(
+    const WString& name = accumulators.emplace_back(
         formatted(L"accumulate_%s_%s", fragment_->instanceName(), output->getName()));
     const WString value = language_->getValueText(AValue(output->getType()));
     if (value.empty()) {
@@ -275,7 +284,9 @@ bool FragmentInstance::buildUserInputValues(AShaderCollapseContext& context, Arr
 bool FragmentInstance::writeRequirements(AShaderCollapseContext& context) {
   if (!uniformsWritten_) {
     uniformsWritten_ = true;
-    for (const auto& uniform : uniforms_) context.getResult()->addUniform(uniform.get());
+    if (extras_) {
+      for (const auto& uniform : extras_->uniforms) context.getResult()->addUniform(uniform.get());
+    }
     for (const InputValue& value : inputValues_) {
       if (value.uniform) context.getResult()->addUniform(value.uniform.get());
     }

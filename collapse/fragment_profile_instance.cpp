@@ -96,7 +96,7 @@ const Array<WString>& FragmentProfileInstance::none() noexcept {
 
 void FragmentProfileInstance::appendFunctionName(WString& out) const {
   if (hasFunctionName_) {
-    out += functionName_;
+    out += extras_->functionName;
   } else if (profile_) {
     out += profile_->getFunctionName();
     out += profileShortname_;
@@ -104,21 +104,22 @@ void FragmentProfileInstance::appendFunctionName(WString& out) const {
 }
 
 const WString& FragmentProfileInstance::getFunctionName() const {
+  WString& name = extras().functionName;
   if (!hasFunctionName_) {
-    appendFunctionName(functionName_);
+    appendFunctionName(name);
     hasFunctionName_ = true;
   }
-  return functionName_;
+  return name;
 }
 
 void FragmentProfileInstance::setFunctionName(const WString& name) {
-  functionName_ = name;
+  extras().functionName = name;
   hasFunctionName_ = true;
 }
 
 void FragmentProfileInstance::appendOutputName(WString& out, std::size_t index) const {
   if (hasOutputNames_) {
-    out += outputNames_[index];
+    out += extras_->outputNames[index];
     return;
   }
   out += L"result_";
@@ -128,21 +129,22 @@ void FragmentProfileInstance::appendOutputName(WString& out, std::size_t index) 
   out += profileShortname_;
 }
 
-const Array<WString>& FragmentProfileInstance::getOutputNames() const {
-  if (hasOutputNames_) return outputNames_;
-  outputNames_.resize(numOutputs_);
-  for (std::size_t i = 0; i < numOutputs_; ++i) appendOutputName(outputNames_[i], i);
+const Array<WString>& FragmentProfileInstance::getOutputNames() const { return outputNames(); }
+
+Array<WString>& FragmentProfileInstance::outputNames() const {
+  Array<WString>& names = extras().outputNames;
+  if (hasOutputNames_) return names;
+  names.resize(numOutputs_);
+  for (std::size_t i = 0; i < numOutputs_; ++i) appendOutputName(names[i], i);
   hasOutputNames_ = true;
-  return outputNames_;
+  return names;
 }
 
 // Outputs.
 
 void FragmentProfileInstance::setNumOutputs(std::size_t count) {
-  getOutputNames();
-  outputNames_.resize(count);
+  outputNames().resize(count);
   numOutputs_ = count;
-  if (!extras_) return;
   if (!extras_->outputTypes.empty()) extras_->outputTypes.resize(count);
   extras_->outputKeys.clear();
 }
@@ -162,9 +164,8 @@ void FragmentProfileInstance::setOutput(std::size_t index, WString type, WString
     types[index] = std::move(type);
     extras().outputTypes = std::move(types);
   }
-  getOutputNames();
-  outputNames_[index] = std::move(name);
-  if (extras_) extras_->outputKeys.clear();
+  outputNames()[index] = std::move(name);
+  extras_->outputKeys.clear();
 }
 
 const WString& FragmentProfileInstance::getOutputKey(std::size_t index) const {

@@ -134,6 +134,10 @@ FragmentInstance& AShaderCollapseContext::getLightFragmentInstance(const IShader
   return getInstance(*lightFragmentInstances_, fragment->instanceName());
 }
 
+std::size_t AShaderCollapseContext::countSurfaceInstances() const noexcept {
+  return fragmentInstances_->size();
+}
+
 bool AShaderCollapseContext::getFragmentKeyExist(const WString& key) const {
   return fragmentKeys_.contains(key);
 }
@@ -237,7 +241,10 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
                                              FragmentProfileInstance& profileInstance) {
   accumulator_.append(resultProfile_->predefines(), instance, pattern,
                       profileInstance.getKeywordReplacePattern());
-  profileInstance.setFunctionName(accumulator_.getRename(profileInstance.getFunctionName()));
+  WString name;
+  profileInstance.appendFunctionName(name);
+  const WString& rename = accumulator_.getRename(name);
+  if (rename != name) profileInstance.setFunctionName(rename);
 }
 
 /// Gives the function the name under which another instance wrote it; false when none did.
@@ -251,7 +258,8 @@ bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& inst
 }
 
 void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance, WString key) {
-  const WString& name = instance.getFunctionName();
+  WString name;
+  instance.appendFunctionName(name);
   const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');
   writtenDefinitions_->add(instance.getProfile(), key, isRenamed ? name : WString());
 }

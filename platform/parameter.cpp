@@ -101,6 +101,11 @@ bool readConstant(const IObjectDataNode& object) {
   return member->asBool();
 }
 
+const WString& textOrEmpty(const WString* text) noexcept {
+  static const NeverDestroyed<WString> none;
+  return text != nullptr ? *text : none.get();
+}
+
 using SharedValue = std::shared_ptr<const AValue>;
 
 Map<TypeID, SharedValue> makeDefaultValues() {
@@ -125,14 +130,19 @@ AParameter::AParameter(const TypeID& type, const WString& name)
     : name_(name), type_(type), defaultValue_(defaultValueOf(type)) {}
 
 AParameter::AParameter(const AParameter& other, WString name)
-    : name_(std::move(name)), structName_(other.structName_), semantic_(other.semantic_), type_(other.type_),
-      flags_(other.flags_), defaultValue_(other.defaultValue_) {}
+    : name_(std::move(name)), semantic_(other.semantic_), type_(other.type_), flags_(other.flags_),
+      defaultValue_(other.defaultValue_) {
+  if (other.structName_) setStructName(*other.structName_);
+}
 
 AParameter::~AParameter() = default;
 
-const WString& AParameter::getLoadError() const noexcept {
-  static const NeverDestroyed<WString> none;
-  return loadError_ ? *loadError_ : none.get();
+const WString& AParameter::getLoadError() const noexcept { return textOrEmpty(loadError_.get()); }
+
+const WString& AParameter::getStructName() const noexcept { return textOrEmpty(structName_.get()); }
+
+void AParameter::setStructName(const WString& name) {
+  structName_ = name.empty() ? nullptr : std::make_unique<const WString>(name);
 }
 
 void AParameter::setType(const TypeID& type) {
@@ -162,7 +172,7 @@ bool AParameter::load(const IObjectDataNode* node) try {
   const WString* const semantic = readString(*node, L"semantic");
 
   name_ = name;
-  structName_ = std::move(structName);
+  setStructName(structName);
   type_ = type;
   setDefaultValue(value);
   flags_ = isConstant ? kConstantFlag : 0;

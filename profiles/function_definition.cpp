@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kTypicalHeadLength = 256;
 
-bool isWord(const WString& text) {
+bool isWord(std::wstring_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), isTokenChar);
 }
 
@@ -41,8 +41,7 @@ bool FunctionDefinition::write(CodeSnippetInstance& out, const KeywordReplacePat
     return true;
   }
   auto snippet = std::make_unique<CodeSnippet>();
-  snippet->takePlainFunction(std::move(text.code), kResult.size(), instance_.getFunctionName().size(),
-                             text.body);
+  snippet->takePlainFunction(std::move(text.code), kResult.size(), text.nameLength, text.body);
   out.construct(snippet.release(), {}, true);
   return true;
 }
@@ -51,6 +50,7 @@ bool FunctionDefinition::writeHead(Text& text) const {
   text.code.reserve(profile_.getFunctionBody().size() + kTypicalHeadLength);
   text.code += kResult;
   instance_.appendFunctionName(text.code);
+  text.nameLength = text.code.size() - kResult.size();
   text.code += L'(';
   if (!appendDeclaredParameters(text.code, L"    ", profile_, context_)) return false;
   text.code += L")\n";
@@ -70,11 +70,11 @@ void FunctionDefinition::appendBody(WString& text, const KeywordReplacePattern& 
 /// Whether a parse would find one function and nothing else, without any call of a built-in function. That is
 /// known of the profile's body, and the rules leave it so; the head is looked at.
 bool FunctionDefinition::isPlainFunction(const Text& text, const KeywordReplacePattern& first) const {
-  if (!profile_.hasPlainBody() || !isWord(instance_.getFunctionName()) || !keepsStructure(first))
-    return false;
+  const std::wstring_view name = std::wstring_view(text.code).substr(kResult.size(), text.nameLength);
+  if (!profile_.hasPlainBody() || !isWord(name) || !keepsStructure(first)) return false;
   for (const KeywordReplacePattern* pattern : instancePatterns())
     if (!keepsStructure(*pattern)) return false;
-  std::size_t pos = kResult.size() + instance_.getFunctionName().size();
+  std::size_t pos = kResult.size() + text.nameLength;
   getBracketBody(text.code, pos, L'(', L')');
   return pos + 1 == text.body;
 }

@@ -47,6 +47,7 @@ private:
 
   struct Text {
     WString code;
+    std::size_t nameLength = 0;
     std::size_t body = 0;  // where its opening brace stands
   };
 

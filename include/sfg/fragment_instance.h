@@ -101,18 +101,25 @@ private:
     FragmentInstance* source = nullptr;  // of the fragment that fed the input when the instance was made
   };
 
+  /// What many instances do without.
+  struct Extras {
+    std::list<FragmentProfileInstance, StlAllocator<FragmentProfileInstance>> otherProfileInstances;
+    Array<RefPtr<AParameter const>> uniforms;  // its own
+    Array<WString> accumulateOutputs;
+  };
+
+  Extras& extras();
+  bool accumulates() const noexcept { return extras_ && !extras_->accumulateOutputs.empty(); }
+
   bool initialized_ = false;
   bool uniformsWritten_ = false;
   bool usesSamplers_ = false;
   RefPtr<ILanguageTraits const> language_;
   FragmentProfileInstance* activeProfileInstance_ = nullptr;
   RefPtr<AShaderFragment const> fragment_;
-  // Most fragments use one profile.
   std::optional<FragmentProfileInstance> firstProfileInstance_;
-  std::list<FragmentProfileInstance, StlAllocator<FragmentProfileInstance>> otherProfileInstances_;
-  Array<RefPtr<AParameter const>> uniforms_;  // its own
+  std::unique_ptr<Extras> extras_;
   Array<InputValue> inputValues_;
-  Array<WString> accumulateOutputs_;
 
   // Kept by the context: the order in which instances were made, and the profile request that was answered
   // last.
@@ -120,9 +127,9 @@ private:
   std::uint32_t profileRequest_ = 0;
 
   // Kept by the evaluator.
+  std::uint32_t repeatList_ = 0;
   bool isUnderWay_ = false;
   bool wasShaderFunction_ = false;
-  std::uint32_t repeatList_ = 0;
   std::uint64_t evaluatedEpoch_ = 0;
 };
 

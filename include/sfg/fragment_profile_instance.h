@@ -114,6 +114,8 @@ private:
 
   /// What many instances do without.
   struct Extras {
+    WString functionName;        // instead of the one that follows from profile and short name
+    Array<WString> outputNames;  // texts for the names that follow from fragment and short name, or others
     Array<WString> outputTypes;  // empty as long as they are those of the profile
     Array<WString> outputKeys;   // made when asked for
     Array<WString> uniformOriginal;
@@ -125,6 +127,7 @@ private:
 
   Patterns& patterns();
   Extras& extras() const;
+  Array<WString>& outputNames() const;
   static const Array<WString>& none() noexcept;
   bool hasUniforms() const noexcept { return extras_ && !extras_->uniformOriginal.empty(); }
   void dropPatterns();
@@ -145,16 +148,13 @@ private:
   bool outputsDeclared_ = false;
   bool requiresCurrentLight_ = false;
   bool isInlineProfile_ = false;
+  mutable bool hasFunctionName_ = false;  // both of them among the extras
+  mutable bool hasOutputNames_ = false;
   RefPtr<ILanguageTraits const> language_;
   RefPtr<AShaderFragment const> fragment_;
   RefPtr<AShaderFragmentProfile const> profile_;
   WString profileShortname_;
   std::size_t numOutputs_ = 0;
-  // Both names follow from fragment and profile; texts of their own are made when somebody asks for them.
-  mutable bool hasFunctionName_ = false;
-  mutable bool hasOutputNames_ = false;
-  mutable WString functionName_;
-  mutable Array<WString> outputNames_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -91,6 +91,7 @@ public:
                        FragmentProfileInstance& profileInstance);
 
 private:
+  friend class FragmentEvaluator;
   friend class FragmentInstance;
   friend class FragmentProfileInstance;
 
@@ -98,6 +99,7 @@ private:
   FragmentInstance* createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
   FragmentInstance& getInstance(InstanceTable& instances, const WString& name);
+  std::size_t countSurfaceInstances() const noexcept;
   FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
   bool takeWrittenDefinition(FragmentProfileInstance& instance);
   void rememberWrittenDefinition(const FragmentProfileInstance& instance, WString key);

@@ -39,8 +39,8 @@ public:
   /// Also resets the default value to the type's.
   void setType(const TypeID& type);
   /// Name of the structure type; meaningful with TypeID_struct only.
-  const WString& getStructName() const noexcept { return structName_; }
-  void setStructName(const WString& name) { structName_ = name; }
+  const WString& getStructName() const noexcept;
+  void setStructName(const WString& name);
 
   std::uint32_t getFlags() const noexcept { return flags_; }
   void setFlags(std::uint32_t flags) noexcept { flags_ = flags; }
@@ -62,7 +62,7 @@ private:
   // A collapse makes a parameter for every uniform, so what most do not have, or have in common, is kept
   // apart.
   WString name_;
-  WString structName_;
+  std::unique_ptr<const WString> structName_;
   std::unique_ptr<const WString> loadError_;
   UString semantic_;
   TypeID type_;
