@@ -29,13 +29,13 @@ WString profileKey(const WString& name, const UString& language) { return name +
 
 AShaderFragment::AShaderFragment() : AShaderFragment(WString()) {}
 AShaderFragment::AShaderFragment(const WString& instanceName)
-    : instanceName_(instanceName), hashString_(std::make_shared<const WString>()),
-      profiles_(std::make_shared<Profiles>()) {}
+    : profiles_(std::make_shared<Profiles>()), instanceName_(instanceName),
+      hashString_(std::make_shared<const WString>()) {}
 AShaderFragment::AShaderFragment(const AShaderFragment& original, const WString& instanceName)
-    : key_(original.key_), instanceName_(instanceName), hashString_(original.hashString_),
-      consolidatable_(original.consolidatable_), profiles_(original.shareProfiles()),
-      inputConnections_(original.inputConnections_), inputs_(original.inputs_), outputs_(original.outputs_),
-      uniforms_(original.uniforms_) {}
+    : profiles_(original.shareProfiles()), inputConnections_(original.inputConnections_),
+      instanceName_(instanceName), inputs_(original.inputs_), outputs_(original.outputs_),
+      uniforms_(original.uniforms_), key_(original.key_), hashString_(original.hashString_),
+      consolidatable_(original.consolidatable_) {}
 AShaderFragment::~AShaderFragment() = default;
 
 IShaderFragment* AShaderFragment::clone(const WString& instanceName) const {

@@ -206,18 +206,19 @@ private:
   void loadUniforms(const IObjectDataNode& node);
   void buildHash(const IObjectDataNode& node);
 
-  WString key_;
-  WString instanceName_;
-  std::shared_ptr<const WString> hashString_;  // shared with clones
-  WString loadError_;
-  IShaderFragmentGraph* ownerGraph_ = nullptr;
-  Array<WString> shaderInputTypes_;
-  bool consolidatable_ = true;
+  // First what a collapse reads of every fragment.
   std::shared_ptr<Profiles> profiles_;  // shared with clones; whoever registers another makes its own
+  IShaderFragmentGraph* ownerGraph_ = nullptr;
   Array<ShaderFragmentConnection> inputConnections_;
+  WString instanceName_;
   Array<RefPtr<AParameter const>> inputs_;
   Array<RefPtr<AParameter const>> outputs_;
   Array<RefPtr<AParameter const>> uniforms_;
+  WString key_;
+  std::shared_ptr<const WString> hashString_;  // shared with clones
+  bool consolidatable_ = true;
+  Array<WString> shaderInputTypes_;
+  WString loadError_;
 };
 
 /// Whether `to` can take all outputs of `from` as its inputs, position by position; false when either is
