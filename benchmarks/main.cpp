@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "benchmarks/memory_meter.h"
 #include "benchmarks/report.h"
 
 namespace {
@@ -48,6 +49,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&count, arguments.data());
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
 
+  keepFreedMemory();
   TableReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   benchmark::Shutdown();

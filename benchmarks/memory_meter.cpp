@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstddef>
 
 // The C library's own allocator, behind the names below: defining malloc in the program puts every allocation
@@ -72,6 +73,11 @@ int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {
 }  // extern "C"
 
 namespace TolmSDK::Graphics::sfg::benchmarks {
+
+void keepFreedMemory() {
+  mallopt(M_TRIM_THRESHOLD, INT_MAX);
+  mallopt(M_MMAP_MAX, 0);
+}
 
 void startMemoryMeter() {
   allocations = 0;

@@ -43,6 +43,18 @@ std::string cell(const benchmark::UserCounters& counters, const char* name, cons
   return text;
 }
 
+/// A counter that holds seconds; the mean time of a case without it.
+double secondsOf(const Measurement& measurement, const char* counter) {
+  const auto found = measurement.counters.find(counter);
+  return found != measurement.counters.end() ? static_cast<double>(found->second) : measurement.seconds;
+}
+
+/// Two gains, by processor time and by the clock on the wall.
+std::string pairCell(const benchmark::UserCounters& counters, const char* processor, const char* wall) {
+  if (!counters.contains(processor)) return "-";
+  return cell(counters, processor, "%.2f") + " / " + cell(counters, wall, "%.2f");
+}
+
 /// Maps values to a logarithmic axis of a given length.
 class LogAxis {
 public:
@@ -93,7 +105,7 @@ void writeGrid(std::ostream& out, const LogAxis& sizes, const LogAxis& times) {
 }  // namespace
 
 bool TableReporter::ReportContext(const Context&) {
-  std::printf("%-18s %8s %12s %7s %7s %10s %7s %7s %6s %6s %6s\n", "case", "N", "time", "ratio", "first",
+  std::printf("%-18s %8s %12s %7s %7s %10s %7s %7s %6s %11s %11s\n", "case", "N", "time", "ratio", "first",
               "characters", "B/char", "allocs", "share", "gain", "plain");
   return true;
 }
@@ -106,13 +118,14 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
       continue;
     }
     const Measurement row = measurementOf(run);
-    std::printf("%-18s %8.0f %9.3f ms %7s %7s %10s %7s %7s %6s %6s %6s\n", row.family.c_str(), row.size,
+    std::printf("%-18s %8.0f %9.3f ms %7s %7s %10s %7s %7s %6s %11s %11s\n", row.family.c_str(), row.size,
                 row.seconds * 1e3, cell(row.counters, "ratio", "%.2f").c_str(),
                 cell(row.counters, "first", "%.2f").c_str(), cell(row.counters, "characters", "%.0f").c_str(),
                 cell(row.counters, "bytesPerChar", "%.1f").c_str(),
                 cell(row.counters, "allocsPerFragment", "%.1f").c_str(),
-                cell(row.counters, "share", "%.2f").c_str(), cell(row.counters, "gain", "%.2f").c_str(),
-                cell(row.counters, "plainGain", "%.2f").c_str());
+                cell(row.counters, "share", "%.2f").c_str(),
+                pairCell(row.counters, "gain", "wallGain").c_str(),
+                pairCell(row.counters, "plainGain", "plainWallGain").c_str());
     std::fflush(stdout);
     measurements_.push_back(row);
   }
@@ -126,13 +139,16 @@ void TableReporter::Finalize() {
     if (from == runs.end() || from->size == runs.back().size) continue;
     if (!headed) std::printf("\ngrowth (1 is linear)\n");
     headed = true;
-    std::printf("%-18s %6.0f .. %6.0f: %.3f\n", name.c_str(), from->size, runs.back().size,
-                growthExponent(*from, runs.back()));
+    std::printf("%-18s %6.0f .. %6.0f: %.3f", name.c_str(), from->size, runs.back().size,
+                growthExponent(*from, runs.back(), "best"));
+    if (from->counters.contains("yardstick"))
+      std::printf("   yardstick %.3f", growthExponent(*from, runs.back(), "yardstick"));
+    std::printf("\n");
   }
 }
 
-double growthExponent(const Measurement& small, const Measurement& large) {
-  return std::log(large.seconds / small.seconds) / std::log(large.size / small.size);
+double growthExponent(const Measurement& small, const Measurement& large, const char* counter) {
+  return std::log(secondsOf(large, counter) / secondsOf(small, counter)) / std::log(large.size / small.size);
 }
 
 bool writePlot(const std::string& file, const std::vector<Measurement>& measurements) {

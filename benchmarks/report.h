@@ -33,8 +33,9 @@ private:
   bool anyFailed_ = false;
 };
 
-/// Exponent of the growth of cost with size between two measurements: 1 is linear.
-double growthExponent(const Measurement& small, const Measurement& large);
+/// Exponent of the growth with size of a counter that holds seconds (of the mean time, for a case without it)
+/// between two measurements: 1 is linear.
+double growthExponent(const Measurement& small, const Measurement& large, const char* counter);
 
 /// Writes seconds against N of every family with at least two sizes, both axes logarithmic. False when the
 /// file cannot be written.

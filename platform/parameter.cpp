@@ -108,18 +108,19 @@ const WString& textOrEmpty(const WString* text) noexcept {
 
 using SharedValue = std::shared_ptr<const AValue>;
 
-Map<TypeID, SharedValue> makeDefaultValues() {
-  Map<TypeID, SharedValue> values;
-  values.emplace(TypeID_nil, std::make_shared<const AValue>());
-  for (const TypeID& type : allTypes()) values.emplace(type, std::make_shared<const AValue>(type));
+Map<TypeID, AValue> makeDefaultValues() {
+  Map<TypeID, AValue> values;
+  values.emplace(TypeID_nil, AValue());
+  for (const TypeID& type : allTypes()) values.emplace(type, type);
   return values;
 }
 
-/// One value for all parameters of a type.
+/// One value for all parameters of a type. Nobody owns it, so threads do not meet at a count of its users.
 SharedValue defaultValueOf(const TypeID& type) {
-  static const NeverDestroyed<Map<TypeID, SharedValue>> values(makeDefaultValues());
+  static const NeverDestroyed<Map<TypeID, AValue>> values(makeDefaultValues());
   const auto found = values.get().find(type);
-  return found != values.get().end() ? found->second : std::make_shared<const AValue>(type);
+  if (found == values.get().end()) return std::make_shared<const AValue>(type);
+  return SharedValue(SharedValue(), &found->second);
 }
 
 }  // namespace

@@ -80,6 +80,7 @@ private:
   void identify(const ShaderSymbolInstance& symbol, const KeywordReplacePattern& renamePattern);
   const Written* findWritten(std::size_t hash, std::wstring_view identity, std::wstring_view callRenames,
                              const Array<Texts>& renames) const;
+  std::size_t numberOfName(std::wstring_view text, std::size_t hashOfText) const;
   Name& getName(std::wstring_view text);
   bool useInCall(Name& name);
   void reuseName(const WString* used, KeywordReplacePattern& renamePattern);
@@ -160,17 +161,19 @@ const CodeAccumulator::Impl::Written* CodeAccumulator::Impl::findWritten(std::si
   return known != kNotFound ? &written[known] : nullptr;
 }
 
+std::size_t CodeAccumulator::Impl::numberOfName(std::wstring_view text, std::size_t hashOfText) const {
+  return namesByText.find(hashOfText, [&](std::size_t i) { return names[i].text == text; });
+}
+
 /// Null for a name that was never used.
 const CodeAccumulator::Impl::Name* CodeAccumulator::Impl::findName(std::wstring_view text) const {
-  const std::size_t known = namesByText.find(std::hash<std::wstring_view>()(text),
-                                             [&](std::size_t i) { return names[i].text == text; });
+  const std::size_t known = numberOfName(text, std::hash<std::wstring_view>()(text));
   return known != kNotFound ? &names[known] : nullptr;
 }
 
 CodeAccumulator::Impl::Name& CodeAccumulator::Impl::getName(std::wstring_view text) {
   const std::size_t hashOfText = std::hash<std::wstring_view>()(text);
-  const std::size_t known =
-      namesByText.find(hashOfText, [&](std::size_t i) { return names[i].text == text; });
+  const std::size_t known = numberOfName(text, hashOfText);
   if (known != kNotFound) return names[known];
   namesByText.add(hashOfText, names.size());
   return names.emplace_back(Name{.text = texts.add(text)});

@@ -1,6 +1,8 @@
 #include "sfg/shader_symbol.h"
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <mutex>
 #include <string_view>
 
@@ -235,9 +237,9 @@ void ShaderSymbol::setKey(const WString& key) {
 }
 
 const WString& ShaderSymbol::makeKey() const {
-  // One lock for all symbols: keys are asked for seldom.
-  static std::mutex mutex;
-  const std::lock_guard<std::mutex> lock(mutex);
+  // A few locks for all symbols: threads seldom ask for the key of the same one at a time.
+  static std::array<std::mutex, 64> mutexes;
+  const std::lock_guard<std::mutex> lock(mutexes[std::hash<const void*>()(this) / sizeof *this % 64]);
   // Another thread may have made it since the caller looked, which no test can time.
   if (!key_.isPending()) return key_.text;  // GCOVR_EXCL_BR_LINE
   WString key;
