@@ -1,8 +1,9 @@
 #include "sfg/shader_fragment_graph_builder.h"
 
+#include <functional>
 #include <memory>
-#include <unordered_map>
 
+#include "text/hash_index.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -115,19 +116,38 @@ std::wstring_view nameOf(const INodeAccessor* node) {
 /// Places of the members that the host's nodes became.
 class NodeIndex {
 public:
-  explicit NodeIndex(std::size_t count) { indexes_.reserve(count); }
+  explicit NodeIndex(std::size_t count) { places_.reserve(count); }
 
-  void add(const INodeAccessor* node, std::size_t index) { indexes_[node] = index; }
+  /// Of a node that the host shows twice the later place counts.
+  void add(const INodeAccessor* node, std::size_t index) {
+    const std::size_t known = numberOf(node);
+    if (known != kNotFound) {
+      places_[known].index = index;
+      return;
+    }
+    numbers_.add(hashOf(node), places_.size());
+    places_.push_back({node, index});
+  }
 
   std::size_t find(const INodeAccessor* node) const {
-    const auto found = indexes_.find(node);
-    if (found == indexes_.end())
-      throw Exception(L"sfgError : a wire comes from a node that is not in the graph!");
-    return found->second;
+    const std::size_t known = numberOf(node);
+    if (known == kNotFound) throw Exception(L"sfgError : a wire comes from a node that is not in the graph!");
+    return places_[known].index;
   }
 
 private:
-  std::unordered_map<const INodeAccessor*, std::size_t> indexes_;
+  struct Place {
+    const INodeAccessor* node;
+    std::size_t index;
+  };
+
+  static std::size_t hashOf(const INodeAccessor* node) { return std::hash<const void*>()(node); }
+  std::size_t numberOf(const INodeAccessor* node) const {
+    return numbers_.find(hashOf(node), [&](std::size_t i) { return places_[i].node == node; });
+  }
+
+  Array<Place> places_;
+  HashIndex numbers_;
 };
 
 /// Wires the members as the nodes say, and refuses cycles.

@@ -104,6 +104,15 @@ protected:
   AShaderFragmentGraphBuilder builder;
 };
 
+TEST_F(GraphBuilder, WiresFromANodeThatStandsTwiceComeFromItsLastPlace) {
+  HostNode* twice = host->add(L"a", 0);
+  host->nodes.push_back(host->nodes.front());
+  host->add(L"b")->wires[0] = {twice, 0};
+  const RefPtr<AShaderFragmentGraph> graph = build();
+  ASSERT_EQ(graph->getNumFragments(), 3u);
+  EXPECT_EQ(graph->getFragment(2)->getInputConnections()[0].fragment, graph->getFragment(1));
+}
+
 TEST_F(GraphBuilder, AnswersNothingForNoAccessor) {
   EXPECT_EQ(builder.build(language.get(), nullptr), nullptr);
 }
