@@ -331,12 +331,10 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
   if (!writeRequirementsAndDefinition(frame)) return false;
 
   const ExpressionWatch watch(active, instance.wasShaderFunction_);
-  // The names of the outputs are no values for an inline expression, which replaces them while it is written.
-  const Array<WString>& outputValues = frame.values != nullptr ? *frame.values : outputNamesOf(active);
   // An expression checks its own length.
   if (!active.isInlineProfile()) checkTextLength(body().size() + totalLength(frame.inputValues));
   const std::size_t before = body().size();
-  if (!active.writeFunctionCall(body(), context_, frame.inputValues, outputValues)) return false;
+  if (!writeCall(frame)) return false;
   checkTextLength(body().size());
   calls_.add(body().size() - before);
   reserveTexts();
@@ -358,15 +356,24 @@ void FragmentEvaluator::reserveTexts() {
     growTo(definitions, TextRate{calls_.pieces, definitions.size()}.rest(instances));
 }
 
-/// The names of a function's outputs in texts that serve one call after another.
-const Array<WString>& FragmentEvaluator::outputNamesOf(const FragmentProfileInstance& instance) {
-  if (instance.isInlineProfile()) return instance.getOutputNames();
-  outputTexts_.resize(instance.getNumOutputs());
-  for (std::size_t i = 0; i < outputTexts_.size(); ++i) {
-    outputTexts_[i].clear();
-    instance.appendOutputName(outputTexts_[i], i);
+bool FragmentEvaluator::writeCall(Frame& frame) {
+  FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
+  if (frame.values != nullptr)
+    return active.writeFunctionCall(body(), context_, frame.inputValues, *frame.values);
+  // The names of the outputs are no values for an inline expression, which replaces them while it is written.
+  if (active.isInlineProfile())
+    return active.writeFunctionCall(body(), context_, frame.inputValues, active.getOutputNames());
+
+  // Names in texts that serve one call after another; a writer may evaluate something else in between.
+  Array<WString> names = std::move(outputTexts_);
+  names.resize(active.getNumOutputs());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    names[i].clear();
+    active.appendOutputName(names[i], i);
   }
-  return outputTexts_;
+  const bool done = active.writeFunctionCall(body(), context_, frame.inputValues, names);
+  outputTexts_ = std::move(names);
+  return done;
 }
 
 bool FragmentEvaluator::finishShaderFunction(Frame& frame) {

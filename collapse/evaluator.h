@@ -95,7 +95,7 @@ private:
   bool finish(Frame& frame);
   bool finishEvaluation(Frame& frame);
   void reserveTexts();
-  const Array<WString>& outputNamesOf(const FragmentProfileInstance& instance);
+  bool writeCall(Frame& frame);
   bool finishShaderFunction(Frame& frame);
   bool writeRequirementsAndDefinition(Frame& frame);
   void allocateShaderInputs(Frame& frame);

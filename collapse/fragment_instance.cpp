@@ -117,8 +117,9 @@ const WString& FragmentInstance::inputValue(std::size_t input) const {
 }
 
 void FragmentInstance::setSources(const VisitedFragments& visited) {
+  if (!fragment_) return;
   const Array<ShaderFragmentConnection>& connections = fragment_->getInputConnections();
-  for (std::size_t i = 0; i < inputValues_.size(); ++i) {
+  for (std::size_t i = 0; i < inputValues_.size() && i < connections.size(); ++i) {
     if (connections[i].fragment != nullptr)
       inputValues_[i].source = visited.getInstance(connections[i].fragment);
   }

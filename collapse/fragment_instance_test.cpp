@@ -430,6 +430,44 @@ TEST_F(Instances, FailForASourceThatIsNoFragmentOfOurs) {
   EXPECT_FALSE(made(add).safeEvaluate(context));
 }
 
+TEST_F(Instances, OfFragmentsThatAreNotOursAreMadeOnce) {
+  scene.graph->addOutput(TypeID_float, L"x");
+  const auto foreign = makeRef<ForeignFragment>(scene.addFunction(L"s", kOne));
+  AShaderFragment* add = scene.addFunction(L"n", kAdd);
+  ASSERT_TRUE(add->setInputConnection(std::size_t{0}, foreign.get(), 0));
+  ASSERT_TRUE(scene.graph->setOutputConnection(std::size_t{0}, add, 0));
+  const auto initialize = [&] {
+    return context.initialize(scene.language, scene.environment, scene.graph, scene.options);
+  };
+  EXPECT_FALSE(initialize());
+  EXPECT_TRUE(initialize()) << "what could not be made is not tried again";
+}
+
+/// Evaluates another instance while its call is written.
+class EvaluatingProfile : public AShaderFragmentProfileFunction {
+public:
+  bool writeFunctionCall(WString& out, AShaderCollapseContext& context, FragmentProfileInstance& instance,
+                         const Array<WString>& inputValues,
+                         const Array<WString>& outputValues) const override {
+    return other->safeEvaluate(context) && AShaderFragmentProfileFunction::writeFunctionCall(
+                                               out, context, instance, inputValues, outputValues);
+  }
+  FragmentInstance* other = nullptr;
+};
+
+TEST_F(Instances, MayEvaluateOthersWhileTheirCallIsWritten) {
+  const auto profile = makeRef<EvaluatingProfile>();
+  profile->setProfilename(L"default");
+  profile->languages().insert(UString(L"dx11"));
+  profile->setFunctionPrototype(L"void two(out float p, out float q)");
+  const auto definition = makeRef<AShaderFragment>();
+  definition->registerProfile(profile.get());
+  FragmentInstance& two = made(scene.add(*definition, L"x"));
+  profile->other = &made(scene.addFunction(L"y", kOne));
+  EXPECT_TRUE(two.safeEvaluate(context));
+  EXPECT_NE(body().find("two1(\n        result_x_01,\n        result_x_11);"), std::string::npos) << body();
+}
+
 // Accumulation.
 
 TEST_F(Instances, AddTheirOutputsToAccumulators) {

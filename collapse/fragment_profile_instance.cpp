@@ -61,6 +61,15 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
   initialized_ = true;
   if (language == nullptr || fragment == nullptr || profile == nullptr) return false;
 
+  // Nothing remains of names that were asked for or set before.
+  hasFunctionName_ = false;
+  hasOutputNames_ = false;
+  if (extras_) {
+    extras_->functionName.clear();
+    extras_->outputNames.clear();
+    extras_->outputTypes.clear();
+    extras_->outputKeys.clear();
+  }
   isInlineProfile_ = dynamic_cast<const AShaderFragmentProfileInline*>(profile) != nullptr;
   profileShortname_ = shortname.empty() ? profile->getProfilename() : shortname;
   language_ = language;

@@ -52,6 +52,38 @@ TEST_F(ProfileInstance, TakesNamesThatEndInItsShortName) {
   EXPECT_EQ(instance.getLanguage(), scene.language.get());
 }
 
+TEST_F(ProfileInstance, TakesItsNamesOverThoseItHadBefore) {
+  EXPECT_TRUE(instance.getFunctionName().empty());
+  EXPECT_TRUE(instance.getOutputNames().empty());
+  instance.setNumOutputs(3);
+  instance.setOutput(1, L"int", L"old");
+  EXPECT_EQ(instance.getOutputKey(1), L"int old");
+  instance.setFunctionName(L"old");
+  make(kBlend);
+  EXPECT_EQ(instance.getFunctionName(), L"blend2");
+  ASSERT_EQ(instance.getNumOutputs(), 2u);
+  EXPECT_EQ(instance.getOutputNames(), (Array<WString>{L"result_mix3_02", L"result_mix3_12"}));
+  EXPECT_EQ(instance.getOutputKey(1), L"float result_mix3_12");
+}
+
+TEST_F(ProfileInstance, AppendsTheNamesItAnswers) {
+  make(kBlend);
+  for (int round = 0; round < 2; ++round) {  // before and after texts of their own are made
+    WString text;
+    instance.appendFunctionName(text);
+    text += L' ';
+    instance.appendOutputName(text, 1);
+    EXPECT_EQ(text, L"blend2 result_mix3_12");
+    EXPECT_EQ(instance.getFunctionName() + L" " + instance.getOutputName(1), text);
+  }
+  instance.setFunctionName(L"other");
+  instance.setOutput(1, L"float", L"y");
+  WString text;
+  instance.appendFunctionName(text);
+  instance.appendOutputName(text, 1);
+  EXPECT_EQ(text, L"othery");
+}
+
 TEST_F(ProfileInstance, IsCalledAfterTheProfileWithoutAShortName) {
   make(L"void f(out float r)\n{\n}", L"n", L"");
   EXPECT_EQ(instance.getFunctionName(), L"fdefault");

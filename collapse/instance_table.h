@@ -3,7 +3,6 @@
 // The fragment instances of a collapse.
 
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -30,9 +29,11 @@ public:
     const std::size_t hash = std::hash<std::wstring_view>()(name);
     const std::size_t known = byName_.find(hash, [&](std::size_t i) { return (*this)[i].name == name; });
     if (known != kNotFound) return (*this)[known].instance;
+    if (size_ == blocks_.size() * kBlock) blocks_.push_back(std::make_unique<std::optional<Entry>[]>(kBlock));
+    Entry& entry = blocks_.back()[size_ % kBlock].emplace(names_.add(name));
     byName_.add(hash, size_);
-    if (size_ % kBlock == 0) blocks_.push_back(std::make_unique<std::optional<Entry>[]>(kBlock));
-    return blocks_.back()[size_++ % kBlock].emplace(names_.add(name)).instance;
+    ++size_;
+    return entry.instance;
   }
 
   std::size_t size() const noexcept { return size_; }

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <initializer_list>
+#include <utility>
+#include <vector>
+
 #include "sfg/size_limit.h"
 #include "tests/support/test_graph.h"
 #include "tolmsdk/exception.h"
@@ -177,26 +182,113 @@ TEST_F(Context, StopsAtTheFirstSurfaceWithoutTheProfile) {
   EXPECT_EQ(context.getFragmentInstance(c).getActiveProfileOutput(0), L"result_c_01");
 }
 
-TEST_F(Context, AsksForTheLevelOfDetailOfEverySurface) {
-  class CountingOptions : public test::TestOptions {
-  public:
-    float getSurfaceLOD() const override { return ++asked % 2 == 0 ? 10.0f : 100.0f; }
-    mutable int asked = 0;
-  };
-  const auto options = makeRef<CountingOptions>();
-  scene.options = options;
-  const auto levels = test::loadFragment(
-      L"levels",
-      test::profilesJson({test::functionJson(L"void fine(out float r)\n{\n}", LR"(,"lod":100)"),
-                          test::functionJson(L"void coarse(out float r)\n{\n}", LR"(,"lod":10)")}));
-  AShaderFragment* a = scene.add(*levels, L"a");
-  AShaderFragment* b = scene.add(*levels, L"b");
-  for (AShaderFragment* fragment : {a, b}) scene.output(fragment->instanceName(), TypeID_float, fragment);
+/// Answers one level of detail after another, the last one again and again.
+class ListedLevels : public test::TestOptions {
+public:
+  explicit ListedLevels(std::vector<float> answers) : answers_(std::move(answers)) {}
+  float getSurfaceLOD() const override { return answers_[std::min(asked++, answers_.size() - 1)]; }
+  mutable std::size_t asked = 0;
+
+private:
+  std::vector<float> answers_;
+};
+
+class ContextLevels : public Context {
+protected:
+  /// Outputs of fragments with a profile for level 100 (the first) and one for level 10, reached in that
+  /// order.
+  void reach(std::initializer_list<const wchar_t*> names) {
+    const auto levels = test::loadFragment(
+        L"levels",
+        test::profilesJson({test::functionJson(L"void fine(out float r)\n{\n}", LR"(,"lod":100)"),
+                            test::functionJson(L"void coarse(out float r)\n{\n}", LR"(,"lod":10)")}));
+    for (const wchar_t* name : names) scene.output(name, TypeID_float, scene.add(*levels, name));
+  }
+  RefPtr<ListedLevels> answer(std::vector<float> answers) {
+    const auto options = makeRef<ListedLevels>(std::move(answers));
+    scene.options = options;
+    return options;
+  }
+  WString outputOf(std::size_t fragment) {
+    return context.getFragmentInstance(scene.graph->getFragment(fragment)).getActiveProfileOutput(0);
+  }
+};
+
+TEST_F(ContextLevels, AreAskedForInTheOrderOfNames) {
+  reach({L"c", L"a", L"b"});
+  const auto options = answer({100.0f, 10.0f, 100.0f});
   EXPECT_TRUE(initialize());
   EXPECT_TRUE(context.setActiveSurfaceProfile(L"default"));
-  EXPECT_EQ(options->asked, 2);
-  EXPECT_EQ(context.getFragmentInstance(a).getActiveProfileOutput(0), L"result_a_01");
-  EXPECT_EQ(context.getFragmentInstance(b).getActiveProfileOutput(0), L"result_b_02");
+  EXPECT_EQ(options->asked, 3u);
+  EXPECT_EQ(outputOf(0), L"result_c_01");
+  EXPECT_EQ(outputOf(1), L"result_a_01");
+  EXPECT_EQ(outputOf(2), L"result_b_02");
+}
+
+TEST_F(ContextLevels, AreAskedForAnewByEveryRequest) {
+  reach({L"a", L"b"});
+  answer({10.0f, 100.0f});
+  EXPECT_TRUE(initialize());
+  EXPECT_TRUE(context.setActiveSurfaceProfile(L"default"));
+  EXPECT_EQ(outputOf(0), L"result_a_02");
+  EXPECT_EQ(outputOf(1), L"result_b_01");
+  EXPECT_TRUE(context.setActiveSurfaceProfile(L"default"));
+  EXPECT_EQ(outputOf(0), L"result_a_01");
+  EXPECT_EQ(outputOf(1), L"result_b_01");
+}
+
+TEST_F(ContextLevels, AreAskedForUpToTheFirstFailure) {
+  scene.output(L"z", TypeID_float, scene.addFunction(L"z", kAdd));
+  scene.output(L"m", TypeID_float,
+               scene.add(*test::loadFragment(
+                             L"dusk", test::namedFunctionJson(L"dusk", L"void dusk(out float r)\n{\n}")),
+                         L"m"));
+  scene.output(L"a", TypeID_float, scene.addFunction(L"a", kAdd));
+  const auto options = answer({100.0f});
+  EXPECT_TRUE(initialize());
+  EXPECT_FALSE(context.setActiveSurfaceProfile(L"default"));
+  EXPECT_EQ(options->asked, 2u) << "of a and m";
+}
+
+TEST_F(ContextLevels, ThatDifferEndAtTheFirstFailureToo) {
+  reach({L"z", L"a"});
+  scene.output(L"m", TypeID_float,
+               scene.add(*test::loadFragment(
+                             L"dusk", test::namedFunctionJson(L"dusk", L"void dusk(out float r)\n{\n}")),
+                         L"m"));
+  const auto options = answer({10.0f, 100.0f});
+  EXPECT_TRUE(initialize());
+  EXPECT_FALSE(context.setActiveSurfaceProfile(L"default"));
+  EXPECT_EQ(options->asked, 2u);
+  EXPECT_EQ(outputOf(0), L"result_z_01") << "as it was";
+  EXPECT_EQ(outputOf(1), L"result_a_02");
+}
+
+TEST_F(Context, CanBeInitialisedAgain) {
+  AShaderFragment* source = scene.addFunction(L"n0", kAdd);
+  AShaderFragment* top = scene.addFunction(L"n1", kAdd);
+  top->setInputConnection(L"a", source, L"result");
+  scene.output(L"x", TypeID_float, top);
+  EXPECT_TRUE(initialize());
+  // An instance keeps what it was made for, whatever becomes of the fragment's ports.
+  top->clearInputConnect(L"a");
+  top->generateAutoInputsOutputs(scene.language.get());
+  EXPECT_TRUE(initialize());
+  EXPECT_TRUE(isCreated(top));
+}
+
+TEST_F(Context, KnowsManyInstancesByName) {
+  std::vector<AShaderFragment*> fragments;
+  for (int i = 0; i < 100; ++i) {
+    fragments.push_back(scene.addFunction(formatted(L"n%i", i).c_str(), kAdd));
+    scene.output(fragments.back()->instanceName(), TypeID_float, fragments.back());
+  }
+  EXPECT_TRUE(initialize());
+  for (AShaderFragment* fragment : fragments) {
+    FragmentInstance& instance = context.getFragmentInstance(fragment);
+    EXPECT_EQ(instance.getShaderFragment(), fragment);
+    EXPECT_EQ(&instance, &context.getFragmentInstance(fragment)) << "none moves";
+  }
 }
 
 TEST_F(Context, AnswersConstantsOfMarkedParametersOnly) {

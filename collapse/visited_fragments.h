@@ -19,8 +19,8 @@ public:
   /// False when it was visited before.
   bool insert(const IShaderFragment* fragment) {
     if (find(fragment) != kNotFound) return false;
-    index_.add(hashOf(fragment), visited_.size());
     visited_.push_back({fragment, nullptr});
+    index_.add(hashOf(fragment), visited_.size() - 1);
     return true;
   }
   /// Of a fragment that was visited.

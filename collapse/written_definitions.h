@@ -40,8 +40,8 @@ public:
   /// Ignored when it is known.
   void add(const AShaderFragmentProfile* profile, std::wstring_view key, WString rename) {
     if (find(profile, key) != nullptr) return;
-    index_.add(hashOf(profile, key), definitions_.size());
     definitions_.push_back({profile, keys_.add(key), std::move(rename)});
+    index_.add(hashOf(profile, key), definitions_.size() - 1);
   }
 
 private:

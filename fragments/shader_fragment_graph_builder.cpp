@@ -125,8 +125,8 @@ public:
       places_[known].index = index;
       return;
     }
-    numbers_.add(hashOf(node), places_.size());
     places_.push_back({node, index});
+    numbers_.add(hashOf(node), places_.size() - 1);
   }
 
   std::size_t find(const INodeAccessor* node) const {

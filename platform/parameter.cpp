@@ -106,6 +106,15 @@ const WString& textOrEmpty(const WString* text) noexcept {
   return text != nullptr ? *text : none.get();
 }
 
+/// A text that was made stays where it is, since somebody may hold a reference to it.
+void setText(std::unique_ptr<WString>& text, const WString& value) {
+  if (text) {
+    *text = value;
+  } else if (!value.empty()) {
+    text = std::make_unique<WString>(value);
+  }
+}
+
 using SharedValue = std::shared_ptr<const AValue>;
 
 Map<TypeID, AValue> makeDefaultValues() {
@@ -142,9 +151,7 @@ const WString& AParameter::getLoadError() const noexcept { return textOrEmpty(lo
 
 const WString& AParameter::getStructName() const noexcept { return textOrEmpty(structName_.get()); }
 
-void AParameter::setStructName(const WString& name) {
-  structName_ = name.empty() ? nullptr : std::make_unique<const WString>(name);
-}
+void AParameter::setStructName(const WString& name) { setText(structName_, name); }
 
 void AParameter::setType(const TypeID& type) {
   type_ = type;
@@ -178,10 +185,10 @@ bool AParameter::load(const IObjectDataNode* node) try {
   setDefaultValue(value);
   flags_ = isConstant ? kConstantFlag : 0;
   semantic_ = semantic == nullptr ? UString() : UString(*semantic);
-  loadError_.reset();
+  setText(loadError_, WString());
   return true;
 } catch (const LoadFailure& failure) {
-  loadError_ = std::make_unique<const WString>(failure.message);
+  setText(loadError_, failure.message);
   return false;
 }
 

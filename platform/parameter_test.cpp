@@ -35,6 +35,20 @@ TEST(Parameter, LoadsEveryKey) {
   EXPECT_EQ(parameter->getLoadError(), L"");
 }
 
+TEST(Parameter, KeepsItsTextsWhereTheyAre) {
+  const auto parameter = makeRef<AParameter>(TypeID_struct, L"s");
+  parameter->setStructName(L"First");
+  const WString& name = parameter->getStructName();
+  EXPECT_FALSE(parameter->load(nullptr));
+  const WString& error = parameter->getLoadError();
+  EXPECT_EQ(error, L"the parameter is missing");
+  parameter->setStructName(L"A second name, which needs more memory");
+  EXPECT_EQ(name, L"A second name, which needs more memory");
+  EXPECT_TRUE(parameter->load(parse(LR"({"name": "a", "type": "int"})").get()));
+  EXPECT_EQ(name, L"");
+  EXPECT_EQ(error, L"");
+}
+
 TEST(Parameter, OptionalKeysHaveDefaults) {
   const auto parameter = load(LR"({"name": "a", "type": "float2"})");
   EXPECT_EQ(parameter->getType(), TypeID_fvec2);

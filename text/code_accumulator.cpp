@@ -99,8 +99,8 @@ void CodeAccumulator::Impl::beginCall() {
 void CodeAccumulator::Impl::finishCall() {
   for (Written& symbol : callWritten) {
     if (findWritten(symbol.hash, symbol.identity, symbol.callRenames, symbol.renames) != nullptr) continue;
-    writtenByHash.add(symbol.hash, written.size());
     written.push_back(std::move(symbol));
+    writtenByHash.add(written.back().hash, written.size() - 1);
   }
   for (Name* name : callNames) {
     name->isRecorded = true;
@@ -175,8 +175,9 @@ CodeAccumulator::Impl::Name& CodeAccumulator::Impl::getName(std::wstring_view te
   const std::size_t hashOfText = std::hash<std::wstring_view>()(text);
   const std::size_t known = numberOfName(text, hashOfText);
   if (known != kNotFound) return names[known];
-  namesByText.add(hashOfText, names.size());
-  return names.emplace_back(Name{.text = texts.add(text)});
+  Name& name = names.emplace_back(Name{.text = texts.add(text)});
+  namesByText.add(hashOfText, names.size() - 1);
+  return name;
 }
 
 /// Whether this is the name's first use in the call.

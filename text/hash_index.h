@@ -27,7 +27,8 @@ public:
     return kNotFound;
   }
 
-  /// Does not look whether the entry is there. Numbers are below 2^32 - 1.
+  /// Does not look whether the entry is there. Called behind the entry's own insertion, so that no number
+  /// stays here when that throws. Numbers are below 2^32 - 1.
   void add(std::size_t hash, std::size_t number) {
     if (4 * (used_ + 1) > 3 * places_.size()) grow();
     put({tagOf(hash), static_cast<std::uint32_t>(number + 1)});

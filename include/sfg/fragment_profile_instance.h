@@ -28,8 +28,9 @@ public:
   FragmentProfileInstance& operator=(const FragmentProfileInstance&) = delete;
 
   /// Takes its names: function name and output variables end in `shortname` (the profile's name when that is
-  /// empty). False for a null argument. A second call throws "Cannot initialize fragment (%s) profile
-  /// twice!".
+  /// empty). They are spelled when they are asked for, so fragment and profile stay as they are until the
+  /// collapse is done. False for a null argument. A second call throws "Cannot initialize fragment (%s)
+  /// profile twice!".
   bool create(const ILanguageTraits* language, const AShaderFragment* fragment,
               const AShaderFragmentProfile* profile, const WString& shortname);
 

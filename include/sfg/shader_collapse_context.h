@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "sfg/code_accumulator.h"
@@ -68,7 +69,8 @@ public:
   void setActiveLightIndex(std::size_t index) noexcept;
   /// Whether any surface instance reads the current light.
   bool requiresCurrentLight() const;
-  /// Gives every surface instance its best profile of that name; false at the first that fails or has none.
+  /// Gives every surface instance, in the order of their names, its best profile of that name; false at the
+  /// first that fails or has none.
   bool setActiveSurfaceProfile(const WString& profileName);
 
   // The body of the result.
@@ -95,10 +97,15 @@ private:
   friend class FragmentInstance;
   friend class FragmentProfileInstance;
 
+  struct ProfileChanges;
+
   bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
   FragmentInstance* createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
   FragmentInstance& getInstance(InstanceTable& instances, const WString& name);
+  ProfileChanges findProfileChanges(const WString& profileName, float lod, std::uint32_t request);
+  std::size_t countInstancesUpTo(const std::optional<std::wstring_view>& last) const;
+  bool setActiveSurfaceProfile(const WString& profileName, const Array<float>& lods);
   std::size_t countSurfaceInstances() const noexcept;
   FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
   bool takeWrittenDefinition(FragmentProfileInstance& instance);

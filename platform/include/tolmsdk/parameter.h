@@ -46,6 +46,7 @@ public:
   void setFlags(std::uint32_t flags) noexcept { flags_ = flags; }
   bool isConstant() const noexcept { return (flags_ & kConstantFlag) != 0; }
 
+  /// Valid until the parameter gets another type or default value.
   const AValue& getDefaultValue() const noexcept { return *defaultValue_; }
   void setDefaultValue(const AValue& value);
 
@@ -62,8 +63,8 @@ private:
   // A collapse makes a parameter for every uniform, so what most do not have, or have in common, is kept
   // apart.
   WString name_;
-  std::unique_ptr<const WString> structName_;
-  std::unique_ptr<const WString> loadError_;
+  std::unique_ptr<WString> structName_;
+  std::unique_ptr<WString> loadError_;
   UString semantic_;
   TypeID type_;
   std::uint32_t flags_ = 0;
