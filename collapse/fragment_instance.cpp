@@ -82,6 +82,8 @@ bool FragmentInstance::createNoInputUniform(const ILanguageTraits* language,
 }
 
 void FragmentInstance::makeUniformsUnique() {
+  if (fragment_->getNumUniforms() == 0) return;
+  extras().uniforms.reserve(fragment_->getNumUniforms());
   for (std::size_t i = 0; i < fragment_->getNumUniforms(); ++i) {
     const AParameter* uniform = fragment_->getUniform(i);
     if (uniform == nullptr) continue;
@@ -176,6 +178,10 @@ void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
 
   FragmentProfileInstance& instance = makeProfileInstance();
   if (!instance.create(language_.get(), fragment_.get(), ours, profileNumber(*fragment_, profile))) return;
+  if (const std::size_t uniforms = fragment_->getNumUniforms(); uniforms != 0) {
+    instance.getUniformOriginal().reserve(uniforms);
+    instance.getUniformNew().reserve(uniforms);
+  }
   for (std::size_t i = 0; i < fragment_->getNumUniforms(); ++i) {
     const AParameter* uniform = fragment_->getUniform(i);
     if (uniform == nullptr) continue;

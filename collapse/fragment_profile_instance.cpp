@@ -345,7 +345,7 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
   WString key;
   if (isShared) appendDefinitionKey(key);
   context.writeDefinition(definition, calls, *this);
-  if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this, std::move(key));
+  if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this, key);
   dropPatterns();
   return true;
 }

@@ -305,7 +305,8 @@ bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& inst
   return true;
 }
 
-void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance, WString key) {
+void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance,
+                                                       const WString& key) {
   WString name;
   instance.appendFunctionName(name);
   const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');

@@ -109,7 +109,7 @@ private:
   std::size_t countSurfaceInstances() const noexcept;
   FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
   bool takeWrittenDefinition(FragmentProfileInstance& instance);
-  void rememberWrittenDefinition(const FragmentProfileInstance& instance, WString key);
+  void rememberWrittenDefinition(const FragmentProfileInstance& instance, const WString& key);
   std::uint32_t profileRequest(const WString& profileName, float lod);
 
   CodeAccumulator accumulator_;
