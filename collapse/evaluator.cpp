@@ -116,15 +116,19 @@ private:
   std::deque<Frame, StlAllocator<Frame>> frames_;
 };
 
-/// Forgets the repeat lists of former epochs, but never those that an evaluated instance or a run under way
-/// still needs.
+/// Forgets the repeat lists of former epochs and lights, but never those that an evaluated instance or a run
+/// under way still needs. Whoever does not read the light has none.
 class FragmentEvaluator::Run {
 public:
   explicit Run(FragmentEvaluator& evaluator) : evaluator_(evaluator) {
-    if (evaluator_.runs_++ == 0 && evaluator_.listsEpoch_ != evaluator_.epoch_) evaluator_.lists_.resize(1);
+    const bool isOld =
+        evaluator_.listsEpoch_ != evaluator_.epoch_ || evaluator_.listsLight_ != evaluator_.light_;
+    if (evaluator_.runs_++ == 0 && isOld) evaluator_.lists_.resize(1);
   }
   ~Run() {
-    if (--evaluator_.runs_ == 0) evaluator_.listsEpoch_ = evaluator_.epoch_;
+    if (--evaluator_.runs_ != 0) return;
+    evaluator_.listsEpoch_ = evaluator_.epoch_;
+    evaluator_.listsLight_ = evaluator_.light_;
   }
   Run(const Run&) = delete;
   Run& operator=(const Run&) = delete;
@@ -195,6 +199,7 @@ bool FragmentEvaluator::enter(Stack& stack, Frame frame) {
     if (!begin(frame)) return false;
   }
   frame.epoch = epoch_;
+  frame.light = light_;
   stack.push(std::move(frame));
   return true;
 }
@@ -302,12 +307,14 @@ bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   if (instance.activeProfileInstance_->IsShaderInput(frame.next)) {
     if (frame.next >= instance.inputValues_.size()) return false;
     frame.inputValues[frame.next] = instance.inputValue(frame.next);
+    frame.readsLight = true;  // as far as is known of a function that is called with other values each time
     if (frame.sourceWritesAgain) frame.repeats.push_back({0, frame.instance, frame.next});
     return true;
   }
   if (!frame.source->hasActiveProfileOutput(output)) return false;
   frame.inputValues[frame.next].clear();
   frame.source->appendActiveProfileOutput(frame.inputValues[frame.next], output);
+  if (frame.source->readsLight_) frame.readsLight = true;
   if (frame.source->repeatList_ != 0) frame.repeats.push_back({frame.source->repeatList_, nullptr, 0});
   return true;
 }
@@ -342,6 +349,8 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
 
   instance.repeatList_ = makeList(std::move(frame.repeats));
   instance.evaluatedEpoch_ = frame.epoch;
+  instance.evaluatedLight_ = frame.light;
+  instance.readsLight_ = frame.readsLight || active.requiresCurrentLight();
   return true;
 }
 

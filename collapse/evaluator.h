@@ -22,8 +22,9 @@ class AShaderCollapseContext;
 /// Repeats. Requirements, definition and declarations of an instance are written once, its call once (once
 /// per active light), and the value of an inline expression follows from those of its inputs. So a second
 /// visit of an instance writes nothing as long as the active profiles, the active light and the accumulators
-/// stay as they are. Such a period is an *epoch*; the context says when a new one starts. The one thing that
-/// is written at every visit are the shader inputs of a shader function (the source of an input that the
+/// stay as they are. Such a period is an *epoch*; the context says when a new one starts. Where neither the
+/// instance nor anything that feeds it reads the current light, the active light may change. The one thing
+/// that is written at every visit are the shader inputs of a shader function (the source of an input that the
 /// consumer's code calls through sfg_shader). Each evaluation therefore leaves a *repeat list* with its
 /// instance: the shader functions that were visited on the way and that would write again, in order. A second
 /// visit in the same epoch redoes that list and nothing else; an empty list is passed over. Lists share
@@ -43,6 +44,8 @@ public:
 
   /// Something changed that could make a second visit write.
   void startEpoch() noexcept { ++epoch_; }
+  /// Another light is active: the same, but for instances without any light.
+  void startLight() noexcept { ++light_; }
 
 private:
   using ListNumber = std::uint32_t;  // 0 is the empty list
@@ -70,7 +73,9 @@ private:
     ListNumber list = 0;  // task repeat: what to redo
     FragmentInstance* instance = nullptr;
     FragmentInstance* source = nullptr;  // that feeds the next input
+    bool readsLight = false;             // itself or something that feeds it
     std::uint64_t epoch = 0;             // at the start
+    std::uint64_t light = 0;             // at the start
     std::size_t next = 0;                // input, or item of the list
     Array<WString> inputValues;
     Array<WString>* values = nullptr;      // tasks evaluateInto and collectInputs: the caller's
@@ -105,13 +110,18 @@ private:
   Frame shaderFrame(FragmentInstance& caller, FragmentInstance& source, std::size_t input) const;
   Frame repeatFrame(ListNumber list) const;
   FragmentInstance* findSource(const FragmentInstance& instance, std::size_t input) const;
-  bool isEvaluated(const FragmentInstance& instance) const { return instance.evaluatedEpoch_ == epoch_; }
+  bool isEvaluated(const FragmentInstance& instance) const {
+    return instance.evaluatedEpoch_ == epoch_ &&
+           (!instance.readsLight_ || instance.evaluatedLight_ == light_);
+  }
   ListNumber makeList(Array<RepeatItem> items);
   WString& body() const;
 
   AShaderCollapseContext& context_;
   std::uint64_t epoch_ = 1;
+  std::uint64_t light_ = 1;
   std::uint64_t listsEpoch_ = 1;
+  std::uint64_t listsLight_ = 1;
   std::size_t runs_ = 0;
   Array<Array<WString>> spareTexts_;
   Array<WString> outputTexts_;

@@ -152,7 +152,7 @@ void AShaderCollapseContext::allocateNewShaderInput(const WString& type) {
 // Lights and profiles.
 
 void AShaderCollapseContext::setActiveLightIndex(std::size_t index) noexcept {
-  if (activeLightIndex_ != index) evaluator_->startEpoch();
+  if (activeLightIndex_ != index) evaluator_->startLight();
   activeLightIndex_ = index;
 }
 

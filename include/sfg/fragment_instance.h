@@ -130,7 +130,9 @@ private:
   std::uint32_t repeatList_ = 0;
   bool isUnderWay_ = false;
   bool wasShaderFunction_ = false;
+  bool readsLight_ = false;  // itself or something that feeds it
   std::uint64_t evaluatedEpoch_ = 0;
+  std::uint64_t evaluatedLight_ = 0;
 };
 
 }  // namespace TolmSDK::Graphics::sfg
