@@ -91,17 +91,18 @@ const WString& inputValueType(const AShaderFragment& fragment, const ILanguageTr
 
 }  // namespace
 
-/// The frames of one run. Instances are under way as long as a frame of theirs is in here.
+/// The frames of one run, on top of those of the runs that wait for it. Instances are under way as long as a
+/// frame of theirs is in here.
 class FragmentEvaluator::Stack {
 public:
-  Stack() = default;
+  explicit Stack(Frames& frames) : frames_(frames), below_(frames.size()) {}
   ~Stack() {
     while (!empty()) pop();
   }
   Stack(const Stack&) = delete;
   Stack& operator=(const Stack&) = delete;
 
-  bool empty() const { return frames_.empty(); }
+  bool empty() const { return frames_.size() == below_; }
   Frame& top() { return frames_.back(); }
   void push(Frame&& frame) {
     frames_.push_back(std::move(frame));
@@ -113,7 +114,8 @@ public:
   }
 
 private:
-  std::deque<Frame, StlAllocator<Frame>> frames_;
+  Frames& frames_;
+  std::size_t below_;
 };
 
 /// Forgets the repeat lists of former epochs and lights, but never those that an evaluated instance or a run
@@ -175,7 +177,7 @@ bool FragmentEvaluator::appendInputValues(FragmentInstance& instance, Array<WStr
 
 bool FragmentEvaluator::run(Frame root) {
   const Run scope(*this);
-  Stack stack;
+  Stack stack(frames_);
   if (!enter(stack, std::move(root))) return false;
   while (!stack.empty()) {
     Frame& frame = stack.top();

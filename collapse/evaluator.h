@@ -83,6 +83,7 @@ private:
     Array<RepeatItem> repeats;             // what a second visit of the instance would have to redo
   };
 
+  using Frames = std::deque<Frame, StlAllocator<Frame>>;
   class Stack;
   class Run;
 
@@ -123,6 +124,7 @@ private:
   std::uint64_t listsEpoch_ = 1;
   std::uint64_t listsLight_ = 1;
   std::size_t runs_ = 0;
+  Frames frames_;
   Array<Array<WString>> spareTexts_;
   Array<WString> outputTexts_;
   TextRate declarations_;

@@ -245,8 +245,14 @@ bool FragmentInstance::accmulateEvaluate(AShaderCollapseContext& context) {
   if (!accumulates()) return true;
   const Array<WString>& accumulators = extras_->accumulateOutputs;
   if (accumulators.size() > activeProfileInstance_->getNumOutputs()) return false;
+  WString line;
   for (std::size_t i = 0; i < accumulators.size(); ++i) {
-    context.writeCodef(L"    %s += %s;\n", accumulators[i], activeProfileInstance_->getOutputName(i));
+    line = L"    ";
+    line += accumulators[i];
+    line += L" += ";
+    activeProfileInstance_->appendOutputName(line, i);
+    line += L";\n";
+    context.writeCode(std::wstring_view(line));
   }
   return true;
 }

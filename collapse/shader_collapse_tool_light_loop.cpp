@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "collapse/ports.h"
+#include "collapse/text_forecast.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/state_variables.h"
 
@@ -94,7 +95,14 @@ void AShaderCollapseToolLightLoop::writeLightLoop() {
   const Array<FragmentInstance*> litInstances = collectLitFragments();
   for (FragmentInstance* instance : litInstances) instance->declareAccumulateOutputs(context_);
   if (environment_->getNumLights() == 0) evaluateDefaultLight(litInstances);
-  for (std::size_t i = 0; i < environment_->getNumLights(); ++i) evaluateLight(i, litInstances);
+  TextRate written;
+  for (std::size_t i = 0; i < environment_->getNumLights(); ++i) {
+    const std::size_t before = resultProfile_->getFunctionBody().size();
+    evaluateLight(i, litInstances);
+    WString& body = resultProfile_->getFunctionBody();
+    written.add(body.size() - before);
+    if (isAlmostFull(body)) growTo(body, written.rest(environment_->getNumLights()));
+  }
 }
 
 /// The first instances that read the current light on the ways up from the outputs, in the order in which
@@ -156,7 +164,9 @@ void AShaderCollapseToolLightLoop::setCurrentLight(const IShaderFragment& light,
   if (!instance.safeEvaluate(context_) || !instance.hasActiveProfileOutput(0)) {
     throw Exception(L"Failed to evaluate light profile of light %s: %s.", light.instanceName(), profileName);
   }
-  context_.setCurrentLight(profileName, instance.getActiveProfileOutput(0));
+  WString name;
+  instance.appendActiveProfileOutput(name, 0);
+  context_.setCurrentLight(profileName, name);
 }
 
 void AShaderCollapseToolLightLoop::writeLightHeading(std::wstring_view line) {

@@ -10,7 +10,7 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// A kind of text that is written piece by piece, about as often as there are instances.
+/// A kind of text that is written piece by piece, about as often as there are instances or lights.
 struct TextRate {
   std::size_t pieces = 0;
   std::size_t length = 0;
