@@ -107,6 +107,7 @@ void FragmentProfileInstance::appendFunctionName(WString& out) const {
   if (hasFunctionName_) {
     out += extras_->functionName;
   } else if (profile_) {
+    if (out.empty()) out.reserve(profile_->getFunctionName().size() + profileShortname_.size());
     out += profile_->getFunctionName();
     out += profileShortname_;
   }

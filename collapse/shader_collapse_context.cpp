@@ -289,7 +289,7 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
                                              FragmentProfileInstance& profileInstance) {
   accumulator_.append(resultProfile_->predefines(), instance, pattern,
                       profileInstance.getKeywordReplacePattern());
-  WString name;
+  WString& name = writtenDefinitions_->soughtText();
   profileInstance.appendFunctionName(name);
   const WString& rename = accumulator_.getRename(name);
   if (rename != name) profileInstance.setFunctionName(rename);
@@ -297,7 +297,7 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
 
 /// Gives the function the name under which another instance wrote it; false when none did.
 bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance) {
-  WString& key = writtenDefinitions_->searchedKey();
+  WString& key = writtenDefinitions_->soughtText();
   instance.appendDefinitionKey(key);
   const WrittenDefinitions::Definition* found = writtenDefinitions_->find(instance.getProfile(), key);
   if (found == nullptr) return false;
@@ -307,7 +307,7 @@ bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& inst
 
 void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance,
                                                        const WString& key) {
-  WString name;
+  WString& name = writtenDefinitions_->soughtText();
   instance.appendFunctionName(name);
   const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');
   writtenDefinitions_->add(instance.getProfile(), key, isRenamed ? name : WString());

@@ -23,10 +23,10 @@ public:
     WString rename;  // the name that the function was given instead of its own; empty when it kept that
   };
 
-  /// An empty text that has the memory of former ones, for the key of the next search.
-  WString& searchedKey() {
-    searchedKey_.clear();
-    return searchedKey_;
+  /// An empty text that has the memory of former ones, for keys and names to look for.
+  WString& soughtText() {
+    soughtText_.clear();
+    return soughtText_;
   }
 
   /// Null when there is none.
@@ -52,7 +52,7 @@ private:
   Array<Definition> definitions_;
   TextStore keys_;
   HashIndex index_;
-  WString searchedKey_;
+  WString soughtText_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -31,8 +31,8 @@ TEST(WrittenDefinitions, KeepTheFirstOfEqualOnes) {
 
 TEST(WrittenDefinitions, TextForASearchIsEmpty) {
   WrittenDefinitions written;
-  written.searchedKey() = L"before";
-  EXPECT_TRUE(written.searchedKey().empty());
+  written.soughtText() = L"before";
+  EXPECT_TRUE(written.soughtText().empty());
 }
 
 }  // namespace

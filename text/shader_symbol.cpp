@@ -242,7 +242,9 @@ const WString& ShaderSymbol::makeKey() const {
   const std::lock_guard<std::mutex> lock(mutexes[std::hash<const void*>()(this) / sizeof *this % 64]);
   // Another thread may have made it since the caller looked, which no test can time.
   if (!key_.isPending()) return key_.text;  // GCOVR_EXCL_BR_LINE
+  constexpr std::size_t kLengthAndHash = 60;
   WString key;
+  key.reserve(signatureLength_ + kLengthAndHash);
   buildKey(key, keyedText_.substr(0, signatureLength_));
   appendDecimal(key, bodyLength_);
   key += SHA1_GetStringHash(keyedText_.view());
