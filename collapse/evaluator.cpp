@@ -1,9 +1,11 @@
 #include "collapse/evaluator.h"
 
+#include <typeinfo>
 #include <utility>
 
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"
+#include "sfg/shader_fragment_profile_inline.h"
 #include "sfg/size_limit.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -27,23 +29,37 @@ private:
   FragmentProfileInstance& instance_;
 };
 
-/// Tells whether a light-dependent inline expression changed. Within one light it is set by its first use and
-/// by every call as a shader function, but not by later uses: only of such an expression may a second visit
-/// find another one.
+/// Starts an epoch when a light-dependent inline expression has changed, also by a call that failed. Within
+/// one light it is set by its first use and by every call as a shader function, but not by later uses: only
+/// of such an expression may a second visit find another one.
 class ExpressionWatch {
 public:
-  ExpressionWatch(const FragmentProfileInstance& instance, bool wasShaderFunction)
-      : instance_(instance),
+  ExpressionWatch(FragmentEvaluator& evaluator, const FragmentProfileInstance& instance,
+                  bool wasShaderFunction)
+      : evaluator_(evaluator), instance_(instance),
         isWatching_(wasShaderFunction && instance.isInlineProfile() && instance.requiresCurrentLight()) {
     if (isWatching_) before_ = instance.getOutputNames();
   }
-  bool hasChanged() const { return isWatching_ && before_ != instance_.getOutputNames(); }
+  ~ExpressionWatch() {
+    if (isWatching_ && before_ != instance_.getOutputNames()) evaluator_.startEpoch();
+  }
+  ExpressionWatch(const ExpressionWatch&) = delete;
+  ExpressionWatch& operator=(const ExpressionWatch&) = delete;
 
 private:
+  FragmentEvaluator& evaluator_;
   const FragmentProfileInstance& instance_;
   bool isWatching_;
   Array<WString> before_;
 };
+
+/// Whether a writer may read the active light without saying so, as one of a host's own class may that writes
+/// an expression at every use. Functions that do not say so are written once.
+bool mayReadLight(const FragmentProfileInstance& instance) {
+  if (instance.requiresCurrentLight()) return true;
+  const AShaderFragmentProfile& profile = *instance.getProfile();
+  return instance.isInlineProfile() && typeid(profile) != typeid(AShaderFragmentProfileInline);
+}
 
 /// Whether a function takes as many values as there are inputs. An inline expression says so itself.
 bool fitsParameters(const FragmentProfileInstance& instance, std::size_t values) {
@@ -339,7 +355,7 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
   FragmentProfileInstance& active = *instance.activeProfileInstance_;
   if (!writeRequirementsAndDefinition(frame)) return false;
 
-  const ExpressionWatch watch(active, instance.wasShaderFunction_);
+  const ExpressionWatch watch(*this, active, instance.wasShaderFunction_);
   // An expression checks its own length.
   if (!active.isInlineProfile()) checkTextLength(body().size() + totalLength(frame.inputValues));
   const std::size_t before = body().size();
@@ -347,12 +363,11 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
   checkTextLength(body().size());
   calls_.add(body().size() - before);
   reserveTexts();
-  if (watch.hasChanged()) startEpoch();
 
   instance.repeatList_ = makeList(std::move(frame.repeats));
   instance.evaluatedEpoch_ = frame.epoch;
   instance.evaluatedLight_ = frame.light;
-  instance.readsLight_ = frame.readsLight || active.requiresCurrentLight();
+  instance.readsLight_ = frame.readsLight || mayReadLight(active);
   return true;
 }
 
@@ -396,12 +411,11 @@ bool FragmentEvaluator::finishShaderFunction(Frame& frame) {
   allocateShaderInputs(frame);
   frame.writesAgain = !frame.repeats.empty() || context_.getShaderInputTypes().size() != allocatedBefore;
 
-  const ExpressionWatch watch(active, true);
-  writeShaderCalls(frame);
+  const ExpressionWatch watch(*this, active, true);
   instance.wasShaderFunction_ = true;
   // The calls leave their own text in an inline expression: its next use as a value has to write it anew.
   if (active.isInlineProfile()) instance.evaluatedEpoch_ = 0;
-  if (watch.hasChanged()) startEpoch();
+  writeShaderCalls(frame);
   return true;
 }
 

@@ -144,8 +144,8 @@ bool FragmentInstance::activateBestProfile(AShaderCollapseContext& context, cons
   if (hasAnswered(request)) return true;
   const IShaderFragmentProfile* profile = findProfile(context, profileName, lod);
   if (profile == nullptr) return false;
-  profileRequest_ = request;
   if (!hasActiveProfile(profile)) changeProfile(context, profile);
+  profileRequest_ = request;
   return true;
 }
 
@@ -164,9 +164,8 @@ bool FragmentInstance::hasActiveProfile(const IShaderFragmentProfile* profile) c
 }
 
 void FragmentInstance::changeProfile(AShaderCollapseContext& context, const IShaderFragmentProfile* profile) {
-  const FragmentProfileInstance* before = activeProfileInstance_;
+  context.evaluator().startEpoch();
   activateProfile(profile);
-  if (activeProfileInstance_ != before) context.evaluator().startEpoch();
 }
 
 void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "sfg/shader_collapse_context.h"
+#include "sfg/shader_fragment_profile_inline.h"
 #include "tests/support/test_graph.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
@@ -312,6 +313,58 @@ TEST_F(Instances, AreEvaluatedAnewUnderAnotherProfile) {
   EXPECT_EQ(instance.getActiveProfileOutput(0), L"(result_s_02 * 2)");
   EXPECT_EQ(body(), "    float result_s_01;\n    day1(\n        result_s_01);\n"
                     "    float result_s_02;\n    night2(\n        result_s_02);\n");
+}
+
+/// An expression of a host's own that reads the active light and does not say so.
+class LightNumberProfile : public AShaderFragmentProfileInline {
+public:
+  bool writeFunctionCall(WString&, AShaderCollapseContext& context, FragmentProfileInstance& instance,
+                         const Array<WString>&, const Array<WString>&) const override {
+    instance.setNumOutputs(1);
+    instance.setOutput(0, WString(), formatted(L"lights[%Iu]", context.getActiveLightIndex()));
+    return true;
+  }
+};
+
+TEST_F(Instances, OfOwnExpressionsAreEvaluatedForEveryLight) {
+  const auto profile = makeRef<LightNumberProfile>();
+  profile->setProfilename(L"default");
+  profile->languages().insert(UString(L"dx11"));
+  const auto definition = makeRef<AShaderFragment>();
+  definition->registerProfile(profile.get());
+  definition->addOutput(TypeID_float, L"result");
+  const RefPtr<IShaderFragment> light(definition->clone(L"light"));
+  scene.graph->addFragment(light.get());
+  AShaderFragment* twice = scene.addInline(L"t", L"{{a}} * 2", {L"a"});
+  ASSERT_TRUE(twice->setInputConnection(std::size_t{0}, light.get(), 0));
+  made(dynamic_cast<AShaderFragment*>(light.get()));
+  FragmentInstance& instance = made(twice);
+  for (const std::size_t index : {0u, 1u, 0u}) {
+    context.setActiveLightIndex(index);
+    EXPECT_TRUE(instance.safeEvaluate(context));
+    EXPECT_EQ(instance.getActiveProfileOutput(0), formatted(L"(lights[%Iu] * 2)", index));
+  }
+}
+
+TEST_F(Instances, WriteTheirExpressionAnewAfterACallOfItFailed) {
+  // The first call of the expression leaves its text there, the second is too long.
+  WString sum(L"{{a}}");
+  for (int i = 0; i < 2000; ++i) sum += L"+{{a}}";
+  AShaderFragment* expression = scene.addInline(L"s", sum, {L"a"});
+  const WString caller =
+      L"void call(float f, float p, out float r)\n{\nsfg_shader(f, {{a}}, p);\nsfg_shader(f, {{a}}, " +
+      WString(40000, L'x') + L");\n}";
+  AShaderFragment* call = scene.addFunction(L"c", caller);
+  call->setInputConnection(L"f", expression, L"result");
+  FragmentInstance& value = made(expression);
+  FragmentInstance& calling = made(call);
+  EXPECT_TRUE(value.safeEvaluate(context));
+  const WString before = value.getActiveProfileOutput(0);
+  EXPECT_EQ(before.substr(0, 5), L"(as+a");
+  EXPECT_THROW(calling.safeEvaluate(context), Exception);
+  EXPECT_NE(value.getActiveProfileOutput(0), before);
+  EXPECT_TRUE(value.safeEvaluate(context));
+  EXPECT_EQ(value.getActiveProfileOutput(0), before);
 }
 
 TEST_F(Instances, SeeAccumulatorsFromTheirDeclarationOn) {

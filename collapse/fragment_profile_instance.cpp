@@ -375,6 +375,7 @@ bool FragmentProfileInstance::mustWriteCall(const AShaderCollapseContext& contex
   if (inShaderFunctionCall_) return true;
   if (requiresCurrentLight_) {
     const std::size_t light = context.getActiveLightIndex();
+    checkTextLength(light);  // so many lights cannot be written
     Array<bool>& isWritten = extras().callWrittenForLight;
     if (isWritten.size() <= light) isWritten.resize(light + 1, false);
     if (isWritten[light]) return false;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "sfg/shader_collapse_context.h"
+#include "sfg/size_limit.h"
 #include "tests/support/test_graph.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
@@ -297,6 +298,16 @@ TEST_F(ProfileInstance, WritesTheCallOfALightDependentProfileOncePerLight) {
   EXPECT_EQ(call(), "");
   context.setActiveLightIndex(3);
   EXPECT_EQ(call(), "");
+}
+
+TEST_F(ProfileInstance, RefusesMoreLightsThanCanBeWritten) {
+  make(L"void f(out float r)\n{\nr = sfg_currentLight.x;\n}");
+  WString text;
+  for (const std::size_t light : {kNotFound, kMaximumTextLength + 1}) {
+    context.setActiveLightIndex(light);
+    EXPECT_THROW(instance.writeFunctionCall(text, context, {}, {}), Exception);
+  }
+  EXPECT_TRUE(text.empty());
 }
 
 TEST_F(ProfileInstance, WritesEveryCallInsideAShaderFunctionCallAndCountsNone) {
