@@ -325,7 +325,7 @@ bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   if (instance.activeProfileInstance_->IsShaderInput(frame.next)) {
     if (frame.next >= instance.inputValues_.size()) return false;
     frame.inputValues[frame.next] = instance.inputValue(frame.next);
-    frame.readsLight = true;  // as far as is known of a function that is called with other values each time
+    frame.readsLight = true;  // shader functions are taken to read it
     if (frame.sourceWritesAgain) frame.repeats.push_back({0, frame.instance, frame.next});
     return true;
   }
