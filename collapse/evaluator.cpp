@@ -295,7 +295,7 @@ bool FragmentEvaluator::takeInputValue(Frame& frame) {
     if (graph != nullptr && connection.index < graph->getNumInputs()) {
       if (graph->getInput(connection.index) == nullptr) return false;
       frame.inputValues[frame.next] = graph->getInputName(connection.index);
-    } else if (frame.next < instance.inputValues_.size()) {
+    } else if (frame.next < instance.inputs_.size()) {
       frame.inputValues[frame.next] = instance.inputValue(frame.next);
     } else {
       return false;
@@ -323,7 +323,7 @@ void FragmentEvaluator::giveBackTexts(Frame& frame) {
 bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   const FragmentInstance& instance = *frame.instance;
   if (instance.activeProfileInstance_->IsShaderInput(frame.next)) {
-    if (frame.next >= instance.inputValues_.size()) return false;
+    if (frame.next >= instance.inputs_.size()) return false;
     frame.inputValues[frame.next] = instance.inputValue(frame.next);
     frame.readsLight = true;  // shader functions are taken to read it
     if (frame.sourceWritesAgain) frame.repeats.push_back({0, frame.instance, frame.next});
@@ -506,8 +506,8 @@ FragmentEvaluator::Frame FragmentEvaluator::repeatFrame(ListNumber list) const {
 /// The instance of the fragment that feeds an input; null when that is no fragment of ours.
 FragmentInstance* FragmentEvaluator::findSource(const FragmentInstance& instance, std::size_t input) const {
   const IShaderFragment* connected = instance.fragment_->getInputConnections()[input].fragment;
-  if (input < instance.inputValues_.size()) {
-    FragmentInstance* known = instance.inputValues_[input].source;
+  if (input < instance.inputs_.size()) {
+    FragmentInstance* known = instance.inputs_[input].source;
     if (known != nullptr && known->fragment_.get() == connected) return known;
   }
   const auto* fragment = dynamic_cast<const AShaderFragment*>(connected);

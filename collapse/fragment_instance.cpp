@@ -55,7 +55,7 @@ FragmentInstance::Extras& FragmentInstance::extras() {
 bool FragmentInstance::create(AShaderCollapseContext& context, const ILanguageTraits* language,
                               const AShaderFragment* fragment) {
   if (!createNoInputUniform(language, fragment)) return false;
-  inputValues_.resize(fragment->getNumInputs());
+  inputs_.resize(fragment->getNumInputs());
   for (std::size_t i = 0; i < fragment->getNumInputs(); ++i) {
     // A connected input has its source's value, unless the code calls the source as a function.
     const bool isShaderInput = activeProfileInstance_ != nullptr && activeProfileInstance_->IsShaderInput(i);
@@ -95,35 +95,34 @@ void FragmentInstance::makeUniformsUnique() {
 void FragmentInstance::createInputUniform(const AShaderCollapseContext& context, std::size_t input) {
   const AParameter* parameter = fragment_->getInput(input);
   if (parameter == nullptr) return;
-  InputValue& value = inputValues_[input];
+  Input& own = inputs_[input];
   if (WString text; parameter->isConstant() && context.getConstValue(text, parameter)) {
-    value.text = std::make_unique<const WString>(std::move(text));
+    own.value = std::make_unique<const WString>(std::move(text));
     return;
   }
 
-  value.uniform = makeRef<OverrideNameParameter>(
+  own.uniform = makeRef<OverrideNameParameter>(
       *parameter, inputUniformName(parameter->getName(), fragment_->instanceName()));
   if (!isSamplerType(parameter->getType())) return;
-  const WString& name = value.uniform->getName();
-  value.text = std::make_unique<const WString>(samplerConstructor(parameter->getType()) + name +
-                                               L", sampler_" + name + L")");
+  const WString& name = own.uniform->getName();
+  own.value = std::make_unique<const WString>(samplerConstructor(parameter->getType()) + name +
+                                              L", sampler_" + name + L")");
   usesSamplers_ = true;
 }
 
 /// The value of an input that no fragment feeds.
 const WString& FragmentInstance::inputValue(std::size_t input) const {
   static const WString none;
-  const InputValue& value = inputValues_[input];
-  if (value.text) return *value.text;
-  return value.uniform ? value.uniform->getName() : none;
+  const Input& own = inputs_[input];
+  if (own.value) return *own.value;
+  return own.uniform ? own.uniform->getName() : none;
 }
 
 void FragmentInstance::setSources(const VisitedFragments& visited) {
   if (!fragment_) return;
   const Array<ShaderFragmentConnection>& connections = fragment_->getInputConnections();
-  for (std::size_t i = 0; i < inputValues_.size() && i < connections.size(); ++i) {
-    if (connections[i].fragment != nullptr)
-      inputValues_[i].source = visited.getInstance(connections[i].fragment);
+  for (std::size_t i = 0; i < inputs_.size() && i < connections.size(); ++i) {
+    if (connections[i].fragment != nullptr) inputs_[i].source = visited.getInstance(connections[i].fragment);
   }
 }
 
@@ -299,8 +298,8 @@ bool FragmentInstance::writeRequirements(AShaderCollapseContext& context) {
     if (extras_) {
       for (const auto& uniform : extras_->uniforms) context.getResult()->addUniform(uniform.get());
     }
-    for (const InputValue& value : inputValues_) {
-      if (value.uniform) context.getResult()->addUniform(value.uniform.get());
+    for (const Input& input : inputs_) {
+      if (input.uniform) context.getResult()->addUniform(input.uniform.get());
     }
     if (usesSamplers_) context.getResultProfile()->includes().insert(L"sfg_samplers.h");
   }

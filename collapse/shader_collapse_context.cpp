@@ -93,7 +93,8 @@ bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment, Vi
 FragmentInstance* AShaderCollapseContext::createInstance(const IShaderFragment* fragment) {
   FragmentInstance& instance = getFragmentInstance(fragment);
   const auto* ours = dynamic_cast<const AShaderFragment*>(fragment);
-  return instance.isInitialized() || instance.create(*this, getLanguage(), ours) ? &instance : nullptr;
+  if (instance.isInitialized() || instance.create(*this, getLanguage(), ours)) return &instance;
+  return nullptr;
 }
 
 bool AShaderCollapseContext::createLightInstance(const IShaderFragment* light) {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <string_view>
-#include <unordered_set>
 
 #include "collapse/ports.h"
 #include "collapse/text_forecast.h"
+#include "fragments/pointer_set.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/state_variables.h"
 
@@ -94,14 +94,15 @@ void AShaderCollapseToolLightLoop::writeLightRequirements() {
 void AShaderCollapseToolLightLoop::writeLightLoop() {
   const Array<FragmentInstance*> litInstances = collectLitFragments();
   for (FragmentInstance* instance : litInstances) instance->declareAccumulateOutputs(context_);
-  if (environment_->getNumLights() == 0) evaluateDefaultLight(litInstances);
+  const std::size_t lights = environment_->getNumLights();
+  if (lights == 0) evaluateDefaultLight(litInstances);
   TextRate written;
-  for (std::size_t i = 0; i < environment_->getNumLights(); ++i) {
+  for (std::size_t i = 0; i < lights; ++i) {
     const std::size_t before = resultProfile_->getFunctionBody().size();
     evaluateLight(i, litInstances);
     WString& body = resultProfile_->getFunctionBody();
     written.add(body.size() - before);
-    if (isAlmostFull(body)) growTo(body, written.rest(environment_->getNumLights()));
+    if (i + 1 < lights && isAlmostFull(body)) growTo(body, written.rest(lights));
   }
 }
 
@@ -110,10 +111,10 @@ void AShaderCollapseToolLightLoop::writeLightLoop() {
 Array<FragmentInstance*> AShaderCollapseToolLightLoop::collectLitFragments() {
   Array<FragmentInstance*> found;
   Array<const IShaderFragment*> open;
-  std::unordered_set<const IShaderFragment*> visited;
+  PointerSet visited;
   const auto visit = [&](const Array<ShaderFragmentConnection>& connections) {
     for (const ShaderFragmentConnection& connection : connections) {
-      if (connection.fragment != nullptr && visited.insert(connection.fragment).second) {
+      if (connection.fragment != nullptr && visited.insert(connection.fragment)) {
         open.push_back(connection.fragment);
       }
     }

@@ -10,8 +10,8 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Numbers of entries by the entries' hashes. The entries lie where their owner wants them, one behind
-/// another as a rule, which large tables of nodes in all places are much slower than. Entries are never
+/// Numbers of entries by the entries' hashes. The owner keeps the entries themselves, one behind another as a
+/// rule: in large tables that is much faster than nodes that lie all over the memory. Entries are never
 /// removed.
 class HashIndex {
 public:

@@ -75,6 +75,21 @@ private:
   friend class AShaderCollapseToolLightLoop;
   friend class FragmentEvaluator;
 
+  /// What was found out about an input when the instance was made. Its value, when no fragment feeds it, is
+  /// `value` if there is one, else the uniform's name.
+  struct Input {
+    RefPtr<AParameter const> uniform;
+    std::unique_ptr<const WString> value;
+    FragmentInstance* source = nullptr;  // of the fragment that fed it then; null without one
+  };
+
+  /// What many instances do without.
+  struct Extras {
+    std::list<FragmentProfileInstance, StlAllocator<FragmentProfileInstance>> otherProfileInstances;
+    Array<RefPtr<AParameter const>> uniforms;  // its own
+    Array<WString> accumulateOutputs;
+  };
+
   /// As setActiveProfile, but answers false where that throws.
   bool activateBestProfile(AShaderCollapseContext& context, const WString& profileName, float lod);
   /// The best profile of that name, else of the name "default"; null without any.
@@ -92,22 +107,8 @@ private:
   /// Appends what getActiveProfileOutput() answers.
   void appendActiveProfileOutput(WString& out, std::size_t index) const;
   const WString& inputValue(std::size_t input) const;
+  /// Notes the instances of the fragments that feed the inputs.
   void setSources(const VisitedFragments& visited);
-
-  /// What an input that no fragment feeds has as its value: a uniform's name, or a text of its own.
-  struct InputValue {
-    RefPtr<AParameter const> uniform;
-    std::unique_ptr<const WString> text;
-    FragmentInstance* source = nullptr;  // of the fragment that fed the input when the instance was made
-  };
-
-  /// What many instances do without.
-  struct Extras {
-    std::list<FragmentProfileInstance, StlAllocator<FragmentProfileInstance>> otherProfileInstances;
-    Array<RefPtr<AParameter const>> uniforms;  // its own
-    Array<WString> accumulateOutputs;
-  };
-
   Extras& extras();
   bool accumulates() const noexcept { return extras_ && !extras_->accumulateOutputs.empty(); }
 
@@ -119,7 +120,7 @@ private:
   RefPtr<AShaderFragment const> fragment_;
   std::optional<FragmentProfileInstance> firstProfileInstance_;
   std::unique_ptr<Extras> extras_;
-  Array<InputValue> inputValues_;
+  Array<Input> inputs_;
 
   // Kept by the context: the order in which instances were made, and the profile request that was answered
   // last.
