@@ -288,10 +288,10 @@ void AShaderCollapseContext::writePredefine(const CodeSnippetInstance& instance,
 void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance,
                                              const KeywordReplacePattern& pattern,
                                              FragmentProfileInstance& profileInstance) {
-  accumulator_.append(resultProfile_->predefines(), instance, pattern,
-                      profileInstance.getKeywordReplacePattern());
   WString& name = writtenDefinitions_->soughtText();
   profileInstance.appendFunctionName(name);
+  accumulator_.appendDefinition(resultProfile_->predefines(), instance, pattern,
+                                profileInstance.getKeywordReplacePattern(), name);
   const WString& rename = accumulator_.getRename(name);
   if (rename != name) profileInstance.setFunctionName(rename);
 }
