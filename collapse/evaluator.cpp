@@ -29,36 +29,16 @@ private:
   FragmentProfileInstance& instance_;
 };
 
-/// Starts an epoch when a light-dependent inline expression has changed, also by a call that failed. Within
-/// one light it is set by its first use and by every call as a shader function, but not by later uses: only
-/// of such an expression may a second visit find another one.
-class ExpressionWatch {
-public:
-  ExpressionWatch(FragmentEvaluator& evaluator, const FragmentProfileInstance& instance,
-                  bool wasShaderFunction)
-      : evaluator_(evaluator), instance_(instance),
-        isWatching_(wasShaderFunction && instance.isInlineProfile() && instance.requiresCurrentLight()) {
-    if (isWatching_) before_ = instance.getOutputNames();
-  }
-  ~ExpressionWatch() {
-    if (isWatching_ && before_ != instance_.getOutputNames()) evaluator_.startEpoch();
-  }
-  ExpressionWatch(const ExpressionWatch&) = delete;
-  ExpressionWatch& operator=(const ExpressionWatch&) = delete;
-
-private:
-  FragmentEvaluator& evaluator_;
-  const FragmentProfileInstance& instance_;
-  bool isWatching_;
-  Array<WString> before_;
-};
-
-/// Whether a writer may read the active light without saying so, as one of a host's own class may that writes
-/// an expression at every use. Functions that do not say so are written once.
-bool mayReadLight(const FragmentProfileInstance& instance) {
-  if (instance.requiresCurrentLight()) return true;
+/// Whether the value is an expression that a host's own class writes, which may be another one at every use.
+bool isOwnExpression(const FragmentProfileInstance& instance) {
   const AShaderFragmentProfile& profile = *instance.getProfile();
   return instance.isInlineProfile() && typeid(profile) != typeid(AShaderFragmentProfileInline);
+}
+
+/// Whether a writer may read the active light, also without saying so. Functions that do not say so are
+/// written once.
+bool mayReadLight(const FragmentProfileInstance& instance) {
+  return instance.requiresCurrentLight() || isOwnExpression(instance);
 }
 
 /// Whether a function takes as many values as there are inputs. An inline expression says so itself.
@@ -111,7 +91,8 @@ const WString& inputValueType(const AShaderFragment& fragment, const ILanguageTr
 /// frame of theirs is in here.
 class FragmentEvaluator::Stack {
 public:
-  explicit Stack(Frames& frames) : frames_(frames), below_(frames.size()) {}
+  explicit Stack(FragmentEvaluator& evaluator)
+      : evaluator_(evaluator), frames_(evaluator.frames_), below_(frames_.size()) {}
   ~Stack() {
     while (!empty()) pop();
   }
@@ -122,14 +103,15 @@ public:
   Frame& top() { return frames_.back(); }
   void push(Frame&& frame) {
     frames_.push_back(std::move(frame));
-    if (top().instance != nullptr) top().instance->isUnderWay_ = true;
+    if (top().instance != nullptr) evaluator_.stateOf(*top().instance).isUnderWay = true;
   }
   void pop() {
-    if (top().instance != nullptr) top().instance->isUnderWay_ = false;
+    if (top().instance != nullptr) evaluator_.stateOf(*top().instance).isUnderWay = false;
     frames_.pop_back();
   }
 
 private:
+  FragmentEvaluator& evaluator_;
   Frames& frames_;
   std::size_t below_;
 };
@@ -158,30 +140,26 @@ private:
 // What the instances call.
 
 bool FragmentEvaluator::evaluate(FragmentInstance& instance) {
-  if (isEvaluated(instance)) return instance.repeatList_ == 0 || run(repeatFrame(instance.repeatList_));
-  Frame frame;
-  frame.instance = &instance;
-  return run(std::move(frame));
+  if (!context_.admit(instance)) return false;
+  if (const InstanceState& state = stateOf(instance); isEvaluated(state))
+    return state.repeatList == 0 || run(repeatFrame(state.repeatList));
+  return run(frameOf(Task::evaluate, instance));
 }
 
 bool FragmentEvaluator::evaluate(FragmentInstance& instance, Array<WString>& outputValues) {
-  Frame frame;
-  frame.task = Task::evaluateInto;
-  frame.instance = &instance;
+  Frame frame = frameOf(Task::evaluateInto, instance);
   frame.values = &outputValues;
   return run(std::move(frame));
 }
 
 bool FragmentEvaluator::evaluateShader(FragmentInstance& instance, const Array<BuiltinFunction>& uses,
                                        KeywordReplacePattern& callerPattern) {
-  Frame frame;
-  frame.task = Task::evaluateShader;
-  frame.instance = &instance;
+  Frame frame = frameOf(Task::evaluateShader, instance);
   frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{uses, &callerPattern});
   return run(std::move(frame));
 }
 
-bool FragmentEvaluator::appendInputValues(FragmentInstance& instance, Array<WString>& values) {
+bool FragmentEvaluator::appendInputValues(const FragmentInstance& instance, Array<WString>& values) {
   Frame frame;
   frame.task = Task::collectInputs;
   frame.instance = &instance;
@@ -189,11 +167,19 @@ bool FragmentEvaluator::appendInputValues(FragmentInstance& instance, Array<WStr
   return run(std::move(frame));
 }
 
+FragmentEvaluator::Frame FragmentEvaluator::frameOf(Task task, FragmentInstance& instance) {
+  Frame frame;
+  frame.task = task;
+  frame.instance = &instance;
+  frame.written = &instance;
+  return frame;
+}
+
 // The walk.
 
 bool FragmentEvaluator::run(Frame root) {
   const Run scope(*this);
-  Stack stack(frames_);
+  Stack stack(*this);
   if (!enter(stack, std::move(root))) return false;
   while (!stack.empty()) {
     Frame& frame = stack.top();
@@ -213,8 +199,8 @@ bool FragmentEvaluator::run(Frame root) {
 
 bool FragmentEvaluator::enter(Stack& stack, Frame frame) {
   if (frame.task != Task::repeat) {
-    if (frame.instance->isUnderWay_ || frame.instance->activeProfileInstance_ == nullptr) return false;
-    if (!begin(frame)) return false;
+    if (!context_.admit(*frame.instance) || stateOf(*frame.instance).isUnderWay) return false;
+    if (frame.instance->activeProfileInstance_ == nullptr || !begin(frame)) return false;
   }
   frame.epoch = epoch_;
   frame.light = light_;
@@ -232,7 +218,8 @@ bool FragmentEvaluator::begin(Frame& frame) {
     declarations_.add(body().size() - before);
     return done;
   }
-  case Task::evaluateShader: return active.declareOutputs(body());
+  // An expression has no function to call.
+  case Task::evaluateShader: return !active.isInlineProfile() && active.declareOutputs(body());
   case Task::evaluateInto:
     return fitsOutputs(active, *frame.values) && active.declareUnspecifiedOutputs(body(), *frame.values);
   default: return true;
@@ -264,15 +251,15 @@ bool FragmentEvaluator::enterSource(Stack& stack) {
     frame.isWaiting = true;
     return enter(stack, shaderFrame(*frame.instance, *frame.source, frame.next));
   }
-  if (!isEvaluated(*frame.source)) {
+  if (!context_.admit(*frame.source)) return false;
+  const InstanceState& source = stateOf(*frame.source);
+  if (!isEvaluated(source)) {
     frame.isWaiting = true;
-    Frame sourceFrame;
-    sourceFrame.instance = frame.source;
-    return enter(stack, std::move(sourceFrame));
+    return enter(stack, frameOf(Task::evaluate, *frame.source));
   }
-  if (frame.source->repeatList_ == 0) return true;
+  if (source.repeatList == 0) return true;
   frame.isWaiting = true;
-  return enter(stack, repeatFrame(frame.source->repeatList_));
+  return enter(stack, repeatFrame(source.repeatList));
 }
 
 bool FragmentEvaluator::visitNextItem(Stack& stack) {
@@ -324,6 +311,7 @@ bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   const FragmentInstance& instance = *frame.instance;
   if (instance.activeProfileInstance_->IsShaderInput(frame.next)) {
     if (frame.next >= instance.inputs_.size()) return false;
+    instance.createLateInputUniform(context_, frame.next);
     frame.inputValues[frame.next] = instance.inputValue(frame.next);
     frame.readsLight = true;  // shader functions are taken to read it
     if (frame.sourceWritesAgain) frame.repeats.push_back({0, frame.instance, frame.next});
@@ -332,8 +320,10 @@ bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   if (!frame.source->hasActiveProfileOutput(output)) return false;
   frame.inputValues[frame.next].clear();
   frame.source->appendActiveProfileOutput(frame.inputValues[frame.next], output);
-  if (frame.source->readsLight_) frame.readsLight = true;
-  if (frame.source->repeatList_ != 0) frame.repeats.push_back({frame.source->repeatList_, nullptr, 0});
+  const InstanceState& source = stateOf(*frame.source);
+  if (source.readsLight) frame.readsLight = true;
+  if (source.changesAtEveryUse) frame.changesAtEveryUse = true;
+  if (source.repeatList != 0) frame.repeats.push_back({source.repeatList, nullptr, 0});
   return true;
 }
 
@@ -351,11 +341,9 @@ bool FragmentEvaluator::finish(Frame& frame) {
 }
 
 bool FragmentEvaluator::finishEvaluation(Frame& frame) {
-  FragmentInstance& instance = *frame.instance;
-  FragmentProfileInstance& active = *instance.activeProfileInstance_;
+  FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
   if (!writeRequirementsAndDefinition(frame)) return false;
 
-  const ExpressionWatch watch(*this, active, instance.wasShaderFunction_);
   // An expression checks its own length.
   if (!active.isInlineProfile()) checkTextLength(body().size() + totalLength(frame.inputValues));
   const std::size_t before = body().size();
@@ -364,10 +352,12 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
   calls_.add(body().size() - before);
   reserveTexts();
 
-  instance.repeatList_ = makeList(std::move(frame.repeats));
-  instance.evaluatedEpoch_ = frame.epoch;
-  instance.evaluatedLight_ = frame.light;
-  instance.readsLight_ = frame.readsLight || mayReadLight(active);
+  InstanceState& state = stateOf(*frame.instance);
+  state.repeatList = makeList(std::move(frame.repeats));
+  state.epoch = frame.epoch;
+  state.light = frame.light;
+  state.readsLight = frame.readsLight || mayReadLight(active);
+  state.changesAtEveryUse = active.isInlineProfile() && (frame.changesAtEveryUse || isOwnExpression(active));
   return true;
 }
 
@@ -403,25 +393,18 @@ bool FragmentEvaluator::writeCall(Frame& frame) {
 }
 
 bool FragmentEvaluator::finishShaderFunction(Frame& frame) {
-  FragmentInstance& instance = *frame.instance;
-  FragmentProfileInstance& active = *instance.activeProfileInstance_;
   if (!writeRequirementsAndDefinition(frame)) return false;
 
   const std::size_t allocatedBefore = context_.getShaderInputTypes().size();
   allocateShaderInputs(frame);
   frame.writesAgain = !frame.repeats.empty() || context_.getShaderInputTypes().size() != allocatedBefore;
-
-  const ExpressionWatch watch(*this, active, true);
-  instance.wasShaderFunction_ = true;
-  // The calls leave their own text in an inline expression: its next use as a value has to write it anew.
-  if (active.isInlineProfile()) instance.evaluatedEpoch_ = 0;
   writeShaderCalls(frame);
   return true;
 }
 
 bool FragmentEvaluator::writeRequirementsAndDefinition(Frame& frame) {
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
-  return fitsParameters(active, frame.inputValues.size()) && frame.instance->writeRequirements(context_) &&
+  return fitsParameters(active, frame.inputValues.size()) && frame.written->writeRequirements(context_) &&
          active.writeDefinition(context_);
 }
 
@@ -485,11 +468,9 @@ bool FragmentEvaluator::writeShaderCall(WString& out, const Frame& frame, const 
 
 // Parts of the above.
 
-FragmentEvaluator::Frame FragmentEvaluator::shaderFrame(FragmentInstance& caller, FragmentInstance& source,
-                                                        std::size_t input) const {
-  Frame frame;
-  frame.task = Task::evaluateShader;
-  frame.instance = &source;
+FragmentEvaluator::Frame FragmentEvaluator::shaderFrame(const FragmentInstance& caller,
+                                                        FragmentInstance& source, std::size_t input) const {
+  Frame frame = frameOf(Task::evaluateShader, source);
   FragmentProfileInstance& active = *caller.activeProfileInstance_;
   frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{{}, &active.getShaderReplacePattern()});
   active.GetShaderFunctions(input, frame.shaderUse->calls);
@@ -512,6 +493,12 @@ FragmentInstance* FragmentEvaluator::findSource(const FragmentInstance& instance
   }
   const auto* fragment = dynamic_cast<const AShaderFragment*>(connected);
   return fragment != nullptr ? &context_.getFragmentInstance(fragment) : nullptr;
+}
+
+/// Of an instance that the context has admitted.
+FragmentEvaluator::InstanceState& FragmentEvaluator::stateOf(const FragmentInstance& instance) {
+  if (states_.size() <= instance.number_) states_.resize(instance.number_ + std::size_t{1});
+  return states_[instance.number_];
 }
 
 FragmentEvaluator::ListNumber FragmentEvaluator::makeList(Array<RepeatItem> items) {

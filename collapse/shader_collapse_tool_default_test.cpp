@@ -271,10 +271,77 @@ uniforms: float/bn2
 )");
 }
 
-TEST(DefaultCollapse, LeavesAnOutputThatAnInlineExpressionFeedsUnassigned) {
+// Outputs that the evaluation is not given.
+
+/// The body of the collapsed function.
+std::string bodyOf(const std::string& text) {
+  const std::size_t at = text.find("{\n", text.find("void CollapsedFunction"));
+  return at != std::string::npos ? text.substr(at) : text;
+}
+
+TEST(DefaultCollapse, AssignsAnOutputThatAnInlineExpressionFeeds) {
   TestScene scene;
   scene.output(L"color", TypeID_float, scene.addInline(L"n0", L"1.0", {}));
-  EXPECT_EQ(collapseDefault(scene), "void CollapsedFunction(\n    out float color)\n{\n}\n");
+  EXPECT_EQ(collapseDefault(scene),
+            "void CollapsedFunction(\n    out float color)\n{\n    color = (1.0);\n}\n");
+}
+
+TEST(DefaultCollapse, AssignsAnExpressionToEveryOutputItFeeds) {
+  TestScene scene;
+  AShaderFragment* one = scene.addFunction(L"n0", kOne);
+  AShaderFragment* half = scene.addInline(L"n1", L"{{a}} * 0.5", {L"a"});
+  half->setInputConnection(L"a", one, L"result");
+  scene.output(L"x", TypeID_float, half);
+  scene.output(L"y", TypeID_float, half);
+  EXPECT_EQ(bodyOf(collapseDefault(scene)), R"({
+    float result_n0_01;
+    one1(
+        result_n0_01);
+    x = (result_n0_01 * 0.5);
+    y = (result_n0_01 * 0.5);
+}
+)");
+}
+
+TEST(DefaultCollapse, RefusesAnOutputThatAnInlineExpressionDoesNotHave) {
+  TestScene scene;
+  AShaderFragment* expression = scene.addInline(L"n0", L"1.0", {});
+  expression->addOutput(TypeID_float, L"second");
+  scene.output(L"x", TypeID_float, expression);
+  scene.output(L"y", TypeID_float, expression, 1);
+  EXPECT_EQ(collapseDefault(scene), "Failed to evaluate fragment!");
+}
+
+TEST(DefaultCollapse, RefusesAnOutputThatAFunctionDoesNotHave) {
+  TestScene scene;
+  AShaderFragment* one = scene.addFunction(L"n0", kOne);
+  one->addOutput(TypeID_float, L"second");
+  scene.output(L"x", TypeID_float, one);
+  scene.output(L"y", TypeID_float, one, 1);
+  EXPECT_EQ(collapseDefault(scene), "Failed to evaluate fragment!");
+}
+
+TEST(DefaultCollapse, AssignsGraphOutputsOfOneFragmentOutputFromTheLastOfThem) {
+  TestScene scene;
+  AShaderFragment* split = scene.addFunction(L"n0", kSplit);
+  scene.output(L"a", TypeID_float, split, 0);
+  scene.output(L"b", TypeID_float, split, 2);
+  scene.output(L"c", TypeID_float, split, 0);
+  scene.output(L"d", TypeID_float, split, 2);
+  scene.output(L"e", TypeID_float, split, 0);
+  EXPECT_EQ(bodyOf(collapseDefault(scene)), R"({
+    float result_n0_11;
+    split1(
+        vn0,
+        e,
+        result_n0_11,
+        d);
+    a = e;
+    b = d;
+    c = e;
+}
+uniforms: fvec2/vn0
+)");
 }
 
 TEST(DefaultCollapse, ReplacesBuiltInCallsByTheirValues) {
@@ -387,6 +454,73 @@ shader inputs: float2
 )");
 }
 
+TEST(DefaultCollapse, AShaderFunctionCallsTheOtherUseOfItself) {
+  TestScene scene;
+  constexpr std::wstring_view kBlur =
+      L"void blur(float f, out float r)\n{\n"
+      L"// blur1 is not called here\nfloat blur1x = 1.0;\nsfg_shader(f, r, r);\n}";
+  AShaderFragment* previous = scene.addFunction(L"n0", kBlur);
+  for (const wchar_t* name : {L"n1", L"n2"}) {
+    AShaderFragment* blur = scene.addFunction(name, kBlur);
+    blur->setInputConnection(L"f", previous, L"r");
+    previous = blur;
+  }
+  scene.output(L"color", TypeID_float, previous);
+  EXPECT_EQ(collapseDefault(scene), R"(void blur1(
+    float f,
+    out float r)
+{
+	// blur1 is not called here
+	float blur1x = 1.0;
+	;
+}
+void blur11(
+    float f,
+    out float r)
+{
+	// blur11 is not called here
+	float blur11x = 1.0;
+	    blur1(
+        fn0,
+        r);
+;
+}
+void blur12(
+    float f,
+    out float r)
+{
+	// blur12 is not called here
+	float blur12x = 1.0;
+	    blur11(
+        state.shaderInput0,
+        r);
+;
+}
+void CollapsedFunction(
+    out float color)
+{
+    float result_n1_01;
+    float result_n0_01;
+    state.shaderInput0 = fn1;
+    blur12(
+        fn2,
+        color);
+}
+uniforms: float/fn0 float/fn1 float/fn2
+shader inputs: float
+)");
+}
+
+TEST(DefaultCollapse, RefusesAnExpressionThatIsCalledAsAFunction) {
+  TestScene scene;
+  AShaderFragment* half = scene.addInline(L"n0", L"{{a}} * 0.5", {L"a"});
+  AShaderFragment* call =
+      scene.addFunction(L"n1", L"void call(float f, out float r)\n{\nsfg_shader(f, {{a}}, r);\n}");
+  call->setInputConnection(L"f", half, L"result");
+  scene.output(L"color", TypeID_float, call);
+  EXPECT_EQ(collapseDefault(scene), "Failed to evaluate fragment!");
+}
+
 TEST(DefaultCollapse, WritesPreProcessFragmentsFirst) {
   TestScene scene;
   const auto pre = scene.instance(
@@ -471,26 +605,6 @@ void CollapsedFunction(
         last);
 }
 uniforms: fvec2/vn0
-)");
-}
-
-TEST(DefaultCollapse, AssignsTheLastGraphOutputOfOneFragmentOutput) {
-  TestScene scene;
-  AShaderFragment* one = scene.addFunction(L"n0", kOne);
-  scene.output(L"a", TypeID_float, one);
-  scene.output(L"b", TypeID_float, one);
-  EXPECT_EQ(collapseDefault(scene), R"(void one1(
-    out float result)
-{
-	result = 1.0;
-}
-void CollapsedFunction(
-    out float a,
-    out float b)
-{
-    one1(
-        b);
-}
 )");
 }
 

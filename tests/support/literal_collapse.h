@@ -48,7 +48,14 @@ public:
     for (std::size_t i = 0; i < connections.size(); ++i) {
       values[connections[i].index] = scene_.graph->getOutputName(i);
     }
+    const Array<WString> names = values;
     if (!root.evaluate(*this, values)) throw Exception(L"Failed to evaluate fragment!");
+    for (std::size_t i = 0; i < connections.size(); ++i) {
+      const WString name = scene_.graph->getOutputName(i);
+      const WString value =
+          root.active->isInlineProfile() ? root.output(connections[i].index) : names[connections[i].index];
+      if (value != name) write(L"    " + name + L" = " + value + L";\n");
+    }
     context_.getResult()->getShaderInputTypes() = context_.getShaderInputTypes();
     return describe(context_.getResult());
   }
@@ -106,14 +113,20 @@ private:
       }
       activate(run, fragment->findFirstProfile(run.scene_.language->getLanguageString()));
       inputValues.resize(fragment->getNumInputs());
+      inputUniforms.resize(fragment->getNumInputs());
       for (std::size_t i = 0; i < fragment->getNumInputs(); ++i) {
         const bool connected = fragment->getInputConnections()[i].isConnected();
         if (connected && (active == nullptr || !active->IsShaderInput(i))) continue;
-        const AParameter* input = fragment->getInput(i);
-        const WString name = input->getName() + fragment->instanceName();
-        inputUniforms.push_back(makeRef<OverrideNameParameter>(*input, name));
-        inputValues[i] = name;
+        makeInputUniform(run, i);
       }
+    }
+
+    void makeInputUniform(LiteralCollapse& run, std::size_t i) {
+      const AParameter* input = fragment->getInput(i);
+      const WString name = input->getName() + fragment->instanceName();
+      inputUniforms[i] = makeRef<OverrideNameParameter>(*input, name);
+      inputValues[i] = name;
+      if (uniformsWritten) run.context_.getResult()->addUniform(inputUniforms[i].get());
     }
 
     void activate(LiteralCollapse& run, const IShaderFragmentProfile* profile) {
@@ -171,6 +184,7 @@ private:
           Array<BuiltinFunction> uses;
           if (active->GetShaderFunctions(i, uses)) {
             if (!source.evaluateShader(run, uses, active->getShaderReplacePattern())) return false;
+            if (inputValues[i].empty()) makeInputUniform(run, i);
             values.push_back(inputValues[i]);
           } else {
             if (!source.evaluate(run)) return false;
@@ -187,7 +201,7 @@ private:
 
     bool evaluateShader(LiteralCollapse& run, const Array<BuiltinFunction>& uses,
                         KeywordReplacePattern& pattern) {
-      if (active == nullptr || !active->declareOutputs(run.body())) return false;
+      if (active == nullptr || active->isInlineProfile() || !active->declareOutputs(run.body())) return false;
       Array<WString> outputs = active->getOutputNames();
       Array<WString> inputs;
       if (!active->declareUnspecifiedOutputs(run.body(), outputs) || !buildInputs(run, inputs) ||
@@ -247,7 +261,9 @@ private:
     bool writeRequirements(LiteralCollapse& run) {
       if (!uniformsWritten) {
         for (const auto& uniform : uniforms) run.context_.getResult()->addUniform(uniform.get());
-        for (const auto& uniform : inputUniforms) run.context_.getResult()->addUniform(uniform.get());
+        for (const auto& uniform : inputUniforms) {
+          if (uniform) run.context_.getResult()->addUniform(uniform.get());
+        }
       }
       uniformsWritten = true;
       return active == nullptr || active->writeRequirements(&run.profile(), run.context_);
