@@ -426,6 +426,20 @@ const Refusal kCalls[] = {
      kLamp, "--tool lightloop"},
     {"ExpressionNotCalledWithoutTheLight", kCalledLit, 0, "", nullptr, "--tool lightloop"},
     {"ExpressionNotCalledByTheDefaultTool", kCalledLit, 0, "", kLamp},
+    {"EachExpression", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
+  "nodes": [ { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
+  { "name": "mix", "fragment": "lerp3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] }, "inputs": { "x": { "node": "early" } } },
+  { "name": "early", "fragment": "shadeEarly", "inputs": { "a": { "node": "late" } } },
+  { "name": "late", "fragment": "lerp3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })",
+     1,
+     "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"
+     "graph.json:6:65: error: input `a` of node `early` calls its source through `sfg_shader`, but node "
+     "`late` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"},
     {"ExpressionThatNoOutputReaches", kCalledUnreachable, 0, ""},
     {"ExpressionThatNoOutputReachesUnderLightLoop", kCalledUnreachable, 0, "", nullptr, "--tool lightloop"},
 };
