@@ -132,6 +132,17 @@ void KeywordReplacer::appendAndReplace(WString& out, const ScopedText& text) con
 }
 
 void KeywordReplacer::appendReplaced(WString& out, const ScopedText& text) const {
+  append(out, text, nullptr);
+}
+
+Array<PlacedReplacement> KeywordReplacer::appendAndLocate(WString& out, const ScopedText& text) const {
+  Array<PlacedReplacement> placed;
+  append(out, text, &placed);
+  return placed;
+}
+
+/// Leaves the places out when they are not asked for.
+void KeywordReplacer::append(WString& out, const ScopedText& text, Array<PlacedReplacement>* placed) const {
   if (text.empty()) return;
   if (out.empty()) out.reserve(text.length);
   KeywordCursors keywords(keywords_, replacements_, text);
@@ -145,18 +156,21 @@ void KeywordReplacer::appendReplaced(WString& out, const ScopedText& text) const
     // The first of both kinds; at one place the longer; of equal spans the keyword.
     KeywordPosKey span;
     const WString* replacement = nullptr;
-    if (keyword != nullptr) {
+    bool isKeyword = keyword != nullptr;
+    if (isKeyword) {
       span = {keyword->next, keyword->keyword->size()};
       replacement = keyword->replacement;
     }
     if (positional != positionalReplacements_.end() && (keyword == nullptr || positional->first < span)) {
       span = positional->first;
       replacement = positional->second;
+      isKeyword = false;
       ++positional;
     }
     if (replacement == nullptr) break;
 
     appendChecked(out, text.substr(cursor, span.position - cursor).view());
+    if (isKeyword && placed != nullptr) placed->push_back({out.size(), replacement});
     appendChecked(out, *replacement);
     cursor = span.position + std::min(span.length, kNotFound - span.position);
   }
