@@ -15,6 +15,7 @@
 namespace TolmSDK::Graphics::sfg {
 
 class AShaderCollapseContext;
+struct ShaderCallText;
 
 /// Writes what a depth-first walk over the sources of an instance would write, in that order, but with a
 /// stack of its own and without walking where nothing would be written. Belongs to its context.
@@ -62,6 +63,7 @@ private:
   struct ShaderUse {
     Array<BuiltinFunction> calls;
     KeywordReplacePattern* callerPattern;
+    FragmentProfileInstance* caller = nullptr;  // whose pattern it is, when that is known
   };
 
   /// One step of the walk that is under way.
@@ -106,7 +108,7 @@ private:
   bool writeRequirementsAndDefinition(Frame& frame);
   void allocateShaderInputs(Frame& frame);
   void writeShaderCalls(const Frame& frame);
-  bool writeShaderCall(WString& out, const Frame& frame, const Array<WString>& outputNames,
+  bool writeShaderCall(ShaderCallText& out, const Frame& frame, const Array<WString>& outputNames,
                        const BuiltinFunction& use);
   Frame shaderFrame(FragmentInstance& caller, FragmentInstance& source, std::size_t input) const;
   Frame repeatFrame(ListNumber list) const;
