@@ -2,13 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
+#include <map>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "profiles/light_blocks.h"
 #include "sfg/size_limit.h"
 #include "tests/support/messages.h"
+#include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
@@ -199,6 +205,98 @@ TEST(TemporariesOfADefinition, AreThoseOfItsBody) {
   // The body begins behind the brace: what stands in front of it is not looked at.
   numberTemporaries(text, text.code.find(L'{') + 1);
   EXPECT_EQ(text.code, L"f(/* ) { float a_temp;\nf(x, a_temp);float a_temp2;\nf(x, a_temp2);");
+}
+
+// Random texts against a walk that goes character by character.
+
+class LiteralWalk {
+public:
+  /// Takes text of the author.
+  void take(std::wstring_view text) { text_ += text; }
+  void takeName(const wchar_t* name, bool isDeclaration) {
+    text_ += name;
+    names_[text_.size() - 1] = {name, isDeclaration};
+  }
+
+  std::wstring numbered() {
+    std::wstring out;
+    std::vector<std::map<std::wstring, int>> blocks(1);
+    std::map<std::wstring, int> numbers;
+    for (std::size_t i = 0; i < text_.size(); ++i) {
+      const bool isCode = step(i);
+      out += text_[i];
+      if (isCode && text_[i] == L'{') blocks.emplace_back();
+      if (isCode && text_[i] == L'}' && blocks.size() > 1) blocks.pop_back();
+      const auto found = names_.find(i);
+      if (found == names_.end()) continue;
+      const auto& [name, isDeclaration] = found->second;
+      if (isDeclaration) numbers[name] = isCode ? ++blocks.back()[name] : 1;
+      if (numbers[name] > 1) out += std::to_wstring(numbers[name]);
+    }
+    return out;
+  }
+
+private:
+  enum class In { code, line, block };
+
+  /// Whether the character is code.
+  bool step(std::size_t i) {
+    const wchar_t c = text_[i];
+    const wchar_t next = i + 1 < text_.size() ? text_[i + 1] : L'\0';
+    if (in_ == In::code) {
+      if (c == L'#' || (c == L'/' && next == L'/')) in_ = In::line;
+      if (c == L'/' && next == L'*') in_ = In::block;
+      begin_ = i;
+      isContinued_ = false;
+      return in_ == In::code;
+    }
+    if (in_ == In::block) {
+      if (c == L'/' && text_[i - 1] == L'*' && i > begin_ + 1) in_ = In::code;
+      return false;
+    }
+    if (c == L'\n' && !isContinued_) in_ = In::code;
+    if (c != L'\r') isContinued_ = c == L'\\';
+    return false;
+  }
+
+  std::wstring text_;
+  std::map<std::size_t, std::pair<std::wstring, bool>> names_;  // by the place of the last character
+  In in_ = In::code;
+  std::size_t begin_ = 0;
+  bool isContinued_ = false;
+};
+
+TEST(TemporariesOfRandomTexts, AreThoseOfTheLiteralWalk) {
+  const wchar_t* const pieces[] = {L"<A>", L"<B>", L"<AB>", L"{",  L"}", L"//",     L"/*", L"*/", L"/",
+                                   L"#",   L"\n",  L"\r",   L"\\", L"x", L"a_temp", L"{",  L"}",  L"\n"};
+  const Caller caller = makeCaller();
+  std::mt19937 random(26);
+  for (int round = 0; round < 20000; ++round) {
+    std::wstring text;
+    LiteralWalk walk;
+    for (std::size_t count = random() % 24; count > 0; --count) {
+      const std::wstring piece = pieces[random() % std::size(pieces)];
+      text += piece;
+      const bool namesA = piece == L"<A>" || piece == L"<AB>";
+      const bool namesB = piece == L"<B>" || piece == L"<AB>";
+      if (!namesA && !namesB) {
+        walk.take(piece);
+        continue;
+      }
+      for (const auto& [isNamed, name] : {std::pair(namesA, L"a_temp"), std::pair(namesB, L"b_temp")}) {
+        if (!isNamed) continue;
+        walk.take(L"float ");
+        walk.takeName(name, true);
+        walk.take(L";\n");
+      }
+      walk.take(!namesB ? L"f(x, " : namesA ? L"h(" : L"g(");
+      if (namesA) walk.takeName(L"a_temp", false);
+      if (namesA && namesB) walk.take(L", ");
+      if (namesB) walk.takeName(L"b_temp", false);
+      walk.take(L");");
+    }
+    ASSERT_EQ(caller.numbered(text), walk.numbered()) << TolmSDK::toUtf8(WString(text));
+  }
 }
 
 // Light-and-shadow blocks.

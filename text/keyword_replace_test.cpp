@@ -30,7 +30,7 @@ KeywordReplacePattern pattern(Keywords keywords, Spans spans = {}) {
   return p;
 }
 
-/// The text with the patterns applied in order; also checks that both operations agree.
+/// The text with the patterns applied in order; also checks that the operations agree.
 std::wstring replaced(std::initializer_list<KeywordReplacePattern> patterns, const ScopedText& text) {
   KeywordReplacer replacer;
   for (const KeywordReplacePattern& p : patterns) replacer.addReplacePattern(p);
@@ -38,6 +38,10 @@ std::wstring replaced(std::initializer_list<KeywordReplacePattern> patterns, con
   replacer.appendAndReplace(out, text);
   WString behind = L"old";
   replacer.appendReplaced(behind, text);
+  EXPECT_EQ(behind, L"old" + out);
+  behind = L"old";
+  for (const PlacedReplacement& placed : replacer.appendAndLocate(behind, text))
+    EXPECT_EQ(behind.compare(placed.position, placed.replacement->size(), *placed.replacement), 0);
   EXPECT_EQ(behind, L"old" + out);
   return std::wstring(out);
 }
