@@ -3,6 +3,7 @@
 #include <typeinfo>
 #include <utility>
 
+#include "profiles/shader_temporaries.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile_inline.h"
@@ -155,7 +156,7 @@ bool FragmentEvaluator::evaluate(FragmentInstance& instance, Array<WString>& out
 bool FragmentEvaluator::evaluateShader(FragmentInstance& instance, const Array<BuiltinFunction>& uses,
                                        KeywordReplacePattern& callerPattern) {
   Frame frame = frameOf(Task::evaluateShader, instance);
-  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{uses, &callerPattern});
+  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{uses, &callerPattern, nullptr});
   return run(std::move(frame));
 }
 
@@ -426,16 +427,20 @@ void FragmentEvaluator::writeShaderCalls(const Frame& frame) {
   const Array<WString> outputNames = active.getOutputNames();
   const ShaderCallScope scope(active);
   for (const BuiltinFunction& use : frame.shaderUse->calls) {
-    WString text;
-    if (!writeShaderCall(text, frame, outputNames, use)) continue;
-    frame.shaderUse->callerPattern->overrideReplacePattern(WString(use.range.view()), text);
+    ShaderCallText call;
+    if (!writeShaderCall(call, frame, outputNames, use)) continue;
+    const WString useText(use.range.view());
+    if (frame.shaderUse->caller != nullptr)
+      frame.shaderUse->caller->replaceShaderUse(useText, std::move(call));
+    else
+      frame.shaderUse->callerPattern->overrideReplacePattern(useText, call.text);
   }
 }
 
 /// One call of the shader function: pairs of parameter name and value replace input values and output
 /// variables.
-bool FragmentEvaluator::writeShaderCall(WString& out, const Frame& frame, const Array<WString>& outputNames,
-                                        const BuiltinFunction& use) {
+bool FragmentEvaluator::writeShaderCall(ShaderCallText& out, const Frame& frame,
+                                        const Array<WString>& outputNames, const BuiltinFunction& use) {
   if (use.arguments.size() == 1) return false;
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
   Array<WString> inputs = frame.inputValues;
@@ -460,10 +465,10 @@ bool FragmentEvaluator::writeShaderCall(WString& out, const Frame& frame, const 
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     if (isGiven[i]) continue;
     outputs[i] += L"_temp";
-    out += formatted(L"%s %s;\n", active.getOutputType(i), outputs[i]);
+    out.declare(active.getOutputType(i), outputs[i]);
   }
-  checkTextLength(out.size() + totalLength(inputs) + totalLength(outputs));
-  return active.writeFunctionCall(out, context_, inputs, outputs);
+  checkTextLength(out.text.size() + totalLength(inputs) + totalLength(outputs));
+  return active.writeFunctionCall(out.text, context_, inputs, outputs);
 }
 
 // Parts of the above.
@@ -472,7 +477,7 @@ FragmentEvaluator::Frame FragmentEvaluator::shaderFrame(const FragmentInstance& 
                                                         FragmentInstance& source, std::size_t input) const {
   Frame frame = frameOf(Task::evaluateShader, source);
   FragmentProfileInstance& active = *caller.activeProfileInstance_;
-  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{{}, &active.getShaderReplacePattern()});
+  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{{}, &active.getShaderReplacePattern(), &active});
   active.GetShaderFunctions(input, frame.shaderUse->calls);
   return frame;
 }

@@ -15,6 +15,7 @@
 namespace TolmSDK::Graphics::sfg {
 
 class AShaderCollapseContext;
+struct ShaderCallText;
 
 /// Writes what a depth-first walk over the sources of an instance would write, in that order, but with a
 /// stack of its own and without walking where nothing would be written. Belongs to its context.
@@ -63,6 +64,7 @@ private:
   struct ShaderUse {
     Array<BuiltinFunction> calls;
     KeywordReplacePattern* callerPattern;
+    FragmentProfileInstance* caller = nullptr;  // whose pattern it is, when that is known
   };
 
   /// What the walk knows of an instance.
@@ -120,7 +122,7 @@ private:
   bool writeRequirementsAndDefinition(Frame& frame);
   void allocateShaderInputs(Frame& frame);
   void writeShaderCalls(const Frame& frame);
-  bool writeShaderCall(WString& out, const Frame& frame, const Array<WString>& outputNames,
+  bool writeShaderCall(ShaderCallText& out, const Frame& frame, const Array<WString>& outputNames,
                        const BuiltinFunction& use);
   Frame shaderFrame(const FragmentInstance& caller, FragmentInstance& source, std::size_t input) const;
   Frame repeatFrame(ListNumber list) const;

@@ -395,6 +395,147 @@ uniforms: float/an0 float/bn0 float/bn1
 )");
 }
 
+/// A consumer that calls two sources, the one of two outputs and the one of one output.
+class UsesOfShaderFunctions : public testing::Test {
+protected:
+  /// What the collapse writes for the consumer: its predefines and its definition.
+  static std::string consumerOf(std::wstring_view body, std::wstring_view predefine = L"") {
+    TestScene scene;
+    AShaderFragment* wave = scene.addFunction(
+        L"n0", L"void wave(float2 uv, out float height, out float slope)\n{\nheight = uv.x;\n}");
+    AShaderFragment* dots =
+        scene.addFunction(L"n1", L"void dots(float2 uv, out float dot)\n{\ndot = uv.y;\n}");
+    const std::wstring function =
+        L"void mix(float tex, float cell, out float r)\n{\n" + std::wstring(body) + L"\n}";
+    const std::wstring more = L",\"predefine\":[\"" + std::wstring(predefine) + L"\"]";
+    AShaderFragment* mix = scene.add(*test::loadFragment(L"n2", test::functionJson(function, more)), L"n2");
+    EXPECT_TRUE(mix->setInputConnection(L"tex", wave, L"height"));
+    EXPECT_TRUE(mix->setInputConnection(L"cell", dots, L"dot"));
+    scene.output(L"color", TypeID_float, mix);
+    const std::string text = collapseDefault(scene);
+    const std::string lastSource = "\tdot = uv.y;\n}\n";
+    const std::size_t begin = text.find(lastSource) + lastSource.size();
+    return text.substr(begin, text.find("void CollapsedFunction(") - begin);
+  }
+};
+
+constexpr const char* kMixHead = "void mix1(\n    float tex,\n    float cell,\n    out float r)\n{\n";
+
+TEST_F(UsesOfShaderFunctions, DeclareDifferentTemporariesInOneBlock) {
+  EXPECT_EQ(consumerOf(L"float a; float b; float c;\nsfg_shader(tex, uv, p, height, a);\n"
+                       L"sfg_shader(tex, uv, q, height, b);\nsfg_shader(tex, uv, q, slope, c);\n"
+                       L"sfg_shader(cell, uv, p);\nr = a;"),
+            kMixHead + std::string(R"(	float a; float b; float c;
+	float result_n0_11_temp;
+    wave1(
+        p,
+        a,
+        result_n0_11_temp);
+;
+	float result_n0_11_temp2;
+    wave1(
+        q,
+        b,
+        result_n0_11_temp2);
+;
+	float result_n0_01_temp;
+    wave1(
+        q,
+        result_n0_01_temp,
+        c);
+;
+	float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+;
+	r = a;
+}
+)"));
+}
+
+TEST_F(UsesOfShaderFunctions, DeclareDifferentTemporariesWithTheSameText) {
+  EXPECT_EQ(consumerOf(L"if (r > 0) {\nsfg_shader(cell, uv, p);\nsfg_shader(cell, uv, p);\n}\n"
+                       L"sfg_shader(cell, uv, p); sfg_shader(cell, uv, p);"),
+            kMixHead + std::string(R"(	if (r > 0) {
+		float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+;
+		float result_n1_01_temp2;
+    dots1(
+        p,
+        result_n1_01_temp2);
+;
+	}
+	float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+; float result_n1_01_temp2;
+    dots1(
+        p,
+        result_n1_01_temp2);
+;
+}
+)"));
+}
+
+TEST_F(UsesOfShaderFunctions, DeclareTemporariesInEachFunctionOfThePredefines) {
+  EXPECT_EQ(
+      consumerOf(L"sfg_shader(cell, uv, p);",
+                 L"float g(float2 p) { sfg_shader(cell, uv, p); sfg_shader(cell, uv, p); return 1; }\",\""
+                 L"float h(float2 p) { sfg_shader(cell, uv, p); sfg_shader(cell, uv, p); return 1; }"),
+      R"(float g(float2 p) { float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+; float result_n1_01_temp2;
+    dots1(
+        p,
+        result_n1_01_temp2);
+; return 1; }
+float h(float2 p) { float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+; float result_n1_01_temp2;
+    dots1(
+        p,
+        result_n1_01_temp2);
+; return 1; }
+)" + std::string(kMixHead) +
+          R"(	float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+;
+}
+)");
+}
+
+TEST_F(UsesOfShaderFunctions, LeaveTheAuthorsVariablesAlone) {
+  EXPECT_EQ(consumerOf(L"float result_n1_01_temp = 1;\n{\nsfg_shader(cell, uv, p);\n"
+                       L"sfg_shader(cell, uv, q);\n}\nr = result_n1_01_temp;"),
+            kMixHead + std::string(R"(	float result_n1_01_temp = 1;
+	{
+		float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+;
+		float result_n1_01_temp2;
+    dots1(
+        q,
+        result_n1_01_temp2);
+;
+	}
+	r = result_n1_01_temp;
+}
+)"));
+}
+
 TEST(DefaultCollapse, CallsAShaderFunctionFromItsConsumersCode) {
   TestScene scene;
   AShaderFragment* warp =

@@ -285,10 +285,9 @@ void CodeAccumulator::Impl::write(WString& out, const CodeSnippetInstance& code,
     if (!keywords.empty() && !definition.empty() && symbol.getType() == EShaderSymbolType::function &&
         symbol.getName().view() == definition)
       findKnownCalls(symbol);
-    const auto itself = [](const WString& replacement) -> const WString& { return replacement; };
     const PositionalRules& own = symbol.getKeywordReplacePattern().getPositionalReplacements();
     if (!hasPositional) {
-      appendReplaced(out, symbol.getText(), keywords, own, knownCalls, itself);
+      appendReplaced(out, symbol.getText(), keywords, own, knownCalls);
       continue;
     }
     // At one span the symbol's rule comes before that of `renamePattern`, and this one before that of
@@ -296,7 +295,7 @@ void CodeAccumulator::Impl::write(WString& out, const CodeSnippetInstance& code,
     PositionalRules positional = renamePattern.getPositionalReplacements();
     positional.insert(own.begin(), own.end());
     positional.insert(pattern.getPositionalReplacements().begin(), pattern.getPositionalReplacements().end());
-    appendReplaced(out, symbol.getText(), keywords, positional, knownCalls, itself);
+    appendReplaced(out, symbol.getText(), keywords, positional, knownCalls);
   }
 }
 

@@ -70,8 +70,18 @@ void KeywordReplacer::appendAndReplace(WString& out, const ScopedText& text) con
 void KeywordReplacer::appendReplaced(WString& out, const ScopedText& text) const {
   static const KeywordRules none;
   static const ProtectedSpans nothing;
+  sfg::appendReplaced(out, text, rules_ ? *rules_ : none, positionalReplacements_, nothing);
+}
+
+Array<PlacedReplacement> KeywordReplacer::appendAndLocate(WString& out, const ScopedText& text) const {
+  static const KeywordRules none;
+  static const ProtectedSpans nothing;
+  Array<PlacedReplacement> placed;
   sfg::appendReplaced(out, text, rules_ ? *rules_ : none, positionalReplacements_, nothing,
-                      [](const WString* replacement) -> const WString& { return *replacement; });
+                      [&placed](std::size_t position, const WString& replacement) {
+                        placed.push_back({position, &replacement});
+                      });
+  return placed;
 }
 
 }  // namespace TolmSDK::Graphics::sfg

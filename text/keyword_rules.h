@@ -96,11 +96,21 @@ private:
   friend class KeywordRules;
 };
 
+/// The text that a positional rule holds or points to.
+inline const WString& positionalText(const WString& text) { return text; }
+inline const WString& positionalText(const WString* text) { return *text; }
+
+struct NoPlaces {
+  void operator()(std::size_t /*position*/, const WString& /*replacement*/) const noexcept {}
+};
+
 /// Appends `text` to `out` with keyword rules and positional rules applied: see KeywordReplacer. `Positional`
-/// is an ordered map from KeywordPosKey; `textOf` makes the replacement of what it maps to.
-template <class Positional, class TextOf>
+/// is an ordered map from KeywordPosKey. `onKeyword` is told where in `out` the replacement of a keyword rule
+/// begins.
+template <class Positional, class OnKeyword = NoPlaces>
 void appendReplaced(WString& out, const ScopedText& text, const KeywordRules& rules,
-                    const Positional& positionalRules, const ProtectedSpans& spans, TextOf&& textOf) {
+                    const Positional& positionalRules, const ProtectedSpans& spans,
+                    OnKeyword&& onKeyword = {}) {
   const auto append = [&out](std::wstring_view piece) {
     checkTextLength(out.size() + piece.size());
     out.append(piece);
@@ -117,21 +127,23 @@ void appendReplaced(WString& out, const ScopedText& text, const KeywordRules& ru
 
     // The first of both kinds; at one place the longer; of equal spans the keyword.
     KeywordPosKey span;
-    std::wstring_view replacement;
-    if (keyword != nullptr) {
+    const WString* replacement = nullptr;
+    bool isKeyword = keyword != nullptr;
+    if (isKeyword) {
       span = {keyword->position, keyword->length};
-      replacement = rules.replacement(keyword->rule);
+      replacement = &rules.replacement(keyword->rule);
     }
     if (positional != positionalRules.end() && (keyword == nullptr || positional->first < span)) {
       span = positional->first;
-      replacement = textOf(positional->second);
+      replacement = &positionalText(positional->second);
+      isKeyword = false;
       ++positional;
-    } else if (keyword == nullptr) {
-      break;
     }
+    if (replacement == nullptr) break;
 
     append(text.substr(cursor, span.position - cursor).view());
-    append(replacement);
+    if (isKeyword) onKeyword(out.size(), *replacement);
+    append(*replacement);
     cursor = span.position + std::min(span.length, kNotFound - span.position);
   }
   append(text.substr(cursor, text.length).view());

@@ -57,7 +57,8 @@ public:
   /// Evaluates into the given output values; an empty one gets a declared variable.
   bool evaluate(AShaderCollapseContext& context, Array<WString>& outputValues);
   /// Evaluates this fragment as the function that `uses` call; sets the replacement of each use in the
-  /// caller's pattern.
+  /// caller's pattern. Two of them declare the same variables: only a caller whose inputs the collapse
+  /// evaluates (buildUserInputValues() and what evaluates it) has them numbered.
   bool evaluateShader(AShaderCollapseContext& context, const Array<BuiltinFunction>& uses,
                       KeywordReplacePattern& callerShaderPattern);
   /// Declares one accumulator per output.

@@ -53,6 +53,12 @@ private:
   PositionalReplacements positionalReplacements_;
 };
 
+/// Where the replacement of a keyword rule stands in a copy, and the pattern's own text of it.
+struct PlacedReplacement {
+  std::size_t position = 0;
+  const WString* replacement = nullptr;
+};
+
 /// Applies the rules of any number of patterns. Holds pointers into the patterns added: each stays alive and
 /// keeps its rules as they are until the replacer is cleared or destroyed. Not copied; for one thread.
 class SFG_API KeywordReplacer {
@@ -78,6 +84,8 @@ public:
   /// The same, but appends in any case: `out` keeps what it holds. `text` does not view `out`, which holds a
   /// part of the copy when this throws.
   void appendReplaced(WString& out, const ScopedText& text) const;
+  /// appendReplaced, answering the replacements of keyword rules in the order in which they stand in `out`.
+  Array<PlacedReplacement> appendAndLocate(WString& out, const ScopedText& text) const;
 
   bool empty() const noexcept { return !rules_ && positionalReplacements_.empty(); }
 

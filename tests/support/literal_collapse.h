@@ -9,6 +9,7 @@
 #include <set>
 #include <string>
 
+#include "profiles/shader_temporaries.h"
 #include "sfg/fragment_profile_instance.h"
 #include "sfg/shader_collapse_context.h"
 #include "tests/support/describe.h"
@@ -183,7 +184,7 @@ private:
           Instance& source = run.find(connection.fragment);
           Array<BuiltinFunction> uses;
           if (active->GetShaderFunctions(i, uses)) {
-            if (!source.evaluateShader(run, uses, active->getShaderReplacePattern())) return false;
+            if (!source.evaluateShader(run, uses, *active)) return false;
             if (inputValues[i].empty()) makeInputUniform(run, i);
             values.push_back(inputValues[i]);
           } else {
@@ -200,7 +201,7 @@ private:
     }
 
     bool evaluateShader(LiteralCollapse& run, const Array<BuiltinFunction>& uses,
-                        KeywordReplacePattern& pattern) {
+                        FragmentProfileInstance& caller) {
       if (active == nullptr || active->isInlineProfile() || !active->declareOutputs(run.body())) return false;
       Array<WString> outputs = active->getOutputNames();
       Array<WString> inputs;
@@ -226,16 +227,16 @@ private:
       }
       active->beginShaderFunctionCall();
       for (const BuiltinFunction& use : uses) {
-        WString text;
-        if (writeUse(run, text, use, inputs, outputs))
-          pattern.overrideReplacePattern(WString(use.range.view()), text);
+        ShaderCallText call;
+        if (writeUse(run, call, use, inputs, outputs))
+          caller.replaceShaderUse(WString(use.range.view()), call);
       }
       active->endShaderFunctionCall();
       return true;
     }
 
-    bool writeUse(LiteralCollapse& run, WString& text, const BuiltinFunction& use, Array<WString> inputs,
-                  Array<WString> outputs) {
+    bool writeUse(LiteralCollapse& run, ShaderCallText& call, const BuiltinFunction& use,
+                  Array<WString> inputs, Array<WString> outputs) {
       if (use.arguments.size() == 1) return false;
       std::set<std::size_t> given;
       for (std::size_t i = 1; i + 1 < use.arguments.size(); i += 2) {
@@ -253,9 +254,9 @@ private:
       for (std::size_t i = 0; i < outputs.size(); ++i) {
         if (given.contains(i)) continue;
         outputs[i] += L"_temp";
-        text += active->getOutputType(i) + L" " + outputs[i] + L";\n";
+        call.declare(active->getOutputType(i), outputs[i]);
       }
-      return active->writeFunctionCall(text, run.context_, inputs, outputs);
+      return active->writeFunctionCall(call.text, run.context_, inputs, outputs);
     }
 
     bool writeRequirements(LiteralCollapse& run) {
