@@ -91,7 +91,6 @@ public:
   }
 
   std::vector<Warning> run() {
-    inlineAtOutput();
     unlitBetweenLit();
     litAtOutputAndInLit();
     structureAccumulated();
@@ -204,20 +203,6 @@ private:
       if (profile == nullptr) continue;
       insert(use.profiles, profile);
       ++use.count;
-    }
-  }
-
-  void inlineAtOutput() {
-    if (isLightLoop()) return;
-    for (std::size_t i = 0; i < document_.getNumOutputs(); ++i) {
-      const GraphNode::Wire& wire = document_.outputWires()[i];
-      if (wire.source == nullptr) continue;
-      const Profiles profiles = surfaceProfilesOf(fragmentOf(wire.source->index()));
-      if (profiles.empty() || (*profiles.begin())->getMode() != EShaderFragmentProfileMode::Inline) continue;
-      warn(wire.position, "graph output " + inTicks(document_.getOutput(i)->getName()) +
-                              " is never assigned: " + named(*wire.source) + " uses the inline fragment " +
-                              inTicks(wire.source->fragmentName()) +
-                              ", which the default tool cannot end in");
     }
   }
 
