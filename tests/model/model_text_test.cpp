@@ -9,8 +9,8 @@
 
 #include "sfg/keyword_replace.h"
 #include "sfg/scoped_text.h"
-#include "text/keyword_replace_model.h"
-#include "text/scan_model.h"
+#include "tests/model/library_rules.h"
+#include "tests/model/scanner.h"
 #include "text/test_views.h"
 #include "tolmsdk/unicode.h"
 
@@ -85,11 +85,11 @@ TEST_P(ModelTest, ReplacerAppliesRulesAsTheModelDoes) {
     model::Replacer slow;
     KeywordReplacer fast;
     for (std::size_t p = 0; p < rules.count; ++p) {
-      slow.add(rules.patterns[p]);
+      slow.add(model::patternOf(rules.patterns[p]));
       fast.addReplacePattern(rules.patterns[p]);
     }
     std::wstring expected = L"old";
-    slow.appendAndReplace(expected, live.view());
+    slow.appendAndReplace(expected, model::viewOf(live.view()));
     WString out = L"old";
     fast.appendAndReplace(out, live.view());
     ASSERT_EQ(std::wstring_view(out), expected) << toUtf8(text) << "\n" << rules.describe();
@@ -105,7 +105,7 @@ TEST_P(ModelTest, FindSearchesAsTheModelDoes) {
     const LiveText live(text, texts.text(L"ab", 5));
     const std::wstring needle = texts.text(L"ab", 6);
     const std::size_t from = texts.position(text.size());
-    ASSERT_EQ(live.view().find(WString(needle), from), model::find(live.view(), needle, from))
+    ASSERT_EQ(live.view().find(WString(needle), from), model::find(model::viewOf(live.view()), needle, from))
         << toUtf8(text) << " / " << toUtf8(needle) << " from " << from;
   }
 }
