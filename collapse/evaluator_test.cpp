@@ -1,5 +1,3 @@
-#include "tests/support/literal_collapse.h"
-
 #include <functional>
 #include <random>
 #include <vector>
@@ -7,68 +5,11 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/collapse.h"
-#include "tests/support/random_scene.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
 
-using test::LiteralCollapse;
-using test::RandomScene;
 using test::TestScene;
-
-std::string messageOr(const std::function<std::string()>& collapse) {
-  try {
-    return collapse();
-  } catch (const Exception& exception) {
-    return exception.what();
-  }
-}
-
-TEST(Evaluation, WritesTheBytesOfThePlainRecursiveWalkInTheDefaultCollapse) {
-  std::size_t written = 0;
-  for (unsigned seed = 1; seed <= 1500; ++seed) {
-    RandomScene random(seed);
-    random.addOutputs(false);
-    const std::string text = test::collapseDefault(random.scene);
-    written += text.size() > 100 ? 1 : 0;
-    ASSERT_EQ(text, messageOr([&] { return LiteralCollapse(random.scene).collapseDefault(); }))
-        << "seed " << seed;
-  }
-  EXPECT_GT(written, 1000u);
-}
-
-TEST(Evaluation, WritesTheBytesOfThePlainRecursiveWalkInTheLightLoop) {
-  std::size_t written = 0;
-  for (unsigned seed = 1; seed <= 1500; ++seed) {
-    RandomScene random(seed);
-    random.addOutputs(true);
-    const std::string text = test::collapseLightLoop(random.scene);
-    written += text.size() > 100 ? 1 : 0;
-    ASSERT_EQ(text, messageOr([&] { return LiteralCollapse(random.scene).collapseLightLoop(); }))
-        << "seed " << seed;
-  }
-  EXPECT_GT(written, 1000u);
-}
-
-TEST(Evaluation, SeesAnExpressionThatTheLightHoldsAsTheLastCallLeftIt) {
-  // The expression reads the light: its second use as a value keeps the text of the call as a shader
-  // function.
-  TestScene scene;
-  AShaderFragment* held = scene.addInline(L"n0", L"sfg_currentLight({{a}})", {L"a"});
-  AShaderFragment* twice = scene.addInline(L"n1", L"{{a}} * 2", {L"a"});
-  AShaderFragment* caller =
-      scene.addFunction(L"n2", L"void call(float f, float b, out float r)\n{\nsfg_shader(f, {{a}}, b);\n}");
-  AShaderFragment* sum = scene.addFunction(L"n3", L"void sum(float a, float b, out float r)\n{\n}");
-  twice->setInputConnection(L"a", held, L"result");
-  caller->setInputConnection(L"f", held, L"result");
-  caller->setInputConnection(L"b", twice, L"result");
-  sum->setInputConnection(L"a", twice, L"result");
-  sum->setInputConnection(L"b", caller, L"r");
-  scene.output(L"color", TypeID_float, sum);
-  const std::string text = test::collapseDefault(scene);
-  EXPECT_EQ(text, LiteralCollapse(scene).collapseDefault());
-  EXPECT_NE(text.find("((sfg_currentLight(b)) * 2)"), std::string::npos) << text;
-}
 
 constexpr std::wstring_view kAdd = L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
 

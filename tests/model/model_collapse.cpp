@@ -295,10 +295,10 @@ bool Collapse::safeEvaluate(Instance& instance) {
 
 void Collapse::accumulate(Instance& instance) {
   if (!evaluate(instance)) return;
-  for (std::size_t i = 0; i < instance.accumulators.size(); ++i) {
-    if (i >= instance.active->outputs.size()) return;
+  // A profile with fewer outputs than the fragment adds nothing.
+  if (instance.accumulators.size() > instance.active->outputs.size()) return;
+  for (std::size_t i = 0; i < instance.accumulators.size(); ++i)
     write(L"    " + instance.accumulators[i] + L" += " + instance.active->outputs[i].name + L";\n");
-  }
 }
 
 void Collapse::declareAccumulators(Instance& instance) {

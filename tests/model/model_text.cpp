@@ -102,7 +102,12 @@ private:
 
   void collectWords() {
     words_.clear();
-    for (Part found = word(); found.length != 0; found = word()) words_.push_back(found);
+    for (;;) {
+      const Part found = scanner_.getKeyword(pos_);
+      if (found.length == 0) return;
+      words_.push_back(found);
+      scanner_.skipWhitespaces(pos_);
+    }
   }
 
   Symbol make(SymbolKind kind, const Part& name, std::size_t start, std::size_t end) const {
@@ -215,10 +220,10 @@ private:
 
   void skipValue() {
     pos_ += 1;
-    for (;;) {
+    while (!atEnd() && text_[pos_] != L';') {
+      const std::size_t before = pos_;
       scanner_.skipComment(pos_);
-      if (atEnd() || text_[pos_] == L';') return;
-      pos_ += 1;
+      if (pos_ == before) pos_ += 1;
     }
   }
 

@@ -6,10 +6,16 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "sfg/code_accumulator.h"
+#include "sfg/code_formatter.h"
+#include "sfg/code_snippet.h"
 #include "sfg/keyword_replace.h"
 #include "sfg/scoped_text.h"
 #include "tests/model/library_rules.h"
+#include "tests/model/model_accumulator.h"
+#include "tests/model/model_text.h"
 #include "tests/model/scanner.h"
 #include "text/test_views.h"
 #include "tolmsdk/unicode.h"
@@ -164,6 +170,209 @@ TEST_P(ModelTest, ScanningMovesAsTheModelDoes) {
     trimWhiteSpaces(trimmed);
     ASSERT_EQ(trimmed.view(), scanner.trimmed());
     if (HasFatalFailure()) return;
+  }
+}
+
+// ---- Symbols
+
+/// Pieces of shader text that decide what a symbol is.
+std::wstring randomCode(RandomTexts& texts) {
+  static const std::vector<std::wstring> pieces = {L"float ",
+                                                   L"void ",
+                                                   L"f",
+                                                   L"g",
+                                                   L"(",
+                                                   L")",
+                                                   L"{",
+                                                   L"}",
+                                                   L";",
+                                                   L";\n",
+                                                   L"\n",
+                                                   L" ",
+                                                   L"struct ",
+                                                   L"STRUCTS ",
+                                                   L"samplerstate ",
+                                                   L"technique ",
+                                                   L"uniform ",
+                                                   L"extern ",
+                                                   L"<",
+                                                   L">",
+                                                   L"[",
+                                                   L"]",
+                                                   L":",
+                                                   L"=",
+                                                   L",",
+                                                   L"//",
+                                                   L"/*",
+                                                   L"*/",
+                                                   L"#",
+                                                   L"sfg_isConnected",
+                                                   L"sfg_shader(",
+                                                   L"sfg_isFinalOutput(f, g)",
+                                                   L"state.normal",
+                                                   L"State.normal",
+                                                   L"sfg_matWorld",
+                                                   L"__x",
+                                                   L"static const ",
+                                                   L"float f(float a) { return ",
+                                                   L"sfg_isConnected( a b,, c )",
+                                                   L"; }\n"};
+  std::wstring code;
+  for (std::size_t i = texts.below(25); i != 0; --i) code += pieces[texts.below(pieces.size())];
+  return code;
+}
+
+std::string describeCalls(const std::vector<model::BuiltinCall>& calls) {
+  std::string text;
+  for (const model::BuiltinCall& call : calls) {
+    const std::size_t start = call.text.empty() ? 0 : call.start;
+    text += std::to_string(static_cast<int>(call.id)) + " at " + std::to_string(start) + " \"" +
+            toUtf8(call.text) + "\":";
+    for (const std::wstring& argument : call.arguments) text += " [" + toUtf8(argument) + "]";
+    text += '\n';
+  }
+  return text;
+}
+
+std::string describeSymbol(const model::Snippet& snippet, const model::Symbol& symbol) {
+  std::string text = std::to_string(static_cast<int>(symbol.kind)) + " " + std::to_string(symbol.start) +
+                     " \"" + toUtf8(snippet.view(symbol).str()) + "\" named " + toUtf8(symbol.name) + "\n";
+  for (const std::wstring& name : symbol.keywords.stateVariables) text += toUtf8(name) + "\n";
+  return text + describeCalls(symbol.keywords.builtins) + describeCalls(symbol.keywords.shaders);
+}
+
+std::vector<model::BuiltinCall> callsOf(const Array<BuiltinFunction>& real, const ScopedText& range) {
+  std::vector<model::BuiltinCall> calls;
+  for (const BuiltinFunction& function : real) {
+    model::BuiltinCall call;
+    call.id = function.id == eBuiltinFunctionShader          ? model::BuiltinId::shader
+              : function.id == eBuiltinFunctionIsFinalOutput ? model::BuiltinId::isFinalOutput
+                                                             : model::BuiltinId::isConnected;
+    for (const ScopedText& argument : function.arguments) call.arguments.emplace_back(argument.view());
+    call.text = std::wstring(function.range.view());
+    if (!call.text.empty()) call.start = static_cast<std::size_t>(function.range.text - range.text);
+    calls.push_back(call);
+  }
+  return calls;
+}
+
+/// A symbol of the library in the model's terms, without its key.
+model::Symbol symbolOf(const CodeSnippet& snippet, const ShaderSymbol& real) {
+  model::Symbol symbol;
+  constexpr model::SymbolKind kKinds[] = {model::SymbolKind::raw, model::SymbolKind::structure,
+                                          model::SymbolKind::uniform, model::SymbolKind::function,
+                                          model::SymbolKind::technique};
+  symbol.kind = kKinds[static_cast<std::size_t>(real.getType())];
+  symbol.name = std::wstring(real.getName().view());
+  symbol.start = static_cast<std::size_t>(real.getRange().text - snippet.getCode().c_str());
+  symbol.length = real.getRange().length;
+  for (const UString& name : real.getStateVariables()) symbol.keywords.stateVariables.emplace(name.view());
+  symbol.keywords.builtins = callsOf(real.getBuiltinFunctions(), real.getRange());
+  symbol.keywords.shaders = callsOf(real.getShaderFunctions(), real.getRange());
+  return symbol;
+}
+
+TEST_P(ModelTest, SnippetsHoldTheSymbolsOfTheModel) {
+  RandomTexts texts(GetParam());
+  std::size_t functions = 0;
+  for (int round = 0; round < 60000; ++round) {
+    const std::wstring code = randomCode(texts);
+    SCOPED_TRACE(::testing::Message() << '"' << toUtf8(code) << '"');
+    const model::Snippet expected = model::parseSnippet(code);
+    CodeSnippet snippet;
+    snippet.addCode(code.c_str());
+    snippet.parse();
+    ASSERT_EQ(snippet.getNumSymbols(), expected.symbols.size());
+    for (std::size_t i = 0; i < expected.symbols.size(); ++i) {
+      const ShaderSymbol& real = snippet.getSymbol(i);
+      ASSERT_EQ(describeSymbol(expected, symbolOf(snippet, real)),
+                describeSymbol(expected, expected.symbols[i]));
+      functions += expected.symbols[i].kind == model::SymbolKind::function ? 1 : 0;
+      // Keys are compared by what they tell apart.
+      for (std::size_t k = 0; k < i; ++k)
+        ASSERT_EQ(real.getKey() == snippet.getSymbol(k).getKey(),
+                  expected.symbols[i].key == expected.symbols[k].key);
+    }
+  }
+  EXPECT_GT(functions, 6000u);
+}
+
+TEST_P(ModelTest, FormatterIndentsAsTheModelDoes) {
+  RandomTexts texts(GetParam());
+  for (int round = 0; round < 20000; ++round) {
+    const int indent = static_cast<int>(texts.below(4)) - 1;
+    CodeFormatter formatter(indent);
+    model::Formatter slow(indent);
+    for (std::size_t i = texts.below(6); i != 0; --i) {
+      const std::wstring line = texts.text(L"{} \ta", 6);
+      formatter.addLine(line.c_str());
+      slow.addLine(line);
+    }
+    ASSERT_EQ(std::wstring_view(formatter.getResult()), slow.text());
+  }
+}
+
+// ---- The accumulator
+
+/// Symbols of few names and few texts, so that families, rings and clashes are common.
+std::wstring randomSymbols(RandomTexts& texts) {
+  static const std::vector<std::wstring> names = {L"h", L"g", L"k", L"h1", L"hh", L"g2", L"h12"};
+  const auto name = [&] { return names[texts.below(names.size())]; };
+  std::wstring code;
+  for (std::size_t i = 1 + texts.below(4); i != 0; --i) {
+    const std::wstring type = texts.below(3) == 0 ? L"float2" : L"float";
+    const std::wstring head = L"float " + name() + L"(" + type + L" a)";
+    switch (texts.below(9)) {
+    case 0: code += head + L";\n"; break;
+    case 1:
+      code += L"struct " + name() + (texts.below(2) == 0 ? L" { float " + name() + L"; };\n" : L";\n");
+      break;
+    case 2: code += L"uniform float " + name() + L" = 1;\n"; break;
+    case 3: code += head + L" { return sfg_isConnected(a) + sfg_isConnected; }\n"; break;
+    case 4: code += L"technique T { pass " + name() + L" {} }\n"; break;
+    case 5: code += L"struct { float " + name() + L"; };\n"; break;
+    default: code += head + L" { return " + name() + L"(1); }\n";
+    }
+  }
+  if (texts.below(12) == 0) code += L"static const float c = " + name() + L"(1);\n";
+  return code;
+}
+
+TEST_P(ModelTest, AccumulatorWritesWhatTheModelWrites) {
+  RandomTexts texts(GetParam());
+  for (int round = 0; round < 6000; ++round) {
+    CodeAccumulator accumulator;
+    model::Accumulator slow;
+    WString out;
+    std::wstring expected;
+    std::wstring read;
+    for (std::size_t call = 2 + texts.below(4); call != 0; --call) {
+      const std::wstring code = randomSymbols(texts);
+      read += code + L"----\n";
+      CodeSnippet snippet;
+      snippet.addCode(code.c_str());
+      snippet.parse();
+      Array<WString> values;
+      for (std::size_t i = texts.below(4); i != 0; --i)
+        values.emplace_back(texts.below(2) == 0 ? L"true" : L"h");
+      CodeSnippetInstance instance;
+      instance.construct(&snippet, values, false);
+      KeywordReplacePattern pattern;
+      if (texts.below(3) == 0) pattern.addReplacePattern(L"a", L"h");
+      KeywordReplacePattern rules;
+      if (texts.below(3) == 0) rules.addReplacePattern(L"h", texts.below(2) == 0 ? L"h1" : L"x");
+      model::Pattern slowRules = model::patternOf(rules);
+
+      const model::Snippet parsed = model::parseSnippet(code);
+      const std::vector<std::wstring> slowValues(values.begin(), values.end());
+      slow.append(expected, model::instantiate(parsed, slowValues), parsed, model::patternOf(pattern),
+                  slowRules, L"");
+      accumulator.append(out, instance, pattern, rules);
+      ASSERT_EQ(toUtf8(out), toUtf8(expected)) << toUtf8(read);
+      ASSERT_EQ(model::patternOf(rules).keywords, slowRules.keywords) << toUtf8(read);
+      for (const wchar_t* name : {L"h", L"g", L"k", L"h1"})
+        ASSERT_EQ(std::wstring(accumulator.getRename(name)), slow.rename(name)) << toUtf8(read);
+    }
   }
 }
 
