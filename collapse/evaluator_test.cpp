@@ -1,54 +1,13 @@
-#include "tests/support/literal_collapse.h"
-
-#include <functional>
 #include <random>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/collapse.h"
-#include "tests/support/random_scene.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
 
-using test::LiteralCollapse;
-using test::RandomScene;
 using test::TestScene;
-
-std::string messageOr(const std::function<std::string()>& collapse) {
-  try {
-    return collapse();
-  } catch (const Exception& exception) {
-    return exception.what();
-  }
-}
-
-TEST(Evaluation, WritesTheBytesOfThePlainRecursiveWalkInTheDefaultCollapse) {
-  std::size_t written = 0;
-  for (unsigned seed = 1; seed <= 1500; ++seed) {
-    RandomScene random(seed);
-    random.addOutputs(false);
-    const std::string text = test::collapseDefault(random.scene);
-    written += text.size() > 100 ? 1 : 0;
-    ASSERT_EQ(text, messageOr([&] { return LiteralCollapse(random.scene).collapseDefault(); }))
-        << "seed " << seed;
-  }
-  EXPECT_GT(written, 1000u);
-}
-
-TEST(Evaluation, WritesTheBytesOfThePlainRecursiveWalkInTheLightLoop) {
-  std::size_t written = 0;
-  for (unsigned seed = 1; seed <= 1500; ++seed) {
-    RandomScene random(seed);
-    random.addOutputs(true);
-    const std::string text = test::collapseLightLoop(random.scene);
-    written += text.size() > 100 ? 1 : 0;
-    ASSERT_EQ(text, messageOr([&] { return LiteralCollapse(random.scene).collapseLightLoop(); }))
-        << "seed " << seed;
-  }
-  EXPECT_GT(written, 1000u);
-}
 
 constexpr std::wstring_view kAdd = L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
 

@@ -7,7 +7,7 @@
 
 #include "sfg/keyword_replace.h"
 #include "tests/fuzz/fuzz_input.h"
-#include "text/keyword_replace_model.h"
+#include "tests/model/library_rules.h"
 #include "text/test_views.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -51,11 +51,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   KeywordReplacer replacer;
   replacer.addReplacePattern(pattern);
   model::Replacer slow;
-  slow.add(pattern);
+  slow.add(model::patternOf(pattern));
   WString out = L"old";
   replacer.appendAndReplace(out, text.view());
   std::wstring expected = L"old";
-  slow.appendAndReplace(expected, text.view());
+  slow.appendAndReplace(expected, model::viewOf(text.view()));
   require(std::wstring_view(out) == expected, "the replacer does what the model does");
   return 0;
 }
