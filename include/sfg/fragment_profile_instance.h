@@ -58,6 +58,7 @@ public:
   void appendOutputName(WString& out, std::size_t index) const;
   const WString& getOutputKey(std::size_t index) const;
   const Array<WString>& getOutputNames() const;
+  /// The outputs kept stay as they are; those added have neither type nor name nor key until they are set.
   void setNumOutputs(std::size_t count);
   void setOutput(std::size_t index, WString type, WString name);
   /// Appends a declaration of every typed output, once.
@@ -66,12 +67,16 @@ public:
   /// at the first output without a type.
   bool declareUnspecifiedOutputs(WString& out, Array<WString>& outputValues);
 
+  // Patterns, which live as long as the instance.
+
   /// Renames of the profile's own symbols, made while its requirements are written.
   KeywordReplacePattern& getKeywordReplacePattern() { return patterns().keyword; }
   /// From the uniforms' names in code to their unique ones; filled at the first call that finds any.
   KeywordReplacePattern& getUniformReplacePattern();
   /// From sfg_shader calls to what replaces them; at first the profile's default, which removes them.
   KeywordReplacePattern& getShaderReplacePattern();
+  /// Whether either of these two holds a rule; neither is made to be asked.
+  bool hasReplacements() const;
   Array<WString>& getUniformOriginal() { return extras().uniformOriginal; }
   Array<WString>& getUniformNew() { return extras().uniformNew; }
 
@@ -106,7 +111,7 @@ public:
 private:
   friend class AShaderCollapseContext;
 
-  /// Needed until requirements and definition are written.
+  /// Made when one of them is asked for.
   struct Patterns {
     KeywordReplacePattern keyword;
     KeywordReplacePattern shader;
@@ -119,6 +124,7 @@ private:
     Array<WString> outputNames;  // texts for the names that follow from fragment and short name, or others
     Array<WString> outputTypes;  // empty as long as they are those of the profile
     Array<WString> outputKeys;   // made when asked for
+    Array<bool> outputIsUnset;   // empty as long as none was added
     Array<WString> uniformOriginal;
     Array<WString> uniformNew;
     Array<bool> callWrittenForLight;
@@ -131,7 +137,9 @@ private:
   Array<WString>& outputNames() const;
   static const Array<WString>& none() noexcept;
   bool hasUniforms() const noexcept { return extras_ && !extras_->uniformOriginal.empty(); }
-  void dropPatterns();
+  bool isOutputUnset(std::size_t index) const noexcept {
+    return extras_ && index < extras_->outputIsUnset.size() && extras_->outputIsUnset[index];
+  }
   bool mustWriteCall(const AShaderCollapseContext& context);
   bool hasSharedDefinition() const;
   void appendDefinitionKey(WString& key) const;
