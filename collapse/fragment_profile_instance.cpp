@@ -70,6 +70,7 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
     extras_->outputNames.clear();
     extras_->outputTypes.clear();
     extras_->outputKeys.clear();
+    extras_->outputIsUnset.clear();
   }
   isInlineProfile_ = dynamic_cast<const AShaderFragmentProfileInline*>(profile) != nullptr;
   profileShortname_ = shortname.empty() ? profile->getProfilename() : shortname;
@@ -154,14 +155,20 @@ Array<WString>& FragmentProfileInstance::outputNames() const {
 // Outputs.
 
 void FragmentProfileInstance::setNumOutputs(std::size_t count) {
+  if (count == numOutputs_) return;
   outputNames().resize(count);
-  numOutputs_ = count;
   if (!extras_->outputTypes.empty()) extras_->outputTypes.resize(count);
+  if (count > numOutputs_ || !extras_->outputIsUnset.empty()) {
+    extras_->outputIsUnset.resize(numOutputs_, false);
+    extras_->outputIsUnset.resize(count, true);
+  }
   extras_->outputKeys.clear();
+  numOutputs_ = count;
 }
 
 const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {
   static const WString none;
+  if (isOutputUnset(index)) return none;
   if (extras_ && !extras_->outputTypes.empty()) return extras_->outputTypes[index];
   const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
   return parameters != nullptr && index < parameters->getNumOutputs() ? parameters->getOutputType(index)
@@ -169,22 +176,25 @@ const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {
 }
 
 void FragmentProfileInstance::setOutput(std::size_t index, WString type, WString name) {
+  outputNames()[index] = std::move(name);
+  if (isOutputUnset(index)) extras_->outputIsUnset[index] = false;
   if (type != getOutputType(index)) {
     Array<WString> types;
     for (std::size_t i = 0; i < numOutputs_; ++i) types.push_back(getOutputType(i));
     types[index] = std::move(type);
-    extras().outputTypes = std::move(types);
+    extras_->outputTypes = std::move(types);
   }
-  outputNames()[index] = std::move(name);
   extras_->outputKeys.clear();
 }
 
 const WString& FragmentProfileInstance::getOutputKey(std::size_t index) const {
   Array<WString>& keys = extras().outputKeys;
   if (keys.empty()) {
+    keys.resize(numOutputs_);
     for (std::size_t i = 0; i < numOutputs_; ++i) {
-      keys.push_back(getOutputType(i) + L" ");
-      appendOutputName(keys.back(), i);
+      if (isOutputUnset(i)) continue;
+      keys[i] = getOutputType(i) + L" ";
+      appendOutputName(keys[i], i);
     }
   }
   return keys[index];
@@ -222,10 +232,6 @@ FragmentProfileInstance::Patterns& FragmentProfileInstance::patterns() {
   return *patterns_;
 }
 
-void FragmentProfileInstance::dropPatterns() {
-  if (requirementsWritten_ && definitionWritten_) patterns_.reset();
-}
-
 KeywordReplacePattern& FragmentProfileInstance::getUniformReplacePattern() {
   KeywordReplacePattern& pattern = patterns().uniform;
   if (pattern.empty() && hasUniforms())
@@ -249,6 +255,11 @@ void FragmentProfileInstance::replaceShaderUse(const WString& use, ShaderCallTex
 const ShaderTemporaries* FragmentProfileInstance::findShaderTemporaries() const {
   const ShaderTemporaries* temporaries = patterns_ ? patterns_->temporaries.get() : nullptr;
   return temporaries != nullptr && !temporaries->empty() ? temporaries : nullptr;
+}
+
+bool FragmentProfileInstance::hasReplacements() const {
+  if (hasUniforms() || (patterns_ && !(patterns_->uniform.empty() && patterns_->shader.empty()))) return true;
+  return profile_ && !profile_->GetDefaultShaderRepalcePattern().empty();
 }
 
 // Parameters of the profile.
@@ -339,7 +350,6 @@ bool FragmentProfileInstance::writeRequirements(AShaderFragmentProfile* target,
     target->customStateVariables().insert(profile_->customStateVariables().begin(),
                                           profile_->customStateVariables().end());
   }
-  dropPatterns();
   return true;
 }
 
@@ -350,10 +360,7 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
 
   // What another instance wrote in the very same words need not be made again to be found to be there.
   const bool isShared = hasSharedDefinition();
-  if (isShared && context.takeWrittenDefinition(*this)) {
-    dropPatterns();
-    return true;
-  }
+  if (isShared && context.takeWrittenDefinition(*this)) return true;
 
   CodeSnippetInstance definition;
   if (!profile_->writeDefinition(definition, context, *this)) return false;
@@ -363,7 +370,6 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
   if (isShared) appendDefinitionKey(key);
   context.writeDefinition(definition, calls, *this);
   if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this, key);
-  dropPatterns();
   return true;
 }
 
@@ -372,10 +378,8 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
 bool FragmentProfileInstance::hasSharedDefinition() const {
   const AShaderFragmentProfile& profile = *profile_;
   return typeid(profile) == typeid(AShaderFragmentProfileFunction) && !requiresCurrentLight_ &&
-         profile_->customStateVariables().empty() && !hasUniforms() &&
-         (!patterns_ ||
-          (patterns_->keyword.empty() && patterns_->uniform.empty() && patterns_->shader.empty())) &&
-         profile_->GetDefaultShaderRepalcePattern().empty();
+         profile_->customStateVariables().empty() && !hasReplacements() &&
+         (!patterns_ || patterns_->keyword.empty());
 }
 
 void FragmentProfileInstance::appendDefinitionKey(WString& key) const {

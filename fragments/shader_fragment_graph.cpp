@@ -84,15 +84,18 @@ bool AShaderFragmentGraph::setOutputConnection(const wchar_t* output, IShaderFra
 
 void AShaderFragmentGraph::addFragment(IShaderFragment* fragment) {
   if (fragment == nullptr || fragment->getOwnerGraph() != nullptr) return;
-  if (!members_->insert(fragment)) return;
+  if (members_->contains(fragment)) return;
   fragment->setOwnerGraph(this);
-  fragments_.emplace_back(fragment);
+  // A host's own fragment may have added itself meanwhile.
+  if (members_->insert(fragment)) fragments_.emplace_back(fragment);
 }
 
 void AShaderFragmentGraph::removeFragment(IShaderFragment* fragment) {
   if (fragment == nullptr || fragment->getOwnerGraph() != this) return;
-  if (!members_->erase(fragment)) return;
+  if (!members_->contains(fragment)) return;
   fragment->setOwnerGraph(nullptr);
+  // A host's own fragment may have removed itself meanwhile.
+  if (!members_->erase(fragment)) return;
   removeAt(fragments_, static_cast<std::size_t>(std::find(fragments_.begin(), fragments_.end(), fragment) -
                                                 fragments_.begin()));
 }

@@ -209,7 +209,11 @@ const CodeSnippet& AShaderFragmentProfile::predefineSnippet() const {
 
 bool AShaderFragmentProfile::writePredefines(CodeSnippetInstance& out, AShaderCollapseContext&,
                                              FragmentProfileInstance& instance) const {
-  if (predefines_.empty() && predefineSnippet_.getNumSymbols() == 0) return true;
+  if (predefines_.empty() && predefineSnippet_.getNumSymbols() == 0) {
+    if (!instance.hasReplacements())
+      out.construct(&predefineSnippet_, instance.getBuiltinFunctionValueInPredefine(), false);
+    return true;
+  }
   const KeywordReplacePattern& uniforms = instance.getUniformReplacePattern();
   const KeywordReplacePattern& shaders = instance.getShaderReplacePattern();
   if (uniforms.empty() && shaders.empty()) {

@@ -521,8 +521,8 @@ TEST_F(CodeAccumulatorTest, ClashingFunctionsTakeTimeInProportionToTheirText) {
     for (int i = 0; i < 4; ++i) time = std::min(time, timeForClashes(count));
     return time;
   };
-  // Sixteen times the functions: a square would be 256 times the time.
-  EXPECT_LT(best(16000), 48 * best(1000));
+  // Eight times the functions: a square would be 64 times the time.
+  EXPECT_LT(best(4000), 24 * best(500));
 }
 
 TEST_F(CodeAccumulatorTest, ManyFunctionsTakeTimeInProportionToTheirText) {

@@ -1,19 +1,42 @@
 #include "sfg/keyword_replace.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "sfg/size_limit.h"
 #include "text/keyword_rules.h"
+#include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
 
+namespace {
+
+/// Room for `count` more. Grown at least by half: many small additions stay linear.
+void reserveFor(Array<WString>& texts, std::size_t count) {
+  const std::size_t needed = texts.size() + count;
+  if (needed > texts.capacity()) texts.reserve(std::max(needed, texts.size() + texts.size() / 2));
+}
+
+}  // namespace
+
 void KeywordReplacePattern::addReplacePattern(const WString& keyword, const WString& replacement) {
+  WString own(replacement);  // it may be one of the keywords, which move
   keywords_.push_back(keyword);
-  replacements_.push_back(replacement);
+  replacements_.push_back(std::move(own));
 }
 
 void KeywordReplacePattern::addReplacePattern(const Array<WString>& keywords,
                                               const Array<WString>& replacements) {
-  keywords_.insert(keywords_.end(), keywords.begin(), keywords.end());
-  replacements_.insert(replacements_.end(), replacements.begin(), replacements.end());
+  if (keywords.size() != replacements.size())
+    throw Exception(L"sfgError : keywords and replacements should be the same in number!");
+  // Neither array moves once the first pair is added: they may be those that pairs are taken from.
+  const std::size_t count = keywords.size();
+  reserveFor(keywords_, count);
+  reserveFor(replacements_, count);
+  for (std::size_t i = 0; i < count; ++i) {
+    keywords_.push_back(keywords[i]);
+    replacements_.push_back(replacements[i]);
+  }
 }
 
 void KeywordReplacePattern::addReplacePattern(const KeywordPosKey& key, const WString& replacement) {
@@ -21,9 +44,10 @@ void KeywordReplacePattern::addReplacePattern(const KeywordPosKey& key, const WS
 }
 
 void KeywordReplacePattern::overrideReplacePattern(const WString& keyword, const WString& replacement) {
+  const WString sought(keyword);  // it may be one of the replacements, which change
   bool isKnown = false;
   for (std::size_t i = 0; i < keywords_.size(); ++i) {
-    if (keywords_[i] != keyword) continue;
+    if (keywords_[i] != sought) continue;
     replacements_[i] = replacement;
     isKnown = true;
   }

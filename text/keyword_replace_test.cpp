@@ -9,11 +9,14 @@
 #include <utility>
 
 #include "sfg/size_limit.h"
+#include "tests/support/messages.h"
 #include "text/test_views.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
+
+using TolmSDK::test::messageOf;
 
 using Keywords = std::initializer_list<std::pair<const wchar_t*, const wchar_t*>>;
 struct Span {
@@ -90,6 +93,49 @@ TEST(KeywordReplacePattern, OverridesEveryEqualKeyword) {
   EXPECT_EQ(p.getKeywords().back(), L"x");
   EXPECT_EQ(p.getReplacements().back(), L"y");
   EXPECT_EQ(p.getKeywords().size(), 5u);
+}
+
+TEST(KeywordReplacePattern, RefusesArraysOfDifferentLengths) {
+  const Array<WString> none;
+  const Array<WString> one{L"a"};
+  const Array<WString> two{L"b", L"c"};
+  const std::pair<const Array<WString>&, const Array<WString>&> unequal[] = {
+      {one, two}, {two, one}, {two, none}, {none, one}};
+  for (const auto& arrays : unequal) {
+    KeywordReplacePattern p = pattern({{L"u", L"1"}});
+    EXPECT_EQ(messageOf([&] { p.addReplacePattern(arrays.first, arrays.second); }),
+              L"sfgError : keywords and replacements should be the same in number!");
+    EXPECT_EQ(p.getKeywords(), (Array<WString>{L"u"}));
+    EXPECT_EQ(p.getReplacements(), (Array<WString>{L"1"}));
+    p.overrideReplacePattern(L"u", L"2");
+    EXPECT_EQ(replaced({p}, L"aub"), L"a2b");
+  }
+}
+
+TEST(KeywordReplacePattern, TakesItsOwnTexts) {
+  const WString longer(100, L'x');
+  KeywordReplacePattern p;
+  p.addReplacePattern(longer + L"k", longer + L"r");
+  p.addReplacePattern(p.getKeywords(), p.getReplacements());
+  p.addReplacePattern(p.getReplacements(), p.getKeywords());
+  const WString k = longer + L"k";
+  const WString r = longer + L"r";
+  EXPECT_EQ(p.getKeywords(), (Array<WString>{k, k, r, r}));
+  EXPECT_EQ(p.getReplacements(), (Array<WString>{r, r, k, k}));
+
+  KeywordReplacePattern pairs;
+  pairs.addReplacePattern(k, r);
+  for (int i = 0; i < 20; ++i) {
+    pairs.addReplacePattern(pairs.getReplacements()[0], pairs.getKeywords()[0]);
+    EXPECT_EQ(pairs.getKeywords().back(), r);
+    EXPECT_EQ(pairs.getReplacements().back(), k);
+  }
+
+  KeywordReplacePattern overridden = pattern({{L"a", L"a"}, {L"a", L"b"}, {L"c", L"d"}});
+  overridden.overrideReplacePattern(overridden.getReplacements()[0], L"x");
+  EXPECT_EQ(overridden.getReplacements(), (Array<WString>{L"x", L"x", L"d"}));
+  overridden.overrideReplacePattern(overridden.getKeywords()[0], overridden.getReplacements()[2]);
+  EXPECT_EQ(overridden.getReplacements(), (Array<WString>{L"d", L"d", L"d"}));
 }
 
 TEST(KeywordReplacePattern, Clears) {

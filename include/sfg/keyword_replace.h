@@ -25,15 +25,16 @@ struct KeywordPosKey {
   }
 };
 
-/// Rules; owns its strings. Keywords may repeat, and their order matters: at one place and length the later
-/// rule wins.
+/// Rules; owns its strings, which may also be handed back to it. Keywords may repeat, and their order
+/// matters: at one place and length the later rule wins.
 class SFG_API KeywordReplacePattern {
 public:
   using PositionalReplacements = Map<KeywordPosKey, WString, std::less<KeywordPosKey>>;
 
   /// Appends a keyword rule; never merges with an equal keyword.
   void addReplacePattern(const WString& keyword, const WString& replacement);
-  /// Appends all pairs; both arrays have the same length.
+  /// Appends all pairs, also those of this pattern itself. Arrays of different lengths throw "sfgError :
+  /// keywords and replacements should be the same in number!" and change nothing.
   void addReplacePattern(const Array<WString>& keywords, const Array<WString>& replacements);
   /// Sets the positional rule of a span.
   void addReplacePattern(const KeywordPosKey& key, const WString& replacement);
