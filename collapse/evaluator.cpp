@@ -3,6 +3,7 @@
 #include <typeinfo>
 #include <utility>
 
+#include "profiles/shader_temporaries.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile_inline.h"
@@ -29,36 +30,16 @@ private:
   FragmentProfileInstance& instance_;
 };
 
-/// Starts an epoch when a light-dependent inline expression has changed, also by a call that failed. Within
-/// one light it is set by its first use and by every call as a shader function, but not by later uses: only
-/// of such an expression may a second visit find another one.
-class ExpressionWatch {
-public:
-  ExpressionWatch(FragmentEvaluator& evaluator, const FragmentProfileInstance& instance,
-                  bool wasShaderFunction)
-      : evaluator_(evaluator), instance_(instance),
-        isWatching_(wasShaderFunction && instance.isInlineProfile() && instance.requiresCurrentLight()) {
-    if (isWatching_) before_ = instance.getOutputNames();
-  }
-  ~ExpressionWatch() {
-    if (isWatching_ && before_ != instance_.getOutputNames()) evaluator_.startEpoch();
-  }
-  ExpressionWatch(const ExpressionWatch&) = delete;
-  ExpressionWatch& operator=(const ExpressionWatch&) = delete;
-
-private:
-  FragmentEvaluator& evaluator_;
-  const FragmentProfileInstance& instance_;
-  bool isWatching_;
-  Array<WString> before_;
-};
-
-/// Whether a writer may read the active light without saying so, as one of a host's own class may that writes
-/// an expression at every use. Functions that do not say so are written once.
-bool mayReadLight(const FragmentProfileInstance& instance) {
-  if (instance.requiresCurrentLight()) return true;
+/// Whether the value is an expression that a host's own class writes, which may be another one at every use.
+bool isOwnExpression(const FragmentProfileInstance& instance) {
   const AShaderFragmentProfile& profile = *instance.getProfile();
   return instance.isInlineProfile() && typeid(profile) != typeid(AShaderFragmentProfileInline);
+}
+
+/// Whether a writer may read the active light, also without saying so. Functions that do not say so are
+/// written once.
+bool mayReadLight(const FragmentProfileInstance& instance) {
+  return instance.requiresCurrentLight() || isOwnExpression(instance);
 }
 
 /// Whether a function takes as many values as there are inputs. An inline expression says so itself.
@@ -111,7 +92,8 @@ const WString& inputValueType(const AShaderFragment& fragment, const ILanguageTr
 /// frame of theirs is in here.
 class FragmentEvaluator::Stack {
 public:
-  explicit Stack(Frames& frames) : frames_(frames), below_(frames.size()) {}
+  explicit Stack(FragmentEvaluator& evaluator)
+      : evaluator_(evaluator), frames_(evaluator.frames_), below_(frames_.size()) {}
   ~Stack() {
     while (!empty()) pop();
   }
@@ -122,14 +104,15 @@ public:
   Frame& top() { return frames_.back(); }
   void push(Frame&& frame) {
     frames_.push_back(std::move(frame));
-    if (top().instance != nullptr) top().instance->isUnderWay_ = true;
+    if (top().instance != nullptr) evaluator_.stateOf(*top().instance).isUnderWay = true;
   }
   void pop() {
-    if (top().instance != nullptr) top().instance->isUnderWay_ = false;
+    if (top().instance != nullptr) evaluator_.stateOf(*top().instance).isUnderWay = false;
     frames_.pop_back();
   }
 
 private:
+  FragmentEvaluator& evaluator_;
   Frames& frames_;
   std::size_t below_;
 };
@@ -158,30 +141,26 @@ private:
 // What the instances call.
 
 bool FragmentEvaluator::evaluate(FragmentInstance& instance) {
-  if (isEvaluated(instance)) return instance.repeatList_ == 0 || run(repeatFrame(instance.repeatList_));
-  Frame frame;
-  frame.instance = &instance;
-  return run(std::move(frame));
+  if (!context_.admit(instance)) return false;
+  if (const InstanceState& state = stateOf(instance); isEvaluated(state))
+    return state.repeatList == 0 || run(repeatFrame(state.repeatList));
+  return run(frameOf(Task::evaluate, instance));
 }
 
 bool FragmentEvaluator::evaluate(FragmentInstance& instance, Array<WString>& outputValues) {
-  Frame frame;
-  frame.task = Task::evaluateInto;
-  frame.instance = &instance;
+  Frame frame = frameOf(Task::evaluateInto, instance);
   frame.values = &outputValues;
   return run(std::move(frame));
 }
 
 bool FragmentEvaluator::evaluateShader(FragmentInstance& instance, const Array<BuiltinFunction>& uses,
                                        KeywordReplacePattern& callerPattern) {
-  Frame frame;
-  frame.task = Task::evaluateShader;
-  frame.instance = &instance;
-  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{uses, &callerPattern});
+  Frame frame = frameOf(Task::evaluateShader, instance);
+  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{uses, &callerPattern, nullptr});
   return run(std::move(frame));
 }
 
-bool FragmentEvaluator::appendInputValues(FragmentInstance& instance, Array<WString>& values) {
+bool FragmentEvaluator::appendInputValues(const FragmentInstance& instance, Array<WString>& values) {
   Frame frame;
   frame.task = Task::collectInputs;
   frame.instance = &instance;
@@ -189,11 +168,19 @@ bool FragmentEvaluator::appendInputValues(FragmentInstance& instance, Array<WStr
   return run(std::move(frame));
 }
 
+FragmentEvaluator::Frame FragmentEvaluator::frameOf(Task task, FragmentInstance& instance) {
+  Frame frame;
+  frame.task = task;
+  frame.instance = &instance;
+  frame.written = &instance;
+  return frame;
+}
+
 // The walk.
 
 bool FragmentEvaluator::run(Frame root) {
   const Run scope(*this);
-  Stack stack(frames_);
+  Stack stack(*this);
   if (!enter(stack, std::move(root))) return false;
   while (!stack.empty()) {
     Frame& frame = stack.top();
@@ -213,8 +200,8 @@ bool FragmentEvaluator::run(Frame root) {
 
 bool FragmentEvaluator::enter(Stack& stack, Frame frame) {
   if (frame.task != Task::repeat) {
-    if (frame.instance->isUnderWay_ || frame.instance->activeProfileInstance_ == nullptr) return false;
-    if (!begin(frame)) return false;
+    if (!context_.admit(*frame.instance) || stateOf(*frame.instance).isUnderWay) return false;
+    if (frame.instance->activeProfileInstance_ == nullptr || !begin(frame)) return false;
   }
   frame.epoch = epoch_;
   frame.light = light_;
@@ -232,7 +219,8 @@ bool FragmentEvaluator::begin(Frame& frame) {
     declarations_.add(body().size() - before);
     return done;
   }
-  case Task::evaluateShader: return active.declareOutputs(body());
+  // An expression has no function to call.
+  case Task::evaluateShader: return !active.isInlineProfile() && active.declareOutputs(body());
   case Task::evaluateInto:
     return fitsOutputs(active, *frame.values) && active.declareUnspecifiedOutputs(body(), *frame.values);
   default: return true;
@@ -264,15 +252,15 @@ bool FragmentEvaluator::enterSource(Stack& stack) {
     frame.isWaiting = true;
     return enter(stack, shaderFrame(*frame.instance, *frame.source, frame.next));
   }
-  if (!isEvaluated(*frame.source)) {
+  if (!context_.admit(*frame.source)) return false;
+  const InstanceState& source = stateOf(*frame.source);
+  if (!isEvaluated(source)) {
     frame.isWaiting = true;
-    Frame sourceFrame;
-    sourceFrame.instance = frame.source;
-    return enter(stack, std::move(sourceFrame));
+    return enter(stack, frameOf(Task::evaluate, *frame.source));
   }
-  if (frame.source->repeatList_ == 0) return true;
+  if (source.repeatList == 0) return true;
   frame.isWaiting = true;
-  return enter(stack, repeatFrame(frame.source->repeatList_));
+  return enter(stack, repeatFrame(source.repeatList));
 }
 
 bool FragmentEvaluator::visitNextItem(Stack& stack) {
@@ -324,6 +312,7 @@ bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   const FragmentInstance& instance = *frame.instance;
   if (instance.activeProfileInstance_->IsShaderInput(frame.next)) {
     if (frame.next >= instance.inputs_.size()) return false;
+    instance.createLateInputUniform(context_, frame.next);
     frame.inputValues[frame.next] = instance.inputValue(frame.next);
     frame.readsLight = true;  // shader functions are taken to read it
     if (frame.sourceWritesAgain) frame.repeats.push_back({0, frame.instance, frame.next});
@@ -332,8 +321,10 @@ bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   if (!frame.source->hasActiveProfileOutput(output)) return false;
   frame.inputValues[frame.next].clear();
   frame.source->appendActiveProfileOutput(frame.inputValues[frame.next], output);
-  if (frame.source->readsLight_) frame.readsLight = true;
-  if (frame.source->repeatList_ != 0) frame.repeats.push_back({frame.source->repeatList_, nullptr, 0});
+  const InstanceState& source = stateOf(*frame.source);
+  if (source.readsLight) frame.readsLight = true;
+  if (source.changesAtEveryUse) frame.changesAtEveryUse = true;
+  if (source.repeatList != 0) frame.repeats.push_back({source.repeatList, nullptr, 0});
   return true;
 }
 
@@ -351,11 +342,9 @@ bool FragmentEvaluator::finish(Frame& frame) {
 }
 
 bool FragmentEvaluator::finishEvaluation(Frame& frame) {
-  FragmentInstance& instance = *frame.instance;
-  FragmentProfileInstance& active = *instance.activeProfileInstance_;
+  FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
   if (!writeRequirementsAndDefinition(frame)) return false;
 
-  const ExpressionWatch watch(*this, active, instance.wasShaderFunction_);
   // An expression checks its own length.
   if (!active.isInlineProfile()) checkTextLength(body().size() + totalLength(frame.inputValues));
   const std::size_t before = body().size();
@@ -364,10 +353,12 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
   calls_.add(body().size() - before);
   reserveTexts();
 
-  instance.repeatList_ = makeList(std::move(frame.repeats));
-  instance.evaluatedEpoch_ = frame.epoch;
-  instance.evaluatedLight_ = frame.light;
-  instance.readsLight_ = frame.readsLight || mayReadLight(active);
+  InstanceState& state = stateOf(*frame.instance);
+  state.repeatList = makeList(std::move(frame.repeats));
+  state.epoch = frame.epoch;
+  state.light = frame.light;
+  state.readsLight = frame.readsLight || mayReadLight(active);
+  state.changesAtEveryUse = active.isInlineProfile() && (frame.changesAtEveryUse || isOwnExpression(active));
   return true;
 }
 
@@ -403,25 +394,18 @@ bool FragmentEvaluator::writeCall(Frame& frame) {
 }
 
 bool FragmentEvaluator::finishShaderFunction(Frame& frame) {
-  FragmentInstance& instance = *frame.instance;
-  FragmentProfileInstance& active = *instance.activeProfileInstance_;
   if (!writeRequirementsAndDefinition(frame)) return false;
 
   const std::size_t allocatedBefore = context_.getShaderInputTypes().size();
   allocateShaderInputs(frame);
   frame.writesAgain = !frame.repeats.empty() || context_.getShaderInputTypes().size() != allocatedBefore;
-
-  const ExpressionWatch watch(*this, active, true);
-  instance.wasShaderFunction_ = true;
-  // The calls leave their own text in an inline expression: its next use as a value has to write it anew.
-  if (active.isInlineProfile()) instance.evaluatedEpoch_ = 0;
   writeShaderCalls(frame);
   return true;
 }
 
 bool FragmentEvaluator::writeRequirementsAndDefinition(Frame& frame) {
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
-  return fitsParameters(active, frame.inputValues.size()) && frame.instance->writeRequirements(context_) &&
+  return fitsParameters(active, frame.inputValues.size()) && frame.written->writeRequirements(context_) &&
          active.writeDefinition(context_);
 }
 
@@ -443,16 +427,20 @@ void FragmentEvaluator::writeShaderCalls(const Frame& frame) {
   const Array<WString> outputNames = active.getOutputNames();
   const ShaderCallScope scope(active);
   for (const BuiltinFunction& use : frame.shaderUse->calls) {
-    WString text;
-    if (!writeShaderCall(text, frame, outputNames, use)) continue;
-    frame.shaderUse->callerPattern->overrideReplacePattern(WString(use.range.view()), text);
+    ShaderCallText call;
+    if (!writeShaderCall(call, frame, outputNames, use)) continue;
+    const WString useText(use.range.view());
+    if (frame.shaderUse->caller != nullptr)
+      frame.shaderUse->caller->replaceShaderUse(useText, std::move(call));
+    else
+      frame.shaderUse->callerPattern->overrideReplacePattern(useText, call.text);
   }
 }
 
 /// One call of the shader function: pairs of parameter name and value replace input values and output
 /// variables.
-bool FragmentEvaluator::writeShaderCall(WString& out, const Frame& frame, const Array<WString>& outputNames,
-                                        const BuiltinFunction& use) {
+bool FragmentEvaluator::writeShaderCall(ShaderCallText& out, const Frame& frame,
+                                        const Array<WString>& outputNames, const BuiltinFunction& use) {
   if (use.arguments.size() == 1) return false;
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
   Array<WString> inputs = frame.inputValues;
@@ -477,21 +465,19 @@ bool FragmentEvaluator::writeShaderCall(WString& out, const Frame& frame, const 
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     if (isGiven[i]) continue;
     outputs[i] += L"_temp";
-    out += formatted(L"%s %s;\n", active.getOutputType(i), outputs[i]);
+    out.declare(active.getOutputType(i), outputs[i]);
   }
-  checkTextLength(out.size() + totalLength(inputs) + totalLength(outputs));
-  return active.writeFunctionCall(out, context_, inputs, outputs);
+  checkTextLength(out.text.size() + totalLength(inputs) + totalLength(outputs));
+  return active.writeFunctionCall(out.text, context_, inputs, outputs);
 }
 
 // Parts of the above.
 
-FragmentEvaluator::Frame FragmentEvaluator::shaderFrame(FragmentInstance& caller, FragmentInstance& source,
-                                                        std::size_t input) const {
-  Frame frame;
-  frame.task = Task::evaluateShader;
-  frame.instance = &source;
+FragmentEvaluator::Frame FragmentEvaluator::shaderFrame(const FragmentInstance& caller,
+                                                        FragmentInstance& source, std::size_t input) const {
+  Frame frame = frameOf(Task::evaluateShader, source);
   FragmentProfileInstance& active = *caller.activeProfileInstance_;
-  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{{}, &active.getShaderReplacePattern()});
+  frame.shaderUse = std::make_unique<ShaderUse>(ShaderUse{{}, &active.getShaderReplacePattern(), &active});
   active.GetShaderFunctions(input, frame.shaderUse->calls);
   return frame;
 }
@@ -512,6 +498,12 @@ FragmentInstance* FragmentEvaluator::findSource(const FragmentInstance& instance
   }
   const auto* fragment = dynamic_cast<const AShaderFragment*>(connected);
   return fragment != nullptr ? &context_.getFragmentInstance(fragment) : nullptr;
+}
+
+/// Of an instance that the context has admitted.
+FragmentEvaluator::InstanceState& FragmentEvaluator::stateOf(const FragmentInstance& instance) {
+  if (states_.size() <= instance.number_) states_.resize(instance.number_ + std::size_t{1});
+  return states_[instance.number_];
 }
 
 FragmentEvaluator::ListNumber FragmentEvaluator::makeList(Array<RepeatItem> items) {

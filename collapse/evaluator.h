@@ -15,6 +15,7 @@
 namespace TolmSDK::Graphics::sfg {
 
 class AShaderCollapseContext;
+struct ShaderCallText;
 
 /// Writes what a depth-first walk over the sources of an instance would write, in that order, but with a
 /// stack of its own and without walking where nothing would be written. Belongs to its context.
@@ -29,7 +30,8 @@ class AShaderCollapseContext;
 /// instance: the shader functions that were visited on the way and that would write again, in order. A second
 /// visit in the same epoch redoes that list and nothing else; an empty list is passed over. Lists share
 /// lists, and an instance that adds nothing hands on the list of its source: a chain above a shader function
-/// costs a repeat nothing.
+/// costs a repeat nothing. An expression whose profile is of a host's own class may differ at every use: it,
+/// and the expressions that hold its text, are written at every visit.
 class FragmentEvaluator {
 public:
   explicit FragmentEvaluator(AShaderCollapseContext& context) : context_(context) {}
@@ -40,7 +42,7 @@ public:
   bool evaluate(FragmentInstance& instance, Array<WString>& outputValues);
   bool evaluateShader(FragmentInstance& instance, const Array<BuiltinFunction>& uses,
                       KeywordReplacePattern& callerPattern);
-  bool appendInputValues(FragmentInstance& instance, Array<WString>& values);
+  bool appendInputValues(const FragmentInstance& instance, Array<WString>& values);
 
   /// Something changed that could make a second visit write.
   void startEpoch() noexcept { ++epoch_; }
@@ -53,7 +55,7 @@ private:
   /// Either a whole list or the shader function that feeds an input of `caller`.
   struct RepeatItem {
     ListNumber list = 0;
-    FragmentInstance* caller = nullptr;
+    const FragmentInstance* caller = nullptr;
     std::size_t input = 0;
   };
 
@@ -62,6 +64,17 @@ private:
   struct ShaderUse {
     Array<BuiltinFunction> calls;
     KeywordReplacePattern* callerPattern;
+    FragmentProfileInstance* caller = nullptr;  // whose pattern it is, when that is known
+  };
+
+  /// What the walk knows of an instance.
+  struct InstanceState {
+    ListNumber repeatList = 0;
+    bool isUnderWay = false;
+    bool readsLight = false;  // itself or something that feeds it
+    bool changesAtEveryUse = false;
+    std::uint64_t epoch = 0;  // of its last evaluation
+    std::uint64_t light = 0;
   };
 
   /// One step of the walk that is under way.
@@ -71,12 +84,14 @@ private:
     bool sourceWritesAgain = false;  // what that frame, a shader function, would do at a second visit
     bool writesAgain = false;
     ListNumber list = 0;  // task repeat: what to redo
-    FragmentInstance* instance = nullptr;
-    FragmentInstance* source = nullptr;  // that feeds the next input
-    bool readsLight = false;             // itself or something that feeds it
-    std::uint64_t epoch = 0;             // at the start
-    std::uint64_t light = 0;             // at the start
-    std::size_t next = 0;                // input, or item of the list
+    const FragmentInstance* instance = nullptr;
+    FragmentInstance* written = nullptr;  // the same, unless its inputs are all that is asked for
+    FragmentInstance* source = nullptr;   // that feeds the next input
+    bool readsLight = false;              // itself or something that feeds it
+    bool changesAtEveryUse = false;       // something that feeds it
+    std::uint64_t epoch = 0;              // at the start
+    std::uint64_t light = 0;              // at the start
+    std::size_t next = 0;                 // input, or item of the list
     Array<WString> inputValues;
     Array<WString>* values = nullptr;      // tasks evaluateInto and collectInputs: the caller's
     std::unique_ptr<ShaderUse> shaderUse;  // task evaluateShader
@@ -87,6 +102,7 @@ private:
   class Stack;
   class Run;
 
+  static Frame frameOf(Task task, FragmentInstance& instance);
   bool run(Frame root);
   bool enter(Stack& stack, Frame frame);
   bool begin(Frame& frame);
@@ -106,19 +122,20 @@ private:
   bool writeRequirementsAndDefinition(Frame& frame);
   void allocateShaderInputs(Frame& frame);
   void writeShaderCalls(const Frame& frame);
-  bool writeShaderCall(WString& out, const Frame& frame, const Array<WString>& outputNames,
+  bool writeShaderCall(ShaderCallText& out, const Frame& frame, const Array<WString>& outputNames,
                        const BuiltinFunction& use);
-  Frame shaderFrame(FragmentInstance& caller, FragmentInstance& source, std::size_t input) const;
+  Frame shaderFrame(const FragmentInstance& caller, FragmentInstance& source, std::size_t input) const;
   Frame repeatFrame(ListNumber list) const;
   FragmentInstance* findSource(const FragmentInstance& instance, std::size_t input) const;
-  bool isEvaluated(const FragmentInstance& instance) const {
-    return instance.evaluatedEpoch_ == epoch_ &&
-           (!instance.readsLight_ || instance.evaluatedLight_ == light_);
+  InstanceState& stateOf(const FragmentInstance& instance);
+  bool isEvaluated(const InstanceState& state) const {
+    return state.epoch == epoch_ && (!state.readsLight || state.light == light_) && !state.changesAtEveryUse;
   }
   ListNumber makeList(Array<RepeatItem> items);
   WString& body() const;
 
   AShaderCollapseContext& context_;
+  Array<InstanceState> states_;  // by the instances' numbers
   std::uint64_t epoch_ = 1;
   std::uint64_t light_ = 1;
   std::uint64_t listsEpoch_ = 1;

@@ -1,6 +1,4 @@
-#include <functional>
 #include <random>
-#include <vector>
 
 #include <gtest/gtest.h>
 

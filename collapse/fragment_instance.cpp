@@ -92,7 +92,7 @@ void FragmentInstance::makeUniformsUnique() {
   }
 }
 
-void FragmentInstance::createInputUniform(const AShaderCollapseContext& context, std::size_t input) {
+void FragmentInstance::createInputUniform(const AShaderCollapseContext& context, std::size_t input) const {
   const AParameter* parameter = fragment_->getInput(input);
   if (parameter == nullptr) return;
   Input& own = inputs_[input];
@@ -108,6 +108,15 @@ void FragmentInstance::createInputUniform(const AShaderCollapseContext& context,
   own.value = std::make_unique<const WString>(samplerConstructor(parameter->getType()) + name +
                                               L", sampler_" + name + L")");
   usesSamplers_ = true;
+}
+
+void FragmentInstance::createLateInputUniform(AShaderCollapseContext& context, std::size_t input) const {
+  Input& own = inputs_[input];
+  if (own.value || own.uniform) return;
+  createInputUniform(context, input);
+  if (!uniformsWritten_ || !own.uniform) return;
+  context.getResult()->addUniform(own.uniform.get());
+  if (usesSamplers_) context.getResultProfile()->includes().insert(L"sfg_samplers.h");
 }
 
 /// The value of an input that no fragment feeds.
@@ -288,7 +297,8 @@ bool FragmentInstance::declareAccumulateOutputs(AShaderCollapseContext& context)
 
 // Writing.
 
-bool FragmentInstance::buildUserInputValues(AShaderCollapseContext& context, Array<WString>& inputValues) {
+bool FragmentInstance::buildUserInputValues(AShaderCollapseContext& context,
+                                            Array<WString>& inputValues) const {
   return context.evaluator().appendInputValues(*this, inputValues);
 }
 

@@ -346,25 +346,181 @@ TEST_F(Instances, OfOwnExpressionsAreEvaluatedForEveryLight) {
   }
 }
 
-TEST_F(Instances, WriteTheirExpressionAnewAfterACallOfItFailed) {
-  // The first call of the expression leaves its text there, the second is too long.
-  WString sum(L"{{a}}");
-  for (int i = 0; i < 2000; ++i) sum += L"+{{a}}";
-  AShaderFragment* expression = scene.addInline(L"s", sum, {L"a"});
-  const WString caller =
-      L"void call(float f, float p, out float r)\n{\nsfg_shader(f, {{a}}, p);\nsfg_shader(f, {{a}}, " +
-      WString(40000, L'x') + L");\n}";
-  AShaderFragment* call = scene.addFunction(L"c", caller);
+/// An expression that is another one each time it is written.
+class CountingProfile : public AShaderFragmentProfileInline {
+public:
+  bool writeFunctionCall(WString&, AShaderCollapseContext&, FragmentProfileInstance& instance,
+                         const Array<WString>& inputValues, const Array<WString>&) const override {
+    instance.setNumOutputs(1);
+    WString value = formatted(L"use%Iu", ++uses_);
+    for (const WString& input : inputValues) value += L"(" + input + L")";
+    instance.setOutput(0, L"", value);
+    return true;
+  }
+
+private:
+  mutable std::size_t uses_ = 0;
+};
+
+/// A member of the graph whose value is such an expression.
+RefPtr<AShaderFragment> addCounting(const TestScene& scene, const WString& name, std::size_t inputs) {
+  const auto profile = makeRef<CountingProfile>();
+  profile->setProfilename(L"default");
+  profile->languages().insert(UString(L"dx11"));
+  auto fragment = makeRef<AShaderFragment>(name);
+  fragment->registerProfile(profile.get());
+  fragment->addOutput(TypeID_float, L"result");
+  for (std::size_t i = 0; i < inputs; ++i) fragment->addInput(TypeID_float, formatted(L"i%Iu", i));
+  scene.graph->addFragment(fragment.get());
+  return fragment;
+}
+
+TEST_F(Instances, OfOwnExpressionsAreWrittenAtEveryUse) {
+  const RefPtr<AShaderFragment> count = addCounting(scene, L"count", 0);
+  AShaderFragment* twice = scene.addInline(L"t", L"{{a}} * 2", {L"a"});
+  AShaderFragment* add = scene.addFunction(L"n", kAdd);
+  AShaderFragment* behind = scene.addFunction(L"m", kAdd);
+  twice->setInputConnection(std::size_t{0}, count.get(), 0);
+  add->setInputConnection(std::size_t{0}, count.get(), 0);
+  add->setInputConnection(std::size_t{1}, twice, 0);
+  behind->setInputConnection(std::size_t{0}, add, 0);
+  behind->setInputConnection(std::size_t{1}, twice, 0);
+  for (const AShaderFragment* fragment : {count.get(), twice, add}) made(fragment);
+  EXPECT_TRUE(made(behind).safeEvaluate(context));
+  EXPECT_EQ(body(), R"(    float result_m_01;
+    float result_n_01;
+    add1(
+        use1,
+        (use2 * 2),
+        result_n_01);
+    add1(
+        result_n_01,
+        (use3 * 2),
+        result_m_01);
+)");
+}
+
+TEST_F(Instances, OfOwnExpressionsAreWrittenWithTheirSources) {
+  const RefPtr<AShaderFragment> inner = addCounting(scene, L"inner", 0);
+  const RefPtr<AShaderFragment> outer = addCounting(scene, L"outer", 1);
+  AShaderFragment* add = scene.addFunction(L"n", kAdd);
+  outer->setInputConnection(std::size_t{0}, inner.get(), 0);
+  add->setInputConnection(std::size_t{0}, outer.get(), 0);
+  add->setInputConnection(std::size_t{1}, outer.get(), 0);
+  made(inner.get());
+  made(outer.get());
+  EXPECT_EQ(inputValues(made(add)), (Array<WString>{L"use1(use1)", L"use2(use2)"}));
+}
+
+// Shader functions.
+
+constexpr std::wstring_view kCall =
+    L"void call(float f, float b, out float r)\n{\nsfg_shader(f, a, b, result, r);\n}";
+
+TEST_F(Instances, RefuseToBeCalledAsExpressions) {
+  AShaderFragment* expression = scene.addInline(L"e", L"{{a}} * 2", {L"a"});
+  AShaderFragment* source = scene.addFunction(L"s", kOne);
+  expression->setInputConnection(std::size_t{0}, source, 0);
+  AShaderFragment* call = scene.addFunction(L"c", kCall);
   call->setInputConnection(L"f", expression, L"result");
-  FragmentInstance& value = made(expression);
-  FragmentInstance& calling = made(call);
-  EXPECT_TRUE(value.safeEvaluate(context));
-  const WString before = value.getActiveProfileOutput(0);
-  EXPECT_EQ(before.substr(0, 5), L"(as+a");
-  EXPECT_THROW(calling.safeEvaluate(context), Exception);
-  EXPECT_NE(value.getActiveProfileOutput(0), before);
-  EXPECT_TRUE(value.safeEvaluate(context));
-  EXPECT_EQ(value.getActiveProfileOutput(0), before);
+  made(source);
+  FragmentInstance& instance = made(expression);
+  KeywordReplacePattern pattern;
+  EXPECT_FALSE(instance.evaluateShader(context, {BuiltinFunction()}, pattern));
+  EXPECT_EQ(body(), "") << "nothing is written, not even what feeds it";
+  EXPECT_TRUE(pattern.empty());
+  EXPECT_FALSE(made(call).safeEvaluate(context));
+  EXPECT_EQ(body(), "    float result_c_01;\n") << "declared before its inputs were taken";
+  EXPECT_TRUE(instance.safeEvaluate(context)) << "as a value it serves";
+}
+
+/// A fragment whose first profile takes its input as a value and whose second one calls it.
+WString lateCallerJson(std::wstring_view type) {
+  const WString head = L"(" + WString(type) + L" f, out float r)\n{\n";
+  return test::profilesJson(
+      {test::namedFunctionJson(L"first", L"void plain" + head + L"r = 0;\n}"),
+       test::namedFunctionJson(L"second", L"void call" + head + L"sfg_shader(f, result, r);\n}")});
+}
+
+TEST_F(Instances, MakeAnInputThatOnlyALaterProfileCallsWhenItsValueIsTaken) {
+  AShaderFragment* source = scene.addFunction(L"s", kOne);
+  AShaderFragment* caller = scene.add(*test::loadFragment(L"late", lateCallerJson(L"float")), L"c");
+  caller->setInputConnection(std::size_t{0}, source, 0);
+  made(source);
+  FragmentInstance& instance = made(caller);
+  EXPECT_TRUE(instance.setActiveProfile(context, L"second", 100.0f));
+  EXPECT_TRUE(instance.safeEvaluate(context));
+  EXPECT_EQ(uniforms(), "fc;") << "with the other uniforms of the instance";
+  EXPECT_EQ(
+      body(),
+      "    float result_c_02;\n    float result_s_01;\n    call2(\n        fc,\n        result_c_02);\n");
+}
+
+TEST_F(Instances, AddALateInputAtOnceWhenTheirUniformsAreWritten) {
+  AShaderFragment* source = scene.addFunction(L"s", kOne);
+  AShaderFragment* caller = scene.add(*test::loadFragment(L"late", lateCallerJson(L"sfg_sampler2D")), L"c");
+  caller->setInputConnection(std::size_t{0}, source, 0);
+  made(source);
+  FragmentInstance& instance = made(caller);
+  EXPECT_TRUE(instance.writeRequirements(context));
+  EXPECT_EQ(uniforms(), "");
+  EXPECT_TRUE(instance.setActiveProfile(context, L"second", 100.0f));
+  Array<WString> values;
+  const FragmentInstance& constant = instance;
+  EXPECT_TRUE(constant.buildUserInputValues(context, values));
+  EXPECT_EQ(values, (Array<WString>{L"sfg_make_sampler2D(fc, sampler_fc)"}));
+  EXPECT_EQ(uniforms(), "fc;");
+  EXPECT_EQ(context.getResultProfile()->includes(), Set<WString>{L"sfg_samplers.h"});
+  values.clear();
+  EXPECT_TRUE(constant.buildUserInputValues(context, values));
+  EXPECT_EQ(uniforms(), "fc;") << "made once";
+}
+
+TEST_F(Instances, TakeAConstantForALateInput) {
+  AShaderFragment* source = scene.addFunction(L"s", kOne);
+  AShaderFragment* caller =
+      scene.addWithPorts(*test::loadFragment(L"late", lateCallerJson(L"float")), L"c",
+                         {test::parameter(TypeID_float, L"f", 1)}, {test::parameter(TypeID_float, L"r")});
+  AValue value(TypeID_float);
+  value.set(0, 2.5);
+  scene.options->constants[L"f"] = value;
+  caller->setInputConnection(std::size_t{0}, source, 0);
+  made(source);
+  FragmentInstance& instance = made(caller);
+  EXPECT_TRUE(instance.setActiveProfile(context, L"second", 100.0f));
+  EXPECT_EQ(inputValues(instance), Array<WString>{L"2.5"});
+}
+
+// One context each.
+
+TEST_F(Instances, AreEvaluatedInOneContextOnly) {
+  FragmentInstance& instance = made(scene.addFunction(L"n", kOne));
+  AShaderCollapseContext other;
+  other.initialize(scene.language, scene.environment, scene.graph, scene.options);
+  Array<WString> values;
+#ifdef NDEBUG
+  EXPECT_FALSE(instance.safeEvaluate(other));
+  EXPECT_FALSE(instance.buildUserInputValues(other, values));
+  EXPECT_EQ(toUtf8(other.getResultProfile()->getFunctionBody()), "");
+#else
+  EXPECT_DEATH(instance.safeEvaluate(other), "one context only");
+  EXPECT_DEATH(instance.buildUserInputValues(other, values), "one context only");
+#endif
+  EXPECT_TRUE(instance.safeEvaluate(context));
+}
+
+TEST_F(Instances, MadeByNoContextBelongToTheFirstThatEvaluatesThem) {
+  const AShaderFragment* fragment = scene.addFunction(L"n", kOne);
+  FragmentInstance instance;
+  EXPECT_TRUE(instance.create(context, scene.language.get(), fragment));
+  AShaderCollapseContext other;
+  other.initialize(scene.language, scene.environment, scene.graph, scene.options);
+  EXPECT_TRUE(instance.safeEvaluate(other));
+#ifdef NDEBUG
+  EXPECT_FALSE(instance.safeEvaluate(context));
+#else
+  EXPECT_DEATH(instance.safeEvaluate(context), "one context only");
+#endif
 }
 
 TEST_F(Instances, SeeAccumulatorsFromTheirDeclarationOn) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "collapse/ports.h"
+#include "profiles/shader_temporaries.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile_function.h"
@@ -213,6 +214,9 @@ bool FragmentProfileInstance::declareUnspecifiedOutputs(WString& out, Array<WStr
 
 // Patterns.
 
+FragmentProfileInstance::Patterns::Patterns() = default;
+FragmentProfileInstance::Patterns::~Patterns() = default;
+
 FragmentProfileInstance::Patterns& FragmentProfileInstance::patterns() {
   if (!patterns_) patterns_ = std::make_unique<Patterns>();
   return *patterns_;
@@ -233,6 +237,18 @@ KeywordReplacePattern& FragmentProfileInstance::getShaderReplacePattern() {
   KeywordReplacePattern& pattern = patterns().shader;
   if (pattern.empty() && profile_) pattern = profile_->GetDefaultShaderRepalcePattern();
   return pattern;
+}
+
+void FragmentProfileInstance::replaceShaderUse(const WString& use, ShaderCallText call) {
+  getShaderReplacePattern().overrideReplacePattern(use, call.text);
+  std::unique_ptr<ShaderTemporaries>& temporaries = patterns().temporaries;
+  if (!temporaries) temporaries = std::make_unique<ShaderTemporaries>();
+  temporaries->record(use, std::move(call));
+}
+
+const ShaderTemporaries* FragmentProfileInstance::findShaderTemporaries() const {
+  const ShaderTemporaries* temporaries = patterns_ ? patterns_->temporaries.get() : nullptr;
+  return temporaries != nullptr && !temporaries->empty() ? temporaries : nullptr;
 }
 
 // Parameters of the profile.

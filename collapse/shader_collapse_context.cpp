@@ -1,6 +1,7 @@
 #include "sfg/shader_collapse_context.h"
 
 #include <algorithm>
+#include <cassert>
 #include <optional>
 #include <utility>
 
@@ -124,8 +125,17 @@ bool AShaderCollapseContext::getConstValue(WString& value, const AParameter* par
 
 FragmentInstance& AShaderCollapseContext::getInstance(InstanceTable& instances, const WString& name) {
   FragmentInstance& instance = instances.get(name);
-  if (instance.creationNumber_ == 0) instance.creationNumber_ = ++instancesMade_;
+  admit(instance);
   return instance;
+}
+
+bool AShaderCollapseContext::admit(const FragmentInstance& instance) {
+  if (instance.context_ == nullptr) {
+    instance.context_ = this;
+    instance.number_ = ++instancesMade_;
+  }
+  assert(instance.context_ == this && "an instance is evaluated in one context only");
+  return instance.context_ == this;
 }
 
 FragmentInstance& AShaderCollapseContext::getFragmentInstance(const IShaderFragment* fragment) {
@@ -288,10 +298,10 @@ void AShaderCollapseContext::writePredefine(const CodeSnippetInstance& instance,
 void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance,
                                              const KeywordReplacePattern& pattern,
                                              FragmentProfileInstance& profileInstance) {
-  accumulator_.append(resultProfile_->predefines(), instance, pattern,
-                      profileInstance.getKeywordReplacePattern());
   WString& name = writtenDefinitions_->soughtText();
   profileInstance.appendFunctionName(name);
+  accumulator_.appendDefinition(resultProfile_->predefines(), instance, pattern,
+                                profileInstance.getKeywordReplacePattern(), name);
   const WString& rename = accumulator_.getRename(name);
   if (rename != name) profileInstance.setFunctionName(rename);
 }

@@ -18,8 +18,10 @@ IShaderFragment* AShaderCollapseToolDefault::collapse(const IShaderFragmentGraph
   if (!context_.setActiveSurfaceProfile(L"default")) return nullptr;
   const IShaderFragment* fragment = findOutputFragment();
   if (fragment == nullptr) return nullptr;
-  Array<WString> outputValues = graphOutputNames(*fragment);
-  if (!context_.getFragmentInstance(fragment).evaluate(context_, outputValues)) {
+  FragmentInstance& instance = context_.getFragmentInstance(fragment);
+  const Array<WString> names = graphOutputNames(*fragment);
+  Array<WString> outputValues = names;
+  if (!instance.evaluate(context_, outputValues) || !assignOutputs(instance, names)) {
     throw Exception(L"Failed to evaluate fragment!");
   }
   for (std::size_t i = 0; i < graph->getNumUniforms(); ++i) result_->addUniform(graph->getUniform(i));
@@ -69,6 +71,25 @@ Array<WString> AShaderCollapseToolDefault::graphOutputNames(const IShaderFragmen
     names[connections[i].index] = graph_->getOutputName(i);
   }
   return names;
+}
+
+/// Assigns the graph outputs that the evaluation was not given: all that an inline expression feeds, else
+/// those whose fragment output feeds a later one too. False for an output that the active profile does not
+/// have.
+bool AShaderCollapseToolDefault::assignOutputs(const FragmentInstance& instance,
+                                               const Array<WString>& names) {
+  const Array<ShaderFragmentConnection>& connections = graph_->getOutputConnections();
+  for (std::size_t i = 0; i < connections.size() && i < graph_->getNumOutputs(); ++i) {
+    const std::size_t output = connections[i].index;
+    const WString& name = graph_->getOutputName(i);
+    if (!instance.hasActiveProfileOutput(output)) return false;
+    if (instance.hasInlineProfile()) {
+      context_.writeCodef(L"    %s = %s;\n", name, instance.getActiveProfileOutput(output));
+    } else if (names[output] != name) {
+      context_.writeCodef(L"    %s = %s;\n", name, names[output]);
+    }
+  }
+  return true;
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -271,10 +271,77 @@ uniforms: float/bn2
 )");
 }
 
-TEST(DefaultCollapse, LeavesAnOutputThatAnInlineExpressionFeedsUnassigned) {
+// Outputs that the evaluation is not given.
+
+/// The body of the collapsed function.
+std::string bodyOf(const std::string& text) {
+  const std::size_t at = text.find("{\n", text.find("void CollapsedFunction"));
+  return at != std::string::npos ? text.substr(at) : text;
+}
+
+TEST(DefaultCollapse, AssignsAnOutputThatAnInlineExpressionFeeds) {
   TestScene scene;
   scene.output(L"color", TypeID_float, scene.addInline(L"n0", L"1.0", {}));
-  EXPECT_EQ(collapseDefault(scene), "void CollapsedFunction(\n    out float color)\n{\n}\n");
+  EXPECT_EQ(collapseDefault(scene),
+            "void CollapsedFunction(\n    out float color)\n{\n    color = (1.0);\n}\n");
+}
+
+TEST(DefaultCollapse, AssignsAnExpressionToEveryOutputItFeeds) {
+  TestScene scene;
+  AShaderFragment* one = scene.addFunction(L"n0", kOne);
+  AShaderFragment* half = scene.addInline(L"n1", L"{{a}} * 0.5", {L"a"});
+  half->setInputConnection(L"a", one, L"result");
+  scene.output(L"x", TypeID_float, half);
+  scene.output(L"y", TypeID_float, half);
+  EXPECT_EQ(bodyOf(collapseDefault(scene)), R"({
+    float result_n0_01;
+    one1(
+        result_n0_01);
+    x = (result_n0_01 * 0.5);
+    y = (result_n0_01 * 0.5);
+}
+)");
+}
+
+TEST(DefaultCollapse, RefusesAnOutputThatAnInlineExpressionDoesNotHave) {
+  TestScene scene;
+  AShaderFragment* expression = scene.addInline(L"n0", L"1.0", {});
+  expression->addOutput(TypeID_float, L"second");
+  scene.output(L"x", TypeID_float, expression);
+  scene.output(L"y", TypeID_float, expression, 1);
+  EXPECT_EQ(collapseDefault(scene), "Failed to evaluate fragment!");
+}
+
+TEST(DefaultCollapse, RefusesAnOutputThatAFunctionDoesNotHave) {
+  TestScene scene;
+  AShaderFragment* one = scene.addFunction(L"n0", kOne);
+  one->addOutput(TypeID_float, L"second");
+  scene.output(L"x", TypeID_float, one);
+  scene.output(L"y", TypeID_float, one, 1);
+  EXPECT_EQ(collapseDefault(scene), "Failed to evaluate fragment!");
+}
+
+TEST(DefaultCollapse, AssignsGraphOutputsOfOneFragmentOutputFromTheLastOfThem) {
+  TestScene scene;
+  AShaderFragment* split = scene.addFunction(L"n0", kSplit);
+  scene.output(L"a", TypeID_float, split, 0);
+  scene.output(L"b", TypeID_float, split, 2);
+  scene.output(L"c", TypeID_float, split, 0);
+  scene.output(L"d", TypeID_float, split, 2);
+  scene.output(L"e", TypeID_float, split, 0);
+  EXPECT_EQ(bodyOf(collapseDefault(scene)), R"({
+    float result_n0_11;
+    split1(
+        vn0,
+        e,
+        result_n0_11,
+        d);
+    a = e;
+    b = d;
+    c = e;
+}
+uniforms: fvec2/vn0
+)");
 }
 
 TEST(DefaultCollapse, ReplacesBuiltInCallsByTheirValues) {
@@ -326,6 +393,147 @@ void CollapsedFunction(
 }
 uniforms: float/an0 float/bn0 float/bn1
 )");
+}
+
+/// A consumer that calls two sources, the one of two outputs and the one of one output.
+class UsesOfShaderFunctions : public testing::Test {
+protected:
+  /// What the collapse writes for the consumer: its predefines and its definition.
+  static std::string consumerOf(std::wstring_view body, std::wstring_view predefine = L"") {
+    TestScene scene;
+    AShaderFragment* wave = scene.addFunction(
+        L"n0", L"void wave(float2 uv, out float height, out float slope)\n{\nheight = uv.x;\n}");
+    AShaderFragment* dots =
+        scene.addFunction(L"n1", L"void dots(float2 uv, out float dot)\n{\ndot = uv.y;\n}");
+    const std::wstring function =
+        L"void mix(float tex, float cell, out float r)\n{\n" + std::wstring(body) + L"\n}";
+    const std::wstring more = L",\"predefine\":[\"" + std::wstring(predefine) + L"\"]";
+    AShaderFragment* mix = scene.add(*test::loadFragment(L"n2", test::functionJson(function, more)), L"n2");
+    EXPECT_TRUE(mix->setInputConnection(L"tex", wave, L"height"));
+    EXPECT_TRUE(mix->setInputConnection(L"cell", dots, L"dot"));
+    scene.output(L"color", TypeID_float, mix);
+    const std::string text = collapseDefault(scene);
+    const std::string lastSource = "\tdot = uv.y;\n}\n";
+    const std::size_t begin = text.find(lastSource) + lastSource.size();
+    return text.substr(begin, text.find("void CollapsedFunction(") - begin);
+  }
+};
+
+constexpr const char* kMixHead = "void mix1(\n    float tex,\n    float cell,\n    out float r)\n{\n";
+
+TEST_F(UsesOfShaderFunctions, DeclareDifferentTemporariesInOneBlock) {
+  EXPECT_EQ(consumerOf(L"float a; float b; float c;\nsfg_shader(tex, uv, p, height, a);\n"
+                       L"sfg_shader(tex, uv, q, height, b);\nsfg_shader(tex, uv, q, slope, c);\n"
+                       L"sfg_shader(cell, uv, p);\nr = a;"),
+            kMixHead + std::string(R"(	float a; float b; float c;
+	float result_n0_11_temp;
+    wave1(
+        p,
+        a,
+        result_n0_11_temp);
+;
+	float result_n0_11_temp2;
+    wave1(
+        q,
+        b,
+        result_n0_11_temp2);
+;
+	float result_n0_01_temp;
+    wave1(
+        q,
+        result_n0_01_temp,
+        c);
+;
+	float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+;
+	r = a;
+}
+)"));
+}
+
+TEST_F(UsesOfShaderFunctions, DeclareDifferentTemporariesWithTheSameText) {
+  EXPECT_EQ(consumerOf(L"if (r > 0) {\nsfg_shader(cell, uv, p);\nsfg_shader(cell, uv, p);\n}\n"
+                       L"sfg_shader(cell, uv, p); sfg_shader(cell, uv, p);"),
+            kMixHead + std::string(R"(	if (r > 0) {
+		float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+;
+		float result_n1_01_temp2;
+    dots1(
+        p,
+        result_n1_01_temp2);
+;
+	}
+	float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+; float result_n1_01_temp2;
+    dots1(
+        p,
+        result_n1_01_temp2);
+;
+}
+)"));
+}
+
+TEST_F(UsesOfShaderFunctions, DeclareTemporariesInEachFunctionOfThePredefines) {
+  EXPECT_EQ(
+      consumerOf(L"sfg_shader(cell, uv, p);",
+                 L"float g(float2 p) { sfg_shader(cell, uv, p); sfg_shader(cell, uv, p); return 1; }\",\""
+                 L"float h(float2 p) { sfg_shader(cell, uv, p); sfg_shader(cell, uv, p); return 1; }"),
+      R"(float g(float2 p) { float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+; float result_n1_01_temp2;
+    dots1(
+        p,
+        result_n1_01_temp2);
+; return 1; }
+float h(float2 p) { float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+; float result_n1_01_temp2;
+    dots1(
+        p,
+        result_n1_01_temp2);
+; return 1; }
+)" + std::string(kMixHead) +
+          R"(	float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+;
+}
+)");
+}
+
+TEST_F(UsesOfShaderFunctions, LeaveTheAuthorsVariablesAlone) {
+  EXPECT_EQ(consumerOf(L"float result_n1_01_temp = 1;\n{\nsfg_shader(cell, uv, p);\n"
+                       L"sfg_shader(cell, uv, q);\n}\nr = result_n1_01_temp;"),
+            kMixHead + std::string(R"(	float result_n1_01_temp = 1;
+	{
+		float result_n1_01_temp;
+    dots1(
+        p,
+        result_n1_01_temp);
+;
+		float result_n1_01_temp2;
+    dots1(
+        q,
+        result_n1_01_temp2);
+;
+	}
+	r = result_n1_01_temp;
+}
+)"));
 }
 
 TEST(DefaultCollapse, CallsAShaderFunctionFromItsConsumersCode) {
@@ -385,6 +593,73 @@ void CollapsedFunction(
 uniforms: fvec2/pn0 float/scalen1 float/texn2 fvec2/uvn2
 shader inputs: float2
 )");
+}
+
+TEST(DefaultCollapse, AShaderFunctionCallsTheOtherUseOfItself) {
+  TestScene scene;
+  constexpr std::wstring_view kBlur =
+      L"void blur(float f, out float r)\n{\n"
+      L"// blur1 is not called here\nfloat blur1x = 1.0;\nsfg_shader(f, r, r);\n}";
+  AShaderFragment* previous = scene.addFunction(L"n0", kBlur);
+  for (const wchar_t* name : {L"n1", L"n2"}) {
+    AShaderFragment* blur = scene.addFunction(name, kBlur);
+    blur->setInputConnection(L"f", previous, L"r");
+    previous = blur;
+  }
+  scene.output(L"color", TypeID_float, previous);
+  EXPECT_EQ(collapseDefault(scene), R"(void blur1(
+    float f,
+    out float r)
+{
+	// blur1 is not called here
+	float blur1x = 1.0;
+	;
+}
+void blur11(
+    float f,
+    out float r)
+{
+	// blur11 is not called here
+	float blur11x = 1.0;
+	    blur1(
+        fn0,
+        r);
+;
+}
+void blur12(
+    float f,
+    out float r)
+{
+	// blur12 is not called here
+	float blur12x = 1.0;
+	    blur11(
+        state.shaderInput0,
+        r);
+;
+}
+void CollapsedFunction(
+    out float color)
+{
+    float result_n1_01;
+    float result_n0_01;
+    state.shaderInput0 = fn1;
+    blur12(
+        fn2,
+        color);
+}
+uniforms: float/fn0 float/fn1 float/fn2
+shader inputs: float
+)");
+}
+
+TEST(DefaultCollapse, RefusesAnExpressionThatIsCalledAsAFunction) {
+  TestScene scene;
+  AShaderFragment* half = scene.addInline(L"n0", L"{{a}} * 0.5", {L"a"});
+  AShaderFragment* call =
+      scene.addFunction(L"n1", L"void call(float f, out float r)\n{\nsfg_shader(f, {{a}}, r);\n}");
+  call->setInputConnection(L"f", half, L"result");
+  scene.output(L"color", TypeID_float, call);
+  EXPECT_EQ(collapseDefault(scene), "Failed to evaluate fragment!");
 }
 
 TEST(DefaultCollapse, WritesPreProcessFragmentsFirst) {
@@ -471,26 +746,6 @@ void CollapsedFunction(
         last);
 }
 uniforms: fvec2/vn0
-)");
-}
-
-TEST(DefaultCollapse, AssignsTheLastGraphOutputOfOneFragmentOutput) {
-  TestScene scene;
-  AShaderFragment* one = scene.addFunction(L"n0", kOne);
-  scene.output(L"a", TypeID_float, one);
-  scene.output(L"b", TypeID_float, one);
-  EXPECT_EQ(collapseDefault(scene), R"(void one1(
-    out float result)
-{
-	result = 1.0;
-}
-void CollapsedFunction(
-    out float a,
-    out float b)
-{
-    one1(
-        b);
-}
 )");
 }
 

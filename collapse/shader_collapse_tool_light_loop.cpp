@@ -130,9 +130,8 @@ Array<FragmentInstance*> AShaderCollapseToolLightLoop::collectLitFragments() {
       visit(fragment->getInputConnections());
     }
   }
-  std::sort(found.begin(), found.end(), [](const FragmentInstance* a, const FragmentInstance* b) {
-    return a->creationNumber_ < b->creationNumber_;
-  });
+  std::sort(found.begin(), found.end(),
+            [](const FragmentInstance* a, const FragmentInstance* b) { return a->number_ < b->number_; });
   // Two fragments of one name are one instance.
   found.erase(std::unique(found.begin(), found.end()), found.end());
   return found;

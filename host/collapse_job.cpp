@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <mutex>
 
+#include "host/called_expressions.h"
 #include "host/document_reader.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_collapse_tool_light_loop.h"
@@ -74,6 +75,9 @@ CollapseJob::CollapseJob(const CollapseSettings& settings)
 void CollapseJob::run() {
   const LanguageDx11& language = libraries_.language();
   graph_ = buildGraph(*document_, language);
+  if (std::vector<CalledExpression> wires = findCalledExpressions(*this); !wires.empty()) {
+    throw CalledExpressionError(std::move(wires));
+  }
   result_ =
       settings_.tool == CollapseTool::lightLoop
           ? collapseWith<AShaderCollapseToolLightLoop>(settings_, *graph_, *environment_, *options_, language)

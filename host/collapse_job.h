@@ -57,7 +57,8 @@ public:
   /// Reads everything. Throws InputError.
   explicit CollapseJob(const CollapseSettings& settings);
 
-  /// Builds the graph and collapses it. Throws InputError (a post-process fragment that does not fit) and the
+  /// Builds the graph and collapses it. Throws InputError (a post-process fragment that does not fit),
+  /// CalledExpressionError (inline expressions wired to inputs that are called as functions) and the
   /// generator's Exception; a null result() afterwards means that the collapse cannot be done with these
   /// inputs.
   void run();

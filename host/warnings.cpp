@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "host/document_reader.h"
+#include "host/evaluated_surface.h"
 #include "host/fragment_files.h"
 #include "host/identifiers.h"
 #include "sfg/code_snippet.h"
@@ -83,15 +84,13 @@ Set<WString> helperNames(const IShaderFragmentProfile& profile) {
 class Search {
 public:
   Search(const CollapseJob& job, bool completeShader)
-      : job_(job), document_(job.document()), completeShader_(completeShader) {
-    findProfileNames();
-    findReachable();
+      : job_(job), document_(job.document()), completeShader_(completeShader),
+        surfaceProfiles_(surfaceProfileNames(job)), order_(reachableNodes(document_)) {
     findLit();
     findUses();
   }
 
   std::vector<Warning> run() {
-    inlineAtOutput();
     unlitBetweenLit();
     litAtOutputAndInLit();
     structureAccumulated();
@@ -123,21 +122,8 @@ private:
 
   static std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
 
-  /// The profile names under which the surface is evaluated.
-  void findProfileNames() {
-    if (!isLightLoop() || lights().empty()) {
-      surfaceProfiles_.insert(WString(kDefaultProfile));
-      return;
-    }
-    for (const ShadingEnvironment::Light& light : lights())
-      surfaceProfiles_.insert(light.profile->getProfilename());
-  }
-
-  /// The profile that an instance takes: the one of that name, else "default"; null when there is neither.
   Profile chosen(const IShaderFragment& fragment, const WString& name, float lod) const {
-    const UString& language = job_.options().getLanguage();
-    const Profile best = fragment.findBestProfile(name, language, lod);
-    return best != nullptr ? best : fragment.findBestProfile(WString(kDefaultProfile), language, lod);
+    return chooseProfile(job_, fragment, name, lod);
   }
 
   Profiles surfaceProfilesOf(const IShaderFragment& fragment) const {
@@ -146,31 +132,6 @@ private:
       insert(profiles, chosen(fragment, name, job_.options().getSurfaceLOD()));
     }
     return profiles;
-  }
-
-  /// Nodes that feed an output, sources before the nodes they feed.
-  void findReachable() {
-    enum class Mark { none, open, done };
-    std::vector<Mark> marks(nodeCount(), Mark::none);
-    std::vector<std::size_t> open;
-    for (const GraphNode::Wire& wire : document_.outputWires()) {
-      if (wire.source != nullptr) open.push_back(wire.source->index());
-      while (!open.empty()) {
-        const std::size_t node = open.back();
-        if (marks[node] == Mark::none) {
-          marks[node] = Mark::open;
-          for (const GraphNode::Wire& input : document_.node(node).wires()) {
-            if (input.source != nullptr && marks[input.source->index()] == Mark::none) {
-              open.push_back(input.source->index());
-            }
-          }
-        } else {
-          open.pop_back();
-          if (marks[node] == Mark::open) order_.push_back(node);
-          marks[node] = Mark::done;
-        }
-      }
-    }
   }
 
   /// Which nodes read the current light, are fed by one that does, or feed one that does.
@@ -242,20 +203,6 @@ private:
       if (profile == nullptr) continue;
       insert(use.profiles, profile);
       ++use.count;
-    }
-  }
-
-  void inlineAtOutput() {
-    if (isLightLoop()) return;
-    for (std::size_t i = 0; i < document_.getNumOutputs(); ++i) {
-      const GraphNode::Wire& wire = document_.outputWires()[i];
-      if (wire.source == nullptr) continue;
-      const Profiles profiles = surfaceProfilesOf(fragmentOf(wire.source->index()));
-      if (profiles.empty() || (*profiles.begin())->getMode() != EShaderFragmentProfileMode::Inline) continue;
-      warn(wire.position, "graph output " + inTicks(document_.getOutput(i)->getName()) +
-                              " is never assigned: " + named(*wire.source) + " uses the inline fragment " +
-                              inTicks(wire.source->fragmentName()) +
-                              ", which the default tool cannot end in");
     }
   }
 
@@ -453,7 +400,7 @@ private:
   const GraphDocument& document_;
   bool completeShader_;
   Set<WString> surfaceProfiles_;
-  std::vector<std::size_t> order_;
+  std::vector<std::size_t> order_;  ///< of the reachable nodes, sources first
   std::vector<bool> lit_;
   std::vector<bool> belowLit_;
   std::vector<bool> feedsLit_;

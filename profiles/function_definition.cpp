@@ -34,8 +34,8 @@ bool FunctionDefinition::write(CodeSnippetInstance& out, const KeywordReplacePat
   if (!writeHead(text)) return false;
 
   const bool isPlain = isPlainFunction(text, first);
-  appendBody(text.code, first);
-  text.code += kTail;
+  appendBody(text, first);
+  finish(text);
   if (!isPlain) {
     AShaderFragmentProfile::constructOwned(out, text.code, instance_.getBuiltinFunctionValueInBody());
     return true;
@@ -59,12 +59,17 @@ bool FunctionDefinition::writeHead(Text& text) const {
   return true;
 }
 
-void FunctionDefinition::appendBody(WString& text, const KeywordReplacePattern& first) const {
+void FunctionDefinition::appendBody(Text& text, const KeywordReplacePattern& first) const {
   KeywordReplacer replacer;
   replacer.addReplacePattern(first);
   for (const KeywordReplacePattern* pattern : instancePatterns()) replacer.addReplacePattern(*pattern);
-  replacer.appendReplaced(text, profile_.getFunctionBody());
+  appendWithCalls(text, replacer, profile_.getFunctionBody(), instance_);
   instance_.getKeywordReplacePattern().clearReplacePattern();
+}
+
+void FunctionDefinition::finish(Text& text) {
+  numberTemporaries(text, bodyBegin(text));
+  text.code += kTail;
 }
 
 /// Whether a parse would find one function and nothing else, without any call of a built-in function. That is

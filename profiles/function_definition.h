@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "profiles/shader_temporaries.h"
 #include "sfg/code_snippet.h"
 #include "sfg/fragment_profile_instance.h"
 #include "sfg/keyword_replace.h"
@@ -28,14 +29,14 @@ public:
   /// untouched, when a state-variable parameter cannot be added.
   bool write(CodeSnippetInstance& out, const KeywordReplacePattern& first) const;
 
-  /// The same for a body that `expand(text, start)` may then change, from its start in the text on.
+  /// The same for a body that `expand(CallerText&, start)` may then change, from its start in the text on.
   template <class Expand>
   bool writeExpanded(CodeSnippetInstance& out, Expand&& expand) const {
     Text text;
     if (!writeHead(text)) return false;
-    appendBody(text.code, KeywordReplacePattern());
-    expand(text.code, text.body + kOpening.size());
-    text.code += kTail;
+    appendBody(text, KeywordReplacePattern());
+    expand(static_cast<CallerText&>(text), bodyBegin(text));
+    finish(text);
     AShaderFragmentProfile::constructOwned(out, text.code, instance_.getBuiltinFunctionValueInBody());
     return true;
   }
@@ -45,15 +46,17 @@ private:
   static constexpr std::wstring_view kOpening = L"{\n";
   static constexpr std::wstring_view kTail = L"}\n";
 
-  struct Text {
-    WString code;
+  struct Text : CallerText {
     std::size_t nameLength = 0;
     std::size_t body = 0;  // where its opening brace stands
   };
 
   bool writeHead(Text& text) const;
   /// Also clears the instance's keyword rules.
-  void appendBody(WString& text, const KeywordReplacePattern& first) const;
+  void appendBody(Text& text, const KeywordReplacePattern& first) const;
+  static std::size_t bodyBegin(const Text& text) { return text.body + kOpening.size(); }
+  /// Numbers the temporaries of the body and closes it.
+  static void finish(Text& text);
   bool isPlainFunction(const Text& text, const KeywordReplacePattern& first) const;
   std::array<const KeywordReplacePattern*, 3> instancePatterns() const {
     return {&instance_.getKeywordReplacePattern(), &instance_.getUniformReplacePattern(),

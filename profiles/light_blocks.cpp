@@ -1,6 +1,7 @@
 #include "profiles/light_blocks.h"
 
 #include <string_view>
+#include <utility>
 
 #include "sfg/size_limit.h"
 #include "tolmsdk/exception.h"
@@ -55,16 +56,17 @@ std::size_t digitsBelow(std::size_t count) {
   return digits;
 }
 
-void appendForLight(WString& out, std::wstring_view inner, std::wstring_view function) {
-  out += kOpen;
+void appendForLight(CallerText& out, const CallerText& text, std::wstring_view inner,
+                    std::wstring_view function) {
+  out.code += kOpen;
   std::size_t from = 0;
   for (std::size_t at = inner.find(kLighting); at != inner.npos; at = inner.find(kLighting, from)) {
-    out += inner.substr(from, at - from);
-    out += function;
+    out.append(text, inner.substr(from, at - from));
+    out.code += function;
     from = at + kLighting.size();
   }
-  out += inner.substr(from);
-  out += kClose;
+  out.append(text, inner.substr(from));
+  out.code += kClose;
 }
 
 }  // namespace
@@ -75,10 +77,10 @@ WString sceneLightingName(std::size_t index) {
   return name;
 }
 
-void expandLightBlocks(WString& text, std::size_t numLights, std::size_t from) {
+void expandLightBlocks(CallerText& text, std::size_t numLights, std::size_t from) {
   // Cut the text and add up what it becomes.
   Array<Block> blocks;
-  std::wstring_view rest = std::wstring_view(text).substr(from);
+  std::wstring_view rest = std::wstring_view(text.code).substr(from);
   std::size_t length = from;
   const std::size_t digits = digitsBelow(numLights);
   for (Block block; takeBlock(rest, block);) {
@@ -92,20 +94,20 @@ void expandLightBlocks(WString& text, std::size_t numLights, std::size_t from) {
   if (blocks.empty()) return;
   checkTextLength(length + rest.size());
 
-  WString out;
-  out.reserve(length + rest.size());
-  out.append(text, 0, from);
+  CallerText out;
+  out.code.reserve(length + rest.size());
+  out.append(text, std::wstring_view(text.code).substr(0, from));
   WString function(kFunction);
   for (const Block& block : blocks) {
-    out += block.before;
+    out.append(text, block.before);
     for (std::size_t i = 0; i < numLights; ++i) {
       function.resize(kFunction.size());
       appendDecimal(function, i);
-      appendForLight(out, block.inner, function);
+      appendForLight(out, text, block.inner, function);
     }
   }
-  out += rest;
-  text.swap(out);
+  out.append(text, rest);
+  text = std::move(out);
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 
+#include "profiles/shader_temporaries.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -16,7 +17,7 @@ WString sceneLightingName(std::size_t index);
 /// Throws "sfgError : light and shadow block is not closed!" for a begin marker without an end marker behind
 /// it, a begin marker inside a block, and an end marker before the next begin marker; and the size error,
 /// before anything is built. An end marker behind the last block stays as it is. What stands in front of
-/// `from` is not looked at.
-void expandLightBlocks(WString& text, std::size_t numLights, std::size_t from = 0);
+/// `from` is not looked at. Copies name the temporaries that the text of their block names.
+void expandLightBlocks(CallerText& text, std::size_t numLights, std::size_t from = 0);
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -18,9 +18,10 @@ constexpr const wchar_t* kNotClosed = L"sfgError : light and shadow block is not
 constexpr const wchar_t* kTooLarge = L"sfgError : the generated code is too large!";
 
 std::wstring expanded(const std::wstring& text, std::size_t numLights) {
-  WString result(text.c_str(), text.size());
+  CallerText result;
+  result.code = text;
   expandLightBlocks(result, numLights);
-  return std::wstring(result.begin(), result.end());
+  return std::wstring(std::wstring_view(result.code));
 }
 
 TEST(LightBlocks, AreRepeatedPerLight) {
@@ -72,12 +73,12 @@ TEST(LightBlocks, AreMeasuredBeforeTheyAreBuilt) {
   // At the limit itself a text is still built: one light, a block of the limit's length, one character too
   // many behind it at first.
   constexpr std::size_t kFrame = 8;
-  WString fits(kBegin.c_str());
-  fits.append(kMaximumTextLength - kFrame, L'x').append(kEnd.c_str()).append(L"y");
+  CallerText fits;
+  fits.code.append(kBegin).append(kMaximumTextLength - kFrame, L'x').append(kEnd).append(L"y");
   EXPECT_EQ(messageOf([&] { expandLightBlocks(fits, 1); }), kTooLarge);
-  fits.pop_back();
+  fits.code.pop_back();
   expandLightBlocks(fits, 1);
-  EXPECT_EQ(fits.size(), kMaximumTextLength);
+  EXPECT_EQ(fits.code.size(), kMaximumTextLength);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "profiles/object_reader.h"
+#include "profiles/shader_temporaries.h"
 #include "sfg/code_formatter.h"
 #include "sfg/fragment_profile_instance.h"
 #include "sfg/shader_fragment_profile_function.h"
@@ -219,9 +220,10 @@ bool AShaderFragmentProfile::writePredefines(CodeSnippetInstance& out, AShaderCo
   KeywordReplacer replacer;
   replacer.addReplacePattern(uniforms);
   replacer.addReplacePattern(shaders);
-  WString text;
-  replacer.appendAndReplace(text, predefines_);
-  constructOwned(out, text, instance.getBuiltinFunctionValueInPredefine());
+  CallerText text;
+  appendWithCalls(text, replacer, predefines_, instance);
+  numberTemporaries(text);
+  constructOwned(out, text.code, instance.getBuiltinFunctionValueInPredefine());
   return true;
 }
 

@@ -4,6 +4,7 @@
 
 #include "profiles/function_definition.h"
 #include "profiles/light_blocks.h"
+#include "profiles/shader_temporaries.h"
 #include "sfg/fragment_profile_instance.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/size_limit.h"
@@ -127,10 +128,11 @@ bool AShaderFragmentProfileMetaSL::writePredefines(CodeSnippetInstance& out, ASh
   KeywordReplacer replacer;
   replacer.addReplacePattern(instance.getUniformReplacePattern());
   replacer.addReplacePattern(instance.getShaderReplacePattern());
-  WString text;
-  replacer.appendAndReplace(text, predefines());
+  CallerText text;
+  appendWithCalls(text, replacer, predefines(), instance);
   expandLightBlocks(text, numLights(context));
-  constructOwned(out, text, instance.getBuiltinFunctionValueInPredefine());
+  numberTemporaries(text);
+  constructOwned(out, text.code, instance.getBuiltinFunctionValueInPredefine());
 
   // The definition that is written next renames the matrices; it clears these rules.
   for (const auto& [name, replacement] : kStateMapping)
@@ -141,7 +143,7 @@ bool AShaderFragmentProfileMetaSL::writePredefines(CodeSnippetInstance& out, ASh
 bool AShaderFragmentProfileMetaSL::writeDefinition(CodeSnippetInstance& out, AShaderCollapseContext& context,
                                                    FragmentProfileInstance& instance) const {
   return FunctionDefinition(*this, context, instance)
-      .writeExpanded(out, [&context](WString& text, std::size_t body) {
+      .writeExpanded(out, [&context](CallerText& text, std::size_t body) {
         expandLightBlocks(text, numLights(context), body);
       });
 }

@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+#include "profiles/shader_temporaries.h"
 #include "profiles/writer_fixture.h"
 #include "tests/support/messages.h"
 #include "tolmsdk/state_variables.h"
@@ -145,6 +146,21 @@ TEST_F(MetaSLWriter, RepeatsBlocksPerLight) {
                           L"\n    { x = TolmSceneLighting0(P, N, l); }\n"
                           L"\n    { x = TolmSceneLighting1(P, N, l); }\n"
                           L"\n    { x = TolmSceneLighting2(P, N, l); }\n\n}\n");
+}
+
+TEST_F(MetaSLWriter, NumbersTemporariesInEachCopyOfABlock) {
+  useLights({makeLight(L"a", kPlainProfiles), makeLight(L"b", kPlainProfiles)});
+  const std::wstring twice = kBegin + L"sfg_shader(t, x); sfg_shader(t, x);" + kEnd + L"sfg_shader(t, x);";
+  useCode(twice, L"float h() { " + twice + L"return 1; }");
+  ShaderCallText call;
+  call.declare(L"float", L"t_temp");
+  call.text += L"f(t_temp)";
+  instance->replaceShaderUse(L"sfg_shader(t, x)", call);
+  const std::wstring copies = L"\n    {float t_temp;\nf(t_temp); float t_temp2;\nf(t_temp2);}\n"
+                              L"\n    {float t_temp;\nf(t_temp); float t_temp2;\nf(t_temp2);}\n"
+                              L"float t_temp;\nf(t_temp);";
+  EXPECT_EQ(predefines(), L"float h() { " + copies + L"return 1; }\n");
+  EXPECT_EQ(definition(), L"void f1(\n    out float r)\n{\n\t" + copies + L"\n}\n");
 }
 
 TEST_F(MetaSLWriter, RemovesBlocksWithoutLights) {

@@ -1,14 +1,17 @@
 #include "sfg/code_accumulator.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <string_view>
-#include <utility>
 
 #include "sfg/size_limit.h"
 #include "text/hash_index.h"
+#include "text/keyword_rules.h"
+#include "text/scan.h"
+#include "text/symbol_rings.h"
 #include "text/text_store.h"
 #include "tolmsdk/exception.h"
 
@@ -16,150 +19,220 @@ namespace TolmSDK::Graphics::sfg {
 
 namespace {
 
-using Texts = std::pair<std::wstring_view, std::wstring_view>;
+using PositionalRules = KeywordReplacePattern::PositionalReplacements;
 
 std::size_t combineHash(std::size_t hash, std::wstring_view text) {
   return hash * 1099511628211u + std::hash<std::wstring_view>()(text);
 }
 
-bool holdsRule(const KeywordReplacePattern& pattern, std::wstring_view keyword,
-               std::wstring_view replacement) {
-  for (std::size_t i = 0; i < pattern.getKeywords().size(); ++i)
-    if (pattern.getKeywords()[i] == keyword && pattern.getReplacements()[i] == replacement) return true;
-  return false;
+/// Past blanks and any number of comments.
+void skipBlanksAndComments(const ScopedText& text, std::size_t& pos) {
+  for (std::size_t before = kNotFound; before != pos;) {
+    before = pos;
+    scan::skipWhitespaces(text, pos);
+  }
 }
 
 }  // namespace
 
 /// What was written, and under which names. All views point into `texts`.
 struct CodeAccumulator::Impl {
-  /// A symbol as it was written. A null name stands for its own.
-  struct Written {
-    std::size_t hash;  // of all that follows
-    std::wstring_view identity;
-    std::wstring_view callRenames;
-    Array<Texts> renames;
-    const WString* name;
-  };
-
-  /// What a name is used as. A null text stands for the name itself.
+  /// A name that a symbol has or was given.
   struct Name {
     std::wstring_view text;
-    bool isRecorded = false;  // by an earlier call
-    const WString* recorded = nullptr;
-    std::uint64_t call = 0;  // the last one that used it
-    const WString* inCall = nullptr;
+    const WString* whole = nullptr;  // the same, of a name that was given in place of another
+    Name* lastUsed = nullptr;        // in place of this one, by an earlier call; itself as a rule
+    std::uint64_t givenInCall = 0;   // the last call that gave it to a symbol
+    bool isTaken = false;            // an earlier call met or gave it
+    bool isFunction = false;         // an earlier call wrote a function under it
+  };
+
+  /// A ring that was written: the texts that tell it from others, in `keyTexts`, and in `givenNames` the name
+  /// of each of its families, null for one without a name.
+  struct Ring {
+    std::size_t hash;
+    std::size_t firstText;
+    std::size_t numTexts;
+    std::size_t firstName;
+  };
+
+  /// What a call makes of a family with a name.
+  struct Decision {
+    Name* own;
+    Name* used;
+    bool writesFunction;
   };
 
   TextStore texts;
-  std::deque<WString> generatedNames;
+  std::deque<WString> wholeNames;
   std::uint64_t counter = 0;
   std::deque<Name> names;
   HashIndex namesByText;
-  std::deque<Written> written;
+  Array<Ring> written;  // by earlier calls
   HashIndex writtenByHash;
+  Array<std::wstring_view> keyTexts;
+  Array<Name*> givenNames;
 
   // The call in progress, or one that an exception ended.
   std::uint64_t call = 0;
-  Array<Name*> callNames;
-  Array<Written> callWritten;
+  SymbolRings rings;
+  Array<Ring> callRings;
+  Array<Decision> decisions;
+  Array<bool> isKnown;  // by symbol: an earlier call wrote it
+  Array<std::wstring_view> key;
+  Array<std::uint32_t> keyRules;
+  ProtectedSpans knownCalls;
 
-  // The symbol in progress.
-  Array<Texts> renamesInForce;  // views into the caller's pattern
-  std::size_t hash = 0;
-  WString ownName;
-  KeywordReplacer replacer;
-
-  void beginCall();
-  void finishCall();
-  void append(WString& out, const ShaderSymbolInstance& symbol, const KeywordReplacePattern& pattern,
-              KeywordReplacePattern& renamePattern);
+  void append(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
+              KeywordReplacePattern& renamePattern, std::wstring_view definition);
   const Name* findName(std::wstring_view text) const;
 
 private:
-  void identify(const ShaderSymbolInstance& symbol, const KeywordReplacePattern& renamePattern);
-  const Written* findWritten(std::size_t hash, std::wstring_view identity, std::wstring_view callRenames,
-                             const Array<Texts>& renames) const;
-  std::size_t numberOfName(std::wstring_view text, std::size_t hashOfText) const;
+  void beginCall(std::size_t numSymbols);
+  void finishCall();
+  void decide(std::size_t ring, const CodeSnippetInstance& code, KeywordReplacePattern& renamePattern);
+  std::size_t makeKey(std::size_t ring, const CodeSnippetInstance& code,
+                      const KeywordReplacePattern& renamePattern);
+  const Ring* findWritten(std::size_t hash) const;
+  std::size_t nameAnew(std::size_t ring, std::size_t hash);
+  void useName(std::size_t family, Name& used, KeywordReplacePattern& renamePattern);
+  bool isTaken(const Name& name) const { return name.isTaken || name.givenInCall == call; }
   Name& getName(std::wstring_view text);
-  bool useInCall(Name& name);
-  void reuseName(const WString* used, KeywordReplacePattern& renamePattern);
-  const WString* chooseName(KeywordReplacePattern& renamePattern);
-  const WString* generateName();
-  Written& rememberWritten(const ShaderSymbolInstance& symbol);
+  std::size_t numberOfName(std::wstring_view text, std::size_t hashOfText) const;
+  Name& generateName(std::wstring_view own);
+  void write(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
+             const KeywordReplacePattern& renamePattern, std::wstring_view definition);
+  void findKnownCalls(const ShaderSymbolInstance& symbol);
 };
 
-void CodeAccumulator::Impl::beginCall() {
+/// First all rings are decided, then what is not known is written, with the rules that all of them gave.
+void CodeAccumulator::Impl::append(WString& out, const CodeSnippetInstance& code,
+                                   const KeywordReplacePattern& pattern, KeywordReplacePattern& renamePattern,
+                                   std::wstring_view definition) {
+  beginCall(code.getNumSymbols());
+  rings.find(code, renamePattern);
+  for (std::size_t ring = 0; ring < rings.countRings(); ++ring) decide(ring, code, renamePattern);
+  write(out, code, pattern, renamePattern, definition);
+  finishCall();
+}
+
+void CodeAccumulator::Impl::beginCall(std::size_t numSymbols) {
   ++call;
-  callNames.clear();
-  callWritten.clear();
+  callRings.clear();
+  decisions.clear();
+  isKnown.assign(numSymbols, false);
 }
 
-/// What the call wrote is known to later calls only.
+/// What the call wrote and how it named it is known to later calls only.
 void CodeAccumulator::Impl::finishCall() {
-  for (Written& symbol : callWritten) {
-    if (findWritten(symbol.hash, symbol.identity, symbol.callRenames, symbol.renames) != nullptr) continue;
-    written.push_back(std::move(symbol));
-    writtenByHash.add(written.back().hash, written.size() - 1);
+  for (const Ring& ring : callRings) {
+    const auto begin = keyTexts.begin() + static_cast<std::ptrdiff_t>(ring.firstText);
+    key.assign(begin, begin + static_cast<std::ptrdiff_t>(ring.numTexts));
+    // Of rings that cannot be told apart the first one stays known.
+    if (findWritten(ring.hash) != nullptr) continue;
+    written.push_back(ring);
+    writtenByHash.add(ring.hash, written.size() - 1);
   }
-  for (Name* name : callNames) {
-    name->isRecorded = true;
-    name->recorded = name->inCall;
+  for (const Decision& decision : decisions) {
+    decision.own->isTaken = true;
+    decision.own->lastUsed = decision.used;
+    decision.used->isTaken = true;
+    if (decision.writesFunction) decision.used->isFunction = true;
   }
 }
 
-void CodeAccumulator::Impl::append(WString& out, const ShaderSymbolInstance& symbol,
-                                   const KeywordReplacePattern& pattern,
+/// Skips a ring that an earlier call wrote, or finds names for it. Hands back the rules that lead to the
+/// names used.
+void CodeAccumulator::Impl::decide(std::size_t ring, const CodeSnippetInstance& code,
                                    KeywordReplacePattern& renamePattern) {
-  if (!symbol.hasInstanceKey()) {
-    checkTextLength(out.size() + symbol.getText().length);
-    appendString(out, symbol.getText());
-    return;
-  }
-
-  identify(symbol, renamePattern);
-  if (const Written* same = findWritten(hash, symbol.getIdentity(), symbol.getRenames(), renamesInForce))
-    return reuseName(same->name, renamePattern);
-
-  // Remembered before a name is chosen: a new rule may move the texts that the renames in force view.
-  Written& record = rememberWritten(symbol);
-  record.name = chooseName(renamePattern);
-  replacer.clearReplacePattern();
-  replacer.addReplacePattern(pattern);
-  replacer.addReplacePattern(symbol.getKeywordReplacePattern());
-  replacer.addReplacePattern(renamePattern);
-  replacer.appendReplaced(out, symbol.getText());
-}
-
-/// Finds the renames that tell this use of a symbol from others: those of other names that occur in its text.
-void CodeAccumulator::Impl::identify(const ShaderSymbolInstance& symbol,
-                                     const KeywordReplacePattern& renamePattern) {
-  const ScopedText text = symbol.getText();
-  symbol.getName().toString(ownName);
-  hash = combineHash(combineHash(0, symbol.getIdentity()), symbol.getRenames());
-  renamesInForce.clear();
-  for (std::size_t i = 0; i < renamePattern.getKeywords().size(); ++i) {
-    const WString& keyword = renamePattern.getKeywords()[i];
-    const WString& replacement = renamePattern.getReplacements()[i];
-    if (keyword.empty() || keyword == ownName || text.find(keyword, 0) == kNotFound) continue;
-    renamesInForce.emplace_back(keyword, replacement);
-    hash = combineHash(combineHash(hash, keyword), replacement);
+  const std::size_t hash = makeKey(ring, code, renamePattern);
+  const Ring* same = findWritten(hash);
+  const std::size_t firstName = same != nullptr ? same->firstName : nameAnew(ring, hash);
+  for (std::size_t i = 0; i < rings.ring(ring).size(); ++i) {
+    const std::size_t number = rings.ring(ring)[i];
+    bool hasFunction = false;
+    for (const std::uint32_t symbol : rings.family(number).symbols) {
+      isKnown[symbol] = same != nullptr;
+      hasFunction = hasFunction || code.getSymbol(symbol).getType() == EShaderSymbolType::function;
+    }
+    Name* used = givenNames[firstName + i];
+    if (used == nullptr) continue;
+    decisions.push_back({&getName(rings.family(number).name), used, same == nullptr && hasFunction});
+    useName(number, *used, renamePattern);
   }
 }
 
-const CodeAccumulator::Impl::Written* CodeAccumulator::Impl::findWritten(std::size_t hashOfAll,
-                                                                         std::wstring_view identity,
-                                                                         std::wstring_view callRenames,
-                                                                         const Array<Texts>& renames) const {
-  // Different symbols of one hash are too rare to be met by a test.
-  const std::size_t known = writtenByHash.find(hashOfAll, [&](std::size_t i) {
-    const Written& symbol = written[i];
-    return symbol.identity == identity &&        // GCOVR_EXCL_BR_LINE
-           symbol.callRenames == callRenames &&  // GCOVR_EXCL_BR_LINE
-           symbol.renames == renames;            // GCOVR_EXCL_BR_LINE
+/// Puts together what tells the ring from others: its symbols, and the renames in force of other names that
+/// its texts hold.
+std::size_t CodeAccumulator::Impl::makeKey(std::size_t ring, const CodeSnippetInstance& code,
+                                           const KeywordReplacePattern& renamePattern) {
+  // No identity of a keyed symbol is null.
+  constexpr std::wstring_view kEndOfFamily;
+  key.clear();
+  for (const std::uint32_t family : rings.ring(ring)) {
+    for (const std::uint32_t number : rings.family(family).symbols) {
+      const ShaderSymbolInstance& symbol = code.getSymbol(number);
+      key.push_back(symbol.getIdentity());
+      key.push_back(symbol.getRenames());
+    }
+    key.push_back(kEndOfFamily);
+  }
+  rings.collectRules(ring, keyRules);
+  for (const std::uint32_t rule : keyRules) {
+    key.push_back(renamePattern.getKeywords()[rule]);
+    key.push_back(renamePattern.getReplacements()[rule]);
+  }
+  std::size_t hash = 0;
+  for (const std::wstring_view text : key) hash = combineHash(hash, text);
+  return hash;
+}
+
+/// The ring of that key which an earlier call wrote; null without one.
+const CodeAccumulator::Impl::Ring* CodeAccumulator::Impl::findWritten(std::size_t hash) const {
+  // Different rings of one hash are too rare to be met by a test.
+  const std::size_t known = writtenByHash.find(hash, [&](std::size_t i) {
+    return written[i].numTexts == key.size() &&  // GCOVR_EXCL_BR_LINE
+           std::equal(key.begin(), key.end(),    // GCOVR_EXCL_BR_LINE
+                      keyTexts.begin() + static_cast<std::ptrdiff_t>(written[i].firstText));
   });
   return known != kNotFound ? &written[known] : nullptr;
 }
+
+/// Gives every family of the ring its own name, or a new one when that is taken. Answers the first one's
+/// place.
+std::size_t CodeAccumulator::Impl::nameAnew(std::size_t ring, std::size_t hash) {
+  const std::size_t firstName = givenNames.size();
+  callRings.push_back({hash, keyTexts.size(), key.size(), firstName});
+  for (const std::wstring_view text : key) keyTexts.push_back(texts.add(text));
+  for (const std::uint32_t number : rings.ring(ring)) {
+    const std::wstring_view own = rings.family(number).name;
+    if (own.empty()) {
+      givenNames.push_back(nullptr);
+      continue;
+    }
+    Name* name = &getName(own);
+    if (isTaken(*name)) name = &generateName(own);
+    name->givenInCall = call;
+    givenNames.push_back(name);
+  }
+  return firstName;
+}
+
+/// Hands back the rule that leads from a family's own name to another one.
+void CodeAccumulator::Impl::useName(std::size_t family, Name& used, KeywordReplacePattern& renamePattern) {
+  const std::wstring_view own = rings.family(family).name;
+  if (own == used.text) return;
+  if (used.whole == nullptr) used.whole = &wholeNames.emplace_back(used.text);
+  const Array<std::uint32_t>& rules = rings.rulesOf(family);
+  const bool isThere = std::any_of(rules.begin(), rules.end(), [&](std::uint32_t rule) {
+    return renamePattern.getReplacements()[rule] == *used.whole;
+  });
+  if (isThere) return;
+  rings.addRule(family, renamePattern.getKeywords().size());
+  renamePattern.addReplacePattern(WString(own), *used.whole);
+}
+
+// Names.
 
 std::size_t CodeAccumulator::Impl::numberOfName(std::wstring_view text, std::size_t hashOfText) const {
   return namesByText.find(hashOfText, [&](std::size_t i) { return names[i].text == text; });
@@ -180,47 +253,68 @@ CodeAccumulator::Impl::Name& CodeAccumulator::Impl::getName(std::wstring_view te
   return name;
 }
 
-/// Whether this is the name's first use in the call.
-bool CodeAccumulator::Impl::useInCall(Name& name) {
-  if (name.call == call) return false;
-  name.call = call;
-  callNames.push_back(&name);
-  return true;
-}
-
-/// The symbol is not written again: this call refers to it under the name it was written under.
-void CodeAccumulator::Impl::reuseName(const WString* used, KeywordReplacePattern& renamePattern) {
-  Name& name = getName(ownName);
-  if (useInCall(name)) name.inCall = used;
-  if (used != nullptr && !holdsRule(renamePattern, ownName, *used))
-    renamePattern.addReplacePattern(ownName, *used);
-}
-
-const WString* CodeAccumulator::Impl::chooseName(KeywordReplacePattern& renamePattern) {
-  Name& name = getName(ownName);
-  if (useInCall(name)) {
-    name.inCall = name.isRecorded ? generateName() : nullptr;
-    if (name.inCall != nullptr) renamePattern.addReplacePattern(ownName, *name.inCall);
-  }
-  return name.inCall;
-}
-
 /// Numbers are appended to what was refused before: `foo3` is followed by `foo34`.
-const WString* CodeAccumulator::Impl::generateName() {
-  WString candidate = ownName;
+CodeAccumulator::Impl::Name& CodeAccumulator::Impl::generateName(std::wstring_view own) {
+  WString candidate(own);
   for (;;) {
     appendDecimal(candidate, static_cast<std::size_t>(++counter));
-    const Name* known = findName(candidate);
-    if (known == nullptr || !known->isRecorded) return &generatedNames.emplace_back(std::move(candidate));
+    Name& name = getName(candidate);
+    if (!isTaken(name)) return name;
   }
 }
 
-CodeAccumulator::Impl::Written& CodeAccumulator::Impl::rememberWritten(const ShaderSymbolInstance& symbol) {
-  Written& entry = callWritten.emplace_back(
-      Written{hash, texts.add(symbol.getIdentity()), texts.add(symbol.getRenames()), {}, nullptr});
-  for (const auto& [keyword, replacement] : renamesInForce)
-    entry.renames.emplace_back(texts.add(keyword), texts.add(replacement));
-  return entry;
+// Writing.
+
+void CodeAccumulator::Impl::write(WString& out, const CodeSnippetInstance& code,
+                                  const KeywordReplacePattern& pattern,
+                                  const KeywordReplacePattern& renamePattern, std::wstring_view definition) {
+  KeywordRules keywords;
+  keywords.add(pattern);
+  keywords.add(renamePattern);
+  const bool hasPositional =
+      !pattern.getPositionalReplacements().empty() || !renamePattern.getPositionalReplacements().empty();
+  for (std::size_t i = 0; i < code.getNumSymbols(); ++i) {
+    const ShaderSymbolInstance& symbol = code.getSymbol(i);
+    if (isKnown[i]) continue;
+    if (!symbol.hasInstanceKey()) {
+      checkTextLength(out.size() + symbol.getText().length);
+      appendString(out, symbol.getText());
+      continue;
+    }
+    knownCalls.clear();
+    if (!keywords.empty() && !definition.empty() && symbol.getType() == EShaderSymbolType::function &&
+        symbol.getName().view() == definition)
+      findKnownCalls(symbol);
+    const PositionalRules& own = symbol.getKeywordReplacePattern().getPositionalReplacements();
+    if (!hasPositional) {
+      appendReplaced(out, symbol.getText(), keywords, own, knownCalls);
+      continue;
+    }
+    // At one span the symbol's rule comes before that of `renamePattern`, and this one before that of
+    // `pattern`.
+    PositionalRules positional = renamePattern.getPositionalReplacements();
+    positional.insert(own.begin(), own.end());
+    positional.insert(pattern.getPositionalReplacements().begin(), pattern.getPositionalReplacements().end());
+    appendReplaced(out, symbol.getText(), keywords, positional, knownCalls);
+  }
+}
+
+/// The names of functions that earlier calls wrote, where a definition calls them behind its parameter list.
+void CodeAccumulator::Impl::findKnownCalls(const ShaderSymbolInstance& symbol) {
+  const ScopedText text = symbol.getText();
+  std::size_t pos = static_cast<std::size_t>(symbol.getName().text - text.text) + symbol.getName().length;
+  scan::getBracketBody(text, pos, L'(', L')');
+  for (;;) {
+    scan::skipNonKeywords(text, pos);
+    if (pos >= text.length) return;
+    const std::size_t start = pos;
+    const ScopedText word = scan::getKeyword(text, pos);
+    std::size_t behind = pos;
+    skipBlanksAndComments(text, behind);
+    if (behind >= text.length || text.text[behind] != L'(') continue;
+    const Name* name = findName(word.view());
+    if (name != nullptr && name->isFunction) knownCalls.add({start, word.length});
+  }
 }
 
 CodeAccumulator::CodeAccumulator() : impl_(std::make_unique<Impl>()) {}
@@ -228,15 +322,19 @@ CodeAccumulator::~CodeAccumulator() = default;
 
 void CodeAccumulator::append(WString& out, const CodeSnippetInstance& code,
                              const KeywordReplacePattern& pattern, KeywordReplacePattern& renamePattern) {
-  impl_->beginCall();
-  for (std::size_t i = 0; i < code.getNumSymbols(); ++i)
-    impl_->append(out, code.getSymbol(i), pattern, renamePattern);
-  impl_->finishCall();
+  impl_->append(out, code, pattern, renamePattern, {});
+}
+
+void CodeAccumulator::appendDefinition(WString& out, const CodeSnippetInstance& code,
+                                       const KeywordReplacePattern& pattern,
+                                       KeywordReplacePattern& renamePattern, const WString& function) {
+  impl_->append(out, code, pattern, renamePattern, function);
 }
 
 const WString& CodeAccumulator::getRename(const WString& name) const {
   const Impl::Name* known = impl_->findName(name);
-  return known != nullptr && known->recorded != nullptr ? *known->recorded : name;
+  const bool isRenamed = known != nullptr && known->lastUsed != nullptr && known->lastUsed != known;
+  return isRenamed ? *known->lastUsed->whole : name;
 }
 
 void CodeAccumulator::clear() { impl_ = std::make_unique<Impl>(); }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <ctime>
 #include <initializer_list>
 #include <memory>
 #include <type_traits>
@@ -78,8 +80,10 @@ TEST_F(CodeAccumulatorTest, WritesSymbolsOnceAndRawTextEveryTime) {
 }
 
 TEST_F(CodeAccumulatorTest, EqualSymbolsOfOneCallAreBothWritten) {
-  EXPECT_EQ(append(L"void F() {}\nvoid F() {}\n"), L"void F() {}\nvoid F() {}\n");
-  EXPECT_EQ(append(L"void F() {}\n"), L"");
+  const wchar_t* twice = L"void F() {}\nvoid F() {}\n";
+  EXPECT_EQ(append(twice), twice);
+  EXPECT_EQ(append(twice), L"");
+  EXPECT_EQ(append(L"void F() {}\n"), L"void F1() {}\n") << "one is not the same as two";
 }
 
 TEST_F(CodeAccumulatorTest, RenamesASymbolWhoseNameAnEarlierCallUsed) {
@@ -109,15 +113,26 @@ TEST_F(CodeAccumulatorTest, ARefusedNameIsKeptInFrontOfTheNextNumber) {
   EXPECT_EQ(append(L"uint foo12;\n"), L"uint foo124;\n");
 }
 
-TEST_F(CodeAccumulatorTest, GeneratedNamesAreNotRecorded) {
+TEST_F(CodeAccumulatorTest, GeneratedNamesAreTaken) {
   append(L"int foo;\n");
   EXPECT_EQ(append(L"uint foo;\n"), L"uint foo1;\n");
-  EXPECT_EQ(append(L"int foo1;\n"), L"int foo1;\n") << "written as it is, although the name is taken";
+  EXPECT_EQ(append(L"int foo1;\n"), L"int foo12;\n");
+  EXPECT_EQ(renames, (Rules{{L"foo1", L"foo12"}}));
+  EXPECT_EQ(accumulator_.getRename(L"foo1"), L"foo12");
+  EXPECT_EQ(append(L"int foo1;\n"), L"") << "known by its own text";
 }
 
-TEST_F(CodeAccumulatorTest, NamesOfTheCallInProgressAreNotRecordedYet) {
+TEST_F(CodeAccumulatorTest, AGeneratedNameIsTakenInTheCallThatGaveIt) {
   append(L"int foo;\n");
-  EXPECT_EQ(append(L"int foo1;\nuint foo;\n"), L"int foo1;\nuint foo1;\n");
+  // The text of foo1 holds foo, so foo is decided first.
+  EXPECT_EQ(append(L"int foo1;\nuint foo;\n"), L"int foo12;\nuint foo1;\n");
+  EXPECT_EQ(renames, (Rules{{L"foo", L"foo1"}, {L"foo1", L"foo12"}}));
+}
+
+TEST_F(CodeAccumulatorTest, AGeneratedNameMayMeetANameThatIsDecidedLater) {
+  append(L"int b;\n");
+  // Decided in order: b becomes b1, and a b1 that stands behind it finds the name taken.
+  EXPECT_EQ(append(L"uint b;\nstruct b1 { };"), L"uint b1;\nstruct b12 { };");
 }
 
 TEST_F(CodeAccumulatorTest, ARenameReplacesEveryOccurrence) {
@@ -128,10 +143,10 @@ TEST_F(CodeAccumulatorTest, ARenameReplacesEveryOccurrence) {
   EXPECT_EQ(accumulator_.getRename(L"oFF"), L"oFF") << "what a keyword did to a name is not recorded";
 }
 
-TEST_F(CodeAccumulatorTest, ASymbolInFrontOfARenameIsNotRewritten) {
+TEST_F(CodeAccumulatorTest, ASymbolInFrontOfARenameIsWrittenWithIt) {
   append(L"float H() { return 1; }\n");
   EXPECT_EQ(append(L"float G() { return H(); }\nfloat H() { return 2; }\n"),
-            L"float G() { return H(); }\nfloat H1() { return 2; }\n");
+            L"float G() { return H1(); }\nfloat H1() { return 2; }\n");
 }
 
 TEST_F(CodeAccumulatorTest, AddsItsRulesBehindThoseOfTheCaller) {
@@ -167,10 +182,19 @@ TEST_F(CodeAccumulatorTest, ATechniqueIsKnownByItsName) {
   EXPECT_EQ(append(L"technique T { }"), L"") << "the key is the name alone";
 }
 
-TEST_F(CodeAccumulatorTest, AUniformWithoutANameIsNeverRenamedIntoText) {
+TEST_F(CodeAccumulatorTest, AUniformWithoutANameIsGivenNone) {
   EXPECT_EQ(append(L"x;"), L"x;");
-  EXPECT_EQ(append(L"y;"), L"y;") << "an empty keyword replaces nothing";
-  EXPECT_EQ(renames, (Rules{{L"", L"1"}}));
+  EXPECT_EQ(append(L"y;"), L"y;");
+  EXPECT_EQ(append(L"x;"), L"") << "known by its key";
+  EXPECT_EQ(renames, Rules{});
+  EXPECT_EQ(append(L"x;", {}, {{L"x", L"z"}}), L"z;") << "not with another rename in force";
+}
+
+TEST_F(CodeAccumulatorTest, ASymbolWithoutANameIsDecidedBehindTheNamesItsTextHolds) {
+  append(L"int a;\n");
+  EXPECT_EQ(append(L"a;\nuint a;\n"), L"a1;\nuint a1;\n");
+  EXPECT_EQ(append(L"a;\nuint a;\n"), L"");
+  EXPECT_EQ(append(L"a;\n"), L"a;\n") << "another one: no rename is in force";
 }
 
 TEST_F(CodeAccumulatorTest, CodeWithoutARenameLeftStaysAsWritten) {
@@ -267,25 +291,180 @@ TEST_F(CodeAccumulatorTest, ARuleThatIsHeldAlreadyIsNotHandedBackAgain) {
   EXPECT_EQ(renames, (Rules{{L"F", L"other"}, {L"x", L"F1"}, {L"F", L"F1"}}));
 }
 
-TEST_F(CodeAccumulatorTest, ASkippedSymbolSetsTheNameOfLaterOverloads) {
-  append(L"int F(int a);\n");
-  append(L"uint F(int a);\n");  // f1
-  EXPECT_EQ(append(L"uint F(int a);\nuint F(uint a);\n"), L"uint F1(uint a);\n");
-  EXPECT_EQ(renames, (Rules{{L"F", L"F1"}}));
-  EXPECT_EQ(accumulator_.getRename(L"F"), L"F1");
+// Families: the symbols of one name are known together or written together.
+
+TEST_F(CodeAccumulatorTest, OverloadsAreWrittenTogetherWhenOneOfThemIsNew) {
+  append(L"float h(float2 a) { return 1; }\n");
+  EXPECT_EQ(append(L"float h(float a) { return 2; }\nfloat h(float2 a) { return 1; }\n"),
+            L"float h1(float a) { return 2; }\nfloat h1(float2 a) { return 1; }\n");
+  EXPECT_EQ(renames, (Rules{{L"h", L"h1"}}));
+  EXPECT_EQ(append(L"float h(float2 a) { return 1; }\n"), L"");
+  EXPECT_EQ(renames, Rules{});
+  EXPECT_EQ(append(L"float h(float a) { return 2; }\nfloat h(float2 a) { return 1; }\n"), L"");
+  EXPECT_EQ(renames, (Rules{{L"h", L"h1"}}));
+  EXPECT_EQ(append(L"float h(float2 a) { return 1; }\nfloat h(float a) { return 2; }\n"),
+            L"float h2(float2 a) { return 1; }\nfloat h2(float a) { return 2; }\n")
+      << "in another order they are another family";
 }
 
-TEST_F(CodeAccumulatorTest, ASkippedSymbolLeavesTheNameThatTheCallUsesAlready) {
-  append(L"int F(int a);\n");
-  append(L"uint F(int a);\n");  // f1
-  EXPECT_EQ(append(L"half F(int a);\nuint F(int a);\n"), L"half F2(int a);\n");
-  EXPECT_EQ(accumulator_.getRename(L"F"), L"F2");
-  EXPECT_EQ(renames, (Rules{{L"F", L"F2"}, {L"F", L"F1"}}));
+TEST_F(CodeAccumulatorTest, AnEqualPrototypeFollowsItsFunction) {
+  append(L"float h(float a);\nfloat h(float a) { return 1; }\n");
+  EXPECT_EQ(append(L"float h(float a);\nfloat h(float a) { return 2; }\n"),
+            L"float h1(float a);\nfloat h1(float a) { return 2; }\n");
 }
 
-TEST_F(CodeAccumulatorTest, AKnownSymbolIsKnownByAllItsInstancesInOneCall) {
-  append(L"int x;\n");
-  EXPECT_EQ(append(L"int x;\nint x;\n"), L"");
+TEST_F(CodeAccumulatorTest, ADeclarationFollowsItsStructure) {
+  append(L"struct S;\nstruct S { float a; };\n");
+  EXPECT_EQ(append(L"struct S;\nstruct S { float b; };\n"), L"struct S1;struct S1 { float b; };\n");
+}
+
+// Rings: families that hold one another's names are known together or written together.
+
+TEST_F(CodeAccumulatorTest, FamiliesThatCallEachOtherStandOrFallTogether) {
+  append(L"float R(float a);\nfloat R(float2 a) { return T(a.x); }\nfloat T(float a) { return R(a); }\n"
+         L"float R(float a) { return 1; }\n");
+  EXPECT_EQ(
+      append(L"float R(float a);\nfloat R(float2 a) { return T(a.x); }\nfloat T(float a) { return R(a); }\n"
+             L"float R(float a) { return 2; }\n"),
+      L"float R1(float a);\nfloat R1(float2 a) { return T2(a.x); }\nfloat T2(float a) { return R1(a); }\n"
+      L"float R1(float a) { return 2; }\n");
+  EXPECT_EQ(renames, (Rules{{L"R", L"R1"}, {L"T", L"T2"}}));
+}
+
+TEST_F(CodeAccumulatorTest, ARingIsKnownAsAWhole) {
+  const wchar_t* ring = L"int P() { return Q(); }\nint Q() { return P(); }\n";
+  append(ring);
+  EXPECT_EQ(append(ring), L"");
+  EXPECT_EQ(append(L"int P() { return Q(); }\n"), L"int P1() { return Q(); }\n")
+      << "alone it calls another one's Q";
+}
+
+TEST_F(CodeAccumulatorTest, RingsAreDecidedBehindThoseWhoseNamesTheyHold) {
+  append(L"int A() { return 0; }\nint B() { return 0; }\nint C() { return 0; }\n");
+  // A holds C, C holds B: B, C, A.
+  append(L"int A() { return C(); }\nint B() { return 1; }\nint C() { return B(); }\n");
+  EXPECT_EQ(renames, (Rules{{L"B", L"B1"}, {L"C", L"C2"}, {L"A", L"A3"}}));
+}
+
+TEST_F(CodeAccumulatorTest, HeldNamesAreFollowedInTheOrderOfFirstSymbols) {
+  append(L"int Z() { return 0; }\nint Y() { return 0; }\nint X() { return 0; }\n");
+  append(L"int Z() { return X() + Y(); }\nint Y() { return 1; }\nint X() { return 1; }\n");
+  EXPECT_EQ(renames, (Rules{{L"Y", L"Y1"}, {L"X", L"X2"}, {L"Z", L"Z3"}}));
+}
+
+TEST_F(CodeAccumulatorTest, FamiliesOfARingAreNamedInTheOrderOfFirstSymbols) {
+  append(L"int Q() { return 0; }\nint P() { return 0; }\n");
+  append(L"int Q() { return P(); }\nint P() { return Q(); }\n");
+  EXPECT_EQ(renames, (Rules{{L"Q", L"Q1"}, {L"P", L"P2"}}));
+}
+
+TEST_F(CodeAccumulatorTest, NamesAreHeldInsideOtherWordsToo) {
+  append(L"int h() { return 0; }\nint other() { return 0; }\n");
+  // `other` holds `h`, which finds its own rename in force there.
+  EXPECT_EQ(append(L"int h() { return 1; }\nint other() { return 0; }\n"),
+            L"int h1() { return 1; }\nint other2() { return 0; }\n");
+}
+
+TEST_F(CodeAccumulatorTest, ARuleOfTheRingItselfDoesNotTellItFromOthers) {
+  append(L"int P() { return Q(); }\nint Q() { return P(); }\n");
+  EXPECT_EQ(append(L"int P() { return Q(); }\nint Q() { return P(); }\n", {}, {{L"P", L"x"}, {L"Q", L"y"}}),
+            L"");
+}
+
+TEST_F(CodeAccumulatorTest, ARepeatedRuleCountsEachTime) {
+  append(L"int P() { return A; }\n", {}, {{L"A", L"x"}});
+  EXPECT_EQ(append(L"int P() { return A; }\n", {}, {{L"A", L"x"}, {L"A", L"x"}}),
+            L"int P1() { return x; }\n");
+}
+
+TEST_F(CodeAccumulatorTest, ManyRulesAndNamesAreDecidedAsFewAre) {
+  // More of both than are searched one by one.
+  WString first;
+  WString second;
+  WString expected;
+  Rules before;
+  Rules after;
+  for (int i = 10; i < 40; ++i) {
+    const WString name = L"F" + itos(i);
+    first += L"int " + name + L"() { return 0; }\n";
+    second += L"int " + name + L"() { return " + (i == 10 ? L"q" : L"F" + itos(i - 1)) + L"(); }\n";
+    expected += L"int " + name + itos(i - 9) + L"() { return " +
+                (i == 10 ? WString(L"k") : L"F" + itos(i - 1) + itos(i - 10)) + L"(); }\n";
+    before.emplace_back(WString(1, static_cast<wchar_t>(L'G' + i - 10)), L"unused");
+    after.emplace_back(name, name + itos(i - 9));
+  }
+  before[3] = {L"q", L"k"};
+  append(first.c_str());
+  EXPECT_EQ(append(second.c_str(), {}, before), expected);
+  after.insert(after.begin(), before.begin(), before.end());
+  EXPECT_EQ(renames, after);
+  EXPECT_EQ(append(second.c_str(), {}, before), L"");
+}
+
+// Definitions.
+
+/// The text of a definition behind earlier functions `blur1` and `h`, whose own name is `blur1` too.
+class DefinitionTest : public CodeAccumulatorTest {
+protected:
+  DefinitionTest() { append(L"void blur1() {}\nint h() {}\nstruct S { int a; };\n"); }
+
+  WString appendDefinition(const wchar_t* code) {
+    KeywordReplacePattern renamePattern;
+    out_.clear();
+    accumulator_.appendDefinition(out_, Contribution(code).instance, pattern_, renamePattern, L"blur1");
+    return out_;
+  }
+};
+
+TEST_F(DefinitionTest, KeepsTheNamesOfKnownFunctionsThatItCalls) {
+  EXPECT_EQ(appendDefinition(L"void blur1() { blur1(); }"), L"void blur11() { blur1(); }");
+  EXPECT_EQ(appendDefinition(L"void blur1() { blur11(); blur1(); }"),
+            L"void blur12() { blur11(); blur1(); }");
+}
+
+TEST_F(DefinitionTest, RenamesEverythingElse) {
+  EXPECT_EQ(appendDefinition(L"void blur1(int blur1) { // blur1()\n#define q blur1()\nint blur1x = blur1; }"),
+            L"void blur11(int blur11) { // blur11()\n#define q blur11()\nint blur11x = blur11; }");
+  EXPECT_EQ(appendDefinition(L"void blur1() { blur1x(); xblur1(); }"),
+            L"void blur12() { blur12x(); xblur12(); }")
+      << "no names of functions";
+}
+
+TEST_F(DefinitionTest, SkipsBlanksAndCommentsInFrontOfTheList) {
+  EXPECT_EQ(appendDefinition(L"void blur1() { blur1 /* a */ // b\n\t(); blur1/*c*//*d*/(); }"),
+            L"void blur11() { blur1 /* a */ // b\n\t(); blur1/*c*//*d*/(); }");
+  EXPECT_EQ(appendDefinition(L"void blur1() { blur1\n#if x\n(); }"), L"void blur12() { blur12\n#if x\n(); }");
+}
+
+TEST_F(DefinitionTest, LooksBehindTheParameterListOnly) {
+  EXPECT_EQ(appendDefinition(L"void blur1(int a[blur1(1)]) { h(); }"),
+            L"void blur11(int a[blur11(1)]) { h(); }");
+}
+
+TEST_F(DefinitionTest, KeepsNoNameThatIsNoFunction) {
+  pattern_.addReplacePattern(WString(L"S"), WString(L"T"));
+  pattern_.addReplacePattern(WString(L"g"), WString(L"k"));
+  EXPECT_EQ(appendDefinition(L"void blur1() { S(); g(); }"), L"void blur11() { T(); k(); }");
+}
+
+TEST_F(DefinitionTest, NoKeywordReachesIntoAKnownCall) {
+  pattern_.addReplacePattern(WString(L"lur"), WString(L"x"));
+  pattern_.addReplacePattern(WString(L"{ blur1"), WString(L"y"));
+  pattern_.addReplacePattern(WString(L"1("), WString(L"z"));
+  pattern_.addReplacePattern(WString(L"("), WString(L"["));
+  EXPECT_EQ(appendDefinition(L"void blur1() { blur1(lur1); }"), L"void blur11[) { blur1[x1); }");
+}
+
+TEST_F(DefinitionTest, ManyRulesKeepKnownCallsToo) {
+  for (wchar_t c = L'A'; c <= L'Z'; ++c) pattern_.addReplacePattern(WString(1, c), WString(L"unused"));
+  const WString calls(300, L';');
+  EXPECT_EQ(appendDefinition((L"void blur1() { blur1(); blur1; " + calls + L"}").c_str()),
+            L"void blur11() { blur1(); blur11; " + calls + L"}");
+}
+
+TEST_F(DefinitionTest, OtherSymbolsOfTheCodeAreNoDefinitions) {
+  EXPECT_EQ(appendDefinition(L"void other() { blur1(); }\nvoid blur1() { }\n"),
+            L"void other() { blur11(); }\nvoid blur11() { }\n");
 }
 
 TEST_F(CodeAccumulatorTest, OneRenamePatternMayServeManyCalls) {
@@ -312,6 +491,38 @@ TEST_F(CodeAccumulatorTest, RefusesTextPastTheSizeLimit) {
   }
   EXPECT_EQ(append(L"int y;\n"), L"int y;\n");
   EXPECT_EQ(append(L"int x;\n"), L"int x;\n") << "what was refused was not written";
+}
+
+/// Processor time that it takes to append two pieces of code with `count` functions each whose names clash.
+std::clock_t timeForClashes(int count) {
+  WString first;
+  WString second;
+  for (int i = 0; i < count; ++i) {
+    const WString name = L"helper" + itos(i) + L"_";
+    const WString called = L"helper" + itos(i / 2) + L"_";
+    first += L"float " + name + L"() { return 1; }\n";
+    second += L"float " + name + L"() { return " + called + L"(); }\n";
+  }
+  const Contribution one(first.c_str());
+  const Contribution two(second.c_str());
+  const std::clock_t start = std::clock();
+  CodeAccumulator accumulator;
+  KeywordReplacePattern renames;
+  WString out;
+  accumulator.append(out, one.instance, {}, renames);
+  accumulator.append(out, two.instance, {}, renames);
+  EXPECT_EQ(renames.getKeywords().size(), static_cast<std::size_t>(count));
+  return std::clock() - start;
+}
+
+TEST_F(CodeAccumulatorTest, ClashingFunctionsTakeTimeInProportionToTheirText) {
+  const auto best = [](int count) {
+    std::clock_t time = timeForClashes(count);
+    for (int i = 0; i < 4; ++i) time = std::min(time, timeForClashes(count));
+    return time;
+  };
+  // Sixteen times the functions: a square would be 256 times the time.
+  EXPECT_LT(best(16000), 48 * best(1000));
 }
 
 TEST_F(CodeAccumulatorTest, ManyFunctionsTakeTimeInProportionToTheirText) {

@@ -27,6 +27,8 @@ public:
     return kNotFound;
   }
 
+  bool empty() const noexcept { return used_ == 0; }
+
   /// Does not look whether the entry is there. Called behind the entry's own insertion, so that no number
   /// stays here when that throws. Numbers are below 2^32 - 1.
   void add(std::size_t hash, std::size_t number) {

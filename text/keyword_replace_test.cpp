@@ -30,7 +30,7 @@ KeywordReplacePattern pattern(Keywords keywords, Spans spans = {}) {
   return p;
 }
 
-/// The text with the patterns applied in order; also checks that both operations agree.
+/// The text with the patterns applied in order; also checks that the operations agree.
 std::wstring replaced(std::initializer_list<KeywordReplacePattern> patterns, const ScopedText& text) {
   KeywordReplacer replacer;
   for (const KeywordReplacePattern& p : patterns) replacer.addReplacePattern(p);
@@ -38,6 +38,10 @@ std::wstring replaced(std::initializer_list<KeywordReplacePattern> patterns, con
   replacer.appendAndReplace(out, text);
   WString behind = L"old";
   replacer.appendReplaced(behind, text);
+  EXPECT_EQ(behind, L"old" + out);
+  behind = L"old";
+  for (const PlacedReplacement& placed : replacer.appendAndLocate(behind, text))
+    EXPECT_EQ(behind.compare(placed.position, placed.replacement->size(), *placed.replacement), 0);
   EXPECT_EQ(behind, L"old" + out);
   return std::wstring(out);
 }
@@ -269,6 +273,40 @@ TEST(AppendAndReplace, RefusesTextPastTheSizeLimit) {
     EXPECT_EQ(e.getMessage(), L"sfgError : the generated code is too large!");
   }
   EXPECT_EQ(out, L"") << "unchanged";
+}
+
+TEST(AppendAndLocate, AnswersWhereReplacementsOfKeywordRulesStand) {
+  const KeywordReplacePattern first =
+      pattern({{L"ab", L"12345"}, {L"x", L""}}, {{3, 1, L"pos"}, {6, 1, L"!"}});
+  const KeywordReplacePattern second = pattern({{L"c", L"12345"}});
+  KeywordReplacer replacer;
+  replacer.addReplacePattern(first);
+  replacer.addReplacePattern(second);
+  WString out = L"old";
+  // A keyword takes the place of the second span.
+  const Array<PlacedReplacement> placed = replacer.appendAndLocate(out, WString(L"ab.,xab.c.ab"));
+  EXPECT_EQ(out, L"old12345.pos12345.12345.12345");
+  const std::pair<std::size_t, const WString*> expected[] = {{3, &first.getReplacements()[0]},
+                                                             {12, &first.getReplacements()[1]},
+                                                             {12, &first.getReplacements()[0]},
+                                                             {18, &second.getReplacements()[0]},
+                                                             {24, &first.getReplacements()[0]}};
+  ASSERT_EQ(placed.size(), std::size(expected));
+  for (std::size_t i = 0; i < placed.size(); ++i) {
+    EXPECT_EQ(placed[i].position, expected[i].first) << i;
+    EXPECT_EQ(placed[i].replacement, expected[i].second) << i;
+  }
+}
+
+TEST(AppendAndLocate, AnswersNothingWithoutKeywords) {
+  KeywordReplacer replacer;
+  WString out = L"old";
+  EXPECT_TRUE(replacer.appendAndLocate(out, WString(L"abc")).empty());
+  EXPECT_EQ(out, L"oldabc");
+  const KeywordReplacePattern spans = pattern({}, {{1, 1, L"!"}});
+  replacer.addReplacePattern(spans);
+  EXPECT_TRUE(replacer.appendAndLocate(out, WString(L"abc")).empty());
+  EXPECT_EQ(out, L"oldabca!c");
 }
 
 // A search of the whole text for each rule and match would take 50 * 20,000 * 1,000,000 steps.

@@ -1,5 +1,6 @@
 #include "tools/collapse_options.h"
 
+#include "host/called_expressions.h"
 #include "host/depfile.h"
 #include "host/input_error.h"
 #include "host/output_file.h"
@@ -109,6 +110,9 @@ void writeDepfile(const DepfileOptions& options, const std::string& output, cons
 Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics& diagnostics) {
   try {
     job.run();
+  } catch (const host::CalledExpressionError& refusal) {
+    for (const host::CalledExpression& wire : refusal.wires()) diagnostics.error(wire.place, wire.text);
+    return Outcome::thrown;
   } catch (const Exception& refusal) {
     diagnostics.plain(toUtf8(refusal.getMessage()));
     reportRefusal(job, refusal.getMessage(), diagnostics);

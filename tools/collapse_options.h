@@ -61,11 +61,12 @@ void checkDepfile(const DepfileOptions& options, const std::string& output);
 /// Writes the dependency file, if one is wanted.
 void writeDepfile(const DepfileOptions& options, const std::string& output, const host::CollapseJob& job);
 
-/// How a collapse ended: with a result, with the answer null, or with an exception of the generator.
+/// How a collapse ended: with a result, with the answer null, or with an exception of the generator or about
+/// the graph's wires.
 enum class Outcome { done, null, thrown };
 
 /// Collapses. A refusal is written: the generator's message as it stands, and the place in the documents in a
-/// line of its own.
+/// line of its own; or one line for each wire that cannot be followed.
 Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics& diagnostics);
 
 /// The complete shader of a job that is done; nothing when it cannot be one, which is then written.

@@ -18,6 +18,30 @@ struct Refusal {
 
 std::ostream& operator<<(std::ostream& out, const Refusal& refusal) { return out << refusal.name; }
 
+// "shade" fragments call their input `a` as a function; "lerp3" is an expression, "blend3" a function.
+constexpr const char* kCallers = R"json({
+  "lerp3": { "mode": "inline", "language": ["dx11"], "implementation": ["lerp({{x}}, {{y}}, 0.5)"] },
+  "blend3": { "language": ["dx11"], "implementation": [
+    "void blend3(float3 x, float3 y, out float3 result)", "{", "result = x + y;", "}" ] },
+  "coarse3": { "profiles": [
+    { "language": ["dx11"], "lod": 100, "implementation": [
+      "void coarse3(float3 x, float3 y, out float3 result)", "{", "result = x + y;", "}" ] },
+    { "language": ["dx11"], "lod": 10, "mode": "inline", "implementation": ["lerp({{x}}, {{y}}, 0.5)"] } ] },
+  "shade": { "language": ["dx11"], "implementation": [
+    "void shade(float3 a, out float3 result)", "{", "float3 called;", "sfg_shader(a, result, called);",
+    "result = called;", "}" ] },
+  "shadeEarly": { "language": ["dx11"],
+    "predefine": ["float3 early() { float3 called; sfg_shader(a, result, called); return called; }"],
+    "implementation": ["void shadeEarly(float3 a, out float3 result)", "{", "result = early();", "}"] },
+  "shadeInComment": { "language": ["dx11"], "implementation": [
+    "void shadeInComment(float3 a, out float3 result)", "{", "// sfg_shader(a, result, result);", "result = a;", "}" ] },
+  "shadeLit": { "profiles": [
+    { "language": ["dx11"], "implementation": ["void shadeLit(float3 a, out float3 result)", "{", "result = a;", "}"] },
+    { "name": "Lamp", "language": ["dx11"], "implementation": [
+      "void shadeLit(float3 a, out float3 result)", "{", "float3 called;", "sfg_shader(a, result, called);",
+      "result = called * sfg_currentLight.color;", "}" ] } ] }
+})json";
+
 /// In place of DOUBLING: forty nodes, each an expression of twice the length of the one before.
 std::string withDoublings(std::string graph) {
   const std::size_t place = graph.find("DOUBLING");
@@ -39,6 +63,7 @@ class RefusalTest : public CommandTest, public testing::WithParamInterface<Refus
 TEST_P(RefusalTest, TellsPlaceAndReason) {
   const Refusal& refusal = GetParam();
   writeLibrary();
+  write("lib/callers.fraglib", kCallers);
   write("graph.json", withDoublings(refusal.graph));
   if (refusal.environment != nullptr) write("scene.json", refusal.environment);
   const std::string scene = refusal.environment != nullptr ? " --environment scene.json " : " ";
@@ -328,12 +353,121 @@ const Refusal kCollapses[] = {
      R"({ "lights": [ { "name": "key", "fragment": "lamp", "profile": "Neon" } ] })", "--tool lightloop"},
 };
 
+constexpr const char* kLamp = R"({ "lights": [ { "name": "key", "fragment": "lamp", "profile": "Lamp" } ] })";
+constexpr const char* kCalledExpression =
+    R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
+  "nodes": [ { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
+  { "name": "mix", "fragment": "lerp3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
+constexpr const char* kCalledFunction =
+    R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
+  "nodes": [ { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
+  { "name": "mix", "fragment": "blend3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
+constexpr const char* kCalledCoarse =
+    R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
+  "nodes": [ { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
+  { "name": "mix", "fragment": "coarse3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
+constexpr const char* kCalledEarly =
+    R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
+  "nodes": [ { "name": "shade", "fragment": "shadeEarly", "inputs": { "a": { "node": "mix" } } },
+  { "name": "mix", "fragment": "lerp3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
+constexpr const char* kCalledInComment =
+    R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
+  "nodes": [ { "name": "shade", "fragment": "shadeInComment", "inputs": { "a": { "node": "mix" } } },
+  { "name": "mix", "fragment": "lerp3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
+constexpr const char* kCalledLit = R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
+  "nodes": [ { "name": "shade", "fragment": "shadeLit", "inputs": { "a": { "node": "mix" } } },
+  { "name": "mix", "fragment": "lerp3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
+constexpr const char* kCalledUnreachable =
+    R"({ "outputs": [ { "name": "color", "type": "float3", "node": "red" } ],
+  "nodes": [ { "name": "red", "fragment": "tint" },
+  { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
+  { "name": "mix", "fragment": "lerp3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
+
+const Refusal kCalls[] = {
+    {"Expression", kCalledExpression, 1,
+     "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"},
+    {"ExpressionUnderLightLoop", kCalledExpression, 1,
+     "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n",
+     nullptr, "--tool lightloop"},
+    {"Function", kCalledFunction, 0, ""},
+    {"FunctionUnderLightLoop", kCalledFunction, 0, "", nullptr, "--tool lightloop"},
+    {"ExpressionAtALowerLevel", kCalledCoarse, 1,
+     "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
+     "`mix` (fragment `coarse3`) is an inline expression, which cannot be called; wire a function fragment\n",
+     nullptr, "--surface-lod 20"},
+    {"ExpressionAtALowerLevelUnderLightLoop", kCalledCoarse, 1,
+     "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
+     "`mix` (fragment `coarse3`) is an inline expression, which cannot be called; wire a function fragment\n",
+     kLamp, "--surface-lod 20 --tool lightloop"},
+    {"FunctionAtAHigherLevel", kCalledCoarse, 0, "", nullptr, "--surface-lod 90"},
+    {"ExpressionCalledInPredefinesOnly", kCalledEarly, 1,
+     "graph.json:2:76: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"},
+    {"ExpressionCalledInCommentOnly", kCalledInComment, 0, ""},
+    {"ExpressionCalledForALight", kCalledLit, 1,
+     "graph.json:2:74: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n",
+     kLamp, "--tool lightloop"},
+    {"ExpressionNotCalledWithoutTheLight", kCalledLit, 0, "", nullptr, "--tool lightloop"},
+    {"ExpressionNotCalledByTheDefaultTool", kCalledLit, 0, "", kLamp},
+    {"EachExpression", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
+  "nodes": [ { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
+  { "name": "mix", "fragment": "lerp3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] }, "inputs": { "x": { "node": "early" } } },
+  { "name": "early", "fragment": "shadeEarly", "inputs": { "a": { "node": "late" } } },
+  { "name": "late", "fragment": "lerp3", "interface": {
+    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "outputs": [ { "name": "r", "type": "float3" } ] } } ] })",
+     1,
+     "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"
+     "graph.json:6:65: error: input `a` of node `early` calls its source through `sfg_shader`, but node "
+     "`late` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"},
+    {"ExpressionThatNoOutputReaches", kCalledUnreachable, 0, ""},
+    {"ExpressionThatNoOutputReachesUnderLightLoop", kCalledUnreachable, 0, "", nullptr, "--tool lightloop"},
+};
+
 std::string nameOf(const testing::TestParamInfo<Refusal>& info) { return info.param.name; }
 
 INSTANTIATE_TEST_SUITE_P(Documents, RefusalTest, testing::ValuesIn(kDocuments), nameOf);
 INSTANTIATE_TEST_SUITE_P(Environments, RefusalTest, testing::ValuesIn(kEnvironments), nameOf);
 INSTANTIATE_TEST_SUITE_P(Arguments, RefusalTest, testing::ValuesIn(kArguments), nameOf);
+INSTANTIATE_TEST_SUITE_P(Calls, RefusalTest, testing::ValuesIn(kCalls), nameOf);
 INSTANTIATE_TEST_SUITE_P(Collapses, RefusalTest, testing::ValuesIn(kCollapses), nameOf);
+
+class CalledExpressionTest : public CommandTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(CalledExpressionTest, WritesNothingButTheRefusal) {
+  writeLibrary();
+  write("lib/callers.fraglib", kCallers);
+  write("graph.json", kCalledExpression);
+  const CommandRun result = run(std::string(GetParam()) + " graph.json -L lib");
+  EXPECT_EQ(result.err, kCalls[0].message);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.status, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, CalledExpressionTest,
+                         testing::Values("collapse --format shader", "collapse --format json",
+                                         "collapse --format json --tool lightloop", "compile",
+                                         "compile --target glsl --tool lightloop"));
 
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -20,14 +20,25 @@ public:
   CodeAccumulator(const CodeAccumulator&) = delete;
   CodeAccumulator& operator=(const CodeAccumulator&) = delete;
 
-  /// Appends to `out` the symbols of `code` that were not written before, with `pattern`, the symbols' own
-  /// positional rules and `renamePattern` applied in that order; raw text is appended as it is, every time. A
-  /// symbol whose name an earlier call used gets a new one, and the rule is added to `renamePattern`. A
-  /// symbol is known when its instance key and the renames in force that occur in its text are those of one
-  /// written before: it is skipped, and referred to under the name that one has. Throws when the text would
-  /// pass the size limit of generated code.
+  /// Appends to `out` the symbols of `code` that no earlier call wrote, with `pattern`, the symbols' own
+  /// positional rules and `renamePattern` applied in that order; raw text is appended as it is, every time.
+  ///
+  /// The symbols of one name (overloads, a prototype and its function) are a *family*, families whose texts
+  /// hold one another's names a *ring*: they are known together or written together. A ring is known when an
+  /// earlier call wrote one with the same instance keys and the same renames in force of other names that its
+  /// texts hold: it is skipped, and referred to under the names that one has. Otherwise each family is
+  /// written under its own name or, when an earlier call met or gave that, under a new one. Names that differ
+  /// from a family's own are handed back as rules of `renamePattern`; what is written is written with all of
+  /// them. Takes time in proportion to the texts, the rules and the matches. Throws when the text would pass
+  /// the size limit of generated code.
   void append(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
               KeywordReplacePattern& renamePattern);
+
+  /// The same for the definition of `function`: where its code behind the parameter list calls a function
+  /// under a name that an earlier call wrote one under, that name is copied as it stands, whatever the
+  /// keyword rules.
+  void appendDefinition(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
+                        KeywordReplacePattern& renamePattern, const WString& function);
 
   /// The name last used for `name`; `name` itself when it was never written.
   const WString& getRename(const WString& name) const;

@@ -24,7 +24,7 @@ class VisitedFragments;
 /// evaluates it: first the fragments that feed it, then its requirements, definition and call. Evaluation
 /// takes time in proportion to fragments plus connections plus text written and no stack in proportion to
 /// depth; it answers false when it cannot be done (a cycle, a port that does not fit), which the caller
-/// reports. Belongs to its context.
+/// reports. Belongs to its context; the one that evaluates it first is the only one that may.
 class SFG_API FragmentInstance {
 public:
   FragmentInstance();
@@ -57,14 +57,15 @@ public:
   /// Evaluates into the given output values; an empty one gets a declared variable.
   bool evaluate(AShaderCollapseContext& context, Array<WString>& outputValues);
   /// Evaluates this fragment as the function that `uses` call; sets the replacement of each use in the
-  /// caller's pattern.
+  /// caller's pattern. Two of them declare the same variables: only a caller whose inputs the collapse
+  /// evaluates (buildUserInputValues() and what evaluates it) has them numbered.
   bool evaluateShader(AShaderCollapseContext& context, const Array<BuiltinFunction>& uses,
                       KeywordReplacePattern& callerShaderPattern);
   /// Declares one accumulator per output.
   bool declareAccumulateOutputs(AShaderCollapseContext& context);
 
   /// Appends one value per input, evaluating the fragments that feed them.
-  bool buildUserInputValues(AShaderCollapseContext& context, Array<WString>& inputValues);
+  bool buildUserInputValues(AShaderCollapseContext& context, Array<WString>& inputValues) const;
   bool writeRequirements(AShaderCollapseContext& context);
   bool writeDefinition(AShaderCollapseContext& context);
   bool writeFunctionCall(WString& out, AShaderCollapseContext& context, const Array<WString>& inputValues,
@@ -72,6 +73,7 @@ public:
 
 private:
   friend class AShaderCollapseContext;
+  friend class AShaderCollapseToolDefault;
   friend class AShaderCollapseToolLightLoop;
   friend class FragmentEvaluator;
 
@@ -102,8 +104,13 @@ private:
   FragmentProfileInstance* findProfileInstance(const AShaderFragmentProfile* profile);
   FragmentProfileInstance& makeProfileInstance();
   void makeUniformsUnique();
-  void createInputUniform(const AShaderCollapseContext& context, std::size_t input);
+  void createInputUniform(const AShaderCollapseContext& context, std::size_t input) const;
+  /// Makes what stands for a connected input that only the active profile uses as a shader function.
+  void createLateInputUniform(AShaderCollapseContext& context, std::size_t input) const;
   bool hasActiveProfileOutput(std::size_t index) const;
+  bool hasInlineProfile() const {
+    return activeProfileInstance_ != nullptr && activeProfileInstance_->isInlineProfile();
+  }
   /// Appends what getActiveProfileOutput() answers.
   void appendActiveProfileOutput(WString& out, std::size_t index) const;
   const WString& inputValue(std::size_t input) const;
@@ -114,26 +121,19 @@ private:
 
   bool initialized_ = false;
   bool uniformsWritten_ = false;
-  bool usesSamplers_ = false;
+  mutable bool usesSamplers_ = false;
   RefPtr<ILanguageTraits const> language_;
   FragmentProfileInstance* activeProfileInstance_ = nullptr;
   RefPtr<AShaderFragment const> fragment_;
   std::optional<FragmentProfileInstance> firstProfileInstance_;
   std::unique_ptr<Extras> extras_;
-  Array<Input> inputs_;
+  mutable Array<Input> inputs_;  // one may be made while its value is asked for
 
-  // Kept by the context: the order in which instances were made, and the profile request that was answered
-  // last.
-  std::uint32_t creationNumber_ = 0;
+  // Kept by the context that made the instance or was the first to evaluate it: itself, the instance's number
+  // (those that it made count up), and the profile request that was answered last.
+  mutable const AShaderCollapseContext* context_ = nullptr;
+  mutable std::uint32_t number_ = 0;
   std::uint32_t profileRequest_ = 0;
-
-  // Kept by the evaluator.
-  std::uint32_t repeatList_ = 0;
-  bool isUnderWay_ = false;
-  bool wasShaderFunction_ = false;
-  bool readsLight_ = false;  // itself or something that feeds it
-  std::uint64_t evaluatedEpoch_ = 0;
-  std::uint64_t evaluatedLight_ = 0;
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -16,6 +16,8 @@
 namespace TolmSDK::Graphics::sfg {
 
 class AShaderCollapseContext;
+class ShaderTemporaries;
+struct ShaderCallText;
 
 /// Names, replacements and built-in values that differ between two uses of a profile, and the flags that make
 /// every writer write only as often as it must: writers answer true without writing again. Belongs to its
@@ -72,6 +74,11 @@ public:
   KeywordReplacePattern& getUniformReplacePattern();
   /// From sfg_shader calls to what replaces them; at first the profile's default, which removes them.
   KeywordReplacePattern& getShaderReplacePattern();
+  /// Puts a call in place of an sfg_shader use: sets the rule of the use's text in that pattern, and keeps
+  /// which variables the call declares. For the collapse, as its type is.
+  void replaceShaderUse(const WString& use, ShaderCallText call);
+  /// What replaceShaderUse() keeps; null when no call declares a variable.
+  const ShaderTemporaries* findShaderTemporaries() const;
   Array<WString>& getUniformOriginal() { return extras().uniformOriginal; }
   Array<WString>& getUniformNew() { return extras().uniformNew; }
 
@@ -108,9 +115,13 @@ private:
 
   /// Needed until requirements and definition are written.
   struct Patterns {
+    Patterns();
+    ~Patterns();
+
     KeywordReplacePattern keyword;
     KeywordReplacePattern shader;
     KeywordReplacePattern uniform;
+    std::unique_ptr<ShaderTemporaries> temporaries;
   };
 
   /// What many instances do without.

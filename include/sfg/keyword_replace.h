@@ -4,12 +4,15 @@
 // by position (an exact span).
 
 #include <cstddef>
+#include <memory>
 
 #include "sfg/export.h"
 #include "sfg/scoped_text.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg {
+
+class KeywordRules;
 
 /// A span of the text being copied. Ordered by position; at one position the longer span comes first.
 struct KeywordPosKey {
@@ -50,10 +53,21 @@ private:
   PositionalReplacements positionalReplacements_;
 };
 
+/// Where the replacement of a keyword rule stands in a copy, and the pattern's own text of it.
+struct PlacedReplacement {
+  std::size_t position = 0;
+  const WString* replacement = nullptr;
+};
+
 /// Applies the rules of any number of patterns. Holds pointers into the patterns added: each stays alive and
-/// keeps its rules as they are until the replacer is cleared or destroyed.
+/// keeps its rules as they are until the replacer is cleared or destroyed. Not copied; for one thread.
 class SFG_API KeywordReplacer {
 public:
+  KeywordReplacer();
+  ~KeywordReplacer();
+  KeywordReplacer(const KeywordReplacer&) = delete;
+  KeywordReplacer& operator=(const KeywordReplacer&) = delete;
+
   /// Adds the pattern's rules behind those added before; an equal span is overwritten.
   void addReplacePattern(const KeywordReplacePattern& pattern);
   /// Forgets all rules; the patterns are not touched.
@@ -70,12 +84,13 @@ public:
   /// The same, but appends in any case: `out` keeps what it holds. `text` does not view `out`, which holds a
   /// part of the copy when this throws.
   void appendReplaced(WString& out, const ScopedText& text) const;
+  /// appendReplaced, answering the replacements of keyword rules in the order in which they stand in `out`.
+  Array<PlacedReplacement> appendAndLocate(WString& out, const ScopedText& text) const;
 
-  bool empty() const noexcept { return keywords_.empty() && positionalReplacements_.empty(); }
+  bool empty() const noexcept { return !rules_ && positionalReplacements_.empty(); }
 
 private:
-  Array<const WString*> keywords_;
-  Array<const WString*> replacements_;
+  std::unique_ptr<KeywordRules> rules_;  // null without any keyword
   Map<KeywordPosKey, const WString*, std::less<KeywordPosKey>> positionalReplacements_;
 };
 

@@ -108,6 +108,8 @@ private:
   bool setActiveSurfaceProfile(const WString& profileName, const Array<float>& lods);
   std::size_t countSurfaceInstances() const noexcept;
   FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
+  /// False for an instance of another context. One that none has made or evaluated becomes this one's.
+  bool admit(const FragmentInstance& instance);
   bool takeWrittenDefinition(FragmentProfileInstance& instance);
   void rememberWrittenDefinition(const FragmentProfileInstance& instance, const WString& key);
   std::uint32_t profileRequest(const WString& profileName, float lod);

@@ -24,6 +24,7 @@ private:
   bool addParameters();
   const IShaderFragment* findOutputFragment() const;
   Array<WString> graphOutputNames(const IShaderFragment& fragment) const;
+  bool assignOutputs(const FragmentInstance& instance, const Array<WString>& names);
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -149,6 +149,10 @@ public:
     return symbol_ == nullptr ? std::wstring_view() : symbol_->getIdentity();
   }
   const WString& getRenames() const noexcept { return renames_; }
+  /// Unknown without a symbol.
+  EShaderSymbolType getType() const noexcept {
+    return symbol_ == nullptr ? EShaderSymbolType::unknown : symbol_->getType();
+  }
   /// The symbol's key, name and text; empty without a symbol.
   const WString& getKey() const;
   ScopedText getName() const;

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/called_expressions.h"
 #include "host/collapse_job.h"
 #include "host/input_error.h"
 #include "host/refusal_place.h"
@@ -73,6 +74,9 @@ void collapse(const host::CollapseSettings& settings) try {
   host::CollapseJob job(settings);
   try {
     job.run();
+  } catch (const host::CalledExpressionError& refusal) {
+    require(!refusal.wires().empty());
+    return;
   } catch (const Exception& refusal) {
     require(!host::findRefusalPlace(job, refusal.getMessage()).text.empty());
     return;

@@ -60,6 +60,11 @@ CollapseSettings ShaderFixture::settings(const Json& graph) const {
   return settings;
 }
 
+void ShaderFixture::define(CollapseSettings& settings, const Json& fragments) const {
+  std::ofstream(folder_ / "test.fraglib") << fragments;
+  settings.libraryFolders.push_back(folder_.string());
+}
+
 void ShaderFixture::light(CollapseSettings& settings, const Json& environment) const {
   std::ofstream(folder_ / "environment.json") << environment;
   settings.environmentFile = (folder_ / "environment.json").string();

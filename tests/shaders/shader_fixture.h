@@ -33,6 +33,8 @@ protected:
 
   /// Settings over the standard library for a document of the test.
   sfg::host::CollapseSettings settings(const Json& graph) const;
+  /// Adds fragments of the test, as a fragment library file holds them, to those of the standard library.
+  void define(sfg::host::CollapseSettings& settings, const Json& fragments) const;
   /// Makes it a light loop over an environment document.
   void light(sfg::host::CollapseSettings& settings, const Json& environment) const;
 

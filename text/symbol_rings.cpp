@@ -1,0 +1,175 @@
+#include "text/symbol_rings.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+
+#include "text/scan.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+void SymbolRings::find(const CodeSnippetInstance& code, const KeywordReplacePattern& rules) {
+  clear();
+  groupSymbols(code);
+  numberRules(rules);
+  findHeld(code);
+  findRings();
+}
+
+void SymbolRings::clear() {
+  numFamilies_ = 0;
+  keywords_.clear();
+  if (!keywordsByText_.empty()) keywordsByText_ = {};
+  rulesOf_.clear();
+  rings_.clear();
+}
+
+std::size_t SymbolRings::numberOfKeyword(std::wstring_view keyword) const {
+  return keywordsByText_.find(std::hash<std::wstring_view>()(keyword),
+                              [&](std::size_t i) { return keywords_[i] == keyword; });
+}
+
+void SymbolRings::groupSymbols(const CodeSnippetInstance& code) {
+  for (std::size_t i = 0; i < code.getNumSymbols(); ++i) {
+    if (!code.getSymbol(i).hasInstanceKey()) continue;
+    const std::wstring_view name = code.getSymbol(i).getName().view();
+    std::size_t number = name.empty() ? kNotFound : numberOfKeyword(name);
+    if (number == kNotFound) {
+      number = numFamilies_++;
+      if (families_.size() < numFamilies_) families_.emplace_back();
+      families_[number].name = name;
+      families_[number].symbols.clear();
+      families_[number].held.clear();
+      keywords_.push_back(name);
+      if (!name.empty()) keywordsByText_.add(std::hash<std::wstring_view>()(name), number);
+    }
+    families_[number].symbols.push_back(static_cast<std::uint32_t>(i));
+  }
+}
+
+void SymbolRings::numberRules(const KeywordReplacePattern& rules) {
+  rulesOf_.resize(numFamilies_);
+  for (std::size_t rule = 0; rule < rules.getKeywords().size(); ++rule) {
+    const WString& keyword = rules.getKeywords()[rule];
+    if (keyword.empty()) continue;
+    std::size_t number = numberOfKeyword(keyword);
+    if (number == kNotFound) {
+      number = keywords_.size();
+      keywords_.push_back(keyword);
+      keywordsByText_.add(std::hash<std::wstring_view>()(keyword), number);
+      rulesOf_.emplace_back();
+    }
+    rulesOf_[number].push_back(static_cast<std::uint32_t>(rule));
+  }
+}
+
+void SymbolRings::findHeld(const CodeSnippetInstance& code) {
+  // A family alone is not asked for its own name.
+  if (keywords_.size() < 2) return;
+  lastHolder_.assign(keywords_.size(), 0);
+  constexpr std::size_t kFew = 8;
+  constexpr std::size_t kLong = 128;
+  const bool areFew = keywords_.size() <= kFew &&
+                      std::all_of(keywords_.begin(), keywords_.end(),
+                                  [](std::wstring_view keyword) { return keyword.size() <= kLong; });
+  std::optional<KeywordAutomaton> automaton;
+  if (!areFew) automaton.emplace(keywords_);
+  for (std::size_t i = 0; i < numFamilies_; ++i) {
+    for (const std::uint32_t symbol : families_[i].symbols)
+      findHeld(families_[i], code.getSymbol(symbol).getText(), automaton ? &*automaton : nullptr);
+    std::sort(families_[i].held.begin(), families_[i].held.end());
+  }
+}
+
+void SymbolRings::findHeld(SymbolFamily& family, const ScopedText& text, const KeywordAutomaton* automaton) {
+  if (automaton == nullptr) {
+    const std::size_t limit = scan::lengthBeforeNul(text);
+    for (std::size_t i = 0; i < keywords_.size(); ++i) {
+      if (scan::isSearchable(keywords_[i]) &&
+          scan::findOccurrence(text.text, limit, keywords_[i], 0) != kNotFound)
+        hold(family, i);
+    }
+    return;
+  }
+  const auto holder = static_cast<std::uint32_t>(&family - families_.data() + 1);
+  automaton->scan(text, [&](std::size_t, KeywordAutomaton::State state) {
+    // Behind a keyword that is known to be held the shorter ones are known too.
+    for (; state != KeywordAutomaton::kStart && lastHolder_[automaton->keyword(state)] != holder;
+         state = automaton->shorter(state))
+      hold(family, automaton->keyword(state));
+  });
+}
+
+void SymbolRings::hold(SymbolFamily& family, std::size_t keyword) {
+  const auto holder = static_cast<std::uint32_t>(&family - families_.data() + 1);
+  if (lastHolder_[keyword] == holder) return;
+  lastHolder_[keyword] = holder;
+  family.held.push_back(static_cast<std::uint32_t>(keyword));
+}
+
+/// Tarjan's walk, with a path of its own in place of recursion.
+void SymbolRings::findRings() {
+  struct Visit {
+    std::uint32_t family;
+    std::size_t nextHeld = 0;
+  };
+  Array<std::uint32_t> order(numFamilies_, 0);   // in which families were met, from 1
+  Array<std::uint32_t> lowest(numFamilies_, 0);  // the first family on the path that can be reached from one
+  Array<std::uint32_t> open;                     // families that no ring has taken yet
+  Array<Visit> path;
+  std::uint32_t met = 0;
+  const auto enter = [&](std::uint32_t family) {
+    order[family] = lowest[family] = ++met;
+    families_[family].ring = kNoRing;
+    open.push_back(family);
+    path.push_back({family});
+  };
+  for (std::uint32_t start = 0; start < numFamilies_; ++start) {
+    if (order[start] == 0) enter(start);
+    while (!path.empty()) {
+      Visit& visit = path.back();
+      const Array<std::uint32_t>& held = families_[visit.family].held;
+      // Names come in front of the other keywords.
+      if (visit.nextHeld < held.size() && held[visit.nextHeld] < numFamilies_) {
+        const std::uint32_t other = held[visit.nextHeld++];
+        if (order[other] == 0) {
+          enter(other);
+        } else if (families_[other].ring == kNoRing) {
+          lowest[visit.family] = std::min(lowest[visit.family], order[other]);
+        }
+        continue;
+      }
+      const std::uint32_t done = visit.family;
+      path.pop_back();
+      if (!path.empty()) lowest[path.back().family] = std::min(lowest[path.back().family], lowest[done]);
+      if (lowest[done] == order[done]) closeRing(done, open);
+    }
+  }
+}
+
+void SymbolRings::closeRing(std::uint32_t root, Array<std::uint32_t>& open) {
+  const auto first = std::find(open.rbegin(), open.rend(), root).base() - 1;
+  Array<std::uint32_t> ring(first, open.end());
+  open.erase(first, open.end());
+  for (const std::uint32_t family : ring) families_[family].ring = static_cast<std::uint32_t>(rings_.size());
+  std::sort(ring.begin(), ring.end());
+  rings_.push_back(std::move(ring));
+}
+
+void SymbolRings::addRule(std::size_t family, std::size_t rule) {
+  rulesOf_[family].push_back(static_cast<std::uint32_t>(rule));
+}
+
+void SymbolRings::collectRules(std::size_t ring, Array<std::uint32_t>& rules) const {
+  rules.clear();
+  for (const std::uint32_t family : rings_[ring]) {
+    for (const std::uint32_t keyword : families_[family].held) {
+      if (keyword < numFamilies_ && families_[keyword].ring == ring) continue;
+      rules.insert(rules.end(), rulesOf_[keyword].begin(), rulesOf_[keyword].end());
+    }
+  }
+  std::sort(rules.begin(), rules.end());
+  rules.erase(std::unique(rules.begin(), rules.end()), rules.end());
+}
+
+}  // namespace TolmSDK::Graphics::sfg

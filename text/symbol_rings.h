@@ -1,0 +1,72 @@
+#pragma once
+
+// Which symbols of one piece of code refer to each other by name.
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "sfg/code_snippet.h"
+#include "sfg/keyword_replace.h"
+#include "text/hash_index.h"
+#include "text/keyword_automaton.h"
+#include "tolmsdk/types.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+/// The keyed symbols of one non-empty name: overloads, a prototype and its function. A keyed symbol without a
+/// name is a family of its own. Views point into the code and into the rules it was made from.
+struct SymbolFamily {
+  std::wstring_view name;
+  Array<std::uint32_t> symbols;  ///< their places in the code, in order
+  Array<std::uint32_t> held;     ///< numbers of the keywords that its texts hold, in order
+  std::uint32_t ring = 0;
+};
+
+/// Families whose texts hold one another's names, directly or through others, are a ring; most rings are of
+/// one family. The rings stand in the order in which Tarjan's walk completes them, so that a ring comes
+/// behind those whose names its texts hold. Takes time in proportion to texts, names, keywords and what is
+/// found. Serves one piece of code after another.
+class SymbolRings {
+public:
+  /// The keywords that a text may hold are the names of the families (numbered as these are) and behind them
+  /// the other keywords of `rules`.
+  void find(const CodeSnippetInstance& code, const KeywordReplacePattern& rules);
+
+  std::size_t countFamilies() const noexcept { return numFamilies_; }
+  /// In the order of their first symbols.
+  const SymbolFamily& family(std::size_t number) const { return families_[number]; }
+  std::size_t countRings() const noexcept { return rings_.size(); }
+  /// The numbers of a ring's families, in order.
+  const Array<std::uint32_t>& ring(std::size_t number) const { return rings_[number]; }
+
+  /// The rules with that keyword, in order.
+  const Array<std::uint32_t>& rulesOf(std::size_t keyword) const { return rulesOf_[keyword]; }
+  /// Tells that rule `rule` has the name of that family as its keyword.
+  void addRule(std::size_t family, std::size_t rule);
+  /// The rules whose keywords a ring's texts hold, its own names left out, in order.
+  void collectRules(std::size_t ring, Array<std::uint32_t>& rules) const;
+
+private:
+  static constexpr std::uint32_t kNoRing = 0xffffffff;
+
+  void clear();
+  void groupSymbols(const CodeSnippetInstance& code);
+  void numberRules(const KeywordReplacePattern& rules);
+  void findHeld(const CodeSnippetInstance& code);
+  void findHeld(SymbolFamily& family, const ScopedText& text, const KeywordAutomaton* automaton);
+  void hold(SymbolFamily& family, std::size_t keyword);
+  void findRings();
+  void closeRing(std::uint32_t root, Array<std::uint32_t>& open);
+  std::size_t numberOfKeyword(std::wstring_view keyword) const;
+
+  Array<SymbolFamily> families_;  // the first of them are in use, the others keep memory for later
+  std::size_t numFamilies_ = 0;
+  Array<std::wstring_view> keywords_;
+  HashIndex keywordsByText_;
+  Array<Array<std::uint32_t>> rulesOf_;
+  Array<std::uint32_t> lastHolder_;  // by keyword: the family, counted from 1, that was found to hold it last
+  Array<Array<std::uint32_t>> rings_;
+};
+
+}  // namespace TolmSDK::Graphics::sfg
