@@ -1,7 +1,7 @@
 #include "tolmsdk/object_data_node.h"
 
 #include <algorithm>
-#include <array>
+#include <atomic>
 #include <charconv>
 #include <cmath>
 #include <optional>
@@ -78,82 +78,62 @@ void appendNumberText(WString& out, const Value& number) {
   }
 }
 
-void appendQuoted(WString& out, std::wstring_view text) {
-  out += L'"';
-  for (const wchar_t c : text) {
-    switch (c) {
-    case L'"': out += L"\\\""; break;
-    case L'\\': out += L"\\\\"; break;
-    case L'\b': out += L"\\b"; break;
-    case L'\f': out += L"\\f"; break;
-    case L'\n': out += L"\\n"; break;
-    case L'\r': out += L"\\r"; break;
-    case L'\t': out += L"\\t"; break;
-    default:
-      if (static_cast<char32_t>(c) < 0x20) {
-        out += L"\\u00";
-        out += L"0123456789abcdef"[c >> 4];
-        out += L"0123456789abcdef"[c & 15];
-      } else {
-        out += c;
-      }
-    }
+bool isEscaped(wchar_t c) { return static_cast<char32_t>(c) < 0x20 || c == L'"' || c == L'\\'; }
+
+void appendEscape(WString& out, wchar_t c) {
+  switch (c) {
+  case L'"': out += L"\\\""; return;
+  case L'\\': out += L"\\\\"; return;
+  case L'\b': out += L"\\b"; return;
+  case L'\f': out += L"\\f"; return;
+  case L'\n': out += L"\\n"; return;
+  case L'\r': out += L"\\r"; return;
+  case L'\t': out += L"\\t"; return;
+  default:
+    out += L"\\u00";
+    out += L"0123456789abcdef"[c >> 4];
+    out += L"0123456789abcdef"[c & 15];
   }
-  out += L'"';
 }
 
-void appendChildren(WString& out, const Children& children) {
-  for (std::uint32_t index = 0; index < children.count; ++index) {
-    if (index != 0) out += L',';
-    if (children.names != nullptr) {
-      appendQuoted(out, *children.names[index]);
-      out += L':';
-    }
-    appendText(out, children.nodes[index].value());
+void appendQuoted(WString& out, std::wstring_view text) {
+  out += L'"';
+  for (const auto* at = text.begin(); at != text.end();) {
+    const auto* const escaped = std::find_if(at, text.end(), isEscaped);
+    out.append(at, escaped);
+    if (escaped == text.end()) break;
+    appendEscape(out, *escaped);
+    at = escaped + 1;
   }
+  out += L'"';
 }
 
 }  // namespace
 
-std::size_t Children::find(std::wstring_view name) const {
-  if (names == nullptr) return kNotFound;
-  if (byName != nullptr) {
-    const std::uint32_t* const end = byName + count;
+const WString* const* Value::memberNames() const noexcept {
+  return reinterpret_cast<const WString* const*>(children + size);
+}
+
+std::size_t Value::findMember(std::wstring_view name) const {
+  if (kind != NodeKind::object) return kNotFound;
+  const WString* const* const names = memberNames();
+  if (size > kIndexedMembers) {
+    const auto* const byName = reinterpret_cast<const std::uint32_t*>(names + size);
+    const std::uint32_t* const end = byName + size;
     const std::uint32_t* const found =
         std::lower_bound(byName, end, name, [&](std::uint32_t index, std::wstring_view wanted) {
           return *names[index] < wanted;
         });
     return found != end && *names[*found] == name ? *found : kNotFound;
   }
-  const auto* const found =
-      std::find_if(names, names + count, [&](const WString* each) { return *each == name; });
-  return found == names + count ? kNotFound : static_cast<std::size_t>(found - names);
-}
-
-void appendText(WString& out, const Value& value) {
-  switch (value.kind) {
-  case NodeKind::null: out += L"null"; return;
-  case NodeKind::boolean: out += value.boolean ? L"true" : L"false"; return;
-  case NodeKind::number: appendNumberText(out, value); return;
-  case NodeKind::string: appendQuoted(out, *value.text); return;
-  // The depth of a document is limited, and so is this recursion.
-  case NodeKind::array:
-  case NodeKind::object:
-    out += value.kind == NodeKind::array ? L'[' : L'{';
-    appendChildren(out, *value.children);
-    out += value.kind == NodeKind::array ? L']' : L'}';
-    return;
+  for (std::size_t index = 0; index < size; ++index) {
+    if (*names[index] == name) return index;
   }
-}
-
-std::size_t ValueNode::size() const {
-  const Children* const children = value_.childrenOrNull();
-  return children == nullptr ? 0 : children->count;
+  return kNotFound;
 }
 
 const IObjectDataNode* ValueNode::elementOrNull(std::size_t index) const {
-  const Children* const children = value_.childrenOrNull();
-  return children == nullptr || index >= children->count ? nullptr : children->nodes + index;
+  return index < size() ? value_.children + index : nullptr;
 }
 
 const IObjectDataNode* ValueNode::element(std::size_t index) const {
@@ -162,37 +142,71 @@ const IObjectDataNode* ValueNode::element(std::size_t index) const {
 }
 
 const WString& ValueNode::memberName(std::size_t index) const {
-  const Children* const children = value_.childrenOrNull();
-  const bool hasName = children != nullptr && children->names != nullptr && index < children->count;
-  return hasName ? *children->names[index] : emptyText();
+  const bool hasName = value_.kind == NodeKind::object && index < value_.size;
+  return hasName ? *value_.memberNames()[index] : emptyText();
 }
 
 const IObjectDataNode* ValueNode::member(std::wstring_view name) const {
-  const Children* const children = value_.childrenOrNull();
-  return children == nullptr ? nullptr : element(children->find(name));
+  return element(value_.findMember(name));
 }
 
 const WString& ValueNode::asString() const {
-  return value_.kind == NodeKind::string ? *value_.text : emptyText();
+  if (value_.kind != NodeKind::string) return emptyText();
+  if (!std::atomic_ref(value_.isWide).load(std::memory_order_acquire)) document_->widen(value_);
+  return *value_.text;
 }
 
 double ValueNode::asNumber() const {
   if (value_.kind == NodeKind::number) return asDouble(value_);
-  if (value_.kind == NodeKind::string) return parseNumber(*value_.text).value_or(0.0);
-  return 0.0;
+  return parseNumber(asString()).value_or(0.0);
 }
 
 bool ValueNode::isNumeric() const {
-  if (value_.kind == NodeKind::string) return parseNumber(*value_.text).has_value();
-  return value_.kind == NodeKind::number;
+  return value_.kind == NodeKind::number || parseNumber(asString()).has_value();
 }
 
 bool ValueNode::asBool() const { return value_.kind == NodeKind::boolean && value_.boolean; }
 
 WString ValueNode::toText() const {
   WString out;
-  appendText(out, value_);
+  appendText(out);
   return out;
+}
+
+void ValueNode::appendText(WString& out) const {
+  switch (value_.kind) {
+  case NodeKind::null: out += L"null"; return;
+  case NodeKind::boolean: out += value_.boolean ? L"true" : L"false"; return;
+  case NodeKind::number: appendNumberText(out, value_); return;
+  case NodeKind::string: appendQuoted(out, asString()); return;
+  case NodeKind::array:
+  case NodeKind::object: break;
+  }
+  const bool isObject = value_.kind == NodeKind::object;
+  out += isObject ? L'{' : L'[';
+  for (std::uint32_t index = 0; index < value_.size; ++index) {
+    if (index != 0) out += L',';
+    if (isObject) {
+      appendQuoted(out, *value_.memberNames()[index]);
+      out += L':';
+    }
+    // The depth of a document is limited, and so is this recursion.
+    value_.children[index].appendText(out);
+  }
+  out += isObject ? L'}' : L']';
+}
+
+const WString& Document::addText(std::string_view utf8) const {
+  WString& text = texts_.emplace_back();
+  assignFromUtf8(text, utf8);
+  return text;
+}
+
+void Document::widen(Value& string) const {
+  const std::lock_guard lock(widening_);
+  if (string.isWide) return;
+  string.text = &addText({string.bytes, string.size});
+  std::atomic_ref(string.isWide).store(true, std::memory_order_release);
 }
 
 void Node::AddRef() const { document_->AddRef(); }
@@ -210,36 +224,41 @@ public:
     std::string bytes;
     WString error;
     if (!readTextFile(path, bytes, error)) return fail(std::move(error));
-    return load(bytes);
+    return load(std::move(bytes));
   }
 
   bool loadFromText(std::wstring_view text) override {
-    const std::string bytes = toUtf8(text);
+    std::string bytes = toUtf8(text);
     if (bytes.size() > kMaximumTextFileSize) return fail(tooLargeMessage());
-    return load(withoutByteOrderMark(bytes));
+    bytes.erase(0, bytes.size() - withoutByteOrderMark(bytes).size());
+    return load(std::move(bytes));
   }
 
   const WString& getLoadError() const override { return error_; }
 
 private:
-  bool load(std::string_view bytes) {
+  bool load(std::string bytes) {
     WString error;
-    RefPtr<Document> document = parseDocument(bytes, error);
+    RefPtr<Document> document = parseDocument(std::move(bytes), error);
     if (!document) return fail(std::move(error));
-    value_ = document->root;
-    document_ = std::move(document);
+    keep(std::move(document));
     error_.clear();
     return true;
   }
 
   bool fail(WString error) {
-    value_ = Value();
-    document_.reset();
+    keep(nullptr);
     error_ = std::move(error);
     return false;
   }
 
-  RefPtr<Document> document_;
+  void keep(RefPtr<Document> document) {
+    value_ = document ? document->root : Value();
+    document_ = document.get();
+    kept_ = std::move(document);
+  }
+
+  RefPtr<Document> kept_;
   WString error_;
 };
 
