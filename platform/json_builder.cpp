@@ -148,7 +148,7 @@ Name* NamePool::find(std::string_view utf8) {
   Name& name = names_[utf8];
   if (name.text == nullptr) {
     name.utf8 = utf8;
-    name.text = &document_.addText(utf8);
+    name.text = &document_.wideText(utf8);
   }
   return &name;
 }

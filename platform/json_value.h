@@ -4,11 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory_resource>
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "tolmsdk/object_data_node.h"
@@ -29,16 +29,16 @@ struct Value {
   std::uint32_t size = 0;  ///< bytes of a string, elements of an array, members of an object
   NodeKind kind : 8 = NodeKind::null;
   NumberForm form = NumberForm::integer;
-  bool isWide = false;  ///< of a string: `text` is made, and takes the place of `bytes`
   union {
     bool boolean;
     std::int64_t integer;
     std::uint64_t natural;
     double real = 0.0;
     const char* bytes;
-    const WString* text;
     const Node* children;  ///< side by side; those of an object have their names behind them
   };
+
+  std::string_view utf8() const noexcept { return {bytes, size}; }
 
   bool hasChildren() const noexcept { return kind == NodeKind::array || kind == NodeKind::object; }
   /// Names of an object's members. Behind those of more than kIndexedMembers stand their indexes, ordered by
@@ -66,6 +66,7 @@ public:
   bool isNumeric() const override;
   bool asBool() const override;
   WString toText() const override;
+  std::string_view asUtf8() const override;
 
 protected:
   ValueNode() = default;
@@ -74,7 +75,7 @@ protected:
   void appendText(WString& out) const;
 
   const Document* document_ = nullptr;  ///< null for a root without one
-  mutable Value value_;                 ///< a string becomes wide when it is first asked for
+  Value value_;
 };
 
 /// A child. Its references are references on the document; it is never destroyed by itself.
@@ -101,10 +102,9 @@ public:
 
   /// Arena memory, aligned for any value; freed with the document, without destructors.
   void* allocate(std::size_t bytes) { return arena_.allocate(bytes); }
-  /// A wide text that stays where it is.
-  const WString& addText(std::string_view utf8) const;
-  /// Makes the wide text of a string. Safe in several threads.
-  void widen(Value& string) const;
+  /// The wide text of a string or name of this document, made when it is first asked for. Safe in several
+  /// threads.
+  const WString& wideText(std::string_view utf8) const;
 
   Value root;
 
@@ -112,7 +112,7 @@ private:
   std::string text_;
   std::pmr::monotonic_buffer_resource arena_;
   mutable std::mutex widening_;
-  mutable std::deque<WString> texts_;
+  mutable std::unordered_map<const char*, WString> wideTexts_;  // by where the UTF-8 stands
 };
 
 /// Parses UTF-8 without byte-order mark. Null on failure; `error` then tells line, column and what was

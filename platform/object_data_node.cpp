@@ -1,11 +1,11 @@
 #include "tolmsdk/object_data_node.h"
 
 #include <algorithm>
-#include <atomic>
 #include <charconv>
 #include <cmath>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "platform/json_value.h"
@@ -25,19 +25,12 @@ const WString& emptyText() {
 }
 
 /// The number that a text is as a whole.
-std::optional<double> parseNumber(std::wstring_view text) {
-  std::string digits;
-  digits.reserve(text.size());
-  for (const wchar_t c : text) {
-    // Letters but the exponent's would make "nan" and "inf" numbers.
-    const bool isAllowed =
-        (c >= L'0' && c <= L'9') || c == L'.' || c == L'-' || c == L'+' || c == L'e' || c == L'E';
-    if (!isAllowed) return {};
-    digits += static_cast<char>(c);
-  }
+std::optional<double> parseNumber(std::string_view text) {
+  // Letters but the exponent's would make "nan" and "inf" numbers.
+  if (text.find_first_not_of("0123456789.-+eE") != std::string_view::npos) return {};
   double number = 0.0;
-  const char* const end = digits.data() + digits.size();
-  const std::from_chars_result result = std::from_chars(digits.data(), end, number);
+  const char* const end = text.data() + text.size();
+  const std::from_chars_result result = std::from_chars(text.data(), end, number);
   if (result.ec != std::errc() || result.ptr != end) return {};
   return number;
 }
@@ -78,7 +71,7 @@ void appendNumberText(WString& out, const Value& number) {
   }
 }
 
-bool isEscaped(wchar_t c) { return static_cast<char32_t>(c) < 0x20 || c == L'"' || c == L'\\'; }
+bool isEscaped(char32_t c) { return c < 0x20 || c == U'"' || c == U'\\'; }
 
 void appendEscape(WString& out, wchar_t c) {
   switch (c) {
@@ -96,14 +89,21 @@ void appendEscape(WString& out, wchar_t c) {
   }
 }
 
-void appendQuoted(WString& out, std::wstring_view text) {
+void append(WString& out, std::wstring_view text) { out += text; }
+void append(WString& out, std::string_view utf8) { appendUtf8(out, utf8); }
+
+template <class View>
+void appendQuoted(WString& out, View text) {
+  using Unit = std::make_unsigned_t<typename View::value_type>;
   out += L'"';
-  for (const auto* at = text.begin(); at != text.end();) {
-    const auto* const escaped = std::find_if(at, text.end(), isEscaped);
-    out.append(at, escaped);
-    if (escaped == text.end()) break;
-    appendEscape(out, *escaped);
-    at = escaped + 1;
+  while (!text.empty()) {
+    const auto escaped = static_cast<std::size_t>(
+        std::find_if(text.begin(), text.end(), [](auto c) { return isEscaped(static_cast<Unit>(c)); }) -
+        text.begin());
+    append(out, text.substr(0, escaped));
+    if (escaped == text.size()) break;
+    appendEscape(out, static_cast<wchar_t>(text[escaped]));
+    text.remove_prefix(escaped + 1);
   }
   out += L'"';
 }
@@ -151,18 +151,20 @@ const IObjectDataNode* ValueNode::member(std::wstring_view name) const {
 }
 
 const WString& ValueNode::asString() const {
-  if (value_.kind != NodeKind::string) return emptyText();
-  if (!std::atomic_ref(value_.isWide).load(std::memory_order_acquire)) document_->widen(value_);
-  return *value_.text;
+  return value_.kind == NodeKind::string ? document_->wideText(value_.utf8()) : emptyText();
+}
+
+std::string_view ValueNode::asUtf8() const {
+  return value_.kind == NodeKind::string ? value_.utf8() : std::string_view();
 }
 
 double ValueNode::asNumber() const {
   if (value_.kind == NodeKind::number) return asDouble(value_);
-  return parseNumber(asString()).value_or(0.0);
+  return parseNumber(asUtf8()).value_or(0.0);
 }
 
 bool ValueNode::isNumeric() const {
-  return value_.kind == NodeKind::number || parseNumber(asString()).has_value();
+  return value_.kind == NodeKind::number || parseNumber(asUtf8()).has_value();
 }
 
 bool ValueNode::asBool() const { return value_.kind == NodeKind::boolean && value_.boolean; }
@@ -178,7 +180,7 @@ void ValueNode::appendText(WString& out) const {
   case NodeKind::null: out += L"null"; return;
   case NodeKind::boolean: out += value_.boolean ? L"true" : L"false"; return;
   case NodeKind::number: appendNumberText(out, value_); return;
-  case NodeKind::string: appendQuoted(out, asString()); return;
+  case NodeKind::string: appendQuoted(out, value_.utf8()); return;
   case NodeKind::array:
   case NodeKind::object: break;
   }
@@ -187,7 +189,7 @@ void ValueNode::appendText(WString& out) const {
   for (std::uint32_t index = 0; index < value_.size; ++index) {
     if (index != 0) out += L',';
     if (isObject) {
-      appendQuoted(out, *value_.memberNames()[index]);
+      appendQuoted(out, std::wstring_view(*value_.memberNames()[index]));
       out += L':';
     }
     // The depth of a document is limited, and so is this recursion.
@@ -196,17 +198,12 @@ void ValueNode::appendText(WString& out) const {
   out += isObject ? L'}' : L']';
 }
 
-const WString& Document::addText(std::string_view utf8) const {
-  WString& text = texts_.emplace_back();
-  assignFromUtf8(text, utf8);
-  return text;
-}
-
-void Document::widen(Value& string) const {
+const WString& Document::wideText(std::string_view utf8) const {
+  if (utf8.empty()) return emptyText();
   const std::lock_guard lock(widening_);
-  if (string.isWide) return;
-  string.text = &addText({string.bytes, string.size});
-  std::atomic_ref(string.isWide).store(true, std::memory_order_release);
+  const auto [found, isNew] = wideTexts_.try_emplace(utf8.data());
+  if (isNew) assignFromUtf8(found->second, utf8);
+  return found->second;
 }
 
 void Node::AddRef() const { document_->AddRef(); }
