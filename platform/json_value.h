@@ -110,9 +110,9 @@ public:
 
 private:
   std::string text_;
-  std::pmr::monotonic_buffer_resource arena_;
+  mutable std::pmr::monotonic_buffer_resource arena_;
   mutable std::mutex widening_;
-  mutable std::unordered_map<const char*, WString> wideTexts_;  // by where the UTF-8 stands
+  mutable std::pmr::unordered_map<const char*, WString> wideTexts_{&arena_};  // by where the UTF-8 stands
 };
 
 /// Parses UTF-8 without byte-order mark. Null on failure; `error` then tells line, column and what was
