@@ -23,28 +23,29 @@ namespace TolmSDK::Graphics::sfg::benchmarks {
 
 namespace {
 
-/// A file that is removed at the end of the benchmark.
-class GeneratedFile {
+/// A folder of files that is removed at the end of the benchmark.
+class GeneratedFolder {
 public:
-  GeneratedFile(const std::string& name, const std::string& text)
-      : folder_(std::filesystem::temp_directory_path() / ("sfg-benchmark-" + std::to_string(getpid()))) {
-    std::filesystem::create_directories(folder_);
-    file_ = (folder_ / name).string();
-    std::ofstream(file_, std::ios::binary) << text;
+  GeneratedFolder()
+      : path_(std::filesystem::temp_directory_path() / ("sfg-benchmark-" + std::to_string(getpid()))) {
+    std::filesystem::create_directories(path_);
   }
-  ~GeneratedFile() {
+  ~GeneratedFolder() {
     std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
+    std::filesystem::remove_all(path_, ignored);
   }
-  GeneratedFile(const GeneratedFile&) = delete;
-  GeneratedFile& operator=(const GeneratedFile&) = delete;
+  GeneratedFolder(const GeneratedFolder&) = delete;
+  GeneratedFolder& operator=(const GeneratedFolder&) = delete;
 
-  const std::string& path() const { return file_; }
-  std::string folder() const { return folder_.string(); }
+  std::string path() const { return path_.string(); }
+  /// Answers the file's path.
+  std::string write(const std::string& name, const std::string& text) const {
+    std::ofstream(path_ / name, std::ios::binary) << text;
+    return (path_ / name).string();
+  }
 
 private:
-  std::filesystem::path folder_;
-  std::string file_;
+  std::filesystem::path path_;
 };
 
 /// A graph of `count` nodes of one fragment, each with a value of its own; wired as a chain, or not at all.
@@ -60,11 +61,11 @@ std::string graphText(std::size_t count, bool wired) {
   return text + "  ]\n}\n";
 }
 
-/// A library of `count` fragments of about 500 bytes.
-std::string libraryText(std::size_t count) {
+/// A library of `count` fragments of about 500 bytes, numbered from `first` on.
+std::string libraryText(std::size_t first, std::size_t count) {
   std::string text = "{\n";
   for (std::size_t i = 0; i < count; ++i) {
-    const std::string n = std::to_string(i);
+    const std::string n = std::to_string(first + i);
     text += "  \"layer" + n + "\": {\n    \"language\": [\"dx11\"],\n    \"uniforms\": [{ \"name\": \"tint" +
             n +
             "\", \"type\": \"float3\", \"value\": [1.0, 0.5, 0.25] }],\n    \"predefine\": [\n      \"float "
@@ -99,12 +100,13 @@ private:
 void readGraph(benchmark::State& state) {
   const StepLanguage step;
   const std::string text = graphText(90'000, true);
-  const GeneratedFile file("graph.json", text);
+  const GeneratedFolder folder;
+  const std::string file = folder.write("graph.json", text);
   double reading = std::numeric_limits<double>::infinity();
   double parsing = reading;
   for (auto _ : state) {
     Stopwatch watch;
-    benchmark::DoNotOptimize(host::loadGraphDocument(file.path(), step.language()));
+    benchmark::DoNotOptimize(host::loadGraphDocument(file, step.language()));
     const double seconds = watch.seconds();
     state.SetIterationTime(seconds);
     reading = std::min(reading, seconds);
@@ -134,20 +136,27 @@ void measureMemory(benchmark::State& state, std::size_t bytes, const Work& work)
 void unusedNodes(benchmark::State& state) {
   const StepLanguage step;
   const std::string text = graphText(static_cast<std::size_t>(state.range(0)), false);
-  const GeneratedFile file("unused.json", text);
+  const GeneratedFolder folder;
+  const std::string file = folder.write("unused.json", text);
   measureMemory(state, text.size(), [&] {
-    const auto document = host::loadGraphDocument(file.path(), step.language());
+    const auto document = host::loadGraphDocument(file, step.language());
     benchmark::DoNotOptimize(host::buildGraph(*document, step.language()));
   });
 }
 
-void loadOneFile(benchmark::State& state) {
-  const std::string text = libraryText(static_cast<std::size_t>(state.range(0)));
-  const GeneratedFile file("large.fraglib", text);
-  measureMemory(state, text.size(), [&] {
+void loadLargeLibrary(benchmark::State& state) {
+  constexpr std::size_t kFragmentsPerFile = 1000;
+  const GeneratedFolder folder;
+  std::size_t bytes = 0;
+  for (std::size_t first = 0; first < static_cast<std::size_t>(state.range(0)); first += kFragmentsPerFile) {
+    const std::string text = libraryText(first, kFragmentsPerFile);
+    folder.write(std::to_string(first) + ".fraglib", text);
+    bytes += text.size();
+  }
+  measureMemory(state, bytes, [&] {
     FragmentLibrary library;
-    library.loadFragments(fromUtf8(file.folder()).c_str());
-    benchmark::DoNotOptimize(library);
+    library.loadFragments(fromUtf8(folder.path()).c_str());
+    if (library.acquireFragment(L"layer999999") == nullptr) state.SkipWithError("a fragment is missing");
   });
 }
 
@@ -163,7 +172,7 @@ void registerMemory(const char* name, void (*run)(benchmark::State&), int count)
 void registerLargeCases() {
   constexpr int kMillion = 1'000'000;
   registerMemory("unused nodes", unusedNodes, kMillion);
-  registerMemory("large library", loadOneFile, kMillion);
+  registerMemory("large library", loadLargeLibrary, kMillion);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::benchmarks
