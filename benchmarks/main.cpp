@@ -1,6 +1,6 @@
 // Runs the benchmarks: a table on the terminal, JSON and an SVG plot in the folder given.
 //
-//   sfg_benchmarks [--results=FOLDER] [Google Benchmark's own options]
+//   sfg_benchmarks [--results=FOLDER] [--large] [Google Benchmark's own options]
 
 #include <benchmark/benchmark.h>
 
@@ -10,12 +10,14 @@
 #include <string>
 #include <vector>
 
+#include "benchmarks/large_cases.h"
 #include "benchmarks/memory_meter.h"
 #include "benchmarks/report.h"
 
 namespace {
 
 constexpr char kResultsOption[] = "--results=";
+constexpr char kLargeOption[] = "--large";
 
 /// Takes `--results=FOLDER` out of the arguments.
 std::string takeResultsFolder(std::vector<char*>& arguments) {
@@ -36,6 +38,9 @@ int main(int argc, char** argv) {
 
   std::vector<char*> arguments(argv, argv + argc);
   const std::string folder = takeResultsFolder(arguments);
+  if (std::erase_if(arguments, [](const char* argument) { return std::string(argument) == kLargeOption; }) !=
+      0)
+    registerLargeCases();
   std::string jsonOption;
   std::string jsonFormat = "--benchmark_out_format=json";
   if (!folder.empty()) {

@@ -386,8 +386,7 @@ private:
       for (const Profile profile : surfaceProfilesOf(fragmentOf(i))) {
         const ITextParameterList& list = *profile->getFunctionParameters();
         for (std::size_t k = 0; k < std::min(node.getNumInputs(), list.getNumInputs()); ++k) {
-          const GraphNode::Wire& wire = node.wires()[k];
-          if (wire.source != nullptr || wire.graphInput != kNotFound) continue;
+          if (node.isWired(k)) continue;
           if (!list.getInputType(k).starts_with(L"inout ")) continue;
           warn(node.position(), "input " + inTicks(node.getInput(k)->getName()) + " of " + named(node) +
                                     " is `inout`, but nothing is wired to it that could be written");

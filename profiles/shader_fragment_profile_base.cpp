@@ -72,8 +72,9 @@ void AShaderFragmentProfile::clear() {
   includes_.clear();
   functionName_.clear();
   replaceBodyText(WString());
-  predefineSnippet_.clear();
+  predefineSnippet_.reset();
   predefinesParsed_ = false;
+  predefinesLoaded_ = false;
   functionParameters_->clear();
   lod_ = 100.0f;
 }
@@ -113,12 +114,18 @@ bool AShaderFragmentProfile::load(const IObjectDataNode* node) {
 }
 
 void AShaderFragmentProfile::loadPredefines(const IObjectDataNode& lines) {
-  predefines_.clear();
+  WString text;
   CodeFormatter formatter(0);
-  formatter.setResult(&predefines_);
+  formatter.setResult(&text);
   readStrings(L"predefine", lines, [&formatter](WString line) { formatter.addLine(line); });
 
-  const CodeSnippet& snippet = predefineSnippet();
+  predefines_ = text;
+
+  // Of a library few fragments are collapsed, so the parse is made again for those instead of kept for all.
+  predefinesLoaded_ = true;
+  CodeSnippet snippet;
+  snippet.addCode(predefines_);
+  snippet.parse();
   stateVariables_.insert(snippet.getStateVariables().begin(), snippet.getStateVariables().end());
   predefineBuiltinFunctions_ = snippet.getBuiltinFunctions();
   registerShaderFunctions(snippet.getShaderFunctions());
@@ -182,36 +189,41 @@ bool AShaderFragmentProfile::GetShaderFunctions(const WString& name, Array<Built
 }
 
 const KeywordReplacePattern& AShaderFragmentProfile::GetDefaultShaderRepalcePattern() const {
-  if (defaultShaderPatternBuilt_.load(std::memory_order_acquire) || shaderFunctions_.empty())
-    return defaultShaderReplacePattern_;
+  static const KeywordReplacePattern none;
+  if (defaultShaderPatternBuilt_.load(std::memory_order_acquire)) return *defaultShaderReplacePattern_;
+  if (shaderFunctions_.empty()) return none;
   const std::lock_guard<std::mutex> lock(lazyMutex_);
   if (!defaultShaderPatternBuilt_.load(std::memory_order_relaxed)) {
+    defaultShaderReplacePattern_ = std::make_unique<KeywordReplacePattern>();
     for (const auto& [name, uses] : shaderFunctions_)
       for (const BuiltinFunction& use : uses)
-        defaultShaderReplacePattern_.addReplacePattern(WString(use.range.view()), WString());
+        defaultShaderReplacePattern_->addReplacePattern(WString(use.range.view()), WString());
     defaultShaderPatternBuilt_.store(true, std::memory_order_release);
   }
-  return defaultShaderReplacePattern_;
+  return *defaultShaderReplacePattern_;
 }
 
 const CodeSnippet& AShaderFragmentProfile::predefineSnippet() const {
-  if (predefinesParsed_.load(std::memory_order_acquire) || predefines_.empty()) return predefineSnippet_;
+  static const CodeSnippet none;
+  if (predefinesParsed_.load(std::memory_order_acquire)) return *predefineSnippet_;
+  if (predefines_.empty()) return none;
   const std::lock_guard<std::mutex> lock(lazyMutex_);
+  if (!predefineSnippet_) predefineSnippet_ = std::make_unique<CodeSnippet>();
   // A text without any symbol (blanks only) is parsed once too, unless it was changed since.
-  if (!predefinesParsed_.load(std::memory_order_relaxed) && predefineSnippet_.getCode() != predefines_) {
-    predefineSnippet_.clear();
-    predefineSnippet_.addCode(predefines_);
-    predefineSnippet_.parse();
-    if (predefineSnippet_.getNumSymbols() != 0) predefinesParsed_.store(true, std::memory_order_release);
+  if (!predefinesParsed_.load(std::memory_order_relaxed) && predefineSnippet_->getCode() != predefines_) {
+    predefineSnippet_->clear();
+    predefineSnippet_->addCode(predefines_);
+    predefineSnippet_->parse();
+    if (predefineSnippet_->getNumSymbols() != 0) predefinesParsed_.store(true, std::memory_order_release);
   }
-  return predefineSnippet_;
+  return *predefineSnippet_;
 }
 
 bool AShaderFragmentProfile::writePredefines(CodeSnippetInstance& out, AShaderCollapseContext&,
                                              FragmentProfileInstance& instance) const {
-  if (predefines_.empty() && predefineSnippet_.getNumSymbols() == 0) {
+  if (predefines_.empty() && predefineSnippet().getNumSymbols() == 0) {
     if (!instance.hasReplacements())
-      out.construct(&predefineSnippet_, instance.getBuiltinFunctionValueInPredefine(), false);
+      out.construct(&predefineSnippet(), instance.getBuiltinFunctionValueInPredefine(), false);
     return true;
   }
   const KeywordReplacePattern& uniforms = instance.getUniformReplacePattern();

@@ -285,5 +285,18 @@ TEST_F(FunctionWriter, ParsesPredefinesThatWereSetByHand) {
   EXPECT_EQ(predefines(), L"float h() { return 1; }");
 }
 
+TEST_F(FunctionWriter, WritesPredefinesAsTheyWereLoaded) {
+  const auto node =
+      TolmSDK::test::parseJson(LR"json({"language": ["dx11"], "predefine": ["float h() { return 1; }"],
+    "implementation": ["void f(out float r)", "{", "r = h();", "}"]})json");
+  useFunction(L"", L"x;");
+  ASSERT_TRUE(profile->load(node.get()));
+  profile->predefines() = L"float k() { return 1; }";
+  EXPECT_EQ(predefines(), L"float h() { return 1; }\n");
+  ASSERT_TRUE(profile->load(node.get()));
+  profile->predefines().clear();
+  EXPECT_EQ(predefines(), L"float h() { return 1; }\n");
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg

@@ -573,9 +573,6 @@ std::wstring Collapse::expandLights(std::wstring text) const {
     if (to == std::wstring::npos || to < from)
       throw Failure(L"sfgError : light and shadow block is not closed!");
     const std::wstring inner = text.substr(from + begin.size(), to - from - begin.size());
-    // Blocks do not nest: the first of two begin markers has no end of its own.
-    if (inner.find(begin) != std::wstring::npos)
-      throw Failure(L"sfgError : light and shadow block is not closed!");
     std::wstring copies;
     for (std::size_t i = 0; i < input_.environment->getNumLights(); ++i)
       copies +=
