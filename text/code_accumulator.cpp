@@ -44,8 +44,7 @@ WString keyOfIdentity(std::wstring_view identity) {
   std::size_t pos = 0;
   // The identity of a function is its text; that of any other symbol is its key.
   const bool isFunction = ShaderSymbol::findFirstSymbol(symbol, ScopedText(code), pos) &&
-                          symbol.getType() == EShaderSymbolType::function &&
-                          symbol.getRange().view() == code;
+                          symbol.getType() == EShaderSymbolType::function && symbol.getRange().view() == code;
   return isFunction ? symbol.getKey() : code;
 }
 
