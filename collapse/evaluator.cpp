@@ -1,6 +1,8 @@
 #include "collapse/evaluator.h"
 
+#include <string_view>
 #include <typeinfo>
+#include <unordered_map>
 #include <utility>
 
 #include "profiles/shader_temporaries.h"
@@ -426,10 +428,19 @@ void FragmentEvaluator::writeShaderCalls(const Frame& frame) {
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
   const Array<WString> outputNames = active.getOutputNames();
   const ShaderCallScope scope(active);
+  // Of uses of one text the last call counts. The rules of such a text are set once: they may be many.
+  Array<std::pair<WString, ShaderCallText>> calls;
+  std::unordered_map<std::wstring_view, std::size_t> callOfUse;
   for (const BuiltinFunction& use : frame.shaderUse->calls) {
     ShaderCallText call;
     if (!writeShaderCall(call, frame, outputNames, use)) continue;
-    const WString useText(use.range.view());
+    const auto [known, isNew] = callOfUse.emplace(use.range.view(), calls.size());
+    if (isNew)
+      calls.emplace_back(use.range.view(), std::move(call));
+    else
+      calls[known->second].second = std::move(call);
+  }
+  for (auto& [useText, call] : calls) {
     if (frame.shaderUse->caller != nullptr)
       frame.shaderUse->caller->replaceShaderUse(useText, std::move(call));
     else

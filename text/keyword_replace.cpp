@@ -1,6 +1,8 @@
 #include "sfg/keyword_replace.h"
 
 #include <algorithm>
+#include <functional>
+#include <string_view>
 #include <utility>
 
 #include "sfg/size_limit.h"
@@ -23,6 +25,7 @@ void KeywordReplacePattern::addReplacePattern(const WString& keyword, const WStr
   WString own(replacement);  // it may be one of the keywords, which move
   keywords_.push_back(keyword);
   replacements_.push_back(std::move(own));
+  if (!byHash_.empty()) indexKeywords();
 }
 
 void KeywordReplacePattern::addReplacePattern(const Array<WString>& keywords,
@@ -37,6 +40,7 @@ void KeywordReplacePattern::addReplacePattern(const Array<WString>& keywords,
     keywords_.push_back(keywords[i]);
     replacements_.push_back(replacements[i]);
   }
+  if (!byHash_.empty()) indexKeywords();
 }
 
 void KeywordReplacePattern::addReplacePattern(const KeywordPosKey& key, const WString& replacement) {
@@ -44,20 +48,35 @@ void KeywordReplacePattern::addReplacePattern(const KeywordPosKey& key, const WS
 }
 
 void KeywordReplacePattern::overrideReplacePattern(const WString& keyword, const WString& replacement) {
+  constexpr std::size_t kFew = 16;
   const WString sought(keyword);  // it may be one of the replacements, which change
   bool isKnown = false;
-  for (std::size_t i = 0; i < keywords_.size(); ++i) {
-    if (keywords_[i] != sought) continue;
+  const auto override = [&](std::size_t i) {
+    if (keywords_[i] != sought) return;
     replacements_[i] = replacement;
     isKnown = true;
+  };
+  if (keywords_.size() <= kFew) {
+    for (std::size_t i = 0; i < keywords_.size(); ++i) override(i);
+  } else {
+    indexKeywords();
+    const auto [first, last] = byHash_.equal_range(std::hash<std::wstring_view>()(sought));
+    for (auto place = first; place != last; ++place) override(place->second);
   }
-  if (!isKnown) addReplacePattern(keyword, replacement);
+  if (!isKnown) addReplacePattern(sought, replacement);
+}
+
+/// Adds the keywords that are not in the index yet, which are the last ones.
+void KeywordReplacePattern::indexKeywords() {
+  for (std::size_t i = byHash_.size(); i < keywords_.size(); ++i)
+    byHash_.emplace(std::hash<std::wstring_view>()(keywords_[i]), i);
 }
 
 void KeywordReplacePattern::clearReplacePattern() {
   keywords_.clear();
   replacements_.clear();
   positionalReplacements_.clear();
+  byHash_.clear();
 }
 
 KeywordReplacer::KeywordReplacer() = default;

@@ -84,6 +84,29 @@ TEST(KeywordReplacePattern, SetsThePositionalRuleOfASpan) {
             (KeywordReplacePattern::PositionalReplacements{{{1, 3}, L"b"}, {{1, 2}, L"c"}}));
 }
 
+TEST(KeywordReplacePattern, OverridesEveryEqualKeywordOfMany) {
+  KeywordReplacePattern p;
+  Array<WString> keywords;
+  for (int i = 0; i < 100; ++i) keywords.push_back(L"k" + itos(i % 50));
+  p.addReplacePattern(keywords, Array<WString>(100, L"old"));
+  p.overrideReplacePattern(L"k7", L"seven");
+  p.addReplacePattern(WString(L"k7"), WString(L"later"));
+  p.overrideReplacePattern(L"new", L"added");
+  p.overrideReplacePattern(L"new", L"changed");
+  EXPECT_EQ(p.getReplacements()[7], L"seven");
+  EXPECT_EQ(p.getReplacements()[57], L"seven");
+  EXPECT_EQ(p.getReplacements()[100], L"later");
+  EXPECT_EQ(p.getReplacements()[101], L"changed");
+  EXPECT_EQ(p.getKeywords().size(), 102u);
+  p.overrideReplacePattern(L"k7", L"all");
+  EXPECT_EQ(p.getReplacements()[100], L"all");
+  const KeywordReplacePattern copy = p;
+  p.clearReplacePattern();
+  p.overrideReplacePattern(L"k7", L"alone");
+  EXPECT_EQ(p.getKeywords(), Array<WString>{L"k7"});
+  EXPECT_EQ(copy.getReplacements()[7], L"all");
+}
+
 TEST(KeywordReplacePattern, OverridesEveryEqualKeyword) {
   KeywordReplacePattern p = pattern({{L"u", L"1"}, {L"U", L"2"}, {L"u", L"3"}, {L"uu", L"4"}});
   p.overrideReplacePattern(L"u", L"v");

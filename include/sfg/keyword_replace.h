@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <unordered_map>
 
 #include "sfg/export.h"
 #include "sfg/scoped_text.h"
@@ -49,9 +50,12 @@ public:
   const PositionalReplacements& getPositionalReplacements() const noexcept { return positionalReplacements_; }
 
 private:
+  void indexKeywords();
+
   Array<WString> keywords_;
   Array<WString> replacements_;
   PositionalReplacements positionalReplacements_;
+  std::unordered_multimap<std::size_t, std::size_t> byHash_;  // places of keywords; made when it pays
 };
 
 /// Where the replacement of a keyword rule stands in a copy, and the pattern's own text of it.
