@@ -1,6 +1,7 @@
 #include "host/graph_document.h"
 
 #include "host/document_reader.h"
+#include "host/port_finder.h"
 #include "host/shading_environment.h"
 #include "sfg/shader_fragment_graph_builder.h"
 #include "tolmsdk/exception.h"
@@ -10,13 +11,6 @@ namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
 constexpr std::wstring_view kInputSources[] = {L"node", L"graphInput", L"value", L"constant"};
-
-std::size_t findByName(const Array<RefPtr<AParameter const>>& parameters, const WString& name) {
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    if (parameters[i]->getName() == name) return i;
-  }
-  return kNotFound;
-}
 
 /// A copy with another default value.
 RefPtr<AParameter const> withValue(const AParameter& original, const AValue& value, bool constant) {
@@ -137,11 +131,12 @@ private:
 
   Parameters readPorts(const IObjectDataNode& interface, std::wstring_view key) {
     Parameters ports;
+    Set<std::wstring_view> names;
     const IObjectDataNode* const array = reader_.optionalArray(interface, key);
     for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
       const IObjectDataNode& object = reader_.objectAt(*array, i);
       RefPtr<AParameter> port = reader_.parameter(object);
-      if (findByName(ports, port->getName()) != kNotFound) {
+      if (!names.insert(port->getName()).second) {
         reader_.refuse(object, "the port name " + inTicks(port->getName()) + " is used twice");
       }
       ports.push_back(port);
@@ -184,7 +179,7 @@ private:
     const std::string where = "input " + inTicks(name) + " of node " + inTicks(node.name_);
     if (object.kind() != NodeKind::object) reader_.refuse(object, where + " must be an object");
     const std::wstring_view source = onlySource(object, where);
-    const std::size_t port = findByName(node.inputs_, name);
+    const std::size_t port = portFinder_.find(node.inputs_, name);
     if (port == kNotFound && unknownPorts_.contains(&node)) return;
     if (port == kNotFound) {
       reader_.refuse(object, "node " + inTicks(node.name_) + " has no input " + inTicks(name) + "; " +
@@ -229,7 +224,7 @@ private:
     const auto found = nodes_.find(*name);
     if (found == nodes_.end()) reader_.refuse(*object.member(L"node"), "unknown node " + inTicks(*name));
     wire.source = found->second;
-    wire.output = output ? findByName(wire.source->outputs_, *output) : 0;
+    wire.output = output ? portFinder_.find(wire.source->outputs_, *output) : 0;
     if (wire.output < wire.source->outputs_.size() || unknownPorts_.contains(wire.source)) return wire;
     const std::string wanted = output ? "no output " + inTicks(*output) : std::string("no outputs");
     reader_.refuse(output ? *object.member(L"output") : object,
@@ -280,6 +275,7 @@ private:
   Set<WString> graphNames_;
   Set<const GraphNode*> unknownPorts_;
   Array<const IObjectDataNode*> nodeObjects_;
+  PortFinder portFinder_;
 };
 
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language) {
