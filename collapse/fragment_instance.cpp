@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "collapse/evaluator.h"
-#include "collapse/ports.h"
+#include "fragments/ports.h"
 #include "collapse/visited_fragments.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"

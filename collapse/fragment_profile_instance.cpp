@@ -5,7 +5,7 @@
 #include <typeinfo>
 #include <utility>
 
-#include "collapse/ports.h"
+#include "fragments/ports.h"
 #include "profiles/shader_temporaries.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"

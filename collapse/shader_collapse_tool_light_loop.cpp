@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "collapse/ports.h"
+#include "fragments/ports.h"
 #include "collapse/text_forecast.h"
 #include "fragments/pointer_set.h"
 #include "tolmsdk/exception.h"
