@@ -29,13 +29,6 @@ const WString* firstMissing(const Set<WString>& names,
 
 }  // namespace
 
-const IShaderFragmentProfile* chooseProfile(const CollapseJob& job, const IShaderFragment& fragment,
-                                            const WString& name, float lod) {
-  const UString& language = job.options().getLanguage();
-  const IShaderFragmentProfile* const best = fragment.findBestProfile(name, language, lod);
-  return best != nullptr ? best : fragment.findBestProfile(WString(kDefaultProfile), language, lod);
-}
-
 Set<WString> offeredProfileNames(const IShaderFragment& fragment, const UString& language) {
   Set<WString> names;
   for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i) {

@@ -8,11 +8,6 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// The profile that an instance takes: the best of that name for the level of detail, else the best
-/// "default"; null when there is neither.
-const IShaderFragmentProfile* chooseProfile(const CollapseJob& job, const IShaderFragment& fragment,
-                                            const WString& name, float lod);
-
 /// The names under which `findBestProfile` finds a profile of the fragment for the language.
 Set<WString> offeredProfileNames(const IShaderFragment& fragment, const UString& language);
 

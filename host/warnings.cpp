@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "fragments/profile_choice.h"
 #include "host/contained_names.h"
 #include "host/document_reader.h"
 #include "host/evaluated_surface.h"
@@ -145,7 +146,7 @@ private:
   static std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
 
   Profile chosen(const IShaderFragment& fragment, const WString& name, float lod) const {
-    return chooseProfile(job_, fragment, name, lod);
+    return findBestOrDefaultProfile(fragment, name, job_.options().getLanguage(), lod);
   }
 
   void findFragments() {
