@@ -4,6 +4,7 @@
 
 #include "sfg/shader_collapse_context.h"
 #include "sfg/size_limit.h"
+#include "tests/support/cost.h"
 #include "tests/support/test_graph.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
@@ -203,6 +204,47 @@ TEST_F(ProfileInstance, HasNoFinalOutputOutsideOfAGraph) {
       L"n");
   ASSERT_TRUE(instance.create(scene.language.get(), fragment.get(), profileOf(*fragment), L"1"));
   EXPECT_EQ(instance.getBuiltinFunctionValueInBody(), Array<WString>{L"false"});
+}
+
+/// A function with so many inputs and outputs that asks for each of them.
+WString functionOfManyPorts(std::size_t count) {
+  WString parameters;
+  WString body;
+  for (std::size_t i = 0; i < count; ++i) {
+    parameters += formatted(L"%sfloat a%Iu, out float r%Iu", i == 0 ? L"" : L", ", i, i);
+    body += formatted(L"sfg_isConnected(a%Iu) sfg_isFinalOutput(r%Iu) ", i, i);
+  }
+  return L"void f(" + parameters + L")\n{\n" + body + L"\n}";
+}
+
+TEST_F(ProfileInstance, KnowsManyPorts) {
+  constexpr std::size_t kCount = 40;
+  AShaderFragment* fragment = scene.addFunction(L"n", functionOfManyPorts(kCount));
+  AShaderFragment* source = scene.addFunction(L"s", L"void s(out float r)\n{\n}");
+  Array<WString> expected;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    if (i % 3 == 0) fragment->setInputConnection(i, source, 0);
+    if (i % 5 == 0) scene.output(L"o" + itos(static_cast<long long>(i)), TypeID_float, fragment, i);
+    expected.push_back(i % 3 == 0 ? L"true" : L"false");
+    expected.push_back(i % 5 == 0 ? L"true" : L"false");
+  }
+  ASSERT_TRUE(instance.create(scene.language.get(), fragment, profileOf(*fragment), L"1"));
+  EXPECT_EQ(instance.getBuiltinFunctionValueInBody(), expected);
+}
+
+TEST_F(ProfileInstance, AsksForManyPortsInTimeInProportionToThem) {
+  const auto growth = [&](std::size_t count) {
+    AShaderFragment* fragment = scene.addFunction(L"n", functionOfManyPorts(count));
+    for (std::size_t i = 0; i < count; ++i) scene.output(L"o", TypeID_float, fragment, i);
+    return [this, fragment] {
+      FragmentProfileInstance other;
+      EXPECT_TRUE(other.create(scene.language.get(), fragment, profileOf(*fragment), L"1"));
+    };
+  };
+  const auto few = growth(1000);
+  const auto many = growth(16000);
+  EXPECT_LT(TolmSDK::test::costGrowth(1, [&](std::size_t size) { size == 1 ? few() : many(); }),
+            TolmSDK::test::kLinearGrowth);
 }
 
 /// A profile whose writers fail.

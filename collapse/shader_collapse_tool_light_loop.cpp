@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
-#include "collapse/ports.h"
 #include "collapse/text_forecast.h"
 #include "fragments/pointer_set.h"
+#include "fragments/ports.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/state_variables.h"
 

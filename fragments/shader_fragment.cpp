@@ -134,11 +134,11 @@ const IShaderFragmentProfile* AShaderFragment::findBestProfile(const WString& pr
 // Ports
 
 const WString& AShaderFragment::getInputType(const ILanguageTraits* traits, std::size_t index) const {
-  return portType(traits, *inputs_[index]);
+  return typeText(*traits, *inputs_[index]);
 }
 
 const WString& AShaderFragment::getOutputType(const ILanguageTraits* traits, std::size_t index) const {
-  return portType(traits, *outputs_[index]);
+  return typeText(*traits, *outputs_[index]);
 }
 
 void AShaderFragment::addInput(const AParameter* parameter) {

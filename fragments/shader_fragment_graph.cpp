@@ -27,11 +27,11 @@ void AShaderFragmentGraph::setKey(const wchar_t* key) { key_ = key == nullptr ? 
 // Ports
 
 const WString& AShaderFragmentGraph::getInputType(const ILanguageTraits* traits, std::size_t index) const {
-  return portType(traits, *inputs_[index]);
+  return typeText(*traits, *inputs_[index]);
 }
 
 const WString& AShaderFragmentGraph::getOutputType(const ILanguageTraits* traits, std::size_t index) const {
-  return portType(traits, *outputs_[index]);
+  return typeText(*traits, *outputs_[index]);
 }
 
 void AShaderFragmentGraph::addInput(const AParameter* parameter) { inputs_.emplace_back(parameter); }

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "host/document_reader.h"
+#include "host/port_finder.h"
 #include "host/shading_environment.h"
 #include "sfg/shader_fragment_graph_builder.h"
 #include "tolmsdk/exception.h"
@@ -15,13 +16,6 @@ namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
 constexpr std::wstring_view kInputSources[] = {L"node", L"graphInput", L"value", L"constant"};
-
-std::size_t findByName(const GraphNode::Ports& parameters, std::wstring_view name) {
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    if (parameters[i]->getName() == name) return i;
-  }
-  return kNotFound;
-}
 
 /// A copy with another default value.
 RefPtr<AParameter const> withValue(const AParameter& original, const AValue& value, bool constant) {
@@ -160,11 +154,12 @@ private:
 
   GraphNode::Ports readPorts(const IObjectDataNode& interface, std::wstring_view key) {
     GraphNode::Ports ports;
+    Set<std::wstring_view> names;
     const IObjectDataNode* const array = reader_.optionalArray(interface, key);
     for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
       const IObjectDataNode& object = reader_.objectAt(*array, i);
       RefPtr<AParameter> port = reader_.parameter(object);
-      if (findByName(ports, port->getName()) != kNotFound) {
+      if (!names.insert(port->getName()).second) {
         reader_.refuse(object, "the port name " + inTicks(port->getName()) + " is used twice");
       }
       ports.push_back(port);
@@ -212,7 +207,7 @@ private:
     if (source.empty()) {
       reader_.refuse(object, where() + " must hold exactly one of `node`, `graphInput`, `value`, `constant`");
     }
-    const std::size_t port = findByName(node.inputs(), name);
+    const std::size_t port = portFinder_.find(node.type_->inputs, name);
     if (port == kNotFound && !node.type_->knowsPorts) return;
     if (port == kNotFound) {
       reader_.refuse(object, "node " + inTicks(node.name_) + " has no input " + inTicks(name) + "; " +
@@ -258,7 +253,7 @@ private:
     if (found == nodes_.end()) reader_.refuse(*object.member(L"node"), "unknown node " + inTicks(name));
     wire.source = found->second;
     const GraphNode::Type& type = *wire.source->type_;
-    wire.output = output.empty() ? 0 : findByName(type.outputs, fromUtf8(output));
+    wire.output = output.empty() ? 0 : portFinder_.find(type.outputs, fromUtf8(output));
     if (wire.output < type.outputs.size() || !type.knowsPorts) return wire;
     const std::string wanted = output.empty() ? std::string("no outputs") : "no output " + inTicks(output);
     reader_.refuse(output.empty() ? object : *object.member(L"output"),
@@ -308,6 +303,7 @@ private:
   std::unordered_map<std::string_view, GraphNode*> nodes_;
   Map<WString, std::size_t> graphInputs_;
   Set<WString> graphNames_;
+  PortFinder portFinder_;
 };
 
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language) {

@@ -13,22 +13,15 @@
 #include "sfg/shader_fragment_profile_inline.h"
 #include "sfg/shader_fragment_profile_metasl.h"
 #include "sfg/shader_symbol.h"
+#include "text/ascii.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
 
-bool equalIgnoringCase(std::wstring_view a, std::wstring_view b) {
-  const auto lower = [](wchar_t c) {
-    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
-  };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [&lower](wchar_t x, wchar_t y) { return lower(x) == lower(y); });
-}
-
 RefPtr<AShaderFragmentProfile> makeProfile(std::wstring_view mode) {
-  if (equalIgnoringCase(mode, L"inline")) return makeRef<AShaderFragmentProfileInline>();
-  if (equalIgnoringCase(mode, L"metaSL")) return makeRef<AShaderFragmentProfileMetaSL>();
+  if (equalsIgnoringCase(mode, L"inline")) return makeRef<AShaderFragmentProfileInline>();
+  if (equalsIgnoringCase(mode, L"metaSL")) return makeRef<AShaderFragmentProfileMetaSL>();
   return makeRef<AShaderFragmentProfileFunction>();
 }
 

@@ -308,7 +308,7 @@ void ShaderSymbol::parseKeywords(ScopedText body) {
     if (pos >= body.length) return;
     const std::size_t start = pos;
     // Most words are told from ours by their first character.
-    const wchar_t first = scan::toLowerAscii(body.text[pos]);
+    const wchar_t first = toLowerAscii(body.text[pos]);
     const bool isMember = first == L's' && scan::isEqual(body, pos, L"state.");
     const bool isOurs = isMember || (first == L's' && scan::isEqual(body, pos, L"sfg_")) ||
                         (first == L'_' && scan::isEqual(body, pos, L"__"));

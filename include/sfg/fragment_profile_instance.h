@@ -154,9 +154,6 @@ private:
   bool mustWriteCall(const AShaderCollapseContext& context);
   bool hasSharedDefinition() const;
   void appendDefinitionKey(WString& key) const;
-  WString builtinFunctionValue(const BuiltinFunction& use) const;
-  Array<WString> builtinFunctionValues(const Array<BuiltinFunction>& uses) const;
-  bool isFinalOutput(std::size_t index) const;
 
   std::unique_ptr<Patterns> patterns_;
   mutable std::unique_ptr<Extras> extras_;
