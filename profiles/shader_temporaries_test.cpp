@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <iterator>
 #include <map>
 #include <random>
@@ -13,6 +12,7 @@
 
 #include "profiles/light_blocks.h"
 #include "sfg/size_limit.h"
+#include "tests/support/cost.h"
 #include "tests/support/messages.h"
 #include "tolmsdk/unicode.h"
 
@@ -356,30 +356,19 @@ TEST(TemporariesOfLongTexts, AreRefusedAboveTheSizeLimit) {
   EXPECT_EQ(messageOf([&] { numberTemporaries(text); }), L"sfgError : the generated code is too large!");
 }
 
-double secondsFor(std::size_t uses) {
-  const Caller caller = makeCaller();
-  std::wstring text;
-  for (std::size_t i = 0; i < uses; ++i) text += i % 2 == 0 ? L"<A>{" : L"}<AB>";
-  CallerText replaced = caller.replaced(text);
-  const auto start = std::chrono::steady_clock::now();
-  numberTemporaries(replaced);
-  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  const std::wstring number = std::to_wstring(uses);
-  EXPECT_NE(replaced.code.find(L"h(a_temp" + number + L", b_temp" + std::to_wstring(uses / 2) + L");"),
-            WString::npos);
-  EXPECT_EQ(replaced.code.find(L"a_temp" + std::to_wstring(uses + 1)), WString::npos);
-  return seconds;
-}
-
 TEST(TemporariesOfLongTexts, TakeTimeInProportionToTheUses) {
-  // The shortest of several runs: of the longer ones other work has its share.
-  double few = 1e9;
-  double many = 1e9;
-  for (int run = 0; run < 5; ++run) {
-    few = std::min(few, secondsFor(1000));
-    many = std::min(many, secondsFor(16000));
-  }
-  EXPECT_LT(many, 16 * few * 4);
+  const double growth = TolmSDK::test::costGrowth(1000, [](std::size_t uses) {
+    const Caller caller = makeCaller();
+    std::wstring text;
+    for (std::size_t i = 0; i < uses; ++i) text += i % 2 == 0 ? L"<A>{" : L"}<AB>";
+    CallerText replaced = caller.replaced(text);
+    numberTemporaries(replaced);
+    const std::wstring number = std::to_wstring(uses);
+    EXPECT_NE(replaced.code.find(L"h(a_temp" + number + L", b_temp" + std::to_wstring(uses / 2) + L");"),
+              WString::npos);
+    EXPECT_EQ(replaced.code.find(L"a_temp" + std::to_wstring(uses + 1)), WString::npos);
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
 }  // namespace

@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <ctime>
 #include <initializer_list>
 #include <memory>
 #include <type_traits>
 #include <utility>
 
 #include "sfg/size_limit.h"
+#include "tests/support/cost.h"
 #include "text/test_views.h"
 #include "tolmsdk/exception.h"
 
@@ -546,36 +546,25 @@ TEST_F(CodeAccumulatorTest, RefusesTextPastTheSizeLimit) {
   EXPECT_EQ(append(L"int x;\n"), L"int x;\n") << "what was refused was not written";
 }
 
-/// Processor time that it takes to append two pieces of code with `count` functions each whose names clash.
-std::clock_t timeForClashes(int count) {
-  WString first;
-  WString second;
-  for (int i = 0; i < count; ++i) {
-    const WString name = L"helper" + itos(i) + L"_";
-    const WString called = L"helper" + itos(i / 2) + L"_";
-    first += L"float " + name + L"() { return 1; }\n";
-    second += L"float " + name + L"() { return " + called + L"(); }\n";
-  }
-  const Contribution one(first.c_str());
-  const Contribution two(second.c_str());
-  const std::clock_t start = std::clock();
-  CodeAccumulator accumulator;
-  KeywordReplacePattern renames;
-  WString out;
-  accumulator.append(out, one.instance, {}, renames);
-  accumulator.append(out, two.instance, {}, renames);
-  EXPECT_EQ(renames.getKeywords().size(), static_cast<std::size_t>(count));
-  return std::clock() - start;
-}
-
 TEST_F(CodeAccumulatorTest, ClashingFunctionsTakeTimeInProportionToTheirText) {
-  const auto best = [](int count) {
-    std::clock_t time = timeForClashes(count);
-    for (int i = 0; i < 4; ++i) time = std::min(time, timeForClashes(count));
-    return time;
-  };
-  // Eight times the functions: a square would be 64 times the time.
-  EXPECT_LT(best(4000), 24 * best(500));
+  const double growth = TolmSDK::test::costGrowth(250, [](std::size_t count) {
+    WString first;
+    WString second;
+    for (std::size_t i = 0; i < count; ++i) {
+      const WString name = formatted(L"helper%Iu_", i);
+      first += L"float " + name + L"() { return 1; }\n";
+      second += L"float " + name + formatted(L"() { return helper%Iu_(); }\n", i / 2);
+    }
+    const Contribution one(first.c_str());
+    const Contribution two(second.c_str());
+    CodeAccumulator accumulator;
+    KeywordReplacePattern given;
+    WString out;
+    accumulator.append(out, one.instance, {}, given);
+    accumulator.append(out, two.instance, {}, given);
+    EXPECT_EQ(given.getKeywords().size(), count);
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
 TEST_F(CodeAccumulatorTest, ManyFunctionsTakeTimeInProportionToTheirText) {
