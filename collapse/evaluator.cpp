@@ -426,14 +426,28 @@ void FragmentEvaluator::writeShaderCalls(const Frame& frame) {
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
   const Array<WString> outputNames = active.getOutputNames();
   const ShaderCallScope scope(active);
+  // Uses of one text are replaced by the last call: set once, however many there are.
+  struct Replacement {
+    std::wstring_view use;
+    ShaderCallText call;
+  };
+  Array<Replacement> replacements;
+  Map<std::wstring_view, std::size_t> placeOf;
   for (const BuiltinFunction& use : frame.shaderUse->calls) {
     ShaderCallText call;
     if (!writeShaderCall(call, frame, outputNames, use)) continue;
-    const WString useText(use.range.view());
-    if (frame.shaderUse->caller != nullptr)
-      frame.shaderUse->caller->replaceShaderUse(useText, std::move(call));
+    const auto [known, isNew] = placeOf.emplace(use.range.view(), replacements.size());
+    if (isNew) replacements.push_back({use.range.view(), {}});
+    replacements[known->second].call = std::move(call);
+  }
+
+  const ShaderUse& uses = *frame.shaderUse;
+  for (Replacement& replacement : replacements) {
+    const WString use(replacement.use);
+    if (uses.caller != nullptr)
+      uses.caller->replaceShaderUse(use, std::move(replacement.call));
     else
-      frame.shaderUse->callerPattern->overrideReplacePattern(useText, call.text);
+      uses.callerPattern->overrideReplacePattern(use, replacement.call.text);
   }
 }
 

@@ -44,20 +44,19 @@ void KeywordReplacePattern::addReplacePattern(const KeywordPosKey& key, const WS
 }
 
 void KeywordReplacePattern::overrideReplacePattern(const WString& keyword, const WString& replacement) {
-  const WString sought(keyword);  // it may be one of the replacements, which change
-  bool isKnown = false;
-  for (std::size_t i = 0; i < keywords_.size(); ++i) {
-    if (keywords_[i] != sought) continue;
-    replacements_[i] = replacement;
-    isKnown = true;
-  }
-  if (!isKnown) addReplacePattern(keyword, replacement);
+  for (; numIndexed_ < keywords_.size(); ++numIndexed_)
+    rulesByKeyword_[keywords_[numIndexed_]].push_back(numIndexed_);
+  const auto known = rulesByKeyword_.find(keyword);
+  if (known == rulesByKeyword_.end()) return addReplacePattern(keyword, replacement);
+  for (const std::size_t rule : known->second) replacements_[rule] = replacement;
 }
 
 void KeywordReplacePattern::clearReplacePattern() {
   keywords_.clear();
   replacements_.clear();
   positionalReplacements_.clear();
+  rulesByKeyword_.clear();
+  numIndexed_ = 0;
 }
 
 KeywordReplacer::KeywordReplacer() = default;

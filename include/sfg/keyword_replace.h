@@ -39,6 +39,7 @@ public:
   /// Sets the positional rule of a span.
   void addReplacePattern(const KeywordPosKey& key, const WString& replacement);
   /// Sets the replacement of every entry whose keyword equals `keyword`; appends the pair when there is none.
+  /// Many calls take time in proportion to the rules and to what they set.
   void overrideReplacePattern(const WString& keyword, const WString& replacement);
   void clearReplacePattern();
 
@@ -52,6 +53,8 @@ private:
   Array<WString> keywords_;
   Array<WString> replacements_;
   PositionalReplacements positionalReplacements_;
+  Map<WString, Array<std::size_t>> rulesByKeyword_;  // made by overrides, of the first `numIndexed_` rules
+  std::size_t numIndexed_ = 0;
 };
 
 /// Where the replacement of a keyword rule stands in a copy, and the pattern's own text of it.
