@@ -330,9 +330,10 @@ CodeSnippetInstance& withKey(Contribution& made, const wchar_t* code, const WStr
   symbol.setKey(key);
   snippet->addCode(code);
   symbol.setRange(ScopedText(snippet->getCode()).substr(0, symbol.getRange().length));
-  symbol.setName(ScopedText(snippet->getCode())
-                     .substr(static_cast<std::size_t>(parsed.getSymbol(0).getName().text - parsed.getCode().data()),
-                             symbol.getName().length));
+  symbol.setName(
+      ScopedText(snippet->getCode())
+          .substr(static_cast<std::size_t>(parsed.getSymbol(0).getName().text - parsed.getCode().data()),
+                  symbol.getName().length));
   snippet->addSymbol(symbol);
   made.instance.construct(snippet.release(), {}, true);
   return made.instance;
@@ -359,7 +360,8 @@ TEST_F(CodeAccumulatorTest, AKeyThatWasSetMeetsThoseThatWereMadeBefore) {
   const WString before = out_;
   KeywordReplacePattern renamePattern;
   Contribution made(L"");
-  accumulator_.append(out_, withKey(made, L"void F() { }", parsed.getSymbol(0).getKey() + L"true"), {}, renamePattern);
+  accumulator_.append(out_, withKey(made, L"void F() { }", parsed.getSymbol(0).getKey() + L"true"), {},
+                      renamePattern);
   EXPECT_EQ(out_, before);
   accumulator_.append(out_, withKey(made, L"void F() { }", parsed.getSymbol(0).getKey()), {}, renamePattern);
   EXPECT_EQ(out_, before + L"void F1() { }");
