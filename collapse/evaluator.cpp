@@ -117,8 +117,8 @@ private:
   std::size_t below_;
 };
 
-/// Forgets the repeat lists of former epochs and lights, but never those that an evaluated instance or a run
-/// under way still needs. Whoever does not read the light has none.
+/// Forgets the repeat lists of former epochs and lights, but none that an evaluated instance or a run under
+/// way still needs. An instance that does not read the light has no list.
 class FragmentEvaluator::Run {
 public:
   explicit Run(FragmentEvaluator& evaluator) : evaluator_(evaluator) {
