@@ -89,7 +89,7 @@ const WString& inputValueType(const AShaderFragment& fragment, const ILanguageTr
 }  // namespace
 
 /// The frames of one run, on top of those of the runs that wait for it. Instances are under way as long as a
-/// frame of theirs is in here.
+/// frame that writes them is in here: a writer may ask for the inputs of the instance that it writes.
 class FragmentEvaluator::Stack {
 public:
   explicit Stack(FragmentEvaluator& evaluator)
@@ -104,10 +104,10 @@ public:
   Frame& top() { return frames_.back(); }
   void push(Frame&& frame) {
     frames_.push_back(std::move(frame));
-    if (top().instance != nullptr) evaluator_.stateOf(*top().instance).isUnderWay = true;
+    if (top().written != nullptr) evaluator_.stateOf(*top().written).isUnderWay = true;
   }
   void pop() {
-    if (top().instance != nullptr) evaluator_.stateOf(*top().instance).isUnderWay = false;
+    if (top().written != nullptr) evaluator_.stateOf(*top().written).isUnderWay = false;
     frames_.pop_back();
   }
 
@@ -200,7 +200,8 @@ bool FragmentEvaluator::run(Frame root) {
 
 bool FragmentEvaluator::enter(Stack& stack, Frame frame) {
   if (frame.task != Task::repeat) {
-    if (!context_.admit(*frame.instance) || stateOf(*frame.instance).isUnderWay) return false;
+    if (!context_.admit(*frame.instance)) return false;
+    if (frame.written != nullptr && stateOf(*frame.written).isUnderWay) return false;
     if (frame.instance->activeProfileInstance_ == nullptr || !begin(frame)) return false;
   }
   frame.epoch = epoch_;
