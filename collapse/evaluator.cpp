@@ -91,7 +91,7 @@ const WString& inputValueType(const AShaderFragment& fragment, const ILanguageTr
 }  // namespace
 
 /// The frames of one run, on top of those of the runs that wait for it. Instances are under way as long as a
-/// frame of theirs is in here.
+/// frame that writes them is in here: a writer may ask for the inputs of the instance that it writes.
 class FragmentEvaluator::Stack {
 public:
   explicit Stack(FragmentEvaluator& evaluator)
@@ -106,10 +106,10 @@ public:
   Frame& top() { return frames_.back(); }
   void push(Frame&& frame) {
     frames_.push_back(std::move(frame));
-    if (top().instance != nullptr) evaluator_.stateOf(*top().instance).isUnderWay = true;
+    if (top().written != nullptr) evaluator_.stateOf(*top().written).isUnderWay = true;
   }
   void pop() {
-    if (top().instance != nullptr) evaluator_.stateOf(*top().instance).isUnderWay = false;
+    if (top().written != nullptr) evaluator_.stateOf(*top().written).isUnderWay = false;
     frames_.pop_back();
   }
 
@@ -119,8 +119,8 @@ private:
   std::size_t below_;
 };
 
-/// Forgets the repeat lists of former epochs and lights, but never those that an evaluated instance or a run
-/// under way still needs. Whoever does not read the light has none.
+/// Forgets the repeat lists of former epochs and lights, but none that an evaluated instance or a run under
+/// way still needs. An instance that does not read the light has no list.
 class FragmentEvaluator::Run {
 public:
   explicit Run(FragmentEvaluator& evaluator) : evaluator_(evaluator) {
@@ -202,7 +202,8 @@ bool FragmentEvaluator::run(Frame root) {
 
 bool FragmentEvaluator::enter(Stack& stack, Frame frame) {
   if (frame.task != Task::repeat) {
-    if (!context_.admit(*frame.instance) || stateOf(*frame.instance).isUnderWay) return false;
+    if (!context_.admit(*frame.instance)) return false;
+    if (frame.written != nullptr && stateOf(*frame.written).isUnderWay) return false;
     if (frame.instance->activeProfileInstance_ == nullptr || !begin(frame)) return false;
   }
   frame.epoch = epoch_;
@@ -428,23 +429,28 @@ void FragmentEvaluator::writeShaderCalls(const Frame& frame) {
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
   const Array<WString> outputNames = active.getOutputNames();
   const ShaderCallScope scope(active);
-  // Of uses of one text the last call counts. The rules of such a text are set once: they may be many.
-  Array<std::pair<WString, ShaderCallText>> calls;
-  std::unordered_map<std::wstring_view, std::size_t> callOfUse;
+  // Uses of one text are replaced by the last call: set once, however many there are.
+  struct Replacement {
+    std::wstring_view use;
+    ShaderCallText call;
+  };
+  Array<Replacement> replacements;
+  std::unordered_map<std::wstring_view, std::size_t> placeOf;
   for (const BuiltinFunction& use : frame.shaderUse->calls) {
     ShaderCallText call;
     if (!writeShaderCall(call, frame, outputNames, use)) continue;
-    const auto [known, isNew] = callOfUse.emplace(use.range.view(), calls.size());
-    if (isNew)
-      calls.emplace_back(use.range.view(), std::move(call));
-    else
-      calls[known->second].second = std::move(call);
+    const auto [known, isNew] = placeOf.emplace(use.range.view(), replacements.size());
+    if (isNew) replacements.push_back({use.range.view(), {}});
+    replacements[known->second].call = std::move(call);
   }
-  for (auto& [useText, call] : calls) {
-    if (frame.shaderUse->caller != nullptr)
-      frame.shaderUse->caller->replaceShaderUse(useText, std::move(call));
+
+  const ShaderUse& uses = *frame.shaderUse;
+  for (Replacement& replacement : replacements) {
+    const WString use(replacement.use);
+    if (uses.caller != nullptr)
+      uses.caller->replaceShaderUse(use, std::move(replacement.call));
     else
-      frame.shaderUse->callerPattern->overrideReplacePattern(useText, call.text);
+      uses.callerPattern->overrideReplacePattern(use, replacement.call.text);
   }
 }
 

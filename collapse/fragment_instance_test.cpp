@@ -677,6 +677,47 @@ TEST_F(Instances, MayEvaluateOthersWhileTheirCallIsWritten) {
   EXPECT_NE(body().find("two1(\n        result_x_01,\n        result_x_11);"), std::string::npos) << body();
 }
 
+/// A function that takes the values of its inputs while its call is written.
+class AskingProfile : public AShaderFragmentProfileFunction {
+public:
+  bool writeFunctionCall(WString& out, AShaderCollapseContext& context, FragmentProfileInstance& instance,
+                         const Array<WString>& inputValues,
+                         const Array<WString>& outputValues) const override {
+    asked.clear();
+    return own->buildUserInputValues(context, asked) &&
+           AShaderFragmentProfileFunction::writeFunctionCall(out, context, instance, inputValues,
+                                                             outputValues);
+  }
+  const FragmentInstance* own = nullptr;
+  mutable Array<WString> asked;
+};
+
+TEST_F(Instances, MayTakeTheirInputsWhileTheirCallIsWritten) {
+  const auto profile = makeRef<AskingProfile>();
+  profile->setProfilename(L"default");
+  profile->languages().insert(UString(L"dx11"));
+  profile->setFunctionPrototype(L"void ask(float a, float b, out float r)");
+  const auto definition = makeRef<AShaderFragment>();
+  definition->registerProfile(profile.get());
+  AShaderFragment* ask = scene.add(*definition, L"x");
+  AShaderFragment* source = scene.addFunction(L"s", kOne);
+  ASSERT_TRUE(ask->setInputConnection(L"a", source, L"result"));
+  made(source);
+  FragmentInstance& instance = made(ask);
+  profile->own = &instance;
+  EXPECT_TRUE(instance.safeEvaluate(context));
+  EXPECT_EQ(profile->asked, (Array<WString>{L"result_s_01", L"bx"}));
+  EXPECT_EQ(body(), R"(    float result_x_01;
+    float result_s_01;
+    one1(
+        result_s_01);
+    ask1(
+        result_s_01,
+        bx,
+        result_x_01);
+)");
+}
+
 // Accumulation.
 
 TEST_F(Instances, AddTheirOutputsToAccumulators) {

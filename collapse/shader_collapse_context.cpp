@@ -12,6 +12,7 @@
 #include "sfg/code_snippet.h"
 #include "sfg/scoped_text.h"
 #include "sfg/size_limit.h"
+#include "text/scan.h"
 
 namespace TolmSDK::Graphics::sfg {
 
@@ -21,10 +22,7 @@ namespace {
 bool isBlankCode(const WString& code) {
   const ScopedText text(code);
   std::size_t pos = 0;
-  for (std::size_t before = kNotFound; before != pos;) {
-    before = pos;
-    skipWhitespaces(text, pos);
-  }
+  scan::skipBlanksAndComments(text, pos);
   return pos >= text.length;
 }
 

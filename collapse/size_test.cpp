@@ -1,5 +1,6 @@
 // Graphs as large as hosts may make them, and larger.
 
+#include <algorithm>
 #include <ctime>
 #include <string>
 
@@ -118,6 +119,38 @@ TEST(Size, RepeatsAShaderFunctionWithoutWalkingTheChainAboveIt) {
   EXPECT_LT(work.seconds(), 20.0);
   EXPECT_EQ(countOf(text, "    state.shaderInput"), kLength + 1);
 }
+
+/// Seconds for a function that calls its source so many times, with the same words each time or others.
+double secondsForUses(std::size_t uses, bool areEqual) {
+  TestScene scene;
+  AShaderFragment* dots = scene.addFunction(L"dots", L"void dots(float p, out float r)\n{\nr = p;\n}");
+  std::wstring mix = L"void mix(float f, out float r)\n{\n";
+  for (std::size_t i = 0; i < uses; ++i)
+    mix += L"sfg_shader(f, p, x" + std::to_wstring(areEqual ? 0 : i) + L");\n";
+  AShaderFragment* caller = scene.addFunction(L"caller", mix + L"}");
+  caller->setInputConnection(L"f", dots, L"r");
+  scene.output(L"color", TypeID_float, caller);
+  const WorkTime work;
+  const std::string text = test::collapseDefault(scene);
+  const double seconds = work.seconds();
+  EXPECT_EQ(countOf(text, "    dots1(\n"), uses);
+  return seconds;
+}
+
+class ManyUses : public ::testing::TestWithParam<bool> {};
+
+TEST_P(ManyUses, OfAShaderFunctionTakeTimeInProportion) {
+  double few = 1e9;
+  double many = 1e9;
+  for (int run = 0; run < 3; ++run) {
+    few = std::min(few, secondsForUses(1000, GetParam()));
+    many = std::min(many, secondsForUses(16'000, GetParam()));
+  }
+  EXPECT_LT(many, 16 * few * 6);
+}
+
+INSTANTIATE_TEST_SUITE_P(Size, ManyUses, ::testing::Bool(),
+                         [](const auto& parameter) { return parameter.param ? "Equal" : "Different"; });
 
 TEST(Size, RefusesAnExpressionThatDoublesAtEveryLevel) {
   TestScene scene;

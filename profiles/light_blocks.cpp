@@ -105,8 +105,9 @@ std::size_t digitsBelow(std::size_t count) {
   return digits;
 }
 
-void appendWithCalls(CallerText& out, const CallerText& text, std::wstring_view inner,
-                     std::wstring_view function) {
+/// A part of a block, calling the light's function.
+void appendForFunction(CallerText& out, const CallerText& text, std::wstring_view inner,
+                       std::wstring_view function) {
   std::size_t from = 0;
   for (std::size_t at = inner.find(kLighting); at != inner.npos; at = inner.find(kLighting, from)) {
     out.append(text, inner.substr(from, at - from));
@@ -121,11 +122,11 @@ void appendForLight(CallerText& out, const CallerText& text, const Block& block,
   std::size_t from = 0;
   for (std::size_t pairs = 2 * block.markerPairs; pairs != 0; --pairs) {
     const MarkerPlace place = *findMarker(block.inner, from);
-    appendWithCalls(out, text, block.inner.substr(from, place.position - from), function);
+    appendForFunction(out, text, block.inner.substr(from, place.position - from), function);
     out.code += place.marker == Marker::begin ? kOpen : kClose;
     from = place.behind();
   }
-  appendWithCalls(out, text, block.inner.substr(from), function);
+  appendForFunction(out, text, block.inner.substr(from), function);
   out.code += kClose;
 }
 

@@ -48,14 +48,6 @@ WString keyOfIdentity(std::wstring_view identity) {
   return isFunction ? symbol.getKey() : code;
 }
 
-/// Past blanks and any number of comments.
-void skipBlanksAndComments(const ScopedText& text, std::size_t& pos) {
-  for (std::size_t before = kNotFound; before != pos;) {
-    before = pos;
-    scan::skipWhitespaces(text, pos);
-  }
-}
-
 }  // namespace
 
 /// What was written, and under which names. All views point into `texts`.
@@ -357,7 +349,7 @@ void CodeAccumulator::Impl::findKnownCalls(const ShaderSymbolInstance& symbol) {
     const std::size_t start = pos;
     const ScopedText word = scan::getKeyword(text, pos);
     std::size_t behind = pos;
-    skipBlanksAndComments(text, behind);
+    scan::skipBlanksAndComments(text, behind);
     if (behind >= text.length || text.text[behind] != L'(') continue;
     const Name* name = findName(word.view());
     if (name != nullptr && name->isFunction) knownCalls.add({start, word.length});

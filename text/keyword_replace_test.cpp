@@ -118,6 +118,47 @@ TEST(KeywordReplacePattern, OverridesEveryEqualKeyword) {
   EXPECT_EQ(p.getKeywords().size(), 5u);
 }
 
+TEST(KeywordReplacePattern, OverridesWhatWasAddedSince) {
+  KeywordReplacePattern p;
+  p.overrideReplacePattern(L"u", L"1");
+  p.addReplacePattern(L"u", L"2");
+  p.addReplacePattern(Array<WString>{L"w", L"u"}, Array<WString>{L"3", L"4"});
+  KeywordReplacePattern copy = p;
+  p.overrideReplacePattern(L"u", L"v");
+  EXPECT_EQ(p.getReplacements(), (Array<WString>{L"v", L"v", L"3", L"v"}));
+  copy.overrideReplacePattern(L"w", L"x");
+  EXPECT_EQ(copy.getReplacements(), (Array<WString>{L"1", L"2", L"x", L"4"}));
+  copy.clearReplacePattern();
+  copy.addReplacePattern(L"a", L"b");
+  copy.overrideReplacePattern(L"u", L"5");
+  EXPECT_EQ(copy.getKeywords(), (Array<WString>{L"a", L"u"}));
+  EXPECT_EQ(copy.getReplacements(), (Array<WString>{L"b", L"5"}));
+}
+
+double secondsToOverride(std::size_t count) {
+  KeywordReplacePattern p;
+  const auto keyword = [](std::size_t i) {
+    return WString(L"sfg_shader(f, ") + itos(static_cast<long long>(i));
+  };
+  for (std::size_t i = 0; i < count; ++i) p.addReplacePattern(keyword(i), L"");
+  const auto start = std::chrono::steady_clock::now();
+  for (std::size_t i = count; i-- > 0;) p.overrideReplacePattern(keyword(i), L"f1();");
+  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  EXPECT_EQ(p.getReplacements(), Array<WString>(count, L"f1();"));
+  return seconds;
+}
+
+TEST(KeywordReplacePattern, OverridesWithoutLookingThroughAllKeywords) {
+  // The shortest of several runs: of the longer ones other work has its share.
+  double few = 1e9;
+  double many = 1e9;
+  for (int run = 0; run < 3; ++run) {
+    few = std::min(few, secondsToOverride(1000));
+    many = std::min(many, secondsToOverride(16000));
+  }
+  EXPECT_LT(many, 16 * few * 4);
+}
+
 TEST(KeywordReplacePattern, RefusesArraysOfDifferentLengths) {
   const Array<WString> none;
   const Array<WString> one{L"a"};

@@ -1,6 +1,6 @@
 #pragma once
 
-// The scanning functions of sfg/scoped_text.h, inline for the parsers of this folder: exported functions
+// The scanning functions of sfg/scoped_text.h, inline for the parsers of this library: exported functions
 // cannot be inlined where they are called.
 
 #include <algorithm>
@@ -80,6 +80,14 @@ inline void skipWhitespaces(const ScopedText& text, std::size_t& pos) {
   while (pos < text.length && scan::isWhitespace(text.text[pos])) {
     ++pos;
     if (startsComment(text, pos)) skipStartedComment(text, pos);
+  }
+}
+
+/// Also past comments that stand side by side, at the second of which skipWhitespaces() stops.
+inline void skipBlanksAndComments(const ScopedText& text, std::size_t& pos) {
+  for (std::size_t before = kNotFound; before != pos;) {
+    before = pos;
+    scan::skipWhitespaces(text, pos);
   }
 }
 

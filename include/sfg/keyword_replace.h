@@ -40,6 +40,7 @@ public:
   /// Sets the positional rule of a span.
   void addReplacePattern(const KeywordPosKey& key, const WString& replacement);
   /// Sets the replacement of every entry whose keyword equals `keyword`; appends the pair when there is none.
+  /// Many calls take time in proportion to the rules and to what they set.
   void overrideReplacePattern(const WString& keyword, const WString& replacement);
   void clearReplacePattern();
 
