@@ -68,7 +68,7 @@ std::size_t countCalls(std::wstring_view text) {
 /// Takes the next block off the front of `rest`; false when there is no more. A begin marker inside a block
 /// stands in each of its copies, which are looked through again: with several lights there are then ever more
 /// begin markers than end markers. With one light the copy's begin marker opens a block that goes up to the
-/// next end marker. All that hang together so are one block here, whose inner markers become braces as well.
+/// next end marker. These nested blocks are taken together, as one block whose inner markers become braces.
 bool takeBlock(std::wstring_view& rest, bool mayNest, Block& block) {
   std::optional<MarkerPlace> place = findMarker(rest, 0);
   if (!place) return false;

@@ -127,6 +127,7 @@ void SymbolRings::findRings() {
   for (std::uint32_t start = 0; start < numFamilies_; ++start) {
     if (order[start] == 0) enter(start);
     while (!path.empty()) {
+      // Follow the next name that the texts of the family at the end of the path hold.
       Visit& visit = path.back();
       const Array<std::uint32_t>& held = families_[visit.family].held;
       // Names come in front of the other keywords.
@@ -139,6 +140,8 @@ void SymbolRings::findRings() {
         }
         continue;
       }
+      // All are followed: the family hands on what it reaches, and closes its ring when it is the first of
+      // it.
       const std::uint32_t done = visit.family;
       path.pop_back();
       if (!path.empty()) lowest[path.back().family] = std::min(lowest[path.back().family], lowest[done]);

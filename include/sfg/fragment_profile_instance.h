@@ -78,7 +78,7 @@ public:
   /// From sfg_shader calls to what replaces them; at first the profile's default, which removes them.
   KeywordReplacePattern& getShaderReplacePattern();
   /// Puts a call in place of an sfg_shader use: sets the rule of the use's text in that pattern, and keeps
-  /// which variables the call declares. For the collapse, as its type is.
+  /// which variables the call declares. For the collapse only: the type of the call is not exported.
   void replaceShaderUse(const WString& use, ShaderCallText call);
   /// What replaceShaderUse() keeps; null when no call declares a variable.
   const ShaderTemporaries* findShaderTemporaries() const;
