@@ -1,6 +1,7 @@
 #include "sfg/shader_collapse_context.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cassert>
 #include <optional>
 #include <utility>
@@ -28,10 +29,16 @@ bool isBlankCode(const WString& code) {
 
 }  // namespace
 
+/// Addresses come again, numbers do not.
+std::uint64_t AShaderCollapseContext::nextContextNumber() noexcept {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
+
 AShaderCollapseContext::AShaderCollapseContext()
     : result_(makeRef<AShaderFragment>()), resultProfile_(makeRef<AShaderFragmentProfileFunction>()),
       fragmentInstances_(std::make_unique<InstanceTable>()),
-      lightFragmentInstances_(std::make_unique<InstanceTable>()),
+      lightFragmentInstances_(std::make_unique<InstanceTable>()), number_(nextContextNumber()),
       writtenDefinitions_(std::make_unique<WrittenDefinitions>()),
       evaluator_(std::make_unique<FragmentEvaluator>(*this)) {
   resultProfile_->setProfilename(L"default");
@@ -128,12 +135,12 @@ FragmentInstance& AShaderCollapseContext::getInstance(InstanceTable& instances, 
 }
 
 bool AShaderCollapseContext::admit(const FragmentInstance& instance) {
-  if (instance.context_ == nullptr) {
-    instance.context_ = this;
+  if (instance.context_ == 0) {
+    instance.context_ = number_;
     instance.number_ = ++instancesMade_;
   }
-  assert(instance.context_ == this && "an instance is evaluated in one context only");
-  return instance.context_ == this;
+  assert(instance.context_ == number_ && "an instance is evaluated in one context only");
+  return instance.context_ == number_;
 }
 
 FragmentInstance& AShaderCollapseContext::getFragmentInstance(const IShaderFragment* fragment) {

@@ -341,7 +341,12 @@ void CodeAccumulator::Impl::write(WString& out, const CodeSnippetInstance& code,
 /// The names of functions that earlier calls wrote, where a definition calls them behind its parameter list.
 void CodeAccumulator::Impl::findKnownCalls(const ShaderSymbolInstance& symbol) {
   const ScopedText text = symbol.getText();
-  std::size_t pos = static_cast<std::size_t>(symbol.getName().text - text.text) + symbol.getName().length;
+  const ScopedText own = symbol.getName();
+  // A name that was set by hand may stand elsewhere.
+  const bool isInside =
+      !std::less<>()(own.text, text.text) && !std::less<>()(text.text + text.length, own.text + own.length);
+  if (!isInside) return;
+  std::size_t pos = static_cast<std::size_t>(own.text - text.text) + own.length;
   scan::getBracketBody(text, pos, L'(', L')');
   for (;;) {
     scan::skipNonKeywords(text, pos);

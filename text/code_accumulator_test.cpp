@@ -515,6 +515,22 @@ TEST_F(DefinitionTest, ManyRulesKeepKnownCallsToo) {
             L"void blur11() { blur1(); blur11; " + calls + L"}");
 }
 
+TEST_F(DefinitionTest, ANameThatStandsElsewhereProtectsNothing) {
+  CodeSnippet parsed;
+  parsed.addCode(L"blur1 void blur1() { blur1(); }");
+  ShaderSymbol symbol;
+  const ScopedText all(parsed.getCode());
+  symbol.constructFunction(all.substr(6, 4), all.substr(11, 5), all.substr(16, 2), all.substr(19, 100));
+  symbol.setName(all.substr(0, 5));
+  parsed.addSymbol(symbol);
+  CodeSnippetInstance instance;
+  instance.construct(&parsed, {}, false);
+  KeywordReplacePattern renamePattern;
+  out_.clear();
+  accumulator_.appendDefinition(out_, instance, pattern_, renamePattern, L"blur1");
+  EXPECT_EQ(out_, L"void blur11() { blur11(); }");
+}
+
 TEST_F(DefinitionTest, OtherSymbolsOfTheCodeAreNoDefinitions) {
   EXPECT_EQ(appendDefinition(L"void other() { blur1(); }\nvoid blur1() { }\n"),
             L"void other() { blur11(); }\nvoid blur11() { }\n");

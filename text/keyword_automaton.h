@@ -20,6 +20,10 @@ namespace TolmSDK::Graphics::sfg {
 /// finds. Does not keep the keywords.
 class KeywordAutomaton {
 public:
+  /// Up to so many keywords of up to that length are found as fast one by one.
+  static constexpr std::size_t kFew = 8;
+  static constexpr std::size_t kLong = 128;
+
   using State = std::uint32_t;
   static constexpr State kStart = 0;
 

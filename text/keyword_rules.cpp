@@ -18,10 +18,10 @@ void KeywordRules::add(const KeywordReplacePattern& pattern) {
 
 /// Few short keywords are searched one by one. Many are too, until that has cost as much as an automaton.
 const KeywordAutomaton* KeywordRules::automatonFor(std::size_t textLength) const {
-  constexpr std::size_t kLong = 128;
+  constexpr std::size_t kLong = KeywordAutomaton::kLong;
   constexpr std::size_t kCostOfState = 32;
   if (automaton_) return automaton_.get();
-  if (keywords_.size() <= KeywordMatches::kFew && longest_ <= kLong) return nullptr;
+  if (keywords_.size() <= KeywordAutomaton::kFew && longest_ <= kLong) return nullptr;
   searched_ += keywords_.size() * textLength;
   if (searched_ <= kCostOfState * totalLength_ && longest_ <= kLong) return nullptr;
   Array<std::wstring_view> keywords;

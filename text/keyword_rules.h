@@ -74,8 +74,6 @@ public:
   const Match* findNext(std::size_t cursor);
 
 private:
-  static constexpr std::size_t kFew = 8;
-
   std::size_t findOccurrence(std::size_t rule, std::size_t from) const;
   void collect(const KeywordAutomaton& automaton);
   const Match* findNextOfFew(std::size_t cursor);
@@ -86,7 +84,7 @@ private:
   const KeywordAutomaton* automaton_;
   std::size_t limit_ = 0;
   // Without an automaton: the next match of each rule that still has one. Few rules live on the stack.
-  std::array<Match, kFew> few_;
+  std::array<Match, KeywordAutomaton::kFew> few_;
   Array<Match> many_;
   Match* next_ = few_.data();
   std::size_t count_ = 0;

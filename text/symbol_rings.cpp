@@ -67,11 +67,10 @@ void SymbolRings::findHeld(const CodeSnippetInstance& code) {
   // A family alone is not asked for its own name.
   if (keywords_.size() < 2) return;
   lastHolder_.assign(keywords_.size(), 0);
-  constexpr std::size_t kFew = 8;
-  constexpr std::size_t kLong = 128;
-  const bool areFew = keywords_.size() <= kFew &&
-                      std::all_of(keywords_.begin(), keywords_.end(),
-                                  [](std::wstring_view keyword) { return keyword.size() <= kLong; });
+  const bool areFew = keywords_.size() <= KeywordAutomaton::kFew &&
+                      std::all_of(keywords_.begin(), keywords_.end(), [](std::wstring_view keyword) {
+                        return keyword.size() <= KeywordAutomaton::kLong;
+                      });
   std::optional<KeywordAutomaton> automaton;
   if (!areFew) automaton.emplace(keywords_);
   for (std::size_t i = 0; i < numFamilies_; ++i) {

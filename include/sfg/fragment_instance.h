@@ -129,9 +129,9 @@ private:
   std::unique_ptr<Extras> extras_;
   mutable Array<Input> inputs_;  // one may be made while its value is asked for
 
-  // Kept by the context that made the instance or was the first to evaluate it: itself, the instance's number
-  // (those that it made count up), and the profile request that was answered last.
-  mutable const AShaderCollapseContext* context_ = nullptr;
+  // Kept by the context that made the instance or was the first to evaluate it: its own number, the
+  // instance's (those that it made count up), and the profile request that was answered last.
+  mutable std::uint64_t context_ = 0;
   mutable std::uint32_t number_ = 0;
   std::uint32_t profileRequest_ = 0;
 };

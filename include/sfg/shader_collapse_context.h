@@ -96,6 +96,7 @@ private:
   friend class FragmentInstance;
   friend class FragmentProfileInstance;
 
+  static std::uint64_t nextContextNumber() noexcept;
   bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
   FragmentInstance* createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
@@ -117,6 +118,7 @@ private:
   Set<WString> fragmentKeys_;
   std::unique_ptr<InstanceTable> fragmentInstances_;
   std::unique_ptr<InstanceTable> lightFragmentInstances_;
+  std::uint64_t number_;  // among all contexts, from 1
   std::uint32_t instancesMade_ = 0;
   std::unique_ptr<WrittenDefinitions> writtenDefinitions_;
   std::unique_ptr<FragmentEvaluator> evaluator_;
