@@ -24,4 +24,11 @@ private:
   double start_;
 };
 
+template <class Round>
+double secondsOf(const Round& round) {
+  const Stopwatch watch;
+  round();
+  return watch.seconds();
+}
+
 }  // namespace TolmSDK::Graphics::sfg::benchmarks
