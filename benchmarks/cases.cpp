@@ -120,8 +120,9 @@ std::vector<Case> makeCases() {
   addShape("built-in calls", makeBuiltinCalls);
   addShape("shader calls", makeShaderCalls);
   addShape("clashing helpers", makeClashingHelpers);
-  addShape("inline chain", makeInlineChain);
-  addShape("lit inline chain", makeLitInlineChain);
+  // What is written grows with the square.
+  addSizes("inline chain", {100, 300, 1000, 3000}, makeInlineChain);
+  addSizes("lit inline chain", {100, 300, 1000, 3000}, makeLitInlineChain);
   addShape("alternating lights", makeAlternatingLights);
   addShape("unknown profile", makeUnknownProfile);
   addShape("outputs", makeOutputs);
