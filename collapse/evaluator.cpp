@@ -1,6 +1,8 @@
 #include "collapse/evaluator.h"
 
+#include <string_view>
 #include <typeinfo>
+#include <unordered_map>
 #include <utility>
 
 #include "profiles/shader_temporaries.h"
@@ -124,7 +126,7 @@ public:
   explicit Run(FragmentEvaluator& evaluator) : evaluator_(evaluator) {
     const bool isOld =
         evaluator_.listsEpoch_ != evaluator_.epoch_ || evaluator_.listsLight_ != evaluator_.light_;
-    if (evaluator_.runs_++ == 0 && isOld) evaluator_.lists_.resize(1);
+    if (evaluator_.runs_++ == 0 && isOld) evaluator_.lists_.clear();
   }
   ~Run() {
     if (--evaluator_.runs_ != 0) return;
@@ -143,7 +145,7 @@ private:
 bool FragmentEvaluator::evaluate(FragmentInstance& instance) {
   if (!context_.admit(instance)) return false;
   if (const InstanceState& state = stateOf(instance); isEvaluated(state))
-    return state.repeatList == 0 || run(repeatFrame(state.repeatList));
+    return state.repeatList == RepeatLists::kEmpty || run(repeatFrame(state.repeatList));
   return run(frameOf(Task::evaluate, instance));
 }
 
@@ -228,7 +230,7 @@ bool FragmentEvaluator::begin(Frame& frame) {
 }
 
 bool FragmentEvaluator::isFinished(const Frame& frame) const {
-  if (frame.task == Task::repeat) return frame.next == lists_[frame.list].size();
+  if (frame.task == Task::repeat) return frame.next == lists_.size(frame.list);
   return frame.next == frame.instance->fragment_->getInputConnections().size();
 }
 
@@ -258,15 +260,15 @@ bool FragmentEvaluator::enterSource(Stack& stack) {
     frame.isWaiting = true;
     return enter(stack, frameOf(Task::evaluate, *frame.source));
   }
-  if (source.repeatList == 0) return true;
+  if (source.repeatList == RepeatLists::kEmpty) return true;
   frame.isWaiting = true;
   return enter(stack, repeatFrame(source.repeatList));
 }
 
 bool FragmentEvaluator::visitNextItem(Stack& stack) {
   Frame& frame = stack.top();
-  const RepeatItem item = lists_[frame.list][frame.next++];
-  if (item.list != 0) return enter(stack, repeatFrame(item.list));
+  const RepeatLists::Item item = lists_.item(frame.list, frame.next++);
+  if (item.list != RepeatLists::kEmpty) return enter(stack, repeatFrame(item.list));
   FragmentInstance* source = findSource(*item.caller, item.input);
   return source != nullptr && enter(stack, shaderFrame(*item.caller, *source, item.input));
 }
@@ -315,7 +317,7 @@ bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
     instance.createLateInputUniform(context_, frame.next);
     frame.inputValues[frame.next] = instance.inputValue(frame.next);
     frame.readsLight = true;  // shader functions are taken to read it
-    if (frame.sourceWritesAgain) frame.repeats.push_back({0, frame.instance, frame.next});
+    if (frame.sourceWritesAgain) frame.repeats.push_back({RepeatLists::kEmpty, frame.instance, frame.next});
     return true;
   }
   if (!frame.source->hasActiveProfileOutput(output)) return false;
@@ -324,7 +326,7 @@ bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   const InstanceState& source = stateOf(*frame.source);
   if (source.readsLight) frame.readsLight = true;
   if (source.changesAtEveryUse) frame.changesAtEveryUse = true;
-  if (source.repeatList != 0) frame.repeats.push_back({source.repeatList, nullptr, 0});
+  if (source.repeatList != RepeatLists::kEmpty) frame.repeats.push_back({source.repeatList, nullptr, 0});
   return true;
 }
 
@@ -354,7 +356,7 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
   reserveTexts();
 
   InstanceState& state = stateOf(*frame.instance);
-  state.repeatList = makeList(std::move(frame.repeats));
+  state.repeatList = lists_.add(frame.repeats);
   state.epoch = frame.epoch;
   state.light = frame.light;
   state.readsLight = frame.readsLight || mayReadLight(active);
@@ -426,10 +428,19 @@ void FragmentEvaluator::writeShaderCalls(const Frame& frame) {
   FragmentProfileInstance& active = *frame.instance->activeProfileInstance_;
   const Array<WString> outputNames = active.getOutputNames();
   const ShaderCallScope scope(active);
+  // Of uses of one text the last call counts. The rules of such a text are set once: they may be many.
+  Array<std::pair<WString, ShaderCallText>> calls;
+  std::unordered_map<std::wstring_view, std::size_t> callOfUse;
   for (const BuiltinFunction& use : frame.shaderUse->calls) {
     ShaderCallText call;
     if (!writeShaderCall(call, frame, outputNames, use)) continue;
-    const WString useText(use.range.view());
+    const auto [known, isNew] = callOfUse.emplace(use.range.view(), calls.size());
+    if (isNew)
+      calls.emplace_back(use.range.view(), std::move(call));
+    else
+      calls[known->second].second = std::move(call);
+  }
+  for (auto& [useText, call] : calls) {
     if (frame.shaderUse->caller != nullptr)
       frame.shaderUse->caller->replaceShaderUse(useText, std::move(call));
     else
@@ -482,7 +493,7 @@ FragmentEvaluator::Frame FragmentEvaluator::shaderFrame(const FragmentInstance& 
   return frame;
 }
 
-FragmentEvaluator::Frame FragmentEvaluator::repeatFrame(ListNumber list) const {
+FragmentEvaluator::Frame FragmentEvaluator::repeatFrame(RepeatLists::Number list) const {
   Frame frame;
   frame.task = Task::repeat;
   frame.list = list;
@@ -504,13 +515,6 @@ FragmentInstance* FragmentEvaluator::findSource(const FragmentInstance& instance
 FragmentEvaluator::InstanceState& FragmentEvaluator::stateOf(const FragmentInstance& instance) {
   if (states_.size() <= instance.number_) states_.resize(instance.number_ + std::size_t{1});
   return states_[instance.number_];
-}
-
-FragmentEvaluator::ListNumber FragmentEvaluator::makeList(Array<RepeatItem> items) {
-  if (items.empty()) return 0;
-  if (items.size() == 1 && items[0].list != 0) return items[0].list;
-  lists_.push_back(std::move(items));
-  return static_cast<ListNumber>(lists_.size() - 1);
 }
 
 WString& FragmentEvaluator::body() const { return context_.getResultProfile()->getFunctionBody(); }

@@ -7,6 +7,7 @@
 #include <deque>
 #include <memory>
 
+#include "collapse/repeat_lists.h"
 #include "collapse/text_forecast.h"
 #include "sfg/fragment_instance.h"
 #include "sfg/keyword_replace.h"
@@ -50,15 +51,6 @@ public:
   void startLight() noexcept { ++light_; }
 
 private:
-  using ListNumber = std::uint32_t;  // 0 is the empty list
-
-  /// Either a whole list or the shader function that feeds an input of `caller`.
-  struct RepeatItem {
-    ListNumber list = 0;
-    const FragmentInstance* caller = nullptr;
-    std::size_t input = 0;
-  };
-
   enum class Task : std::uint8_t { evaluate, evaluateInto, evaluateShader, collectInputs, repeat };
 
   struct ShaderUse {
@@ -69,7 +61,7 @@ private:
 
   /// What the walk knows of an instance.
   struct InstanceState {
-    ListNumber repeatList = 0;
+    RepeatLists::Number repeatList = RepeatLists::kEmpty;
     bool isUnderWay = false;
     bool readsLight = false;  // itself or something that feeds it
     bool changesAtEveryUse = false;
@@ -83,7 +75,7 @@ private:
     bool isWaiting = false;          // for the frame above, which evaluates the source of the next input
     bool sourceWritesAgain = false;  // what that frame, a shader function, would do at a second visit
     bool writesAgain = false;
-    ListNumber list = 0;  // task repeat: what to redo
+    RepeatLists::Number list = RepeatLists::kEmpty;  // task repeat: what to redo
     const FragmentInstance* instance = nullptr;
     FragmentInstance* written = nullptr;  // the same, unless its inputs are all that is asked for
     FragmentInstance* source = nullptr;   // that feeds the next input
@@ -95,7 +87,7 @@ private:
     Array<WString> inputValues;
     Array<WString>* values = nullptr;      // tasks evaluateInto and collectInputs: the caller's
     std::unique_ptr<ShaderUse> shaderUse;  // task evaluateShader
-    Array<RepeatItem> repeats;             // what a second visit of the instance would have to redo
+    Array<RepeatLists::Item> repeats;      // what a second visit of the instance would have to redo
   };
 
   using Frames = std::deque<Frame, StlAllocator<Frame>>;
@@ -125,13 +117,12 @@ private:
   bool writeShaderCall(ShaderCallText& out, const Frame& frame, const Array<WString>& outputNames,
                        const BuiltinFunction& use);
   Frame shaderFrame(const FragmentInstance& caller, FragmentInstance& source, std::size_t input) const;
-  Frame repeatFrame(ListNumber list) const;
+  Frame repeatFrame(RepeatLists::Number list) const;
   FragmentInstance* findSource(const FragmentInstance& instance, std::size_t input) const;
   InstanceState& stateOf(const FragmentInstance& instance);
   bool isEvaluated(const InstanceState& state) const {
     return state.epoch == epoch_ && (!state.readsLight || state.light == light_) && !state.changesAtEveryUse;
   }
-  ListNumber makeList(Array<RepeatItem> items);
   WString& body() const;
 
   AShaderCollapseContext& context_;
@@ -146,7 +137,7 @@ private:
   Array<WString> outputTexts_;
   TextRate declarations_;
   TextRate calls_;
-  Array<Array<RepeatItem>> lists_{1};
+  RepeatLists lists_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -4,8 +4,9 @@
 #include <utility>
 
 #include "collapse/evaluator.h"
-#include "collapse/ports.h"
 #include "collapse/visited_fragments.h"
+#include "fragments/ports.h"
+#include "fragments/profile_choice.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"
 #include "tolmsdk/exception.h"
@@ -159,12 +160,8 @@ bool FragmentInstance::activateBestProfile(AShaderCollapseContext& context, cons
 
 const IShaderFragmentProfile* FragmentInstance::findProfile(const AShaderCollapseContext& context,
                                                             const WString& profileName, float lod) const {
-  static const WString defaultName(L"default");
   if (!fragment_) return nullptr;
-  const IShaderFragmentProfile* profile =
-      fragment_->findBestProfile(profileName, context.getLanguageString(), lod);
-  return profile != nullptr ? profile
-                            : fragment_->findBestProfile(defaultName, context.getLanguageString(), lod);
+  return findBestOrDefaultProfile(*fragment_, profileName, context.getLanguageString(), lod);
 }
 
 bool FragmentInstance::hasActiveProfile(const IShaderFragmentProfile* profile) const {

@@ -1,10 +1,11 @@
 #include "sfg/fragment_profile_instance.h"
 
 #include <algorithm>
+#include <optional>
 #include <typeinfo>
 #include <utility>
 
-#include "collapse/ports.h"
+#include "fragments/ports.h"
 #include "profiles/shader_temporaries.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"
@@ -45,7 +46,100 @@ bool hasOnlySymbols(const CodeSnippetInstance& code) {
   return true;
 }
 
+/// Parameters of a profile by name: looked through for the first questions, then sorted once.
+class ParameterFinder {
+public:
+  using GetName = const WString& (ITextParameterList::*)(std::size_t) const;
+
+  ParameterFinder(const ITextParameterList& list, std::size_t count, GetName getName)
+      : list_(list), count_(count), getName_(getName) {}
+
+  /// The first of exactly that name, or the not-found value.
+  std::size_t find(std::wstring_view name) {
+    constexpr std::size_t kFewQuestions = 8;
+    if (questions_++ < kFewQuestions) return findUnsorted(name);
+    if (sorted_.empty()) sort();
+    const auto found =
+        std::lower_bound(sorted_.begin(), sorted_.end(), name,
+                         [&](std::size_t at, std::wstring_view sought) { return nameOf(at) < sought; });
+    return found != sorted_.end() && nameOf(*found) == name ? *found : kNotFound;
+  }
+
+private:
+  const WString& nameOf(std::size_t at) const { return (list_.*getName_)(at); }
+
+  std::size_t findUnsorted(std::wstring_view name) const {
+    for (std::size_t i = 0; i < count_; ++i)
+      if (nameOf(i) == name) return i;
+    return kNotFound;
+  }
+
+  void sort() {
+    for (std::size_t i = 0; i < count_; ++i) sorted_.push_back(i);
+    std::stable_sort(sorted_.begin(), sorted_.end(),
+                     [&](std::size_t a, std::size_t b) { return nameOf(a) < nameOf(b); });
+  }
+
+  const ITextParameterList& list_;
+  std::size_t count_;
+  GetName getName_;
+  std::size_t questions_ = 0;
+  Array<std::size_t> sorted_;
+};
+
 WString boolText(bool value) { return value ? L"true" : L"false"; }
+
+/// The outputs of the fragment that feed an output of its graph.
+Set<std::size_t> findFinalOutputs(const AShaderFragment& fragment) {
+  Set<std::size_t> outputs;
+  const IShaderFragmentGraph* graph = fragment.getOwnerGraph();
+  if (graph == nullptr) return outputs;
+  for (const ShaderFragmentConnection& connection : graph->getOutputConnections())
+    if (connection.fragment == &fragment) outputs.insert(connection.index);
+  return outputs;
+}
+
+/// Values of the built-in calls in the code of one profile.
+class BuiltinValues {
+public:
+  BuiltinValues(const AShaderFragment& fragment, const ITextParameterList& parameters)
+      : fragment_(fragment),
+        inputs_(parameters, parameters.getNumInputs(), &ITextParameterList::getInputName),
+        outputs_(parameters, parameters.getNumOutputs(), &ITextParameterList::getOutputName) {}
+
+  Array<WString> of(const Array<BuiltinFunction>& uses) {
+    Array<WString> values;
+    values.reserve(uses.size());
+    for (const BuiltinFunction& use : uses) values.push_back(of(use));
+    return values;
+  }
+
+private:
+  WString of(const BuiltinFunction& use) {
+    const std::wstring_view argument = use.arguments.empty() ? std::wstring_view() : use.arguments[0].view();
+    switch (use.id) {
+    case eBuiltinFunctionIsConnected: return boolText(isInputFed(fragment_, inputs_.find(argument)));
+    case eBuiltinFunctionIsNotConnected: {
+      // An unknown input is neither connected nor not connected.
+      const std::size_t input = inputs_.find(argument);
+      return boolText(input != kNotFound && !isInputFed(fragment_, input));
+    }
+    case eBuiltinFunctionIsFinalOutput: return boolText(isFinal(outputs_.find(argument)));
+    default: return WString();
+    }
+  }
+
+  bool isFinal(std::size_t output) {
+    if (output == kNotFound) return false;
+    if (!final_) final_ = findFinalOutputs(fragment_);
+    return final_->contains(output);
+  }
+
+  const AShaderFragment& fragment_;
+  ParameterFinder inputs_;
+  ParameterFinder outputs_;
+  std::optional<Set<std::size_t>> final_;
+};
 
 }  // namespace
 
@@ -70,6 +164,7 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
     extras_->outputNames.clear();
     extras_->outputTypes.clear();
     extras_->outputKeys.clear();
+    extras_->outputIsUnset.clear();
   }
   isInlineProfile_ = dynamic_cast<const AShaderFragmentProfileInline*>(profile) != nullptr;
   profileShortname_ = shortname.empty() ? profile->getProfilename() : shortname;
@@ -80,9 +175,10 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
   const ITextParameterList* parameters = profile->getFunctionParameters();
   numOutputs_ = parameters != nullptr ? parameters->getNumOutputs() : 0;
   if (!profile->getBodyBuiltinFunctions().empty() || !profile->getPredefineBuiltinFunctions().empty()) {
-    extras().builtinFunctionValuesInBody = builtinFunctionValues(profile->getBodyBuiltinFunctions());
-    extras().builtinFunctionValuesInPredefine =
-        builtinFunctionValues(profile->getPredefineBuiltinFunctions());
+    static const RefPtr<ATextParameterList const> kNone = makeRef<ATextParameterList>();
+    BuiltinValues values(*fragment, parameters != nullptr ? *parameters : *kNone);
+    extras().builtinFunctionValuesInBody = values.of(profile->getBodyBuiltinFunctions());
+    extras().builtinFunctionValuesInPredefine = values.of(profile->getPredefineBuiltinFunctions());
   }
   return true;
 }
@@ -154,14 +250,20 @@ Array<WString>& FragmentProfileInstance::outputNames() const {
 // Outputs.
 
 void FragmentProfileInstance::setNumOutputs(std::size_t count) {
+  if (count == numOutputs_) return;
   outputNames().resize(count);
-  numOutputs_ = count;
   if (!extras_->outputTypes.empty()) extras_->outputTypes.resize(count);
+  if (count > numOutputs_ || !extras_->outputIsUnset.empty()) {
+    extras_->outputIsUnset.resize(numOutputs_, false);
+    extras_->outputIsUnset.resize(count, true);
+  }
   extras_->outputKeys.clear();
+  numOutputs_ = count;
 }
 
 const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {
   static const WString none;
+  if (isOutputUnset(index)) return none;
   if (extras_ && !extras_->outputTypes.empty()) return extras_->outputTypes[index];
   const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
   return parameters != nullptr && index < parameters->getNumOutputs() ? parameters->getOutputType(index)
@@ -169,22 +271,25 @@ const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {
 }
 
 void FragmentProfileInstance::setOutput(std::size_t index, WString type, WString name) {
+  outputNames()[index] = std::move(name);
+  if (isOutputUnset(index)) extras_->outputIsUnset[index] = false;
   if (type != getOutputType(index)) {
     Array<WString> types;
     for (std::size_t i = 0; i < numOutputs_; ++i) types.push_back(getOutputType(i));
     types[index] = std::move(type);
-    extras().outputTypes = std::move(types);
+    extras_->outputTypes = std::move(types);
   }
-  outputNames()[index] = std::move(name);
   extras_->outputKeys.clear();
 }
 
 const WString& FragmentProfileInstance::getOutputKey(std::size_t index) const {
   Array<WString>& keys = extras().outputKeys;
   if (keys.empty()) {
+    keys.resize(numOutputs_);
     for (std::size_t i = 0; i < numOutputs_; ++i) {
-      keys.push_back(getOutputType(i) + L" ");
-      appendOutputName(keys.back(), i);
+      if (isOutputUnset(i)) continue;
+      keys[i] = getOutputType(i) + L" ";
+      appendOutputName(keys[i], i);
     }
   }
   return keys[index];
@@ -222,10 +327,6 @@ FragmentProfileInstance::Patterns& FragmentProfileInstance::patterns() {
   return *patterns_;
 }
 
-void FragmentProfileInstance::dropPatterns() {
-  if (requirementsWritten_ && definitionWritten_) patterns_.reset();
-}
-
 KeywordReplacePattern& FragmentProfileInstance::getUniformReplacePattern() {
   KeywordReplacePattern& pattern = patterns().uniform;
   if (pattern.empty() && hasUniforms())
@@ -249,6 +350,11 @@ void FragmentProfileInstance::replaceShaderUse(const WString& use, ShaderCallTex
 const ShaderTemporaries* FragmentProfileInstance::findShaderTemporaries() const {
   const ShaderTemporaries* temporaries = patterns_ ? patterns_->temporaries.get() : nullptr;
   return temporaries != nullptr && !temporaries->empty() ? temporaries : nullptr;
+}
+
+bool FragmentProfileInstance::hasReplacements() const {
+  if (hasUniforms() || (patterns_ && !(patterns_->uniform.empty() && patterns_->shader.empty()))) return true;
+  return profile_ && !profile_->GetDefaultShaderRepalcePattern().empty();
 }
 
 // Parameters of the profile.
@@ -283,39 +389,6 @@ bool FragmentProfileInstance::IsShaderInput(std::size_t inputIndex) const {
   return profile_->hasShaderFunctions(parameters->getInputName(inputIndex));
 }
 
-// Values of built-in calls.
-
-Array<WString> FragmentProfileInstance::builtinFunctionValues(const Array<BuiltinFunction>& uses) const {
-  Array<WString> values;
-  values.reserve(uses.size());
-  for (const BuiltinFunction& use : uses) values.push_back(builtinFunctionValue(use));
-  return values;
-}
-
-WString FragmentProfileInstance::builtinFunctionValue(const BuiltinFunction& use) const {
-  const WString argument = use.arguments.empty() ? WString() : WString(use.arguments[0].view());
-  switch (use.id) {
-  case eBuiltinFunctionIsConnected:
-    return boolText(isInputFed(*fragment_, GetInputTextParameterIndex(argument)));
-  case eBuiltinFunctionIsNotConnected: {
-    // An unknown input is neither connected nor not connected.
-    const std::size_t input = GetInputTextParameterIndex(argument);
-    return boolText(input != kNotFound && !isInputFed(*fragment_, input));
-  }
-  case eBuiltinFunctionIsFinalOutput: return boolText(isFinalOutput(GetOutputTextParameterIndex(argument)));
-  default: return WString();
-  }
-}
-
-bool FragmentProfileInstance::isFinalOutput(std::size_t index) const {
-  const IShaderFragmentGraph* graph = fragment_->getOwnerGraph();
-  if (graph == nullptr || index == kNotFound) return false;
-  return std::any_of(graph->getOutputConnections().begin(), graph->getOutputConnections().end(),
-                     [&](const ShaderFragmentConnection& connection) {
-                       return connection.fragment == fragment_.get() && connection.index == index;
-                     });
-}
-
 // Writers.
 
 bool FragmentProfileInstance::writeRequirements(AShaderFragmentProfile* target,
@@ -339,7 +412,6 @@ bool FragmentProfileInstance::writeRequirements(AShaderFragmentProfile* target,
     target->customStateVariables().insert(profile_->customStateVariables().begin(),
                                           profile_->customStateVariables().end());
   }
-  dropPatterns();
   return true;
 }
 
@@ -350,10 +422,7 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
 
   // What another instance wrote in the very same words need not be made again to be found to be there.
   const bool isShared = hasSharedDefinition();
-  if (isShared && context.takeWrittenDefinition(*this)) {
-    dropPatterns();
-    return true;
-  }
+  if (isShared && context.takeWrittenDefinition(*this)) return true;
 
   CodeSnippetInstance definition;
   if (!profile_->writeDefinition(definition, context, *this)) return false;
@@ -363,7 +432,6 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
   if (isShared) appendDefinitionKey(key);
   context.writeDefinition(definition, calls, *this);
   if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this, key);
-  dropPatterns();
   return true;
 }
 
@@ -372,10 +440,8 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
 bool FragmentProfileInstance::hasSharedDefinition() const {
   const AShaderFragmentProfile& profile = *profile_;
   return typeid(profile) == typeid(AShaderFragmentProfileFunction) && !requiresCurrentLight_ &&
-         profile_->customStateVariables().empty() && !hasUniforms() &&
-         (!patterns_ ||
-          (patterns_->keyword.empty() && patterns_->uniform.empty() && patterns_->shader.empty())) &&
-         profile_->GetDefaultShaderRepalcePattern().empty();
+         profile_->customStateVariables().empty() && !hasReplacements() &&
+         (!patterns_ || patterns_->keyword.empty());
 }
 
 void FragmentProfileInstance::appendDefinitionKey(WString& key) const {

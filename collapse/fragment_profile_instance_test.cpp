@@ -4,6 +4,7 @@
 
 #include "sfg/shader_collapse_context.h"
 #include "sfg/size_limit.h"
+#include "tests/support/cost.h"
 #include "tests/support/test_graph.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
@@ -205,6 +206,47 @@ TEST_F(ProfileInstance, HasNoFinalOutputOutsideOfAGraph) {
   EXPECT_EQ(instance.getBuiltinFunctionValueInBody(), Array<WString>{L"false"});
 }
 
+/// A function with so many inputs and outputs that asks for each of them.
+WString functionOfManyPorts(std::size_t count) {
+  WString parameters;
+  WString body;
+  for (std::size_t i = 0; i < count; ++i) {
+    parameters += formatted(L"%sfloat a%Iu, out float r%Iu", i == 0 ? L"" : L", ", i, i);
+    body += formatted(L"sfg_isConnected(a%Iu) sfg_isFinalOutput(r%Iu) ", i, i);
+  }
+  return L"void f(" + parameters + L")\n{\n" + body + L"\n}";
+}
+
+TEST_F(ProfileInstance, KnowsManyPorts) {
+  constexpr std::size_t kCount = 40;
+  AShaderFragment* fragment = scene.addFunction(L"n", functionOfManyPorts(kCount));
+  AShaderFragment* source = scene.addFunction(L"s", L"void s(out float r)\n{\n}");
+  Array<WString> expected;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    if (i % 3 == 0) fragment->setInputConnection(i, source, 0);
+    if (i % 5 == 0) scene.output(L"o" + itos(static_cast<long long>(i)), TypeID_float, fragment, i);
+    expected.push_back(i % 3 == 0 ? L"true" : L"false");
+    expected.push_back(i % 5 == 0 ? L"true" : L"false");
+  }
+  ASSERT_TRUE(instance.create(scene.language.get(), fragment, profileOf(*fragment), L"1"));
+  EXPECT_EQ(instance.getBuiltinFunctionValueInBody(), expected);
+}
+
+TEST_F(ProfileInstance, AsksForManyPortsInTimeInProportionToThem) {
+  const auto growth = [&](std::size_t count) {
+    AShaderFragment* fragment = scene.addFunction(L"n", functionOfManyPorts(count));
+    for (std::size_t i = 0; i < count; ++i) scene.output(L"o", TypeID_float, fragment, i);
+    return [this, fragment] {
+      FragmentProfileInstance other;
+      EXPECT_TRUE(other.create(scene.language.get(), fragment, profileOf(*fragment), L"1"));
+    };
+  };
+  const auto few = growth(1000);
+  const auto many = growth(16000);
+  EXPECT_LT(TolmSDK::test::costGrowth(1, [&](std::size_t size) { size == 1 ? few() : many(); }),
+            TolmSDK::test::kLinearGrowth);
+}
+
 /// A profile whose writers fail.
 class FailingProfile : public AShaderFragmentProfile {
 public:
@@ -275,6 +317,59 @@ TEST_F(ProfileInstance, DeclaresOnlyOutputsWithoutAValue) {
   EXPECT_TRUE(instance.declareOutputs(text));
   EXPECT_EQ(text, L"");
   EXPECT_EQ(second, (Array<WString>{L"", L""}));
+}
+
+TEST_F(ProfileInstance, AddsOutputsWithoutTypeNameAndKey) {
+  make(kBlend);
+  instance.setOutput(0, L"int", L"x");
+  instance.setNumOutputs(4);
+  const auto expectOutput = [&](std::size_t index, const wchar_t* type, const wchar_t* name,
+                                const wchar_t* key) {
+    EXPECT_EQ(instance.getOutputType(index), type) << index;
+    EXPECT_EQ(instance.getOutputName(index), name) << index;
+    EXPECT_EQ(instance.getOutputKey(index), key) << index;
+  };
+  ASSERT_EQ(instance.getNumOutputs(), 4u);
+  expectOutput(0, L"int", L"x", L"int x");
+  expectOutput(1, L"float", L"result_mix3_12", L"float result_mix3_12");
+  expectOutput(2, L"", L"", L"");
+  expectOutput(3, L"", L"", L"");
+  instance.setOutput(3, L"float2", L"uv");
+  expectOutput(2, L"", L"", L"");
+  expectOutput(3, L"float2", L"uv", L"float2 uv");
+  instance.setOutput(2, L"", L"");
+  expectOutput(2, L"", L"", L" ");
+  expectOutput(3, L"float2", L"uv", L"float2 uv");
+}
+
+TEST_F(ProfileInstance, ForgetsOutputsThatWereTakenAway) {
+  for (const bool areSet : {false, true}) {
+    FragmentProfileInstance blend;
+    const AShaderFragment* fragment = scene.addFunction(areSet ? L"set" : L"own", kBlend);
+    ASSERT_TRUE(blend.create(scene.language.get(), fragment, profileOf(*fragment), L"2"));
+    if (areSet) {
+      blend.setOutput(0, L"int", L"x");
+      blend.setOutput(1, L"int", L"y");
+    }
+    for (const std::size_t left : {1u, 0u}) {
+      blend.setNumOutputs(left);
+      blend.setNumOutputs(2);
+      for (std::size_t i = left; i < 2; ++i) {
+        EXPECT_EQ(blend.getOutputType(i), L"");
+        EXPECT_EQ(blend.getOutputName(i), L"");
+        EXPECT_EQ(blend.getOutputKey(i), L"");
+      }
+    }
+    // Also when the type is set to what the profile has there, or to none.
+    blend.setOutput(1, L"float", L"y");
+    EXPECT_EQ(blend.getOutputKey(1), L"float y");
+    blend.setOutput(0, L"", L"e");
+    EXPECT_EQ(blend.getOutputKey(0), L" e");
+    EXPECT_EQ(blend.getOutputKey(1), L"float y");
+    WString text;
+    EXPECT_TRUE(blend.declareOutputs(text));
+    EXPECT_EQ(text, L"    float y;\n");
+  }
 }
 
 // Writers.
@@ -379,6 +474,42 @@ TEST_F(ProfileInstance, WritesItsRequirementsOnce) {
   EXPECT_EQ(result->includes(), Set<WString>{L"sfg_math.h"});
   EXPECT_EQ(result->stateVariables(), Set<UString>{UString(L"state.normal")});
   EXPECT_EQ(result->customStateVariables(), Set<WString>{L"tint"});
+}
+
+/// A function profile that tells which rules it finds when its call is written.
+class TellingProfile : public AShaderFragmentProfileFunction {
+public:
+  bool writeFunctionCall(WString& out, AShaderCollapseContext&, FragmentProfileInstance& instance,
+                         const Array<WString>&, const Array<WString>&) const override {
+    for (const KeywordReplacePattern* pattern :
+         {&instance.getKeywordReplacePattern(), &instance.getUniformReplacePattern(),
+          &instance.getShaderReplacePattern()}) {
+      for (std::size_t i = 0; i < pattern->getKeywords().size(); ++i)
+        out += pattern->getKeywords()[i] + L"=" + pattern->getReplacements()[i] + L";";
+    }
+    return true;
+  }
+};
+
+TEST_F(ProfileInstance, KeepsItsPatternsBehindTheWrites) {
+  const auto profile = makeRef<TellingProfile>();
+  profile->setFunctionPrototype(L"void f()");
+  profile->setFunctionBody(L"");
+  const auto fragment = makeRef<AShaderFragment>(L"n");
+  ASSERT_TRUE(instance.create(scene.language.get(), fragment.get(), profile.get(), L"1"));
+  instance.getUniformOriginal() = {L"u"};
+  instance.getUniformNew() = {L"un"};
+  const KeywordReplacePattern& uniforms = instance.getUniformReplacePattern();
+  KeywordReplacePattern& shaders = instance.getShaderReplacePattern();
+  shaders.addReplacePattern(WString(L"s"), WString(L"t"));
+  KeywordReplacePattern& keywords = instance.getKeywordReplacePattern();
+  EXPECT_TRUE(instance.writeRequirements(context.getResultProfile(), context));
+  EXPECT_TRUE(instance.writeDefinition(context));
+  keywords.addReplacePattern(WString(L"k"), WString(L"l"));
+  EXPECT_EQ(&instance.getKeywordReplacePattern(), &keywords);
+  EXPECT_EQ(&instance.getUniformReplacePattern(), &uniforms);
+  EXPECT_EQ(&instance.getShaderReplacePattern(), &shaders);
+  EXPECT_EQ(call(), "k=l;u=un;s=t;");
 }
 
 TEST_F(ProfileInstance, RenamesInTheDefinitionWhatItsRequirementsHadToRename) {

@@ -174,86 +174,45 @@ bool AShaderCollapseContext::requiresCurrentLight() const {
   return false;
 }
 
-/// What one level of detail for all instances makes of a request for a profile.
-struct AShaderCollapseContext::ProfileChanges {
+/// The instances go in the order of their names, up to the first that fails. They are not sorted for that:
+/// which one that is, is known before any of them changes.
+bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName) {
+  const float lod = getSurfaceLOD();
+  const std::uint32_t request = profileRequest(profileName, lod);
   struct Change {
     InstanceTable::Entry* entry;
     const IShaderFragmentProfile* profile;
   };
   Array<Change> changes;
-  std::optional<std::wstring_view> firstFailing;  // of the names of the instances without such a profile
-};
-
-/// Walks the instances in the order of their names, up to the first that fails. They are not sorted for that
-/// as long as nobody can tell: whether an instance fails does not depend on the level of detail, and with one
-/// level for all nothing else depends on the order.
-bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName) {
-  if (fragmentInstances_->size() == 0) return true;
-  const float lod = getSurfaceLOD();
-  const std::uint32_t request = profileRequest(profileName, lod);
-  const ProfileChanges found = findProfileChanges(profileName, lod, request);
-
-  // Every instance on the way is asked for its level.
-  const std::size_t walked = countInstancesUpTo(found.firstFailing);
-  for (std::size_t asked = 1; asked < walked; ++asked) {
-    const float other = getSurfaceLOD();
-    if (other == lod) continue;
-    Array<float> lods(asked, lod);
-    for (lods.push_back(other); lods.size() < walked;) lods.push_back(getSurfaceLOD());
-    return setActiveSurfaceProfile(profileName, lods);
-  }
-
-  for (const auto& [entry, profile] : found.changes) {
-    if (found.firstFailing && entry->name >= *found.firstFailing) continue;
-    entry->instance.changeProfile(*this, profile);
-    entry->instance.profileRequest_ = request;
-  }
-  return !found.firstFailing;
-}
-
-AShaderCollapseContext::ProfileChanges
-AShaderCollapseContext::findProfileChanges(const WString& profileName, float lod, std::uint32_t request) {
-  ProfileChanges found;
+  std::optional<std::wstring_view> firstFailing;  // of the names
   for (std::size_t i = 0; i < fragmentInstances_->size(); ++i) {
     InstanceTable::Entry& entry = (*fragmentInstances_)[i];
     FragmentInstance& instance = entry.instance;
     if (instance.hasAnswered(request)) continue;
     const IShaderFragmentProfile* profile = instance.findProfile(*this, profileName, lod);
     if (profile == nullptr) {
-      found.firstFailing = found.firstFailing ? std::min(*found.firstFailing, entry.name) : entry.name;
+      firstFailing = firstFailing ? std::min(*firstFailing, entry.name) : entry.name;
     } else if (instance.hasActiveProfile(profile)) {
       instance.profileRequest_ = request;
     } else {
-      found.changes.push_back({&entry, profile});
+      changes.push_back({&entry, profile});
     }
   }
-  return found;
-}
 
-/// Instances whose names come up to `last`, itself included; all without it.
-std::size_t AShaderCollapseContext::countInstancesUpTo(const std::optional<std::wstring_view>& last) const {
-  if (!last) return fragmentInstances_->size();
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i) {
-    if ((*fragmentInstances_)[i].name <= *last) ++count;
+  for (const auto& [entry, profile] : changes) {
+    if (firstFailing && entry->name >= *firstFailing) continue;
+    entry->instance.changeProfile(*this, profile);
+    entry->instance.profileRequest_ = request;
   }
-  return count;
-}
-
-/// The same for instances with different levels of detail, in the order of their names.
-bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName, const Array<float>& lods) {
-  Array<InstanceTable::Entry*> sorted;
-  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i) sorted.push_back(&(*fragmentInstances_)[i]);
-  std::sort(sorted.begin(), sorted.end(), [](const auto* a, const auto* b) { return a->name < b->name; });
-  for (std::size_t i = 0; i < lods.size(); ++i) {
-    if (!sorted[i]->instance.activateBestProfile(*this, profileName, lods[i])) return false;
-  }
-  return true;
+  return !firstFailing;
 }
 
 std::uint32_t AShaderCollapseContext::profileRequest(const WString& profileName, float lod) {
-  if (profileRequests_ == 0 || requestedLOD_ != lod || requestedProfile_ != profileName) {
+  const UString& language = getLanguageString();
+  if (profileRequests_ == 0 || requestedLOD_ != lod || requestedLanguage_ != language ||
+      requestedProfile_ != profileName) {
     requestedProfile_ = profileName;
+    requestedLanguage_ = language;
     requestedLOD_ = lod;
     ++profileRequests_;
   }

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <initializer_list>
 #include <utility>
 #include <vector>
 
@@ -182,86 +180,43 @@ TEST_F(Context, StopsAtTheFirstSurfaceWithoutTheProfile) {
   EXPECT_EQ(context.getFragmentInstance(c).getActiveProfileOutput(0), L"result_c_01");
 }
 
-/// Answers one level of detail after another, the last one again and again.
-class ListedLevels : public test::TestOptions {
-public:
-  explicit ListedLevels(std::vector<float> answers) : answers_(std::move(answers)) {}
-  float getSurfaceLOD() const override { return answers_[std::min(asked++, answers_.size() - 1)]; }
-  mutable std::size_t asked = 0;
-
-private:
-  std::vector<float> answers_;
-};
-
-class ContextLevels : public Context {
-protected:
-  /// Outputs of fragments with a profile for level 100 (the first) and one for level 10, reached in that
-  /// order.
-  void reach(std::initializer_list<const wchar_t*> names) {
-    const auto levels = test::loadFragment(
-        L"levels",
-        test::profilesJson({test::functionJson(L"void fine(out float r)\n{\n}", LR"(,"lod":100)"),
-                            test::functionJson(L"void coarse(out float r)\n{\n}", LR"(,"lod":10)")}));
-    for (const wchar_t* name : names) scene.output(name, TypeID_float, scene.add(*levels, name));
-  }
-  RefPtr<ListedLevels> answer(std::vector<float> answers) {
-    const auto options = makeRef<ListedLevels>(std::move(answers));
-    scene.options = options;
-    return options;
-  }
-  WString outputOf(std::size_t fragment) {
-    return context.getFragmentInstance(scene.graph->getFragment(fragment)).getActiveProfileOutput(0);
-  }
-};
-
-TEST_F(ContextLevels, AreAskedForInTheOrderOfNames) {
-  reach({L"c", L"a", L"b"});
-  const auto options = answer({100.0f, 10.0f, 100.0f});
+TEST_F(Context, AnswersARequestForAProfileAfreshInAnotherLanguage) {
+  const auto loaded = test::loadFragment(
+      L"f", test::profilesJson(
+                {test::functionJson(L"void f(out float r)\n{\n}"),
+                 WString(LR"x({"language":["other"],"implementation":["void g(out float r)","{","}"]})x")}));
+  AShaderFragment* surface = scene.add(*loaded, L"a");
+  scene.output(L"r", TypeID_float, surface);
   EXPECT_TRUE(initialize());
   EXPECT_TRUE(context.setActiveSurfaceProfile(L"default"));
-  EXPECT_EQ(options->asked, 3u);
-  EXPECT_EQ(outputOf(0), L"result_c_01");
-  EXPECT_EQ(outputOf(1), L"result_a_01");
-  EXPECT_EQ(outputOf(2), L"result_b_02");
-}
-
-TEST_F(ContextLevels, AreAskedForAnewByEveryRequest) {
-  reach({L"a", L"b"});
-  answer({10.0f, 100.0f});
-  EXPECT_TRUE(initialize());
+  FragmentInstance& instance = context.getFragmentInstance(surface);
+  EXPECT_EQ(instance.getActiveProfileOutput(0), L"result_a_01");
+  const auto other = makeRef<test::TestLanguage>(L"other");
+  context.setLanguage(other.get());
   EXPECT_TRUE(context.setActiveSurfaceProfile(L"default"));
-  EXPECT_EQ(outputOf(0), L"result_a_02");
-  EXPECT_EQ(outputOf(1), L"result_b_01");
-  EXPECT_TRUE(context.setActiveSurfaceProfile(L"default"));
-  EXPECT_EQ(outputOf(0), L"result_a_01");
-  EXPECT_EQ(outputOf(1), L"result_b_01");
-}
-
-TEST_F(ContextLevels, AreAskedForUpToTheFirstFailure) {
-  scene.output(L"z", TypeID_float, scene.addFunction(L"z", kAdd));
-  scene.output(L"m", TypeID_float,
-               scene.add(*test::loadFragment(
-                             L"dusk", test::namedFunctionJson(L"dusk", L"void dusk(out float r)\n{\n}")),
-                         L"m"));
-  scene.output(L"a", TypeID_float, scene.addFunction(L"a", kAdd));
-  const auto options = answer({100.0f});
-  EXPECT_TRUE(initialize());
+  EXPECT_EQ(instance.getActiveProfileOutput(0), L"result_a_02");
+  context.setLanguage(scene.language.get());
+  EXPECT_TRUE(instance.setActiveProfile(context, L"default", scene.options->surfaceLOD));
+  EXPECT_EQ(instance.getActiveProfileOutput(0), L"result_a_01");
+  const auto unknown = makeRef<test::TestLanguage>(L"unknown");
+  context.setLanguage(unknown.get());
   EXPECT_FALSE(context.setActiveSurfaceProfile(L"default"));
-  EXPECT_EQ(options->asked, 2u) << "of a and m";
+  EXPECT_EQ(instance.getActiveProfileOutput(0), L"result_a_01");
 }
 
-TEST_F(ContextLevels, ThatDifferEndAtTheFirstFailureToo) {
-  reach({L"z", L"a"});
-  scene.output(L"m", TypeID_float,
-               scene.add(*test::loadFragment(
-                             L"dusk", test::namedFunctionJson(L"dusk", L"void dusk(out float r)\n{\n}")),
-                         L"m"));
-  const auto options = answer({10.0f, 100.0f});
+TEST_F(Context, TakesTheProfilesNearestToTheLevelOfDetailNow) {
+  const auto levels = test::loadFragment(
+      L"levels",
+      test::profilesJson({test::functionJson(L"void fine(out float r)\n{\n}", LR"(,"lod":100)"),
+                          test::functionJson(L"void coarse(out float r)\n{\n}", LR"(,"lod":10)")}));
+  AShaderFragment* surface = scene.add(*levels, L"a");
+  scene.output(L"r", TypeID_float, surface);
   EXPECT_TRUE(initialize());
-  EXPECT_FALSE(context.setActiveSurfaceProfile(L"default"));
-  EXPECT_EQ(options->asked, 2u);
-  EXPECT_EQ(outputOf(0), L"result_z_01") << "as it was";
-  EXPECT_EQ(outputOf(1), L"result_a_02");
+  for (const auto& [lod, name] : {std::pair(10.0f, L"result_a_02"), std::pair(90.0f, L"result_a_01")}) {
+    scene.options->surfaceLOD = lod;
+    EXPECT_TRUE(context.setActiveSurfaceProfile(L"default"));
+    EXPECT_EQ(context.getFragmentInstance(surface).getActiveProfileOutput(0), name);
+  }
 }
 
 TEST_F(Context, CanBeInitialisedAgain) {

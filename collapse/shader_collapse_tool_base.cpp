@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "collapse/ports.h"
+#include "fragments/ports.h"
 #include "sfg/shader_fragment_profile_function.h"
 #include "sfg/size_limit.h"
 #include "tolmsdk/exception.h"

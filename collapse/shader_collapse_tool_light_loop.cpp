@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
-#include "collapse/ports.h"
 #include "collapse/text_forecast.h"
 #include "fragments/pointer_set.h"
+#include "fragments/ports.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/state_variables.h"
 
@@ -19,21 +19,6 @@ constexpr std::wstring_view kLightLine = L"    // Light %d \n";
 constexpr std::wstring_view kDefaultLightLine = L"    // default light \n";
 /// Two separators and a line with a number of one digit, which is shorter than its conversion by one.
 constexpr std::size_t kShortestLightText = 2 * kSeparator.size() + kLightLine.size() - 1;
-
-/// Puts the active light back. The light of the last round stays active while the outputs are evaluated, so
-/// that the calls written for it are not written again.
-class ActiveLightScope {
-public:
-  explicit ActiveLightScope(AShaderCollapseContext& context)
-      : context_(context), before_(context.getActiveLightIndex()) {}
-  ~ActiveLightScope() { context_.setActiveLightIndex(before_); }
-  ActiveLightScope(const ActiveLightScope&) = delete;
-  ActiveLightScope& operator=(const ActiveLightScope&) = delete;
-
-private:
-  AShaderCollapseContext& context_;
-  std::size_t before_;
-};
 
 }  // namespace
 
@@ -50,12 +35,11 @@ IShaderFragment* AShaderCollapseToolLightLoop::collapse(const IShaderFragmentGra
   writeLightRequirements();
   writePostprocessRequirements();
 
+  // The light of the last round stays active for all that follows, so that the calls written for it are not
+  // written again.
+  writeLightLoop();
   Array<WString> values;
-  {
-    const ActiveLightScope scope(context_);
-    writeLightLoop();
-    if (!evaluateOutputs(values)) return nullptr;
-  }
+  if (!evaluateOutputs(values)) return nullptr;
   resultProfile_->stateVariables().erase(StateVariable_currentLight);
   for (std::size_t i = 0; i < graph->getNumUniforms(); ++i) result_->addUniform(graph->getUniform(i));
   if (!addOutputs(values)) return nullptr;

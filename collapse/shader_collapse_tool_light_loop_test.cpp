@@ -302,6 +302,35 @@ outputs: fvec3/result float/luma
 )");
 }
 
+/// A host's own profile, whose call tells the active light.
+class LightTellingProfile : public AShaderFragmentProfileFunction {
+public:
+  bool writeFunctionCall(WString& out, AShaderCollapseContext& context, FragmentProfileInstance&,
+                         const Array<WString>&, const Array<WString>&) const override {
+    out += formatted(L"    // behind light %Iu\n", context.getActiveLightIndex());
+    return true;
+  }
+};
+
+TEST(LightLoop, LeavesTheLastLightActiveForPostProcessFragments) {
+  for (const std::size_t lights : {0u, 1u, 3u}) {
+    TestScene scene = litScene();
+    for (std::size_t i = 0; i < lights; ++i) scene.addLight(formatted(L"key%Iu", i), keyLight());
+    const auto profile = makeRef<LightTellingProfile>();
+    profile->languages().insert(UString(L"dx11"));
+    profile->setProfilename(L"default");
+    profile->setFunctionPrototype(L"void tell(float3 c, out float3 r)");
+    profile->setFunctionBody(L"r = c;\n");
+    const auto post = makeRef<AShaderFragment>(L"post0");
+    post->registerProfile(profile.get());
+    post->generateAutoInputsOutputs(scene.language.get());
+    ASSERT_TRUE(scene.graph->addPostprocessFragment(post.get()));
+    const std::string last = std::to_string(lights == 0 ? 0 : lights - 1);
+    const std::string text = collapseLightLoop(scene);
+    EXPECT_NE(text.find("    // behind light " + last + "\n}\n"), std::string::npos) << text;
+  }
+}
+
 TEST(LightLoop, AccumulatesEveryLitInstanceInTheOrderOfCreation) {
   TestScene scene;
   AShaderFragment* first = scene.add(*surface(), L"z");

@@ -1,6 +1,6 @@
 #include "sfg/state_variable_manager.h"
 
-#include "collapse/ports.h"
+#include "fragments/ports.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/state_variables.h"
 

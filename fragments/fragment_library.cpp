@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "sfg/shader_fragment_profile_metasl.h"
+#include "text/ascii.h"
 #include "tolmsdk/debug_log.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/files.h"
@@ -16,16 +17,7 @@ constexpr std::wstring_view kInclude = L"include:";
 constexpr std::wstring_view kPredefine = L"predefine:";
 constexpr std::wstring_view kNonConsolidatable = L"nonconsolidatable";
 
-bool isLibraryFile(std::wstring_view path) {
-  constexpr std::wstring_view kExtension = L"fraglib";
-  const WString extension = GetExtension(path);
-  if (extension.size() != kExtension.size()) return false;
-  for (std::size_t i = 0; i < kExtension.size(); ++i) {
-    const wchar_t c = extension[i];
-    if ((c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c) != kExtension[i]) return false;
-  }
-  return true;
-}
+bool isLibraryFile(std::wstring_view path) { return equalsIgnoringCase(GetExtension(path), L"fraglib"); }
 
 WString textOf(const wchar_t* text) { return text == nullptr ? WString() : WString(text); }
 

@@ -1,12 +1,15 @@
 #pragma once
 
-// What fragments and graphs do alike with their ports.
+// Ports of fragments and graphs: found by name, how their types are written, and what feeds them.
 
 #include <cstddef>
 #include <string_view>
 
+#include "sfg/shader_fragment.h"
+#include "sfg/shader_fragment_graph.h"
 #include "tolmsdk/host_interfaces.h"
 #include "tolmsdk/parameter.h"
+#include "tolmsdk/type_id.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -22,15 +25,26 @@ inline std::size_t findPort(const Ports& ports, const wchar_t* name) {
   return kNotFound;
 }
 
-/// The structure's name for a structure, else the language's name of the type.
-inline const WString& portType(const ILanguageTraits* traits, const AParameter& port) {
-  return port.getType() == TypeID_struct ? port.getStructName() : traits->getTypeName(port.getType());
+/// The language's name of the type; a structure is written by its own name.
+inline const WString& typeText(const ILanguageTraits& language, const AParameter& parameter) {
+  return parameter.getType() == TypeID_struct ? parameter.getStructName()
+                                              : language.getTypeName(parameter.getType());
 }
 
 inline RefPtr<AParameter> makeStructPort(const WString& structName, const WString& name) {
   auto port = makeRef<AParameter>(TypeID_struct, name);
   port->setStructName(structName);
   return port;
+}
+
+/// Whether a fragment or an input of the owner graph feeds the input. An input that the owner graph does not
+/// have feeds nothing.
+inline bool isInputFed(const IShaderFragment& fragment, std::size_t input) {
+  const Array<ShaderFragmentConnection>& connections = fragment.getInputConnections();
+  if (input >= connections.size()) return false;
+  if (connections[input].fragment != nullptr) return true;
+  const IShaderFragmentGraph* graph = fragment.getOwnerGraph();
+  return graph != nullptr && connections[input].index < graph->getNumInputs();
 }
 
 }  // namespace TolmSDK::Graphics::sfg

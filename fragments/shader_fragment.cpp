@@ -29,10 +29,9 @@ WString profileKey(const WString& name, const UString& language) { return name +
 
 AShaderFragment::AShaderFragment() : AShaderFragment(WString()) {}
 AShaderFragment::AShaderFragment(const WString& instanceName)
-    : profiles_(std::make_shared<Profiles>()), instanceName_(instanceName),
-      hashString_(std::make_shared<const WString>()) {}
+    : instanceName_(instanceName), hashString_(std::make_shared<const WString>()) {}
 AShaderFragment::AShaderFragment(const AShaderFragment& original, const WString& instanceName)
-    : profiles_(original.shareProfiles()), inputConnections_(original.inputConnections_),
+    : profiles_(original.profiles_), inputConnections_(original.inputConnections_),
       instanceName_(instanceName), inputs_(original.inputs_), outputs_(original.outputs_),
       uniforms_(original.uniforms_), key_(original.key_), hashString_(original.hashString_),
       consolidatable_(original.consolidatable_) {}
@@ -50,7 +49,7 @@ void AShaderFragment::setOwnerGraph(IShaderFragmentGraph* graph) {
 void AShaderFragment::clear() {
   key_.clear();
   instanceName_.clear();
-  profiles_ = std::make_shared<Profiles>();
+  profiles_.clear();
   inputConnections_.clear();
   inputs_.clear();
   outputs_.clear();
@@ -59,33 +58,61 @@ void AShaderFragment::clear() {
 
 // Profiles
 
-const std::shared_ptr<AShaderFragment::Profiles>& AShaderFragment::shareProfiles() const {
-  if (!profiles_->isShared.load(std::memory_order_relaxed))
-    profiles_->isShared.store(true, std::memory_order_relaxed);
-  return profiles_;
+AShaderFragment::Profiles::Profiles() : table_(std::make_shared<ProfileTable>()) {}
+
+AShaderFragment::Profiles::Profiles(const Profiles& other) : table_(other.table_) {
+  if (!table_->isShared.load(std::memory_order_relaxed))
+    table_->isShared.store(true, std::memory_order_relaxed);
+  forEachPlace([](const IShaderFragmentProfile& profile) { profile.AddRef(); });
 }
 
-void AShaderFragment::makeProfilesOwn() {
+AShaderFragment::Profiles::~Profiles() {
+  forEachPlace([](const IShaderFragmentProfile& profile) { profile.Release(); });
+}
+
+template <class Operation>
+void AShaderFragment::Profiles::forEachPlace(Operation&& operation) const {
+  for (const auto& [key, places] : table_->byNameAndLanguage)
+    for (const IShaderFragmentProfile* profile : places) operation(*profile);
+  for (const IShaderFragmentProfile* profile : table_->list) operation(*profile);
+}
+
+void AShaderFragment::Profiles::makeTableOwn() {
   // The number of those that hold the table now would not do: it does not tell that another thread's clone,
   // gone by now, has finished reading.
-  if (!profiles_->isShared.load(std::memory_order_relaxed)) return;
-  auto own = std::make_shared<Profiles>();
-  own->byNameAndLanguage = profiles_->byNameAndLanguage;
-  own->list = profiles_->list;
-  profiles_ = std::move(own);
+  if (!table_->isShared.load(std::memory_order_relaxed)) return;
+  auto own = std::make_shared<ProfileTable>();
+  own->byNameAndLanguage = table_->byNameAndLanguage;
+  own->list = table_->list;
+  table_ = std::move(own);
+}
+
+void AShaderFragment::Profiles::addTo(Array<IShaderFragmentProfile*>& places,
+                                      IShaderFragmentProfile& profile) {
+  places.push_back(&profile);
+  profile.AddRef();
+}
+
+void AShaderFragment::Profiles::add(IShaderFragmentProfile& profile) {
+  makeTableOwn();
+  for (const UString& language : std::as_const(profile).languages())
+    addTo(table_->byNameAndLanguage[profileKey(profile.getProfilename(), language)], profile);
+  addTo(table_->list, profile);
+}
+
+void AShaderFragment::Profiles::clear() {
+  Profiles empty;
+  table_.swap(empty.table_);
 }
 
 void AShaderFragment::registerProfile(IShaderFragmentProfile* profile) {
   if (profile == nullptr || profile->languages().empty()) return;
-  makeProfilesOwn();
-  for (const UString& language : std::as_const(*profile).languages())
-    profiles_->byNameAndLanguage[profileKey(profile->getProfilename(), language)].push_back(profile);
-  profiles_->list.push_back(profile);
+  profiles_.add(*profile);
 }
 
 const IShaderFragmentProfile* AShaderFragment::findFirstProfile(const UString& language) const {
-  for (const RefPtr<IShaderFragmentProfile>& profile : profiles_->list)
-    if (std::as_const(*profile).languages().contains(language)) return profile.get();
+  for (const IShaderFragmentProfile* profile : profiles_->list)
+    if (profile->languages().contains(language)) return profile;
   return nullptr;
 }
 
@@ -95,10 +122,10 @@ const IShaderFragmentProfile* AShaderFragment::findBestProfile(const WString& pr
   if (found == profiles_->byNameAndLanguage.end() || found->second.empty()) return nullptr;
   const IShaderFragmentProfile* best = nullptr;
   float bestDistance = 0.0f;
-  for (const RefPtr<IShaderFragmentProfile>& profile : found->second) {
+  for (const IShaderFragmentProfile* profile : found->second) {
     const float distance = std::abs(profile->getLOD() - lod);
     if (best != nullptr && !(distance < bestDistance)) continue;
-    best = profile.get();
+    best = profile;
     bestDistance = distance;
   }
   return best;
@@ -107,11 +134,11 @@ const IShaderFragmentProfile* AShaderFragment::findBestProfile(const WString& pr
 // Ports
 
 const WString& AShaderFragment::getInputType(const ILanguageTraits* traits, std::size_t index) const {
-  return portType(traits, *inputs_[index]);
+  return typeText(*traits, *inputs_[index]);
 }
 
 const WString& AShaderFragment::getOutputType(const ILanguageTraits* traits, std::size_t index) const {
-  return portType(traits, *outputs_[index]);
+  return typeText(*traits, *outputs_[index]);
 }
 
 void AShaderFragment::addInput(const AParameter* parameter) {
@@ -235,7 +262,7 @@ void AShaderFragment::debugDump() {
   for (std::size_t i = 0; i < profiles_->list.size(); ++i) {
     std::wcout << L"profile " << itos(static_cast<long long>(i)) << L" : " << std::endl;
     // Only our own profiles can describe themselves.
-    if (const auto* profile = dynamic_cast<const AShaderFragmentProfile*>(profiles_->list[i].get()))
+    if (const auto* profile = dynamic_cast<const AShaderFragmentProfile*>(profiles_->list[i]))
       profile->debugDump(L"    ");
   }
 }

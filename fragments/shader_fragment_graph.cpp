@@ -27,11 +27,11 @@ void AShaderFragmentGraph::setKey(const wchar_t* key) { key_ = key == nullptr ? 
 // Ports
 
 const WString& AShaderFragmentGraph::getInputType(const ILanguageTraits* traits, std::size_t index) const {
-  return portType(traits, *inputs_[index]);
+  return typeText(*traits, *inputs_[index]);
 }
 
 const WString& AShaderFragmentGraph::getOutputType(const ILanguageTraits* traits, std::size_t index) const {
-  return portType(traits, *outputs_[index]);
+  return typeText(*traits, *outputs_[index]);
 }
 
 void AShaderFragmentGraph::addInput(const AParameter* parameter) { inputs_.emplace_back(parameter); }
@@ -84,15 +84,18 @@ bool AShaderFragmentGraph::setOutputConnection(const wchar_t* output, IShaderFra
 
 void AShaderFragmentGraph::addFragment(IShaderFragment* fragment) {
   if (fragment == nullptr || fragment->getOwnerGraph() != nullptr) return;
-  if (!members_->insert(fragment)) return;
+  if (members_->contains(fragment)) return;
   fragment->setOwnerGraph(this);
-  fragments_.emplace_back(fragment);
+  // A host's own fragment may have added itself meanwhile.
+  if (members_->insert(fragment)) fragments_.emplace_back(fragment);
 }
 
 void AShaderFragmentGraph::removeFragment(IShaderFragment* fragment) {
   if (fragment == nullptr || fragment->getOwnerGraph() != this) return;
-  if (!members_->erase(fragment)) return;
+  if (!members_->contains(fragment)) return;
   fragment->setOwnerGraph(nullptr);
+  // A host's own fragment may have removed itself meanwhile.
+  if (!members_->erase(fragment)) return;
   removeAt(fragments_, static_cast<std::size_t>(std::find(fragments_.begin(), fragments_.end(), fragment) -
                                                 fragments_.begin()));
 }

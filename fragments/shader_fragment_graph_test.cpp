@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "tests/support/test_host.h"
@@ -215,6 +217,75 @@ TEST(ShaderFragmentGraph, TellsAFragmentItsOwnerBeforeItIsAMember) {
   graph->addFragment(makeRef<WitnessFragment>(L"b", events).get());
   graph->removeFragment(graph->getFragment(0));
   EXPECT_EQ(events, (std::vector<WString>{L"a joins 0", L"b joins 1", L"a is free", L"a dies"}));
+}
+
+/// A fragment that asks its graph where it is while it is told of its owner.
+class AskingFragment : public AShaderFragment {
+public:
+  void setOwnerGraph(IShaderFragmentGraph* graph) override {
+    AShaderFragment::setOwnerGraph(graph);
+    places.push_back(asked->findFragment(this));
+    if (meanwhile) meanwhile();
+  }
+
+  const AShaderFragmentGraph* asked = nullptr;
+  std::vector<std::size_t> places;
+  std::function<void()> meanwhile;
+};
+
+TEST(ShaderFragmentGraph, FindsAFragmentOnlyOnceItHasToldIt) {
+  const auto graph = makeRef<AShaderFragmentGraph>();
+  const auto fragment = makeRef<AskingFragment>();
+  fragment->asked = graph.get();
+  graph->addFragment(makeFragment(0, 0).get());
+  graph->addFragment(fragment.get());
+  EXPECT_EQ(fragment->places, std::vector<std::size_t>{kNotFound});
+  EXPECT_EQ(graph->findFragment(fragment.get()), 1u);
+  fragment->places.clear();
+  graph->removeFragment(fragment.get());
+  EXPECT_EQ(fragment->places, std::vector<std::size_t>{1});
+  EXPECT_EQ(graph->findFragment(fragment.get()), kNotFound);
+}
+
+TEST(ShaderFragmentGraph, StaysAsItWasWhenAFragmentRefusesItsOwner) {
+  const auto graph = makeRef<AShaderFragmentGraph>();
+  const auto fragment = makeRef<AskingFragment>();
+  fragment->asked = graph.get();
+  fragment->meanwhile = [] { throw Exception(L"no"); };
+  EXPECT_THROW(graph->addFragment(fragment.get()), Exception);
+  EXPECT_EQ(graph->findFragment(fragment.get()), kNotFound);
+  EXPECT_EQ(graph->getNumFragments(), 0u);
+  fragment->meanwhile = nullptr;
+  fragment->setOwnerGraph(nullptr);
+  graph->addFragment(fragment.get());
+  EXPECT_EQ(graph->findFragment(fragment.get()), 0u);
+}
+
+/// A fragment that says it has no owner until it has added itself, and the other way round.
+class SelfAddingFragment : public AShaderFragment {
+public:
+  IShaderFragmentGraph* getOwnerGraph() const override { return told; }
+  void setOwnerGraph(IShaderFragmentGraph* graph) override {
+    if (std::exchange(isBusy, true)) return;
+    if (graph != nullptr) graph->addFragment(this);
+    if (graph == nullptr) told->removeFragment(this);
+    told = graph;
+    isBusy = false;
+  }
+  IShaderFragmentGraph* told = nullptr;
+  bool isBusy = false;
+};
+
+TEST(ShaderFragmentGraph, TakesAFragmentOnceThatAddsItself) {
+  const auto graph = makeRef<AShaderFragmentGraph>();
+  const auto fragment = makeRef<SelfAddingFragment>();
+  graph->addFragment(fragment.get());
+  EXPECT_EQ(graph->getNumFragments(), 1u);
+  EXPECT_EQ(graph->findFragment(fragment.get()), 0u);
+  graph->addFragment(makeFragment(0, 0).get());
+  graph->removeFragment(fragment.get());
+  EXPECT_EQ(graph->getNumFragments(), 1u);
+  EXPECT_EQ(graph->findFragment(fragment.get()), kNotFound);
 }
 
 TEST(ShaderFragmentGraph, FreesAllMembersAndThenLetsItsChainsGoFirst) {

@@ -75,7 +75,7 @@ void AShaderFragment::loadUniforms(const IObjectDataNode& node) {
 void AShaderFragment::buildHash(const IObjectDataNode& node) {
   WString hash = SHA1_GetStringHash(node.toText());
   Set<WString> includes;
-  for (const RefPtr<IShaderFragmentProfile>& profile : profiles_->list)
+  for (const IShaderFragmentProfile* profile : profiles_->list)
     includes.insert(profile->includes().begin(), profile->includes().end());
   hash += ShaderIncludes::Singleton().getIncludesHash(includes);
   hashString_ = std::make_shared<const WString>(std::move(hash));

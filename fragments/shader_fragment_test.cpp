@@ -409,6 +409,32 @@ TEST(ShaderFragment, ClonesKeepProfilesAlive) {
   EXPECT_EQ(profile->referenceCount(), 1u);
 }
 
+TEST(ShaderFragment, HoldsAProfileByEachOfItsPlaces) {
+  // A place for each language and one in the list.
+  const auto profile = makeProfile(L"p", 1.0f, {L"dx11", L"other"});
+  const auto second = makeProfile(L"q", 1.0f, {L"dx11"});
+  RefPtr<AShaderFragment> original = makeFragment(0, 0);
+  original->registerProfile(profile.get());
+  EXPECT_EQ(profile->referenceCount(), 1u + 3u);
+  RefPtr<IShaderFragment> clone(original->clone(L"a"));
+  EXPECT_EQ(profile->referenceCount(), 1u + 6u);
+  RefPtr<IShaderFragment> cloneOfClone(clone->clone(L"b"));
+  EXPECT_EQ(profile->referenceCount(), 1u + 9u);
+  clone->registerProfile(second.get());
+  clone->registerProfile(profile.get());
+  EXPECT_EQ(profile->referenceCount(), 1u + 12u);
+  EXPECT_EQ(second->referenceCount(), 1u + 2u);
+  original->clear();
+  EXPECT_EQ(profile->referenceCount(), 1u + 9u);
+  original.reset();
+  cloneOfClone.reset();
+  EXPECT_EQ(profile->referenceCount(), 1u + 6u);
+  EXPECT_EQ(clone->findBestProfile(L"p", kDx11, 1.0f), profile.get());
+  clone.reset();
+  EXPECT_EQ(profile->referenceCount(), 1u);
+  EXPECT_EQ(second->referenceCount(), 1u);
+}
+
 TEST(ShaderFragment, ClonesAreChangedAndReadInThreadsOfTheirOwn) {
   // The two threads share nothing but what clones share by themselves: a relaxed flag orders nothing. The
   // thread sanitizer tells when what one of them reads is what the other one writes.

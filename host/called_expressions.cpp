@@ -18,53 +18,64 @@ bool isInline(const IShaderFragmentProfile* profile) {
 }
 
 /// Whether the code has a parameter in that place and calls it as a function.
-bool callsInput(const AShaderFragmentProfile& profile, std::size_t input) {
-  const ITextParameterList& parameters = *profile.getFunctionParameters();
-  return input < parameters.getNumInputs() && profile.hasShaderFunctions(parameters.getInputName(input));
+bool callsInput(const IShaderFragmentProfile* profile, std::size_t input) {
+  const auto* const ours = dynamic_cast<const AShaderFragmentProfile*>(profile);
+  if (ours == nullptr) return false;
+  const ITextParameterList& parameters = *ours->getFunctionParameters();
+  return input < parameters.getNumInputs() && ours->hasShaderFunctions(parameters.getInputName(input));
 }
 
-class Search {
+class CalledExpressionSearch {
 public:
-  explicit Search(const CollapseJob& job)
-      : job_(job), document_(job.document()), reachable_(reachableNodes(document_)) {
-    fragments_.resize(document_.getNumNodes());
+  explicit CalledExpressionSearch(const CollapseJob& job)
+      : document_(job.document()), surface_(job), reachable_(reachableNodes(document_)) {
+    profiles_.resize(document_.getNumNodes());
     for (const std::size_t node : reachable_) {
-      fragments_[node] = job.libraries().language().findFragment(document_.node(node).fragmentName());
+      const IShaderFragment* const fragment =
+          job.libraries().language().findFragment(document_.node(node).fragmentName());
+      if (fragment != nullptr) profiles_[node] = &surface_.profilesOf(*fragment);
     }
   }
 
   Set<Input> run() {
-    for (const WString& name : surfaceProfileNames(job_)) {
-      chooseProfiles(name);
-      for (const std::size_t node : reachable_) searchNode(node);
-    }
+    for (const std::size_t node : reachable_) searchNode(node);
     return std::move(found_);
   }
 
 private:
-  void chooseProfiles(const WString& name) {
-    profiles_.assign(document_.getNumNodes(), nullptr);
-    for (const std::size_t node : reachable_) {
-      if (fragments_[node] == nullptr) continue;
-      profiles_[node] = chooseProfile(job_, *fragments_[node], name, job_.options().getSurfaceLOD());
-    }
-  }
-
   void searchNode(std::size_t node) {
-    const auto* const profile = dynamic_cast<const AShaderFragmentProfile*>(profiles_[node]);
-    if (profile == nullptr) return;
     const Array<GraphNode::Wire>& wires = document_.node(node).wires();
     for (std::size_t i = 0; i < wires.size(); ++i) {
-      if (wires[i].source == nullptr || !isInline(profiles_[wires[i].source->index()])) continue;
-      if (callsInput(*profile, i)) found_.emplace(node, i);
+      if (wires[i].source != nullptr && callsExpression(node, i, wires[i].source->index()))
+        found_.emplace(node, i);
     }
   }
 
-  const CollapseJob& job_;
+  /// Whether there is a name under which the node calls its input and the source is an expression.
+  bool callsExpression(std::size_t node, std::size_t input, std::size_t source) const {
+    if (profiles_[node] == nullptr || profiles_[source] == nullptr) return false;
+    const SurfaceProfiles& caller = *profiles_[node];
+    const SurfaceProfiles& called = *profiles_[source];
+    const auto isFound = [&](const IShaderFragmentProfile* calling,
+                             const IShaderFragmentProfile* expression) {
+      return isInline(expression) && callsInput(calling, input);
+    };
+    std::size_t known = caller.named.size();
+    for (const auto& [name, profile] : caller.named) {
+      if (isFound(profile, called.under(name))) return true;
+    }
+    for (const auto& [name, profile] : called.named) {
+      if (caller.named.contains(name)) continue;
+      if (isFound(caller.other, profile)) return true;
+      ++known;
+    }
+    return known < surface_.profileNames().size() && isFound(caller.other, called.other);
+  }
+
   const GraphDocument& document_;
+  EvaluatedSurface surface_;
   std::vector<std::size_t> reachable_;
-  std::vector<const IShaderFragment*> fragments_;        ///< one per node; null for those nothing reaches
-  std::vector<const IShaderFragmentProfile*> profiles_;  ///< one per node, under the current name
+  std::vector<const SurfaceProfiles*> profiles_;  ///< one per node; null for those nothing reaches
   Set<Input> found_;
 };
 
@@ -94,7 +105,8 @@ CalledExpressionError::CalledExpressionError(std::vector<CalledExpression> wires
 
 std::vector<CalledExpression> findCalledExpressions(const CollapseJob& job) {
   std::vector<CalledExpression> wires;
-  for (const Input& input : Search(job).run()) wires.push_back(describe(job.document(), input));
+  for (const Input& input : CalledExpressionSearch(job).run())
+    wires.push_back(describe(job.document(), input));
   return wires;
 }
 

@@ -42,9 +42,9 @@ std::string trimmed(std::wstring_view text) {
   return start == text.npos ? std::string() : toUtf8(text.substr(start));
 }
 
-class Search {
+class OriginSearch {
 public:
-  explicit Search(const CollapseJob& job) : job_(job), files_(job.settings().libraryFolders) {
+  explicit OriginSearch(const CollapseJob& job) : job_(job), files_(job.settings().libraryFolders) {
     const AShaderFragmentGraph& graph = *job.graph();
     const GraphDocument& document = job.document();
     for (std::size_t i = 0; i < document.getNumNodes(); ++i) {
@@ -174,7 +174,7 @@ std::vector<OriginNote> findOrigins(const CollapseJob& job, const AssembledShade
 
   const std::wstring_view code = lineOf(text, line);
   notes.push_back({std::string(), "the line is `" + trimmed(code) + "`"});
-  const Search search(job);
+  const OriginSearch search(job);
   if (section->kind == ShaderSection::Kind::include) {
     notes.push_back(search.include(section->name));
   } else if (section->kind == ShaderSection::Kind::symbol) {

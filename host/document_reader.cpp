@@ -44,17 +44,6 @@ std::string expectedValueText(const TypeID& type) {
   return "an array of " + std::to_string(componentCount(type)) + (integers ? " integers" : " numbers");
 }
 
-/// Reads a value by the very rules of a parameter object.
-bool readValue(const IObjectDataNode& node, const TypeID& type, AValue& value) {
-  const WString object =
-      formatted(LR"({"name":"value","type":"%s","value":%s})", ITypeTraits::getTypeName(type), node.toText());
-  const RefPtr<IObjectDataNode> document(createJsonNode());
-  AParameter parameter;
-  if (!document->loadFromText(object) || !parameter.load(document.get())) return false;
-  value = parameter.getDefaultValue();
-  return true;
-}
-
 }  // namespace
 
 DocumentReader::DocumentReader(const std::string& file) : file_(file), root_(createJsonNode()) {
@@ -67,19 +56,28 @@ void DocumentReader::refuse(const IObjectDataNode& at, const std::string& reason
 }
 
 WString DocumentReader::requiredName(const IObjectDataNode& object, std::wstring_view key) const {
-  std::optional<WString> name = optionalName(object, key);
-  if (!name) refuse(object, inTicks(key) + " is missing");
-  return *std::move(name);
+  return fromUtf8(requiredUtf8(object, key));
+}
+
+std::string_view DocumentReader::requiredUtf8(const IObjectDataNode& object, std::wstring_view key) const {
+  const std::string_view name = optionalUtf8(object, key);
+  if (name.empty()) refuse(object, inTicks(key) + " is missing");
+  return name;
 }
 
 std::optional<WString> DocumentReader::optionalName(const IObjectDataNode& object,
                                                     std::wstring_view key) const {
+  const std::string_view name = optionalUtf8(object, key);
+  if (name.empty()) return std::nullopt;
+  return fromUtf8(name);
+}
+
+std::string_view DocumentReader::optionalUtf8(const IObjectDataNode& object, std::wstring_view key) const {
   const IObjectDataNode* const value = object.member(key);
-  if (value == nullptr) return std::nullopt;
-  if (value->kind() != NodeKind::string || value->asString().empty()) {
+  if (value != nullptr && value->asUtf8().empty()) {
     refuse(*value, inTicks(key) + " must be a string that is not empty");
   }
-  return value->asString();
+  return value != nullptr ? value->asUtf8() : std::string_view();
 }
 
 const IObjectDataNode* DocumentReader::optionalArray(const IObjectDataNode& object,
@@ -125,22 +123,33 @@ RefPtr<AParameter> DocumentReader::parameter(const IObjectDataNode& object) cons
   return parameter;
 }
 
-AValue DocumentReader::value(const IObjectDataNode& node, const AParameter& parameter,
-                             std::string_view what) const {
-  const TypeID& type = parameter.getType();
-  if (componentCount(type) == 0) {
-    refuse(node,
-           std::string(what) + " cannot be given: a value of type " + typeText(parameter) + " has no text");
-  }
-  AValue value(type);
-  if (!readValue(node, type, value)) {
-    refuse(node, std::string(what) + " does not fit the type " + typeText(parameter) + ": expected " +
-                     expectedValueText(type));
-  }
-  return value;
+/// Reads a value as a parameter object does: a boolean or number for one component, an array for any number.
+bool DocumentReader::readValue(const IObjectDataNode& node, AValue& value) {
+  const auto setNumber = [&](std::size_t index, const IObjectDataNode& number) {
+    return number.kind() == NodeKind::number && value.set(index, number.asNumber());
+  };
+  if (value.size() == 0) return false;
+  if (node.kind() == NodeKind::boolean)
+    return value.type() == TypeID_bool && value.set(0, node.asBool() ? 1.0 : 0.0);
+  if (node.kind() == NodeKind::number) return value.size() == 1 && setNumber(0, node);
+  if (node.kind() != NodeKind::array || node.size() != value.size()) return false;
+  for (std::size_t index = 0; index < value.size(); ++index)
+    if (!setNumber(index, *node.elementOrNull(index))) return false;
+  return true;
 }
 
-std::string inTicks(std::wstring_view name) { return "`" + toUtf8(name) + "`"; }
+void DocumentReader::refuseValue(const IObjectDataNode& node, const AParameter& parameter,
+                                 const std::string& what) const {
+  const TypeID& type = parameter.getType();
+  if (componentCount(type) == 0) {
+    refuse(node, what + " cannot be given: a value of type " + typeText(parameter) + " has no text");
+  }
+  refuse(node,
+         what + " does not fit the type " + typeText(parameter) + ": expected " + expectedValueText(type));
+}
+
+std::string inTicks(std::string_view utf8) { return "`" + std::string(utf8) + "`"; }
+std::string inTicks(std::wstring_view name) { return inTicks(toUtf8(name)); }
 
 std::string typeText(const AParameter& parameter) {
   return inTicks(parameter.getType() == TypeID_struct ? parameter.getStructName()

@@ -29,6 +29,9 @@ public:
   /// A non-empty string.
   WString requiredName(const IObjectDataNode& object, std::wstring_view key) const;
   std::optional<WString> optionalName(const IObjectDataNode& object, std::wstring_view key) const;
+  /// The same as UTF-8, which lives as long as this. Empty without one.
+  std::string_view optionalUtf8(const IObjectDataNode& object, std::wstring_view key) const;
+  std::string_view requiredUtf8(const IObjectDataNode& object, std::wstring_view key) const;
   /// The array under `key`, or null.
   const IObjectDataNode* optionalArray(const IObjectDataNode& object, std::wstring_view key) const;
   /// The object under `key`, or null.
@@ -40,15 +43,25 @@ public:
 
   /// A parameter object. A constant must be of a type whose values have text.
   RefPtr<AParameter> parameter(const IObjectDataNode& object) const;
-  /// The value, which must fit the parameter's type; `what` names it in the refusal.
-  AValue value(const IObjectDataNode& node, const AParameter& parameter, std::string_view what) const;
+  /// The value, which must fit the parameter's type; `what()` names it in the refusal.
+  template <class Name>
+  AValue value(const IObjectDataNode& node, const AParameter& parameter, Name&& what) const {
+    AValue value(parameter.getType());
+    if (!readValue(node, value)) refuseValue(node, parameter, what());
+    return value;
+  }
 
 private:
+  static bool readValue(const IObjectDataNode& node, AValue& value);
+  [[noreturn]] void refuseValue(const IObjectDataNode& node, const AParameter& parameter,
+                                const std::string& what) const;
+
   std::string file_;
   RefPtr<IObjectDataNode> root_;
 };
 
 /// "`noise`": a name as diagnostics show it.
+std::string inTicks(std::string_view utf8);
 std::string inTicks(std::wstring_view name);
 /// The type as a person writes it: the language's name, or the structure's.
 std::string typeText(const AParameter& parameter);

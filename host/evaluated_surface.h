@@ -8,14 +8,39 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// The profile names under which the nodes are evaluated: those that the lights of a light loop ask for;
-/// "default" for the default tool and without lights.
-Set<WString> surfaceProfileNames(const CollapseJob& job);
+/// The names under which `findBestProfile` finds a profile of the fragment for the language.
+Set<WString> offeredProfileNames(const IShaderFragment& fragment, const UString& language);
 
-/// The profile that an instance takes: the best of that name for the level of detail, else the best
-/// "default"; null when there is neither.
-const IShaderFragmentProfile* chooseProfile(const CollapseJob& job, const IShaderFragment& fragment,
-                                            const WString& name, float lod);
+/// The profiles that nodes of one fragment take under the names of the surface.
+struct SurfaceProfiles {
+  /// By those of the names that the fragment offers.
+  Map<WString, const IShaderFragmentProfile*> named;
+  /// Under every other name; may be null.
+  const IShaderFragmentProfile* other = nullptr;
+  /// Those that are taken, each once, in the order of the names.
+  std::vector<const IShaderFragmentProfile*> taken;
+
+  const IShaderFragmentProfile* under(const WString& name) const;
+};
+
+/// The profiles of the surface, for each fragment found once. Refers to the job.
+class EvaluatedSurface {
+public:
+  explicit EvaluatedSurface(const CollapseJob& job);
+
+  /// The profile names under which the nodes are evaluated: those that the lights of a light loop ask for;
+  /// "default" for the default tool and without lights.
+  const Set<WString>& profileNames() const noexcept { return names_; }
+  /// Stays where it is.
+  const SurfaceProfiles& profilesOf(const IShaderFragment& fragment);
+
+private:
+  SurfaceProfiles find(const IShaderFragment& fragment) const;
+
+  const CollapseJob& job_;
+  Set<WString> names_;
+  Map<const IShaderFragment*, SurfaceProfiles> profiles_;
+};
 
 /// Indexes of the nodes that feed a graph output, sources before the nodes they feed. Ends on a loop, too.
 std::vector<std::size_t> reachableNodes(const GraphDocument& document);

@@ -1,6 +1,7 @@
 #include "host/fragment_files.h"
 
 #include "host/input_error.h"
+#include "text/ascii.h"
 #include "tolmsdk/files.h"
 #include "tolmsdk/unicode.h"
 
@@ -9,16 +10,6 @@ namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
 constexpr std::wstring_view kExtension = L"fraglib";
-
-bool equalsIgnoringCase(std::wstring_view text, std::wstring_view lowerCase) {
-  if (text.size() != lowerCase.size()) return false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const wchar_t c =
-        text[i] >= L'A' && text[i] <= L'Z' ? static_cast<wchar_t>(text[i] - L'A' + L'a') : text[i];
-    if (c != lowerCase[i]) return false;
-  }
-  return true;
-}
 
 }  // namespace
 

@@ -1,22 +1,21 @@
 #include "host/graph_document.h"
 
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
 #include "host/document_reader.h"
+#include "host/port_finder.h"
 #include "host/shading_environment.h"
 #include "sfg/shader_fragment_graph_builder.h"
 #include "tolmsdk/exception.h"
+#include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
 constexpr std::wstring_view kInputSources[] = {L"node", L"graphInput", L"value", L"constant"};
-
-std::size_t findByName(const Array<RefPtr<AParameter const>>& parameters, const WString& name) {
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    if (parameters[i]->getName() == name) return i;
-  }
-  return kNotFound;
-}
 
 /// A copy with another default value.
 RefPtr<AParameter const> withValue(const AParameter& original, const AValue& value, bool constant) {
@@ -35,13 +34,18 @@ WString numbered(std::wstring_view prefix, std::size_t number) {
 
 }  // namespace
 
-GraphNode::GraphNode() = default;
+GraphNode::GraphNode(const Type& type) : type_(&type) {}
 GraphNode::~GraphNode() = default;
+
+GraphNode::Wire& GraphNode::wire(std::size_t input) {
+  if (wires_.empty()) wires_.resize(getNumInputs());
+  return wires_[input];
+}
 
 bool GraphNode::getInputConnection(std::size_t index, const INodeAccessor*& source,
                                    std::size_t& output) const {
+  if (wires_.empty() || wires_[index].source == nullptr) return false;
   const Wire& wire = wires_[index];
-  if (wire.source == nullptr) return false;
   source = wire.source;
   output = wire.output;
   return true;
@@ -85,8 +89,6 @@ public:
   }
 
 private:
-  using Parameters = Array<RefPtr<AParameter const>>;
-
   void readGraphInputs() {
     const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"inputs");
     for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
@@ -106,42 +108,58 @@ private:
 
   void readNodes() {
     const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"nodes");
-    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+    if (array == nullptr) return;
+    document_->nodes_.reserve(array->size());
+    nodes_.reserve(array->size());
+    for (std::size_t i = 0; i < array->size(); ++i) {
       const IObjectDataNode& object = reader_.objectAt(*array, i);
-      document_->nodes_.push_back(readNode(object, i));
-      nodeObjects_.push_back(&object);
-      GraphNode& node = *document_->nodes_.back();
-      if (!nodes_.emplace(node.name_, &node).second) {
-        reader_.refuse(object, "the node name " + inTicks(node.name_) + " is used twice");
+      const std::string_view name = reader_.requiredUtf8(object, L"name");
+      const RefPtr<GraphNode> node = makeRef<GraphNode>(typeOf(object));
+      node->index_ = i;
+      node->position_ = object.position();
+      node->name_ = fromUtf8(name);
+      document_->nodes_.push_back(node);
+      if (!nodes_.emplace(name, node.get()).second) {
+        reader_.refuse(object, "the node name " + inTicks(node->name_) + " is used twice");
       }
     }
   }
 
-  RefPtr<GraphNode> readNode(const IObjectDataNode& object, std::size_t index) {
-    RefPtr<GraphNode> node = makeRef<GraphNode>();
-    node->index_ = index;
-    node->position_ = object.position();
-    node->name_ = reader_.requiredName(object, L"name");
-    node->fragmentName_ = reader_.requiredName(object, L"fragment");
+  const GraphNode::Type& typeOf(const IObjectDataNode& object) {
+    const std::string_view fragment = reader_.requiredUtf8(object, L"fragment");
     if (const IObjectDataNode* interface = reader_.optionalObject(object, L"interface")) {
-      node->inputs_ = readPorts(*interface, L"inputs");
-      node->outputs_ = readPorts(*interface, L"outputs");
-    } else if (const IShaderFragment* fragment = language_.findFragment(node->fragmentName_)) {
-      takePorts(*node, *cloneWithPorts(*fragment, WString(), language_));
-    } else {
-      unknownPorts_.insert(node.get());
+      auto type = std::make_unique<GraphNode::Type>();
+      type->fragmentName = fromUtf8(fragment);
+      type->inputs = readPorts(*interface, L"inputs");
+      type->outputs = readPorts(*interface, L"outputs");
+      return keep(std::move(type));
     }
-    node->wires_.resize(node->inputs_.size());
-    return node;
+    const GraphNode::Type*& known = types_[fragment];
+    if (known == nullptr) known = &keep(makeType(fromUtf8(fragment)));
+    return *known;
   }
 
-  Parameters readPorts(const IObjectDataNode& interface, std::wstring_view key) {
-    Parameters ports;
+  std::unique_ptr<GraphNode::Type> makeType(const WString& fragmentName) const {
+    auto type = std::make_unique<GraphNode::Type>();
+    type->fragmentName = fragmentName;
+    const IShaderFragment* const fragment = language_.findFragment(fragmentName);
+    type->knowsPorts = fragment != nullptr;
+    if (fragment != nullptr) takePorts(*type, *cloneWithPorts(*fragment, WString(), language_));
+    return type;
+  }
+
+  const GraphNode::Type& keep(std::unique_ptr<const GraphNode::Type> type) {
+    return *document_->types_.emplace_back(std::move(type));
+  }
+
+  GraphNode::Ports readPorts(const IObjectDataNode& interface, std::wstring_view key) {
+    GraphNode::Ports ports;
+    Set<std::wstring_view> names;
     const IObjectDataNode* const array = reader_.optionalArray(interface, key);
     for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
       const IObjectDataNode& object = reader_.objectAt(*array, i);
       RefPtr<AParameter> port = reader_.parameter(object);
-      if (findByName(ports, port->getName()) != kNotFound) {
+      if (!names.insert(port->getName()).second) {
         reader_.refuse(object, "the port name " + inTicks(port->getName()) + " is used twice");
       }
       ports.push_back(port);
@@ -149,9 +167,10 @@ private:
     return ports;
   }
 
-  static void takePorts(GraphNode& node, const IShaderFragment& fragment) {
-    for (std::size_t i = 0; i < fragment.getNumInputs(); ++i) node.inputs_.push_back(fragment.getInput(i));
-    for (std::size_t i = 0; i < fragment.getNumOutputs(); ++i) node.outputs_.push_back(fragment.getOutput(i));
+  static void takePorts(GraphNode::Type& type, const IShaderFragment& fragment) {
+    for (std::size_t i = 0; i < fragment.getNumInputs(); ++i) type.inputs.emplace_back(fragment.getInput(i));
+    for (std::size_t i = 0; i < fragment.getNumOutputs(); ++i)
+      type.outputs.emplace_back(fragment.getOutput(i));
   }
 
   void readGraphOutputs() {
@@ -171,9 +190,10 @@ private:
   }
 
   void wireNodes() {
-    for (std::size_t i = 0; i < nodeObjects_.size(); ++i) {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"nodes");
+    for (std::size_t i = 0; i < document_->nodes_.size(); ++i) {
       GraphNode& node = *document_->nodes_[i];
-      const IObjectDataNode* const inputs = reader_.optionalObject(*nodeObjects_[i], L"inputs");
+      const IObjectDataNode* const inputs = reader_.optionalObject(reader_.objectAt(*array, i), L"inputs");
       for (std::size_t k = 0; inputs != nullptr && k < inputs->size(); ++k) {
         wireInput(node, inputs->memberName(k), *inputs->elementOrNull(k));
       }
@@ -181,37 +201,40 @@ private:
   }
 
   void wireInput(GraphNode& node, const WString& name, const IObjectDataNode& object) {
-    const std::string where = "input " + inTicks(name) + " of node " + inTicks(node.name_);
-    if (object.kind() != NodeKind::object) reader_.refuse(object, where + " must be an object");
-    const std::wstring_view source = onlySource(object, where);
-    const std::size_t port = findByName(node.inputs_, name);
-    if (port == kNotFound && unknownPorts_.contains(&node)) return;
+    const auto where = [&] { return "input " + inTicks(name) + " of node " + inTicks(node.name_); };
+    if (object.kind() != NodeKind::object) reader_.refuse(object, where() + " must be an object");
+    const std::wstring_view source = onlySource(object);
+    if (source.empty()) {
+      reader_.refuse(object, where() + " must hold exactly one of `node`, `graphInput`, `value`, `constant`");
+    }
+    const std::size_t port = portFinder_.find(node.type_->inputs, name);
+    if (port == kNotFound && !node.type_->knowsPorts) return;
     if (port == kNotFound) {
       reader_.refuse(object, "node " + inTicks(node.name_) + " has no input " + inTicks(name) + "; " +
-                                 listed("its inputs are", node.inputs_));
+                                 listed("its inputs are", node.inputs()));
     }
     if (source == L"node") {
-      node.wires_[port] = readSource(object);
+      node.wire(port) = readSource(object);
     } else if (source == L"graphInput") {
-      node.wires_[port].graphInput = readGraphInput(object);
-      node.wires_[port].position = object.position();
+      node.wire(port).graphInput = readGraphInput(object);
+      node.wire(port).position = object.position();
     } else {
       const bool constant = source == L"constant";
-      const AValue value =
-          reader_.value(*object.member(source), *node.inputs_[port], inTicks(source) + " of " + where);
-      node.inputs_[port] = withValue(*node.inputs_[port], value, constant);
+      const AParameter& parameter = *node.inputs()[port];
+      const AValue value = reader_.value(*object.member(source), parameter,
+                                         [&] { return inTicks(source) + " of " + where(); });
+      if (node.ownInputs_.empty()) node.ownInputs_ = node.type_->inputs;
+      node.ownInputs_[port] = withValue(parameter, value, constant);
     }
   }
 
-  std::wstring_view onlySource(const IObjectDataNode& object, const std::string& where) {
+  /// The one of the keys that the object holds; empty for none and for several.
+  static std::wstring_view onlySource(const IObjectDataNode& object) {
     std::wstring_view found;
     for (const std::wstring_view key : kInputSources) {
       if (object.member(key) == nullptr) continue;
-      if (!found.empty()) found = L"several";
-      if (found.empty()) found = key;
-    }
-    if (found.empty() || found == L"several") {
-      reader_.refuse(object, where + " must hold exactly one of `node`, `graphInput`, `value`, `constant`");
+      if (!found.empty()) return {};
+      found = key;
     }
     return found;
   }
@@ -220,20 +243,21 @@ private:
   GraphNode::Wire readSource(const IObjectDataNode& object) {
     GraphNode::Wire wire;
     wire.position = object.position();
-    const std::optional<WString> name = reader_.optionalName(object, L"node");
-    const std::optional<WString> output = reader_.optionalName(object, L"output");
-    if (!name) {
-      if (output) reader_.refuse(*object.member(L"output"), "`output` needs a `node`");
+    const std::string_view name = reader_.optionalUtf8(object, L"node");
+    const std::string_view output = reader_.optionalUtf8(object, L"output");
+    if (name.empty()) {
+      if (!output.empty()) reader_.refuse(*object.member(L"output"), "`output` needs a `node`");
       return wire;
     }
-    const auto found = nodes_.find(*name);
-    if (found == nodes_.end()) reader_.refuse(*object.member(L"node"), "unknown node " + inTicks(*name));
+    const auto found = nodes_.find(name);
+    if (found == nodes_.end()) reader_.refuse(*object.member(L"node"), "unknown node " + inTicks(name));
     wire.source = found->second;
-    wire.output = output ? findByName(wire.source->outputs_, *output) : 0;
-    if (wire.output < wire.source->outputs_.size() || unknownPorts_.contains(wire.source)) return wire;
-    const std::string wanted = output ? "no output " + inTicks(*output) : std::string("no outputs");
-    reader_.refuse(output ? *object.member(L"output") : object,
-                   "node " + inTicks(*name) + " has " + wanted + "; " + outputsHint(*wire.source));
+    const GraphNode::Type& type = *wire.source->type_;
+    wire.output = output.empty() ? 0 : portFinder_.find(type.outputs, fromUtf8(output));
+    if (wire.output < type.outputs.size() || !type.knowsPorts) return wire;
+    const std::string wanted = output.empty() ? std::string("no outputs") : "no output " + inTicks(output);
+    reader_.refuse(output.empty() ? object : *object.member(L"output"),
+                   "node " + inTicks(name) + " has " + wanted + "; " + outputsHint(*wire.source));
   }
 
   std::size_t readGraphInput(const IObjectDataNode& object) {
@@ -246,14 +270,14 @@ private:
   }
 
   std::string outputsHint(const GraphNode& node) const {
-    const IShaderFragment* const fragment = language_.findFragment(node.fragmentName_);
+    const IShaderFragment* const fragment = language_.findFragment(node.fragmentName());
     const bool isInline = fragment != nullptr && fragment->getNumProfiles() != 0 &&
                           fragment->getProfile(0)->getMode() == EShaderFragmentProfileMode::Inline;
-    if (isInline && node.outputs_.empty()) return "a node of an inline fragment needs an `interface`";
-    return listed("its outputs are", node.outputs_);
+    if (isInline && node.getNumOutputs() == 0) return "a node of an inline fragment needs an `interface`";
+    return listed("its outputs are", node.type_->outputs);
   }
 
-  static std::string listed(const std::string& intro, const Parameters& ports) {
+  static std::string listed(const std::string& intro, const GraphNode::Ports& ports) {
     if (ports.empty()) return intro + " none";
     std::string text = intro;
     for (std::size_t i = 0; i < ports.size(); ++i)
@@ -275,11 +299,11 @@ private:
   DocumentReader reader_;
   const ILanguageTraits& language_;
   RefPtr<GraphDocument> document_ = makeRef<GraphDocument>();
-  Map<WString, GraphNode*> nodes_;
+  std::unordered_map<std::string_view, const GraphNode::Type*> types_;  // by fragment name
+  std::unordered_map<std::string_view, GraphNode*> nodes_;
   Map<WString, std::size_t> graphInputs_;
   Set<WString> graphNames_;
-  Set<const GraphNode*> unknownPorts_;
-  Array<const IObjectDataNode*> nodeObjects_;
+  PortFinder portFinder_;
 };
 
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language) {

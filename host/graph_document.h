@@ -2,7 +2,9 @@
 
 // The graph document: the host's own graph, which the graph builder sees through its accessors.
 
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "sfg/shader_fragment_graph.h"
 #include "tolmsdk/host_interfaces.h"
@@ -23,21 +25,36 @@ public:
     TextPosition position;
   };
 
-  GraphNode();
+  using Ports = Array<RefPtr<AParameter const>>;
+
+  /// What the nodes of one fragment have in common, unless they have an interface of their own.
+  struct Type {
+    WString fragmentName;
+    Ports inputs;
+    Ports outputs;
+    bool knowsPorts = true;  ///< false for an unknown fragment
+  };
+
+  explicit GraphNode(const Type& type);
   ~GraphNode() override;
 
-  const wchar_t* getFragmentName() const override { return fragmentName_.c_str(); }
-  std::size_t getNumInputs() const override { return inputs_.size(); }
-  const AParameter* getInput(std::size_t index) const override { return inputs_[index].get(); }
+  const wchar_t* getFragmentName() const override { return type_->fragmentName.c_str(); }
+  std::size_t getNumInputs() const override { return type_->inputs.size(); }
+  const AParameter* getInput(std::size_t index) const override { return inputs()[index].get(); }
   bool getInputConnection(std::size_t index, const INodeAccessor*& source,
                           std::size_t& output) const override;
-  std::size_t getNumOutputs() const override { return outputs_.size(); }
-  const AParameter* getOutput(std::size_t index) const override { return outputs_[index].get(); }
+  std::size_t getNumOutputs() const override { return type_->outputs.size(); }
+  const AParameter* getOutput(std::size_t index) const override { return type_->outputs[index].get(); }
 
   const WString& name() const noexcept { return name_; }
-  const WString& fragmentName() const noexcept { return fragmentName_; }
-  /// One per input.
+  const WString& fragmentName() const noexcept { return type_->fragmentName; }
+  /// One per input; none at all when no input is wired.
   const Array<Wire>& wires() const noexcept { return wires_; }
+  /// Whether the input takes its value from a node or a graph input.
+  bool isWired(std::size_t input) const noexcept {
+    return input < wires_.size() &&
+           (wires_[input].source != nullptr || wires_[input].graphInput != kNotFound);
+  }
   TextPosition position() const noexcept { return position_; }
   /// Position in the document, and so in the built graph.
   std::size_t index() const noexcept { return index_; }
@@ -45,10 +62,13 @@ public:
 private:
   friend class GraphLoader;
 
+  const Ports& inputs() const noexcept { return ownInputs_.empty() ? type_->inputs : ownInputs_; }
+  /// Where the input's wire is told.
+  Wire& wire(std::size_t input);
+
   WString name_;
-  WString fragmentName_;
-  Array<RefPtr<AParameter const>> inputs_;
-  Array<RefPtr<AParameter const>> outputs_;
+  const Type* type_;  // of the document
+  Ports ownInputs_;   // with the values that the node gives; empty when it gives none
   Array<Wire> wires_;
   TextPosition position_;
   std::size_t index_ = 0;
@@ -94,6 +114,7 @@ private:
   Array<RefPtr<AParameter const>> outputs_;
   Array<GraphNode::Wire> outputWires_;
   Array<RefPtr<AParameter const>> uniforms_;
+  std::vector<std::unique_ptr<const GraphNode::Type>> types_;
   Array<RefPtr<GraphNode>> nodes_;
   Array<ChainFragment> preprocess_;
   Array<ChainFragment> postprocess_;

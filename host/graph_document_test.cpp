@@ -9,6 +9,7 @@
 #include "host/language_dx11.h"
 #include "host/shader_options.h"
 #include "host/shading_environment.h"
+#include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
@@ -53,6 +54,56 @@ TEST_F(GraphDocumentTest, TakesPortsFromTheFragment) {
   ASSERT_EQ(node.getNumOutputs(), 2u);
   EXPECT_EQ(node.getOutput(1)->getName(), L"weight");
   EXPECT_EQ(node.getOutput(1)->getType(), TypeID_float);
+}
+
+TEST_F(GraphDocumentTest, NodesOfOneFragmentHaveValuesAndWiresOfTheirOwn) {
+  const RefPtr<GraphDocument> document = load(R"({ "nodes": [
+    { "name": "a", "fragment": "post" },
+    { "name": "b", "fragment": "post", "inputs": { "color": { "value": [1, 2, 3] } } },
+    { "name": "c", "fragment": "post", "inputs": { "color": { "constant": [4, 5, 6] } } },
+    { "name": "d", "fragment": "post", "inputs": { "color": { "node": "a" } } } ] })");
+  EXPECT_EQ(document->node(0).getInput(0)->getDefaultValue().get(0), 0.0);
+  EXPECT_EQ(document->node(1).getInput(0)->getDefaultValue().get(0), 1.0);
+  EXPECT_FALSE(document->node(1).getInput(0)->isConstant());
+  EXPECT_EQ(document->node(2).getInput(0)->getDefaultValue().get(2), 6.0);
+  EXPECT_TRUE(document->node(2).getInput(0)->isConstant());
+  EXPECT_EQ(document->node(3).getInput(0), document->node(0).getInput(0));
+  EXPECT_TRUE(document->node(0).wires().empty());
+  EXPECT_FALSE(document->node(0).isWired(0));
+  EXPECT_FALSE(document->node(1).isWired(0));
+  ASSERT_EQ(document->node(3).wires().size(), 1u);
+  EXPECT_TRUE(document->node(3).isWired(0));
+  const INodeAccessor* source = nullptr;
+  std::size_t output = kNotFound;
+  EXPECT_FALSE(document->node(0).getInputConnection(0, source, output));
+  EXPECT_TRUE(document->node(3).getInputConnection(0, source, output));
+  EXPECT_EQ(source, &document->node(0));
+}
+
+TEST_F(GraphDocumentTest, ReadsValuesAsParameterObjectsDo) {
+  struct Case {
+    const char* type;
+    const char* value;
+    const char* text;  ///< null when it does not fit
+  };
+  for (const Case& c :
+       {Case{"bool", "true", "true"}, Case{"bool", "1", "true"}, Case{"bool", "[0]", "false"},
+        Case{"float", "-0.0", "-0.0"}, Case{"float", "[2]", "2.0"}, Case{"float", "true", nullptr},
+        Case{"float", "1e39", nullptr}, Case{"int", "1.5", nullptr}, Case{"uint", "-1", nullptr},
+        Case{"float", "\"1\"", nullptr}, Case{"float2", "[1, 2]", "float2(1.0, 2.0)"},
+        Case{"float2", "1", nullptr}, Case{"float2", "[1]", nullptr}, Case{"float2", "[1, null]", nullptr},
+        Case{"float2", "[1, \"2\"]", nullptr}, Case{"sfg_sampler2D", "[]", nullptr},
+        Case{"float", "{}", nullptr}}) {
+    const std::string text =
+        std::string(R"({ "nodes": [ { "name": "a", "fragment": "f", "interface": { "inputs": [
+      { "name": "x", "type": ")") +
+        c.type + R"(" } ] }, "inputs": { "x": { "value": )" + c.value + " } } } ] }";
+    if (c.text == nullptr) {
+      EXPECT_THROW(load(text), InputError) << text;
+    } else {
+      EXPECT_EQ(toUtf8(toShaderText(load(text)->node(0).getInput(0)->getDefaultValue())), c.text) << text;
+    }
+  }
 }
 
 TEST_F(GraphDocumentTest, TakesPortsFromTheInterfaceInstead) {

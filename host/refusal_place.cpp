@@ -12,9 +12,9 @@ namespace {
 using Found = std::optional<RefusalPlace>;
 
 /// The searches for one job. Each answers nothing when the document does not show what it looks for.
-class Search {
+class RefusalSearch {
 public:
-  explicit Search(const CollapseJob& job) : job_(job), document_(job.document()) {}
+  explicit RefusalSearch(const CollapseJob& job) : job_(job), document_(job.document()) {}
 
   Found unknownFragment() const {
     for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
@@ -269,7 +269,7 @@ private:
   const GraphDocument& document_;
 };
 
-Found findByMessage(const Search& search, std::wstring_view message) {
+Found findByMessage(const RefusalSearch& search, std::wstring_view message) {
   const auto says = [message](std::wstring_view words) { return message.find(words) != message.npos; };
   if (says(L"Failed to create fragment")) return search.unknownFragment();
   if (says(L"circular loop")) return search.loop();
@@ -287,7 +287,7 @@ Found findByMessage(const Search& search, std::wstring_view message) {
 }  // namespace
 
 RefusalPlace findRefusalPlace(const CollapseJob& job, std::wstring_view message) {
-  const Search search(job);
+  const RefusalSearch search(job);
   if (Found found = findByMessage(search, message)) return *found;
   // Something could not be evaluated: the usual causes, most exact first.
   if (message.empty() || message.find(L"evaluate") != message.npos) {

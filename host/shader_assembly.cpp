@@ -149,6 +149,15 @@ std::vector<PredefinePart> splitPredefines(const WString& predefines) {
   return parts;
 }
 
+/// The first part of each structure's name.
+Map<std::wstring_view, std::size_t> indexStructures(const std::vector<PredefinePart>& parts) {
+  Map<std::wstring_view, std::size_t> structures;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    if (parts[i].type == EShaderSymbolType::structure) structures.emplace(parts[i].name, i);
+  }
+  return structures;
+}
+
 /// The text so far, and which lines of it are what.
 class Writer {
 public:
@@ -387,16 +396,32 @@ private:
     for (const WString& name : names) writeStructure(name);
   }
 
+  /// A structure that is being written: the parts that its identifiers name go in front of it.
+  struct OpenStructure {
+    std::size_t part;
+    std::vector<std::wstring_view> identifiers;
+    std::size_t next = 0;
+  };
+
   void writeStructure(std::wstring_view name) {
-    for (std::size_t i = 0; i < parts_.size(); ++i) {
-      if (parts_[i].type != EShaderSymbolType::structure || parts_[i].name != name) continue;
-      if (!movedParts_.insert(i).second) return;
-      for (const std::wstring_view part : identifiersOf(parts_[i].text)) {
-        if (part != name) writeStructure(part);
+    std::vector<OpenStructure> open;
+    openStructure(open, name);
+    while (!open.empty()) {
+      OpenStructure& structure = open.back();
+      if (structure.next != structure.identifiers.size()) {
+        openStructure(open, structure.identifiers[structure.next++]);
+        continue;
       }
-      writePart(parts_[i]);
-      return;
+      writePart(parts_[structure.part]);
+      open.pop_back();
     }
+  }
+
+  void openStructure(std::vector<OpenStructure>& open, std::wstring_view name) {
+    const auto found = structures_.find(name);
+    if (found == structures_.end() || !movedParts_.insert(found->second).second) return;
+    const Set<std::wstring_view> identifiers = identifiersOf(parts_[found->second].text);
+    open.push_back({found->second, {identifiers.begin(), identifiers.end()}});
   }
 
   void writePart(const PredefinePart& part) {
@@ -732,6 +757,7 @@ private:
   Array<Port> outputs_;
   std::size_t targets_ = 0;
   const std::vector<PredefinePart> parts_ = splitPredefines(profile_.predefines());
+  const Map<std::wstring_view, std::size_t> structures_ = indexStructures(parts_);
   Set<std::size_t> movedParts_;
   std::size_t buffers_ = 0;
   std::size_t textures_ = 0;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "fragments/profile_choice.h"
+#include "host/contained_names.h"
 #include "host/document_reader.h"
 #include "host/evaluated_surface.h"
 #include "host/fragment_files.h"
@@ -22,11 +24,6 @@ using Profile = const IShaderFragmentProfile*;
 /// Each once, in the order in which they are chosen.
 using Profiles = std::vector<Profile>;
 
-void insert(Profiles& profiles, Profile profile) {
-  const bool isNew = std::find(profiles.begin(), profiles.end(), profile) == profiles.end();
-  if (profile != nullptr && isNew) profiles.push_back(profile);
-}
-
 bool readsCurrentLight(Profile profile) {
   return profile->stateVariables().contains(StateVariable_currentLight);
 }
@@ -36,7 +33,32 @@ struct Use {
   const IShaderFragment* fragment = nullptr;
   std::size_t count = 0;  ///< instances times profiles of each
   Profiles profiles;
+  Set<Profile> known;
+
+  void add(Profile profile) {
+    if (profile != nullptr && known.insert(profile).second) profiles.push_back(profile);
+  }
 };
+
+/// What the warnings ask of a node's fragment.
+struct NodeFragment {
+  const IShaderFragment* fragment = nullptr;
+  const SurfaceProfiles* profiles = nullptr;
+  bool isLit = false;                    ///< a taken profile reads the current light
+  std::vector<std::size_t> inoutInputs;  ///< of each taken profile in turn
+};
+
+/// Places of the `inout` parameters of each profile in turn.
+std::vector<std::size_t> findInoutInputs(const Profiles& profiles) {
+  std::vector<std::size_t> inputs;
+  for (const Profile profile : profiles) {
+    const ITextParameterList& list = *profile->getFunctionParameters();
+    for (std::size_t i = 0; i < list.getNumInputs(); ++i) {
+      if (list.getInputType(i).starts_with(L"inout ")) inputs.push_back(i);
+    }
+  }
+  return inputs;
+}
 
 /// Where raw text holds more than comments, preprocessor lines and blanks, or its end.
 std::size_t findStatement(const ScopedText& raw) {
@@ -81,11 +103,12 @@ Set<WString> helperNames(const IShaderFragmentProfile& profile) {
   return names;
 }
 
-class Search {
+class WarningSearch {
 public:
-  Search(const CollapseJob& job, bool completeShader)
-      : job_(job), document_(job.document()), completeShader_(completeShader),
-        surfaceProfiles_(surfaceProfileNames(job)), order_(reachableNodes(document_)) {
+  WarningSearch(const CollapseJob& job, bool completeShader)
+      : job_(job), document_(job.document()), completeShader_(completeShader), surface_(job),
+        order_(reachableNodes(document_)) {
+    findFragments();
     findLit();
     findUses();
   }
@@ -123,15 +146,21 @@ private:
   static std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
 
   Profile chosen(const IShaderFragment& fragment, const WString& name, float lod) const {
-    return chooseProfile(job_, fragment, name, lod);
+    return findBestOrDefaultProfile(fragment, name, job_.options().getLanguage(), lod);
   }
 
-  Profiles surfaceProfilesOf(const IShaderFragment& fragment) const {
-    Profiles profiles;
-    for (const WString& name : surfaceProfiles_) {
-      insert(profiles, chosen(fragment, name, job_.options().getSurfaceLOD()));
+  void findFragments() {
+    for (std::size_t i = 0; i < nodeCount(); ++i) {
+      const IShaderFragment* const fragment =
+          job_.libraries().language().findFragment(document_.node(i).fragmentName());
+      const auto [entry, isNew] = fragments_.try_emplace(fragment);
+      nodes_.push_back(&entry->second);
+      if (!isNew) continue;
+      const Profiles& taken = surface_.profilesOf(*fragment).taken;
+      entry->second = {fragment, &surface_.profilesOf(*fragment),
+                       std::any_of(taken.begin(), taken.end(), readsCurrentLight), findInoutInputs(taken)};
     }
-    return profiles;
+    for (const std::size_t node : order_) reached_.insert(nodes_[node]);
   }
 
   /// Which nodes read the current light, are fed by one that does, or feed one that does.
@@ -141,8 +170,7 @@ private:
     feedsLit_.resize(nodeCount());
     accumulated_.resize(nodeCount());
     for (const std::size_t node : order_) {
-      const Profiles profiles = surfaceProfilesOf(fragmentOf(node));
-      lit_[node] = std::any_of(profiles.begin(), profiles.end(), readsCurrentLight);
+      lit_[node] = nodes_[node]->isLit;
       for (const GraphNode::Wire& wire : document_.node(node).wires()) {
         if (wire.source == nullptr) continue;
         const std::size_t source = wire.source->index();
@@ -174,12 +202,15 @@ private:
     }
   }
 
-  const IShaderFragment& fragmentOf(std::size_t node) const {
-    return *job_.libraries().language().findFragment(document_.node(node).fragmentName());
-  }
-
   void findUses() {
-    for (const std::size_t node : order_) addUse(fragmentOf(node), surfaceProfilesOf(fragmentOf(node)));
+    Set<const NodeFragment*> known;
+    for (const std::size_t node : order_) {
+      Use& use = useOf(*nodes_[node]->fragment);
+      const Profiles& taken = nodes_[node]->profiles->taken;
+      use.count += taken.size();
+      if (!known.insert(nodes_[node]).second) continue;
+      for (const Profile profile : taken) use.add(profile);
+    }
     for (const auto* chain : {&document_.preprocess(), &document_.postprocess()}) {
       for (const GraphDocument::ChainFragment& link : *chain) {
         addUse(*link.fragment, {chosen(*link.fragment, WString(kDefaultProfile), kChainLod)});
@@ -188,21 +219,24 @@ private:
     if (!isLightLoop()) return;
     for (const ShadingEnvironment::Light& light : lights()) {
       const float lod = job_.options().getLightLOD();
-      Profiles profiles;
-      insert(profiles, chosen(*light.fragment, light.profile->getProfilename(), lod));
-      insert(profiles,
-             light.fragment->findBestProfile(WString(kMslLightProfile), job_.options().getLanguage(), lod));
-      addUse(*light.fragment, profiles);
+      const Profile active = chosen(*light.fragment, light.profile->getProfilename(), lod);
+      const Profile called =
+          light.fragment->findBestProfile(WString(kMslLightProfile), job_.options().getLanguage(), lod);
+      addUse(*light.fragment, active != called ? Profiles{active, called} : Profiles{active});
     }
   }
 
-  void addUse(const IShaderFragment& fragment, const Profiles& profiles) {
+  Use& useOf(const IShaderFragment& fragment) {
     Use& use = uses_[fragment.key()];
     use.fragment = &fragment;
+    return use;
+  }
+
+  void addUse(const IShaderFragment& fragment, const Profiles& profiles) {
+    Use& use = useOf(fragment);
     for (const Profile profile : profiles) {
-      if (profile == nullptr) continue;
-      insert(use.profiles, profile);
-      ++use.count;
+      use.add(profile);
+      if (profile != nullptr) ++use.count;
     }
   }
 
@@ -283,10 +317,11 @@ private:
   /// An unlit graph and one whose MetaSL code asks every light by itself have no use for light profiles.
   void profileNobodyOffers() {
     if (!isLightLoop() || !hasLitProfile()) return;
+    const Set<WString> offered = offeredNames();
     Set<WString> told;
     for (const ShadingEnvironment::Light& light : lights()) {
       const WString& name = light.profile->getProfilename();
-      if (isOffered(name) || isReadByDefault(light) || !told.insert(name).second) continue;
+      if (offered.contains(name) || isReadByDefault(light) || !told.insert(name).second) continue;
       const std::string text = "light " + inTicks(light.name) + " asks for the profile " + inTicks(name) +
                                ", which no fragment of the graph has";
       warnings_.push_back({InputError(job_.environment().file(), light.position, text).place(), text});
@@ -295,8 +330,8 @@ private:
 
   bool hasLitProfile() const {
     const UString& language = job_.options().getLanguage();
-    return std::any_of(order_.begin(), order_.end(), [&](std::size_t node) {
-      const IShaderFragment& fragment = fragmentOf(node);
+    return std::any_of(reached_.begin(), reached_.end(), [&](const NodeFragment* node) {
+      const IShaderFragment& fragment = *node->fragment;
       for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i) {
         const Profile profile = fragment.getProfile(i);
         if (profile->languages().contains(language) && readsCurrentLight(profile)) return true;
@@ -305,19 +340,22 @@ private:
     });
   }
 
-  bool isOffered(const WString& profile) const {
-    return std::any_of(order_.begin(), order_.end(), [&](std::size_t node) {
-      return fragmentOf(node).findBestProfile(profile, job_.options().getLanguage(), 0.0f) != nullptr;
-    });
+  Set<WString> offeredNames() const {
+    Set<WString> names;
+    for (const NodeFragment* node : reached_) {
+      names.merge(offeredProfileNames(*node->fragment, job_.options().getLanguage()));
+    }
+    return names;
   }
 
-  /// A default profile that reads any current light takes one whose type has the profile's name.
+  /// A default profile that reads any current light takes one whose type has the profile's name, which no
+  /// fragment offers.
   bool isReadByDefault(const ShadingEnvironment::Light& light) const {
     const WString& name = light.profile->getProfilename();
     if (light.fragment->getNumOutputs() == 0 || light.fragment->getOutput(0)->getStructName() != name)
       return false;
-    return std::any_of(order_.begin(), order_.end(), [&](std::size_t node) {
-      const Profile profile = chosen(fragmentOf(node), name, job_.options().getSurfaceLOD());
+    return std::any_of(reached_.begin(), reached_.end(), [](const NodeFragment* node) {
+      const Profile profile = node->profiles->other;
       return profile != nullptr && readsCurrentLight(profile);
     });
   }
@@ -339,31 +377,33 @@ private:
   void namesInsideOthers() {
     for (const auto& [key, use] : uses_) {
       Set<std::string> told;
+      std::vector<ContainedNames::Name> uniforms;
+      for (std::size_t i = 0; i < use.fragment->getNumUniforms(); ++i) {
+        const AParameter& uniform = *use.fragment->getUniform(i);
+        uniforms.push_back({uniform.getName(), isSamplerType(uniform.getType())});
+      }
+      ContainedNames uniformSearch(uniforms);
       for (const Profile profile : use.profiles) {
         const WString code = profile->predefines() + L"\n" + profile->getFunctionBody();
         const Set<std::wstring_view> identifiers = identifiersOf(code);
-        for (std::size_t i = 0; i < use.fragment->getNumUniforms(); ++i) {
-          const AParameter& uniform = *use.fragment->getUniform(i);
-          const bool isSampler = isSamplerType(uniform.getType());
-          nameInsideOthers(use, "uniform", uniform.getName(), isSampler, identifiers, told);
+        for (const ContainedNames::Found& found : uniformSearch.find(identifiers)) {
+          nameInsideOther(use, "uniform", uniforms[found.name].text, found.inside, told);
         }
-        for (const WString& helper : helperNames(*profile)) {
-          nameInsideOthers(use, "helper", helper, false, identifiers, told);
+        const Set<WString> helperTexts = helperNames(*profile);
+        std::vector<ContainedNames::Name> helpers;
+        for (const WString& helper : helperTexts) helpers.push_back({helper, false});
+        for (const ContainedNames::Found& found : ContainedNames(helpers).find(identifiers)) {
+          nameInsideOther(use, "helper", helpers[found.name].text, found.inside, told);
         }
       }
     }
   }
 
-  void nameInsideOthers(const Use& use, const char* kind, const WString& name, bool isSampler,
-                        const Set<std::wstring_view>& identifiers, Set<std::string>& told) {
-    for (const std::wstring_view other : identifiers) {
-      if (other == name || other.find(name) == other.npos) continue;
-      if (isSampler && other == L"sampler_" + name) continue;
-      const std::string text = std::string("the ") + kind + " name " + inTicks(name) + " occurs inside " +
-                               inTicks(other) + ", which is changed with it when it is renamed";
-      if (told.insert(text).second) warnOfFragment(*use.fragment, text);
-      return;
-    }
+  void nameInsideOther(const Use& use, const char* kind, std::wstring_view name, std::wstring_view other,
+                       Set<std::string>& told) {
+    const std::string text = std::string("the ") + kind + " name " + inTicks(name) + " occurs inside " +
+                             inTicks(other) + ", which is changed with it when it is renamed";
+    if (told.insert(text).second) warnOfFragment(*use.fragment, text);
   }
 
   void rawStatements() {
@@ -383,15 +423,10 @@ private:
   void inoutWithoutVariable() {
     for (std::size_t i = 0; i < nodeCount(); ++i) {
       const GraphNode& node = document_.node(i);
-      for (const Profile profile : surfaceProfilesOf(fragmentOf(i))) {
-        const ITextParameterList& list = *profile->getFunctionParameters();
-        for (std::size_t k = 0; k < std::min(node.getNumInputs(), list.getNumInputs()); ++k) {
-          const GraphNode::Wire& wire = node.wires()[k];
-          if (wire.source != nullptr || wire.graphInput != kNotFound) continue;
-          if (!list.getInputType(k).starts_with(L"inout ")) continue;
-          warn(node.position(), "input " + inTicks(node.getInput(k)->getName()) + " of " + named(node) +
-                                    " is `inout`, but nothing is wired to it that could be written");
-        }
+      for (const std::size_t k : nodes_[i]->inoutInputs) {
+        if (k >= node.getNumInputs() || node.isWired(k)) continue;
+        warn(node.position(), "input " + inTicks(node.getInput(k)->getName()) + " of " + named(node) +
+                                  " is `inout`, but nothing is wired to it that could be written");
       }
     }
   }
@@ -399,8 +434,11 @@ private:
   const CollapseJob& job_;
   const GraphDocument& document_;
   bool completeShader_;
-  Set<WString> surfaceProfiles_;
+  EvaluatedSurface surface_;
   std::vector<std::size_t> order_;  ///< of the reachable nodes, sources first
+  Map<const IShaderFragment*, NodeFragment> fragments_;
+  std::vector<const NodeFragment*> nodes_;  ///< one per node
+  Set<const NodeFragment*> reached_;        ///< those of the reachable nodes
   std::vector<bool> lit_;
   std::vector<bool> belowLit_;
   std::vector<bool> feedsLit_;
@@ -413,7 +451,7 @@ private:
 }  // namespace
 
 std::vector<Warning> findWarnings(const CollapseJob& job, bool completeShader) {
-  return Search(job, completeShader).run();
+  return WarningSearch(job, completeShader).run();
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

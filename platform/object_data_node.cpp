@@ -1,11 +1,11 @@
 #include "tolmsdk/object_data_node.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "platform/json_value.h"
@@ -25,19 +25,12 @@ const WString& emptyText() {
 }
 
 /// The number that a text is as a whole.
-std::optional<double> parseNumber(std::wstring_view text) {
-  std::string digits;
-  digits.reserve(text.size());
-  for (const wchar_t c : text) {
-    // Letters but the exponent's would make "nan" and "inf" numbers.
-    const bool isAllowed =
-        (c >= L'0' && c <= L'9') || c == L'.' || c == L'-' || c == L'+' || c == L'e' || c == L'E';
-    if (!isAllowed) return {};
-    digits += static_cast<char>(c);
-  }
+std::optional<double> parseNumber(std::string_view text) {
+  // Letters but the exponent's would make "nan" and "inf" numbers.
+  if (text.find_first_not_of("0123456789.-+eE") != std::string_view::npos) return {};
   double number = 0.0;
-  const char* const end = digits.data() + digits.size();
-  const std::from_chars_result result = std::from_chars(digits.data(), end, number);
+  const char* const end = text.data() + text.size();
+  const std::from_chars_result result = std::from_chars(text.data(), end, number);
   if (result.ec != std::errc() || result.ptr != end) return {};
   return number;
 }
@@ -78,82 +71,69 @@ void appendNumberText(WString& out, const Value& number) {
   }
 }
 
-void appendQuoted(WString& out, std::wstring_view text) {
-  out += L'"';
-  for (const wchar_t c : text) {
-    switch (c) {
-    case L'"': out += L"\\\""; break;
-    case L'\\': out += L"\\\\"; break;
-    case L'\b': out += L"\\b"; break;
-    case L'\f': out += L"\\f"; break;
-    case L'\n': out += L"\\n"; break;
-    case L'\r': out += L"\\r"; break;
-    case L'\t': out += L"\\t"; break;
-    default:
-      if (static_cast<char32_t>(c) < 0x20) {
-        out += L"\\u00";
-        out += L"0123456789abcdef"[c >> 4];
-        out += L"0123456789abcdef"[c & 15];
-      } else {
-        out += c;
-      }
-    }
+bool isEscaped(char32_t c) { return c < 0x20 || c == U'"' || c == U'\\'; }
+
+void appendEscape(WString& out, wchar_t c) {
+  switch (c) {
+  case L'"': out += L"\\\""; return;
+  case L'\\': out += L"\\\\"; return;
+  case L'\b': out += L"\\b"; return;
+  case L'\f': out += L"\\f"; return;
+  case L'\n': out += L"\\n"; return;
+  case L'\r': out += L"\\r"; return;
+  case L'\t': out += L"\\t"; return;
+  default:
+    out += L"\\u00";
+    out += L"0123456789abcdef"[c >> 4];
+    out += L"0123456789abcdef"[c & 15];
   }
-  out += L'"';
 }
 
-void appendChildren(WString& out, const Children& children) {
-  for (std::uint32_t index = 0; index < children.count; ++index) {
-    if (index != 0) out += L',';
-    if (children.names != nullptr) {
-      appendQuoted(out, *children.names[index]);
-      out += L':';
-    }
-    appendText(out, children.nodes[index].value());
+void append(WString& out, std::wstring_view text) { out += text; }
+void append(WString& out, std::string_view utf8) { appendUtf8(out, utf8); }
+
+template <class View>
+void appendQuoted(WString& out, View text) {
+  using Unit = std::make_unsigned_t<typename View::value_type>;
+  out += L'"';
+  while (!text.empty()) {
+    const auto escaped = static_cast<std::size_t>(
+        std::find_if(text.begin(), text.end(), [](auto c) { return isEscaped(static_cast<Unit>(c)); }) -
+        text.begin());
+    append(out, text.substr(0, escaped));
+    if (escaped == text.size()) break;
+    appendEscape(out, static_cast<wchar_t>(text[escaped]));
+    text.remove_prefix(escaped + 1);
   }
+  out += L'"';
 }
 
 }  // namespace
 
-std::size_t Children::find(std::wstring_view name) const {
-  if (names == nullptr) return kNotFound;
-  if (byName != nullptr) {
-    const std::uint32_t* const end = byName + count;
+const WString* const* Value::memberNames() const noexcept {
+  return reinterpret_cast<const WString* const*>(children + size);
+}
+
+std::size_t Value::findMember(std::wstring_view name) const {
+  if (kind != NodeKind::object) return kNotFound;
+  const WString* const* const names = memberNames();
+  if (size > kIndexedMembers) {
+    const auto* const byName = reinterpret_cast<const std::uint32_t*>(names + size);
+    const std::uint32_t* const end = byName + size;
     const std::uint32_t* const found =
         std::lower_bound(byName, end, name, [&](std::uint32_t index, std::wstring_view wanted) {
           return *names[index] < wanted;
         });
     return found != end && *names[*found] == name ? *found : kNotFound;
   }
-  const auto* const found =
-      std::find_if(names, names + count, [&](const WString* each) { return *each == name; });
-  return found == names + count ? kNotFound : static_cast<std::size_t>(found - names);
-}
-
-void appendText(WString& out, const Value& value) {
-  switch (value.kind) {
-  case NodeKind::null: out += L"null"; return;
-  case NodeKind::boolean: out += value.boolean ? L"true" : L"false"; return;
-  case NodeKind::number: appendNumberText(out, value); return;
-  case NodeKind::string: appendQuoted(out, *value.text); return;
-  // The depth of a document is limited, and so is this recursion.
-  case NodeKind::array:
-  case NodeKind::object:
-    out += value.kind == NodeKind::array ? L'[' : L'{';
-    appendChildren(out, *value.children);
-    out += value.kind == NodeKind::array ? L']' : L'}';
-    return;
+  for (std::size_t index = 0; index < size; ++index) {
+    if (*names[index] == name) return index;
   }
-}
-
-std::size_t ValueNode::size() const {
-  const Children* const children = value_.childrenOrNull();
-  return children == nullptr ? 0 : children->count;
+  return kNotFound;
 }
 
 const IObjectDataNode* ValueNode::elementOrNull(std::size_t index) const {
-  const Children* const children = value_.childrenOrNull();
-  return children == nullptr || index >= children->count ? nullptr : children->nodes + index;
+  return index < size() ? value_.children + index : nullptr;
 }
 
 const IObjectDataNode* ValueNode::element(std::size_t index) const {
@@ -162,37 +142,68 @@ const IObjectDataNode* ValueNode::element(std::size_t index) const {
 }
 
 const WString& ValueNode::memberName(std::size_t index) const {
-  const Children* const children = value_.childrenOrNull();
-  const bool hasName = children != nullptr && children->names != nullptr && index < children->count;
-  return hasName ? *children->names[index] : emptyText();
+  const bool hasName = value_.kind == NodeKind::object && index < value_.size;
+  return hasName ? *value_.memberNames()[index] : emptyText();
 }
 
 const IObjectDataNode* ValueNode::member(std::wstring_view name) const {
-  const Children* const children = value_.childrenOrNull();
-  return children == nullptr ? nullptr : element(children->find(name));
+  return element(value_.findMember(name));
 }
 
 const WString& ValueNode::asString() const {
-  return value_.kind == NodeKind::string ? *value_.text : emptyText();
+  return value_.kind == NodeKind::string ? document_->wideText(value_.utf8()) : emptyText();
+}
+
+std::string_view ValueNode::asUtf8() const {
+  return value_.kind == NodeKind::string ? value_.utf8() : std::string_view();
 }
 
 double ValueNode::asNumber() const {
   if (value_.kind == NodeKind::number) return asDouble(value_);
-  if (value_.kind == NodeKind::string) return parseNumber(*value_.text).value_or(0.0);
-  return 0.0;
+  return parseNumber(asUtf8()).value_or(0.0);
 }
 
 bool ValueNode::isNumeric() const {
-  if (value_.kind == NodeKind::string) return parseNumber(*value_.text).has_value();
-  return value_.kind == NodeKind::number;
+  return value_.kind == NodeKind::number || parseNumber(asUtf8()).has_value();
 }
 
 bool ValueNode::asBool() const { return value_.kind == NodeKind::boolean && value_.boolean; }
 
 WString ValueNode::toText() const {
   WString out;
-  appendText(out, value_);
+  appendText(out);
   return out;
+}
+
+void ValueNode::appendText(WString& out) const {
+  switch (value_.kind) {
+  case NodeKind::null: out += L"null"; return;
+  case NodeKind::boolean: out += value_.boolean ? L"true" : L"false"; return;
+  case NodeKind::number: appendNumberText(out, value_); return;
+  case NodeKind::string: appendQuoted(out, value_.utf8()); return;
+  case NodeKind::array:
+  case NodeKind::object: break;
+  }
+  const bool isObject = value_.kind == NodeKind::object;
+  out += isObject ? L'{' : L'[';
+  for (std::uint32_t index = 0; index < value_.size; ++index) {
+    if (index != 0) out += L',';
+    if (isObject) {
+      appendQuoted(out, std::wstring_view(*value_.memberNames()[index]));
+      out += L':';
+    }
+    // The depth of a document is limited, and so is this recursion.
+    value_.children[index].appendText(out);
+  }
+  out += isObject ? L'}' : L']';
+}
+
+const WString& Document::wideText(std::string_view utf8) const {
+  if (utf8.empty()) return emptyText();
+  const std::lock_guard lock(widening_);
+  const auto [found, isNew] = wideTexts_.try_emplace(utf8.data());
+  if (isNew) assignFromUtf8(found->second, utf8);
+  return found->second;
 }
 
 void Node::AddRef() const { document_->AddRef(); }
@@ -210,36 +221,41 @@ public:
     std::string bytes;
     WString error;
     if (!readTextFile(path, bytes, error)) return fail(std::move(error));
-    return load(bytes);
+    return load(std::move(bytes));
   }
 
   bool loadFromText(std::wstring_view text) override {
-    const std::string bytes = toUtf8(text);
+    std::string bytes = toUtf8(text);
     if (bytes.size() > kMaximumTextFileSize) return fail(tooLargeMessage());
-    return load(withoutByteOrderMark(bytes));
+    bytes.erase(0, bytes.size() - withoutByteOrderMark(bytes).size());
+    return load(std::move(bytes));
   }
 
   const WString& getLoadError() const override { return error_; }
 
 private:
-  bool load(std::string_view bytes) {
+  bool load(std::string bytes) {
     WString error;
-    RefPtr<Document> document = parseDocument(bytes, error);
+    RefPtr<Document> document = parseDocument(std::move(bytes), error);
     if (!document) return fail(std::move(error));
-    value_ = document->root;
-    document_ = std::move(document);
+    keep(std::move(document));
     error_.clear();
     return true;
   }
 
   bool fail(WString error) {
-    value_ = Value();
-    document_.reset();
+    keep(nullptr);
     error_ = std::move(error);
     return false;
   }
 
-  RefPtr<Document> document_;
+  void keep(RefPtr<Document> document) {
+    value_ = document ? document->root : Value();
+    document_ = document.get();
+    kept_ = std::move(document);
+  }
+
+  RefPtr<Document> kept_;
   WString error_;
 };
 

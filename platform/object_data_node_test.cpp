@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/test_folder.h"
+#include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK {
@@ -360,6 +361,89 @@ TEST(JsonNode, IsReadByManyThreads) {
   }
   for (std::thread& thread : threads) thread.join();
   for (const WString& text : texts) EXPECT_EQ(text, LR"([1,"two",{"three":3}])");
+}
+
+TEST(JsonNode, StringsAreReadAtFirstByManyThreads) {
+  WString json = L"[\"first\"";
+  for (int index = 1; index < 2000; ++index) json += L", \"text " + itos(index) + L"\"";
+  const auto node = parse(json + L"]");
+  std::vector<const WString*> last(8);
+  std::vector<WString> texts(8);
+  std::vector<std::thread> threads;
+  threads.reserve(8);
+  for (std::size_t thread = 0; thread < 8; ++thread) {
+    threads.emplace_back([&, thread] {
+      for (std::size_t index = 0; index < node->size(); ++index)
+        last[thread] = &node->element(index)->asString();
+      texts[thread] = node->element(0)->asString();
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(*last[0], L"text 1999");
+  for (const WString* each : last) EXPECT_EQ(each, last[0]);
+  for (const WString& text : texts) EXPECT_EQ(text, L"first");
+}
+
+TEST(JsonNode, AnswersUtf8OfStringsOnly) {
+  const auto node = parse(L"[\"\u00e4\\n\\u20ac\", \"\", 1, [\"x\"], null]");
+  EXPECT_EQ(node->element(0)->asUtf8(), "\xC3\xA4\n\xE2\x82\xAC");
+  EXPECT_EQ(node->element(1)->asUtf8(), "");
+  EXPECT_EQ(node->element(2)->asUtf8(), "");
+  EXPECT_EQ(node->element(3)->asUtf8(), "");
+  EXPECT_EQ(node->elementOrNull(4)->asUtf8(), "");
+  EXPECT_EQ(parse(L"\"root\"")->asUtf8(), "root");
+  EXPECT_EQ(RefPtr<IObjectDataNode>(createJsonNode())->asUtf8(), "");
+}
+
+TEST(JsonNode, TextsOutliveTheRoot) {
+  RefPtr<const IObjectDataNode> plain;
+  RefPtr<const IObjectDataNode> escaped;
+  {
+    const auto node = parse(LR"(["a plain text", "an escaped\ttext"])");
+    plain = node->element(0);
+    escaped = node->element(1);
+  }
+  EXPECT_EQ(plain->asString(), L"a plain text");
+  EXPECT_EQ(&plain->asString(), &plain->asString());
+  EXPECT_EQ(escaped->asUtf8(), "an escaped\ttext");
+}
+
+TEST(JsonNode, NamesAreEqualHoweverTheyAreSpelled) {
+  const auto node = parse(L"{\"\u00e4b\": 1, \"c\": 2, \"\\u00e4\\u0062\": 3}");
+  EXPECT_EQ(node->toText(), L"{\"\u00e4b\":3,\"c\":2}");
+  EXPECT_EQ(node->member(L"\u00e4b")->position().column, 35u);
+}
+
+TEST(JsonNode, CountsColumnsOfEscapesAsTheyAreWritten) {
+  const auto node = parse(LR"({"\u00e4\"\\": ["\\\\", "\"\n", 1], "\/": 2})");
+  EXPECT_EQ(node->element(0)->position().column, 16u);
+  EXPECT_EQ(node->element(0)->element(1)->position().column, 25u);
+  EXPECT_EQ(node->element(0)->element(2)->position().column, 33u);
+  EXPECT_EQ(node->element(1)->position().column, 43u);
+}
+
+TEST(JsonNode, ReadsNamesAndTextsOfTenMillionCharacters) {
+  const WString name(10'000'000, L'n');
+  const auto node = parse(L"{\"" + name + L"\": \"" + name + L"\\n\", \"b\": 1, \"" + name + L"\": 2}");
+  EXPECT_EQ(node->size(), 2u);
+  EXPECT_EQ(node->member(name)->asNumber(), 2.0);
+  EXPECT_EQ(node->memberName(0), name);
+  EXPECT_EQ(node->member(L"b")->position().column, 20'000'017u);
+}
+
+TEST(JsonNode, NumbersMayHaveAnyNumberOfDigits) {
+  const std::wstring zeros(400, L'0');
+  const auto node = parse(L"[0e999, 0.0e400, 1" + zeros + L"e-400, 0." + zeros + L"1e401, 1e-400]");
+  EXPECT_EQ(node->toText(), L"[0,0,1,1,0]");
+  EXPECT_EQ(node->element(2)->position().column, 18u);
+}
+
+TEST(JsonNode, RefusesALoneSurrogateInAName) {
+  const RefPtr<IObjectDataNode> node = createJsonNode();
+  EXPECT_FALSE(node->loadFromText(LR"({"a": 1, "\udc00": 2})"));
+  EXPECT_EQ(node->getLoadError(),
+            L"line 1, column 16: expected the first half of a surrogate pair, `\\uD800` to "
+            L"`\\uDBFF`, before this one");
 }
 
 TEST(JsonNode, ReadsNoFurtherThanItsText) {

@@ -182,7 +182,8 @@ bool AParameter::load(const IObjectDataNode* node) try {
   name_ = name;
   setStructName(structName);
   type_ = type;
-  setDefaultValue(value);
+  defaultValue_ =
+      findMember(*node, L"value") == nullptr ? defaultValueOf(type) : std::make_shared<const AValue>(value);
   flags_ = isConstant ? kConstantFlag : 0;
   semantic_ = semantic == nullptr ? UString() : UString(*semantic);
   setText(loadError_, WString());

@@ -41,7 +41,11 @@ void update(EVP_MD_CTX* context, std::wstring_view text) {
   std::array<char, 1024> bytes;
   std::size_t used = 0;
   for (std::size_t index = 0; index < text.size();) {
-    used += writeUtf8(bytes.data() + used, nextCodePoint(text, index));
+    if (static_cast<char32_t>(text[index]) < 0x80) {
+      bytes[used++] = static_cast<char>(text[index++]);
+    } else {
+      used += writeUtf8(bytes.data() + used, nextCodePoint(text, index));
+    }
     if (used > bytes.size() - 4) {
       require(EVP_DigestUpdate(context, bytes.data(), used) == 1);
       used = 0;

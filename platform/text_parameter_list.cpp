@@ -212,11 +212,11 @@ ATextParameterList& ATextParameterList::operator=(const ATextParameterList&) = d
 ATextParameterList::~ATextParameterList() = default;
 
 void ATextParameterList::addInput(std::wstring_view type, std::wstring_view name) {
-  inputs_.push_back({WString(type), WString(name)});
+  inputs_.push_back({UString(type), WString(name)});
 }
 
 void ATextParameterList::addOutput(std::wstring_view type, std::wstring_view name) {
-  outputs_.push_back({WString(type), WString(name)});
+  outputs_.push_back({UString(type), WString(name)});
 }
 
 void ATextParameterList::clear() {
@@ -249,7 +249,7 @@ void ATextParameterList::writeParameters(WString& out, std::wstring_view prefix,
     out += prefix;
     if (declaration) {
       out += direction;
-      out += item.type;
+      out += item.type.view();
       if (!item.type.empty()) out += L' ';
     }
     out += item.name;

@@ -59,10 +59,11 @@ std::string toUtf8(std::wstring_view text) {
   return out;
 }
 
-void assignFromUtf8(WString& out, std::string_view bytes) {
+void appendUtf8(WString& out, std::string_view bytes) {
   // No code point takes more wide characters than bytes, so the text fits where the bytes would.
-  out.resize(bytes.size());
-  wchar_t* end = out.data();
+  const std::size_t before = out.size();
+  out.resize(before + bytes.size());
+  wchar_t* end = out.data() + before;
   for (std::size_t index = 0; index < bytes.size();) {
     const std::size_t ascii = asciiPrefix(bytes.substr(index));
     const auto* const first = reinterpret_cast<const unsigned char*>(bytes.data()) + index;
@@ -73,6 +74,11 @@ void assignFromUtf8(WString& out, std::string_view bytes) {
     }
   }
   out.resize(static_cast<std::size_t>(end - out.data()));
+}
+
+void assignFromUtf8(WString& out, std::string_view bytes) {
+  out.clear();
+  appendUtf8(out, bytes);
 }
 
 WString fromUtf8(std::string_view bytes) {

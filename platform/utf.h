@@ -49,6 +49,8 @@ inline std::size_t writeWide(wchar_t* out, char32_t codePoint) noexcept {
   return 1;
 }
 
+/// Appends the wide text of UTF-8 bytes; each maximal ill-formed part becomes one U+FFFD.
+void appendUtf8(WString& out, std::string_view bytes);
 /// Replaces `out` by the wide text of UTF-8 bytes; each maximal ill-formed part becomes one U+FFFD.
 void assignFromUtf8(WString& out, std::string_view bytes);
 

@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <iterator>
+#include <string>
 
 #include "sfg/size_limit.h"
 #include "tests/support/messages.h"
+#include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
@@ -52,13 +55,94 @@ TEST(LightBlocks, NumberLightsInDecimal) {
   EXPECT_NE(text.find(L"{TolmSceneLighting1000}"), std::wstring::npos);
 }
 
-TEST(LightBlocks, AreRefusedUnclosedNestedAndReversed) {
+TEST(LightBlocks, AreRefusedUnclosedAndReversed) {
   for (const std::wstring& text :
        {kBegin, kBegin + L"x", kEnd + kBegin, kEnd + L"a" + kBegin + L"b" + kEnd,
-        kBegin + L"a" + kEnd + kBegin, kBegin + L"a" + kBegin + L"b" + kEnd + L"c" + kEnd,
-        kBegin + L"a" + kEnd + kEnd + kBegin + L"b" + kEnd, kBegin + kBegin + kEnd})
+        kBegin + L"a" + kEnd + kBegin, kBegin + L"a" + kEnd + kEnd + kBegin + L"b" + kEnd})
     for (const std::size_t numLights : {0u, 1u, 3u})
       EXPECT_EQ(messageOf([&] { expanded(text, numLights); }), kNotClosed) << numLights;
+}
+
+/// The steps as they are stated: replace the first block, look through the whole text again.
+std::wstring expandedStepByStep(std::wstring text, std::size_t numLights) {
+  for (std::size_t begin = text.find(kBegin); begin != text.npos; begin = text.find(kBegin)) {
+    const std::size_t end = text.find(kEnd);
+    if (end == text.npos || end < begin || text.size() > 100000) throw Exception(kNotClosed);
+    const std::wstring inner = text.substr(begin + kBegin.size(), end - begin - kBegin.size());
+    std::wstring copies;
+    for (std::size_t i = 0; i < numLights; ++i) {
+      std::wstring copy = inner;
+      const std::wstring call = L"TOLM_SCENE_LIGHTING";
+      for (std::size_t at = copy.find(call); at != copy.npos; at = copy.find(call))
+        copy.replace(at, call.size(), L"TolmSceneLighting" + std::to_wstring(i));
+      copies += L"\n    {" + copy + L"}\n";
+    }
+    text = text.substr(0, begin) + copies + text.substr(end + kEnd.size());
+  }
+  return text;
+}
+
+TEST(LightBlocks, MayHoldABeginMarkerWithOneLight) {
+  const std::wstring call = L"TOLM_SCENE_LIGHTING()";
+  EXPECT_EQ(expanded(call + kBegin + L"a" + kBegin + call + kEnd + call + kEnd + call, 1),
+            call + L"\n    {a\n    {TolmSceneLighting0()}\nTolmSceneLighting0()}\n" + call);
+  const std::wstring nested = kBegin + L"a" + kBegin + L"b" + kEnd + L"c" + kEnd + L"d";
+  EXPECT_EQ(expanded(nested, 1), L"\n    {a\n    {b}\nc}\nd");
+  EXPECT_EQ(expanded(nested, 0), L"c" + kEnd + L"d");
+  for (const std::size_t numLights : {2u, 3u})
+    EXPECT_EQ(messageOf([&] { expanded(nested, numLights); }), kNotClosed) << numLights;
+  EXPECT_EQ(expanded(kBegin + kBegin + kEnd, 0), L"");
+  EXPECT_EQ(messageOf([&] { expanded(kBegin + kBegin + kEnd, 1); }), kNotClosed);
+}
+
+TEST(LightBlocks, AreLookedForInWhatTheirRemovalJoins) {
+  const std::wstring block = kBegin + L"x" + kEnd;
+  const auto split = [&](const std::wstring& marker) {
+    return marker.substr(0, 7) + block + marker.substr(7, 20) + block + marker.substr(27);
+  };
+  EXPECT_EQ(expanded(L"a" + split(kBegin) + L"b" + kEnd + L"c", 0), L"ac");
+  EXPECT_EQ(expanded(L"a" + split(kEnd) + L"c", 0), L"a" + kEnd + L"c");
+  EXPECT_EQ(messageOf([&] { expanded(split(kEnd) + block, 0); }), kNotClosed);
+  EXPECT_EQ(messageOf([&] { expanded(split(kBegin), 0); }), kNotClosed);
+  // Text in front of the place to begin at joins nothing.
+  CallerText text;
+  text.code = kBegin.substr(0, 7) + block + kBegin.substr(7);
+  expandLightBlocks(text, 0, 7);
+  EXPECT_EQ(text.code, kBegin.c_str());
+}
+
+TEST(LightBlocks, FollowTheStepsForAnyOrderOfMarkers) {
+  const std::wstring pieces[] = {
+      kBegin, kEnd, L"TOLM_SCENE_LIGHTING", kBegin.substr(0, 10), kBegin.substr(10), kEnd.substr(10)};
+  // Texts of up to five pieces.
+  constexpr std::size_t kPieces = std::size(pieces);
+  for (std::size_t number = 0; number < kPieces * kPieces * kPieces * kPieces * kPieces; ++number) {
+    std::wstring text;
+    for (std::size_t left = number; left != 0; left /= kPieces) text += pieces[left % kPieces];
+    for (std::size_t numLights = 0; numLights < 3; ++numLights) {
+      const auto tell = [&](auto&& expand) {
+        std::wstring result;
+        const std::wstring message(messageOf([&] { result = expand(text, numLights); }));
+        return message + L"|" + result;
+      };
+      ASSERT_EQ(tell(expanded), tell(expandedStepByStep)) << number << " with lights: " << numLights;
+    }
+  }
+}
+
+TEST(LightBlocks, TakeTimeInProportionToTheText) {
+  const auto seconds = [](std::size_t numLights, bool isNested) {
+    constexpr int kCount = 100000;
+    std::wstring text;
+    for (int i = 0; i < kCount; ++i) text += kBegin + L"x" + (isNested ? L"" : kEnd);
+    for (int i = 0; isNested && i < kCount; ++i) text += kEnd;
+    const auto start = std::chrono::steady_clock::now();
+    messageOf([&] { expanded(text, numLights); });
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  };
+  // Looking through the text again for each of the blocks would take minutes.
+  for (const std::size_t numLights : {0u, 1u, 2u})
+    for (const bool isNested : {false, true}) EXPECT_LT(seconds(numLights, isNested), 2.0) << numLights;
 }
 
 TEST(LightBlocks, AreMeasuredBeforeTheyAreBuilt) {

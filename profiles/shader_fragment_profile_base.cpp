@@ -13,22 +13,15 @@
 #include "sfg/shader_fragment_profile_inline.h"
 #include "sfg/shader_fragment_profile_metasl.h"
 #include "sfg/shader_symbol.h"
+#include "text/ascii.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
 
-bool equalIgnoringCase(std::wstring_view a, std::wstring_view b) {
-  const auto lower = [](wchar_t c) {
-    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
-  };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [&lower](wchar_t x, wchar_t y) { return lower(x) == lower(y); });
-}
-
 RefPtr<AShaderFragmentProfile> makeProfile(std::wstring_view mode) {
-  if (equalIgnoringCase(mode, L"inline")) return makeRef<AShaderFragmentProfileInline>();
-  if (equalIgnoringCase(mode, L"metaSL")) return makeRef<AShaderFragmentProfileMetaSL>();
+  if (equalsIgnoringCase(mode, L"inline")) return makeRef<AShaderFragmentProfileInline>();
+  if (equalsIgnoringCase(mode, L"metaSL")) return makeRef<AShaderFragmentProfileMetaSL>();
   return makeRef<AShaderFragmentProfileFunction>();
 }
 
@@ -72,8 +65,9 @@ void AShaderFragmentProfile::clear() {
   includes_.clear();
   functionName_.clear();
   replaceBodyText(WString());
-  predefineSnippet_.clear();
+  predefineSnippet_.reset();
   predefinesParsed_ = false;
+  predefinesLoaded_ = false;
   functionParameters_->clear();
   lod_ = 100.0f;
 }
@@ -113,12 +107,18 @@ bool AShaderFragmentProfile::load(const IObjectDataNode* node) {
 }
 
 void AShaderFragmentProfile::loadPredefines(const IObjectDataNode& lines) {
-  predefines_.clear();
+  WString text;
   CodeFormatter formatter(0);
-  formatter.setResult(&predefines_);
+  formatter.setResult(&text);
   readStrings(L"predefine", lines, [&formatter](WString line) { formatter.addLine(line); });
 
-  const CodeSnippet& snippet = predefineSnippet();
+  predefines_ = text;
+
+  // Of a library few fragments are collapsed, so the parse is made again for those instead of kept for all.
+  predefinesLoaded_ = true;
+  CodeSnippet snippet;
+  snippet.addCode(predefines_);
+  snippet.parse();
   stateVariables_.insert(snippet.getStateVariables().begin(), snippet.getStateVariables().end());
   predefineBuiltinFunctions_ = snippet.getBuiltinFunctions();
   registerShaderFunctions(snippet.getShaderFunctions());
@@ -182,34 +182,43 @@ bool AShaderFragmentProfile::GetShaderFunctions(const WString& name, Array<Built
 }
 
 const KeywordReplacePattern& AShaderFragmentProfile::GetDefaultShaderRepalcePattern() const {
-  if (defaultShaderPatternBuilt_.load(std::memory_order_acquire) || shaderFunctions_.empty())
-    return defaultShaderReplacePattern_;
+  static const KeywordReplacePattern none;
+  if (defaultShaderPatternBuilt_.load(std::memory_order_acquire)) return *defaultShaderReplacePattern_;
+  if (shaderFunctions_.empty()) return none;
   const std::lock_guard<std::mutex> lock(lazyMutex_);
   if (!defaultShaderPatternBuilt_.load(std::memory_order_relaxed)) {
+    defaultShaderReplacePattern_ = std::make_unique<KeywordReplacePattern>();
     for (const auto& [name, uses] : shaderFunctions_)
       for (const BuiltinFunction& use : uses)
-        defaultShaderReplacePattern_.addReplacePattern(WString(use.range.view()), WString());
+        defaultShaderReplacePattern_->addReplacePattern(WString(use.range.view()), WString());
     defaultShaderPatternBuilt_.store(true, std::memory_order_release);
   }
-  return defaultShaderReplacePattern_;
+  return *defaultShaderReplacePattern_;
 }
 
 const CodeSnippet& AShaderFragmentProfile::predefineSnippet() const {
-  if (predefinesParsed_.load(std::memory_order_acquire) || predefines_.empty()) return predefineSnippet_;
+  static const CodeSnippet none;
+  if (predefinesParsed_.load(std::memory_order_acquire)) return *predefineSnippet_;
+  if (predefines_.empty()) return none;
   const std::lock_guard<std::mutex> lock(lazyMutex_);
+  if (!predefineSnippet_) predefineSnippet_ = std::make_unique<CodeSnippet>();
   // A text without any symbol (blanks only) is parsed once too, unless it was changed since.
-  if (!predefinesParsed_.load(std::memory_order_relaxed) && predefineSnippet_.getCode() != predefines_) {
-    predefineSnippet_.clear();
-    predefineSnippet_.addCode(predefines_);
-    predefineSnippet_.parse();
-    if (predefineSnippet_.getNumSymbols() != 0) predefinesParsed_.store(true, std::memory_order_release);
+  if (!predefinesParsed_.load(std::memory_order_relaxed) && predefineSnippet_->getCode() != predefines_) {
+    predefineSnippet_->clear();
+    predefineSnippet_->addCode(predefines_);
+    predefineSnippet_->parse();
+    if (predefineSnippet_->getNumSymbols() != 0) predefinesParsed_.store(true, std::memory_order_release);
   }
-  return predefineSnippet_;
+  return *predefineSnippet_;
 }
 
 bool AShaderFragmentProfile::writePredefines(CodeSnippetInstance& out, AShaderCollapseContext&,
                                              FragmentProfileInstance& instance) const {
-  if (predefines_.empty() && predefineSnippet_.getNumSymbols() == 0) return true;
+  if (predefines_.empty() && predefineSnippet().getNumSymbols() == 0) {
+    if (!instance.hasReplacements())
+      out.construct(&predefineSnippet(), instance.getBuiltinFunctionValueInPredefine(), false);
+    return true;
+  }
   const KeywordReplacePattern& uniforms = instance.getUniformReplacePattern();
   const KeywordReplacePattern& shaders = instance.getShaderReplacePattern();
   if (uniforms.empty() && shaders.empty()) {

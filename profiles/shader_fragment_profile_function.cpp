@@ -1,6 +1,7 @@
 #include "sfg/shader_fragment_profile_function.h"
 
 #include <string_view>
+#include <utility>
 
 #include "profiles/function_definition.h"
 #include "profiles/object_reader.h"
@@ -28,9 +29,9 @@ bool AShaderFragmentProfileFunction::loadImplementation(const IObjectDataNode* l
   WString firstLine;
   Array<WString> bodyLines;
   bool inBody = false;
-  readStrings(L"implementation", *lines, [&](const WString& line) {
+  readStrings(L"implementation", *lines, [&](WString line) {
     if (inBody) {
-      bodyLines.push_back(line);
+      bodyLines.push_back(std::move(line));
       return;
     }
     prototype += line;

@@ -247,6 +247,32 @@ TEST_F(FunctionWriter, WritesNoPredefinesWhereThereAreNone) {
   EXPECT_EQ(out.getNumSymbols(), 0u);
 }
 
+TEST_F(FunctionWriter, EmptiesWhatHeldOtherPredefinesBeforeUnlessItReplaces) {
+  useFunction(L"", L"x;");
+  CodeSnippet other;
+  other.addCode(L"float h() { return 1; }");
+  ASSERT_TRUE(other.parse());
+  CodeSnippetInstance out;
+  out.construct(&other, {}, false);
+  EXPECT_TRUE(profile->writePredefines(out, context, *instance));
+  EXPECT_EQ(out.getNumSymbols(), 0u);
+  profile->predefines() = L" \n";
+  out.construct(&other, {}, false);
+  EXPECT_TRUE(profile->writePredefines(out, context, *instance));
+  EXPECT_EQ(out.getNumSymbols(), 0u);
+
+  // A replaced text without symbols leaves it alone.
+  for (const wchar_t* predefines : {L" \n", L""}) {
+    profile->predefines() = predefines;
+    makeInstance();
+    instance->getUniformOriginal() = {L"u"};
+    instance->getUniformNew() = {L"v"};
+    out.construct(&other, {}, false);
+    EXPECT_TRUE(profile->writePredefines(out, context, *instance));
+    EXPECT_EQ(out.getNumSymbols(), 1u);
+  }
+}
+
 TEST_F(FunctionWriter, ParsesPredefinesThatWereSetByHand) {
   useFunction(L"", L"x;");
   EXPECT_EQ(predefines(), L"");
@@ -257,6 +283,19 @@ TEST_F(FunctionWriter, ParsesPredefinesThatWereSetByHand) {
   // Once there are symbols the parse stays.
   profile->predefines() = L"float k() { return 1; }";
   EXPECT_EQ(predefines(), L"float h() { return 1; }");
+}
+
+TEST_F(FunctionWriter, WritesPredefinesAsTheyWereLoaded) {
+  const auto node =
+      TolmSDK::test::parseJson(LR"json({"language": ["dx11"], "predefine": ["float h() { return 1; }"],
+    "implementation": ["void f(out float r)", "{", "r = h();", "}"]})json");
+  useFunction(L"", L"x;");
+  ASSERT_TRUE(profile->load(node.get()));
+  profile->predefines() = L"float k() { return 1; }";
+  EXPECT_EQ(predefines(), L"float h() { return 1; }\n");
+  ASSERT_TRUE(profile->load(node.get()));
+  profile->predefines().clear();
+  EXPECT_EQ(predefines(), L"float h() { return 1; }\n");
 }
 
 }  // namespace

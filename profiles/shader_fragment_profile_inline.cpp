@@ -1,5 +1,6 @@
 #include "sfg/shader_fragment_profile_inline.h"
 
+#include <algorithm>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -60,26 +61,35 @@ WString replaced(const WString& text, const KeywordReplacePattern& rules, std::s
   return out;
 }
 
-/// Length of the replaced text, without building it: rules may overlap, so each is applied with one character
-/// as its replacement while all others remove their keyword.
+/// Length of the replaced text, without building it: rules may overlap, so those whose replacement's length
+/// has a certain bit are applied with one character each while all others remove their keyword.
 std::size_t replacedLength(const WString& text, const Array<Rule>& rules) {
-  const auto lengthWith = [&](std::size_t marked) {
+  const auto lengthWith = [&](auto&& isMarked) {
     KeywordReplacePattern marks;
-    for (std::size_t i = 0; i < rules.size(); ++i)
-      marks.addReplacePattern(rules[i].keyword, WString(i == marked ? 1 : 0, L'x'));
+    for (const Rule& rule : rules)
+      marks.addReplacePattern(rule.keyword, WString(isMarked(rule.replacement.size()) ? 1 : 0, L'x'));
     return replaced(text, marks, text.size()).size();
   };
-  const std::size_t kept = lengthWith(kNotFound);
+  std::size_t longest = 0;
+  for (const Rule& rule : rules) longest = std::max(longest, rule.replacement.size());
+  const std::size_t kept = lengthWith([](std::size_t) { return false; });
   std::size_t length = kept;
-  for (std::size_t i = 0; i < rules.size(); ++i)
-    length += (lengthWith(i) - kept) * rules[i].replacement.size();
+  for (std::size_t bit = 1; bit <= longest; bit *= 2)
+    length += (lengthWith([&](std::size_t size) { return (size & bit) != 0; }) - kept) * bit;
   return length;
+}
+
+/// The length of the replaced text, or one that it does not pass and that is within the limit.
+std::size_t expectedLength(const WString& text, const Array<Rule>& rules) {
+  constexpr std::size_t kFewRules = 16;  // the bound looks through the text for each
+  if (rules.size() > kFewRules) return replacedLength(text, rules);
+  const std::size_t bound = text.size() + boundOfReplacements(text, rules);
+  return bound > kMaximumTextLength ? replacedLength(text, rules) : bound;
 }
 
 /// Applies the rules. Throws the size error, before anything is built, when the result would pass the limit.
 WString applyRules(const WString& text, const Array<Rule>& rules) {
-  std::size_t length = text.size() + boundOfReplacements(text, rules);
-  if (length > kMaximumTextLength) length = replacedLength(text, rules);
+  const std::size_t length = expectedLength(text, rules);
   checkTextLength(length);
   KeywordReplacePattern pattern;
   for (const Rule& rule : rules) pattern.addReplacePattern(rule.keyword, rule.replacement);

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <ctime>
 
 #include "profiles/writer_fixture.h"
 #include "sfg/size_limit.h"
@@ -146,6 +148,41 @@ TEST_F(InlineWriter, RefusesAnExpressionThatDoublesAtEveryLevel) {
   EXPECT_GT(value.size(), kMaximumTextLength / 4);
   EXPECT_LE(value.size(), kMaximumTextLength);
   EXPECT_LT(seconds, 1.0);  // it is refused before it is built
+}
+
+TEST_F(InlineWriter, ReplacesManyPlaceholdersInTimeInProportionToThem) {
+  const auto expressionOf = [](std::size_t count, std::wstring_view placeholder) {
+    WString text;
+    for (std::size_t i = 0; i < count; ++i) text += formatted(placeholder, i);
+    return text;
+  };
+  const auto timeOf = [&](std::size_t count) {
+    useExpression(std::wstring(expressionOf(count, L"{{a%Iu}};")));
+    Array<WString> values;
+    for (std::size_t i = 0; i < count; ++i) values.push_back(formatted(L"v%Iu", i));
+    std::clock_t time = 0;
+    for (int run = 0; run < 3; ++run) {
+      const std::clock_t start = std::clock();
+      const WString expression = expressionFor(values);
+      const std::clock_t spent = std::clock() - start + 1;
+      EXPECT_EQ(expression, L"(" + expressionOf(count, L"v%Iu;") + L")");
+      time = run == 0 ? spent : std::min(time, spent);
+    }
+    return time;
+  };
+  const std::clock_t few = timeOf(1000);
+  EXPECT_LT(timeOf(16000), 48 * few);
+}
+
+TEST_F(InlineWriter, RefusesManyPlaceholdersOfLongValues) {
+  constexpr std::size_t kCount = 4096;
+  WString text;
+  for (std::size_t i = 0; i < kCount; ++i) text += formatted(L"{{a%Iu}}", i);
+  useExpression(std::wstring(text));
+  Array<WString> values(kCount, WString(kMaximumTextLength / kCount, L'v'));
+  EXPECT_EQ(messageOf([&] { expressionFor(values); }), L"sfgError : the generated code is too large!");
+  values[7].resize(values[7].size() - 2);  // the parentheses
+  EXPECT_EQ(expressionFor(values).size(), kMaximumTextLength);
 }
 
 TEST_F(InlineWriter, MeasuresOverlappingRulesExactly) {

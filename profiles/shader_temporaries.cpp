@@ -162,6 +162,11 @@ bool hasRepeatedDeclaration(const Array<TemporaryPlace>& places, std::size_t num
 
 }  // namespace
 
+void CallerText::cut(std::size_t length) {
+  code.resize(length);
+  while (!places.empty() && places.back().last >= length) places.pop_back();
+}
+
 void CallerText::append(const CallerText& from, std::wstring_view part) {
   if (!from.places.empty()) {
     const auto begin = static_cast<std::size_t>(part.data() - from.code.data());

@@ -45,6 +45,8 @@ struct TemporaryPlace {
 struct CallerText {
   /// Appends a part of another caller's text, and what it names.
   void append(const CallerText& from, std::wstring_view part);
+  /// Drops what stands behind the first `length` characters.
+  void cut(std::size_t length);
 
   WString code;
   Array<TemporaryPlace> places;

@@ -7,6 +7,14 @@ namespace TolmSDK::Graphics::sfg {
 
 namespace {
 
+/// Past any blanks and comments, also comments that stand side by side.
+void skipToList(const ScopedText& text, std::size_t& pos) {
+  for (std::size_t before = kNotFound; before != pos;) {
+    before = pos;
+    scan::skipWhitespaces(text, pos);
+  }
+}
+
 /// Splits at every comma. What counts as one argument is odd, but stated: see BuiltinFunction::arguments.
 void splitArguments(Array<ScopedText>& arguments, const ScopedText& inside) {
   ScopedText argument;
@@ -47,6 +55,7 @@ WString getBuiltinFunctionString(EBuiltinFunctionId id) {
 bool BuiltinFunction::parse(EBuiltinFunctionId callee, const ScopedText& text, std::size_t start,
                             std::size_t& pos) {
   id = callee;
+  skipToList(text, pos);
   const ScopedText list = scan::getBracketBody(text, pos, L'(', L')');
   if (list.length < 2) return false;
   splitArguments(arguments, list.substr(1, list.length - 2));

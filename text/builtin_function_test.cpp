@@ -64,6 +64,9 @@ TEST(BuiltinFunctionParse, SplitsArgumentsAtCommas) {
       {L"f()", true, {}, L"f()"},
       {L"f( \n )", true, {}, L"f( \n )"},
       {L"f /* c */ (a)", true, {L"a"}, L"f /* c */ (a)"},
+      {L"f // why\n// so\n(a)", true, {L"a"}, L"f // why\n// so\n(a)"},
+      {L"f/*a*//*b*/(x)", true, {L"x"}, L"f/*a*//*b*/(x)"},
+      {L"f/*/ \n//\\\n c\n/**//**/\t(x, y)", true, {L"x", L"y"}, L"f/*/ \n//\\\n c\n/**//**/\t(x, y)"},
       // Lengths count no whitespace, the view does.
       {L"f(a + b)", true, {L"a +"}, L"f(a + b)"},
       {L"f(a b,c)", true, {L"a ", L"c"}, L"f(a b,c)"},
@@ -76,6 +79,9 @@ TEST(BuiltinFunctionParse, SplitsArgumentsAtCommas) {
       {L"f", false, {}, L""},
       {L"f(", false, {}, L""},
       {L"f;", false, {}, L""},
+      {L"f/*a*//*b*/;(x)", false, {}, L""},
+      {L"f/*a*//*(x)", false, {}, L""},
+      {L"f//(x)", false, {}, L""},
       {L"f [a]", false, {}, L""},
   };
   for (const Call& call : calls) {

@@ -25,6 +25,29 @@ std::size_t combineHash(std::size_t hash, std::wstring_view text) {
   return hash * 1099511628211u + std::hash<std::wstring_view>()(text);
 }
 
+/// Ends the symbols of a family in the key of a ring; told from other empty texts by its place.
+constexpr const wchar_t* kEndMark = L"";
+constexpr std::wstring_view kEndOfFamily(kEndMark, 0);
+
+bool isEndOfFamily(std::wstring_view text) { return text.data() == kEndMark; }
+
+std::size_t hashOf(const std::wstring_view* text, std::size_t count) {
+  std::size_t hash = 0;
+  for (std::size_t i = 0; i < count; ++i) hash = combineHash(hash, text[i]);
+  return hash;
+}
+
+/// The key of a symbol that had none of its own when its identity was noted.
+WString keyOfIdentity(std::wstring_view identity) {
+  const WString code(identity);
+  ShaderSymbol symbol;
+  std::size_t pos = 0;
+  // The identity of a function is its text; that of any other symbol is its key.
+  const bool isFunction = ShaderSymbol::findFirstSymbol(symbol, ScopedText(code), pos) &&
+                          symbol.getType() == EShaderSymbolType::function && symbol.getRange().view() == code;
+  return isFunction ? symbol.getKey() : code;
+}
+
 /// Past blanks and any number of comments.
 void skipBlanksAndComments(const ScopedText& text, std::size_t& pos) {
   for (std::size_t before = kNotFound; before != pos;) {
@@ -54,6 +77,7 @@ struct CodeAccumulator::Impl {
     std::size_t firstText;
     std::size_t numTexts;
     std::size_t firstName;
+    std::size_t numFamilies;
   };
 
   /// What a call makes of a family with a name.
@@ -72,6 +96,7 @@ struct CodeAccumulator::Impl {
   HashIndex writtenByHash;
   Array<std::wstring_view> keyTexts;
   Array<Name*> givenNames;
+  bool comparesKeys = false;  // instead of identities, which tell nothing about a key that was set by hand
 
   // The call in progress, or one that an exception ended.
   std::uint64_t call = 0;
@@ -88,7 +113,8 @@ struct CodeAccumulator::Impl {
   const Name* findName(std::wstring_view text) const;
 
 private:
-  void beginCall(std::size_t numSymbols);
+  void beginCall(const CodeSnippetInstance& code);
+  void compareKeys();
   void finishCall();
   void decide(std::size_t ring, const CodeSnippetInstance& code, KeywordReplacePattern& renamePattern);
   std::size_t makeKey(std::size_t ring, const CodeSnippetInstance& code,
@@ -109,18 +135,43 @@ private:
 void CodeAccumulator::Impl::append(WString& out, const CodeSnippetInstance& code,
                                    const KeywordReplacePattern& pattern, KeywordReplacePattern& renamePattern,
                                    std::wstring_view definition) {
-  beginCall(code.getNumSymbols());
+  beginCall(code);
   rings.find(code, renamePattern);
   for (std::size_t ring = 0; ring < rings.countRings(); ++ring) decide(ring, code, renamePattern);
   write(out, code, pattern, renamePattern, definition);
   finishCall();
 }
 
-void CodeAccumulator::Impl::beginCall(std::size_t numSymbols) {
+void CodeAccumulator::Impl::beginCall(const CodeSnippetInstance& code) {
   ++call;
   callRings.clear();
   decisions.clear();
-  isKnown.assign(numSymbols, false);
+  isKnown.assign(code.getNumSymbols(), false);
+  for (std::size_t i = 0; i < code.getNumSymbols() && !comparesKeys; ++i)
+    if (code.getSymbol(i).hasOwnKey()) compareKeys();
+}
+
+/// From now on symbols are compared by their keys, which take time to make.
+void CodeAccumulator::Impl::compareKeys() {
+  comparesKeys = true;
+  writtenByHash = {};
+  for (std::size_t i = 0; i < written.size(); ++i) {
+    std::wstring_view* text = keyTexts.data() + written[i].firstText;
+    // The families come first, then the rules.
+    std::size_t families = written[i].numFamilies;
+    for (std::size_t at = 0; families != 0;) {
+      if (isEndOfFamily(text[at])) {
+        --families;
+        ++at;
+        continue;
+      }
+      text[at] = texts.add(keyOfIdentity(text[at]) + WString(text[at + 1]));
+      text[at + 1] = {};
+      at += 2;
+    }
+    written[i].hash = hashOf(text, written[i].numTexts);
+    writtenByHash.add(written[i].hash, i);
+  }
 }
 
 /// What the call wrote and how it named it is known to later calls only.
@@ -166,14 +217,12 @@ void CodeAccumulator::Impl::decide(std::size_t ring, const CodeSnippetInstance& 
 /// its texts hold.
 std::size_t CodeAccumulator::Impl::makeKey(std::size_t ring, const CodeSnippetInstance& code,
                                            const KeywordReplacePattern& renamePattern) {
-  // No identity of a keyed symbol is null.
-  constexpr std::wstring_view kEndOfFamily;
   key.clear();
   for (const std::uint32_t family : rings.ring(ring)) {
     for (const std::uint32_t number : rings.family(family).symbols) {
       const ShaderSymbolInstance& symbol = code.getSymbol(number);
-      key.push_back(symbol.getIdentity());
-      key.push_back(symbol.getRenames());
+      key.push_back(comparesKeys ? std::wstring_view(symbol.getInstanceKey()) : symbol.getIdentity());
+      key.push_back(comparesKeys ? std::wstring_view() : symbol.getRenames());
     }
     key.push_back(kEndOfFamily);
   }
@@ -182,9 +231,7 @@ std::size_t CodeAccumulator::Impl::makeKey(std::size_t ring, const CodeSnippetIn
     key.push_back(renamePattern.getKeywords()[rule]);
     key.push_back(renamePattern.getReplacements()[rule]);
   }
-  std::size_t hash = 0;
-  for (const std::wstring_view text : key) hash = combineHash(hash, text);
-  return hash;
+  return hashOf(key.data(), key.size());
 }
 
 /// The ring of that key which an earlier call wrote; null without one.
@@ -202,8 +249,8 @@ const CodeAccumulator::Impl::Ring* CodeAccumulator::Impl::findWritten(std::size_
 /// place.
 std::size_t CodeAccumulator::Impl::nameAnew(std::size_t ring, std::size_t hash) {
   const std::size_t firstName = givenNames.size();
-  callRings.push_back({hash, keyTexts.size(), key.size(), firstName});
-  for (const std::wstring_view text : key) keyTexts.push_back(texts.add(text));
+  callRings.push_back({hash, keyTexts.size(), key.size(), firstName, rings.ring(ring).size()});
+  for (const std::wstring_view text : key) keyTexts.push_back(isEndOfFamily(text) ? text : texts.add(text));
   for (const std::uint32_t number : rings.ring(ring)) {
     const std::wstring_view own = rings.family(number).name;
     if (own.empty()) {

@@ -1,19 +1,11 @@
 #include "sfg/code_snippet.h"
 
 #include <cstdint>
+#include <utility>
 
 #include "text/scan.h"
 
 namespace TolmSDK::Graphics::sfg {
-
-namespace {
-
-/// A symbol without a name may have an empty key as well, but a kind.
-bool isRawText(const ShaderSymbol& symbol) {
-  return symbol.getType() == EShaderSymbolType::unknown && !symbol.hasKey();
-}
-
-}  // namespace
 
 CodeSnippet::CodeSnippet() : code_(std::make_shared<WString>()) {}
 CodeSnippet::~CodeSnippet() = default;
@@ -66,8 +58,10 @@ void CodeSnippet::takePlainFunction(WString&& code, std::size_t name, std::size_
                                                  all.substr(body, all.length - body));
 }
 
-void CodeSnippet::addSymbol(const ScopedText& text) {
+void CodeSnippet::addSymbol(ScopedText text) {
   if (text.empty()) return;
+  index_.reset();
+  rawTexts_.push_back(symbols_.size());
   symbols_.emplace_back().setRange(text);
 }
 
@@ -76,6 +70,7 @@ void CodeSnippet::addSymbol(const ShaderSymbol& symbol) {
 }
 
 void CodeSnippet::takeSymbol(ShaderSymbol&& symbol) {
+  index_.reset();
   const ShaderSymbol& added = symbols_.emplace_back(std::move(symbol));
   stateVariables_.insert(added.getStateVariables().begin(), added.getStateVariables().end());
   builtinFunctions_.insert(builtinFunctions_.end(), added.getBuiltinFunctions().begin(),
@@ -85,9 +80,26 @@ void CodeSnippet::takeSymbol(ShaderSymbol&& symbol) {
 }
 
 std::size_t CodeSnippet::findSymbol(std::wstring_view key) const {
-  for (std::size_t i = symbols_.size(); i-- > 0;)
-    if (!isRawText(symbols_[i]) && symbols_[i].getKey() == key) return i;
-  return kNotFound;
+  const SymbolIndex& index = symbolIndex();
+  const auto found = index.find(key);
+  return found != index.end() ? found->second : kNotFound;
+}
+
+/// Its keys view those of the symbols, which stay as they are while the index lives.
+const CodeSnippet::SymbolIndex& CodeSnippet::symbolIndex() const {
+  const std::lock_guard<std::mutex> lock(indexMutex_);
+  if (index_) return *index_;
+  auto index = std::make_unique<SymbolIndex>();
+  auto rawText = rawTexts_.begin();
+  for (std::size_t i = 0; i < symbols_.size(); ++i) {
+    if (rawText != rawTexts_.end() && *rawText == i) {
+      ++rawText;
+    } else {
+      index->insert_or_assign(symbols_[i].getKey(), i);
+    }
+  }
+  index_ = std::move(index);
+  return *index_;
 }
 
 void CodeSnippet::clear() {
@@ -96,6 +108,8 @@ void CodeSnippet::clear() {
 }
 
 void CodeSnippet::clearParse() {
+  index_.reset();
+  rawTexts_.clear();
   symbols_.clear();
   stateVariables_.clear();
   builtinFunctions_.clear();

@@ -2,15 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "text/test_views.h"
+#include "tolmsdk/exception.h"
+#include "tolmsdk/sha1.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
@@ -169,6 +173,17 @@ TEST(CodeSnippet, SharedCodeOutlivesItAndNeverChanges) {
   EXPECT_EQ(range.view(), L"float y;");
 }
 
+TEST(CodeSnippet, CopiesOfSymbolsHaveTheirKeysWhenItIsGone) {
+  auto snippet = std::make_unique<CodeSnippet>();
+  snippet->addCode(L"float f() { return 1; }");
+  ASSERT_TRUE(snippet->parse());
+  const ShaderSymbol copy = snippet->getSymbol(0);
+  const WString key = L"floatf()13" + SHA1_GetStringHash(snippet->getCode());
+  snippet.reset();
+  EXPECT_EQ(copy.getKey(), key);
+  EXPECT_EQ(copy.getIdentity(), key);
+}
+
 TEST(CodeSnippet, AddsRawTextAndSymbols) {
   const WString text = L"raw float x;";
   ShaderSymbol symbol;
@@ -187,6 +202,91 @@ TEST(CodeSnippet, AddsRawTextAndSymbols) {
   EXPECT_EQ(calls(snippet.getBuiltinFunctions()), std::vector<std::wstring>{L"sfg_isConnected(a)"});
   EXPECT_EQ(calls(snippet.getShaderFunctions()), std::vector<std::wstring>{L"sfg_shader(b)"});
   EXPECT_EQ(symbol.getRange().view(), L"float x;") << "a copy was added";
+}
+
+TEST(CodeSnippet, FindsASymbolWithAnEmptyKeyThatWasAdded) {
+  const WString text = L"raw text";
+  ShaderSymbol symbol;
+  symbol.setRange(text);
+  CodeSnippet snippet;
+  snippet.addSymbol(symbol);
+  snippet.addSymbol(ScopedText(text));
+  EXPECT_EQ(snippet.getNumSymbols(), 2u);
+  EXPECT_EQ(snippet.findSymbol(L""), 0u) << "text without a symbol has no entry";
+  snippet.addSymbol(symbol);
+  EXPECT_EQ(snippet.findSymbol(L""), 2u) << "the last one of a key";
+  snippet.clear();
+  EXPECT_EQ(snippet.findSymbol(L""), kNotFound);
+}
+
+TEST(CodeSnippet, FindsWhatWasAddedSinceTheLastLookUp) {
+  CodeSnippet snippet;
+  snippet.addCode(L"float x;");
+  ASSERT_TRUE(snippet.parse());
+  EXPECT_EQ(snippet.findSymbol(L"floaty;"), kNotFound);
+  ShaderSymbol symbol;
+  symbol.setRange(snippet.getSymbol(0).getRange());
+  symbol.setKey(L"floaty;");
+  snippet.addSymbol(symbol);
+  EXPECT_EQ(snippet.findSymbol(L"floaty;"), 1u);
+  snippet.addSymbol(ScopedText(snippet.getCode()));
+  EXPECT_EQ(snippet.findSymbol(L"floatx;"), 0u);
+  ASSERT_TRUE(snippet.parse());
+  EXPECT_EQ(snippet.findSymbol(L"floaty;"), kNotFound);
+  snippet.takePlainFunction(L"void f() {}", 5, 1, 9);
+  EXPECT_EQ(snippet.findSymbol(L"floatx;"), kNotFound);
+  EXPECT_EQ(snippet.findSymbol(snippet.getSymbol(0).getKey()), 0u);
+}
+
+TEST(CodeSnippet, TakesItsOwnSymbols) {
+  CodeSnippet snippet;
+  snippet.addCode(L"float x;\nfloat y() { return sfg_isConnected(a); }");
+  ASSERT_TRUE(snippet.parse());
+  // As often as it takes for the array to grow on either.
+  for (int i = 0; i < 20; ++i) {
+    snippet.addSymbol(snippet.getSymbol(0).getRange());
+    snippet.addSymbol(snippet.getSymbol(1));
+  }
+  ASSERT_EQ(snippet.getNumSymbols(), 42u);
+  for (std::size_t i = 2; i < 42; i += 2) {
+    EXPECT_EQ(snippet.getSymbol(i).getRange().view(), L"float x;\n");
+    EXPECT_EQ(snippet.getSymbol(i).getKey(), L"");
+    EXPECT_EQ(snippet.getSymbol(i + 1).getKey(), snippet.getSymbol(1).getKey());
+  }
+  EXPECT_EQ(snippet.getBuiltinFunctions().size(), 21u);
+}
+
+TEST(CodeSnippet, FindsSymbolsInManyThreads) {
+  CodeSnippet snippet;
+  for (int i = 0; i < 200; ++i) snippet.addCode(formatted(L"void f%d() {}\n", i));
+  ASSERT_TRUE(snippet.parse());
+  CodeSnippet same;
+  same.addCode(snippet.getCode());
+  ASSERT_TRUE(same.parse());
+  std::vector<std::size_t> found(4);
+  std::vector<std::thread> threads;
+  for (std::size_t& sum : found) {
+    threads.emplace_back([&snippet, &same, &sum] {
+      for (std::size_t i = 0; i < 200; ++i) sum += snippet.findSymbol(same.getSymbol(i).getKey()) == i;
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(found, std::vector<std::size_t>(4, 200));
+}
+
+TEST(CodeSnippet, LooksSymbolsUpInAnIndex) {
+  const auto time = [](int symbols) {
+    CodeSnippet snippet;
+    WString code;
+    for (int i = 0; i < symbols; ++i) code += formatted(L"float x%d;\n", i);
+    snippet.addCode(code);
+    EXPECT_TRUE(snippet.parse());
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 20000; ++i) snippet.findSymbol(L"none");
+    return std::chrono::steady_clock::now() - start;
+  };
+  time(100);
+  EXPECT_LT(time(10000), 20 * time(100));
 }
 
 TEST(CodeSnippet, Clears) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "text/keyword_replace_model.h"
+#include "tests/model/library_rules.h"
 #include "text/test_views.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -85,7 +85,8 @@ TEST(KeywordAutomaton, FindsWhatOneSearchForEachKeywordFinds) {
     for (std::size_t position = live.view().length; position-- > 0;) {
       for (std::size_t length = 5; length != 0; --length) {
         for (std::size_t i = keywords.size(); i-- > 0;) {
-          if (keywords[i].size() != length || model::find(live.view(), keywords[i], position) != position)
+          if (keywords[i].size() != length ||
+              model::find(model::viewOf(live.view()), std::wstring(keywords[i]), position) != position)
             continue;
           expected.push_back({position, i});
           break;

@@ -1,19 +1,46 @@
 #include "sfg/keyword_replace.h"
 
+#include <algorithm>
+#include <functional>
+#include <string_view>
+#include <utility>
+
 #include "sfg/size_limit.h"
 #include "text/keyword_rules.h"
+#include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
 
+namespace {
+
+/// Room for `count` more. Grown at least by half: many small additions stay linear.
+void reserveFor(Array<WString>& texts, std::size_t count) {
+  const std::size_t needed = texts.size() + count;
+  if (needed > texts.capacity()) texts.reserve(std::max(needed, texts.size() + texts.size() / 2));
+}
+
+}  // namespace
+
 void KeywordReplacePattern::addReplacePattern(const WString& keyword, const WString& replacement) {
+  WString own(replacement);  // it may be one of the keywords, which move
   keywords_.push_back(keyword);
-  replacements_.push_back(replacement);
+  replacements_.push_back(std::move(own));
+  if (!byHash_.empty()) indexKeywords();
 }
 
 void KeywordReplacePattern::addReplacePattern(const Array<WString>& keywords,
                                               const Array<WString>& replacements) {
-  keywords_.insert(keywords_.end(), keywords.begin(), keywords.end());
-  replacements_.insert(replacements_.end(), replacements.begin(), replacements.end());
+  if (keywords.size() != replacements.size())
+    throw Exception(L"sfgError : keywords and replacements should be the same in number!");
+  // Neither array moves once the first pair is added: they may be those that pairs are taken from.
+  const std::size_t count = keywords.size();
+  reserveFor(keywords_, count);
+  reserveFor(replacements_, count);
+  for (std::size_t i = 0; i < count; ++i) {
+    keywords_.push_back(keywords[i]);
+    replacements_.push_back(replacements[i]);
+  }
+  if (!byHash_.empty()) indexKeywords();
 }
 
 void KeywordReplacePattern::addReplacePattern(const KeywordPosKey& key, const WString& replacement) {
@@ -21,19 +48,35 @@ void KeywordReplacePattern::addReplacePattern(const KeywordPosKey& key, const WS
 }
 
 void KeywordReplacePattern::overrideReplacePattern(const WString& keyword, const WString& replacement) {
+  constexpr std::size_t kFew = 16;
+  const WString sought(keyword);  // it may be one of the replacements, which change
   bool isKnown = false;
-  for (std::size_t i = 0; i < keywords_.size(); ++i) {
-    if (keywords_[i] != keyword) continue;
+  const auto override = [&](std::size_t i) {
+    if (keywords_[i] != sought) return;
     replacements_[i] = replacement;
     isKnown = true;
+  };
+  if (keywords_.size() <= kFew) {
+    for (std::size_t i = 0; i < keywords_.size(); ++i) override(i);
+  } else {
+    indexKeywords();
+    const auto [first, last] = byHash_.equal_range(std::hash<std::wstring_view>()(sought));
+    for (auto place = first; place != last; ++place) override(place->second);
   }
-  if (!isKnown) addReplacePattern(keyword, replacement);
+  if (!isKnown) addReplacePattern(sought, replacement);
+}
+
+/// Adds the keywords that are not in the index yet, which are the last ones.
+void KeywordReplacePattern::indexKeywords() {
+  for (std::size_t i = byHash_.size(); i < keywords_.size(); ++i)
+    byHash_.emplace(std::hash<std::wstring_view>()(keywords_[i]), i);
 }
 
 void KeywordReplacePattern::clearReplacePattern() {
   keywords_.clear();
   replacements_.clear();
   positionalReplacements_.clear();
+  byHash_.clear();
 }
 
 KeywordReplacer::KeywordReplacer() = default;

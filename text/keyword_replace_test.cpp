@@ -9,11 +9,14 @@
 #include <utility>
 
 #include "sfg/size_limit.h"
+#include "tests/support/messages.h"
 #include "text/test_views.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
+
+using TolmSDK::test::messageOf;
 
 using Keywords = std::initializer_list<std::pair<const wchar_t*, const wchar_t*>>;
 struct Span {
@@ -81,6 +84,29 @@ TEST(KeywordReplacePattern, SetsThePositionalRuleOfASpan) {
             (KeywordReplacePattern::PositionalReplacements{{{1, 3}, L"b"}, {{1, 2}, L"c"}}));
 }
 
+TEST(KeywordReplacePattern, OverridesEveryEqualKeywordOfMany) {
+  KeywordReplacePattern p;
+  Array<WString> keywords;
+  for (int i = 0; i < 100; ++i) keywords.push_back(L"k" + itos(i % 50));
+  p.addReplacePattern(keywords, Array<WString>(100, L"old"));
+  p.overrideReplacePattern(L"k7", L"seven");
+  p.addReplacePattern(WString(L"k7"), WString(L"later"));
+  p.overrideReplacePattern(L"new", L"added");
+  p.overrideReplacePattern(L"new", L"changed");
+  EXPECT_EQ(p.getReplacements()[7], L"seven");
+  EXPECT_EQ(p.getReplacements()[57], L"seven");
+  EXPECT_EQ(p.getReplacements()[100], L"later");
+  EXPECT_EQ(p.getReplacements()[101], L"changed");
+  EXPECT_EQ(p.getKeywords().size(), 102u);
+  p.overrideReplacePattern(L"k7", L"all");
+  EXPECT_EQ(p.getReplacements()[100], L"all");
+  const KeywordReplacePattern copy = p;
+  p.clearReplacePattern();
+  p.overrideReplacePattern(L"k7", L"alone");
+  EXPECT_EQ(p.getKeywords(), Array<WString>{L"k7"});
+  EXPECT_EQ(copy.getReplacements()[7], L"all");
+}
+
 TEST(KeywordReplacePattern, OverridesEveryEqualKeyword) {
   KeywordReplacePattern p = pattern({{L"u", L"1"}, {L"U", L"2"}, {L"u", L"3"}, {L"uu", L"4"}});
   p.overrideReplacePattern(L"u", L"v");
@@ -90,6 +116,49 @@ TEST(KeywordReplacePattern, OverridesEveryEqualKeyword) {
   EXPECT_EQ(p.getKeywords().back(), L"x");
   EXPECT_EQ(p.getReplacements().back(), L"y");
   EXPECT_EQ(p.getKeywords().size(), 5u);
+}
+
+TEST(KeywordReplacePattern, RefusesArraysOfDifferentLengths) {
+  const Array<WString> none;
+  const Array<WString> one{L"a"};
+  const Array<WString> two{L"b", L"c"};
+  const std::pair<const Array<WString>&, const Array<WString>&> unequal[] = {
+      {one, two}, {two, one}, {two, none}, {none, one}};
+  for (const auto& arrays : unequal) {
+    KeywordReplacePattern p = pattern({{L"u", L"1"}});
+    EXPECT_EQ(messageOf([&] { p.addReplacePattern(arrays.first, arrays.second); }),
+              L"sfgError : keywords and replacements should be the same in number!");
+    EXPECT_EQ(p.getKeywords(), (Array<WString>{L"u"}));
+    EXPECT_EQ(p.getReplacements(), (Array<WString>{L"1"}));
+    p.overrideReplacePattern(L"u", L"2");
+    EXPECT_EQ(replaced({p}, L"aub"), L"a2b");
+  }
+}
+
+TEST(KeywordReplacePattern, TakesItsOwnTexts) {
+  const WString longer(100, L'x');
+  KeywordReplacePattern p;
+  p.addReplacePattern(longer + L"k", longer + L"r");
+  p.addReplacePattern(p.getKeywords(), p.getReplacements());
+  p.addReplacePattern(p.getReplacements(), p.getKeywords());
+  const WString k = longer + L"k";
+  const WString r = longer + L"r";
+  EXPECT_EQ(p.getKeywords(), (Array<WString>{k, k, r, r}));
+  EXPECT_EQ(p.getReplacements(), (Array<WString>{r, r, k, k}));
+
+  KeywordReplacePattern pairs;
+  pairs.addReplacePattern(k, r);
+  for (int i = 0; i < 20; ++i) {
+    pairs.addReplacePattern(pairs.getReplacements()[0], pairs.getKeywords()[0]);
+    EXPECT_EQ(pairs.getKeywords().back(), r);
+    EXPECT_EQ(pairs.getReplacements().back(), k);
+  }
+
+  KeywordReplacePattern overridden = pattern({{L"a", L"a"}, {L"a", L"b"}, {L"c", L"d"}});
+  overridden.overrideReplacePattern(overridden.getReplacements()[0], L"x");
+  EXPECT_EQ(overridden.getReplacements(), (Array<WString>{L"x", L"x", L"d"}));
+  overridden.overrideReplacePattern(overridden.getKeywords()[0], overridden.getReplacements()[2]);
+  EXPECT_EQ(overridden.getReplacements(), (Array<WString>{L"d", L"d", L"d"}));
 }
 
 TEST(KeywordReplacePattern, Clears) {

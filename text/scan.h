@@ -12,6 +12,7 @@
 #include <type_traits>
 
 #include "sfg/scoped_text.h"
+#include "text/ascii.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg::scan {
@@ -37,10 +38,6 @@ inline std::uint8_t classOf(wchar_t c) {
 inline bool isTokenChar(wchar_t c) { return classOf(c) == kToken; }
 
 inline bool isWhitespace(wchar_t c) { return classOf(c) == kWhitespace; }
-
-inline wchar_t toLowerAscii(wchar_t c) {
-  return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + (L'a' - L'A')) : c;
-}
 
 /// The empty view at `pos`; at the end when `pos` lies behind it.
 inline ScopedText emptyAt(const ScopedText& text, std::size_t pos) {

@@ -170,6 +170,16 @@ bool parseUniform(ShaderSymbol& s, const DeclarationWords& words, const ScopedTe
 
 }  // namespace
 
+/// The text that a function's key is made of may be gone before a copy is asked for it.
+ShaderSymbol::ShaderSymbol(const ShaderSymbol& other)
+    : type_(other.type_), hasOwnKey_(other.hasOwnKey_ || !other.keyedText_.empty()), range_(other.range_),
+      name_(other.name_), stateVariables_(other.stateVariables_), builtinFunctions_(other.builtinFunctions_),
+      shaderFunctions_(other.shaderFunctions_) {
+  key_.text = other.getKey();
+}
+
+ShaderSymbol& ShaderSymbol::operator=(const ShaderSymbol& other) { return *this = ShaderSymbol(other); }
+
 ShaderSymbol::~ShaderSymbol() = default;
 
 void ShaderSymbol::clear() { clearThis(); }
@@ -179,13 +189,20 @@ void ShaderSymbol::clearThis() {
   builtinFunctions_.clear();
   shaderFunctions_.clear();
   setKey(WString());
+  hasOwnKey_ = false;
   range_ = ScopedText();
   name_ = ScopedText();
   zeroThis();
 }
 
-bool ShaderSymbol::findFirstSymbol(ShaderSymbol& s, const ScopedText& text, std::size_t& pos) {
+bool ShaderSymbol::findFirstSymbol(ShaderSymbol& s, ScopedText text, std::size_t& pos) {
   s.clear();
+  const bool isFound = parseFirstSymbol(s, text, pos);
+  s.hasOwnKey_ = false;
+  return isFound;
+}
+
+bool ShaderSymbol::parseFirstSymbol(ShaderSymbol& s, const ScopedText& text, std::size_t& pos) {
   scan::skipNonKeywords(text, pos);
   if (pos >= text.length) return false;
   if (scan::isEqual(text, pos, L"struct") || scan::isEqual(text, pos, L"samplerstate"))
@@ -212,14 +229,15 @@ bool ShaderSymbol::findFirstSymbol(ShaderSymbol& s, ScopedText& text) {
   return pos > 0;
 }
 
-void ShaderSymbol::constructFunction(const ScopedText& returnType, const ScopedText& name,
-                                     const ScopedText& parameters, const ScopedText& body) {
+void ShaderSymbol::constructFunction(ScopedText returnType, ScopedText name, ScopedText parameters,
+                                     ScopedText body) {
   constructPlainFunction(returnType, name, parameters, body);
+  hasOwnKey_ = true;
   parseKeywords(body);
 }
 
-void ShaderSymbol::constructPlainFunction(const ScopedText& returnType, const ScopedText& name,
-                                          const ScopedText& parameters, const ScopedText& body) {
+void ShaderSymbol::constructPlainFunction(ScopedText returnType, ScopedText name, ScopedText parameters,
+                                          ScopedText body) {
   clear();
   type_ = EShaderSymbolType::function;
   name_ = name;
@@ -233,6 +251,7 @@ void ShaderSymbol::constructPlainFunction(const ScopedText& returnType, const Sc
 void ShaderSymbol::setKey(const WString& key) {
   key_.text = key;
   key_.pending.store(false, std::memory_order_relaxed);
+  hasOwnKey_ = true;
   keyedText_ = ScopedText();
 }
 
@@ -253,32 +272,34 @@ const WString& ShaderSymbol::makeKey() const {
   return key_.text;
 }
 
-void ShaderSymbol::constructStruct(const ScopedText& name, const ScopedText& /*body*/,
-                                   const ScopedText& range) {
+void ShaderSymbol::constructStruct(ScopedText name, ScopedText /*body*/, ScopedText range) {
   clear();
+  hasOwnKey_ = true;
   type_ = EShaderSymbolType::structure;
   name_ = name;
   range_ = range;
   buildKey(key_.text, range);
 }
 
-void ShaderSymbol::constructTechnique(const ScopedText& name, const ScopedText& range) {
+void ShaderSymbol::constructTechnique(ScopedText name, ScopedText range) {
   clear();
+  hasOwnKey_ = true;
   type_ = EShaderSymbolType::technique;
   name_ = name;
   range_ = range;
   buildKey(key_.text, name);
 }
 
-void ShaderSymbol::constructUniform(const ScopedText& name, const ScopedText& range) {
+void ShaderSymbol::constructUniform(ScopedText name, ScopedText range) {
   clear();
+  hasOwnKey_ = true;
   type_ = EShaderSymbolType::uniform;
   name_ = name;
   range_ = range;
   buildKey(key_.text, range);
 }
 
-void ShaderSymbol::parseKeywords(const ScopedText& body) {
+void ShaderSymbol::parseKeywords(ScopedText body) {
   stateVariables_.clear();
   builtinFunctions_.clear();
   std::size_t pos = 0;
@@ -287,7 +308,7 @@ void ShaderSymbol::parseKeywords(const ScopedText& body) {
     if (pos >= body.length) return;
     const std::size_t start = pos;
     // Most words are told from ours by their first character.
-    const wchar_t first = scan::toLowerAscii(body.text[pos]);
+    const wchar_t first = toLowerAscii(body.text[pos]);
     const bool isMember = first == L's' && scan::isEqual(body, pos, L"state.");
     const bool isOurs = isMember || (first == L's' && scan::isEqual(body, pos, L"sfg_")) ||
                         (first == L'_' && scan::isEqual(body, pos, L"__"));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -600,6 +601,124 @@ TEST(ShaderSymbol, IsTheOneItHoldsNow) {
   symbol.setKey(L"key");
   EXPECT_EQ(symbol.getKey(), L"key");
   EXPECT_EQ(symbol.getIdentity(), L"key");
+}
+
+TEST(ShaderSymbol, ACopyHasItsKeyWhenTheTextIsGone) {
+  auto code = std::make_unique<WString>(L"void f(float a) { a = 1; }");
+  const WString key = L"voidf(floata)10" + SHA1_GetStringHash(*code);
+  const ShaderSymbol copied = find(*code).symbol;
+  const ShaderSymbol copy = copied;
+  const WString uniform = L"int x;";
+  ShaderSymbol assigned = find(uniform).symbol;
+  assigned = copied;
+  ShaderSymbol moved = find(*code).symbol;
+  const ShaderSymbol copyOfCopy = copy;
+  moved = ShaderSymbol(moved);
+  code.reset();
+  for (const ShaderSymbol* symbol : {&copy, &std::as_const(assigned), &copyOfCopy, &std::as_const(moved)}) {
+    EXPECT_EQ(symbol->getKey(), key);
+    EXPECT_EQ(symbol->getIdentity(), key);
+    EXPECT_TRUE(symbol->hasOwnKey());
+  }
+}
+
+TEST(ShaderSymbol, AssignsItselfToItself) {
+  const WString code = L"void f() {}";
+  ShaderSymbol symbol = find(code).symbol;
+  const ShaderSymbol& same = symbol;
+  symbol = same;
+  EXPECT_EQ(symbol.getKey(), L"voidf()2" + SHA1_GetStringHash(code));
+  EXPECT_EQ(symbol.getRange().view(), code);
+}
+
+TEST(ShaderSymbol, KnowsWhetherItsKeyIsItsOwn) {
+  const WString code = L"void f() {}";
+  const ScopedText text(code);
+  ShaderSymbol parsed;
+  std::size_t pos = 0;
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(parsed, text, pos));
+  EXPECT_FALSE(parsed.hasOwnKey());
+  parsed.getKey();
+  EXPECT_FALSE(parsed.hasOwnKey());
+  EXPECT_EQ(parsed.getIdentity(), code);
+
+  ShaderSymbol set;
+  EXPECT_FALSE(set.hasOwnKey());
+  set.setKey(parsed.getKey());
+  EXPECT_TRUE(set.hasOwnKey());
+  EXPECT_EQ(set.getKey(), parsed.getKey());
+  EXPECT_NE(set.getIdentity(), parsed.getIdentity()) << "only the keys tell that they are the same";
+  set.clear();
+  EXPECT_FALSE(set.hasOwnKey());
+
+  // One text, but different signatures.
+  ShaderSymbol byHand;
+  byHand.constructFunction(text.substr(0, 4), text.substr(5, 1), text.substr(6, 1), text.substr(9, 2));
+  EXPECT_TRUE(byHand.hasOwnKey());
+  EXPECT_EQ(byHand.getIdentity(), parsed.getIdentity());
+  EXPECT_NE(byHand.getKey(), parsed.getKey());
+  byHand.constructPlainFunction(text.substr(0, 4), text.substr(5, 1), text.substr(6, 2), text.substr(9, 2));
+  EXPECT_FALSE(byHand.hasOwnKey());
+  EXPECT_EQ(byHand.getKey(), parsed.getKey());
+  byHand.constructUniform(text, text);
+  EXPECT_TRUE(byHand.hasOwnKey());
+  byHand.constructStruct(text, text, text);
+  EXPECT_TRUE(byHand.hasOwnKey());
+  byHand.constructTechnique(text, text);
+  EXPECT_TRUE(byHand.hasOwnKey());
+  for (const wchar_t* other : {L"struct S;", L"float x;", L"technique T { }"}) {
+    const WString declaration = other;
+    pos = 0;
+    ASSERT_TRUE(ShaderSymbol::findFirstSymbol(byHand, declaration, pos));
+    EXPECT_FALSE(byHand.hasOwnKey()) << other;
+    EXPECT_FALSE(ShaderSymbol(byHand).hasOwnKey()) << "a copy's key is the one that was parsed";
+  }
+
+  ShaderSymbolInstance instance;
+  EXPECT_FALSE(instance.hasOwnKey());
+  set.setKey(L"key");
+  instance.construct(&set, {}, 0);
+  EXPECT_TRUE(instance.hasOwnKey());
+  instance.construct(&parsed, {}, 0);
+  EXPECT_FALSE(instance.hasOwnKey());
+}
+
+TEST(ShaderSymbol, MayBeConstructedFromItsOwnViews) {
+  const WString code = L"float x;";
+  ShaderSymbol symbol;
+  const auto reset = [&] { symbol.constructUniform(ScopedText(code, 6, 1), code); };
+  const auto expect = [&](Type type, const wchar_t* key, std::wstring_view name) {
+    EXPECT_EQ(symbol.getType(), type);
+    EXPECT_EQ(symbol.getKey(), key);
+    EXPECT_EQ(symbol.getName().view(), name);
+    EXPECT_EQ(symbol.getRange().view(), code);
+  };
+  reset();
+  symbol.constructUniform(symbol.getName(), symbol.getRange());
+  expect(Type::uniform, L"floatx;", L"x");
+  symbol.constructStruct(symbol.getName(), symbol.getRange(), symbol.getRange());
+  expect(Type::structure, L"floatx;", L"x");
+  symbol.constructTechnique(symbol.getName(), symbol.getRange());
+  expect(Type::technique, L"x", L"x");
+  reset();
+  symbol.constructFunction(symbol.getRange(), symbol.getName(), symbol.getRange(), symbol.getRange());
+  expect(Type::function, (L"floatx;8" + SHA1_GetStringHash(code)).c_str(), L"x");
+  reset();
+  symbol.constructPlainFunction(symbol.getRange(), symbol.getName(), symbol.getRange(), symbol.getRange());
+  expect(Type::function, (L"floatx;8" + SHA1_GetStringHash(code)).c_str(), L"x");
+  reset();
+  std::size_t pos = 0;
+  EXPECT_TRUE(ShaderSymbol::findFirstSymbol(symbol, symbol.getRange(), pos));
+  expect(Type::uniform, L"floatx;", L"x");
+}
+
+TEST(ParseKeywords, TakesTheTextOfItsOwnCall) {
+  const WString body = L"x = sfg_isConnected(a);";
+  ShaderSymbol symbol;
+  symbol.parseKeywords(body);
+  ASSERT_EQ(symbol.getBuiltinFunctions().size(), 1u);
+  symbol.parseKeywords(symbol.getBuiltinFunctions()[0].range);
+  EXPECT_EQ(calls(symbol.getBuiltinFunctions()), (std::vector<std::wstring>{L"sfg_isConnected(a)"}));
 }
 
 static_assert(std::has_virtual_destructor_v<ShaderSymbol>);

@@ -42,8 +42,9 @@ struct SFG_API BuiltinFunction {
   ScopedText range;
 
   /// Reads the argument list of a call whose name starts at `start` and ends at `pos`, which then stands
-  /// behind the list. A list that is not closed runs to the end of the text, whose last character then counts
-  /// as the parenthesis. False when no list follows; the id is stored in any case.
+  /// behind the list. Any blanks and comments may stand between name and list. A list that is not closed runs
+  /// to the end of the text, whose last character then counts as the parenthesis. False when no list follows;
+  /// the id is stored in any case.
   bool parse(EBuiltinFunctionId id, const ScopedText& text, std::size_t start, std::size_t& pos);
 };
 

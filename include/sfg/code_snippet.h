@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <ostream>
 #include <string_view>
 
@@ -41,12 +42,13 @@ public:
   void takePlainFunction(WString&& code, std::size_t name, std::size_t nameLength, std::size_t body);
 
   /// Appends a raw-text symbol; empty text is ignored.
-  void addSymbol(const ScopedText& text);
+  void addSymbol(ScopedText text);
   /// Appends a copy of a symbol and gathers its state variables and built-in calls; one without a range is
   /// ignored.
   void addSymbol(const ShaderSymbol& symbol);
 
-  /// Index of the last symbol with that key, or the not-found value.
+  /// Index of the last symbol with that key, which may be empty, or the not-found value. Raw-text symbols
+  /// have no key to be found by. Safe in several threads.
   std::size_t findSymbol(std::wstring_view key) const;
   std::size_t getNumSymbols() const noexcept { return symbols_.size(); }
   const ShaderSymbol& getSymbol(std::size_t index) const { return symbols_[index]; }
@@ -71,12 +73,18 @@ private:
   void takeSymbol(ShaderSymbol&& symbol);
   void clearParse();
 
+  using SymbolIndex = Map<std::wstring_view, std::size_t>;
+  const SymbolIndex& symbolIndex() const;
+
   Set<UString> stateVariables_;
   Array<BuiltinFunction> builtinFunctions_;
   Array<BuiltinFunction> shaderFunctions_;
   std::shared_ptr<WString> code_;
   Array<std::shared_ptr<const WString>> retiredCode_;  // texts that symbols of the present parse still view
   Array<ShaderSymbol> symbols_;
+  Array<std::size_t> rawTexts_;  // those of the symbols above, in order
+  mutable std::mutex indexMutex_;
+  mutable std::unique_ptr<const SymbolIndex> index_;  // made by the first look-up behind a change
 };
 
 /// A snippet as one fragment instance uses it. Owns the snippet when told so. Neither copied nor moved.

@@ -60,6 +60,7 @@ public:
   void appendOutputName(WString& out, std::size_t index) const;
   const WString& getOutputKey(std::size_t index) const;
   const Array<WString>& getOutputNames() const;
+  /// The outputs kept stay as they are; those added have neither type nor name nor key until they are set.
   void setNumOutputs(std::size_t count);
   void setOutput(std::size_t index, WString type, WString name);
   /// Appends a declaration of every typed output, once.
@@ -67,6 +68,8 @@ public:
   /// Appends, once, a declaration of every output that has no value yet and gives it its name as value. False
   /// at the first output without a type.
   bool declareUnspecifiedOutputs(WString& out, Array<WString>& outputValues);
+
+  // Patterns, which live as long as the instance.
 
   /// Renames of the profile's own symbols, made while its requirements are written.
   KeywordReplacePattern& getKeywordReplacePattern() { return patterns().keyword; }
@@ -79,6 +82,8 @@ public:
   void replaceShaderUse(const WString& use, ShaderCallText call);
   /// What replaceShaderUse() keeps; null when no call declares a variable.
   const ShaderTemporaries* findShaderTemporaries() const;
+  /// Whether either of these two holds a rule; neither is made to be asked.
+  bool hasReplacements() const;
   Array<WString>& getUniformOriginal() { return extras().uniformOriginal; }
   Array<WString>& getUniformNew() { return extras().uniformNew; }
 
@@ -113,7 +118,7 @@ public:
 private:
   friend class AShaderCollapseContext;
 
-  /// Needed until requirements and definition are written.
+  /// Made when one of them is asked for.
   struct Patterns {
     Patterns();
     ~Patterns();
@@ -130,6 +135,7 @@ private:
     Array<WString> outputNames;  // texts for the names that follow from fragment and short name, or others
     Array<WString> outputTypes;  // empty as long as they are those of the profile
     Array<WString> outputKeys;   // made when asked for
+    Array<bool> outputIsUnset;   // empty as long as none was added
     Array<WString> uniformOriginal;
     Array<WString> uniformNew;
     Array<bool> callWrittenForLight;
@@ -142,13 +148,12 @@ private:
   Array<WString>& outputNames() const;
   static const Array<WString>& none() noexcept;
   bool hasUniforms() const noexcept { return extras_ && !extras_->uniformOriginal.empty(); }
-  void dropPatterns();
+  bool isOutputUnset(std::size_t index) const noexcept {
+    return extras_ && index < extras_->outputIsUnset.size() && extras_->outputIsUnset[index];
+  }
   bool mustWriteCall(const AShaderCollapseContext& context);
   bool hasSharedDefinition() const;
   void appendDefinitionKey(WString& key) const;
-  WString builtinFunctionValue(const BuiltinFunction& use) const;
-  Array<WString> builtinFunctionValues(const Array<BuiltinFunction>& uses) const;
-  bool isFinalOutput(std::size_t index) const;
 
   std::unique_ptr<Patterns> patterns_;
   mutable std::unique_ptr<Extras> extras_;

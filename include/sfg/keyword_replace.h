@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <unordered_map>
 
 #include "sfg/export.h"
 #include "sfg/scoped_text.h"
@@ -25,15 +26,16 @@ struct KeywordPosKey {
   }
 };
 
-/// Rules; owns its strings. Keywords may repeat, and their order matters: at one place and length the later
-/// rule wins.
+/// Rules; owns its strings, which may also be handed back to it. Keywords may repeat, and their order
+/// matters: at one place and length the later rule wins.
 class SFG_API KeywordReplacePattern {
 public:
   using PositionalReplacements = Map<KeywordPosKey, WString, std::less<KeywordPosKey>>;
 
   /// Appends a keyword rule; never merges with an equal keyword.
   void addReplacePattern(const WString& keyword, const WString& replacement);
-  /// Appends all pairs; both arrays have the same length.
+  /// Appends all pairs, also those of this pattern itself. Arrays of different lengths throw "sfgError :
+  /// keywords and replacements should be the same in number!" and change nothing.
   void addReplacePattern(const Array<WString>& keywords, const Array<WString>& replacements);
   /// Sets the positional rule of a span.
   void addReplacePattern(const KeywordPosKey& key, const WString& replacement);
@@ -48,9 +50,12 @@ public:
   const PositionalReplacements& getPositionalReplacements() const noexcept { return positionalReplacements_; }
 
 private:
+  void indexKeywords();
+
   Array<WString> keywords_;
   Array<WString> replacements_;
   PositionalReplacements positionalReplacements_;
+  std::unordered_multimap<std::size_t, std::size_t> byHash_;  // places of keywords; made when it pays
 };
 
 /// Where the replacement of a keyword rule stands in a copy, and the pattern's own text of it.

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string_view>
 
 #include "sfg/code_accumulator.h"
@@ -97,15 +96,10 @@ private:
   friend class FragmentInstance;
   friend class FragmentProfileInstance;
 
-  struct ProfileChanges;
-
   bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
   FragmentInstance* createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
   FragmentInstance& getInstance(InstanceTable& instances, const WString& name);
-  ProfileChanges findProfileChanges(const WString& profileName, float lod, std::uint32_t request);
-  std::size_t countInstancesUpTo(const std::optional<std::wstring_view>& last) const;
-  bool setActiveSurfaceProfile(const WString& profileName, const Array<float>& lods);
   std::size_t countSurfaceInstances() const noexcept;
   FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
   /// False for an instance of another context. One that none has made or evaluated becomes this one's.
@@ -129,6 +123,7 @@ private:
   // The profile asked for last, and how many times another one was asked for: equal numbers are equal
   // requests.
   WString requestedProfile_;
+  UString requestedLanguage_;
   float requestedLOD_ = 0.0f;
   std::uint32_t profileRequests_ = 0;
   std::size_t activeLightIndex_ = 0;

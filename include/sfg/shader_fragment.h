@@ -119,7 +119,7 @@ public:
   void setOwnerGraph(IShaderFragmentGraph* graph) override;
   std::size_t getNumProfiles() const override { return profiles_->list.size(); }
   const IShaderFragmentProfile* getProfile(std::size_t index) const override {
-    return profiles_->list[index].get();
+    return profiles_->list[index];
   }
   const IShaderFragmentProfile* findFirstProfile(const UString& language) const override;
   const IShaderFragmentProfile* findBestProfile(const WString& profileName, const UString& language,
@@ -192,22 +192,41 @@ private:
       return names != 0 ? names : a.substr(b.name.size()).compare(b.language);
     }
   };
-  struct Profiles {
-    Map<WString, Array<RefPtr<IShaderFragmentProfile>>, ProfileKeyLess> byNameAndLanguage;
-    Array<RefPtr<IShaderFragmentProfile>> list;
+  /// Does not hold the profiles: every fragment that uses the table does, by one reference for each place.
+  struct ProfileTable {
+    Map<WString, Array<IShaderFragmentProfile*>, ProfileKeyLess> byNameAndLanguage;
+    Array<IShaderFragmentProfile*> list;
     std::atomic<bool> isShared{false};  ///< by a clone, once: it is never changed again
+  };
+  /// A fragment's profiles. A copy shares the table and holds the profiles too.
+  class Profiles {
+  public:
+    Profiles();
+    Profiles(const Profiles& other);
+    Profiles& operator=(const Profiles&) = delete;
+    ~Profiles();
+
+    const ProfileTable* operator->() const noexcept { return table_.get(); }
+    void add(IShaderFragmentProfile& profile);
+    void clear();
+
+  private:
+    template <class Operation>
+    void forEachPlace(Operation&& operation) const;
+    void makeTableOwn();
+    static void addTo(Array<IShaderFragmentProfile*>& places, IShaderFragmentProfile& profile);
+
+    std::shared_ptr<ProfileTable> table_;  // whoever registers another profile makes its own
   };
 
   AShaderFragment(const AShaderFragment& original, const WString& instanceName);
 
-  const std::shared_ptr<Profiles>& shareProfiles() const;
-  void makeProfilesOwn();
   void loadProfiles(const IObjectDataNode& node);
   void loadUniforms(const IObjectDataNode& node);
   void buildHash(const IObjectDataNode& node);
 
   // First what a collapse reads of every fragment.
-  std::shared_ptr<Profiles> profiles_;  // shared with clones; whoever registers another makes its own
+  Profiles profiles_;
   IShaderFragmentGraph* ownerGraph_ = nullptr;
   Array<ShaderFragmentConnection> inputConnections_;
   WString instanceName_;

@@ -35,7 +35,11 @@ public:
   static RefPtr<AShaderFragmentProfile> loadProfile(const IObjectDataNode* node);
 
   const WString& predefines() const override { return predefines_; }
-  WString& predefines() override { return predefines_; }
+  /// Changes do not reach the parse of predefines that were loaded.
+  WString& predefines() override {
+    if (predefinesLoaded_) predefineSnippet();
+    return predefines_;
+  }
   const Set<UString>& languages() const override { return languages_; }
   Set<UString>& languages() override { return languages_; }
   void setLOD(float lod) override { lod_ = lod; }
@@ -133,8 +137,9 @@ private:
   Map<WString, Array<BuiltinFunction>> shaderFunctions_;
   RefPtr<ITextParameterList> functionParameters_;
   Array<std::shared_ptr<const WString>> viewedTexts_;  // texts that the built-in calls above view
-  mutable CodeSnippet predefineSnippet_;
-  mutable KeywordReplacePattern defaultShaderReplacePattern_;
+  bool predefinesLoaded_ = false;
+  mutable std::unique_ptr<CodeSnippet> predefineSnippet_;                       // null until asked for
+  mutable std::unique_ptr<KeywordReplacePattern> defaultShaderReplacePattern_;  // null until asked for
   mutable std::mutex lazyMutex_;
   mutable std::atomic<bool> predefinesParsed_{false};
   mutable std::atomic<bool> defaultShaderPatternBuilt_{false};

@@ -26,36 +26,37 @@ enum class EShaderSymbolType : std::uint32_t {
   technique = 4,
 };
 
-/// One symbol. Its views point into the text it was parsed from, whose owner outlives it. Parsing never
-/// throws: what is not recognised is consumed by at least one character and leaves the symbol empty.
+/// One symbol. Its views point into the text it was parsed from, whose owner outlives it. A copy has its key
+/// as a text of its own, which stays when that text is gone. Parsing never throws: what is not recognised is
+/// consumed by at least one character and leaves the symbol empty. Views handed in may be those of the symbol
+/// itself.
 class SFG_API ShaderSymbol {
 public:
   ShaderSymbol() = default;
-  ShaderSymbol(const ShaderSymbol&) = default;
-  ShaderSymbol& operator=(const ShaderSymbol&) = default;
+  ShaderSymbol(const ShaderSymbol& other);
+  ShaderSymbol& operator=(const ShaderSymbol& other);
   ShaderSymbol(ShaderSymbol&&) noexcept = default;
   ShaderSymbol& operator=(ShaderSymbol&&) noexcept = default;
   virtual ~ShaderSymbol();
   virtual void clear();
 
   /// Parses the next symbol at or after `pos`; true when `s` now holds one.
-  static bool findFirstSymbol(ShaderSymbol& s, const ScopedText& text, std::size_t& pos);
+  static bool findFirstSymbol(ShaderSymbol& s, ScopedText text, std::size_t& pos);
   /// The same from the start of `text`, which then starts behind everything consumed. True when anything was
   /// consumed, recognised or not: test getRange() for emptiness.
   static bool findFirstSymbol(ShaderSymbol& s, ScopedText& text);
 
-  void constructFunction(const ScopedText& returnType, const ScopedText& name, const ScopedText& parameters,
-                         const ScopedText& body);
-  /// The same for a body that is known to hold nothing to collect.
-  void constructPlainFunction(const ScopedText& returnType, const ScopedText& name,
-                              const ScopedText& parameters, const ScopedText& body);
+  void constructFunction(ScopedText returnType, ScopedText name, ScopedText parameters, ScopedText body);
+  /// Takes the parts of one function as they are parsed, with a body that is known to hold nothing to
+  /// collect.
+  void constructPlainFunction(ScopedText returnType, ScopedText name, ScopedText parameters, ScopedText body);
   /// The body is not looked at.
-  void constructStruct(const ScopedText& name, const ScopedText& body, const ScopedText& range);
-  void constructTechnique(const ScopedText& name, const ScopedText& range);
-  void constructUniform(const ScopedText& name, const ScopedText& range);
+  void constructStruct(ScopedText name, ScopedText body, ScopedText range);
+  void constructTechnique(ScopedText name, ScopedText range);
+  void constructUniform(ScopedText name, ScopedText range);
 
   /// Collects the state variables and built-in calls of a body; the shader-function array is appended to.
-  void parseKeywords(const ScopedText& body);
+  void parseKeywords(ScopedText body);
 
   EShaderSymbolType getType() const noexcept { return type_; }
   /// "Unknown Symbol", "struct", "uniform", "function" or "technique".
@@ -67,8 +68,12 @@ public:
   const WString& getKey() const { return key_.isPending() ? makeKey() : key_.text; }
   /// Whether getKey() answers a text, without making it.
   bool hasKey() const noexcept { return key_.isPending() || !key_.text.empty(); }
-  /// A text that is equal for two keyed symbols exactly when their keys are, and that is at hand: a
-  /// function's whole text, any other's key.
+  /// Whether the key was not found by parsing: it was set, or the symbol was put together by hand or is a
+  /// copy of a parsed function. Whether such a symbol is the same as another is told by their keys alone.
+  bool hasOwnKey() const noexcept { return hasOwnKey_; }
+  /// A text that is at hand without making a key: a parsed function's whole text, any other's key. Of two
+  /// keyed symbols of which neither has a key of its own, it is equal exactly when the keys are. When
+  /// either has, compare getKey() instead, for which a function's may have to be made.
   std::wstring_view getIdentity() const noexcept {
     return keyedText_.empty() ? std::wstring_view(key_.text) : keyedText_.view();
   }
@@ -94,20 +99,13 @@ protected:
   void zeroThis() noexcept { type_ = EShaderSymbolType::unknown; }
 
 private:
-  /// A key, or the promise of one. Whoever is handed a copy of a promise makes the text for itself.
+  /// A key, or the promise of one.
   struct Key {
     WString text;
     std::atomic<bool> pending{false};
 
     Key() = default;
-    Key(const Key& other) { *this = other; }
     Key(Key&& other) noexcept : text(std::move(other.text)), pending(other.isPending()) {}
-    Key& operator=(const Key& other) {
-      const bool isPromise = other.isPending();
-      text = isPromise ? WString() : other.text;
-      pending.store(isPromise, std::memory_order_relaxed);
-      return *this;
-    }
     Key& operator=(Key&& other) noexcept {
       text = std::move(other.text);
       pending.store(other.isPending(), std::memory_order_relaxed);
@@ -119,7 +117,10 @@ private:
 
   const WString& makeKey() const;
 
+  static bool parseFirstSymbol(ShaderSymbol& s, const ScopedText& text, std::size_t& pos);
+
   EShaderSymbolType type_ = EShaderSymbolType::unknown;
+  bool hasOwnKey_ = false;
   mutable Key key_;
   ScopedText keyedText_;  // a function as it was parsed: what its key is made of
   std::size_t signatureLength_ = 0;
@@ -144,7 +145,10 @@ public:
   const WString& getInstanceKey() const;
   /// Whether getInstanceKey() answers a text, without making it.
   bool hasInstanceKey() const { return symbol_ != nullptr && (symbol_->hasKey() || !renames_.empty()); }
-  /// Together equal exactly when the instance keys are: see ShaderSymbol::getIdentity, and the renames.
+  /// See ShaderSymbol::hasOwnKey. When it holds for either of two, they are compared by getInstanceKey().
+  bool hasOwnKey() const { return symbol_ != nullptr && symbol_->hasOwnKey(); }
+  /// Else getIdentity() and getRenames() are together equal exactly when the instance keys are: see
+  /// ShaderSymbol::getIdentity.
   std::wstring_view getIdentity() const {
     return symbol_ == nullptr ? std::wstring_view() : symbol_->getIdentity();
   }

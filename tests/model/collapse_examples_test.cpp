@@ -232,6 +232,101 @@ constexpr const char* kLateShaderInput = "void f1(\n"
                                          "result outputs:\n"
                                          "shader inputs:\n";
 
+/// The second light's profile calls an input, a sampler, that the first light's profile reads; by then the
+/// uniforms are written.
+void fillLaterShaderInput(TestScene& scene) {
+  const auto late = test::loadFragment(
+      L"late",
+      test::profilesJson(
+          {test::functionJson(L"void plain(float a, out float r)\n{\nr = sfg_currentLight.x;\n}"),
+           test::namedFunctionJson(
+               L"PointLight",
+               L"void call(float a, out float r)\n{\nsfg_shader(a, r, r);\nr = sfg_currentLight.x;\n}")}));
+  AShaderFragment* called = scene.addFunction(L"n0", L"void f(out float r)\n{\nr = 1;\n}");
+  AShaderFragment* caller = scene.addWithPorts(*late, L"n1", {test::parameter(TypeID_sampler2D, L"a")},
+                                               {test::parameter(TypeID_float, L"r")});
+  caller->setInputConnection(L"a", called, L"r");
+  scene.output(L"color", TypeID_float, caller);
+  scene.addLight(L"l0", test::functionJson(L"void lit(out Light r)\n{\nr.x = 1;\n}"));
+  scene.addLight(L"l1", test::namedFunctionJson(L"PointLight", L"void lit(out Light r)\n{\nr.x = 2;\n}"));
+}
+
+constexpr const char* kLaterShaderInput =
+    "void lit1(\n"
+    "    out Light r)\n"
+    "{\n"
+    "\tr.x = 1;\n"
+    "}\n"
+    "void f1(\n"
+    "    out float r)\n"
+    "{\n"
+    "\tr = 1;\n"
+    "}\n"
+    "void plain1(\n"
+    "    float a,\n"
+    "    default result_l0_01,\n"
+    "    out float r)\n"
+    "{\n"
+    "\tr = result_l0_01.x;\n"
+    "}\n"
+    "void lit11(\n"
+    "    out Light r)\n"
+    "{\n"
+    "\tr.x = 2;\n"
+    "}\n"
+    "void call2(\n"
+    "    float a,\n"
+    "    PointLight result_l1_01,\n"
+    "    out float r)\n"
+    "{\n"
+    "\t    f1(\n"
+    "        r);\n"
+    ";\n"
+    "\tr = result_l1_01.x;\n"
+    "}\n"
+    "-- AccumulatedLitSurface\n"
+    "    float accumulate_n1_r = 0.0;\n"
+    "    // ------------------------------------------------------------ \n"
+    "    // Light 0 \n"
+    "    // ------------------------------------------------------------ \n"
+    "    Light result_l0_01;\n"
+    "    lit1(\n"
+    "        result_l0_01);\n"
+    "    float result_n1_01;\n"
+    "    float result_n0_01;\n"
+    "    f1(\n"
+    "        result_n0_01);\n"
+    "    plain1(\n"
+    "        result_n0_01,\n"
+    "        result_l0_01,\n"
+    "        result_n1_01);\n"
+    "    accumulate_n1_r += result_n1_01;\n"
+    "    // ------------------------------------------------------------ \n"
+    "    // Light 1 \n"
+    "    // ------------------------------------------------------------ \n"
+    "    Light result_l1_01;\n"
+    "    lit11(\n"
+    "        result_l1_01);\n"
+    "    float result_n1_02;\n"
+    "    call2(\n"
+    "        sfg_make_sampler2D(an1, sampler_an1),\n"
+    "        result_l1_01,\n"
+    "        result_n1_02);\n"
+    "    accumulate_n1_r += result_n1_02;\n"
+    "    output_0 = accumulate_n1_r;\n"
+    "--\n"
+    "inputs:\n"
+    "outputs: float|output_0\n"
+    "profile: default 100.000000\n"
+    "languages: dx11\n"
+    "includes: sfg_samplers.h\n"
+    "state:\n"
+    "custom state:\n"
+    "result uniforms: sampler2D/an1\n"
+    "result inputs:\n"
+    "result outputs: float/color\n"
+    "shader inputs:\n";
+
 // ---- Outputs of the default collapse
 
 void fillTwoOutputs(TestScene& scene) {
@@ -318,6 +413,8 @@ INSTANTIATE_TEST_SUITE_P(
         Example{"EachUseOfABlockHasItsVariable", ToolKind::byDefault, fillTwoUses, kTwoUsesText.c_str()},
         Example{"CommentsAreNoBlocks", ToolKind::byDefault, fillUsesInComments, kUsesInCommentsText.c_str()},
         Example{"LateShaderInputsAreMade", ToolKind::byDefault, fillLateShaderInput, kLateShaderInput},
+        Example{"LateShaderInputsFollowWrittenUniforms", ToolKind::lightLoop, fillLaterShaderInput,
+                kLaterShaderInput},
         Example{"OutputsOfOneFragmentOutputAreAssigned", ToolKind::byDefault, fillTwoOutputs, kTwoOutputs},
         Example{"ExpressionsAreAssigned", ToolKind::byDefault, fillExpressionOutputs, kExpressionOutputs},
         Example{"ExpressionsHaveOneOutput", ToolKind::byDefault, fillSecondOutputOfAnExpression,

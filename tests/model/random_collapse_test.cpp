@@ -69,6 +69,39 @@ TEST_P(RandomCollapse, WritesWhatTheModelWrites) {
   EXPECT_GE(texts_, kSeedsOfAShare / 2);
 }
 
+// ---- Light-and-shadow blocks
+
+/// A MetaSL function whose body holds the pieces that `number` spells in base three.
+std::wstring bodyOf(std::size_t number, std::size_t length) {
+  const wchar_t* const pieces[] = {L"TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN ",
+                                   L"TOLM_VESSOR_LIGHT_AND_SHADOW_END ", L"x = TOLM_SCENE_LIGHTING(); "};
+  std::wstring body;
+  for (std::size_t i = 0; i < length; ++i, number /= 3) body += pieces[number % 3];
+  return body;
+}
+
+TEST(LightBlocks, ExpandAsTheModelExpandsThem) {
+  constexpr std::size_t kLength = 5;
+  constexpr std::size_t kBodies = 3 * 3 * 3 * 3 * 3;
+  std::size_t expanded = 0;
+  for (std::size_t number = 0; number < kBodies; ++number) {
+    for (std::size_t lights = 0; lights < 3; ++lights) {
+      test::TestScene scene;
+      const WString json =
+          LR"~({"mode":"metaSL","language":["dx11"],"implementation":["void f(out float r)","{",")~" +
+          WString(bodyOf(number, kLength)) + LR"~(","}"]})~";
+      AShaderFragment* fragment = scene.add(*test::loadFragment(L"f", json), L"n0");
+      scene.output(L"color", TypeID_float, fragment);
+      for (std::size_t i = 0; i < lights; ++i)
+        scene.addLight(i == 0 ? L"a" : L"b", test::functionJson(L"void light(out float r)\n{\n}"));
+      const std::string text = model::collapseByModel(ToolKind::byDefault, scene);
+      EXPECT_EQ(model::collapseReally(ToolKind::byDefault, scene), text);
+      expanded += isText(text) ? 1 : 0;
+    }
+  }
+  EXPECT_GT(expanded, kBodies / 3);
+}
+
 // ---- What the scenes hold
 
 struct Expected {

@@ -22,7 +22,7 @@ allow() {
 generator='sfg|tolmsdk'
 allow include "$generator"
 allow platform/include 'tolmsdk'
-allow platform 'tolmsdk|platform|nlohmann|openssl|unicode'
+allow platform 'tolmsdk|platform|nlohmann|rapidjson|openssl|unicode'
 allow text "$generator|text"
 allow profiles "$generator|text|profiles"
 allow fragments "$generator|text|profiles|fragments"

@@ -62,6 +62,10 @@ public:
   /// Compact JSON: no blanks, members in file order, numbers and strings in one form for equal values. Stable
   /// for equal documents.
   virtual WString toText() const = 0;
+
+  /// The UTF-8 of a string's text, valid as long as the document; empty for anything else. For who looks the
+  /// text up and need not keep it: asString() makes a wide text that stays with the document.
+  virtual std::string_view asUtf8() const = 0;
 };
 
 /// An empty root (a null node) with a reference count of zero.

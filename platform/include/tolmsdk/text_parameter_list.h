@@ -8,6 +8,7 @@
 #include "tolmsdk/export.h"
 #include "tolmsdk/ref_object.h"
 #include "tolmsdk/types.h"
+#include "tolmsdk/ustring.h"
 
 namespace TolmSDK::Graphics {
 
@@ -50,10 +51,10 @@ public:
   ~ATextParameterList() override;
 
   std::size_t getNumInputs() const override { return inputs_.size(); }
-  const WString& getInputType(std::size_t index) const override { return inputs_[index].type; }
+  const WString& getInputType(std::size_t index) const override { return inputs_[index].type.str(); }
   const WString& getInputName(std::size_t index) const override { return inputs_[index].name; }
   std::size_t getNumOutputs() const override { return outputs_.size(); }
-  const WString& getOutputType(std::size_t index) const override { return outputs_[index].type; }
+  const WString& getOutputType(std::size_t index) const override { return outputs_[index].type.str(); }
   const WString& getOutputName(std::size_t index) const override { return outputs_[index].name; }
 
   void addInput(std::wstring_view type, std::wstring_view name) override;
@@ -64,7 +65,7 @@ public:
 
 private:
   struct Item {
-    WString type;
+    UString type;  // few texts, in many lists
     WString name;
   };
   Array<Item> inputs_;
