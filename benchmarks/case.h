@@ -27,14 +27,17 @@ struct Work {
   /// Characters written or read by a round; 0: as many as the text has.
   double characters = 0;
   std::size_t fragments = 0;
-  /// Measures in a way of its own; the members above are then not used.
-  std::function<Figures()> measure = {};
+  /// What counts is the gain of a second thread, for the round and for the reference: both are called by one
+  /// thread and by two at a time.
+  bool inTwoThreads = false;
 };
 
 struct Case {
   std::string name;
   std::vector<std::size_t> sizes;  ///< ascending; {0} for a case without sizes
   std::function<Work(std::size_t)> make;
+  /// Needs gigabytes and a minute: runs when asked for, without bounds.
+  bool isLarge = false;
 };
 
 /// Every case, in the order of the report. The example materials are there when the working folder is the

@@ -1,73 +1,24 @@
 // The table of cases.
 
-#include <algorithm>
-#include <chrono>
 #include <functional>
-#include <thread>
 #include <utility>
 
 #include "benchmarks/case.h"
 #include "benchmarks/file_cases.h"
 #include "benchmarks/graph_cases.h"
-#include "benchmarks/stopwatch.h"
 #include "benchmarks/text_cases.h"
 
 namespace TolmSDK::Graphics::sfg::benchmarks {
 
 namespace {
 
-struct Seconds {
-  double processor = 0;  ///< of the thread that took most
-  double wall = 0;       ///< from the start of the first thread to the end of the last
-};
-
-/// What `work` takes in each of `threads` threads at a time.
-Seconds measureThreads(const std::function<void()>& work, std::size_t threads) {
-  std::vector<double> processor(threads);
-  std::vector<std::thread> running;
-  const auto start = std::chrono::steady_clock::now();
-  for (double& own : processor) {
-    running.emplace_back([&work, &own] { own = secondsOf(work); });
-  }
-  for (std::thread& thread : running) thread.join();
-  const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
-  return {*std::max_element(processor.begin(), processor.end()), wall.count()};
-}
-
-/// Work of two threads at a time in terms of the work of one: 2 at best.
-struct Gain {
-  double processor = 0;
-  double wall = 0;
-
-  /// Keeps the better one of several rounds.
-  void measure(const std::function<void()>& work) {
-    const Seconds one = measureThreads(work, 1);
-    const Seconds two = measureThreads(work, 2);
-    processor = std::max(processor, 2.0 * one.processor / two.processor);
-    wall = std::max(wall, 2.0 * one.wall / two.wall);
-  }
-};
-
-/// Two threads, each with tools of its own, over one graph; beside two loops that share nothing.
+/// Threads with tools of their own over one graph, beside loops that share nothing.
 Work twoThreads(std::size_t) {
-  Work work;
-  work.measure = [] {
-    const GraphCase graphCase = makeFunctions(1000);
-    Gain gain;
-    Gain plainGain;
-    for (int round = 0; round < 3; ++round) {
-      gain.measure([&] {
-        for (int i = 0; i < 50; ++i) collapse(graphCase);
-      });
-      plainGain.measure([] {
-        volatile unsigned value = 1;
-        for (int i = 0; i < 100'000'000; ++i) value = value * 1664525u + 1013904223u;
-      });
-    }
-    return Figures{{"gain", gain.processor},
-                   {"wallGain", gain.wall},
-                   {"plainGain", plainGain.processor},
-                   {"plainWallGain", plainGain.wall}};
+  Work work = collapseWork(makeFunctions(1000));
+  work.inTwoThreads = true;
+  work.reference = [] {
+    volatile unsigned value = 1;
+    for (int i = 0; i < 1'000'000; ++i) value = value * 1664525u + 1013904223u;
   };
   return work;
 }
@@ -112,6 +63,12 @@ std::vector<Case> makeCases() {
   add("load standard", 0, loadStandardLibrary);
   add("load generated", 10'000, loadGeneratedLibrary);
   add("build graph", 100'000, buildHostGraph);
+  add("read graph", 100'000, readGraph);
+  const auto addLarge = [&](const char* name, Work (*make)(std::size_t)) {
+    cases.push_back({name, {1'000'000}, make, true});
+  };
+  addLarge("unused nodes", buildUnusedNodes);
+  addLarge("large library", loadLargeLibrary);
   add("replacer", 1'000'000, replaceKeywords);
   add("symbol parser", 1'000'000, parseSymbols);
 

@@ -37,9 +37,10 @@ public:
   Folder& operator=(const Folder&) = delete;
 
   const std::filesystem::path& path() const { return path_; }
-  std::string write(const std::string& name, const Json& json) const {
+  /// Answers the file's path.
+  std::string write(const std::string& name, const std::string& text) const {
     const std::filesystem::path file = path_ / name;
-    std::ofstream(file) << json.dump(1);
+    std::ofstream(file, std::ios::binary) << text;
     return file.string();
   }
 
@@ -55,12 +56,13 @@ struct Files {
 
 std::shared_ptr<const Files> writeFiles(const Json& library, const Json& graph, const Json& lights = {}) {
   auto files = std::make_shared<Files>();
-  files->folder.write("generated.fraglib", library);
+  files->folder.write("generated.fraglib", library.dump(1));
   files->settings.libraryFolders = {files->folder.path().string()};
-  files->settings.graphFile = files->folder.write("graph.json", graph);
+  files->settings.graphFile = files->folder.write("graph.json", graph.dump(1));
   if (!lights.empty()) {
     files->settings.tool = host::CollapseTool::lightLoop;
-    files->settings.environmentFile = files->folder.write("environment.json", {{"lights", lights}});
+    files->settings.environmentFile =
+        files->folder.write("environment.json", Json{{"lights", lights}}.dump(1));
   }
   return files;
 }
@@ -69,10 +71,11 @@ Json functionOf(const std::string& prototype, const std::string& body) {
   return {{"language", {"dx11"}}, {"implementation", {prototype, "{", body, "}"}}};
 }
 
-/// A library object of `layer0`, `layer1`, .., each a function with a helper and a uniform of its own.
-Json layerLibrary(std::size_t count) {
+/// A library object of `layer0`, `layer1`, .. (or from another number on), each a function with a helper and
+/// a uniform of its own.
+Json layerLibrary(std::size_t count, std::size_t first = 0) {
   Json library = Json::object();
-  for (std::size_t i = 0; i < count; ++i) {
+  for (std::size_t i = first; i < first + count; ++i) {
     const std::string number = std::to_string(i);
     Json layer = functionOf("void layer" + number + "(float3 previous, float gain, out float3 result)",
                             "  result = previous * tint" + number + " * curve" + number + "(gain, 2.0);");
@@ -164,6 +167,34 @@ Work loadFolder(const std::filesystem::path& folder) {
   return work;
 }
 
+/// Whose one fragment the graphs of graphText() use.
+class StepLanguage {
+public:
+  StepLanguage() {
+    library_.addFragment(L"step", L"void step(float previous, float gain, out float result)",
+                         L"\tresult = previous * gain;\n", nullptr, 0);
+  }
+  const ILanguageTraits& traits() const { return *traits_; }
+
+private:
+  FragmentLibrary library_;
+  RefPtr<host::LanguageDx11> traits_ = makeRef<host::LanguageDx11>(&library_);
+};
+
+/// A graph of `count` nodes of one fragment, each with a value of its own; wired as a chain, or not at all.
+std::string graphText(std::size_t count, bool isWired) {
+  std::string text = "{\n  \"nodes\": [\n";
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::string number = std::to_string(i);
+    text += "    { \"name\": \"n" + number + R"(", "fragment": "step", "inputs": { )";
+    if (isWired && i != 0) {
+      text += R"("previous": { "node": "n)" + std::to_string(i - 1) + R"(", "output": "result" }, )";
+    }
+    text += R"("gain": { "value": 0.)" + number + (i + 1 < count ? " } } },\n" : " } } }\n");
+  }
+  return text + "  ]\n}\n";
+}
+
 /// A chain of a host's own nodes.
 class ChainNode : public RefCounted<INodeAccessor> {
 public:
@@ -246,6 +277,52 @@ Work loadGeneratedLibrary(std::size_t fragments) {
   const auto files = writeFiles(layerLibrary(fragments), Json::object());
   Work work = loadFolder(files->folder.path());
   work.round = [files, round = work.round] { round(); };
+  return work;
+}
+
+Work readGraph(std::size_t nodes) {
+  const auto text = std::make_shared<const std::string>(graphText(nodes, true));
+  const auto folder = std::make_shared<const Folder>();
+  const auto step = std::make_shared<const StepLanguage>();
+  Work work;
+  work.round = [folder, step, file = folder->write("graph.json", *text)] {
+    host::loadGraphDocument(file, step->traits());
+  };
+  work.reference = [text] { [[maybe_unused]] const auto parsed = nlohmann::json::parse(*text); };
+  work.characters = static_cast<double>(text->size());
+  work.fragments = nodes;
+  return work;
+}
+
+Work buildUnusedNodes(std::size_t nodes) {
+  const std::string text = graphText(nodes, false);
+  const auto folder = std::make_shared<const Folder>();
+  const auto step = std::make_shared<const StepLanguage>();
+  Work work;
+  work.round = [folder, step, file = folder->write("graph.json", text)] {
+    const auto document = host::loadGraphDocument(file, step->traits());
+    host::buildGraph(*document, step->traits());
+  };
+  work.characters = static_cast<double>(text.size());
+  work.fragments = nodes;
+  return work;
+}
+
+Work loadLargeLibrary(std::size_t fragments) {
+  constexpr std::size_t kFragmentsPerFile = 1000;
+  const auto folder = std::make_shared<const Folder>();
+  Work work;
+  for (std::size_t first = 0; first < fragments; first += kFragmentsPerFile) {
+    const std::string text = layerLibrary(kFragmentsPerFile, first).dump(1);
+    folder->write(std::to_string(first) + ".fraglib", text);
+    work.characters += static_cast<double>(text.size());
+  }
+  work.round = [folder, last = formatted(L"layer%Iu", fragments - 1)] {
+    FragmentLibrary library;
+    library.loadFragments(fromUtf8(folder->path().string()).c_str());
+    if (library.acquireFragment(last.c_str()) == nullptr) throw std::runtime_error("a fragment is missing");
+  };
+  work.fragments = fragments;
   return work;
 }
 

@@ -20,6 +20,13 @@ Work makeExample(const std::filesystem::path& file);
 Work loadStandardLibrary(std::size_t);
 Work loadGeneratedLibrary(std::size_t fragments);
 
+/// A graph document of wired nodes is read, beside the JSON library's bare parse of the same bytes.
+Work readGraph(std::size_t nodes);
+/// A graph document of nodes that nothing uses is read and its graph built.
+Work buildUnusedNodes(std::size_t nodes);
+/// A library of files of 1,000 fragments each is loaded. `fragments` is a multiple of 1,000.
+Work loadLargeLibrary(std::size_t fragments);
+
 /// A graph of a host's own nodes is built.
 Work buildHostGraph(std::size_t nodes);
 

@@ -44,6 +44,7 @@ struct Options {
   std::string againstName = "before";
   int rounds = 3;
   bool smallest = false;
+  bool large = false;
   bool list = false;
   std::string measured;
   std::size_t size = 0;
@@ -55,12 +56,14 @@ void declare(CLI::App& app, Options& options) {
       ->type_name("REGEX");
   app.add_flag("--list", options.list, "print the names and stop");
   app.add_flag("--smallest", options.smallest, "only the smallest size of each case");
+  app.add_flag("--large", options.large, "also the cases that need gigabytes and a minute, without bounds");
   app.add_option("--malloc", options.allocators,
                  "the C library's allocator: as it is, keeping what is freed, or one after the other")
       ->check(CLI::IsMember({"default", "keep", "both"}))
       ->capture_default_str();
-  app.add_option("--time", options.settings.seconds, "least time of the rounds of one measurement")
+  app.add_option("--time", options.settings.seconds, "time of the repetitions of one measurement")
       ->type_name("SECONDS")
+      ->check(CLI::Range(1e-6, 100'000.0))
       ->capture_default_str();
   app.add_option("--limit", options.settings.limit,
                  "processor time after which a measurement stops, and with it its case")
@@ -163,7 +166,9 @@ int run(const Options& options) {
   if (!options.against.empty()) states.insert(states.begin(), {options.againstName, options.against});
   if (!options.list) printHeading(states.size() > 1);
   std::vector<Row> rows;
-  for (const Case& one : allCases()) measureCase(one, states, options, rows);
+  for (const Case& one : allCases()) {
+    if (options.large || !one.isLarge) measureCase(one, states, options, rows);
+  }
   if (options.list) return 0;
   printGrowth(rows);
 

@@ -10,7 +10,7 @@
 namespace TolmSDK::Graphics::sfg::benchmarks {
 
 struct MeasureSettings {
-  double seconds = 0.1;      ///< rounds are repeated until they took this long; three of less than a second
+  double seconds = 0.1;      ///< about what the measured repetitions take together; see measureWork()
   unsigned limit = 10;       ///< seconds of processor time after which a process stops
   bool keepsMemory = false;  ///< see keepFreedMemory()
 };
