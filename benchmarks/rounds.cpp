@@ -15,7 +15,6 @@
 
 #include "benchmarks/memory_meter.h"
 #include "benchmarks/yardstick.h"
-#include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg::benchmarks {
 
