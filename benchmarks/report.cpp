@@ -1,58 +1,117 @@
 #include "benchmarks/report.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
-#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
 
 namespace TolmSDK::Graphics::sfg::benchmarks {
 
 namespace {
 
-constexpr double kGrowthFrom = 1000;
+constexpr std::size_t kGrowthFrom = 1000;
 
-/// Families with sizes, each in order of size.
-std::map<std::string, std::vector<Measurement>> byFamily(const std::vector<Measurement>& measurements) {
-  std::map<std::string, std::vector<Measurement>> families;
-  for (const Measurement& measurement : measurements) {
-    if (measurement.size > 0) families[measurement.family].push_back(measurement);
+std::optional<double> find(const Outcome& outcome, const char* name) {
+  const auto found = outcome.figures.find(name);
+  return found != outcome.figures.end() ? std::optional(found->second) : std::nullopt;
+}
+
+std::optional<double> quotient(const Outcome& outcome, const char* name, const char* by) {
+  const std::optional<double> dividend = find(outcome, name);
+  const std::optional<double> divisor = find(outcome, by);
+  return dividend && divisor ? std::optional(*dividend / *divisor) : std::nullopt;
+}
+
+std::string text(const std::optional<double>& value, const char* format) {
+  char out[32];
+  std::snprintf(out, sizeof out, format, value.value_or(0.0));
+  return value ? out : "-";
+}
+
+/// A cell for each allocator, in one.
+template <class Value>
+std::string pairCell(const Row& row, const Value& value, const char* format) {
+  std::string cell;
+  for (const auto& [allocator, outcome] : row.outcomes) {
+    cell += (cell.empty() ? "" : " / ") + text(value(outcome), format);
   }
-  for (auto& [name, runs] : families) {
-    std::sort(runs.begin(), runs.end(), [](const auto& a, const auto& b) { return a.size < b.size; });
+  return cell;
+}
+
+/// What the first time is compared with: the yardstick, or the reference of work that writes no text.
+std::optional<double> ratio(const Outcome& outcome, const char* name) {
+  const std::optional<double> toYardstick = quotient(outcome, name, "yardstick");
+  return toYardstick ? toYardstick : quotient(outcome, name, "reference");
+}
+
+/// Rows of one case and state with figures, in order of size.
+struct Family {
+  std::string title;
+  std::vector<Row> rows;
+  std::string stopped;  ///< why there are no more
+};
+
+std::vector<Family> families(const std::vector<Row>& rows) {
+  std::vector<Family> families;
+  std::map<std::string, std::size_t> indexes;
+  for (const Row& row : rows) {
+    if (row.size == 0 || row.failed()) continue;
+    const std::string title = row.state.empty() ? row.caseName : row.caseName + ", " + row.state;
+    const auto [found, isNew] = indexes.try_emplace(title, families.size());
+    if (isNew) families.push_back({title, {}, {}});
+    Family& family = families[found->second];
+    if (!row.stopped()) {
+      family.rows.push_back(row);
+    } else {
+      for (const auto& [allocator, outcome] : row.outcomes) {
+        if (!outcome.stopped.empty()) family.stopped = std::to_string(row.size) + ": " + outcome.stopped;
+      }
+    }
   }
   return families;
 }
 
-Measurement measurementOf(const benchmark::BenchmarkReporter::Run& run) {
-  Measurement measurement;
-  const std::string& arguments = run.run_name.args;
-  measurement.family = run.run_name.function_name;
-  if (!arguments.empty()) measurement.size = std::stod(arguments);
-  measurement.seconds =
-      run.real_accumulated_time / static_cast<double>(std::max<benchmark::IterationCount>(run.iterations, 1));
-  measurement.counters = run.counters;
-  return measurement;
+/// Exponent of a figure's growth with `by`, or with N without it.
+std::optional<double> exponent(const Row& small, const Row& large, const std::string& allocator,
+                               const char* name, const char* by = nullptr) {
+  const Outcome& from = small.outcomes.at(allocator);
+  const Outcome& to = large.outcomes.at(allocator);
+  const std::optional<double> start = find(from, name);
+  const std::optional<double> end = find(to, name);
+  if (!start || !end) return std::nullopt;
+  double factor = static_cast<double>(large.size) / static_cast<double>(small.size);
+  if (by != nullptr) {
+    if (!find(from, by)) return std::nullopt;
+    factor = *find(to, by) / *find(from, by);
+  }
+  return factor > 1 ? std::optional(std::log(*end / *start) / std::log(factor)) : std::nullopt;
 }
 
-std::string cell(const benchmark::UserCounters& counters, const char* name, const char* format) {
-  const auto found = counters.find(name);
-  if (found == counters.end()) return "-";
-  char text[32];
-  std::snprintf(text, sizeof text, format, static_cast<double>(found->second));
-  return text;
-}
-
-/// A counter that holds seconds; the mean time of a case without it.
-double secondsOf(const Measurement& measurement, const char* counter) {
-  const auto found = measurement.counters.find(counter);
-  return found != measurement.counters.end() ? static_cast<double>(found->second) : measurement.seconds;
-}
-
-/// Two gains, by processor time and by the clock on the wall.
-std::string pairCell(const benchmark::UserCounters& counters, const char* processor, const char* wall) {
-  if (!counters.contains(processor)) return "-";
-  return cell(counters, processor, "%.2f") + " / " + cell(counters, wall, "%.2f");
+void printGrowth(const Family& family) {
+  const std::vector<Row>& rows = family.rows;
+  const Row& last = rows.back();
+  // From the first size that is no longer lost in fixed costs; the last step where all are smaller.
+  auto from = std::find_if(rows.begin(), rows.end(), [](const Row& row) { return row.size >= kGrowthFrom; });
+  if (rows.end() - from < 2) from = rows.end() - 2;
+  std::string steps;
+  for (std::size_t i = 1; i < rows.size(); ++i) {
+    const std::string& allocator = last.outcomes.begin()->first;
+    steps += text(exponent(rows[i - 1], rows[i], allocator, "best"), "%5.2f ");
+  }
+  const auto overall = [&](const char* name, const char* by = nullptr) {
+    std::string cell;
+    for (const auto& [allocator, outcome] : last.outcomes) {
+      cell += (cell.empty() ? "" : " / ") + text(exponent(*from, last, allocator, name, by), "%.2f");
+    }
+    return cell;
+  };
+  std::printf("%-24s %6zu .. %7zu  %-31s %11s %13s %11s %11s  %s\n", family.title.c_str(), from->size,
+              last.size, steps.c_str(), overall("best").c_str(), overall("best", "characters").c_str(),
+              overall("yardstick").c_str(), overall("emitter").c_str(), family.stopped.c_str());
 }
 
 /// Maps values to a logarithmic axis of a given length.
@@ -74,7 +133,7 @@ private:
   double to_;
 };
 
-constexpr double kWidth = 900, kHeight = 560, kLeft = 80, kRight = 700, kTop = 30, kBottom = 500;
+constexpr double kWidth = 960, kHeight = 1000, kLeft = 80, kRight = 700, kTop = 30, kBottom = 940;
 
 std::string durationText(int decade) {
   static const char* const kTexts[] = {"1 ns", "10 ns", "100 ns", "1 µs", "10 µs", "100 µs",
@@ -104,65 +163,120 @@ void writeGrid(std::ostream& out, const LogAxis& sizes, const LogAxis& times) {
 
 }  // namespace
 
-bool TableReporter::ReportContext(const Context&) {
-  std::printf("%-18s %8s %12s %7s %7s %10s %7s %7s %6s %11s %11s\n", "case", "N", "time", "ratio", "first",
-              "characters", "B/char", "allocs", "share", "gain", "plain");
-  return true;
+bool Row::failed() const {
+  return std::any_of(outcomes.begin(), outcomes.end(),
+                     [](const auto& one) { return !one.second.failed.empty(); });
 }
 
-void TableReporter::ReportRuns(const std::vector<Run>& runs) {
-  for (const Run& run : runs) {
-    if (run.error_occurred) {
-      std::printf("%-18s failed: %s\n", run.benchmark_name().c_str(), run.error_message.c_str());
-      anyFailed_ = true;
-      continue;
+double growthExponent(const Row& small, const Row& large) {
+  return exponent(small, large, large.outcomes.begin()->first, "best").value_or(1.0);
+}
+
+bool Row::stopped() const {
+  return std::any_of(outcomes.begin(), outcomes.end(),
+                     [](const auto& one) { return !one.second.stopped.empty(); });
+}
+
+void printHeading(bool hasStates) {
+  std::printf("%-18s %7s ", "case", "N");
+  if (hasStates) std::printf("%-10s ", "state");
+  std::printf("%21s %13s %13s %13s %11s %6s %8s %13s %13s\n", "time, ms", "copy", "emit", "first",
+              "characters", "B/char", "allocs", "gain", "plain");
+}
+
+void printRow(const Row& row, bool hasStates) {
+  std::printf("%-18s %7zu ", row.caseName.c_str(), row.size);
+  if (hasStates) std::printf("%-10s ", row.state.c_str());
+  for (const auto& [allocator, outcome] : row.outcomes) {
+    if (outcome.figures.empty()) {
+      std::printf("%s: %s%s\n", outcome.failed.empty() ? "stopped" : "failed", outcome.stopped.c_str(),
+                  outcome.failed.c_str());
+      std::fflush(stdout);
+      return;
     }
-    const Measurement row = measurementOf(run);
-    std::printf("%-18s %8.0f %9.3f ms %7s %7s %10s %7s %7s %6s %11s %11s\n", row.family.c_str(), row.size,
-                row.seconds * 1e3, cell(row.counters, "ratio", "%.2f").c_str(),
-                cell(row.counters, "first", "%.2f").c_str(), cell(row.counters, "characters", "%.0f").c_str(),
-                cell(row.counters, "bytesPerChar", "%.1f").c_str(),
-                cell(row.counters, "allocsPerFragment", "%.1f").c_str(),
-                cell(row.counters, "share", "%.2f").c_str(),
-                pairCell(row.counters, "gain", "wallGain").c_str(),
-                pairCell(row.counters, "plainGain", "plainWallGain").c_str());
-    std::fflush(stdout);
-    measurements_.push_back(row);
   }
+  const auto figure = [](const char* name) {
+    return [name](const Outcome& outcome) { return find(outcome, name); };
+  };
+  const auto ratioOf = [](const char* name) {
+    return [name](const Outcome& outcome) { return ratio(outcome, name); };
+  };
+  const auto milliseconds = [](const Outcome& outcome) {
+    const std::optional<double> best = find(outcome, "best");
+    return best ? std::optional(*best * 1e3) : std::nullopt;
+  };
+  const auto toEmitter = [](const Outcome& outcome) { return quotient(outcome, "best", "emitter"); };
+  const Outcome& first = row.outcomes.begin()->second;
+  const auto threads = [&](const char* processor, const char* wall) {
+    return find(first, processor)
+               ? text(find(first, processor), "%.2f") + " / " + text(find(first, wall), "%.2f")
+               : "-";
+  };
+  std::printf("%21s %13s %13s %13s %11s %6s %8s %13s %13s\n", pairCell(row, milliseconds, "%.3f").c_str(),
+              pairCell(row, ratioOf("best"), "%.2f").c_str(), pairCell(row, toEmitter, "%.2f").c_str(),
+              pairCell(row, ratioOf("first"), "%.2f").c_str(),
+              text(figure("characters")(first), "%.0f").c_str(),
+              text(figure("bytesPerChar")(first), "%.1f").c_str(),
+              text(figure("allocsPerFragment")(first), "%.1f").c_str(), threads("gain", "wallGain").c_str(),
+              threads("plainGain", "plainWallGain").c_str());
+  std::fflush(stdout);
 }
 
-void TableReporter::Finalize() {
+void printComparison(const Row& before, const Row& now) {
+  const Outcome missing;
+  std::string cell;
+  for (const auto& [allocator, outcome] : now.outcomes) {
+    const auto found = before.outcomes.find(allocator);
+    const std::optional<double> from = find(found != before.outcomes.end() ? found->second : missing, "best");
+    const std::optional<double> to = find(outcome, "best");
+    cell +=
+        (cell.empty() ? "" : " / ") + text(from && to ? std::optional(*to / *from) : std::nullopt, "%.3f");
+  }
+  std::printf("%-18s %7zu %-10s %21s\n", now.caseName.c_str(), now.size, "now/before", cell.c_str());
+}
+
+void printGrowth(const std::vector<Row>& rows) {
   bool headed = false;
-  for (const auto& [name, runs] : byFamily(measurements_)) {
-    const auto from =
-        std::find_if(runs.begin(), runs.end(), [](const auto& run) { return run.size >= kGrowthFrom; });
-    if (from == runs.end() || from->size == runs.back().size) continue;
-    if (!headed) std::printf("\ngrowth (1 is linear)\n");
+  for (const Family& family : families(rows)) {
+    if (family.rows.size() < 2) continue;
+    if (!headed) {
+      std::printf("\n%-24s %17s  %-31s %11s %13s %11s %11s  %s\n", "growth (1 is linear)", "from .. to",
+                  "from size to size", "time", "by characters", "copy", "emit", "stopped at");
+    }
     headed = true;
-    std::printf("%-18s %6.0f .. %6.0f: %.3f", name.c_str(), from->size, runs.back().size,
-                growthExponent(*from, runs.back(), "best"));
-    if (from->counters.contains("yardstick"))
-      std::printf("   yardstick %.3f", growthExponent(*from, runs.back(), "yardstick"));
-    std::printf("\n");
+    printGrowth(family);
   }
 }
 
-double growthExponent(const Measurement& small, const Measurement& large, const char* counter) {
-  return std::log(secondsOf(large, counter) / secondsOf(small, counter)) / std::log(large.size / small.size);
+bool writeJson(const std::string& file, const std::vector<Row>& rows) {
+  nlohmann::ordered_json all = nlohmann::ordered_json::array();
+  for (const Row& row : rows) {
+    for (const auto& [allocator, outcome] : row.outcomes) {
+      all.push_back({{"case", row.caseName}, {"size", row.size}, {"malloc", allocator}});
+      if (!row.state.empty()) all.back()["state"] = row.state;
+      if (!outcome.stopped.empty()) all.back()["stopped"] = outcome.stopped;
+      if (!outcome.failed.empty()) all.back()["failed"] = outcome.failed;
+      for (const auto& [name, value] : outcome.figures) all.back()[name] = value;
+    }
+  }
+  std::ofstream out(file);
+  out << all.dump(1) << '\n';
+  return static_cast<bool>(out.flush());
 }
 
-bool writePlot(const std::string& file, const std::vector<Measurement>& measurements) {
-  auto families = byFamily(measurements);
-  std::erase_if(families, [](const auto& family) { return family.second.size() < 2; });
-  if (families.empty()) return true;
+bool writePlot(const std::string& file, const std::vector<Row>& rows) {
+  std::vector<Family> drawn = families(rows);
+  std::erase_if(drawn, [](const Family& family) { return family.rows.size() < 2; });
+  if (drawn.empty()) return true;
 
+  const auto secondsOf = [](const Row& row) { return *find(row.outcomes.begin()->second, "best"); };
   double lowTime = HUGE_VAL, highTime = 0, lowSize = HUGE_VAL, highSize = 0;
-  for (const auto& [name, runs] : families) {
-    for (const Measurement& run : runs) {
-      lowTime = std::min(lowTime, run.seconds);
-      highTime = std::max(highTime, run.seconds);
-      lowSize = std::min(lowSize, run.size);
-      highSize = std::max(highSize, run.size);
+  for (const Family& family : drawn) {
+    for (const Row& row : family.rows) {
+      lowTime = std::min(lowTime, secondsOf(row));
+      highTime = std::max(highTime, secondsOf(row));
+      lowSize = std::min(lowSize, static_cast<double>(row.size));
+      highSize = std::max(highSize, static_cast<double>(row.size));
     }
   }
   const LogAxis sizes(lowSize, highSize, kLeft, kRight);
@@ -172,15 +286,15 @@ bool writePlot(const std::string& file, const std::vector<Measurement>& measurem
   out << "<svg xmlns='http://www.w3.org/2000/svg' width='" << kWidth << "' height='" << kHeight
       << "' font-family='sans-serif' font-size='12'>\n<rect width='100%' height='100%' fill='white'/>\n";
   writeGrid(out, sizes, times);
-  static const char* const kColors[] = {"#1b6ca8", "#c1121f", "#2a9d34", "#8a4fbf",
-                                        "#e07a00", "#00838f", "#6d4c41"};
   std::size_t index = 0;
-  for (const auto& [name, runs] : families) {
-    const char* color = kColors[index % std::size(kColors)];
+  for (const Family& family : drawn) {
+    const std::string color = "hsl(" + std::to_string(index * 137 % 360) + ",70%,40%)";
     out << "<polyline fill='none' stroke-width='2' stroke='" << color << "' points='";
-    for (const Measurement& run : runs) out << sizes.at(run.size) << ',' << times.at(run.seconds) << ' ';
+    for (const Row& row : family.rows) {
+      out << sizes.at(static_cast<double>(row.size)) << ',' << times.at(secondsOf(row)) << ' ';
+    }
     out << "'/>\n<text x='" << kRight + 12 << "' y='" << kTop + 14 + 20 * static_cast<double>(index)
-        << "' fill='" << color << "'>" << name << "</text>\n";
+        << "' fill='" << color << "'>" << family.title << "</text>\n";
     ++index;
   }
   out << "</svg>\n";

@@ -1,4 +1,4 @@
-# Helpers that add tests, benchmarks and fuzz targets.
+# Helpers that add tests and fuzz targets.
 
 # The headers nearly every test includes, compiled once for all of them.
 function(sfg_use_test_headers target)
@@ -50,18 +50,6 @@ function(sfg_add_tests name)
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
-endfunction()
-
-# sfg_add_benchmark(NAME SOURCES a.cpp... [LINK library...])
-function(sfg_add_benchmark name)
-  if(NOT SFG_BUILD_BENCHMARKS)
-    return()
-  endif()
-  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
-  add_executable(${name} ${arg_SOURCES})
-  sfg_target_defaults(${name})
-  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
-  target_link_libraries(${name} PRIVATE sfg ${arg_LINK} benchmark::benchmark_main)
 endfunction()
 
 # sfg_add_fuzz_target(NAME SOURCES a_fuzz.cpp... CORPUS folder... [LINK library...] [MUTATIONS n])
