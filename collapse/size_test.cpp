@@ -8,6 +8,7 @@
 #include <pthread.h>
 
 #include "tests/support/collapse.h"
+#include "tests/support/cost.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
@@ -120,8 +121,9 @@ TEST(Size, RepeatsAShaderFunctionWithoutWalkingTheChainAboveIt) {
   EXPECT_EQ(countOf(text, "    state.shaderInput"), kLength + 1);
 }
 
-/// Seconds for a function that calls its source so many times, with the same words each time or others.
-double secondsForUses(std::size_t uses, bool areEqual) {
+/// Processor time for a function that calls its source so many times, with the same words each time or
+/// others.
+std::clock_t timeForUses(std::size_t uses, bool areEqual) {
   TestScene scene;
   AShaderFragment* dots = scene.addFunction(L"dots", L"void dots(float p, out float r)\n{\nr = p;\n}");
   std::wstring mix = L"void mix(float f, out float r)\n{\n";
@@ -130,23 +132,18 @@ double secondsForUses(std::size_t uses, bool areEqual) {
   AShaderFragment* caller = scene.addFunction(L"caller", mix + L"}");
   caller->setInputConnection(L"f", dots, L"r");
   scene.output(L"color", TypeID_float, caller);
-  const WorkTime work;
-  const std::string text = test::collapseDefault(scene);
-  const double seconds = work.seconds();
+  std::string text;
+  const std::clock_t time = TolmSDK::test::processorTime([&] { text = test::collapseDefault(scene); });
   EXPECT_EQ(countOf(text, "    dots1(\n"), uses);
-  return seconds;
+  return time;
 }
 
 class ManyUses : public ::testing::TestWithParam<bool> {};
 
 TEST_P(ManyUses, OfAShaderFunctionTakeTimeInProportion) {
-  double few = 1e9;
-  double many = 1e9;
-  for (int run = 0; run < 3; ++run) {
-    few = std::min(few, secondsForUses(1000, GetParam()));
-    many = std::min(many, secondsForUses(16'000, GetParam()));
-  }
-  EXPECT_LT(many, 16 * few * 6);
+  const double growth =
+      TolmSDK::test::timeGrowth(1000, [](std::size_t uses) { return timeForUses(uses, GetParam()); });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
 INSTANTIATE_TEST_SUITE_P(Size, ManyUses, ::testing::Bool(),

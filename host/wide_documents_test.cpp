@@ -148,28 +148,16 @@ Documents manyLightProfiles(std::size_t count) {
       R"({ "lights": [ )" + repeated(count, R"({ "fragment": "lamp", "profile": "P#_" })") + " ] }"};
 }
 
-/// Processor time of the phase grows with the scene, without the time of what goes before.
+/// How the processor time of a phase grows with the scene, without the time of what goes before.
 double growth(MakeDocuments make, const std::function<std::clock_t(const Scene&)>& timeOf) {
-  const auto best = [&](std::size_t count) {
-    const Scene scene(make(count));
-    std::clock_t time = timeOf(scene);
-    for (int run = 0; run < 2; ++run) time = std::min(time, timeOf(scene));
-    return static_cast<double>(std::max<std::clock_t>(time, 1));
-  };
-  const double few = best(1000);
-  return best(16000) / few;
-}
-
-template <class Phase>
-std::clock_t timed(Phase&& phase) {
-  const std::clock_t start = std::clock();
-  phase();
-  return std::clock() - start;
+  return test::timeGrowth(1000, [&](std::size_t count) { return timeOf(Scene(make(count))); });
 }
 
 class LoadingCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(LoadingCostTest, GrowsWithTheDocument) {
-  const auto time = [](const Scene& scene) { return timed([&] { CollapseJob job(scene.settings()); }); };
+  const auto time = [](const Scene& scene) {
+    return test::processorTime([&] { CollapseJob job(scene.settings()); });
+  };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
 }
 INSTANTIATE_TEST_SUITE_P(All, LoadingCostTest,
@@ -182,7 +170,7 @@ TEST_P(WarningCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
     CollapseJob job(scene.settings());
     job.run();
-    return timed([&] { EXPECT_TRUE(findWarnings(job, true).empty()); });
+    return test::processorTime([&] { EXPECT_TRUE(findWarnings(job, true).empty()); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
 }
@@ -195,7 +183,7 @@ class SurfaceCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(SurfaceCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
     CollapseJob job(scene.settings());
-    return timed([&] { EXPECT_TRUE(findCalledExpressions(job).empty()); });
+    return test::processorTime([&] { EXPECT_TRUE(findCalledExpressions(job).empty()); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
 }
@@ -207,7 +195,8 @@ TEST_P(AssemblyCostTest, GrowsWithTheShader) {
   const auto time = [](const Scene& scene) {
     CollapseJob job(scene.settings());
     job.run();
-    return timed([&] { EXPECT_FALSE(assembleShader(job, ShaderStage::compute).sections.empty()); });
+    return test::processorTime(
+        [&] { EXPECT_FALSE(assembleShader(job, ShaderStage::compute).sections.empty()); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
 }

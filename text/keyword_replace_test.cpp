@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <ctime>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "sfg/size_limit.h"
+#include "tests/support/cost.h"
 #include "tests/support/messages.h"
 #include "text/test_views.h"
 #include "tolmsdk/exception.h"
@@ -135,28 +137,18 @@ TEST(KeywordReplacePattern, OverridesWhatWasAddedSince) {
   EXPECT_EQ(copy.getReplacements(), (Array<WString>{L"b", L"5"}));
 }
 
-double secondsToOverride(std::size_t count) {
-  KeywordReplacePattern p;
-  const auto keyword = [](std::size_t i) {
-    return WString(L"sfg_shader(f, ") + itos(static_cast<long long>(i));
-  };
-  for (std::size_t i = 0; i < count; ++i) p.addReplacePattern(keyword(i), L"");
-  const auto start = std::chrono::steady_clock::now();
-  for (std::size_t i = count; i-- > 0;) p.overrideReplacePattern(keyword(i), L"f1();");
-  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  EXPECT_EQ(p.getReplacements(), Array<WString>(count, L"f1();"));
-  return seconds;
-}
-
 TEST(KeywordReplacePattern, OverridesWithoutLookingThroughAllKeywords) {
-  // The shortest of several runs: of the longer ones other work has its share.
-  double few = 1e9;
-  double many = 1e9;
-  for (int run = 0; run < 3; ++run) {
-    few = std::min(few, secondsToOverride(1000));
-    many = std::min(many, secondsToOverride(16000));
-  }
-  EXPECT_LT(many, 16 * few * 4);
+  const double growth = TolmSDK::test::timeGrowth(1000, [](std::size_t count) {
+    KeywordReplacePattern p;
+    const auto keyword = [](std::size_t i) { return formatted(L"sfg_shader(f, %Iu", i); };
+    for (std::size_t i = 0; i < count; ++i) p.addReplacePattern(keyword(i), L"");
+    const std::clock_t time = TolmSDK::test::processorTime([&] {
+      for (std::size_t i = count; i-- > 0;) p.overrideReplacePattern(keyword(i), L"f1();");
+    });
+    EXPECT_EQ(p.getReplacements(), Array<WString>(count, L"f1();"));
+    return time;
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
 TEST(KeywordReplacePattern, RefusesArraysOfDifferentLengths) {

@@ -8,25 +8,39 @@
 
 namespace TolmSDK::test {
 
-/// Bound of `costGrowth` for work in proportion to the size; a square has 256.
-constexpr double kLinearGrowth = 48.0;
+/// Bound of the growth for work in proportion to the size, which would be 16. A square has 256; memory that
+/// no longer fits a cache, and other work on the machine, have their share.
+constexpr double kLinearGrowth = 96.0;
 
-/// Processor time of `work(16 * size)` by that of `work(size)`, each the best of several runs that take
-/// turns: other work on the machine then slows both.
+/// `timeOf(16 * size)` by `timeOf(size)`, where timeOf() answers processor time. The two take turns, so that
+/// other work on the machine slows both; the best time of each counts. Measures on while the answer is bad,
+/// up to a number of turns: noise goes away, a square does not.
+template <class TimeOf>
+double timeGrowth(std::size_t size, TimeOf&& timeOf) {
+  constexpr int kLeastTurns = 3;
+  constexpr int kMostTurns = 12;
+  double few = 1e30;
+  double many = 1e30;
+  for (int turn = 0; turn < kMostTurns; ++turn) {
+    if (turn >= kLeastTurns && many < kLinearGrowth * few) break;
+    few = std::min(few, std::max(static_cast<double>(timeOf(size)), 1.0));
+    many = std::min(many, static_cast<double>(timeOf(16 * size)));
+  }
+  return many / few;
+}
+
+/// The processor time of a piece of work.
+template <class Work>
+std::clock_t processorTime(Work&& work) {
+  const std::clock_t start = std::clock();
+  work();
+  return std::clock() - start;
+}
+
+/// timeGrowth() of all that `work(size)` does.
 template <class Work>
 double costGrowth(std::size_t size, Work&& work) {
-  const auto timeOf = [&](std::size_t count) {
-    const std::clock_t start = std::clock();
-    work(count);
-    return std::max<std::clock_t>(std::clock() - start, 1);
-  };
-  std::clock_t few = timeOf(size);
-  std::clock_t many = timeOf(16 * size);
-  for (int run = 1; run < 5; ++run) {
-    few = std::min(few, timeOf(size));
-    many = std::min(many, timeOf(16 * size));
-  }
-  return static_cast<double>(many) / static_cast<double>(few);
+  return timeGrowth(size, [&](std::size_t count) { return processorTime([&] { work(count); }); });
 }
 
 }  // namespace TolmSDK::test
