@@ -2,6 +2,7 @@
 
 // A hash table beside an array: it knows where in the array an entry is, not what it holds.
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -27,7 +28,13 @@ public:
     return kNotFound;
   }
 
-  bool empty() const noexcept { return used_ == 0; }
+  /// Forgets all entries; a small table keeps its memory.
+  void clear() {
+    if (used_ == 0) return;
+    if (places_.size() > kSmallest) places_ = {};
+    std::fill(places_.begin(), places_.end(), Place());
+    used_ = 0;
+  }
 
   /// Does not look whether the entry is there. Called behind the entry's own insertion, so that no number
   /// stays here when that throws. Numbers are below 2^32 - 1.

@@ -19,9 +19,10 @@ void SymbolRings::find(const CodeSnippetInstance& code, const KeywordReplacePatt
 void SymbolRings::clear() {
   numFamilies_ = 0;
   keywords_.clear();
-  if (!keywordsByText_.empty()) keywordsByText_ = {};
+  keywordsByText_.clear();
   rulesOf_.clear();
-  rings_.clear();
+  ringFamilies_.clear();
+  ringEnds_.clear();
 }
 
 std::size_t SymbolRings::numberOfKeyword(std::wstring_view keyword) const {
@@ -108,54 +109,50 @@ void SymbolRings::hold(SymbolFamily& family, std::size_t keyword) {
 
 /// Tarjan's walk, with a path of its own in place of recursion.
 void SymbolRings::findRings() {
-  struct Visit {
-    std::uint32_t family;
-    std::size_t nextHeld = 0;
-  };
-  Array<std::uint32_t> order(numFamilies_, 0);   // in which families were met, from 1
-  Array<std::uint32_t> lowest(numFamilies_, 0);  // the first family on the path that can be reached from one
-  Array<std::uint32_t> open;                     // families that no ring has taken yet
-  Array<Visit> path;
+  order_.assign(numFamilies_, 0);
+  lowest_.assign(numFamilies_, 0);
   std::uint32_t met = 0;
   const auto enter = [&](std::uint32_t family) {
-    order[family] = lowest[family] = ++met;
+    order_[family] = lowest_[family] = ++met;
     families_[family].ring = kNoRing;
-    open.push_back(family);
-    path.push_back({family});
+    open_.push_back(family);
+    path_.push_back({family});
   };
   for (std::uint32_t start = 0; start < numFamilies_; ++start) {
-    if (order[start] == 0) enter(start);
-    while (!path.empty()) {
+    if (order_[start] == 0) enter(start);
+    while (!path_.empty()) {
       // Follow the next name that the texts of the family at the end of the path hold.
-      Visit& visit = path.back();
+      Visit& visit = path_.back();
       const Array<std::uint32_t>& held = families_[visit.family].held;
       // Names come in front of the other keywords.
       if (visit.nextHeld < held.size() && held[visit.nextHeld] < numFamilies_) {
         const std::uint32_t other = held[visit.nextHeld++];
-        if (order[other] == 0) {
+        if (order_[other] == 0) {
           enter(other);
         } else if (families_[other].ring == kNoRing) {
-          lowest[visit.family] = std::min(lowest[visit.family], order[other]);
+          lowest_[visit.family] = std::min(lowest_[visit.family], order_[other]);
         }
         continue;
       }
       // All are followed: the family hands on what it reaches, and closes its ring when it is the first of
       // it.
       const std::uint32_t done = visit.family;
-      path.pop_back();
-      if (!path.empty()) lowest[path.back().family] = std::min(lowest[path.back().family], lowest[done]);
-      if (lowest[done] == order[done]) closeRing(done, open);
+      path_.pop_back();
+      if (!path_.empty())
+        lowest_[path_.back().family] = std::min(lowest_[path_.back().family], lowest_[done]);
+      if (lowest_[done] == order_[done]) closeRing(done);
     }
   }
 }
 
-void SymbolRings::closeRing(std::uint32_t root, Array<std::uint32_t>& open) {
-  const auto first = std::find(open.rbegin(), open.rend(), root).base() - 1;
-  Array<std::uint32_t> ring(first, open.end());
-  open.erase(first, open.end());
-  for (const std::uint32_t family : ring) families_[family].ring = static_cast<std::uint32_t>(rings_.size());
-  std::sort(ring.begin(), ring.end());
-  rings_.push_back(std::move(ring));
+void SymbolRings::closeRing(std::uint32_t root) {
+  const auto first = std::find(open_.rbegin(), open_.rend(), root).base() - 1;
+  for (auto family = first; family != open_.end(); ++family)
+    families_[*family].ring = static_cast<std::uint32_t>(ringEnds_.size());
+  std::sort(first, open_.end());
+  ringFamilies_.insert(ringFamilies_.end(), first, open_.end());
+  open_.erase(first, open_.end());
+  ringEnds_.push_back(ringFamilies_.size());
 }
 
 void SymbolRings::addRule(std::size_t family, std::size_t rule) {
@@ -164,7 +161,7 @@ void SymbolRings::addRule(std::size_t family, std::size_t rule) {
 
 void SymbolRings::collectRules(std::size_t ring, Array<std::uint32_t>& rules) const {
   rules.clear();
-  for (const std::uint32_t family : rings_[ring]) {
+  for (const std::uint32_t family : this->ring(ring)) {
     for (const std::uint32_t keyword : families_[family].held) {
       if (keyword < numFamilies_ && families_[keyword].ring == ring) continue;
       rules.insert(rules.end(), rulesOf_[keyword].begin(), rulesOf_[keyword].end());

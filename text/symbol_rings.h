@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "sfg/code_snippet.h"
@@ -36,9 +37,12 @@ public:
   std::size_t countFamilies() const noexcept { return numFamilies_; }
   /// In the order of their first symbols.
   const SymbolFamily& family(std::size_t number) const { return families_[number]; }
-  std::size_t countRings() const noexcept { return rings_.size(); }
+  std::size_t countRings() const noexcept { return ringEnds_.size(); }
   /// The numbers of a ring's families, in order.
-  const Array<std::uint32_t>& ring(std::size_t number) const { return rings_[number]; }
+  std::span<const std::uint32_t> ring(std::size_t number) const {
+    const std::size_t begin = number == 0 ? 0 : ringEnds_[number - 1];
+    return {ringFamilies_.data() + begin, ringEnds_[number] - begin};
+  }
 
   /// The rules with that keyword, in order.
   const Array<std::uint32_t>& rulesOf(std::size_t keyword) const { return rulesOf_[keyword]; }
@@ -48,6 +52,11 @@ public:
   void collectRules(std::size_t ring, Array<std::uint32_t>& rules) const;
 
 private:
+  struct Visit {
+    std::uint32_t family;
+    std::size_t nextHeld = 0;
+  };
+
   static constexpr std::uint32_t kNoRing = 0xffffffff;
 
   void clear();
@@ -57,7 +66,7 @@ private:
   void findHeld(SymbolFamily& family, const ScopedText& text, const KeywordAutomaton* automaton);
   void hold(SymbolFamily& family, std::size_t keyword);
   void findRings();
-  void closeRing(std::uint32_t root, Array<std::uint32_t>& open);
+  void closeRing(std::uint32_t root);
   std::size_t numberOfKeyword(std::wstring_view keyword) const;
 
   Array<SymbolFamily> families_;  // the first of them are in use, the others keep memory for later
@@ -66,7 +75,13 @@ private:
   HashIndex keywordsByText_;
   Array<Array<std::uint32_t>> rulesOf_;
   Array<std::uint32_t> lastHolder_;  // by keyword: the family, counted from 1, that was found to hold it last
-  Array<Array<std::uint32_t>> rings_;
+  Array<std::uint32_t> ringFamilies_;  // of all rings, one behind another
+  Array<std::size_t> ringEnds_;
+  // The walk that finds the rings; between walks these keep their memory only.
+  Array<std::uint32_t> order_;   // in which families were met, from 1
+  Array<std::uint32_t> lowest_;  // the first family on the path that can be reached from one
+  Array<std::uint32_t> open_;    // families that no ring has taken yet
+  Array<Visit> path_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg
