@@ -25,7 +25,7 @@ void KeywordReplacePattern::addReplacePattern(const WString& keyword, const WStr
   WString own(replacement);  // it may be one of the keywords, which move
   keywords_.push_back(keyword);
   replacements_.push_back(std::move(own));
-  if (!byHash_.empty()) indexKeywords();
+  if (byHash_.places) indexKeywords();
 }
 
 void KeywordReplacePattern::addReplacePattern(const Array<WString>& keywords,
@@ -40,7 +40,7 @@ void KeywordReplacePattern::addReplacePattern(const Array<WString>& keywords,
     keywords_.push_back(keywords[i]);
     replacements_.push_back(replacements[i]);
   }
-  if (!byHash_.empty()) indexKeywords();
+  if (byHash_.places) indexKeywords();
 }
 
 void KeywordReplacePattern::addReplacePattern(const KeywordPosKey& key, const WString& replacement) {
@@ -60,7 +60,7 @@ void KeywordReplacePattern::overrideReplacePattern(const WString& keyword, const
     for (std::size_t i = 0; i < keywords_.size(); ++i) override(i);
   } else {
     indexKeywords();
-    const auto [first, last] = byHash_.equal_range(std::hash<std::wstring_view>()(sought));
+    const auto [first, last] = byHash_.places->equal_range(std::hash<std::wstring_view>()(sought));
     for (auto place = first; place != last; ++place) override(place->second);
   }
   if (!isKnown) addReplacePattern(sought, replacement);
@@ -68,15 +68,16 @@ void KeywordReplacePattern::overrideReplacePattern(const WString& keyword, const
 
 /// Adds the keywords that are not in the index yet, which are the last ones.
 void KeywordReplacePattern::indexKeywords() {
-  for (std::size_t i = byHash_.size(); i < keywords_.size(); ++i)
-    byHash_.emplace(std::hash<std::wstring_view>()(keywords_[i]), i);
+  if (!byHash_.places) byHash_.places = std::make_unique<std::unordered_multimap<std::size_t, std::size_t>>();
+  for (std::size_t i = byHash_.places->size(); i < keywords_.size(); ++i)
+    byHash_.places->emplace(std::hash<std::wstring_view>()(keywords_[i]), i);
 }
 
 void KeywordReplacePattern::clearReplacePattern() {
   keywords_.clear();
   replacements_.clear();
   positionalReplacements_.clear();
-  byHash_.clear();
+  byHash_.places.reset();
 }
 
 KeywordReplacer::KeywordReplacer() = default;

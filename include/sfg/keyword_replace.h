@@ -51,12 +51,26 @@ public:
   const PositionalReplacements& getPositionalReplacements() const noexcept { return positionalReplacements_; }
 
 private:
+  /// Places of keywords by their hashes; made when it pays, and not copied.
+  struct Index {
+    Index() = default;
+    Index(const Index&) noexcept {}
+    Index(Index&&) noexcept = default;
+    Index& operator=(const Index&) noexcept {
+      places.reset();
+      return *this;
+    }
+    Index& operator=(Index&&) noexcept = default;
+    ~Index() = default;
+    std::unique_ptr<std::unordered_multimap<std::size_t, std::size_t>> places;
+  };
+
   void indexKeywords();
 
   Array<WString> keywords_;
   Array<WString> replacements_;
   PositionalReplacements positionalReplacements_;
-  std::unordered_multimap<std::size_t, std::size_t> byHash_;  // places of keywords; made when it pays
+  Index byHash_;
 };
 
 /// Where the replacement of a keyword rule stands in a copy, and the pattern's own text of it.
