@@ -25,7 +25,7 @@ std::size_t combineHash(std::size_t hash, std::wstring_view text) {
   return hash * 1099511628211u + std::hash<std::wstring_view>()(text);
 }
 
-/// Ends the symbols of a family in the key of a ring; told from other empty texts by its place.
+/// Ends the symbols of a family in the key of a ring; told from other empty texts by its address.
 constexpr const wchar_t* kEndMark = L"";
 constexpr std::wstring_view kEndOfFamily(kEndMark, 0);
 
@@ -329,8 +329,7 @@ void CodeAccumulator::Impl::write(WString& out, const CodeSnippetInstance& code,
       appendReplaced(out, symbol.getText(), keywords, own, knownCalls);
       continue;
     }
-    // At one span the symbol's rule comes before that of `renamePattern`, and this one before that of
-    // `pattern`.
+    // At one span the rule of `renamePattern` wins over the symbol's, and that over the one of `pattern`.
     PositionalRules positional = renamePattern.getPositionalReplacements();
     positional.insert(own.begin(), own.end());
     positional.insert(pattern.getPositionalReplacements().begin(), pattern.getPositionalReplacements().end());
