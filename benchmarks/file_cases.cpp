@@ -403,7 +403,7 @@ Work warnOfHelpers(std::size_t count) {
 }
 
 Work warnOfProfiles(std::size_t count) {
-  Json profiles = {functionOf("void only(float a, out float result)", "  result = a;")};
+  Json profiles = Json::array({functionOf("void only(float a, out float result)", "  result = a;")});
   Json lights = Json::array();
   for (std::size_t i = 0; i < count; ++i) {
     const std::string name = "Lamp" + std::to_string(i);
