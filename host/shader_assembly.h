@@ -2,36 +2,15 @@
 
 // A complete shader from the result of a collapse.
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "host/collapse_job.h"
+#include "host/shader/shader_stage.h"
+#include "host/shader/shader_text.h"
 #include "sfg/shader.h"
 
 namespace TolmSDK::Graphics::sfg::host {
-
-enum class ShaderStage { pixel, compute };
-
-/// The result cannot become a complete shader of the stage.
-class AssemblyError : public std::runtime_error {
-public:
-  using std::runtime_error::runtime_error;
-};
-
-/// What some lines of an assembled shader are.
-struct ShaderSection {
-  enum class Kind {
-    declarations,  ///< of this host: state structure, buffers, textures, entry point
-    include,       ///< text of the include file `name`
-    symbol,        ///< the function, structure or variable `name` of the predefines
-    function,      ///< the collapsed function
-  };
-  Kind kind = Kind::declarations;
-  WString name;
-  std::size_t firstLine = 0;  ///< counted from 1
-  std::size_t lastLine = 0;
-};
 
 struct AssembledShader {
   AShader shader;
