@@ -1,5 +1,6 @@
 #include "host/shader_assembly.h"
 
+#include "host/shader/interface_builder.h"
 #include "host/shader/shader_plan.h"
 #include "host/shader/shader_printer.h"
 #include "tolmsdk/unicode.h"
@@ -16,6 +17,8 @@ AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage) {
   assembled.shader.getStateVariables() = plan.stateVariables;
   assembled.entryPoint = toUtf8(plan.entryPoint);
   assembled.missingIncludes = plan.missingIncludes;
+  assembled.reflection = interfaceOf(plan);
+  hashInterface(assembled.reflection, toUtf8(assembled.shader.getCompleteShader()));
   return assembled;
 }
 

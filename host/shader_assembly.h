@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/collapse_job.h"
+#include "host/shader/shader_interface.h"
 #include "host/shader/shader_stage.h"
 #include "host/shader/shader_text.h"
 #include "sfg/shader.h"
@@ -16,6 +17,8 @@ struct AssembledShader {
   AShader shader;
   /// In order of lines, without gaps.
   std::vector<ShaderSection> sections;
+  /// What it takes and gives, as its HLSL text has it.
+  ShaderInterface reflection;
   /// Name of the entry point: "main", or "sfg_main" where the collapsed function has that name.
   std::string entryPoint;
   /// Include files that are named, but in no include folder.

@@ -9,9 +9,12 @@
 #include <charconv>
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <spirv-tools/libspirv.hpp>
 #include <spirv-tools/optimizer.hpp>
 #include <sstream>
+
+#include "host/shader/module_names.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -20,9 +23,6 @@ namespace {
 using Words = std::vector<std::uint32_t>;
 
 constexpr spv_target_env kEnvironment = SPV_ENV_VULKAN_1_1;
-constexpr unsigned kFirstTextureBinding = 16;
-constexpr unsigned kFirstSamplerBinding = 48;
-constexpr unsigned kFirstWritableBinding = 80;
 constexpr int kOpenGlVersion = 450;
 constexpr int kOpenGlEsVersion = 320;
 constexpr int kShaderModel = 50;
@@ -190,6 +190,66 @@ public:
     }
   }
 
+  /// The bindings of resources of a kind, and their numbers in the module.
+  struct Resource {
+    SpvId id;
+    unsigned binding;
+    unsigned location;
+  };
+  std::vector<Resource> resources(spvc_resource_type kind) const {
+    spvc_resources all = nullptr;
+    check(spvc_compiler_create_shader_resources(compiler_, &all));
+    const spvc_reflected_resource* list = nullptr;
+    std::size_t count = 0;
+    check(spvc_resources_get_resource_list_for_type(all, kind, &list, &count));
+    std::vector<Resource> found;
+    for (std::size_t i = 0; i < count; ++i) {
+      found.push_back({list[i].id, spvc_compiler_get_decoration(compiler_, list[i].id, SpvDecorationBinding),
+                       spvc_compiler_get_decoration(compiler_, list[i].id, SpvDecorationLocation)});
+    }
+    return found;
+  }
+
+  /// What the stage itself provides and the module reads.
+  std::set<SpvBuiltIn> builtins() const {
+    spvc_resources all = nullptr;
+    check(spvc_compiler_create_shader_resources(compiler_, &all));
+    const spvc_reflected_builtin_resource* list = nullptr;
+    std::size_t count = 0;
+    check(spvc_resources_get_builtin_resource_list_for_type(all, SPVC_BUILTIN_RESOURCE_TYPE_STAGE_INPUT,
+                                                            &list, &count));
+    std::set<SpvBuiltIn> found;
+    for (std::size_t i = 0; i < count; ++i) found.insert(list[i].builtin);
+    return found;
+  }
+
+  /// Every resource gets the number of its register for its binding.
+  void bindAsRegisters() {
+    for (const spvc_resource_type kind : kBoundKinds) {
+      for (const Resource& resource : resources(kind)) {
+        spvc_compiler_set_decoration(compiler_, resource.id, SpvDecorationBinding,
+                                     registerNumber(resource.binding));
+      }
+    }
+  }
+
+  void bindForMetal(SpvExecutionModel stage) {
+    for (const spvc_resource_type kind : kBoundKinds) {
+      for (const Resource& resource : resources(kind)) {
+        spvc_msl_resource_binding binding;
+        spvc_msl_resource_binding_init(&binding);
+        binding.stage = stage;
+        binding.binding = resource.binding;
+        const bool isElements = kind == SPVC_RESOURCE_TYPE_STORAGE_BUFFER;
+        binding.msl_buffer = !isElements                                 ? registerNumber(resource.binding)
+                             : resource.binding >= kFirstWritableBinding ? kMetalOutputBuffer
+                                                                         : kMetalInputBuffer;
+        binding.msl_texture = binding.msl_sampler = registerNumber(resource.binding);
+        check(spvc_compiler_msl_add_resource_binding(compiler_, &binding));
+      }
+    }
+  }
+
   std::string compile() {
     check(spvc_compiler_install_compiler_options(compiler_, options_));
     const char* text = nullptr;
@@ -198,6 +258,17 @@ public:
   }
 
 private:
+  static constexpr spvc_resource_type kBoundKinds[] = {
+      SPVC_RESOURCE_TYPE_UNIFORM_BUFFER, SPVC_RESOURCE_TYPE_STORAGE_BUFFER, SPVC_RESOURCE_TYPE_SEPARATE_IMAGE,
+      SPVC_RESOURCE_TYPE_SEPARATE_SAMPLERS};
+
+  static unsigned registerNumber(unsigned binding) {
+    for (const unsigned first : {kFirstWritableBinding, kFirstSamplerBinding, kFirstTextureBinding}) {
+      if (binding >= first) return binding - first;
+    }
+    return binding;
+  }
+
   struct DestroyContext {
     void operator()(spvc_context context) const { spvc_context_destroy(context); }
   };
@@ -216,6 +287,7 @@ private:
 std::string toHlsl(const Words& words, ShaderStage stage) {
   CrossCompiler compiler(words, SPVC_BACKEND_HLSL);
   compiler.setNumber(SPVC_COMPILER_OPTION_HLSL_SHADER_MODEL, kShaderModel);
+  compiler.bindAsRegisters();
   std::string text = compiler.compile();
   Parsed(text, Parsed::Language::hlsl, "main", stage, "the translated HLSL", false);
   return text;
@@ -233,8 +305,9 @@ std::string toGlsl(const Words& words, ShaderStage stage, bool embedded) {
   return text;
 }
 
-std::string toMsl(const Words& words) {
+std::string toMsl(const Words& words, ShaderStage stage) {
   CrossCompiler compiler(words, SPVC_BACKEND_MSL);
+  compiler.bindForMetal(stage == ShaderStage::pixel ? SpvExecutionModelFragment : SpvExecutionModelGLCompute);
   compiler.setNumber(SPVC_COMPILER_OPTION_MSL_VERSION, SPVC_MAKE_MSL_VERSION(2, 1, 0));
   return compiler.compile();
 }
@@ -253,7 +326,7 @@ std::string bytesOf(const Words& words) {
 
 Words compileToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage) {
   const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
-  Words words = legaliseAndOptimise(parsed.toSpirv(stage));
+  Words words = nameModuleInterface(legaliseAndOptimise(parsed.toSpirv(stage)));
   validate(words);
   return words;
 }
@@ -263,10 +336,36 @@ std::string translate(const Words& words, ShaderStage stage, ShaderTarget target
   case ShaderTarget::hlsl: return toHlsl(words, stage);
   case ShaderTarget::glsl: return toGlsl(words, stage, false);
   case ShaderTarget::essl: return toGlsl(words, stage, true);
-  case ShaderTarget::msl: return toMsl(words);
+  case ShaderTarget::msl: return toMsl(words, stage);
   case ShaderTarget::spirv: break;
   }
   return bytesOf(words);
+}
+
+void markUsed(ShaderInterface& shader, const Words& words) {
+  const CrossCompiler module(words, SPVC_BACKEND_NONE);
+  const auto mark = [&](auto& things, spvc_resource_type resources, char kind, unsigned first) {
+    std::set<std::size_t> bindings;
+    for (const auto& resource : module.resources(resources)) bindings.insert(resource.binding);
+    for (auto& thing : things) {
+      if (thing.place.kind == kind) thing.place.isUsed = bindings.contains(thing.place.number + first);
+    }
+  };
+  mark(shader.buffers, SPVC_RESOURCE_TYPE_UNIFORM_BUFFER, 'b', 0);
+  mark(shader.buffers, SPVC_RESOURCE_TYPE_STORAGE_BUFFER, 't', kFirstTextureBinding);
+  mark(shader.buffers, SPVC_RESOURCE_TYPE_STORAGE_BUFFER, 'u', kFirstWritableBinding);
+  mark(shader.textures, SPVC_RESOURCE_TYPE_SEPARATE_IMAGE, 't', kFirstTextureBinding);
+  mark(shader.samplers, SPVC_RESOURCE_TYPE_SEPARATE_SAMPLERS, 's', kFirstSamplerBinding);
+
+  std::set<std::size_t> locations;
+  for (const auto& input : module.resources(SPVC_RESOURCE_TYPE_STAGE_INPUT)) locations.insert(input.location);
+  const std::set<SpvBuiltIn> builtins = module.builtins();
+  for (InterfaceAttribute& attribute : shader.attributes) {
+    attribute.isUsed = attribute.location
+                           ? locations.contains(*attribute.location)
+                           : builtins.contains(attribute.builtin == "fragCoord" ? SpvBuiltInFragCoord
+                                                                                : SpvBuiltInFrontFacing);
+  }
 }
 
 std::string compileShader(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,

@@ -6,6 +6,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& parent) {
   std::vector<std::unique_ptr<Command>> commands;
   commands.push_back(makeCollapseCommand(parent));
   commands.push_back(makeCompileCommand(parent));
+  commands.push_back(makeReflectCommand(parent));
   commands.push_back(makeListCommand(parent));
   commands.push_back(makeDumpCommand(parent));
   return commands;

@@ -1,9 +1,10 @@
-#include "host/code_origin.h"
 #include "host/output_file.h"
 #include "host/shader_compiler.h"
 #include "tolmsdk/unicode.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/compile_report.h"
+#include "tools/source_files.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -17,7 +18,8 @@ constexpr const char* kNotes =
     "optimised\n"
     "and validated, and translated from there; HLSL, GLSL and ESSL are compiled once more to check them.\n"
     "Bindings in SPIR-V: constant buffer N is N, texture N is 16 + N, sampler N is 48 + N, output buffer N "
-    "is 80 + N.\n\n"
+    "is 80 + N;\n"
+    "`sfg reflect` tells them all, for every target.\n\n"
     "Exit status: 0 done; 1 the collapse or a compiler refused; 2 wrong usage or unreadable input.\n";
 
 class CompileCommand : public Command {
@@ -37,6 +39,9 @@ public:
         "3.20; `msl`: Metal 2.1");
     declareStageOption(app(), stage_);
     declareOutputOption(app(), output_);
+    app()
+        .add_option("--reflect", reflection_, "also write what the shader takes and gives, as `reflect` does")
+        ->type_name("FILE");
     declareDepfileOptions(app(), depfile_);
     app().footer(kNotes);
   }
@@ -48,10 +53,12 @@ public:
     const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
     if (!assembled) return kRefused;
     try {
-      host::writeOutput(output_, host::compileShader(toUtf8(assembled->shader.getCompleteShader()),
-                                                     assembled->entryPoint, stage_, target_));
+      const std::vector<std::uint32_t> spirv =
+          host::compileToSpirv(toUtf8(assembled->shader.getCompleteShader()), assembled->entryPoint, stage_);
+      host::writeOutput(output_, host::translate(spirv, stage_, target_));
+      if (!reflection_.empty()) writeReflection(job, *assembled, spirv);
     } catch (const host::CompileError& error) {
-      report(job, *assembled, error, diagnostics);
+      reportCompileError(job, *assembled, error, diagnostics);
       return kRefused;
     }
     writeDepfile(depfile_, output_, job);
@@ -59,30 +66,18 @@ public:
   }
 
 private:
-  /// A compiler's complaint, the line it is about, and the fragment that the line comes from.
-  static void report(const host::CollapseJob& job, const host::AssembledShader& assembled,
-                     const host::CompileError& error, host::Diagnostics& diagnostics) {
-    diagnostics.error(job.document().file(), error.what());
-    for (std::size_t i = 0; i < error.messages().size(); ++i) {
-      const host::CompilerMessage& message = error.messages()[i];
-      const bool hasLine = error.inAssembledText() && message.line != 0;
-      const std::string place =
-          hasLine ? "generated:" + std::to_string(message.line) : std::string("generated");
-      diagnostics.error(place, message.text);
-      // Where the line comes from is said once, behind all that is said about it.
-      const bool moreOfTheLine =
-          i + 1 < error.messages().size() && error.messages()[i + 1].line == message.line;
-      if (!hasLine || moreOfTheLine) continue;
-      for (const host::OriginNote& note : host::findOrigins(job, assembled, message.line)) {
-        diagnostics.note(note.place.empty() ? place : note.place, note.text);
-      }
-    }
+  void writeReflection(const host::CollapseJob& job, const host::AssembledShader& assembled,
+                       const std::vector<std::uint32_t>& spirv) const {
+    host::ShaderInterface shader = host::interfaceFor(assembled.reflection, target_);
+    host::markUsed(shader, spirv);
+    host::writeOutput(reflection_, host::writeInterfaceJson(shader, sourceFiles(job, shader.includes)));
   }
 
   host::CollapseSettings settings_;
   host::ShaderTarget target_ = host::ShaderTarget::spirv;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
   std::string output_;
+  std::string reflection_;
   DepfileOptions depfile_;
 };
 

@@ -6,18 +6,15 @@
 #include <vector>
 
 #include "host/shader/shader_types.h"
+#include "host/shader/value_origin.h"
 #include "tolmsdk/value.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// What a member of a constant buffer stands for.
-enum class MemberSource { uniform, stateVariable, graphInput };
-
 struct BufferMember {
   Port port;
-  MemberSource source = MemberSource::uniform;
-  WString sourceName;  ///< of the uniform, state variable or graph input
-  AValue value;        ///< what it starts with; none for state variables and graph inputs
+  ValueOrigin origin;
+  AValue value;  ///< what it starts with; none for state variables and graph inputs
   std::size_t offset = 0;
   std::size_t size = 0;  ///< 0 for a structure
 };

@@ -6,7 +6,7 @@ namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
 BufferMember member(const TypeID& type, const WString& name) {
-  return {{type, type.toString(), name}, MemberSource::uniform, name, AValue(type)};
+  return {{type, type.toString(), name}, ValueOrigin(), AValue(type)};
 }
 
 WString placed(const std::vector<BufferMember>& members) {

@@ -4,7 +4,7 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-constexpr int kGroupSize = 64;
+constexpr std::size_t kGroupSize = kComputeGroupSize;
 
 /// The components of a widened value that are the value.
 const wchar_t* narrowing(const TypeID& type) {
@@ -22,7 +22,7 @@ public:
   void writeStart(ShaderText& out) const override {
     writeElements(out);
     writeBuffers(out);
-    out.writef(L"[numthreads(%d, 1, 1)]\nvoid %s(uint3 sfg_thread : SV_DispatchThreadID)\n{\n", kGroupSize,
+    out.writef(L"[numthreads(%Iu, 1, 1)]\nvoid %s(uint3 sfg_thread : SV_DispatchThreadID)\n{\n", kGroupSize,
                plan().entryPoint);
     out.write(L"    uint sfg_count;\n"
               L"    uint sfg_stride;\n"

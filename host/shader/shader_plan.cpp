@@ -41,7 +41,7 @@ class Planner {
 public:
   Planner(const CollapseJob& job, ShaderStage stage)
       : job_(job), language_(job.libraries().language()), result_(*job.result()),
-        profile_(*result_.getProfile(0)) {
+        profile_(*result_.getProfile(0)), origins_(job) {
     plan_.stage = stage;
   }
 
@@ -65,6 +65,8 @@ public:
   }
 
 private:
+  using Kind = ValueOrigin::Kind;
+
   void findState() {
     if (plan_.stateVariables.contains(StateVariable_currentLight)) {
       throw AssemblyError("a fragment reads the current light; it needs the light loop (`--tool lightloop`)");
@@ -238,22 +240,21 @@ private:
     std::vector<BufferMember> members;
     for (const AParameter* uniform : uniforms_) {
       if (isSamplerType(uniform->getType())) continue;
-      members.push_back(
-          {portOf(*uniform), MemberSource::uniform, uniform->getName(), uniform->getDefaultValue()});
+      members.push_back({portOf(*uniform), origins_.find(*uniform), uniform->getDefaultValue()});
     }
     addBuffers(L"sfg_Uniforms", members);
     members.clear();
     for (const StateVariableInfo& info : allStateVariables()) {
       if (info.kind != StateVariableKind::uniform || !usedVariables_.contains(info.name)) continue;
       const Port port{info.type, info.type.toString(), info.name.str()};
-      members.push_back({port, MemberSource::stateVariable, info.name.str(), AValue()});
+      members.push_back({port, {Kind::stateVariable, WString(), WString(), info.name.str()}, AValue()});
     }
     addBuffers(L"sfg_StateUniforms", members);
     members.clear();
     for (const GraphInput& input : plan_.graphInputs) {
       if (input.way != GraphInput::Way::buffer) continue;
       const Port port{input.port.type, input.port.typeText, input.variable};
-      members.push_back({port, MemberSource::graphInput, input.port.name, AValue()});
+      members.push_back({port, graphInputOrigin(input), AValue()});
     }
     addBuffers(L"sfg_GraphInputs", members);
   }
@@ -268,22 +269,27 @@ private:
   void findTextures() {
     for (const AParameter* uniform : uniforms_) {
       if (isSamplerType(uniform->getType()))
-        addTexture(uniform->getType(), uniform->getName(), MemberSource::uniform, uniform->getName());
+        addTexture(uniform->getType(), uniform->getName(), origins_.find(*uniform));
     }
     for (const GraphInput& input : plan_.graphInputs) {
       if (input.way == GraphInput::Way::texture)
-        addTexture(input.port.type, input.variable, MemberSource::graphInput, input.port.name);
+        addTexture(input.port.type, input.variable, graphInputOrigin(input));
     }
   }
 
-  void addTexture(const TypeID& type, const WString& name, MemberSource source, const WString& sourceName) {
-    plan_.textures.push_back({type, name, L"sampler_" + name, plan_.textures.size(), source, sourceName});
+  void addTexture(const TypeID& type, const WString& name, const ValueOrigin& origin) {
+    plan_.textures.push_back({type, name, L"sampler_" + name, plan_.textures.size(), origin});
+  }
+
+  static ValueOrigin graphInputOrigin(const GraphInput& input) {
+    return {Kind::graphInput, WString(), WString(), input.port.name};
   }
 
   const CollapseJob& job_;
   const LanguageDx11& language_;
   const IShaderFragment& result_;
   const IShaderFragmentProfile& profile_;
+  const OriginFinder origins_;
   Set<UString> usedVariables_;  ///< those of the function, and those that fill its state
   Array<const AParameter*> uniforms_;
   std::size_t nextLocation_ = 0;

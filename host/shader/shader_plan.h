@@ -34,8 +34,7 @@ struct TexturePair {
   WString texture;
   WString sampler;
   std::size_t number = 0;
-  MemberSource source = MemberSource::uniform;
-  WString sourceName;  ///< of the uniform or graph input
+  ValueOrigin origin;
 };
 
 struct IncludedText {

@@ -2,11 +2,15 @@
 
 // The stages that a complete shader can be of.
 
+#include <cstddef>
 #include <stdexcept>
 
 namespace TolmSDK::Graphics::sfg::host {
 
 enum class ShaderStage { pixel, compute };
+
+/// Invocations of a group of a compute stage.
+inline constexpr std::size_t kComputeGroupSize = 64;
 
 /// "pixel", "compute".
 constexpr const wchar_t* stageName(ShaderStage stage) noexcept {

@@ -5,6 +5,7 @@
 #include "host/fragment_files.h"
 #include "host/shader_compiler.h"
 #include "host/warnings.h"
+#include "tests/shaders/interface_facts.h"
 #include "tolmsdk/unicode.h"
 
 namespace shaders_test {
@@ -19,6 +20,20 @@ const std::vector<std::string> kLibrary = {"library"};
 const FragmentFiles& libraryFiles() {
   static const FragmentFiles files(kLibrary);
   return files;
+}
+
+/// Compares what the interface says with what is read from the target's module or text.
+std::string checkInterface(const AssembledShader& assembled, const std::vector<std::uint32_t>& spirv,
+                           ShaderTarget target) {
+  ShaderInterface shader = interfaceFor(assembled.reflection, target);
+  markUsed(shader, spirv);
+  const std::string text = translate(spirv, shader.stage, target);
+  const Facts found = target == ShaderTarget::spirv ? factsOfModule(spirv)
+                      : target == ShaderTarget::msl ? factsOfMetal(text)
+                                                    : factsOfTranslation(text, target, shader.stage);
+  const std::string wrong = difference(factsOf(shader), found);
+  if (wrong.empty()) return {};
+  return std::string(targetName(target)) + ":\n" + wrong + (target == ShaderTarget::spirv ? "" : text);
 }
 
 }  // namespace
@@ -82,12 +97,13 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   const std::string hlsl = TolmSDK::toUtf8(assembled.shader.getCompleteShader());
   try {
     const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage);
-    if (!everyTarget) return {};
+    std::string wrong = checkInterface(assembled, spirv, ShaderTarget::spirv);
+    if (!everyTarget) return wrong;
     for (const ShaderTarget target :
          {ShaderTarget::hlsl, ShaderTarget::glsl, ShaderTarget::essl, ShaderTarget::msl}) {
-      if (translate(spirv, stage, target).empty()) return "a translation is empty";
+      wrong += checkInterface(assembled, spirv, target);
     }
-    return {};
+    return wrong;
   } catch (const CompileError& error) {
     std::string text = error.what();
     for (const CompilerMessage& message : error.messages()) {

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "host/shader/shader_interface.h"
+#include "host/shader/shader_plan.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// The interface of a planned shader as its HLSL text has it, without a hash.
+ShaderInterface interfaceOf(const ShaderPlan& plan);
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,186 @@
+#include "host/shader/structure_layout.h"
+
+#include <algorithm>
+
+#include "host/identifiers.h"
+#include "host/shader/shader_types.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+constexpr std::size_t kComponent = 4;
+constexpr std::size_t kRegister = 16;
+constexpr std::size_t kDeepest = 32;
+constexpr std::size_t kLongestArray = 65536;
+constexpr std::size_t kMostMembers = 1024;
+
+std::size_t roundedUp(std::size_t value, std::size_t step) { return (value + step - 1) / step * step; }
+
+/// Words, numbers and single characters of shader text; comments are passed over.
+class Tokens {
+public:
+  explicit Tokens(std::wstring_view text) : text_(text) {}
+
+  /// Empty at the end.
+  std::wstring_view next() {
+    skipBlanks();
+    const std::size_t start = pos_;
+    while (pos_ < text_.size() && isIdentifierPart(text_[pos_])) ++pos_;
+    if (pos_ == start && pos_ < text_.size()) ++pos_;
+    return text_.substr(start, pos_ - start);
+  }
+
+private:
+  void skipBlanks() {
+    constexpr std::wstring_view kBlanks = L" \t\r\n";
+    while (pos_ < text_.size()) {
+      if (kBlanks.find(text_[pos_]) != kBlanks.npos) {
+        ++pos_;
+      } else if (text_.substr(pos_, 2) == L"//") {
+        pos_ = std::min(text_.find(L'\n', pos_), text_.size());
+      } else if (text_.substr(pos_, 2) == L"/*") {
+        const std::size_t end = text_.find(L"*/", pos_ + 2);
+        pos_ = end == text_.npos ? text_.size() : end + 2;
+      } else {
+        return;
+      }
+    }
+  }
+
+  std::wstring_view text_;
+  std::size_t pos_ = 0;
+};
+
+struct Declaration {
+  std::wstring_view type;
+  std::wstring_view name;
+  std::size_t arrayLength = 0;
+};
+
+/// Columns and rows of a number type ("float", "int3", "float2x4" has two rows).
+struct Shape {
+  std::size_t rows = 1;
+  std::size_t columns = 1;
+  bool isMatrix = false;
+};
+
+std::optional<Shape> shapeOf(std::wstring_view type) {
+  for (const std::wstring_view scalar : {L"float", L"int", L"uint", L"bool"}) {
+    if (!type.starts_with(scalar)) continue;
+    const std::wstring_view rest = type.substr(scalar.size());
+    const auto digit = [&](std::size_t at) { return static_cast<std::size_t>(rest[at] - L'0'); };
+    const auto isSize = [&](std::size_t at) { return rest[at] >= L'1' && rest[at] <= L'4'; };
+    if (rest.empty()) return Shape{};
+    if (rest.size() == 1 && isSize(0)) return Shape{1, digit(0), false};
+    if (rest.size() == 3 && isSize(0) && rest[1] == L'x' && isSize(2) && digit(0) > 1 && digit(2) > 1 &&
+        scalar == L"float") {
+      return Shape{digit(0), digit(2), true};
+    }
+  }
+  return std::nullopt;
+}
+
+class LayoutMaker {
+public:
+  explicit LayoutMaker(std::wstring_view text) : text_(text) {}
+
+  std::optional<StructureLayout> make(std::wstring_view name, std::size_t depth) {
+    const std::optional<std::vector<Declaration>> declarations = declarationsOf(name);
+    if (!declarations || declarations->empty() || depth == kDeepest) return std::nullopt;
+    StructureLayout layout;
+    for (const Declaration& declaration : *declarations) {
+      std::optional<InterfaceMember> member = place(declaration, layout.size, depth);
+      if (!member) return std::nullopt;
+      layout.size = member->offset + member->size;
+      // What stands behind an array or a structure starts a register.
+      if (member->arrayLength != 0 || !member->members.empty())
+        layout.size = roundedUp(layout.size, kRegister);
+      layout.members.push_back(std::move(*member));
+    }
+    layout.size = roundedUp(layout.size, kRegister);
+    return layout;
+  }
+
+private:
+  std::optional<InterfaceMember> place(const Declaration& declaration, std::size_t end, std::size_t depth) {
+    if (++members_ > kMostMembers) return std::nullopt;
+    InterfaceMember member;
+    member.name = toUtf8(declaration.name);
+    member.type = toUtf8(declaration.type);
+    member.arrayLength = declaration.arrayLength;
+    std::size_t alignment = kRegister;
+    if (const std::optional<Shape> shape = shapeOf(declaration.type)) {
+      member.matrixStride = shape->isMatrix ? kRegister : 0;
+      member.size = shape->isMatrix ? shape->columns * kRegister : shape->columns * kComponent;
+      const bool isShort = !shape->isMatrix && shape->columns < 3 && declaration.arrayLength == 0;
+      if (isShort) alignment = member.size;
+    } else {
+      std::optional<StructureLayout> nested = make(declaration.type, depth + 1);
+      if (!nested) return std::nullopt;
+      member.size = nested->size;
+      member.members = std::move(nested->members);
+    }
+    if (declaration.arrayLength != 0) {
+      member.arrayStride = roundedUp(member.size, kRegister);
+      member.size = member.arrayStride * declaration.arrayLength;
+    }
+    member.offset = roundedUp(end, alignment);
+    return member;
+  }
+
+  /// The members of the first structure of that name; nothing when it cannot be read.
+  std::optional<std::vector<Declaration>> declarationsOf(std::wstring_view name) const {
+    Tokens tokens(text_);
+    for (std::wstring_view token = tokens.next(); !token.empty(); token = tokens.next()) {
+      if (token != L"struct" || tokens.next() != name || tokens.next() != L"{") continue;
+      return readMembers(tokens);
+    }
+    return std::nullopt;
+  }
+
+  static std::optional<std::vector<Declaration>> readMembers(Tokens& tokens) {
+    std::vector<Declaration> members;
+    for (std::wstring_view token = tokens.next(); token != L"}"; token = tokens.next()) {
+      Declaration member{token, tokens.next()};
+      token = tokens.next();
+      while (token == L",") {  // one type, many names
+        members.push_back(member);
+        member.name = tokens.next();
+        token = tokens.next();
+      }
+      if (token == L"[") {
+        const std::optional<std::size_t> length = readLength(tokens.next());
+        if (!length || tokens.next() != L"]") return std::nullopt;
+        member.arrayLength = *length;
+        token = tokens.next();
+      }
+      if (token != L";" || !isName(member.type) || !isName(member.name)) return std::nullopt;
+      members.push_back(member);
+    }
+    return members;
+  }
+
+  static bool isName(std::wstring_view token) { return !token.empty() && isIdentifierStart(token[0]); }
+
+  static std::optional<std::size_t> readLength(std::wstring_view token) {
+    std::size_t length = 0;
+    for (const wchar_t c : token) {
+      if (c < L'0' || c > L'9' || length > kLongestArray) return std::nullopt;
+      length = length * 10 + static_cast<std::size_t>(c - L'0');
+    }
+    return length == 0 || length > kLongestArray ? std::nullopt : std::optional(length);
+  }
+
+  std::wstring_view text_;
+  std::size_t members_ = 0;  ///< placed so far, at all depths
+};
+
+}  // namespace
+
+std::optional<StructureLayout> layOutStructure(std::wstring_view text, std::wstring_view name) {
+  return LayoutMaker(text).make(name, 0);
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

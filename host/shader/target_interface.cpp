@@ -1,0 +1,135 @@
+// The interface of a shader in each target: how the compilers number and name what they make of it.
+
+#include <cstdint>
+
+#include "host/shader/interface_names.h"
+#include "host/shader/shader_interface.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+using Kind = InterfaceBuffer::Kind;
+
+std::size_t moduleBinding(const InterfacePlace& place) {
+  switch (place.kind) {
+  case 't': return kFirstTextureBinding + place.number;
+  case 's': return kFirstSamplerBinding + place.number;
+  case 'u': return kFirstWritableBinding + place.number;
+  default: return place.number;
+  }
+}
+
+template <class Change>
+void changePlaces(ShaderInterface& shader, const Change& change) {
+  for (InterfaceBuffer& buffer : shader.buffers) change(buffer.place);
+  for (InterfaceTexture& texture : shader.textures) change(texture.place);
+  for (InterfaceSampler& sampler : shader.samplers) change(sampler.place);
+}
+
+/// What the module calls things holds for all that is translated from it.
+void nameAsModule(ShaderInterface& shader) {
+  for (InterfaceAttribute& attribute : shader.attributes) {
+    attribute.name = attributeName(attribute.name);
+    attribute.semantic.clear();
+  }
+  for (InterfaceRenderTarget& target : shader.renderTargets) target.name = renderTargetName(target.name);
+  for (InterfaceBuffer& buffer : shader.buffers) {
+    if (buffer.kind == Kind::constant) buffer.variable = blockVariable(buffer.name);
+  }
+}
+
+void toSpirv(ShaderInterface& shader) {
+  changePlaces(shader, [](InterfacePlace& place) {
+    place.set = 0;
+    place.binding = moduleBinding(place);
+    place.registerName.clear();
+  });
+}
+
+/// Registers are those of the assembled text; members of buffers are variables of their own.
+void toHlsl(ShaderInterface& shader) {
+  shader.entryPoint = "main";
+  for (InterfaceBuffer& buffer : shader.buffers) {
+    if (buffer.kind != Kind::constant) continue;
+    for (InterfaceMember& member : buffer.members) member.name = buffer.variable + "_" + member.name;
+    buffer.variable.clear();
+  }
+  for (InterfaceAttribute& attribute : shader.attributes) {
+    attribute.semantic = attribute.location                 ? "TEXCOORD" + std::to_string(*attribute.location)
+                         : attribute.builtin == "fragCoord" ? "SV_Position"
+                                                            : "SV_IsFrontFace";
+  }
+}
+
+/// OpenGL ES has no textures of one dimension.
+void toEssl(ShaderInterface& shader) {
+  for (InterfaceTexture& texture : shader.textures) {
+    if (texture.type == "sampler1D") texture.type = "sampler2D";
+  }
+}
+
+/// Textures and samplers are one; uniform blocks, textures and buffers are numbered apart.
+void toGlsl(ShaderInterface& shader) {
+  shader.entryPoint = "main";
+  shader.samplers.clear();
+  for (InterfaceTexture& texture : shader.textures) {
+    texture.type.replace(0, texture.type.find_first_not_of("texture"), "sampler");
+  }
+  changePlaces(shader, [](InterfacePlace& place) {
+    place.binding = place.number;
+    place.registerName.clear();
+  });
+  for (InterfaceBuffer& buffer : shader.buffers) {
+    if (buffer.kind != Kind::constant) buffer.place.binding = moduleBinding(buffer.place);
+  }
+}
+
+InterfaceBuffer sizesBuffer() {
+  InterfaceBuffer buffer;
+  buffer.kind = Kind::sizes;
+  buffer.name = "spvBufferSizeConstants";
+  buffer.place.number = kMetalSizesBuffer;
+  buffer.place.binding = kMetalSizesBuffer;
+  buffer.size = sizeof(std::uint32_t);
+  return buffer;
+}
+
+/// All buffers are numbered together.
+void toMsl(ShaderInterface& shader) {
+  if (shader.entryPoint == "main") shader.entryPoint = "main0";
+  changePlaces(shader, [](InterfacePlace& place) {
+    place.binding = place.number;
+    place.registerName.clear();
+  });
+  for (InterfaceBuffer& buffer : shader.buffers) {
+    if (buffer.kind == Kind::input) buffer.place.binding = kMetalInputBuffer;
+    if (buffer.kind == Kind::output) buffer.place.binding = kMetalOutputBuffer;
+  }
+  if (shader.stage == ShaderStage::compute) shader.buffers.push_back(sizesBuffer());
+  for (InterfaceAttribute& attribute : shader.attributes) {
+    if (attribute.location) attribute.semantic = "user(locn" + std::to_string(*attribute.location) + ")";
+  }
+}
+
+}  // namespace
+
+ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target) {
+  ShaderInterface shader = assembled;
+  shader.target = target;
+  nameAsModule(shader);
+  switch (target) {
+  case ShaderTarget::spirv: toSpirv(shader); break;
+  case ShaderTarget::hlsl: toHlsl(shader); break;
+  case ShaderTarget::glsl: toGlsl(shader); break;
+  case ShaderTarget::essl:
+    toGlsl(shader);
+    toEssl(shader);
+    break;
+  case ShaderTarget::msl: toMsl(shader); break;
+  }
+  hashInterface(shader, assembled.hash);
+  return shader;
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,67 @@
+#include "host/shader/value_origin.h"
+
+#include <algorithm>
+
+namespace TolmSDK::Graphics::sfg::host {
+
+OriginFinder::OriginFinder(const CollapseJob& job) {
+  using Kind = ValueOrigin::Kind;
+  const AShaderFragmentGraph& graph = *job.graph();
+  const GraphDocument& document = job.document();
+  for (std::size_t i = 0; i < document.getNumNodes(); ++i) {
+    add(*graph.getFragment(i), Kind::node, document.node(i).name());
+  }
+  for (std::size_t i = 0; i < graph.getNumPreprocessFragment(); ++i) {
+    const IShaderFragment& fragment = *graph.getPreprocessFragment(i);
+    add(fragment, Kind::preprocess, fragment.instanceName());
+  }
+  for (std::size_t i = 0; i < graph.getNumPostprocessFragments(); ++i) {
+    const IShaderFragment& fragment = *graph.getPostprocessFragment(i);
+    add(fragment, Kind::postprocess, fragment.instanceName());
+  }
+  for (const ShadingEnvironment::Light& light : job.environment().lights()) {
+    add(*light.fragment, Kind::light, light.name);
+  }
+  if (const IShaderFragment* const output = job.environment().getOutputFragment()) {
+    add(*output, Kind::output, output->instanceName());
+  }
+  for (const RefPtr<AParameter const>& uniform : document.uniforms()) {
+    add(uniform->getName(), *uniform, {Kind::graphUniform, WString(), WString(), uniform->getName()});
+  }
+}
+
+void OriginFinder::add(const IShaderFragment& fragment, ValueOrigin::Kind kind, const WString& owner) {
+  const auto addPort = [&](const AParameter& parameter, WString unique) {
+    unique += fragment.instanceName();
+    add(unique, parameter, {kind, owner, fragment.key(), parameter.getName()});
+  };
+  for (std::size_t i = 0; i < fragment.getNumUniforms(); ++i) {
+    const AParameter& uniform = *fragment.getUniform(i);
+    addPort(uniform, uniform.getName());
+  }
+  for (std::size_t i = 0; i < fragment.getNumInputs(); ++i) {
+    const AParameter& input = *fragment.getInput(i);
+    WString unique = input.getName();
+    std::replace(unique.begin(), unique.end(), L'.', L'_');
+    addPort(input, unique);
+  }
+}
+
+void OriginFinder::add(const WString& name, const AParameter& parameter, const ValueOrigin& origin) {
+  candidates_.emplace(name, Candidate{&parameter, origin});
+}
+
+/// Names of two owners can meet; the parameter that the uniform was made from tells them apart.
+ValueOrigin OriginFinder::find(const AParameter& uniform) const {
+  const auto* const renamed = dynamic_cast<const OverrideNameParameter*>(&uniform);
+  const AParameter* const original = renamed != nullptr ? renamed->getOriginal() : &uniform;
+  const auto [first, last] = candidates_.equal_range(uniform.getName());
+  ValueOrigin found;
+  for (auto at = first; at != last; ++at) {
+    if (at->second.parameter == original) return at->second.origin;
+    found = at->second.origin;
+  }
+  return found;
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,187 @@
+// Interfaces with everything that the standard fragments and the examples do not use, and that the comparison
+// with what compilers read sees what is wrong.
+
+#include "host/shader_compiler.h"
+#include "tests/shaders/interface_facts.h"
+#include "tests/shaders/shader_fixture.h"
+#include "tolmsdk/unicode.h"
+
+namespace shaders_test {
+namespace {
+
+using namespace sfg::host;
+
+const Json kEveryType = {
+    {"everyType",
+     {{"language", {"dx11"}},
+      {"predefine",
+       {"struct Inner { float3 axis; float size; };",
+        "struct Outer { Inner inner; float2 more; int counts[3]; float2x3 wide; float3 last; float end; };"}},
+      {"includes", {"sfg_samplers.h"}},
+      {"stateVariables", Json::array()},
+      {"implementation",
+       {"void everyType(bool b, int i, uint3 u, float2 f, float3x3 m, sfg_sampler2D s, sfg_sampler1D s1, "
+        "sfg_sampler3D s3, sfg_samplerCube sc, Outer o, out bool rb, out int2 ri, out float3x3 rm)",
+        "{", "rb = b && !sfg_frontFacing;", "ri = int2(i + o.counts[1], int(u.z));",
+        "float3 t = s.image.SampleLevel(s.filtering, f, 0.0).xyz + s1.image.SampleLevel(s1.filtering, f.x, "
+        "0.0).xyz + s3.image.SampleLevel(s3.filtering, o.last, 0.0).xyz + sc.image.SampleLevel(sc.filtering, "
+        "o.last, 0.0).xyz;",
+        "rm = m * (f.x + o.inner.size + dot(o.inner.axis, t) + o.more.y + o.end + o.wide[1].z) * sfg_time;",
+        "rm[0] += sfg_screenPosition.xyz + sfg_vertexColor.xyz + mul(sfg_matWorld, sfg_vertexColor).xyz;",
+        "rm[1] += n2.y + n3 + (nb ? 1.0 : 0.0) + float(ni) + float(nu.y) + mul(m2, n2).x;",
+        "rm[2] += mul(m4, n4).xyz;", "}"}}}}};
+
+/// With `inputs` the values of the node are inputs of the graph, else uniforms of the node.
+Json everyType(bool inputs) {
+  const std::vector<std::pair<const char*, const char*>> ports = {
+      {"b", "bool"},      {"i", "int"},        {"u", "uint3"},      {"f", "float2"},      {"m", "float3x3"},
+      {"s", "sampler2D"}, {"s1", "sampler1D"}, {"s3", "sampler3D"}, {"sc", "samplerCube"}};
+  Json graph = {{"outputs",
+                 {{{"name", "rb"}, {"type", "bool"}, {"node", "a"}},
+                  {{"name", "ri"}, {"type", "int2"}, {"node", "a"}, {"output", "ri"}},
+                  {{"name", "rm"}, {"type", "float3x3"}, {"node", "a"}, {"output", "rm"}}}},
+                {"uniforms",
+                 {{{"name", "n3"}, {"type", "float3"}, {"value", {1, 2, 3}}},
+                  {{"name", "n2"}, {"type", "float2"}},
+                  {{"name", "nb"}, {"type", "bool"}, {"value", true}},
+                  {{"name", "ni"}, {"type", "int"}},
+                  {{"name", "nu"}, {"type", "uint2"}},
+                  {{"name", "m2"}, {"type", "float2x2"}},
+                  {{"name", "n4"}, {"type", "float4"}},
+                  {{"name", "m4"}, {"type", "float4x4"}}}},
+                {"nodes", {{{"name", "a"}, {"fragment", "everyType"}}}}};
+  if (!inputs) return graph;
+  for (const auto& [name, type] : ports) {
+    graph["inputs"].push_back({{"name", name}, {"type", type}});
+    graph["nodes"][0]["inputs"][name] = {{"graphInput", name}};
+  }
+  graph["inputs"].push_back({{"name", "o"}, {"type", "struct"}, {"struct", "Outer"}});
+  graph["nodes"][0]["inputs"]["o"] = {{"graphInput", "o"}};
+  return graph;
+}
+
+class InterfaceTest : public ShaderFixture {
+protected:
+  CollapseSettings chosen(bool inputs) const {
+    CollapseSettings settings = this->settings(everyType(inputs));
+    define(settings, kEveryType);
+    return settings;
+  }
+};
+
+TEST_F(InterfaceTest, OfEveryTypeIsWhatCompilersRead) {
+  for (const bool inputs : {false, true}) {
+    for (const ShaderStage stage : {ShaderStage::pixel, ShaderStage::compute}) {
+      CollapseSettings settings = chosen(inputs);
+      EXPECT_EQ(compile(settings, stage, true), "");
+      settings.functionName = "main";
+      EXPECT_EQ(compile(settings, stage, true), "");
+      settings.tool = CollapseTool::lightLoop;
+      EXPECT_EQ(compile(settings, stage, true), "");
+    }
+  }
+}
+
+/// Every number and name of the interface, changed one at a time, is told from the compilers'.
+TEST_F(InterfaceTest, ThatIsWrongIsSeen) {
+  CollapseJob job(chosen(true));
+  job.run();
+  const AssembledShader assembled = assembleShader(job, ShaderStage::pixel);
+  const std::vector<std::uint32_t> spirv = compileToSpirv(
+      TolmSDK::toUtf8(assembled.shader.getCompleteShader()), assembled.entryPoint, ShaderStage::pixel);
+  using Change = void (*)(ShaderInterface&);
+  const Change changes[] = {
+      [](ShaderInterface& s) { s.entryPoint += "x"; },
+      [](ShaderInterface& s) { s.attributes.at(0).name += "x"; },
+      [](ShaderInterface& s) { ++*s.attributes.at(0).location; },
+      [](ShaderInterface& s) { s.attributes.at(0).type = "float"; },
+      [](ShaderInterface& s) { s.attributes.at(0).isUsed = false; },
+      [](ShaderInterface& s) { s.buffers.at(0).name += "x"; },
+      [](ShaderInterface& s) { s.buffers.at(0).size += 16; },
+      [](ShaderInterface& s) {
+        InterfacePlace& place = s.buffers.at(0).place;
+        place.binding ? ++*place.binding : 0;
+        if (!place.registerName.empty()) place.registerName = "b9";
+      },
+      [](ShaderInterface& s) { s.buffers.at(0).members.at(1).offset += 4; },
+      [](ShaderInterface& s) { s.buffers.at(0).members.at(1).name += "x"; },
+      [](ShaderInterface& s) { s.buffers.at(0).members.at(1).type = "int4"; },
+      [](ShaderInterface& s) { s.buffers.at(0).members.at(5).matrixStride = 12; },
+      [](ShaderInterface& s) {
+        for (InterfaceBuffer& buffer : s.buffers) {
+          if (buffer.members.at(0).members.size() > 2) buffer.members[0].members[2].arrayStride = 4;
+        }
+      },
+      [](ShaderInterface& s) {
+        InterfacePlace& place = s.textures.at(0).place;
+        place.binding ? ++*place.binding : 0;
+        if (!place.registerName.empty()) place.registerName = "t9";
+      },
+      [](ShaderInterface& s) { s.textures.at(0).type += "x"; },
+      [](ShaderInterface& s) { s.textures.at(0).name += "x"; },
+      [](ShaderInterface& s) { ++s.renderTargets.at(0).index; },
+      [](ShaderInterface& s) { s.renderTargets.at(0).name += "x"; },
+  };
+  for (const ShaderTarget target :
+       {ShaderTarget::spirv, ShaderTarget::hlsl, ShaderTarget::glsl, ShaderTarget::essl, ShaderTarget::msl}) {
+    const std::string text = translate(spirv, ShaderStage::pixel, target);
+    const Facts found = target == ShaderTarget::spirv ? factsOfModule(spirv)
+                        : target == ShaderTarget::msl ? factsOfMetal(text)
+                                                      : factsOfTranslation(text, target, ShaderStage::pixel);
+    ShaderInterface right = interfaceFor(assembled.reflection, target);
+    markUsed(right, spirv);
+    EXPECT_EQ(difference(factsOf(right), found), "") << targetName(target) << text;
+    for (std::size_t i = 0; i < std::size(changes); ++i) {
+      ShaderInterface wrong = right;
+      changes[i](wrong);
+      EXPECT_NE(difference(factsOf(wrong), found), "") << targetName(target) << ", change " << i;
+    }
+  }
+}
+
+TEST_F(InterfaceTest, HashesDifferWithTextTargetAndInterface) {
+  const auto hashOf = [](const CollapseSettings& settings, ShaderStage stage,
+                         std::optional<ShaderTarget> target) {
+    CollapseJob job(settings);
+    job.run();
+    const ShaderInterface shader = assembleShader(job, stage).reflection;
+    return (target ? interfaceFor(shader, *target) : shader).hash;
+  };
+  const CollapseSettings settings = chosen(true);
+  const std::string hash = hashOf(settings, ShaderStage::pixel, std::nullopt);
+  EXPECT_EQ(hash.size(), 40u);
+  EXPECT_EQ(hashOf(settings, ShaderStage::pixel, std::nullopt), hash);
+  EXPECT_NE(hashOf(settings, ShaderStage::compute, std::nullopt), hash);
+  EXPECT_NE(hashOf(settings, ShaderStage::pixel, ShaderTarget::spirv), hash);
+  EXPECT_NE(hashOf(settings, ShaderStage::pixel, ShaderTarget::spirv),
+            hashOf(settings, ShaderStage::pixel, ShaderTarget::glsl));
+
+  CollapseSettings otherOrder = settings;
+  std::reverse(otherOrder.libraryFolders.begin(), otherOrder.libraryFolders.end());
+  EXPECT_EQ(hashOf(otherOrder, ShaderStage::pixel, std::nullopt), hash);
+}
+
+TEST_F(InterfaceTest, TellsWhereValuesComeFrom) {
+  CollapseSettings settings =
+      this->settings({{"outputs", {{{"name", "color"}, {"type", "float3"}, {"node", "lit"}}}},
+                      {"nodes", {{{"name", "lit"}, {"fragment", "ggxSurface"}}}}});
+  light(settings,
+        {{"lights", {{{"name", "n0"}, {"fragment", "directionalLight"}, {"profile", "sfg_Light"}}}}});
+  CollapseJob job(settings);
+  job.run();
+  std::map<std::string, InterfaceOrigin> origins;
+  for (const InterfaceBuffer& buffer : assembleShader(job, ShaderStage::pixel).reflection.buffers) {
+    for (const InterfaceMember& member : buffer.members) origins[member.name] = member.origin;
+  }
+  EXPECT_EQ(origins.at("light_axisn0").kind, "light");
+  EXPECT_EQ(origins.at("light_axisn0").path(), "n0.light_axis");
+  EXPECT_EQ(origins.at("light_axisn0").fragment, "directionalLight");
+  EXPECT_EQ(origins.at("roughnessn0").kind, "node");
+  EXPECT_EQ(origins.at("roughnessn0").path(), "lit.roughness");
+  EXPECT_EQ(origins.at("roughnessn0").fragment, "ggxSurface");
+  EXPECT_EQ(origins.at("sfg_eyePosition").kind, "stateVariable");
+  EXPECT_EQ(origins.at("sfg_eyePosition").path(), "sfg_eyePosition");
+}
+
+}  // namespace
+}  // namespace shaders_test

@@ -1,0 +1,296 @@
+// What `sfg reflect` and `sfg compile --reflect` write.
+
+#include <gmock/gmock.h>
+
+#include "tools/command_test_support.h"
+
+namespace TolmSDK::Graphics::sfg::tools {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kTinted = R"({ "inputs": [ { "name": "amount", "type": "float" } ],
+  "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "tint", "inputs": {
+    "color": { "value": [1, 0.5, 0] }, "amount": { "graphInput": "amount" } } } ] })";
+
+class ReflectTest : public CommandTest {
+protected:
+  ReflectTest() {
+    writeLibrary();
+    write("graph.json", kTinted);
+  }
+
+  /// Without the hash, which is that of a text that other tests hold.
+  std::string reflect(const std::string& arguments) const {
+    const CommandRun result = run("reflect graph.json -L lib " + arguments);
+    EXPECT_EQ(result.status, 0) << result.err;
+    return withoutHash(result.out);
+  }
+  static std::string withoutHash(std::string text) {
+    const std::size_t start = text.find("\"hash\": \"") + 9;
+    EXPECT_EQ(text.find('"', start), start + 40) << text;
+    return text.replace(start, 40, "HASH");
+  }
+};
+
+TEST_F(ReflectTest, TellsAttributesBuffersAndRenderTargets) {
+  EXPECT_EQ(reflect(""), R"({
+  "target": "spirv",
+  "stage": "pixel",
+  "entryPoint": "main",
+  "attributes": [
+    {
+      "name": "sfg_in_amount",
+      "type": "float",
+      "location": 0,
+      "used": true,
+      "origin": {
+        "kind": "graphInput",
+        "name": "amount"
+      }
+    }
+  ],
+  "buffers": [
+    {
+      "name": "sfg_Uniforms",
+      "kind": "constant",
+      "variable": "sfg_uniforms",
+      "set": 0,
+      "binding": 0,
+      "used": true,
+      "size": 16,
+      "members": [
+        {
+          "name": "colorn0",
+          "type": "float3",
+          "offset": 0,
+          "size": 12,
+          "value": [
+            1,
+            0.5,
+            0
+          ],
+          "origin": {
+            "kind": "node",
+            "owner": "a",
+            "name": "color",
+            "fragment": "tint"
+          }
+        }
+      ]
+    }
+  ],
+  "textures": [],
+  "samplers": [],
+  "renderTargets": [
+    {
+      "name": "sfg_out_color",
+      "index": 0,
+      "type": "float3",
+      "origin": {
+        "kind": "graphOutput",
+        "name": "color"
+      }
+    }
+  ],
+  "includes": [],
+  "files": [
+    "graph.json",
+    "lib/test.fraglib"
+  ],
+  "hash": "HASH"
+}
+)");
+}
+
+TEST_F(ReflectTest, TellsTheElementsOfAComputeStage) {
+  EXPECT_EQ(reflect("--stage compute --target assembled"), R"({
+  "target": "assembled",
+  "stage": "compute",
+  "entryPoint": "main",
+  "groupSize": 64,
+  "attributes": [],
+  "buffers": [
+    {
+      "name": "sfg_Uniforms",
+      "kind": "constant",
+      "register": "b0",
+      "size": 16,
+      "members": [
+        {
+          "name": "colorn0",
+          "type": "float3",
+          "offset": 0,
+          "size": 12,
+          "value": [
+            1,
+            0.5,
+            0
+          ],
+          "origin": {
+            "kind": "node",
+            "owner": "a",
+            "name": "color",
+            "fragment": "tint"
+          }
+        }
+      ]
+    },
+    {
+      "name": "sfg_inputs",
+      "kind": "input",
+      "register": "t0",
+      "stride": 16,
+      "members": [
+        {
+          "name": "amount",
+          "type": "float4",
+          "offset": 0,
+          "size": 16,
+          "origin": {
+            "kind": "graphInput",
+            "name": "amount"
+          }
+        }
+      ]
+    },
+    {
+      "name": "sfg_outputs",
+      "kind": "output",
+      "register": "u0",
+      "stride": 16,
+      "members": [
+        {
+          "name": "color",
+          "type": "float4",
+          "offset": 0,
+          "size": 16,
+          "origin": {
+            "kind": "graphOutput",
+            "name": "color"
+          }
+        }
+      ]
+    }
+  ],
+  "textures": [],
+  "samplers": [],
+  "renderTargets": [],
+  "includes": [],
+  "files": [
+    "graph.json",
+    "lib/test.fraglib"
+  ],
+  "hash": "HASH"
+}
+)");
+}
+
+TEST_F(ReflectTest, TellsTexturesWithTheirSamplers) {
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float4", "node": "a" } ],
+    "nodes": [ { "name": "a", "fragment": "pick" } ] })");
+  const std::string includes = "-I " + repository("library");
+  const std::string module = reflect(includes);
+  EXPECT_EQ(module.substr(module.find("  \"textures\""),
+                          module.find("  \"renderTargets\"") - module.find("  \"textures\"")),
+            R"(  "textures": [
+    {
+      "name": "imagen0",
+      "type": "texture2D",
+      "set": 0,
+      "binding": 16,
+      "used": true,
+      "origin": {
+        "kind": "node",
+        "owner": "a",
+        "name": "image",
+        "fragment": "pick"
+      }
+    }
+  ],
+  "samplers": [
+    {
+      "name": "sampler_imagen0",
+      "texture": "imagen0",
+      "set": 0,
+      "binding": 48,
+      "used": true,
+      "origin": {
+        "kind": "node",
+        "owner": "a",
+        "name": "image",
+        "fragment": "pick"
+      }
+    }
+  ],
+)");
+  const std::string combined = reflect(includes + " --target glsl");
+  EXPECT_THAT(combined, HasSubstr("\"type\": \"sampler2D\",\n      \"binding\": 0,"));
+  EXPECT_THAT(combined, HasSubstr("\"samplers\": [],"));
+  EXPECT_THAT(module, HasSubstr("\"includes\": [\n    \"sfg_samplers.h\"\n  ],"));
+  EXPECT_THAT(module, HasSubstr("library/sfg_samplers.h\"\n  ],\n  \"hash\""));
+}
+
+TEST_F(ReflectTest, TellsWhatTheCompilersLeftOut) {
+  write("lib/more.fraglib", R"json({ "ignore": { "language": ["dx11"], "implementation": [
+    "void ignore(float3 color, float2 uv, out float3 result)", "{", "result = color + 0.0 * sfg_texCoord0.x;", "}" ] } })json");
+  write("graph.json", R"({ "inputs": [ { "name": "uv", "type": "float2" } ],
+    "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+    "nodes": [ { "name": "a", "fragment": "ignore", "inputs": { "uv": { "graphInput": "uv" } } } ] })");
+  const std::string text = reflect("");
+  EXPECT_THAT(text,
+              HasSubstr("\"name\": \"sfg_in_uv\",\n      \"type\": \"float2\",\n      \"location\": 1,\n"
+                        "      \"used\": false,"));
+}
+
+TEST_F(ReflectTest, CompileWritesTheSameBesideItsResult) {
+  for (const char* target : {"spirv", "hlsl", "glsl", "essl", "msl"}) {
+    const std::string arguments = std::string("--target ") + target;
+    const CommandRun compiled = run("compile graph.json -L lib -o out --reflect out.json " + arguments);
+    EXPECT_EQ(compiled.status, 0) << compiled.err;
+    EXPECT_EQ(withoutHash(read("out.json")), reflect(arguments)) << target;
+  }
+}
+
+TEST_F(ReflectTest, RefusesWhatCannotBeCompiled) {
+  write("lib/more.fraglib", R"json({ "broken": { "language": ["dx11"], "implementation": [
+    "void broken(out float3 result)", "{", "result = nothing;", "}" ] } })json");
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+    "nodes": [ { "name": "a", "fragment": "broken" } ] })");
+  const CommandRun result = run("reflect graph.json -L lib");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, HasSubstr("nothing"));
+  EXPECT_EQ(run("reflect graph.json -L lib --target assembled").status, 0);
+}
+
+TEST_F(ReflectTest, NamesInTranslationsAreOurs) {
+  for (const char* target : {"hlsl", "glsl", "essl", "msl"}) {
+    const std::string text = run(std::string("compile graph.json -L lib --target ") + target).out;
+    EXPECT_THAT(text, HasSubstr(std::string(target) == "hlsl" ? "float3 sfg_uniforms_colorn0"
+                                                              : "sfg_uniforms.colorn0"))
+        << target;
+    EXPECT_THAT(text, HasSubstr("sfg_in_amount")) << target;
+    EXPECT_THAT(text, HasSubstr("sfg_out_color")) << target;
+    EXPECT_THAT(text, testing::Not(HasSubstr("entryPoint"))) << target;
+  }
+}
+
+TEST_F(ReflectTest, NamesInTranslationsStayUnderAnotherEnvironment) {
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+    "nodes": [ { "name": "a", "fragment": "lit" } ] })");
+  write("one.json", R"({ "lights": [ { "name": "key", "fragment": "lamp", "profile": "Lamp" } ] })");
+  write("two.json", R"({ "lights": [ { "name": "fill", "fragment": "lamp", "profile": "Lamp" },
+                                     { "name": "key", "fragment": "lamp", "profile": "Lamp" } ] })");
+  for (const char* environment : {"one.json", "two.json"}) {
+    const std::string text = run("compile graph.json -L lib --target hlsl --tool lightloop --environment " +
+                                 std::string(environment))
+                                 .out;
+    EXPECT_THAT(text, HasSubstr("    float3 sfg_uniforms_albedon0 : packoffset("));
+    EXPECT_THAT(text, HasSubstr("float3 sfg_out_color : SV_Target0;"));
+  }
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg::tools
