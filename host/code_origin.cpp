@@ -76,15 +76,17 @@ public:
     return note(best);
   }
 
-  /// Users of all names in the line.
-  std::vector<OriginNote> names(std::wstring_view line) const {
+  /// Users of all names in the line; `generated` holds the names that the collapse gave to some of them.
+  std::vector<OriginNote> names(std::wstring_view line, const Map<WString, WString>& generated) const {
     std::vector<OriginNote> notes;
     for (const std::wstring_view name : identifiersOf(line)) {
       Match best;
+      const auto renamed = generated.find(WString(name));
       for (const User& user : users_) {
         keepBetter(best, matchSymbol(user, name));
-        keepBetter(best, matchVariable(user, name));
+        keepBetter(best, matchVariable(user, renamed == generated.end() ? name : renamed->second));
       }
+      if (renamed != generated.end()) best.reason = "uniform " + inTicks(name);
       const std::optional<OriginNote> found = note(best);
       const auto same = [&](const OriginNote& other) {
         return other.place == found->place && other.text == found->text;
@@ -180,7 +182,7 @@ std::vector<OriginNote> findOrigins(const CollapseJob& job, const AssembledShade
   } else if (section->kind == ShaderSection::Kind::symbol) {
     if (const std::optional<OriginNote> found = search.symbol(section->name)) notes.push_back(*found);
   } else {
-    const std::vector<OriginNote> found = search.names(code);
+    const std::vector<OriginNote> found = search.names(code, assembled.generatedNames);
     notes.insert(notes.end(), found.begin(), found.end());
   }
   return notes;

@@ -7,8 +7,8 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage) {
-  const ShaderPlan plan = planShader(job, stage);
+AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage, NameStyle names) {
+  const ShaderPlan plan = planShader(job, stage, names);
   ShaderText text = printShader(plan);
   AssembledShader assembled;
   assembled.sections = text.takeSections();
@@ -16,6 +16,7 @@ AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage) {
   for (const WString& name : plan.uniformNames) assembled.shader.addUniform(name);
   assembled.shader.getStateVariables() = plan.stateVariables;
   assembled.entryPoint = toUtf8(plan.entryPoint);
+  assembled.generatedNames = plan.generatedNames;
   assembled.missingIncludes = plan.missingIncludes;
   assembled.reflection = interfaceOf(plan);
   hashInterface(assembled.reflection, toUtf8(assembled.shader.getCompleteShader()));

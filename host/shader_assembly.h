@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/collapse_job.h"
+#include "host/shader/readable_names.h"
 #include "host/shader/shader_interface.h"
 #include "host/shader/shader_stage.h"
 #include "host/shader/shader_text.h"
@@ -19,6 +20,8 @@ struct AssembledShader {
   std::vector<ShaderSection> sections;
   /// What it takes and gives, as its HLSL text has it.
   ShaderInterface reflection;
+  /// The names that uniforms have in the result, by those they have here, where these differ.
+  Map<WString, WString> generatedNames;
   /// Name of the entry point: "main", or "sfg_main" where the collapsed function has that name.
   std::string entryPoint;
   /// Include files that are named, but in no include folder.
@@ -37,6 +40,7 @@ struct AssembledShader {
 /// textures.
 ///
 /// The job has run and has a result. Throws AssemblyError. The text is the same for the same result.
-AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage);
+AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage,
+                               NameStyle names = NameStyle::generated);
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -38,6 +38,7 @@ public:
         app(), "--format", {{"shader", Format::shader}, {"json", Format::json}}, format_,
         "`shader`: a complete shader; `json`: the generated function and what it needs, nothing assembled");
     declareStageOption(app(), stage_);
+    declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
     declareDepfileOptions(app(), depfile_);
     app().footer(kExample);
@@ -56,7 +57,7 @@ public:
     if (format_ == Format::json) {
       host::writeOutput(output_, host::writeCollapseJson(job.result()));
     } else {
-      const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
+      const std::optional<host::AssembledShader> assembled = assemble(job, stage_, names_, diagnostics);
       if (!assembled) return kRefused;
       host::writeOutput(output_, toUtf8(assembled->shader.getCompleteShader()));
     }
@@ -68,6 +69,7 @@ private:
   host::CollapseSettings settings_;
   Format format_ = Format::shader;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
+  host::NameStyle names_ = host::NameStyle::generated;
   std::string output_;
   DepfileOptions depfile_;
 };

@@ -83,6 +83,16 @@ void declareStageOption(CLI::App& app, host::ShaderStage& stage) {
       "stage of the complete shader");
 }
 
+void declareNamesOption(CLI::App& app, host::NameStyle& names) {
+  std::vector<std::pair<std::string, host::NameStyle>> choices = {{"readable", host::NameStyle::readable},
+                                                                  {"generated", host::NameStyle::generated}};
+  if (names == host::NameStyle::generated) std::swap(choices[0], choices[1]);
+  declareChoice<host::NameStyle>(app, "--names", choices, names,
+                                 "uniforms of the complete shader: `readable`: after node and input, "
+                                 "`bricks_mortar`; `generated`: as the "
+                                 "collapse names them, `mortarn2`");
+}
+
 void declareOutputOption(CLI::App& app, std::string& file) {
   app.add_option("-o,--output", file, "write the result to a file, as a whole or not at all")
       ->type_name("FILE")
@@ -130,9 +140,9 @@ Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics&
 }
 
 std::optional<host::AssembledShader> assemble(const host::CollapseJob& job, host::ShaderStage stage,
-                                              host::Diagnostics& diagnostics) {
+                                              host::NameStyle names, host::Diagnostics& diagnostics) {
   try {
-    host::AssembledShader assembled = host::assembleShader(job, stage);
+    host::AssembledShader assembled = host::assembleShader(job, stage, names);
     for (const WString& name : assembled.missingIncludes) {
       diagnostics.warning(std::string(), "the include file `" + toUtf8(name) +
                                              "` is in no include folder, or empty (see -I)");

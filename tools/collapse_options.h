@@ -46,6 +46,8 @@ void declareLibraryOptions(CLI::App& app, host::CollapseSettings& settings);
 void declareCollapseOptions(CLI::App& app, host::CollapseSettings& settings);
 /// --stage.
 void declareStageOption(CLI::App& app, host::ShaderStage& stage);
+/// --names; what it holds is the default.
+void declareNamesOption(CLI::App& app, host::NameStyle& names);
 /// -o.
 void declareOutputOption(CLI::App& app, std::string& file);
 
@@ -71,6 +73,6 @@ Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics&
 
 /// The complete shader of a job that is done; nothing when it cannot be one, which is then written.
 std::optional<host::AssembledShader> assemble(const host::CollapseJob& job, host::ShaderStage stage,
-                                              host::Diagnostics& diagnostics);
+                                              host::NameStyle names, host::Diagnostics& diagnostics);
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -14,7 +14,8 @@ constexpr const char* kNotes =
     "Example:\n\n"
     "  sfg compile brick.json -L library -I library --target spirv -o brick.spv\n"
     "  sfg compile brick.json -L library -I library --tool lightloop --environment sun.json --target glsl\n\n"
-    "The shader is the one that `sfg collapse` writes. It is compiled to SPIR-V for Vulkan 1.1, legalised, "
+    "The shader is the one that `sfg collapse --names readable` writes. It is compiled to SPIR-V for Vulkan "
+    "1.1, legalised, "
     "optimised\n"
     "and validated, and translated from there; HLSL, GLSL and ESSL are compiled once more to check them.\n"
     "Bindings in SPIR-V: constant buffer N is N, texture N is 16 + N, sampler N is 48 + N, output buffer N "
@@ -38,6 +39,7 @@ public:
         "`spirv`: a module; `hlsl`: shader model 5.0; `glsl`: GLSL 4.50; `essl`: GLSL ES "
         "3.20; `msl`: Metal 2.1");
     declareStageOption(app(), stage_);
+    declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
     app()
         .add_option("--reflect", reflection_, "also write what the shader takes and gives, as `reflect` does")
@@ -50,7 +52,7 @@ public:
     checkDepfile(depfile_, output_);
     host::CollapseJob job(settings_);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
+    const std::optional<host::AssembledShader> assembled = assemble(job, stage_, names_, diagnostics);
     if (!assembled) return kRefused;
     try {
       const std::vector<std::uint32_t> spirv =
@@ -76,6 +78,7 @@ private:
   host::CollapseSettings settings_;
   host::ShaderTarget target_ = host::ShaderTarget::spirv;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
+  host::NameStyle names_ = host::NameStyle::readable;
   std::string output_;
   std::string reflection_;
   DepfileOptions depfile_;

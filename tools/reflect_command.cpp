@@ -40,6 +40,7 @@ public:
                                                      target_,
                                                      "as for `compile`; `assembled`: before any compiler");
     declareStageOption(app(), stage_);
+    declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
     app().footer(kNotes);
   }
@@ -47,7 +48,7 @@ public:
   int run(host::Diagnostics& diagnostics) override {
     host::CollapseJob job(settings_);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
+    const std::optional<host::AssembledShader> assembled = assemble(job, stage_, names_, diagnostics);
     if (!assembled) return kRefused;
     try {
       const host::ShaderInterface shader = target_ ? compiledInterface(*assembled) : assembled->reflection;
@@ -70,6 +71,7 @@ private:
   host::CollapseSettings settings_;
   std::optional<host::ShaderTarget> target_ = host::ShaderTarget::spirv;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
+  host::NameStyle names_ = host::NameStyle::readable;
   std::string output_;
 };
 

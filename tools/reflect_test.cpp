@@ -62,7 +62,7 @@ TEST_F(ReflectTest, TellsAttributesBuffersAndRenderTargets) {
       "size": 16,
       "members": [
         {
-          "name": "colorn0",
+          "name": "a_color",
           "type": "float3",
           "offset": 0,
           "size": 12,
@@ -119,7 +119,7 @@ TEST_F(ReflectTest, TellsTheElementsOfAComputeStage) {
       "size": 16,
       "members": [
         {
-          "name": "colorn0",
+          "name": "a_color",
           "type": "float3",
           "offset": 0,
           "size": 12,
@@ -196,7 +196,7 @@ TEST_F(ReflectTest, TellsTexturesWithTheirSamplers) {
                           module.find("  \"renderTargets\"") - module.find("  \"textures\"")),
             R"(  "textures": [
     {
-      "name": "imagen0",
+      "name": "a_image",
       "type": "texture2D",
       "set": 0,
       "binding": 16,
@@ -211,8 +211,8 @@ TEST_F(ReflectTest, TellsTexturesWithTheirSamplers) {
   ],
   "samplers": [
     {
-      "name": "sampler_imagen0",
-      "texture": "imagen0",
+      "name": "sampler_a_image",
+      "texture": "a_image",
       "set": 0,
       "binding": 48,
       "used": true,
@@ -265,11 +265,42 @@ TEST_F(ReflectTest, RefusesWhatCannotBeCompiled) {
   EXPECT_EQ(run("reflect graph.json -L lib --target assembled").status, 0);
 }
 
+TEST_F(ReflectTest, NamesAreThoseOfTheCollapseWhereWanted) {
+  EXPECT_THAT(reflect("--names generated"), HasSubstr("\"name\": \"colorn0\",\n          \"type\""));
+  const std::string arguments = "compile graph.json -L lib --target glsl --names ";
+  EXPECT_THAT(run(arguments + "generated").out, HasSubstr("sfg_uniforms.colorn0"));
+  EXPECT_EQ(run(arguments + "readable").out, run("compile graph.json -L lib --target glsl").out);
+}
+
+TEST_F(ReflectTest, CollapseRenamesWhereWanted) {
+  const CommandRun plain = run("collapse graph.json -L lib");
+  EXPECT_EQ(run("collapse graph.json -L lib --names generated").out, plain.out);
+  std::string renamed = plain.out;
+  for (std::size_t at = 0; (at = renamed.find("colorn0", at)) != renamed.npos;)
+    renamed.replace(at, 7, "a_color");
+  EXPECT_NE(renamed, plain.out);
+  EXPECT_EQ(run("collapse graph.json -L lib --names readable").out, renamed);
+  EXPECT_EQ(run("collapse graph.json -L lib --names readable --format json").out,
+            run("collapse graph.json -L lib --format json").out);
+}
+
+TEST_F(ReflectTest, NotesOnLinesWithReadableNamesKnowTheirFragments) {
+  write("lib/more.fraglib", R"json({ "odd": { "mode": "inline", "language": ["dx11"],
+    "implementation": ["nothing({{amount}})"] } })json");
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "b" } ],
+    "nodes": [ { "name": "b", "fragment": "odd", "interface": {
+      "inputs": [ { "name": "amount", "type": "float" } ], "outputs": [ { "name": "r", "type": "float3" } ] } } ] })");
+  const CommandRun result = run("compile graph.json -L lib");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("the line is `color = (nothing(b_amount));`"));
+  EXPECT_THAT(result.err, HasSubstr("uniform `b_amount` is of fragment `odd`, node `b`"));
+}
+
 TEST_F(ReflectTest, NamesInTranslationsAreOurs) {
   for (const char* target : {"hlsl", "glsl", "essl", "msl"}) {
     const std::string text = run(std::string("compile graph.json -L lib --target ") + target).out;
-    EXPECT_THAT(text, HasSubstr(std::string(target) == "hlsl" ? "float3 sfg_uniforms_colorn0"
-                                                              : "sfg_uniforms.colorn0"))
+    EXPECT_THAT(text, HasSubstr(std::string(target) == "hlsl" ? "float3 sfg_uniforms_a_color"
+                                                              : "sfg_uniforms.a_color"))
         << target;
     EXPECT_THAT(text, HasSubstr("sfg_in_amount")) << target;
     EXPECT_THAT(text, HasSubstr("sfg_out_color")) << target;
@@ -287,7 +318,7 @@ TEST_F(ReflectTest, NamesInTranslationsStayUnderAnotherEnvironment) {
     const std::string text = run("compile graph.json -L lib --target hlsl --tool lightloop --environment " +
                                  std::string(environment))
                                  .out;
-    EXPECT_THAT(text, HasSubstr("    float3 sfg_uniforms_albedon0 : packoffset("));
+    EXPECT_THAT(text, HasSubstr("    float3 sfg_uniforms_a_albedo : packoffset("));
     EXPECT_THAT(text, HasSubstr("float3 sfg_out_color : SV_Target0;"));
   }
 }

@@ -475,13 +475,13 @@ TEST_F(ShaderTest, KeepsNamesOfUniformsAndTexturesInEveryText) {
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float4", "node": "a" } ],
     "nodes": [ { "name": "a", "fragment": "pick" } ] })");
   const std::string arguments = "compile graph.json -L lib -I " + repository("library") + " --target ";
-  EXPECT_NE(run(arguments + "glsl").out.find("layout(binding = 0) uniform sampler2D imagen0;"),
+  EXPECT_NE(run(arguments + "glsl").out.find("layout(binding = 0) uniform sampler2D a_image;"),
             std::string::npos);
-  EXPECT_NE(run(arguments + "essl").out.find("layout(binding = 0) uniform highp sampler2D imagen0;"),
+  EXPECT_NE(run(arguments + "essl").out.find("layout(binding = 0) uniform highp sampler2D a_image;"),
             std::string::npos);
-  EXPECT_NE(run(arguments + "hlsl").out.find("Texture2D<float4> imagen0 : register(t0);"), std::string::npos);
-  EXPECT_NE(run(arguments + "msl").out.find("texture2d<float> imagen0"), std::string::npos);
-  EXPECT_NE(run(arguments + "glsl").out.find("vec2 uvn0;"), std::string::npos);
+  EXPECT_NE(run(arguments + "hlsl").out.find("Texture2D<float4> a_image : register(t0);"), std::string::npos);
+  EXPECT_NE(run(arguments + "msl").out.find("texture2d<float> a_image"), std::string::npos);
+  EXPECT_NE(run(arguments + "glsl").out.find("vec2 a_uv;"), std::string::npos);
 }
 
 TEST_F(ShaderTest, SpirvStartsWithItsMagicNumber) {

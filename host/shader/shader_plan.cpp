@@ -39,8 +39,8 @@ const Array<UString>& stateSources() {
 /// Fills a plan, one member after another; later ones read earlier ones.
 class Planner {
 public:
-  Planner(const CollapseJob& job, ShaderStage stage)
-      : job_(job), language_(job.libraries().language()), result_(*job.result()),
+  Planner(const CollapseJob& job, ShaderStage stage, NameStyle names)
+      : job_(job), names_(names), language_(job.libraries().language()), result_(*job.result()),
         profile_(*result_.getProfile(0)), origins_(job) {
     plan_.stage = stage;
   }
@@ -54,10 +54,11 @@ public:
     findState();
     findUniforms();
     findGraphInputs();
+    findIncludes();
     findParameters();
     findVaryings();
     findOutputs();
-    findIncludes();
+    if (names_ == NameStyle::readable) nameUniforms();
     findStructures();
     findBuffers();
     findTextures();
@@ -85,8 +86,53 @@ private:
     for (std::size_t i = 0; i < result_.getNumUniforms(); ++i) {
       const AParameter* const uniform = result_.getUniform(i);
       if (!names.insert(uniform->getName()).second) continue;
-      uniforms_.push_back(uniform);
+      uniforms_.push_back({uniform, uniform->getName(), origins_.find(*uniform)});
       plan_.uniformNames.push_back(uniform->getName());
+    }
+  }
+
+  /// Uniforms are renamed wherever the code names them. Those that include files name keep their names.
+  void nameUniforms() {
+    Set<std::wstring_view> taken = identifiersOf(plan_.body);
+    taken.merge(identifiersOf(plan_.predefines));
+    Set<std::wstring_view> included;
+    for (const IncludedText& include : plan_.includes) included.merge(identifiersOf(include.text));
+    const ITextParameterList& list = *plan_.parameters.list;
+    for (std::size_t i = 0; i < list.getNumInputs(); ++i) taken.insert(list.getInputName(i));
+    for (const GraphInput& input : plan_.graphInputs) taken.insert(input.port.name);
+    for (const Port& output : plan_.outputs) taken.insert(output.name);
+    taken.insert(plan_.functionName);
+
+    std::vector<NamedUniform> named;
+    for (const Uniform& uniform : uniforms_) {
+      taken.insert(uniform.name);
+      const bool isFixed = included.contains(uniform.name) || included.contains(L"sampler_" + uniform.name);
+      if (!isFixed) named.push_back({uniform.name, uniform.origin});
+    }
+    taken.merge(included);
+    rename(readableNames(named, taken));
+  }
+
+  void rename(std::unordered_map<std::wstring_view, WString> names) {
+    std::vector<WString> samplers;  // the keys of their names
+    samplers.reserve(uniforms_.size());
+    plan_.uniformNames.clear();
+    for (Uniform& uniform : uniforms_) {
+      const auto found = names.find(uniform.name);
+      if (found != names.end() && isSamplerType(uniform.parameter->getType())) {
+        samplers.push_back(L"sampler_" + uniform.name);
+        names.emplace(samplers.back(), L"sampler_" + found->second);
+      }
+    }
+    plan_.body = withNames(plan_.body, names);
+    plan_.predefines = withNames(plan_.predefines, names);
+    for (Uniform& uniform : uniforms_) {
+      const auto found = names.find(uniform.parameter->getName());
+      if (found != names.end()) {
+        plan_.generatedNames.emplace(found->second, uniform.name);
+        uniform.name = found->second;
+      }
+      plan_.uniformNames.push_back(uniform.name);
     }
   }
 
@@ -228,8 +274,9 @@ private:
 
   void findStructures() {
     plan_.stateStructures = plan_.state.shaderInputTypes;
-    for (const AParameter* uniform : uniforms_) {
-      if (uniform->getType() == TypeID_struct) plan_.uniformStructures.push_back(uniform->getStructName());
+    for (const Uniform& uniform : uniforms_) {
+      const AParameter& parameter = *uniform.parameter;
+      if (parameter.getType() == TypeID_struct) plan_.uniformStructures.push_back(parameter.getStructName());
     }
     for (const GraphInput& input : plan_.graphInputs) {
       if (input.port.type == TypeID_nil) plan_.uniformStructures.push_back(input.port.typeText);
@@ -238,9 +285,11 @@ private:
 
   void findBuffers() {
     std::vector<BufferMember> members;
-    for (const AParameter* uniform : uniforms_) {
-      if (isSamplerType(uniform->getType())) continue;
-      members.push_back({portOf(*uniform), origins_.find(*uniform), uniform->getDefaultValue()});
+    for (const Uniform& uniform : uniforms_) {
+      if (isSamplerType(uniform.parameter->getType())) continue;
+      Port port = portOf(*uniform.parameter);
+      port.name = uniform.name;
+      members.push_back({port, uniform.origin, uniform.parameter->getDefaultValue()});
     }
     addBuffers(L"sfg_Uniforms", members);
     members.clear();
@@ -267,9 +316,9 @@ private:
   }
 
   void findTextures() {
-    for (const AParameter* uniform : uniforms_) {
-      if (isSamplerType(uniform->getType()))
-        addTexture(uniform->getType(), uniform->getName(), origins_.find(*uniform));
+    for (const Uniform& uniform : uniforms_) {
+      const TypeID& type = uniform.parameter->getType();
+      if (isSamplerType(type)) addTexture(type, uniform.name, uniform.origin);
     }
     for (const GraphInput& input : plan_.graphInputs) {
       if (input.way == GraphInput::Way::texture)
@@ -285,20 +334,29 @@ private:
     return {Kind::graphInput, WString(), WString(), input.port.name};
   }
 
+  struct Uniform {
+    const AParameter* parameter;
+    WString name;  ///< in the complete shader
+    ValueOrigin origin;
+  };
+
   const CollapseJob& job_;
+  const NameStyle names_;
   const LanguageDx11& language_;
   const IShaderFragment& result_;
   const IShaderFragmentProfile& profile_;
   const OriginFinder origins_;
   Set<UString> usedVariables_;  ///< those of the function, and those that fill its state
-  Array<const AParameter*> uniforms_;
+  std::vector<Uniform> uniforms_;
   std::size_t nextLocation_ = 0;
   ShaderPlan plan_;
 };
 
 }  // namespace
 
-ShaderPlan planShader(const CollapseJob& job, ShaderStage stage) { return Planner(job, stage).make(); }
+ShaderPlan planShader(const CollapseJob& job, ShaderStage stage, NameStyle names) {
+  return Planner(job, stage, names).make();
+}
 
 WString rowName(const Port& output, std::size_t row) {
   if (!isMatrix(output.type)) return output.name;

@@ -7,6 +7,7 @@
 #include "host/collapse_job.h"
 #include "host/shader/buffer_layout.h"
 #include "host/shader/predefine_parts.h"
+#include "host/shader/readable_names.h"
 #include "host/shader/shader_stage.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -84,11 +85,12 @@ struct ShaderPlan {
   std::vector<Port> outputs;
 
   Array<WString> uniformNames;
-  Set<UString> stateVariables;  ///< that the function names
+  Map<WString, WString> generatedNames;  ///< of uniforms, by the names they have here where these differ
+  Set<UString> stateVariables;           ///< that the function names
 };
 
 /// The job has run and has a result. Throws AssemblyError.
-ShaderPlan planShader(const CollapseJob& job, ShaderStage stage);
+ShaderPlan planShader(const CollapseJob& job, ShaderStage stage, NameStyle names);
 
 /// The name of an output's row: the output's own unless it is a matrix.
 WString rowName(const Port& output, std::size_t row);

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "host/identifiers.h"
-#include "host/shader/shader_types.h"
+#include "host/shader/number_shape.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -59,29 +59,6 @@ struct Declaration {
   std::size_t arrayLength = 0;
 };
 
-/// Columns and rows of a number type ("float", "int3", "float2x4" has two rows).
-struct Shape {
-  std::size_t rows = 1;
-  std::size_t columns = 1;
-  bool isMatrix = false;
-};
-
-std::optional<Shape> shapeOf(std::wstring_view type) {
-  for (const std::wstring_view scalar : {L"float", L"int", L"uint", L"bool"}) {
-    if (!type.starts_with(scalar)) continue;
-    const std::wstring_view rest = type.substr(scalar.size());
-    const auto digit = [&](std::size_t at) { return static_cast<std::size_t>(rest[at] - L'0'); };
-    const auto isSize = [&](std::size_t at) { return rest[at] >= L'1' && rest[at] <= L'4'; };
-    if (rest.empty()) return Shape{};
-    if (rest.size() == 1 && isSize(0)) return Shape{1, digit(0), false};
-    if (rest.size() == 3 && isSize(0) && rest[1] == L'x' && isSize(2) && digit(0) > 1 && digit(2) > 1 &&
-        scalar == L"float") {
-      return Shape{digit(0), digit(2), true};
-    }
-  }
-  return std::nullopt;
-}
-
 class LayoutMaker {
 public:
   explicit LayoutMaker(std::wstring_view text) : text_(text) {}
@@ -111,7 +88,7 @@ private:
     member.type = toUtf8(declaration.type);
     member.arrayLength = declaration.arrayLength;
     std::size_t alignment = kRegister;
-    if (const std::optional<Shape> shape = shapeOf(declaration.type)) {
+    if (const std::optional<NumberShape> shape = numberShapeOf(member.type)) {
       member.matrixStride = shape->isMatrix ? kRegister : 0;
       member.size = shape->isMatrix ? shape->columns * kRegister : shape->columns * kComponent;
       const bool isShort = !shape->isMatrix && shape->columns < 3 && declaration.arrayLength == 0;

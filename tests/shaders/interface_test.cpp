@@ -1,6 +1,9 @@
 // Interfaces with everything that the standard fragments and the examples do not use, and that the comparison
 // with what compilers read sees what is wrong.
 
+#include <filesystem>
+#include <fstream>
+
 #include "host/shader_compiler.h"
 #include "tests/shaders/interface_facts.h"
 #include "tests/shaders/shader_fixture.h"
@@ -181,6 +184,124 @@ TEST_F(InterfaceTest, TellsWhereValuesComeFrom) {
   EXPECT_EQ(origins.at("roughnessn0").fragment, "ggxSurface");
   EXPECT_EQ(origins.at("sfg_eyePosition").kind, "stateVariable");
   EXPECT_EQ(origins.at("sfg_eyePosition").path(), "sfg_eyePosition");
+}
+
+/// The module's words without those that only name things.
+std::vector<std::uint32_t> withoutNames(const std::vector<std::uint32_t>& module) {
+  constexpr std::size_t kHeader = 5;
+  constexpr std::uint32_t kName = 5;
+  constexpr std::uint32_t kMemberName = 6;
+  std::vector<std::uint32_t> words(module.begin(), module.begin() + kHeader);
+  for (std::size_t at = kHeader; at < module.size(); at += module[at] >> 16) {
+    const std::uint32_t operation = module[at] & 0xffffu;
+    if (operation == kName || operation == kMemberName) continue;
+    words.insert(words.end(), module.begin() + static_cast<std::ptrdiff_t>(at),
+                 module.begin() + static_cast<std::ptrdiff_t>(at + (module[at] >> 16)));
+  }
+  return words;
+}
+
+TEST_F(InterfaceTest, ReadableNamesChangeNothingElse) {
+  for (const auto& file : std::filesystem::directory_iterator("examples/materials")) {
+    if (file.path().extension() != ".json") continue;
+    std::ifstream stream(file.path());
+    CollapseSettings lit = settings(Json::parse(stream));
+    light(lit, environmentOf(4));
+    CollapseJob job(lit);
+    job.run();
+    std::vector<std::vector<std::uint32_t>> modules;
+    for (const NameStyle names : {NameStyle::generated, NameStyle::readable}) {
+      const AssembledShader assembled = assembleShader(job, ShaderStage::pixel, names);
+      EXPECT_EQ(assembled.generatedNames.empty(), names == NameStyle::generated) << file.path();
+      modules.push_back(withoutNames(compileToSpirv(TolmSDK::toUtf8(assembled.shader.getCompleteShader()),
+                                                    assembled.entryPoint, ShaderStage::pixel)));
+    }
+    EXPECT_TRUE(modules[0] == modules[1]) << file.path();
+  }
+}
+
+/// Whatever graph, nodes and uniforms are called, every target has the names that the interface says.
+TEST_F(InterfaceTest, NamesAreKeywordsOfNoTarget) {
+  const std::vector<std::string> words = {"sample",      "kernel",
+                                          "texture",     "buffer",
+                                          "input",       "output",
+                                          "filter",      "common",
+                                          "vec3",        "float3x4",
+                                          "half",        "device",
+                                          "constant",    "fragment",
+                                          "vertex",      "thread",
+                                          "uniform",     "varying",
+                                          "attribute",   "in",
+                                          "out",         "inout",
+                                          "flat",        "precise",
+                                          "lowp",        "class",
+                                          "template",    "union",
+                                          "operator",    "this",
+                                          "half4",       "mix",
+                                          "clamp",       "saturate",
+                                          "lerp",        "frac",
+                                          "fract",       "rsqrt",
+                                          "select",      "main",
+                                          "main0",       "position",
+                                          "color",       "access",
+                                          "bias",        "level",
+                                          "abs",         "min",
+                                          "assert",      "typename",
+                                          "constexpr",   "nullptr",
+                                          "auto",        "register",
+                                          "row_major",   "packoffset",
+                                          "cbuffer",     "SamplerState",
+                                          "Texture2D",   "matrix",
+                                          "vector",      "technique",
+                                          "pass",        "string",
+                                          "gl_Color",    "a__b",
+                                          "_1",          "isnan",
+                                          "active",      "partition",
+                                          "resource",    "patch",
+                                          "not",         "and",
+                                          "xor",         "goto",
+                                          "sizeof",      "enum",
+                                          "long",        "short",
+                                          "unsigned",    "signed",
+                                          "double",      "typedef",
+                                          "static_cast", "discard_fragment",
+                                          "extract_bits"};
+  std::string sum = "result = 0.0";
+  Json graph = {{"outputs", {{{"name", "result"}, {"type", "float"}, {"node", "row"}}}},
+                {"nodes", Json::array()}};
+  std::string parameters;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const std::string number = std::to_string(i);
+    parameters += "float p" + number + ", ";
+    sum += " + p" + number;
+  }
+  // Nodes are called after the words, too; the last is fed by them all.
+  Json last = {{"name", "row"}, {"fragment", "sumOfAll"}, {"inputs", Json::object()}};
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    graph["nodes"].push_back({{"name", words[i]}, {"fragment", "passOn"}});
+    last["inputs"]["p" + std::to_string(i)] = {{"node", words[i]}};
+  }
+  graph["nodes"].push_back(last);
+  CollapseSettings settings = this->settings(graph);
+  const auto code = [](const std::string& prototype, const std::string& body) {
+    return Json({{"language", {"dx11"}}, {"implementation", {prototype, "{", body, "}"}}});
+  };
+  define(settings,
+         {{"passOn", code("void passOn(float major, float x, out float result)", "result = major * x;")},
+          {"sumOfAll", code("void sumOfAll(" + parameters + "out float result)", sum + ";")}});
+  EXPECT_EQ(compile(settings, ShaderStage::pixel, true), "");
+
+  // The graph's own uniforms, which code names. HLSL itself refuses its keywords.
+  for (const char* word :
+       {"kernel", "buffer", "filter", "common", "device", "constant", "mix", "fract", "level", "access",
+        "active", "partition", "patch", "fragment", "vertex", "attribute", "varying"}) {
+    Json one = {{"outputs", {{{"name", "result"}, {"type", "float"}, {"node", "n"}}}},
+                {"uniforms", {{{"name", word}, {"type", "float"}}}},
+                {"nodes", {{{"name", "n"}, {"fragment", "namesIt"}}}}};
+    CollapseSettings own = this->settings(one);
+    define(own, {{"namesIt", code("void namesIt(out float result)", std::string("result = ") + word + ";")}});
+    EXPECT_EQ(compile(own, ShaderStage::pixel, true), "") << word;
+  }
 }
 
 }  // namespace

@@ -91,7 +91,7 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   CollapseJob job(settings);
   job.run();
   if (job.result() == nullptr) return "the collapse answers null";
-  const AssembledShader assembled = assembleShader(job, stage);
+  const AssembledShader assembled = assembleShader(job, stage, NameStyle::readable);
   if (!assembled.missingIncludes.empty()) return "include files are missing";
   for (const Warning& warning : findWarnings(job, true)) return warning.place + ": " + warning.text;
   const std::string hlsl = TolmSDK::toUtf8(assembled.shader.getCompleteShader());
