@@ -1,4 +1,6 @@
+#include "host/input_error.h"
 #include "host/output_file.h"
+#include "host/shader/buffer_packing.h"
 #include "host/shader_compiler.h"
 #include "tolmsdk/unicode.h"
 #include "tools/collapse_options.h"
@@ -22,6 +24,11 @@ constexpr const char* kNotes =
     "and scene. Parts that the compilers left out are told by `\"used\": false`. `assembled` is the shader "
     "of "
     "`sfg collapse`.\n\n"
+    "  sfg reflect brick.json -L library -I library --pack brick.bin --set pattern.mortar=0.1\n\n"
+    "writes what the buffer `sfg_Uniforms` holds with another width of mortar: nothing is compiled, and the "
+    "bytes "
+    "are the\n"
+    "same for every target. Each value takes as many numbers as it has components, a matrix row by row.\n\n"
     "Exit status: 0 done; 1 the collapse or a compiler refused; 2 wrong usage or unreadable input.\n";
 
 class ReflectCommand : public Command {
@@ -42,6 +49,23 @@ public:
     declareStageOption(app(), stage_);
     declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
+    CLI::Option* const pack =
+        app()
+            .add_option("--pack", packed_,
+                        "write the bytes of a constant buffer to a file, instead of the description")
+            ->type_name("FILE");
+    app()
+        .add_option("--set", settingTexts_,
+                    "a value in the packed buffer: `node.input=1,2,3`, `light.input=true`; others are as the "
+                    "graph gives them; repeatable")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false)
+        ->needs(pack);
+    app()
+        .add_option("--buffer", bufferName_, "the buffer to pack")
+        ->type_name("NAME")
+        ->capture_default_str()
+        ->needs(pack);
     app().footer(kNotes);
   }
 
@@ -51,16 +75,40 @@ public:
     const std::optional<host::AssembledShader> assembled = assemble(job, stage_, names_, diagnostics);
     if (!assembled) return kRefused;
     try {
+      if (!packed_.empty()) {
+        host::writeOutput(packed_, pack(assembled->reflection));
+        return kDone;
+      }
       const host::ShaderInterface shader = target_ ? compiledInterface(*assembled) : assembled->reflection;
       host::writeOutput(output_, host::writeInterfaceJson(shader, sourceFiles(job, shader.includes)));
     } catch (const host::CompileError& error) {
       reportCompileError(job, *assembled, error, diagnostics);
       return kRefused;
+    } catch (const host::PackError& error) {
+      throw host::InputError(error.what());
     }
     return kDone;
   }
 
 private:
+  /// Offsets are the same in every target.
+  std::string pack(const host::ShaderInterface& shader) const {
+    std::vector<host::ValueSetting> settings;
+    for (const std::string& text : settingTexts_) settings.push_back(host::parseSetting(text));
+    const std::vector<std::uint8_t> bytes = host::packBuffer(findBuffer(shader), settings);
+    return {bytes.begin(), bytes.end()};
+  }
+
+  const host::InterfaceBuffer& findBuffer(const host::ShaderInterface& shader) const {
+    std::vector<std::string> names;
+    for (const host::InterfaceBuffer& buffer : shader.buffers) {
+      if (buffer.name == bufferName_) return buffer;
+      names.push_back(buffer.name);
+    }
+    throw host::PackError("the shader has no buffer `" + bufferName_ + "`" +
+                          host::knownNamesHint(bufferName_, names));
+  }
+
   host::ShaderInterface compiledInterface(const host::AssembledShader& assembled) const {
     host::ShaderInterface shader = host::interfaceFor(assembled.reflection, *target_);
     host::markUsed(shader, host::compileToSpirv(toUtf8(assembled.shader.getCompleteShader()),
@@ -73,6 +121,9 @@ private:
   host::ShaderStage stage_ = host::ShaderStage::pixel;
   host::NameStyle names_ = host::NameStyle::readable;
   std::string output_;
+  std::string packed_;
+  std::string bufferName_ = "sfg_Uniforms";
+  std::vector<std::string> settingTexts_;
 };
 
 }  // namespace

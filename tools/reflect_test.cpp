@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cstring>
+
 #include "tools/command_test_support.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
@@ -321,6 +323,58 @@ TEST_F(ReflectTest, NamesInTranslationsStayUnderAnotherEnvironment) {
     EXPECT_THAT(text, HasSubstr("    float3 sfg_uniforms_a_albedo : packoffset("));
     EXPECT_THAT(text, HasSubstr("float3 sfg_out_color : SV_Target0;"));
   }
+}
+
+/// The floats of a file.
+std::vector<float> floatsOf(const std::string& bytes) {
+  std::vector<float> values(bytes.size() / sizeof(float));
+  std::memcpy(values.data(), bytes.data(), values.size() * sizeof(float));
+  return values;
+}
+
+TEST_F(ReflectTest, PacksABufferWithTheValuesOfTheGraph) {
+  EXPECT_EQ(run("reflect graph.json -L lib --pack out.bin").out, "");
+  EXPECT_EQ(floatsOf(read("out.bin")), (std::vector<float>{1, 0.5, 0, 0}));
+}
+
+TEST_F(ReflectTest, PacksABufferWithOtherValues) {
+  for (const char* setting : {"a.color=7,8.5,-9", "a_color=7,8.5,-9"}) {
+    const CommandRun result =
+        run(std::string("reflect graph.json -L lib --pack out.bin --set a.color=1,1,1 --set ") + setting);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(floatsOf(read("out.bin")), (std::vector<float>{7, 8.5, -9, 0}));
+  }
+}
+
+TEST_F(ReflectTest, PacksTheBufferThatIsNamed) {
+  write("lib/more.fraglib", R"json({ "clockwork": { "language": ["dx11"], "implementation": [
+    "void clockwork(out float3 result)", "{", "result = sfg_eyePosition * sfg_time;", "}" ] } })json");
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+    "nodes": [ { "name": "a", "fragment": "clockwork" } ] })");
+  const CommandRun result =
+      run("reflect graph.json -L lib --pack out.bin --buffer sfg_StateUniforms --set sfg_time=2 --set "
+          "sfg_eyePosition=3,4,5");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(floatsOf(read("out.bin")), (std::vector<float>{3, 4, 5, 2}));
+  EXPECT_EQ(
+      run("reflect graph.json -L lib --pack out.bin").err,
+      "sfg: error: the shader has no buffer `sfg_Uniforms`; did you mean `sfg_StateUniforms`? Known are "
+      "`sfg_StateUniforms`\n");
+}
+
+TEST_F(ReflectTest, RefusesToPackWhatIsNotThere) {
+  const auto refusal = [&](const std::string& arguments) {
+    const CommandRun result = run("reflect graph.json -L lib " + arguments);
+    EXPECT_EQ(result.status, 2) << arguments;
+    return result.err;
+  };
+  EXPECT_EQ(refusal("--pack out.bin --set a.colour=1,2,3"),
+            "sfg: error: no value is called `a.colour`; did you mean `a.color`? Known are `a.color`\n");
+  EXPECT_EQ(refusal("--pack out.bin --set a.color=1,2"),
+            "sfg: error: `a.color` is of type `float3`: 3 numbers, not 2\n");
+  EXPECT_EQ(refusal("--pack out.bin --set a.color"),
+            "sfg: error: `a.color` is not of the form `name=value`\n");
+  EXPECT_THAT(refusal("--set a.color=1,2,3"), HasSubstr("--pack"));
 }
 
 }  // namespace

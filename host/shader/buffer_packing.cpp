@@ -214,8 +214,8 @@ std::string knownNamesHint(const std::string& name, const std::vector<std::strin
     }
   }
   std::string hint = nearest != nullptr ? "; did you mean " + ticked(*nearest) + "?" : "";
-  if (known.empty()) return hint + "; there are none";
-  hint += nearest != nullptr ? " There are " : "; there are ";
+  if (known.empty()) return hint + "; none are known";
+  hint += nearest != nullptr ? " Known are " : "; known are ";
   for (std::size_t i = 0; i < known.size() && i < kMostNamesTold; ++i) {
     hint += (i == 0 ? "" : ", ") + ticked(known[i]);
   }

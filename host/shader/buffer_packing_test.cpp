@@ -107,14 +107,14 @@ TEST(BufferPacking, RefusesWhatDoesNotFit) {
 
 TEST(BufferPacking, NamesWhatIsKnown) {
   EXPECT_EQ(refusal({{"shade.tnt", {1}}}),
-            "no value is called `shade.tnt`; did you mean `shade.tint`? There are `shade.tint`, `shade.on`, "
+            "no value is called `shade.tnt`; did you mean `shade.tint`? Known are `shade.tint`, `shade.on`, "
             "`shade.count`, `shade.mask`, `shade.turn`, `shade.list`, `shade.lamp.power`");
   EXPECT_EQ(refusal({{"nothing like it", {1}}}),
-            "no value is called `nothing like it`; there are `shade.tint`, `shade.on`, "
+            "no value is called `nothing like it`; known are `shade.tint`, `shade.on`, "
             "`shade.count`, `shade.mask`, `shade.turn`, `shade.list`, `shade.lamp.power`");
-  EXPECT_EQ(knownNamesHint("x", {}), "; there are none");
+  EXPECT_EQ(knownNamesHint("x", {}), "; none are known");
   EXPECT_EQ(knownNamesHint("x", std::vector<std::string>(14, "long name")),
-            "; there are `long name`, `long name`, `long name`, `long name`, `long name`, `long name`, `long "
+            "; known are `long name`, `long name`, `long name`, `long name`, `long name`, `long name`, `long "
             "name`, `long name`, `long name`, `long name`, `long name`, `long name` and 2 more");
 }
 

@@ -14,6 +14,7 @@
 #include <spirv/unified1/spirv.hpp>
 
 #include "host/collapse_job.h"
+#include "host/shader/buffer_packing.h"
 #include "host/shader_assembly.h"
 #include "host/shader_compiler.h"
 #include "tests/numbers/agreement.h"
@@ -116,6 +117,24 @@ public:
   TemporaryFile(TemporaryFile const&) = delete;
   TemporaryFile& operator=(TemporaryFile const&) = delete;
   std::string path() const { return path_.string(); }
+
+private:
+  std::filesystem::path path_;
+};
+
+class TemporaryFolder {
+public:
+  TemporaryFolder()
+      : path_(std::filesystem::temp_directory_path() / ("sfg_numbers_" + std::to_string(getpid()))) {
+    std::filesystem::create_directories(path_);
+  }
+  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+  TemporaryFolder(TemporaryFolder const&) = delete;
+  TemporaryFolder& operator=(TemporaryFolder const&) = delete;
+  std::string path(std::string const& name) const { return (path_ / name).string(); }
+  void write(std::string const& name, std::string const& content) const {
+    std::ofstream(path(name)) << content;
+  }
 
 private:
   std::filesystem::path path_;
@@ -330,6 +349,94 @@ TEST(CompleteShaders, RepeatTheBlockOfAMetaSlSurfaceForEachLight) {
   Function layout;
   layout.outputs = {{out.offsets.begin()->first, "float3"}};
   EXPECT_TRUE(agree(row, samples, gather(outputs, layout, out)));
+}
+
+// A fragment that writes every uniform it reads to outputs of its own.
+constexpr char const* kEcho = R"json({"echo": {"language": ["dx11"],
+  "predefine": ["struct Lamp { float3 color; float power; int counts[2]; float2x3 turn; };"],
+  "implementation": [
+  "void echo(float a, float2 b, float3 c, float4 d, bool e, int f, uint2 g, float2x2 m2, float3x3 m3, float4x4 m4, Lamp lamp, out float4 o0, out float4 o1, out float4 o2, out float4 o3, out float4 o4, out float3x3 o5, out float4x4 o6, out float4 o7, out float4 o8, out float4 o9)",
+  "{", "o0 = float4(a, b, e ? 1.0 : 0.0);", "o1 = float4(c, float(f));", "o2 = d;",
+  "o3 = float4(float(g.x), float(g.y), sfg_time, sfg_eyePosition.y);",
+  "o4 = float4(m2[0], m2[1]);", "o5 = m3;", "o6 = m4;", "o7 = float4(lamp.color, lamp.power);",
+  "o8 = float4(float(lamp.counts[0]), float(lamp.counts[1]), lamp.turn[0].xy);",
+  "o9 = float4(lamp.turn[0].z, lamp.turn[1]);", "}"]}})json";
+
+host::ValueSetting setting(std::string const& name, std::size_t count, double first) {
+  host::ValueSetting made{name, {}};
+  for (std::size_t i = 0; i < count; ++i) {
+    made.numbers.push_back(first + static_cast<double>(i));
+  }
+  return made;
+}
+
+UniformBlock pack(host::ShaderInterface const& shader, std::string const& name,
+                  std::vector<host::ValueSetting> const& settings) {
+  for (host::InterfaceBuffer const& buffer : shader.buffers) {
+    if (buffer.name == name) {
+      std::vector<std::uint8_t> const bytes = host::packBuffer(buffer, settings);
+      UniformBlock block{static_cast<std::uint32_t>(buffer.place.binding.value()),
+                         std::vector<float>(bytes.size() / sizeof(float))};
+      std::memcpy(block.values.data(), bytes.data(), bytes.size());
+      return block;
+    }
+  }
+  throw std::runtime_error("no buffer " + name);
+}
+
+TEST(CompleteShaders, ReadThePackedBuffers) {
+  if (isVulkanSkipped()) {
+    GTEST_SKIP() << "SFG_SKIP_VULKAN_TESTS is set";
+  }
+  std::string outputs;
+  for (int i = 0; i < 10; ++i) {
+    std::string const number = std::to_string(i);
+    std::string const type = i == 5 ? "float3x3" : i == 6 ? "float4x4" : "float4";
+    outputs += (i == 0 ? "" : ", ") + ("{\"name\": \"o" + number + "\", \"type\": \"" + type +
+                                       "\", \"node\": \"n\", \"output\": \"o" + number + "\"}");
+  }
+  TemporaryFolder const folder;
+  folder.write("echo.fraglib", kEcho);
+  folder.write("graph.json", "{\"outputs\": [" + outputs +
+                                 "], \"nodes\": [{\"name\": \"n\", \"fragment\": \"echo\", \"inputs\": {"
+                                 "\"d\": {\"value\": [101, 102, 103, 104]}}}]}");
+  host::CollapseSettings settings;
+  settings.graphFile = folder.path("graph.json");
+  settings.libraryFolders = {folder.path("")};
+  host::CollapseJob job(settings);
+  job.run();
+  host::AssembledShader const assembled =
+      host::assembleShader(job, host::ShaderStage::compute, host::NameStyle::readable);
+  std::vector<std::uint32_t> const spirv = host::compileToSpirv(
+      toUtf8(assembled.shader.getCompleteShader()), assembled.entryPoint, host::ShaderStage::compute);
+  host::ShaderInterface const shader = host::interfaceFor(assembled.reflection, host::ShaderTarget::spirv);
+
+  std::vector<UniformBlock> const blocks = {
+      pack(shader, "sfg_Uniforms",
+           {setting("n.a", 1, 1), setting("n.b", 2, 2), setting("n.c", 3, 4), setting("n.e", 1, 1),
+            setting("n.f", 1, -7), setting("n.g", 2, 8), setting("n.m2", 4, 10), setting("n.m3", 9, 20),
+            setting("n_m4", 16, 40)}),
+      pack(shader, "sfg_Uniforms_n_lamp",
+           {setting("n.lamp.color", 3, 60), setting("n.lamp.power", 1, 63), setting("n.lamp.counts", 2, 64),
+            setting("n.lamp.turn", 6, 66)}),
+      pack(shader, "sfg_StateUniforms", {setting("sfg_time", 1, 80), setting("sfg_eyePosition", 3, 81)})};
+  host::InterfaceBuffer const& out = shader.buffers.back();
+  VulkanCompute compute;
+  std::vector<float> const found = compute.run(spirv, {}, kGroupSize * out.size / sizeof(float), 1, blocks);
+  std::vector<float> const expected = {1,   2,   3,   1,                                   // o0
+                                       4,   5,   6,   -7,                                  // o1
+                                       101, 102, 103, 104,                                 // o2: the graph's
+                                       8,   9,   80,  82,                                  // o3
+                                       10,  11,  12,  13,                                  // o4
+                                       20,  21,  22,  0,   23, 24, 25, 0,  26, 27, 28, 0,  // o5
+                                       40,  41,  42,  43,  44, 45, 46, 47, 48, 49, 50, 51,
+                                       52,  53,  54,  55,   // o6
+                                       60,  61,  62,  63,   // o7
+                                       64,  65,  66,  67,   // o8
+                                       68,  69,  70,  71};  // o9
+  ASSERT_EQ(out.size, expected.size() * sizeof(float));
+  EXPECT_EQ(std::vector<float>(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(expected.size())),
+            expected);
 }
 
 }  // namespace
