@@ -19,8 +19,13 @@ AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage, NameSt
   assembled.generatedNames = plan.generatedNames;
   assembled.missingIncludes = plan.missingIncludes;
   assembled.reflection = interfaceOf(plan);
-  hashInterface(assembled.reflection, toUtf8(assembled.shader.getCompleteShader()));
   return assembled;
+}
+
+ShaderInterface reflectShader(const AssembledShader& assembled, std::optional<ShaderTarget> target) {
+  ShaderInterface shader = assembled.reflection;
+  hashInterface(shader, toUtf8(assembled.shader.getCompleteShader()));
+  return target ? interfaceFor(shader, *target) : shader;
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

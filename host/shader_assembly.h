@@ -2,6 +2,7 @@
 
 // A complete shader from the result of a collapse.
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,7 @@ struct AssembledShader {
   AShader shader;
   /// In order of lines, without gaps.
   std::vector<ShaderSection> sections;
-  /// What it takes and gives, as its HLSL text has it.
+  /// What it takes and gives, as its HLSL text has it, without a hash: see reflectShader().
   ShaderInterface reflection;
   /// The names that uniforms have in the result, by those they have here, where these differ.
   Map<WString, WString> generatedNames;
@@ -42,5 +43,8 @@ struct AssembledShader {
 /// The job has run and has a result. Throws AssemblyError. The text is the same for the same result.
 AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage,
                                NameStyle names = NameStyle::generated);
+
+/// What an assembled shader takes and gives in a target, or as its HLSL text has it, with a hash.
+ShaderInterface reflectShader(const AssembledShader& assembled, std::optional<ShaderTarget> target);
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -70,7 +70,7 @@ public:
 private:
   void writeReflection(const host::CollapseJob& job, const host::AssembledShader& assembled,
                        const std::vector<std::uint32_t>& spirv) const {
-    host::ShaderInterface shader = host::interfaceFor(assembled.reflection, target_);
+    host::ShaderInterface shader = host::reflectShader(assembled, target_);
     host::markUsed(shader, spirv);
     host::writeOutput(reflection_, host::writeInterfaceJson(shader, sourceFiles(job, shader.includes)));
   }

@@ -79,7 +79,7 @@ public:
         host::writeOutput(packed_, pack(assembled->reflection));
         return kDone;
       }
-      const host::ShaderInterface shader = target_ ? compiledInterface(*assembled) : assembled->reflection;
+      const host::ShaderInterface shader = reflect(*assembled);
       host::writeOutput(output_, host::writeInterfaceJson(shader, sourceFiles(job, shader.includes)));
     } catch (const host::CompileError& error) {
       reportCompileError(job, *assembled, error, diagnostics);
@@ -109,8 +109,9 @@ private:
                           host::knownNamesHint(bufferName_, names));
   }
 
-  host::ShaderInterface compiledInterface(const host::AssembledShader& assembled) const {
-    host::ShaderInterface shader = host::interfaceFor(assembled.reflection, *target_);
+  host::ShaderInterface reflect(const host::AssembledShader& assembled) const {
+    host::ShaderInterface shader = host::reflectShader(assembled, target_);
+    if (!target_) return shader;
     host::markUsed(shader, host::compileToSpirv(toUtf8(assembled.shader.getCompleteShader()),
                                                 assembled.entryPoint, stage_));
     return shader;

@@ -99,11 +99,12 @@ private:
   }
 
   bool layOut(InterfaceMember& member) {
-    if (code_.empty()) {
+    if (!structures_) {
       for (const IncludedText& include : plan_.includes) code_ += include.text + L"\n";
       code_ += plan_.predefines;
+      structures_.emplace(code_);
     }
-    std::optional<StructureLayout> layout = layOutStructure(code_, fromUtf8(member.type));
+    std::optional<StructureLayout> layout = structures_->find(fromUtf8(member.type));
     if (!layout) return false;
     member.size = layout->size;
     member.members = std::move(layout->members);
@@ -196,7 +197,8 @@ private:
 
   const ShaderPlan& plan_;
   ShaderInterface shader_;
-  WString code_;  ///< where structures are declared; made when one is looked for
+  WString code_;  ///< where structures are declared; read when one is looked for
+  std::optional<StructureLayouts> structures_;
 };
 
 }  // namespace

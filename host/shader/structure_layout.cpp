@@ -23,6 +23,8 @@ class Tokens {
 public:
   explicit Tokens(std::wstring_view text) : text_(text) {}
 
+  std::size_t position() const noexcept { return pos_; }
+
   /// Empty at the end.
   std::wstring_view next() {
     skipBlanks();
@@ -61,7 +63,9 @@ struct Declaration {
 
 class LayoutMaker {
 public:
-  explicit LayoutMaker(std::wstring_view text) : text_(text) {}
+  using Bodies = Map<std::wstring_view, std::size_t>;
+
+  LayoutMaker(std::wstring_view text, const Bodies& bodies) : text_(text), bodies_(bodies) {}
 
   std::optional<StructureLayout> make(std::wstring_view name, std::size_t depth) {
     const std::optional<std::vector<Declaration>> declarations = declarationsOf(name);
@@ -107,22 +111,21 @@ private:
     return member;
   }
 
-  /// The members of the first structure of that name; nothing when it cannot be read.
   std::optional<std::vector<Declaration>> declarationsOf(std::wstring_view name) const {
-    Tokens tokens(text_);
-    for (std::wstring_view token = tokens.next(); !token.empty(); token = tokens.next()) {
-      if (token != L"struct" || tokens.next() != name || tokens.next() != L"{") continue;
-      return readMembers(tokens);
-    }
-    return std::nullopt;
+    const auto body = bodies_.find(name);
+    if (body == bodies_.end()) return std::nullopt;
+    Tokens tokens(text_.substr(body->second));
+    return readMembers(tokens);
   }
 
   static std::optional<std::vector<Declaration>> readMembers(Tokens& tokens) {
     std::vector<Declaration> members;
     for (std::wstring_view token = tokens.next(); token != L"}"; token = tokens.next()) {
+      if (members.size() > kMostMembers) return std::nullopt;
       Declaration member{token, tokens.next()};
       token = tokens.next();
       while (token == L",") {  // one type, many names
+        if (members.size() > kMostMembers) return std::nullopt;
         members.push_back(member);
         member.name = tokens.next();
         token = tokens.next();
@@ -151,13 +154,23 @@ private:
   }
 
   std::wstring_view text_;
+  const Bodies& bodies_;
   std::size_t members_ = 0;  ///< placed so far, at all depths
 };
 
 }  // namespace
 
-std::optional<StructureLayout> layOutStructure(std::wstring_view text, std::wstring_view name) {
-  return LayoutMaker(text).make(name, 0);
+StructureLayouts::StructureLayouts(std::wstring_view text) : text_(text) {
+  Tokens tokens(text);
+  for (std::wstring_view token = tokens.next(); !token.empty(); token = tokens.next()) {
+    if (token != L"struct") continue;
+    const std::wstring_view name = tokens.next();
+    if (tokens.next() == L"{") bodies_.emplace(name, tokens.position());
+  }
+}
+
+std::optional<StructureLayout> StructureLayouts::find(std::wstring_view name) const {
+  return LayoutMaker(text_, bodies_).make(name, 0);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

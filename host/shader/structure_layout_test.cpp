@@ -17,7 +17,7 @@ std::string written(const std::vector<InterfaceMember>& members) {
 }
 
 std::string layout(const WString& text, const WString& name = L"S") {
-  const std::optional<StructureLayout> made = layOutStructure(text, name);
+  const std::optional<StructureLayout> made = StructureLayouts(text).find(name);
   return made ? written(made->members) + "= " + std::to_string(made->size) : "none";
 }
 

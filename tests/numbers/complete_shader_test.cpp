@@ -409,7 +409,7 @@ TEST(CompleteShaders, ReadThePackedBuffers) {
       host::assembleShader(job, host::ShaderStage::compute, host::NameStyle::readable);
   std::vector<std::uint32_t> const spirv = host::compileToSpirv(
       toUtf8(assembled.shader.getCompleteShader()), assembled.entryPoint, host::ShaderStage::compute);
-  host::ShaderInterface const shader = host::interfaceFor(assembled.reflection, host::ShaderTarget::spirv);
+  host::ShaderInterface const shader = host::reflectShader(assembled, host::ShaderTarget::spirv);
 
   std::vector<UniformBlock> const blocks = {
       pack(shader, "sfg_Uniforms",

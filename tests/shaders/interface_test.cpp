@@ -131,7 +131,7 @@ TEST_F(InterfaceTest, ThatIsWrongIsSeen) {
     const Facts found = target == ShaderTarget::spirv ? factsOfModule(spirv)
                         : target == ShaderTarget::msl ? factsOfMetal(text)
                                                       : factsOfTranslation(text, target, ShaderStage::pixel);
-    ShaderInterface right = interfaceFor(assembled.reflection, target);
+    ShaderInterface right = reflectShader(assembled, target);
     markUsed(right, spirv);
     EXPECT_EQ(difference(factsOf(right), found), "") << targetName(target) << text;
     for (std::size_t i = 0; i < std::size(changes); ++i) {
@@ -147,8 +147,7 @@ TEST_F(InterfaceTest, HashesDifferWithTextTargetAndInterface) {
                          std::optional<ShaderTarget> target) {
     CollapseJob job(settings);
     job.run();
-    const ShaderInterface shader = assembleShader(job, stage).reflection;
-    return (target ? interfaceFor(shader, *target) : shader).hash;
+    return reflectShader(assembleShader(job, stage), target).hash;
   };
   const CollapseSettings settings = chosen(true);
   const std::string hash = hashOf(settings, ShaderStage::pixel, std::nullopt);

@@ -25,7 +25,7 @@ const FragmentFiles& libraryFiles() {
 /// Compares what the interface says with what is read from the target's module or text.
 std::string checkInterface(const AssembledShader& assembled, const std::vector<std::uint32_t>& spirv,
                            ShaderTarget target) {
-  ShaderInterface shader = interfaceFor(assembled.reflection, target);
+  ShaderInterface shader = reflectShader(assembled, target);
   markUsed(shader, spirv);
   const std::string text = translate(spirv, shader.stage, target);
   const Facts found = target == ShaderTarget::spirv ? factsOfModule(spirv)
