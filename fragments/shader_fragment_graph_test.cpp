@@ -341,6 +341,31 @@ TEST(ShaderFragmentGraph, ConnectsOutputsToMembers) {
   EXPECT_EQ(graph->getOutputConnections()[0], (ShaderFragmentConnection{member.get(), 1}));
 }
 
+TEST(ShaderFragmentGraph, KnowsWhatFeedsAnOutputOfIt) {
+  const auto graph = makeRef<AShaderFragmentGraph>();
+  const auto member = makeFragment(0, 2);
+  const auto other = makeFragment(0, 1);
+  graph->addFragment(member.get());
+  graph->addFragment(other.get());
+  graph->addOutput(TypeID_float, L"a");
+  graph->addOutput(TypeID_float, L"b");
+  EXPECT_FALSE(graph->isFinalOutput(member.get(), 0));
+  EXPECT_FALSE(graph->isFinalOutput(nullptr, kNotFound));  // what an unconnected output holds
+
+  graph->setOutputConnection(k0, member.get(), k1);
+  graph->setOutputConnection(k1, member.get(), k1);
+  EXPECT_TRUE(graph->isFinalOutput(member.get(), 1));
+  EXPECT_FALSE(graph->isFinalOutput(member.get(), 0));
+  EXPECT_FALSE(graph->isFinalOutput(other.get(), 0));
+
+  graph->setOutputConnection(k0, other.get(), k0);
+  EXPECT_TRUE(graph->isFinalOutput(member.get(), 1));
+  EXPECT_TRUE(graph->isFinalOutput(other.get(), 0));
+  graph->setOutputConnection(k1, other.get(), k0);
+  EXPECT_FALSE(graph->isFinalOutput(member.get(), 1));
+  EXPECT_TRUE(graph->isFinalOutput(other.get(), 0));
+}
+
 // Chains
 
 TEST(ShaderFragmentGraph, KeepsPreprocessFragmentsInOrder) {
