@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
 
+#include "tests/support/cost.h"
 #include "tests/support/test_host.h"
 #include "tolmsdk/exception.h"
 
@@ -302,16 +302,17 @@ TEST(ShaderFragmentGraph, FreesAllMembersAndThenLetsItsChainsGoFirst) {
 }
 
 TEST(ShaderFragmentGraph, TakesManyMembersInLinearTime) {
-  const auto seconds = [](int count) {
+  const double growth = TolmSDK::test::timeGrowth(4000, [](std::size_t count) {
     std::vector<RefPtr<AShaderFragment>> fragments;
-    for (int i = 0; i < count; ++i) fragments.push_back(makeRef<AShaderFragment>());
+    for (std::size_t i = 0; i < count; ++i) fragments.push_back(makeRef<AShaderFragment>());
     const auto graph = makeRef<AShaderFragmentGraph>();
-    const auto start = std::chrono::steady_clock::now();
-    for (const auto& fragment : fragments) graph->addFragment(fragment.get());
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  };
-  // Comparing every pair of 100,000 would take several seconds.
-  EXPECT_LT(seconds(100000), 2.0);
+    const std::clock_t time = TolmSDK::test::processorTime([&] {
+      for (const auto& fragment : fragments) graph->addFragment(fragment.get());
+    });
+    EXPECT_EQ(graph->getNumFragments(), count);
+    return time;
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
 // Outputs
