@@ -1,7 +1,6 @@
 #include "sfg/fragment_profile_instance.h"
 
 #include <algorithm>
-#include <optional>
 #include <typeinfo>
 #include <utility>
 
@@ -89,16 +88,6 @@ private:
 
 WString boolText(bool value) { return value ? L"true" : L"false"; }
 
-/// The outputs of the fragment that feed an output of its graph.
-Set<std::size_t> findFinalOutputs(const AShaderFragment& fragment) {
-  Set<std::size_t> outputs;
-  const IShaderFragmentGraph* graph = fragment.getOwnerGraph();
-  if (graph == nullptr) return outputs;
-  for (const ShaderFragmentConnection& connection : graph->getOutputConnections())
-    if (connection.fragment == &fragment) outputs.insert(connection.index);
-  return outputs;
-}
-
 /// Values of the built-in calls in the code of one profile.
 class BuiltinValues {
 public:
@@ -129,16 +118,14 @@ private:
     }
   }
 
-  bool isFinal(std::size_t output) {
-    if (output == kNotFound) return false;
-    if (!final_) final_ = findFinalOutputs(fragment_);
-    return final_->contains(output);
+  bool isFinal(std::size_t output) const {
+    const auto* const graph = dynamic_cast<const AShaderFragmentGraph*>(fragment_.getOwnerGraph());
+    return output != kNotFound && graph != nullptr && graph->isFinalOutput(&fragment_, output);
   }
 
   const AShaderFragment& fragment_;
   ParameterFinder inputs_;
   ParameterFinder outputs_;
-  std::optional<Set<std::size_t>> final_;
 };
 
 }  // namespace

@@ -39,6 +39,10 @@ constexpr const char* kLibrary = R"json({
     { "language": ["dx11"], "implementation": ["void askLit(float g, float f, out float result)", "{", "result = f;", "}"] },
     { "name": "Lamp", "language": ["dx11"], "implementation": [
       "void askLit(float g, float f, out float result)", "{", "sfg_shader(f, result, result);", "}" ] } ] },
+  "askUnlit": { "profiles": [
+    { "language": ["dx11"], "implementation": [
+      "void askUnlit(float g, float f, out float result)", "{", "sfg_shader(f, result, result);", "}" ] },
+    { "name": "Lamp", "language": ["dx11"], "implementation": ["void askUnlit(float g, float f, out float result)", "{", "result = f;", "}"] } ] },
   "askMsl": { "mode": "metaSL", "language": ["dx11"], "implementation": [
     "void askMsl(float g, float f, out float result)", "{", "sfg_shader(f, result, result);", "}" ] },
   "askInline": { "mode": "inline", "language": ["dx11"], "implementation": ["{{g}} + sfg_shader({{f}}, a, 1.0)"] },
@@ -153,6 +157,10 @@ const Case kCases[] = {
     {"ConsumerCallsForOneOfTwoLights", "askLit", "half", true, 100.0f, kTwoProfiles},
     {"BothForTheLight", "askLit", "litHalf", true, 100.0f, kLamp},
     {"ConsumerForOneLightAndSourceForTheOther", "askLit", "otherHalf", false, 100.0f, kTwoProfiles},
+    {"NameThatNeitherOffers", "ask", "half", true, 100.0f, kLamp},
+    {"ConsumerCallsUnderDefaultOnly", "askUnlit", "half", false, 100.0f, kLamp},
+    {"ConsumerCallsUnderDefaultForOneOfTwoLights", "askUnlit", "half", true, 100.0f, kTwoProfiles},
+    {"NeitherNameIsLeftForTheDefaults", "askUnlit", "otherHalf", true, 100.0f, kTwoProfiles},
     {"ProfileOfNoLight", "askLit", "half", false, 100.0f,
      R"({ "lights": [ { "fragment": "lamp", "profile": "Neon" } ] })"},
     {"NoLights", "askLit", "half", false, 100.0f, "{}"},

@@ -25,6 +25,7 @@ ContainedNames::ContainedNames(std::vector<Name> names)
 std::vector<ContainedNames::Found> ContainedNames::find(const Set<std::wstring_view>& identifiers) {
   ++search_;
   std::vector<Found> found;
+  if (names_.empty()) return found;
   for (const std::wstring_view identifier : identifiers) {
     std::uint32_t state = 0;
     for (const wchar_t c : identifier) {
@@ -45,15 +46,21 @@ std::uint64_t ContainedNames::stepKey(std::uint32_t state, wchar_t c) {
   return (std::uint64_t{state} << 32) | static_cast<std::uint32_t>(c);
 }
 
+/// The state to which the step leads, or the not-found value.
+std::size_t ContainedNames::findStep(std::uint64_t key) const {
+  return next_.find(key, [&](std::size_t state) { return steps_[state] == key; });
+}
+
 void ContainedNames::addName(std::size_t name) {
   std::uint32_t state = 0;
   for (const wchar_t c : names_[name].text) {
     const std::uint64_t key = stepKey(state, c);
-    const auto [entry, isNew] = next_.try_emplace(key, static_cast<std::uint32_t>(states_.size()));
-    state = entry->second;
-    if (!isNew) continue;
+    const std::size_t known = findStep(key);
+    state = static_cast<std::uint32_t>(known != kNotFound ? known : states_.size());
+    if (known != kNotFound) continue;
     states_.emplace_back();
     steps_.push_back(key);
+    next_.add(key, state);
   }
   nextEqual_[name] = std::exchange(states_[state].firstName, static_cast<std::uint32_t>(name + 1));
 }
@@ -61,26 +68,26 @@ void ContainedNames::addName(std::size_t name) {
 /// Shorter states first: a state's suffix follows from those of the states before it.
 void ContainedNames::linkSuffixes() {
   std::vector<std::uint32_t> depths(states_.size());
-  std::vector<std::uint32_t> order(steps_.size());
-  for (std::size_t i = 0; i < steps_.size(); ++i) {
-    depths[i + 1] = depths[steps_[i] >> 32] + 1;
-    order[i] = static_cast<std::uint32_t>(i);
+  std::vector<std::uint32_t> order;
+  for (std::uint32_t i = 1; i < states_.size(); ++i) {
+    depths[i] = depths[steps_[i] >> 32] + 1;
+    order.push_back(i);
   }
   std::stable_sort(order.begin(), order.end(),
-                   [&](std::uint32_t a, std::uint32_t b) { return depths[a + 1] < depths[b + 1]; });
+                   [&](std::uint32_t a, std::uint32_t b) { return depths[a] < depths[b]; });
   for (const std::uint32_t i : order) {
-    State& state = states_[i + 1];
+    State& state = states_[i];
     const auto parent = static_cast<std::uint32_t>(steps_[i] >> 32);
     const auto c = static_cast<wchar_t>(static_cast<std::uint32_t>(steps_[i]));
     if (parent != 0) state.suffix = step(states_[parent].suffix, c);
-    state.ending = state.firstName != 0 ? i + 1 : states_[state.suffix].ending;
+    state.ending = state.firstName != 0 ? i : states_[state.suffix].ending;
   }
 }
 
 std::uint32_t ContainedNames::step(std::uint32_t state, wchar_t c) const {
   for (;;) {
-    const auto found = next_.find(stepKey(state, c));
-    if (found != next_.end()) return found->second;
+    const std::size_t found = findStep(stepKey(state, c));
+    if (found != kNotFound) return static_cast<std::uint32_t>(found);
     if (state == 0) return 0;
     state = states_[state].suffix;
   }

@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "text/hash_index.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -43,6 +43,7 @@ private:
   };
 
   static std::uint64_t stepKey(std::uint32_t state, wchar_t c);
+  std::size_t findStep(std::uint64_t key) const;
   void addName(std::size_t name);
   void linkSuffixes();
   std::uint32_t step(std::uint32_t state, wchar_t c) const;
@@ -54,8 +55,8 @@ private:
   std::vector<std::uint32_t> nextEqual_;  ///< per name: the next of equal text, plus one
   std::vector<std::uint32_t> foundIn_;    ///< per name: the last search that found it
   std::vector<State> states_{1};
-  std::vector<std::uint64_t> steps_;  ///< in the order in which the states were made
-  std::unordered_map<std::uint64_t, std::uint32_t> next_;
+  std::vector<std::uint64_t> steps_{0};  ///< per state: the step that leads to it
+  HashIndex next_;                       ///< states by these steps
   std::uint32_t search_ = 0;
 };
 

@@ -44,11 +44,6 @@ Set<WString> offeredProfileNames(const IShaderFragment& fragment, const UString&
   return names;
 }
 
-const IShaderFragmentProfile* SurfaceProfiles::under(const WString& name) const {
-  const auto found = named.find(name);
-  return found != named.end() ? found->second : other;
-}
-
 EvaluatedSurface::EvaluatedSurface(const CollapseJob& job) : job_(job), names_(surfaceProfileNames(job)) {}
 
 const SurfaceProfiles& EvaluatedSurface::profilesOf(const IShaderFragment& fragment) {

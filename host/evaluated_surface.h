@@ -19,8 +19,6 @@ struct SurfaceProfiles {
   const IShaderFragmentProfile* other = nullptr;
   /// Those that are taken, each once, in the order of the names.
   std::vector<const IShaderFragmentProfile*> taken;
-
-  const IShaderFragmentProfile* under(const WString& name) const;
 };
 
 /// The profiles of the surface, for each fragment found once. Refers to the job.

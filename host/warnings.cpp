@@ -45,16 +45,17 @@ struct NodeFragment {
   const IShaderFragment* fragment = nullptr;
   const SurfaceProfiles* profiles = nullptr;
   bool isLit = false;                    ///< a taken profile reads the current light
-  std::vector<std::size_t> inoutInputs;  ///< of each taken profile in turn
+  std::vector<std::size_t> inoutInputs;  ///< of all taken profiles, each once
 };
 
-/// Places of the `inout` parameters of each profile in turn.
+/// Places of the `inout` parameters of the profiles, each once.
 std::vector<std::size_t> findInoutInputs(const Profiles& profiles) {
   std::vector<std::size_t> inputs;
+  Set<std::size_t> known;
   for (const Profile profile : profiles) {
     const ITextParameterList& list = *profile->getFunctionParameters();
     for (std::size_t i = 0; i < list.getNumInputs(); ++i) {
-      if (list.getInputType(i).starts_with(L"inout ")) inputs.push_back(i);
+      if (list.getInputType(i).starts_with(L"inout ") && known.insert(i).second) inputs.push_back(i);
     }
   }
   return inputs;
@@ -318,10 +319,15 @@ private:
   void profileNobodyOffers() {
     if (!isLightLoop() || !hasLitProfile()) return;
     const Set<WString> offered = offeredNames();
+    const bool hasLitDefault = std::any_of(reached_.begin(), reached_.end(), [](const NodeFragment* node) {
+      const Profile profile = node->profiles->other;
+      return profile != nullptr && readsCurrentLight(profile);
+    });
     Set<WString> told;
     for (const ShadingEnvironment::Light& light : lights()) {
       const WString& name = light.profile->getProfilename();
-      if (offered.contains(name) || isReadByDefault(light) || !told.insert(name).second) continue;
+      if (offered.contains(name) || (hasLitDefault && isOfType(light, name))) continue;
+      if (!told.insert(name).second) continue;
       const std::string text = "light " + inTicks(light.name) + " asks for the profile " + inTicks(name) +
                                ", which no fragment of the graph has";
       warnings_.push_back({InputError(job_.environment().file(), light.position, text).place(), text});
@@ -350,14 +356,8 @@ private:
 
   /// A default profile that reads any current light takes one whose type has the profile's name, which no
   /// fragment offers.
-  bool isReadByDefault(const ShadingEnvironment::Light& light) const {
-    const WString& name = light.profile->getProfilename();
-    if (light.fragment->getNumOutputs() == 0 || light.fragment->getOutput(0)->getStructName() != name)
-      return false;
-    return std::any_of(reached_.begin(), reached_.end(), [](const NodeFragment* node) {
-      const Profile profile = node->profiles->other;
-      return profile != nullptr && readsCurrentLight(profile);
-    });
+  static bool isOfType(const ShadingEnvironment::Light& light, const WString& name) {
+    return light.fragment->getNumOutputs() != 0 && light.fragment->getOutput(0)->getStructName() == name;
   }
 
   void graphInputOfLightLoop() {

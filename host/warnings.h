@@ -14,7 +14,7 @@ struct Warning {
   std::string text;
 };
 
-/// The warnings of a job that has run, each cause once, in the order of nodes, lights and fragments.
+/// The warnings of a job, run or not, each cause once, in the order of nodes, lights and fragments.
 /// `completeShader`: the result is assembled, so that graph inputs of a light loop are declared around it.
 std::vector<Warning> findWarnings(const CollapseJob& job, bool completeShader);
 

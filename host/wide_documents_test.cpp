@@ -9,6 +9,7 @@
 #include <string>
 
 #include "host/called_expressions.h"
+#include "host/code_origin.h"
 #include "host/shader_assembly.h"
 #include "host/warnings.h"
 #include "tests/support/cost.h"
@@ -18,14 +19,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// `part` for each number below `count`, with the number for every `#`.
+/// `part` for each number below `count`, with the number for every `#` and the next one for every `@`.
 std::string repeated(std::size_t count, const std::string& part, const std::string& separator = ", ") {
   std::string text;
   for (std::size_t i = 0; i < count; ++i) {
     if (i != 0) text += separator;
     for (const char c : part) {
-      if (c == '#') {
-        text += std::to_string(i);
+      if (c == '#' || c == '@') {
+        text += std::to_string(c == '#' ? i : i + 1);
       } else {
         text += c;
       }
@@ -72,6 +73,7 @@ using MakeDocuments = Documents (*)(std::size_t count);
 struct WideCase {
   const char* name;
   MakeDocuments make;
+  std::size_t warnings = 0;
 };
 
 std::ostream& operator<<(std::ostream& out, const WideCase& wide) { return out << wide.name; }
@@ -134,6 +136,23 @@ Documents manyOutputs(std::size_t count) {
           {}};
 }
 
+/// Fragments that each have a helper and feed the next.
+Documents manyFunctions(std::size_t count) {
+  return {
+      "{ " +
+          repeated(count,
+                   R"json("f#": { "language": ["dx11"], "predefine": [ "float h#_(float x) { return x; }" ],
+                "uniforms": [ { "name": "u#_", "type": "float" } ], "implementation": [
+                "void f#(float4 a, out float4 result)", "{", "result = a * h#_(u#_);", "}" ] })json") +
+          " }",
+      R"({ "outputs": [ { "name": "c", "type": "float4", "node": "a)" + std::to_string(count) +
+          R"(" } ], "nodes": [ { "name": "a0", "fragment": "f0" })" +
+          repeated(count, R"(, { "name": "a@", "fragment": "f#", "inputs": { "a": { "node": "a#" } } })",
+                   "") +
+          " ] }",
+      {}};
+}
+
 /// Nodes that each feed an output, and lights that each ask for a profile of its own.
 Documents manyLightProfiles(std::size_t count) {
   return {
@@ -148,9 +167,60 @@ Documents manyLightProfiles(std::size_t count) {
       R"({ "lights": [ )" + repeated(count, R"({ "fragment": "lamp", "profile": "P#_" })") + " ] }"};
 }
 
+/// Nodes that each call another, and lights that each ask for a profile of its own.
+Documents manyWiresAndLightProfiles(std::size_t count) {
+  Documents documents = manyLightProfiles(count);
+  const std::string caller = R"json("g": { "language": ["dx11"], "implementation": [
+      "void g(float4 a, out float4 result)", "{", "sfg_shader(a, result, result);", "}" ] })json";
+  documents.library = "{ " + caller + ", " + documents.library.substr(1);
+  documents.graph =
+      R"({ "outputs": [ )" + repeated(count, R"({ "name": "c#", "type": "float4", "node": "a#" })") +
+      R"( ], "nodes": [ )" +
+      repeated(count, R"({ "name": "a#", "fragment": "g", "inputs": { "a": { "node": "b#" } } })") + ", " +
+      repeated(count, R"({ "name": "b#", "fragment": "f" })") + " ] }";
+  return documents;
+}
+
+/// Nodes with a wired `inout` input, and lights that each ask for a profile of its own.
+Documents manyInoutWires(std::size_t count) {
+  const auto fragment = [](const std::string& name) {
+    return R"json({ "name": ")json" + name + R"json(", "language": ["dx11"], "implementation": [
+      "void f(inout float4 a, out float4 result)", "{", "result = a;", "}" ] })json";
+  };
+  Documents documents = manyLightProfiles(count);
+  const std::string lamp = documents.library.substr(0, documents.library.find(R"("f":)"));
+  documents.library = lamp + R"("f": { "profiles": [ )" + fragment("default") + ", " +
+                      repeated(count, fragment("P#_")) + " ] } }";
+  documents.graph =
+      R"({ "inputs": [ { "name": "x", "type": "float4" } ], "outputs": [ )" +
+      repeated(count, R"({ "name": "c#", "type": "float4", "node": "a#" })") + R"( ], "nodes": [ )" +
+      repeated(count, R"({ "name": "a#", "fragment": "f", "inputs": { "a": { "graphInput": "x" } } })") +
+      " ] }";
+  return documents;
+}
+
+/// Fragments whose default profile is not lit, and lights whose type has the name of the profile that they
+/// ask for, which no fragment has.
+Documents manyLightsOfAType(std::size_t count) {
+  const auto profile = [](const std::string& name, const std::string& value) {
+    return R"json({ "name": ")json" + name + R"json(", "language": ["dx11"], "implementation": [
+      "void f(out float4 result)", "{", "result = )json" +
+           value + R"json(;", "}" ] })json";
+  };
+  return {
+      R"json({ "lamp": { "language": ["dx11"], "implementation": [ "void lamp(out P light)", "{", "}" ] }, )json" +
+          repeated(count, R"("f#": { "profiles": [ )" + profile("default", "1") + ", " +
+                              profile("Q", "sfg_currentLight.x") + " ] }") +
+          " }",
+      R"({ "outputs": [ )" + repeated(count, R"({ "name": "c#", "type": "float4", "node": "a#" })") +
+          R"( ], "nodes": [ )" + repeated(count, R"({ "name": "a#", "fragment": "f#" })") + " ] }",
+      R"({ "lights": [ )" + repeated(count, R"({ "fragment": "lamp", "profile": "P" })") + " ] }"};
+}
+
 /// How the processor time of a phase grows with the scene, without the time of what goes before.
-double growth(MakeDocuments make, const std::function<std::clock_t(const Scene&)>& timeOf) {
-  return test::timeGrowth(1000, [&](std::size_t count) { return timeOf(Scene(make(count))); });
+double growth(MakeDocuments make, const std::function<std::clock_t(const Scene&)>& timeOf,
+              std::size_t size = 1000) {
+  return test::timeGrowth(size, [&](std::size_t count) { return timeOf(Scene(make(count))); });
 }
 
 class LoadingCostTest : public testing::TestWithParam<WideCase> {};
@@ -168,15 +238,16 @@ INSTANTIATE_TEST_SUITE_P(All, LoadingCostTest,
 class WarningCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(WarningCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
-    CollapseJob job(scene.settings());
-    job.run();
-    return test::processorTime([&] { EXPECT_TRUE(findWarnings(job, true).empty()); });
+    const CollapseJob job(scene.settings());
+    return test::processorTime([&] { EXPECT_EQ(findWarnings(job, true).size(), GetParam().warnings); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
 }
 INSTANTIATE_TEST_SUITE_P(All, WarningCostTest,
                          testing::Values(WideCase{"Helpers", manyHelpers}, WideCase{"Uniforms", manyUniforms},
-                                         WideCase{"Structures", manyStructures}),
+                                         WideCase{"Structures", manyStructures},
+                                         WideCase{"ProfilesOfANode", manyInoutWires},
+                                         WideCase{"LightsOfAType", manyLightsOfAType, 1}),
                          testing::PrintToStringParamName());
 
 class SurfaceCostTest : public testing::TestWithParam<WideCase> {};
@@ -187,7 +258,9 @@ TEST_P(SurfaceCostTest, GrowsWithTheDocument) {
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
 }
-INSTANTIATE_TEST_SUITE_P(All, SurfaceCostTest, testing::Values(WideCase{"Profiles", manyLightProfiles}),
+INSTANTIATE_TEST_SUITE_P(All, SurfaceCostTest,
+                         testing::Values(WideCase{"Profiles", manyLightProfiles},
+                                         WideCase{"Wires", manyWiresAndLightProfiles}),
                          testing::PrintToStringParamName());
 
 class AssemblyCostTest : public testing::TestWithParam<WideCase> {};
@@ -205,6 +278,28 @@ INSTANTIATE_TEST_SUITE_P(All, AssemblyCostTest,
                                          WideCase{"NestedStructures", nestedStructures},
                                          WideCase{"Uniforms", manyUniforms},
                                          WideCase{"Outputs", manyOutputs}),
+                         testing::PrintToStringParamName());
+
+class OriginCostTest : public testing::TestWithParam<WideCase> {};
+TEST_P(OriginCostTest, GrowsWithTheShaderHoweverManyLinesAreExplained) {
+  const auto time = [](const Scene& scene) {
+    CollapseJob job(scene.settings());
+    job.run();
+    const AssembledShader assembled = assembleShader(job, ShaderStage::compute);
+    return test::processorTime([&] {
+      const OriginFinder finder(job, assembled);
+      std::size_t notes = 0;
+      for (std::size_t line = 1; line <= assembled.sections.back().lastLine; ++line) {
+        notes += finder.find(line).size();
+      }
+      EXPECT_GT(notes, assembled.sections.back().lastLine);
+    });
+  };
+  EXPECT_LT(growth(GetParam().make, time, 250), test::kLinearGrowth);
+}
+INSTANTIATE_TEST_SUITE_P(All, OriginCostTest,
+                         testing::Values(WideCase{"Helpers", manyHelpers}, WideCase{"Uniforms", manyUniforms},
+                                         WideCase{"Functions", manyFunctions}),
                          testing::PrintToStringParamName());
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <optional>
+
 #include "host/code_origin.h"
 #include "host/output_file.h"
 #include "host/shader_compiler.h"
@@ -63,6 +65,7 @@ private:
   static void report(const host::CollapseJob& job, const host::AssembledShader& assembled,
                      const host::CompileError& error, host::Diagnostics& diagnostics) {
     diagnostics.error(job.document().file(), error.what());
+    std::optional<host::OriginFinder> origins;
     for (std::size_t i = 0; i < error.messages().size(); ++i) {
       const host::CompilerMessage& message = error.messages()[i];
       const bool hasLine = error.inAssembledText() && message.line != 0;
@@ -73,7 +76,8 @@ private:
       const bool moreOfTheLine =
           i + 1 < error.messages().size() && error.messages()[i + 1].line == message.line;
       if (!hasLine || moreOfTheLine) continue;
-      for (const host::OriginNote& note : host::findOrigins(job, assembled, message.line)) {
+      if (!origins) origins.emplace(job, assembled);
+      for (const host::OriginNote& note : origins->find(message.line)) {
         diagnostics.note(note.place.empty() ? place : note.place, note.text);
       }
     }
