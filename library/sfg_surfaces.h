@@ -26,11 +26,15 @@ float3 sfg_shadeOrenNayar(sfg_Light light, float3 n, float3 v, float3 albedo, fl
         sfg_lightAmbient(light, n) * (albedo * (1.0 - lossV) + again * lossV);
 }
 
-// The same for less: Lambert with the mean albedo of the rough surface.
-float3 sfg_shadeOrenNayarSimple(sfg_Light light, float3 n, float3 albedo, float sigma)
+// The same for less: light between the facets depends on the view alone.
+float3 sfg_shadeOrenNayarSimple(sfg_Light light, float3 n, float3 v, float3 albedo, float sigma)
 {
     float mean = sfg_orenNayarMeanAlbedo(sigma);
-    return sfg_shadeLambert(light, n, albedo * mean / (1.0 - saturate(albedo) * (1.0 - mean)));
+    float loss = 1.0 - sfg_orenNayarAlbedo(sigma, dot(n, v));
+    float3 again = albedo * albedo * (mean * loss) / (1.0 - saturate(albedo) * (1.0 - mean));
+    float3 lamp = albedo * sfg_orenNayarFactor(n, light.direction, v, sigma) + again;
+    return sfg_lightIrradiance(light, n) * lamp * SFG_INV_PI +
+        sfg_lightAmbient(light, n) * (albedo * (1.0 - loss) + again);
 }
 
 float3 sfg_shadeBlinnPhong(sfg_Light light, float3 n, float3 v, float3 diffuse, float3 specular, float exponent)
@@ -61,19 +65,24 @@ float3 sfg_shadeGgx(sfg_Light light, float3 n, float3 v, float3 albedo, float me
         albedoV * sfg_lightMirrored(light, reflect(-v, n), roughness);
 }
 
-// The same look for less: how much is reflected depends on the view alone, not on the light (Turquin 2019).
-float3 sfg_shadeGgxSimple(sfg_Light light, float3 n, float3 v, float3 albedo, float metallic, float roughness)
+// The same for less, by reflectance and diffuse colour: diffuse light and light between the facets depend on the view
+// alone.
+float3 sfg_shadeGgxOfView(sfg_Light light, float3 n, float3 v, float3 f0, float3 diffuse, float roughness)
 {
     float alpha = sfg_alphaOf(roughness);
     float nDotV = saturate(dot(n, v));
-    float3 f0 = lerp(float3(0.04, 0.04, 0.04), albedo, metallic);
-    float3 diffuse = albedo * (1.0 - metallic);
-    float loss = sfg_ggxLoss(alpha, nDotV);
+    float3 bounced = sfg_bounceColor(f0, sfg_ggxMeanLoss(alpha)) * sfg_ggxLoss(alpha, nDotV);
     float3 albedoV = sfg_ggxAlbedo(f0, alpha, nDotV);
-    float3 specular = sfg_ggxSpecular(n, light.direction, v, f0, roughness) * (1.0 + f0 * (loss / max(1.01 - loss, 0.1)));
-    float3 lamp = specular + diffuse * (1.0 - albedoV) * SFG_INV_PI;
+    float3 lamp = sfg_ggxSpecular(n, light.direction, v, f0, roughness) +
+        (bounced + diffuse * (1.0 - albedoV)) * SFG_INV_PI;
     return lamp * sfg_lightIrradiance(light, n) + diffuse * (1.0 - albedoV) * sfg_lightAmbient(light, n) +
         albedoV * sfg_lightMirrored(light, reflect(-v, n), roughness);
+}
+
+float3 sfg_shadeGgxSimple(sfg_Light light, float3 n, float3 v, float3 albedo, float metallic, float roughness)
+{
+    float3 f0 = lerp(float3(0.04, 0.04, 0.04), albedo, metallic);
+    return sfg_shadeGgxOfView(light, n, v, f0, albedo * (1.0 - metallic), roughness);
 }
 
 // Metal brushed along `tangent`: a wide highlight across the scratches, a narrow one along them.
@@ -94,6 +103,22 @@ float3 sfg_shadeBrushed(
     float grazing = min(sfg_ggxGrazing(sfg_alphaOf(mean), saturate(eye.z)), 1.0 - lossV);
     float3 mirrored = albedo * (1.0 - lossV - grazing) + grazing + bounce * lossV;
     return lamp * sfg_lightIrradiance(light, n) + mirrored * sfg_lightMirrored(light, reflect(-v, n), mean);
+}
+
+// The same for less: light between the facets depends on the view alone.
+float3 sfg_shadeBrushedSimple(
+    sfg_Light light, float3 n, float3 tangent, float3 v, float3 albedo, float roughnessAlong, float roughnessAcross)
+{
+    float alphaT = sfg_alphaOf(roughnessAlong);
+    float alphaB = sfg_alphaOf(roughnessAcross);
+    float3 eye = sfg_inFrame(n, tangent, v);
+    float loss = sfg_anisotropicLossOf(alphaT, alphaB, eye);
+    float3 bounced = sfg_bounceColor(albedo, sfg_anisotropicMeanLoss(alphaT, alphaB)) * loss;
+    float3 lamp = sfg_ggxAnisotropicSpecular(sfg_inFrame(n, tangent, light.direction), eye, albedo, alphaT, alphaB) +
+        bounced * SFG_INV_PI;
+    return lamp * sfg_lightIrradiance(light, n) +
+        (albedo * (1.0 - loss) + bounced) *
+            sfg_lightMirrored(light, reflect(-v, n), 0.5 * (roughnessAlong + roughnessAcross));
 }
 
 // What a clear coat of 4 percent lets through on the way in and out.
@@ -135,17 +160,19 @@ float3 sfg_shadeCarPaint(sfg_Light light, float3 n, float3 flakeNormal, float3 v
     return coat + lerp(base, flakes, saturate(flakeAmount));
 }
 
-// The same for less: base and flakes as one layer along the normal.
+// The same for less: base and flakes as one layer along the normal. Flakes that are tilted at random shine wider, and
+// whiter where they graze the view; the two numbers for that are fits.
 float3 sfg_shadeCarPaintSimple(sfg_Light light, float3 n, float3 v, float3 baseColor, float3 flakeColor,
     float flakeAmount, float coatRoughness)
 {
     float3 coatF0 = float3(0.04, 0.04, 0.04);
-    float3 coat = sfg_ggxSpecularFast(n, light.direction, v, coatF0, coatRoughness) * sfg_lightIrradiance(light, n) +
+    float3 coat = sfg_ggxSpecular(n, light.direction, v, coatF0, coatRoughness) * sfg_lightIrradiance(light, n) +
         sfg_ggxAlbedo(coatF0, sfg_alphaOf(coatRoughness), saturate(dot(n, v))) *
             sfg_lightMirrored(light, reflect(-v, n), coatRoughness);
     sfg_Light below = sfg_lightThroughCoat(light, n, v, coatRoughness);
     float share = saturate(flakeAmount);
-    return coat + sfg_shadeGgxSimple(below, n, v, lerp(baseColor, flakeColor, share), lerp(0.3, 1.0, share), 0.5);
+    float3 f0 = lerp(lerp(coatF0, baseColor, 0.3), lerp(flakeColor, 1.0, 0.24), share);
+    return coat + sfg_shadeGgxOfView(below, n, v, f0, baseColor * (0.7 * (1.0 - share)), 0.66);
 }
 
 // Light in flat steps with a hard highlight in the tone of its place. `softness` widens the borders.
@@ -186,12 +213,21 @@ float3 sfg_shadeCloth(sfg_Light light, float3 n, float3 v, float3 albedo, float3
         sheenColor * min(sfg_sheenAlbedo(r, nDotV), 1.0) * sfg_lightAmbient(light, reflect(-v, n));
 }
 
-// The same for less: Lambert with the sheen's share of the view.
+// The same for less: how much of the threads is seen depends on the view alone.
 float3 sfg_shadeClothSimple(sfg_Light light, float3 n, float3 v, float3 albedo, float3 sheenColor, float roughness)
 {
-    float e = min(sfg_sheenAlbedo(sfg_sheenRoughness(roughness), saturate(dot(n, v))), 1.0);
+    float3 h = sfg_safeNormalize(light.direction + v);
+    float nDotL = saturate(dot(n, light.direction));
+    float nDotV = saturate(dot(n, v));
+    float r = sfg_sheenRoughness(roughness);
+    float e = sfg_sheenAlbedo(r, nDotV);
+    float sheen = sfg_charlieDistribution(sfg_alphaOf(r), saturate(dot(n, h))) * sfg_clothVisibility(nDotL, nDotV) /
+        max(e, 1.0);
+    e = min(e, 1.0);
     float strength = saturate(max(max(sheenColor.x, sheenColor.y), sheenColor.z));
-    return sfg_shadeLambert(light, n, albedo * (1.0 - strength * e) + sheenColor * e);
+    float3 below = albedo * (1.0 - strength * e);
+    return (below * SFG_INV_PI + sheenColor * sheen) * sfg_lightIrradiance(light, n) +
+        (below + sheenColor * e) * sfg_lightAmbient(light, n);
 }
 
 #endif

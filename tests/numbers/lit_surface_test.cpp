@@ -63,12 +63,14 @@ Vec3 orenNayarOf(Arrival const& light, Vec3 n, Vec3 v, Vec3 albedo, double sigma
          ambientOf(light, n) * (albedo * (1.0 - lossV) + again * lossV);
 }
 
-// A surface that is as bright as orenNayarOf on average.
-Vec3 evenlyRoughOf(Arrival const& light, Vec3 n, Vec3 albedo, double sigma) {
+// What several bounces add, weighed by the loss of the view alone.
+Vec3 fastOrenNayarOf(Arrival const& light, Vec3 n, Vec3 v, Vec3 albedo, double sigma) {
   double const mean = orenNayarMeanAlbedo(sigma);
-  return lambertOf(light, n, each(albedo, [&](double rho) {
-                     return rho * mean + (1.0 - mean) * rho * rho * mean / (1.0 - rho * (1.0 - mean));
-                   }));
+  double const loss = 1.0 - orenNayarAlbedo(sigma, dot(n, v));
+  Vec3 const again =
+      each(albedo, [&](double rho) { return rho * rho * mean / (1.0 - rho * (1.0 - mean)) * loss; });
+  Vec3 const lamp = albedo * orenNayarFactor(n, light.direction, v, sigma) + again;
+  return lamp * arriving(light, n) * (1.0 / kPi) + ambientOf(light, n) * (albedo * (1.0 - loss) + again);
 }
 
 // Diffuse light where nothing is mirrored; the highlight of an even sky is the albedo of the lobe.
@@ -140,10 +142,10 @@ std::vector<Surface> surfaces() {
       {"orenNayarSurface",
        0.0,
        {albedo, number("sigma", 0, 1.5)},
-       [](Sample const& in, Arrival const& light, Vec3 n, Vec3) {
-         return evenlyRoughOf(light, n, in.vec3(kFirstOwn), in(kFirstOwn + 1));
+       [](Sample const& in, Arrival const& light, Vec3 n, Vec3 v) {
+         return fastOrenNayarOf(light, n, v, in.vec3(kFirstOwn), in(kFirstOwn + 1));
        },
-       kSum},
+       kFits},
       {"blinnPhongSurface",
        100.0,
        {vector3("diffuse", 0, 1), vector3("specular", 0, 1), number("exponent", 1, 50)},

@@ -240,7 +240,7 @@ std::vector<Row> wallRows() {
          // The mortar takes its width off each brick's height and, in brick heights, off its width.
          double const widthInHeights = in.vec2(1).y / in.vec2(1).x;
          double const share = (1.0 - in(2)) * std::max(widthInHeights - in(2), 0.0) / widthInHeights;
-         return Result(mix(in.vec3(4), in.vec3(3), share), 1.0);
+         return Result(mix(in.vec3(4), in.vec3(3), share), share);
        },
        0.0},
   };

@@ -93,6 +93,7 @@ void addPlainSurfaces(std::vector<ReflectionModel>& models) {
   for (double const lod : {100.0, 0.0}) {
     models.push_back(surface("orenNayarSurface", lod, "", {color("albedo"), scalar("sigma")},
                              product(kColor, kSigmas), 0.99));
+    models.back().isReciprocal = lod == 100.0;
   }
   Settings const colors = {
       {1, 0.5, 0.18, 0.04, 0.04, 0.04}, {1, 0.5, 0.18, 0.5, 0.5, 0.5}, {1, 1, 1, 1, 0, 0.2}};
@@ -125,8 +126,9 @@ void addMetals(std::vector<ReflectionModel>& models) {
     models.back().roughnesses = {3, 4};
     models.back().hasTangent = true;
     models.back().isReciprocal = lod == 100.0;
-    models.back().skyApart =
-        lod == 100.0 ? 0.3 : 0.07;  // dark metal brightens at grazing angles as isotropic metal
+    // In a sky, dark metal brightens at grazing angles as isotropic metal or, at the low level of detail, not
+    // at all.
+    models.back().skyApart = lod == 100.0 ? 0.3 : 0.45;
   }
 }
 
