@@ -57,7 +57,13 @@ float sfg_marbleVein(float3 p, float veinsPerUnit, float distortion, int octaves
     return 0.5 + 0.5 * sin(SFG_TWO_PI * phase);
 }
 
-// Ridged sum of gradient noise with offset 1 and gain 2; in [0, about 1] (Musgrave, in Ebert et al. 1994).
+// Rolling hills in [0, 1], from a fractal sum of which little is far from 0.
+float sfg_hills(float3 p, int octaves)
+{
+    return saturate(0.5 + 1.2 * sfg_fbm3(p, octaves, 2.0, 0.5));
+}
+
+// Ridged sum of gradient noise with offset 1 and gain 2; in [0, 1] (Musgrave, in Ebert et al. 1994).
 float sfg_ridged3(float3 p, int octaves, float lacunarity)
 {
     float total = 0.0;
@@ -66,6 +72,7 @@ float sfg_ridged3(float3 p, int octaves, float lacunarity)
     float amplitude = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned3(p);
         float ridge = 1.0 - abs(sfg_perlinNoise3(p));
         ridge = ridge * ridge * weight;
         weight = saturate(ridge * 2.0);
