@@ -246,6 +246,13 @@ std::vector<FragmentProfile> profilesIn(std::string const& file) {
   return result;
 }
 
+std::string includeText(std::string const& name) {
+  libraries();
+  Set<WString> names;
+  names.insert(fromUtf8(name));
+  return includedText(names);
+}
+
 Function collapsedFunction(FragmentProfile const& profile, Row const& row) {
   return collapseWith<AShaderCollapseToolDefault>(profile, row, *makeRef<host::ShadingEnvironment>());
 }

@@ -28,6 +28,9 @@ Function collapsedFunction(FragmentProfile const& profile, Row const& row);
 // The same of a surface, collapsed by the light loop under the lights of an environment document.
 Function litFunction(FragmentProfile const& profile, Row const& row, std::string const& environmentFile);
 
+// The text of an include file of library/ with what it includes.
+std::string includeText(std::string const& name);
+
 // Compiles a compute shader with the entry point "main" to validated SPIR-V. Throws std::runtime_error with
 // the compiler's complaints and the text.
 std::vector<std::uint32_t> compileCompute(std::string const& hlsl);

@@ -304,12 +304,23 @@ std::vector<Row> materialRows() {
   };
 }
 
+// A compute stage has no pixels: the filtered pattern is the plain one.
+Row filteredRow(std::vector<Row> const& rows, std::string const& plain, std::string const& filtered) {
+  Row row = *std::find_if(rows.begin(), rows.end(), [&](Row const& each) { return each.fragment == plain; });
+  row.fragment = filtered;
+  row.tolerance = kCells;
+  return row;
+}
+
 }  // namespace
 
 Topic patternTopic() {
   Topic topic{"patterns.fraglib", {}};
   for (std::vector<Row> const& rows : {regularRows(), wallRows(), materialRows()}) {
     topic.rows.insert(topic.rows.end(), rows.begin(), rows.end());
+  }
+  for (std::string const name : {"stripe", "dot", "grid", "brick"}) {
+    topic.rows.push_back(filteredRow(topic.rows, name + "Pattern", name + "Filtered"));
   }
   return topic;
 }
