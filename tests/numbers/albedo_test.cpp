@@ -236,5 +236,27 @@ TEST_F(Reflection, IsTheSameBothWays) {
   }
 }
 
+// What the surfaces make of an image light, whose cube map is read by its fragment.
+TEST_F(Reflection, OfAnImageIsThatOfTheMirrorDirection) {
+  Function function;
+  function.code = includeText("sfg_surfaces.h") + R"(
+float3 numbers_shade(float metallic, float roughness)
+{
+    sfg_Light light = sfg_makeImageLight(float3(1.0, 0.0, 0.0), float3(0.0, 1.0, 0.0), float3(0.0, 0.0, 1.0));
+    float3 white = float3(1.0, 1.0, 1.0);
+    return sfg_shadeGgx(light, float3(0.0, 0.0, 1.0), float3(0.6, 0.0, 0.8), white, metallic, roughness);
+}
+)";
+  function.call = "result = numbers_shade(metallic, roughness);";
+  function.inputs = {{{"metallic", "float"}, false}, {{"roughness", "float"}, false}};
+  function.outputs = {{"result", "float3"}};
+  // A polished mirror, matt metal, and white plastic whose diffuse light comes along the normal.
+  std::vector<float> const colors = DeviceFragment(function).run(compute_, {1, 0, 1, 1, 0, 0});
+  float const expected[] = {0, 1, 0, 0, 0, 1, 0.96f, 0.04f, 0};
+  for (std::size_t i = 0; i < 9; ++i) {
+    EXPECT_NEAR(colors[i], expected[i], 0.005f) << "component " << i;
+  }
+}
+
 }  // namespace
 }  // namespace numbers_test
