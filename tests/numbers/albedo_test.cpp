@@ -236,6 +236,49 @@ TEST_F(Reflection, IsTheSameBothWays) {
   }
 }
 
+// The weights of MetaSL surfaces, whose complete shaders CompleteShaders compares.
+TEST_F(Reflection, OfMetaSlIsNeverMoreThanArrives) {
+  Function function;
+  function.code = includeText("sfg_msl_common.h") + R"(
+float2 numbers_weights(float3 toLight, float3 toEye, float exponent)
+{
+    float3 n = float3(0.0, 0.0, 1.0);
+    sfg_Light lamp = sfg_makeLight(toLight, 1.0, float3(1.0, 1.0, 1.0));
+    Light_iterator record = sfg_mslFromLight(lamp, float3(0.0, 0.0, 0.0), n);
+    return float2(sfg_mslDiffuse(record), sfg_mslSpecular(record, n, toEye, exponent));
+}
+)";
+  function.call = "result = numbers_weights(toLight, toEye, exponent);";
+  function.inputs = {
+      {{"toLight", "float3"}, false}, {{"toEye", "float3"}, false}, {{"exponent", "float"}, false}};
+  function.outputs = {{"result", "float2"}};
+  DeviceFragment const device(function);
+  for (double const exponent : {0.0, 1.0, 2.0, 4.0, 10.0, 50.0, 1000.0}) {
+    for (double const degrees : viewAngles()) {
+      Vec3 const view = direction(std::cos(radians(degrees)), 0.3);
+      std::vector<WeightedLight> const lights = lightsFor(view, {{0.1, 0.1}, {0.5, 0.5}}, 4 * kPoints);
+      std::vector<float> samples;
+      for (WeightedLight const& light : lights) {
+        append(samples, light.direction);
+        append(samples, view);
+        samples.push_back(static_cast<float>(exponent));
+      }
+      std::vector<float> const weights = device.run(compute_, samples);
+      double diffuse = 0.0;
+      double specular = 0.0;
+      for (std::size_t i = 0; i < lights.size(); ++i) {
+        diffuse += static_cast<double>(weights[2 * i]) * lights[i].weight;
+        specular += static_cast<double>(weights[2 * i + 1]) * lights[i].weight;
+      }
+      EXPECT_NEAR(diffuse, 1.0, 0.01);
+      EXPECT_LE(specular, kMost) << "exponent " << exponent << " at " << degrees << " degrees";
+      if (degrees == 0) {
+        EXPECT_GE(specular, 0.97) << "exponent " << exponent;
+      }
+    }
+  }
+}
+
 // What the surfaces make of an image light, whose cube map is read by its fragment.
 TEST_F(Reflection, OfAnImageIsThatOfTheMirrorDirection) {
   Function function;
