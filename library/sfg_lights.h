@@ -25,6 +25,12 @@ float sfg_distanceFalloff(float distance, float range)
     return window * window / (nearest * nearest);
 }
 
+// The fade for less: a straight line that lets as much light through.
+float sfg_rangeFadeFast(float distance, float range)
+{
+    return range > 0.0 ? saturate(1.724 * (1.0 - distance / range)) : 1.0;
+}
+
 // 1 inside the inner cone, 0 outside the outer cone; angles are half angles in radians.
 float sfg_spotFalloff(float3 toLight, float3 axis, float innerAngle, float outerAngle)
 {

@@ -177,6 +177,52 @@ TEST_F(Levels, OfSurfacesAreEquallyBright) {
   }
 }
 
+// Along a beam, from a tenth of the range to its end and beyond, white paper that faces the lamp.
+TEST_F(Levels, OfLampsAreEquallyBright) {
+  for (std::string const kind : {"lantern", "torch"}) {
+    Row row;
+    row.fragment = "lambertSurface";
+    row.inputs = {unit3("normal"),          vector3("sfg_worldPosition", 0, 0),
+                  color("albedo"),          vector3("light_positionLamp", 0, 0),
+                  color("light_colorLamp"), scalar("light_intensityLamp"),
+                  scalar("light_rangeLamp")};
+    std::vector<double> rest = {0, 0, 0, 1, 1, 1, 1, 8};
+    if (kind == "torch") {
+      row.inputs.insert(row.inputs.end(),
+                        {unit3("light_axisLamp"), scalar("light_innerLamp"), scalar("light_outerLamp")});
+      rest.insert(rest.end(), {0, 0, 1, 0.3, 0.6});
+    }
+    constexpr std::size_t kSteps = 128;
+    std::vector<float> samples;
+    for (std::size_t i = 0; i < kSteps; ++i) {
+      append(samples, {0, 0, -1});
+      append(samples, {0, 0, 0.8 + 8.0 * static_cast<double>(i) / kSteps});
+      append(samples, splat(1.0));
+      for (double const value : rest) {
+        samples.push_back(static_cast<float>(value));
+      }
+    }
+    std::vector<std::vector<float>> levels;
+    for (double const lod : {100.0, 0.0}) {
+      DeviceFragment const device(litFunction({"lambertSurface", "sfg_Light", 100.0}, row,
+                                              "tests/numbers/environments/" + kind + ".json", lod));
+      levels.push_back(device.run(compute_, samples));
+    }
+    // Brightness without the square of the distance, which would hide the end of the range.
+    double high = 0.0;
+    double low = 0.0;
+    for (std::size_t i = 0; i < kSteps; ++i) {
+      double const distance = 0.8 + 8.0 * static_cast<double>(i) / kSteps;
+      high += static_cast<double>(levels[0][3 * i]) * distance * distance;
+      low += static_cast<double>(levels[1][3 * i]) * distance * distance;
+      EXPECT_NEAR(levels[1][3 * i] * distance * distance, levels[0][3 * i] * distance * distance, 0.1 / kPi)
+          << kind << " at distance " << distance;
+    }
+    std::printf("low over high: %.3f, %s\n", low / high, kind.c_str());
+    EXPECT_NEAR(low / high, 1.0, kMostApart) << kind;
+  }
+}
+
 // A pattern or noise with levels of detail, over a stretch of space; outputs that may be negative are no
 // brightness.
 struct LeveledPattern {
