@@ -162,6 +162,22 @@ protected:
     }
   }
 
+  Vec3 integrate(ReflectionModel const& model, ReflectionOnDevice const& device, Vec3 view,
+                 std::vector<double> const& setting) {
+    std::vector<ReflectionOnDevice::Pair> pairs;
+    std::vector<WeightedLight> const lights =
+        lightsFor(view, lobesOf(model, setting), model.hasTangent ? kTangentPoints : kPoints);
+    for (WeightedLight const& light : lights) {
+      pairs.push_back({light.direction, view, &setting});
+    }
+    std::vector<Vec3> const reflected = device.reflected(compute_, pairs);
+    Vec3 sum;
+    for (std::size_t i = 0; i < lights.size(); ++i) {
+      sum = sum + reflected[i] * lights[i].weight;
+    }
+    return sum;
+  }
+
   VulkanCompute compute_;
 
 private:
@@ -179,22 +195,6 @@ private:
       }
     }
     EXPECT_TRUE(isFinite(color)) << place;
-  }
-
-  Vec3 integrate(ReflectionModel const& model, ReflectionOnDevice const& device, Vec3 view,
-                 std::vector<double> const& setting) {
-    std::vector<ReflectionOnDevice::Pair> pairs;
-    std::vector<WeightedLight> const lights =
-        lightsFor(view, lobesOf(model, setting), model.hasTangent ? kTangentPoints : kPoints);
-    for (WeightedLight const& light : lights) {
-      pairs.push_back({light.direction, view, &setting});
-    }
-    std::vector<Vec3> const reflected = device.reflected(compute_, pairs);
-    Vec3 sum;
-    for (std::size_t i = 0; i < lights.size(); ++i) {
-      sum = sum + reflected[i] * lights[i].weight;
-    }
-    return sum;
   }
 };
 
@@ -232,6 +232,57 @@ TEST_F(Reflection, IsTheSameBothWays) {
           return;
         }
       }
+    }
+  }
+}
+
+// Of a polished white metal nothing is lost to the digits of 32-bit numbers, whose step near 1 is a tenth of
+// the square of the smallest width.
+TEST_F(Reflection, OfNarrowHighlightsLosesNothing) {
+  for (double const lod : {100.0, 0.0}) {
+    ReflectionModel model;
+    model.fragment = "ggxSpecular";
+    model.lod = lod;
+    model.ports = {vector3("reflectance", 0, 1), number("roughness", 0, 1)};
+    model.settings = {{1, 1, 1, 0.0}, {1, 1, 1, 0.03}, {1, 1, 1, 0.05}, {1, 1, 1, 0.1}};
+    model.roughnesses = {3};
+    model.isSurface = false;
+    model.hasCosine = false;
+    ReflectionOnDevice const device(model);
+    for (std::vector<double> const& setting : model.settings) {
+      for (double const degrees : {0.0, 10.0, 30.0, 60.0}) {
+        Vec3 const view = direction(std::cos(radians(degrees)), 0.3);
+        EXPECT_NEAR(integrate(model, device, view, setting).x, 1.0, lod == 100.0 ? 0.005 : 0.02)
+            << placeOf(setting, degrees, 0.3);
+      }
+    }
+  }
+}
+
+// Seen from above, the facets of every distribution cover the surface once.
+TEST_F(Reflection, OfFacetsCoversTheSurfaceOnce) {
+  for (std::string const name : {"ggxDistribution", "beckmannDistribution", "charlieSheen"}) {
+    DeviceFragment const device({name, "default", 100.0}, {number("nDotH", 0, 1), number("roughness", 0, 1)});
+    for (double const roughness : {0.1, 0.2, 0.4, 0.7, 1.0}) {
+      constexpr std::size_t kSteps = 65536;
+      std::vector<float> samples;
+      std::vector<double> weights;
+      double before = 1.0;
+      for (std::size_t i = 1; i <= kSteps; ++i) {
+        // The cosine falls quadratically from 1: narrow lobes lie there.
+        double const t = static_cast<double>(i) / kSteps;
+        double const cosine = 1.0 - t * t;
+        samples.push_back(static_cast<float>((before + cosine) / 2.0));
+        samples.push_back(static_cast<float>(roughness));
+        weights.push_back(2.0 * kPi * (before - cosine));
+        before = cosine;
+      }
+      std::vector<float> const density = device.run(compute_, samples);
+      double sum = 0.0;
+      for (std::size_t i = 0; i < kSteps; ++i) {
+        sum += static_cast<double>(density[i] * samples[2 * i]) * weights[i];
+      }
+      EXPECT_NEAR(sum, 1.0, 0.005) << name << " of roughness " << roughness;
     }
   }
 }

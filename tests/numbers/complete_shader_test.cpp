@@ -336,5 +336,17 @@ TEST(CompleteShaders, RepeatTheBlockOfAMetaSlSurfaceForEachLight) {
   EXPECT_TRUE(agree(row, samples, gather(outputs, layout, out)));
 }
 
+// Texture coordinates jump at the seam of a sphere; positions do not.
+TEST(CompleteShaders, OfCloudsDependOnThePositionAlone) {
+  std::ifstream const file("examples/materials/noise_gradient.json");
+  std::stringstream document;
+  document << file.rdbuf();
+  profilesIn("noise.fraglib");  // registers the include files
+  std::map<std::string, std::size_t> const inputs =
+      layoutOf(compileDocument(document.str(), {}).spirv, "sfg_ComputeInput").offsets;
+  ASSERT_EQ(inputs.size(), 1u);
+  EXPECT_EQ(inputs.begin()->first, "sfg_objectPosition");
+}
+
 }  // namespace
 }  // namespace numbers_test
