@@ -10,9 +10,9 @@
 #include <string>
 
 #include "benchmarks/graph_cases.h"
-#include "host/collapse_job.h"
+#include "host/diagnostics/warnings.h"
+#include "host/job/collapse_job.h"
 #include "host/shader_assembly.h"
-#include "host/warnings.h"
 #include "sfg/shader_fragment_graph_builder.h"
 #include "tolmsdk/unicode.h"
 

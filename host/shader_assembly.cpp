@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/document_reader.h"
-#include "host/identifiers.h"
+#include "host/documents/document_reader.h"
+#include "host/shader/identifiers.h"
 #include "sfg/shader_includes.h"
 #include "sfg/shader_symbol.h"
 #include "sfg/state_variable_manager.h"

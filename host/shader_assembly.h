@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/collapse_job.h"
+#include "host/job/collapse_job.h"
 #include "sfg/shader.h"
 
 namespace TolmSDK::Graphics::sfg::host {

@@ -1,8 +1,8 @@
-#include "host/collapse_json.h"
-#include "host/output_file.h"
+#include "host/job/collapse_json.h"
 #include "tolmsdk/unicode.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/output_file.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -43,22 +43,22 @@ public:
     app().footer(kExample);
   }
 
-  int run(host::Diagnostics& diagnostics) override {
+  int run(Diagnostics& diagnostics) override {
     checkDepfile(depfile_, output_);
     host::CollapseJob job(settings_);
     switch (collapse(job, format_ == Format::shader, diagnostics)) {
     case Outcome::thrown: return kRefused;
     case Outcome::null:
-      if (format_ == Format::json) host::writeOutput(output_, host::writeCollapseJson(nullptr));
+      if (format_ == Format::json) writeOutput(output_, host::writeCollapseJson(nullptr));
       return kRefused;
     case Outcome::done: break;
     }
     if (format_ == Format::json) {
-      host::writeOutput(output_, host::writeCollapseJson(job.result()));
+      writeOutput(output_, host::writeCollapseJson(job.result()));
     } else {
       const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
       if (!assembled) return kRefused;
-      host::writeOutput(output_, toUtf8(assembled->shader.getCompleteShader()));
+      writeOutput(output_, toUtf8(assembled->shader.getCompleteShader()));
     }
     writeDepfile(depfile_, output_, job);
     return kDone;

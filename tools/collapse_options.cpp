@@ -1,13 +1,13 @@
 #include "tools/collapse_options.h"
 
-#include "host/called_expressions.h"
-#include "host/depfile.h"
-#include "host/input_error.h"
-#include "host/output_file.h"
-#include "host/refusal_place.h"
-#include "host/warnings.h"
+#include "host/diagnostics/refusal_place.h"
+#include "host/diagnostics/warnings.h"
+#include "host/documents/input_error.h"
+#include "host/job/called_expressions.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
+#include "tools/depfile.h"
+#include "tools/output_file.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -26,7 +26,7 @@ std::string checkFinite(const std::string& text) {
   return finite ? std::string() : "`" + text + "` is not a finite number";
 }
 
-void reportRefusal(const host::CollapseJob& job, std::wstring_view message, host::Diagnostics& diagnostics) {
+void reportRefusal(const host::CollapseJob& job, std::wstring_view message, Diagnostics& diagnostics) {
   const host::RefusalPlace place = host::findRefusalPlace(job, message);
   diagnostics.note(place.place, place.text);
 }
@@ -104,10 +104,10 @@ void checkDepfile(const DepfileOptions& options, const std::string& output) {
 
 void writeDepfile(const DepfileOptions& options, const std::string& output, const host::CollapseJob& job) {
   if (!options.wanted && options.file.empty()) return;
-  host::writeOutput(options.file.empty() ? output + ".d" : options.file, host::writeDepfile(job, output));
+  writeOutput(options.file.empty() ? output + ".d" : options.file, writeDepfile(job, output));
 }
 
-Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics& diagnostics) {
+Outcome collapse(host::CollapseJob& job, bool completeShader, Diagnostics& diagnostics) {
   try {
     job.run();
   } catch (const host::CalledExpressionError& refusal) {
@@ -130,7 +130,7 @@ Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics&
 }
 
 std::optional<host::AssembledShader> assemble(const host::CollapseJob& job, host::ShaderStage stage,
-                                              host::Diagnostics& diagnostics) {
+                                              Diagnostics& diagnostics) {
   try {
     host::AssembledShader assembled = host::assembleShader(job, stage);
     for (const WString& name : assembled.missingIncludes) {

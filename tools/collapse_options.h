@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "host/collapse_job.h"
-#include "host/diagnostics.h"
+#include "host/job/collapse_job.h"
 #include "host/shader_assembly.h"
+#include "tools/diagnostics.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -67,10 +67,10 @@ enum class Outcome { done, null, thrown };
 
 /// Collapses. A refusal is written: the generator's message as it stands, and the place in the documents in a
 /// line of its own; or one line for each wire that cannot be followed.
-Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics& diagnostics);
+Outcome collapse(host::CollapseJob& job, bool completeShader, Diagnostics& diagnostics);
 
 /// The complete shader of a job that is done; nothing when it cannot be one, which is then written.
 std::optional<host::AssembledShader> assemble(const host::CollapseJob& job, host::ShaderStage stage,
-                                              host::Diagnostics& diagnostics);
+                                              Diagnostics& diagnostics);
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -1,9 +1,9 @@
-#include "host/code_origin.h"
-#include "host/output_file.h"
-#include "host/shader_compiler.h"
+#include "host/diagnostics/code_origin.h"
+#include "host/modules/shader_compiler.h"
 #include "tolmsdk/unicode.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/output_file.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -41,15 +41,15 @@ public:
     app().footer(kNotes);
   }
 
-  int run(host::Diagnostics& diagnostics) override {
+  int run(Diagnostics& diagnostics) override {
     checkDepfile(depfile_, output_);
     host::CollapseJob job(settings_);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
     const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
     if (!assembled) return kRefused;
     try {
-      host::writeOutput(output_, host::compileShader(toUtf8(assembled->shader.getCompleteShader()),
-                                                     assembled->entryPoint, stage_, target_));
+      writeOutput(output_, host::compileShader(toUtf8(assembled->shader.getCompleteShader()),
+                                               assembled->entryPoint, stage_, target_));
     } catch (const host::CompileError& error) {
       report(job, *assembled, error, diagnostics);
       return kRefused;
@@ -61,7 +61,7 @@ public:
 private:
   /// A compiler's complaint, the line it is about, and the fragment that the line comes from.
   static void report(const host::CollapseJob& job, const host::AssembledShader& assembled,
-                     const host::CompileError& error, host::Diagnostics& diagnostics) {
+                     const host::CompileError& error, Diagnostics& diagnostics) {
     diagnostics.error(job.document().file(), error.what());
     for (std::size_t i = 0; i < error.messages().size(); ++i) {
       const host::CompilerMessage& message = error.messages()[i];

@@ -4,12 +4,12 @@
 #include <iostream>
 #include <sstream>
 
-#include "host/fragment_files.h"
-#include "host/output_file.h"
+#include "host/library/fragment_files.h"
 #include "sfg/shader_fragment.h"
 #include "tolmsdk/unicode.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/output_file.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -26,7 +26,7 @@ public:
     app().footer("Example:\n\n  sfg list -L library noise\n");
   }
 
-  int run(host::Diagnostics&) override {
+  int run(Diagnostics&) override {
     const host::LoadedLibraries libraries(settings_.libraryFolders, settings_.includeFolders,
                                           settings_.language);
     const host::FragmentFiles files(settings_.libraryFolders);
@@ -38,7 +38,7 @@ public:
       if (text.find(word_) != text.npos)
         rows.push_back({toUtf8(name), entry.place(), toUtf8(entry.description)});
     }
-    host::writeOutput(std::string(), table(rows));
+    writeOutput(std::string(), table(rows));
     return kDone;
   }
 
@@ -71,7 +71,7 @@ public:
     app().footer("Example:\n\n  sfg dump -L library mixFloat3\n");
   }
 
-  int run(host::Diagnostics& diagnostics) override {
+  int run(Diagnostics& diagnostics) override {
     const host::LoadedLibraries libraries(settings_.libraryFolders, settings_.includeFolders,
                                           settings_.language);
     // The description is wide text on the standard output stream.

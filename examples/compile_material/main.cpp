@@ -9,9 +9,9 @@
 #include <iostream>
 #include <string>
 
-#include "host/collapse_job.h"
+#include "host/job/collapse_job.h"
+#include "host/modules/shader_compiler.h"
 #include "host/shader_assembly.h"
-#include "host/shader_compiler.h"
 #include "tolmsdk/unicode.h"
 
 using namespace TolmSDK;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/language_dx11.h"
+#include "host/library/language_dx11.h"
 #include "sfg/fragment_library.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_fragment_graph_builder.h"

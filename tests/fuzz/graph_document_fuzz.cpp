@@ -10,12 +10,12 @@
 #include <string>
 #include <string_view>
 
-#include "host/called_expressions.h"
-#include "host/collapse_job.h"
-#include "host/input_error.h"
-#include "host/refusal_place.h"
+#include "host/diagnostics/refusal_place.h"
+#include "host/diagnostics/warnings.h"
+#include "host/documents/input_error.h"
+#include "host/job/called_expressions.h"
+#include "host/job/collapse_job.h"
 #include "host/shader_assembly.h"
-#include "host/warnings.h"
 #include "tolmsdk/exception.h"
 
 namespace {

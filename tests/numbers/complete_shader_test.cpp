@@ -13,9 +13,9 @@
 
 #include <spirv/unified1/spirv.hpp>
 
-#include "host/collapse_job.h"
+#include "host/job/collapse_job.h"
+#include "host/modules/shader_compiler.h"
 #include "host/shader_assembly.h"
-#include "host/shader_compiler.h"
 #include "tests/numbers/agreement.h"
 #include "tests/numbers/reference_tools.h"
 #include "tests/numbers/sampler.h"

@@ -5,10 +5,10 @@
 #include <set>
 #include <stdexcept>
 
-#include "host/collapse_job.h"
-#include "host/shader_compiler.h"
-#include "host/shader_options.h"
-#include "host/shading_environment.h"
+#include "host/documents/shading_environment.h"
+#include "host/job/collapse_job.h"
+#include "host/job/shader_options.h"
+#include "host/modules/shader_compiler.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_collapse_tool_light_loop.h"
 #include "sfg/shader_fragment_graph.h"

@@ -2,9 +2,9 @@
 
 #include <fstream>
 
-#include "host/fragment_files.h"
-#include "host/shader_compiler.h"
-#include "host/warnings.h"
+#include "host/diagnostics/warnings.h"
+#include "host/library/fragment_files.h"
+#include "host/modules/shader_compiler.h"
 #include "tolmsdk/unicode.h"
 
 namespace shaders_test {
