@@ -2,14 +2,12 @@
 
 // Dependency files for Make and Ninja.
 
+#include <span>
 #include <string>
-
-#include "host/job/collapse_job.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
-/// "TARGET: FILE.." with the files that the job's result was made from: the graph, the environment, all
-/// fragment libraries that were loaded, and the include files that the result names. The job has a result.
-std::string writeDepfile(const host::CollapseJob& job, const std::string& target);
+/// "TARGET: FILE.."
+std::string writeDepfile(const std::string& target, std::span<const std::string> files);
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -22,6 +22,17 @@ bool wantsColours() {
 
 Diagnostics Diagnostics::standard() { return Diagnostics(std::cerr, wantsColours()); }
 
+void Diagnostics::show(std::span<const host::Diagnostic> diagnostics) {
+  for (const host::Diagnostic& diagnostic : diagnostics) {
+    switch (diagnostic.severity) {
+    case host::Severity::error: error(diagnostic.place(), diagnostic.text); break;
+    case host::Severity::warning: warning(diagnostic.place(), diagnostic.text); break;
+    case host::Severity::note: note(diagnostic.place(), diagnostic.text); break;
+    case host::Severity::message: plain(diagnostic.text); break;
+    }
+  }
+}
+
 void Diagnostics::plain(const std::string& text) { out_ << text << '\n' << std::flush; }
 
 void Diagnostics::write(const std::string& place, const char* kind, const char* colour,

@@ -3,7 +3,10 @@
 // Diagnostics of the commands: lower case, no full stop, code in backticks, on the standard error stream.
 
 #include <iosfwd>
+#include <span>
 #include <string>
+
+#include "sfg/host/diagnostic.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -20,6 +23,7 @@ public:
     write(place, "warning", "\033[1;35m", text);
   }
   void note(const std::string& place, const std::string& text) { write(place, "note", "\033[1;36m", text); }
+  void show(std::span<const host::Diagnostic> diagnostics);
   /// A line of somebody else, as it stands.
   void plain(const std::string& text);
 

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "host/documents/input_error.h"
+#include "sfg/host/errors.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <iostream>
 
-#include "host/documents/input_error.h"
+#include "sfg/host/errors.h"
 #include "tools/command.h"
 #include "tools/version_line.h"
 

@@ -1,11 +1,10 @@
 #include "host/diagnostics/code_origin.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <optional>
 
+#include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
-#include "host/library/fragment_files.h"
 #include "host/shader/identifiers.h"
 #include "sfg/code_snippet.h"
 #include "tolmsdk/exception.h"
@@ -44,7 +43,7 @@ std::string trimmed(std::wstring_view text) {
 
 class OriginSearch {
 public:
-  explicit OriginSearch(const CollapseJob& job) : job_(job), files_(job.settings().libraryFolders) {
+  explicit OriginSearch(const CollapseJob& job) : job_(job) {
     const AShaderFragmentGraph& graph = *job.graph();
     const GraphDocument& document = job.document();
     for (std::size_t i = 0; i < document.getNumNodes(); ++i) {
@@ -61,35 +60,30 @@ public:
     }
   }
 
-  OriginNote include(const WString& name) const {
-    for (const std::string& folder : job_.settings().includeFolders) {
-      const std::filesystem::path file = std::filesystem::path(folder) / toUtf8(name);
-      if (std::filesystem::exists(file)) return {file.string(), "in this include file"};
-    }
-    return {std::string(), "in the include file " + inTicks(name)};
+  Diagnostic include(const WString& name) const {
+    const std::string file = job_.libraries().includeFile(name);
+    if (!file.empty()) return diagnose(Severity::note, file, {}, "in this include file");
+    return diagnose(Severity::note, std::string(), {}, "in the include file " + inTicks(name));
   }
 
   /// The user whose predefines or function hold the symbol.
-  std::optional<OriginNote> symbol(std::wstring_view name) const {
+  std::optional<Diagnostic> symbol(std::wstring_view name) const {
     Match best;
     for (const User& user : users_) keepBetter(best, matchSymbol(user, name));
     return note(best);
   }
 
   /// Users of all names in the line.
-  std::vector<OriginNote> names(std::wstring_view line) const {
-    std::vector<OriginNote> notes;
+  std::vector<Diagnostic> names(std::wstring_view line) const {
+    std::vector<Diagnostic> notes;
     for (const std::wstring_view name : identifiersOf(line)) {
       Match best;
       for (const User& user : users_) {
         keepBetter(best, matchSymbol(user, name));
         keepBetter(best, matchVariable(user, name));
       }
-      const std::optional<OriginNote> found = note(best);
-      const auto same = [&](const OriginNote& other) {
-        return other.place == found->place && other.text == found->text;
-      };
-      if (found && std::none_of(notes.begin(), notes.end(), same)) notes.push_back(*found);
+      const std::optional<Diagnostic> found = note(best);
+      if (found && std::find(notes.begin(), notes.end(), *found) == notes.end()) notes.push_back(*found);
     }
     return notes;
   }
@@ -148,24 +142,24 @@ private:
     return {};
   }
 
-  std::optional<OriginNote> note(const Match& match) const {
+  std::optional<Diagnostic> note(const Match& match) const {
     if (match.user == nullptr) return std::nullopt;
     const WString& key = match.user->fragment->key();
-    const FragmentFiles::Entry* const entry = files_.find(key);
-    return OriginNote{entry != nullptr ? entry->place() : std::string(),
-                      match.reason + " is of fragment " + inTicks(key) + ", " + match.user->what};
+    const FragmentFiles::Entry* const entry = job_.libraries().files().find(key);
+    return diagnose(Severity::note, entry != nullptr ? entry->file : std::string(),
+                    entry != nullptr ? entry->position : TextPosition(),
+                    match.reason + " is of fragment " + inTicks(key) + ", " + match.user->what);
   }
 
   const CollapseJob& job_;
-  FragmentFiles files_;
   std::vector<User> users_;
 };
 
 }  // namespace
 
-std::vector<OriginNote> findOrigins(const CollapseJob& job, const AssembledShader& assembled,
+std::vector<Diagnostic> findOrigins(const CollapseJob& job, const AssembledShader& assembled,
                                     std::size_t line) {
-  std::vector<OriginNote> notes;
+  std::vector<Diagnostic> notes;
   const WString& text = assembled.shader.getCompleteShader();
   const auto section =
       std::find_if(assembled.sections.begin(), assembled.sections.end(),
@@ -173,14 +167,14 @@ std::vector<OriginNote> findOrigins(const CollapseJob& job, const AssembledShade
   if (section == assembled.sections.end()) return notes;
 
   const std::wstring_view code = lineOf(text, line);
-  notes.push_back({std::string(), "the line is `" + trimmed(code) + "`"});
+  notes.push_back(diagnose(Severity::note, std::string(), {}, "the line is `" + trimmed(code) + "`"));
   const OriginSearch search(job);
   if (section->kind == ShaderSection::Kind::include) {
     notes.push_back(search.include(section->name));
   } else if (section->kind == ShaderSection::Kind::symbol) {
-    if (const std::optional<OriginNote> found = search.symbol(section->name)) notes.push_back(*found);
+    if (const std::optional<Diagnostic> found = search.symbol(section->name)) notes.push_back(*found);
   } else {
-    const std::vector<OriginNote> found = search.names(code);
+    const std::vector<Diagnostic> found = search.names(code);
     notes.insert(notes.end(), found.begin(), found.end());
   }
   return notes;

@@ -10,16 +10,10 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// One thing to say about a line: a file's place (empty when there is none) and text.
-struct OriginNote {
-  std::string place;
-  std::string text;
-};
-
-/// What line `line` (counted from 1) of the assembled shader shows and where it comes from: the include file,
-/// or the fragments whose functions, helpers, uniforms and results it names, each with its place in a
-/// library.
-std::vector<OriginNote> findOrigins(const CollapseJob& job, const AssembledShader& assembled,
+/// Notes on what line `line` (counted from 1) of the assembled shader shows and where it comes from: the
+/// include file, or the fragments whose functions, helpers, uniforms and results it names, each with its
+/// place in a library.
+std::vector<Diagnostic> findOrigins(const CollapseJob& job, const AssembledShader& assembled,
                                     std::size_t line);
 
 }  // namespace TolmSDK::Graphics::sfg::host

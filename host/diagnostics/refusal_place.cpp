@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "tolmsdk/unicode.h"
 
@@ -9,7 +10,7 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-using Found = std::optional<RefusalPlace>;
+using Found = std::optional<Diagnostic>;
 
 /// The searches for one job. Each answers nothing when the document does not show what it looks for.
 class RefusalSearch {
@@ -51,7 +52,7 @@ public:
 
   Found noOutput() const {
     if (document_.getNumOutputs() != 0) return std::nullopt;
-    return RefusalPlace{document_.file(), "the graph has no `outputs`"};
+    return atFile("the graph has no `outputs`");
   }
 
   Found preprocessWithInputs() const {
@@ -76,7 +77,7 @@ public:
     for (std::size_t i = 0; i < target->getNumInputs(); ++i) {
       const std::string input = "input " + name(target->getInput(i)) + " of " + taker;
       if (i >= document_.getNumOutputs()) {
-        return RefusalPlace{document_.file(), "the graph has no output for " + input};
+        return atFile("the graph has no output for " + input);
       }
       if (target->getInput(i)->getType() == document_.getOutput(i)->getType()) continue;
       return at(document_.outputWires()[i].position, "graph output " + name(document_.getOutput(i)) +
@@ -151,25 +152,26 @@ public:
     return std::nullopt;
   }
 
-  RefusalPlace outputOrFile() const {
+  Diagnostic outputOrFile() const {
     for (const GraphNode::Wire& wire : document_.outputWires()) {
       if (wire.source != nullptr) {
         return at(wire.position, "on the way to " + named(*wire.source) + ", output " +
                                      name(wire.source->getOutput(wire.output)));
       }
     }
-    return RefusalPlace{document_.file(), "while this graph was collapsed"};
+    return atFile("while this graph was collapsed");
   }
 
 private:
   static std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
   static std::string name(const AParameter* parameter) { return inTicks(parameter->getName()); }
 
-  RefusalPlace at(TextPosition position, const std::string& text) const {
-    return {InputError(document_.file(), position, text).place(), text};
+  Diagnostic atFile(const std::string& text) const { return at(TextPosition(), text); }
+  Diagnostic at(TextPosition position, const std::string& text) const {
+    return diagnose(Severity::note, document_.file(), position, text);
   }
-  RefusalPlace atLight(const ShadingEnvironment::Light& light, const std::string& text) const {
-    return {InputError(job_.environment().file(), light.position, text).place(), text};
+  Diagnostic atLight(const ShadingEnvironment::Light& light, const std::string& text) const {
+    return diagnose(Severity::note, job_.environment().file(), light.position, text);
   }
 
   const IShaderFragment* fragmentOf(const GraphNode& node) const {
@@ -286,7 +288,7 @@ Found findByMessage(const RefusalSearch& search, std::wstring_view message) {
 
 }  // namespace
 
-RefusalPlace findRefusalPlace(const CollapseJob& job, std::wstring_view message) {
+Diagnostic findRefusalPlace(const CollapseJob& job, std::wstring_view message) {
   const RefusalSearch search(job);
   if (Found found = findByMessage(search, message)) return *found;
   // Something could not be evaluated: the usual causes, most exact first.
@@ -296,7 +298,7 @@ RefusalPlace findRefusalPlace(const CollapseJob& job, std::wstring_view message)
     if (Found found = search.mismatchedPorts()) return *found;
     return search.outputOrFile();
   }
-  return {job.document().file(), "while this graph was collapsed"};
+  return diagnose(Severity::note, job.document().file(), {}, "while this graph was collapsed");
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

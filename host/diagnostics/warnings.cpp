@@ -5,9 +5,9 @@
 
 #include "fragments/profile_choice.h"
 #include "host/diagnostics/contained_names.h"
+#include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/job/evaluated_surface.h"
-#include "host/library/fragment_files.h"
 #include "host/shader/identifiers.h"
 #include "sfg/code_snippet.h"
 #include "tolmsdk/unicode.h"
@@ -113,7 +113,7 @@ public:
     findUses();
   }
 
-  std::vector<Warning> run() {
+  std::vector<Diagnostic> run() {
     unlitBetweenLit();
     litAtOutputAndInLit();
     structureAccumulated();
@@ -133,14 +133,14 @@ private:
   std::size_t nodeCount() const { return document_.getNumNodes(); }
 
   void warn(TextPosition position, const std::string& text) {
-    warnings_.push_back({InputError(document_.file(), position, text).place(), text});
+    warnings_.push_back(diagnose(Severity::warning, document_.file(), position, text));
   }
   /// A warning about a fragment's own code, at its place in the library.
   void warnOfFragment(const IShaderFragment& fragment, const std::string& text) {
-    if (!files_) files_.emplace(job_.settings().libraryFolders);
-    const FragmentFiles::Entry* const entry = files_->find(fragment.key());
-    warnings_.push_back({entry != nullptr ? entry->place() : std::string(),
-                         "fragment " + inTicks(fragment.key()) + ": " + text});
+    const FragmentFiles::Entry* const entry = job_.libraries().files().find(fragment.key());
+    warnings_.push_back(diagnose(Severity::warning, entry != nullptr ? entry->file : std::string(),
+                                 entry != nullptr ? entry->position : TextPosition(),
+                                 "fragment " + inTicks(fragment.key()) + ": " + text));
   }
 
   static std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
@@ -301,7 +301,7 @@ private:
         const std::string text = "light " + inTicks(light.name) + " has the uniform " + inTicks(uniform) +
                                  ", which its function for MetaSL code reads, but only the light loop "
                                  "(`--tool lightloop`) declares";
-        warnings_.push_back({InputError(job_.environment().file(), light.position, text).place(), text});
+        warnings_.push_back(diagnose(Severity::warning, job_.environment().file(), light.position, text));
       }
     }
   }
@@ -324,7 +324,7 @@ private:
       if (offered.contains(name) || isReadByDefault(light) || !told.insert(name).second) continue;
       const std::string text = "light " + inTicks(light.name) + " asks for the profile " + inTicks(name) +
                                ", which no fragment of the graph has";
-      warnings_.push_back({InputError(job_.environment().file(), light.position, text).place(), text});
+      warnings_.push_back(diagnose(Severity::warning, job_.environment().file(), light.position, text));
     }
   }
 
@@ -444,13 +444,12 @@ private:
   std::vector<bool> feedsLit_;
   std::vector<bool> accumulated_;
   Map<WString, Use> uses_;
-  std::optional<FragmentFiles> files_;
-  std::vector<Warning> warnings_;
+  std::vector<Diagnostic> warnings_;
 };
 
 }  // namespace
 
-std::vector<Warning> findWarnings(const CollapseJob& job, bool completeShader) {
+std::vector<Diagnostic> findWarnings(const CollapseJob& job, bool completeShader) {
   return WarningSearch(job, completeShader).run();
 }
 

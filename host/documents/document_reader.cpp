@@ -46,13 +46,28 @@ std::string expectedValueText(const TypeID& type) {
 
 }  // namespace
 
-DocumentReader::DocumentReader(const std::string& file) : file_(file), root_(createJsonNode()) {
-  if (!root_->loadFromFile(fromUtf8(file))) throw withPlace(file, root_->getLoadError());
+DocumentReader::DocumentReader(const Document& document)
+    : file_(document.name()), hasPlaces_(document.hasPlaces()), root_(createJsonNode()) {
+  load(document.text());
   if (root_->kind() != NodeKind::object) refuse(*root_, "expected an object at the top level");
 }
 
+void DocumentReader::load(const std::optional<std::string>& text) {
+  constexpr std::wstring_view kByteOrderMark = L"\uFEFF";
+  bool isLoaded = false;
+  if (text) {
+    const WString wide = fromUtf8(*text);
+    std::wstring_view json = wide;
+    if (json.starts_with(kByteOrderMark)) json.remove_prefix(kByteOrderMark.size());
+    isLoaded = root_->loadFromText(json);
+  } else {
+    isLoaded = root_->loadFromFile(fromUtf8(file_));
+  }
+  if (!isLoaded) throw withPlace(file_, root_->getLoadError());
+}
+
 void DocumentReader::refuse(const IObjectDataNode& at, const std::string& reason) const {
-  throw InputError(file_, at.position(), reason);
+  throw InputError(file_, positionOf(at), reason);
 }
 
 WString DocumentReader::requiredName(const IObjectDataNode& object, std::wstring_view key) const {
@@ -114,7 +129,8 @@ RefPtr<AParameter> DocumentReader::parameter(const IObjectDataNode& object) cons
   RefPtr<AParameter> parameter = makeRef<AParameter>();
   if (!parameter->load(&object)) {
     const InputError error = withPlace(file_, parameter->getLoadError());
-    throw error.position().line != 0 ? error : InputError(file_, object.position(), error.what());
+    const bool isPlaced = hasPlaces_ && error.position().line != 0;
+    throw isPlaced ? error : InputError(file_, positionOf(object), error.what());
   }
   if (parameter->isConstant() && componentCount(parameter->getType()) == 0) {
     refuse(object, inTicks(parameter->getName()) + " cannot be constant: a value of type " +

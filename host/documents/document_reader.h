@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "host/documents/input_error.h"
+#include "sfg/host/document.h"
+#include "sfg/host/errors.h"
 #include "tolmsdk/object_data_node.h"
 #include "tolmsdk/parameter.h"
 #include "tolmsdk/ref_object.h"
@@ -18,11 +19,15 @@ namespace TolmSDK::Graphics::sfg::host {
 /// for throws InputError. A key whose value is null counts as missing; unknown keys are ignored.
 class DocumentReader {
 public:
-  /// Loads the file; its top level must be an object.
-  explicit DocumentReader(const std::string& file);
+  /// Loads it; its top level must be an object.
+  explicit DocumentReader(const Document& document);
 
   const std::string& file() const noexcept { return file_; }
   const IObjectDataNode& root() const noexcept { return *root_; }
+  /// Where the node is; nowhere in a document without places.
+  TextPosition positionOf(const IObjectDataNode& node) const {
+    return hasPlaces_ ? node.position() : TextPosition();
+  }
 
   [[noreturn]] void refuse(const IObjectDataNode& at, const std::string& reason) const;
 
@@ -56,7 +61,10 @@ private:
   [[noreturn]] void refuseValue(const IObjectDataNode& node, const AParameter& parameter,
                                 const std::string& what) const;
 
+  void load(const std::optional<std::string>& text);
+
   std::string file_;
+  bool hasPlaces_;
   RefPtr<IObjectDataNode> root_;
 };
 

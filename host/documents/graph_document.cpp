@@ -73,8 +73,9 @@ const GraphNode* GraphDocument::findInstance(const WString& instanceName) const 
 /// Reads one document in the order in which its parts refer to each other: ports first, wires afterwards.
 class GraphLoader {
 public:
-  GraphLoader(const std::string& file, const ILanguageTraits& language) : reader_(file), language_(language) {
-    document_->file_ = file;
+  GraphLoader(const Document& document, const ILanguageTraits& language)
+      : reader_(document), language_(language) {
+    document_->file_ = document.name();
   }
 
   RefPtr<GraphDocument> load() {
@@ -116,7 +117,7 @@ private:
       const std::string_view name = reader_.requiredUtf8(object, L"name");
       const RefPtr<GraphNode> node = makeRef<GraphNode>(typeOf(object));
       node->index_ = i;
-      node->position_ = object.position();
+      node->position_ = reader_.positionOf(object);
       node->name_ = fromUtf8(name);
       document_->nodes_.push_back(node);
       if (!nodes_.emplace(name, node.get()).second) {
@@ -217,7 +218,7 @@ private:
       node.wire(port) = readSource(object);
     } else if (source == L"graphInput") {
       node.wire(port).graphInput = readGraphInput(object);
-      node.wire(port).position = object.position();
+      node.wire(port).position = reader_.positionOf(object);
     } else {
       const bool constant = source == L"constant";
       const AParameter& parameter = *node.inputs()[port];
@@ -242,7 +243,7 @@ private:
   /// The wire that "node" and "output" of an object describe; none without "node".
   GraphNode::Wire readSource(const IObjectDataNode& object) {
     GraphNode::Wire wire;
-    wire.position = object.position();
+    wire.position = reader_.positionOf(object);
     const std::string_view name = reader_.optionalUtf8(object, L"node");
     const std::string_view output = reader_.optionalUtf8(object, L"output");
     if (name.empty()) {
@@ -289,7 +290,7 @@ private:
     const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), key);
     for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
       const IObjectDataNode& at = *array->elementOrNull(i);
-      GraphDocument::ChainFragment link{nullptr, reader_.nameAt(*array, i), at.position()};
+      GraphDocument::ChainFragment link{nullptr, reader_.nameAt(*array, i), reader_.positionOf(at)};
       link.fragment = language_.findFragment(link.name);
       if (!link.fragment) reader_.refuse(at, "unknown fragment " + inTicks(link.name));
       chain.push_back(link);
@@ -306,8 +307,12 @@ private:
   PortFinder portFinder_;
 };
 
+RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language) {
+  return GraphLoader(document, language).load();
+}
+
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language) {
-  return GraphLoader(file, language).load();
+  return loadGraphDocument(Document::fromFile(file), language);
 }
 
 RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "sfg/host/document.h"
 #include "sfg/shader_fragment_graph.h"
 #include "tolmsdk/host_interfaces.h"
 #include "tolmsdk/object_data_node.h"
@@ -124,6 +125,7 @@ private:
 /// hold exactly one source, a wire to a node, port or graph input that is not there, a value that does not
 /// fit its type, a constant of a type without values, and an unknown pre-process or post-process fragment. An
 /// unknown fragment of a node is left to the graph builder: the ports of such a node are not checked.
+RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language);
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language);
 
 /// The fragment graph of the document: built through the graph builder (whose exceptions pass through), then

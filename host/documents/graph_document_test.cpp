@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/documents/input_error.h"
 #include "host/documents/shading_environment.h"
 #include "host/job/shader_options.h"
 #include "host/library/language_dx11.h"
+#include "sfg/host/errors.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {

@@ -22,7 +22,7 @@ const IShaderFragment& requireFragment(const DocumentReader& reader, const IObje
 ShadingEnvironment::Light readLight(const DocumentReader& reader, const IObjectDataNode& object,
                                     std::size_t index, const ILanguageTraits& language) {
   ShadingEnvironment::Light light;
-  light.position = object.position();
+  light.position = reader.positionOf(object);
   light.name = reader.optionalName(object, L"name").value_or(L"light" + itos(static_cast<long long>(index)));
   const WString fragment = reader.requiredName(object, L"fragment");
   light.fragment = cloneWithPorts(requireFragment(reader, *object.member(L"fragment"), fragment, language),
@@ -43,9 +43,13 @@ const ShadingEnvironment::Light* ShadingEnvironment::findLight(const IShaderFrag
 }
 
 RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILanguageTraits& language) {
-  const DocumentReader reader(file);
+  return loadEnvironment(Document::fromFile(file), language);
+}
+
+RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language) {
+  const DocumentReader reader(document);
   RefPtr<ShadingEnvironment> environment = makeRef<ShadingEnvironment>();
-  environment->file_ = file;
+  environment->file_ = document.name();
   Set<WString> names;
   if (const IObjectDataNode* lights = reader.optionalArray(reader.root(), L"lights")) {
     if (lights->size() > kMaximumLights) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "sfg/host/document.h"
 #include "sfg/shader_fragment.h"
 #include "tolmsdk/host_interfaces.h"
 #include "tolmsdk/object_data_node.h"
@@ -36,7 +37,7 @@ public:
   const std::string& file() const noexcept { return file_; }
 
 private:
-  friend RefPtr<ShadingEnvironment> loadEnvironment(const std::string&, const ILanguageTraits&);
+  friend RefPtr<ShadingEnvironment> loadEnvironment(const Document&, const ILanguageTraits&);
 
   std::string file_;
   Array<Light> lights_;
@@ -46,6 +47,7 @@ private:
 
 /// Reads an environment document. Throws InputError for a malformed one, more lights than code can be written
 /// for, a light name used twice and a fragment that the language does not know.
+RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language);
 RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILanguageTraits& language);
 
 /// A clone under an instance name, with the ports of its first profile's function.

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/job/evaluated_surface.h"
 #include "sfg/shader_fragment_profile_base.h"
@@ -79,7 +80,7 @@ private:
   Set<Input> found_;
 };
 
-CalledExpression describe(const GraphDocument& document, const Input& input) {
+Diagnostic describe(const GraphDocument& document, const Input& input) {
   const GraphNode& node = document.node(input.first);
   const GraphNode::Wire& wire = node.wires()[input.second];
   const std::string text = "input " + inTicks(node.getInput(input.second)->getName()) + " of node " +
@@ -87,24 +88,24 @@ CalledExpression describe(const GraphDocument& document, const Input& input) {
                            inTicks(wire.source->name()) + " (fragment " +
                            inTicks(wire.source->fragmentName()) +
                            ") is an inline expression, which cannot be called; wire a function fragment";
-  return {InputError(document.file(), wire.position, text).place(), text};
+  return diagnose(Severity::error, document.file(), wire.position, text);
 }
 
-std::string listed(const std::vector<CalledExpression>& wires) {
+std::string listed(const std::vector<Diagnostic>& wires) {
   std::string text;
-  for (const CalledExpression& wire : wires) {
-    text += (text.empty() ? "" : "\n") + wire.place + ": " + wire.text;
+  for (const Diagnostic& wire : wires) {
+    text += (text.empty() ? "" : "\n") + wire.place() + ": " + wire.text;
   }
   return text;
 }
 
 }  // namespace
 
-CalledExpressionError::CalledExpressionError(std::vector<CalledExpression> wires)
+CalledExpressionError::CalledExpressionError(std::vector<Diagnostic> wires)
     : std::runtime_error(listed(wires)), wires_(std::move(wires)) {}
 
-std::vector<CalledExpression> findCalledExpressions(const CollapseJob& job) {
-  std::vector<CalledExpression> wires;
+std::vector<Diagnostic> findCalledExpressions(const CollapseJob& job) {
+  std::vector<Diagnostic> wires;
   for (const Input& input : CalledExpressionSearch(job).run())
     wires.push_back(describe(job.document(), input));
   return wires;

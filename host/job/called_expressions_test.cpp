@@ -95,8 +95,8 @@ protected:
     std::ofstream(settings_.graphFile) << graph;
     const CollapseJob job(settings_);
     std::string found;
-    for (const CalledExpression& wire : findCalledExpressions(job)) {
-      found += replaced(wire.place, settings_.graphFile + ":", "") + ": " + wire.text + "\n";
+    for (const Diagnostic& wire : findCalledExpressions(job)) {
+      found += replaced(wire.place(), settings_.graphFile + ":", "") + ": " + wire.text + "\n";
     }
     return found;
   }

@@ -1,44 +1,25 @@
 #include "host/job/collapse_job.h"
 
-#include <filesystem>
-#include <mutex>
-
-#include "host/documents/document_reader.h"
 #include "host/job/called_expressions.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_collapse_tool_light_loop.h"
-#include "sfg/shader_includes.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-void requireFolder(const std::string& folder) {
-  std::error_code error;
-  if (std::filesystem::is_directory(folder, error)) return;
-  throw InputError(std::filesystem::exists(folder, error) ? "`" + folder + "` is not a folder"
-                                                          : "the folder `" + folder + "` does not exist");
+std::optional<Document> environmentOf(const CollapseSettings& settings) {
+  if (settings.environmentFile.empty()) return std::nullopt;
+  return Document::fromFile(settings.environmentFile);
 }
 
-/// Once per process and folder: registered again, every file would hold its text twice.
-void registerIncludeFolder(const std::string& folder) {
-  static std::mutex mutex;
-  static Set<std::string> registered;
-  std::error_code error;
-  const std::filesystem::path canonical = std::filesystem::canonical(folder, error);
-  const std::lock_guard lock(mutex);
-  if (!registered.insert(error ? folder : canonical.string()).second) return;
-  ShaderIncludes::Singleton().addIncludePath(fromUtf8(folder).c_str());
-}
-
-void requireLanguage(const std::string& language) {
-  const std::string known = toUtf8(LanguageDx11::kName);
-  if (language != known) throw InputError("unknown language `" + language + "`; known is `" + known + "`");
+CollapseOptions optionsOf(const CollapseSettings& settings) {
+  return {settings.tool, settings.surfaceLod, settings.lightLod, settings.functionName, settings.profileName};
 }
 
 template <class Tool>
-RefPtr<IShaderFragment> collapseWith(const CollapseSettings& settings, const AShaderFragmentGraph& graph,
+RefPtr<IShaderFragment> collapseWith(const CollapseOptions& settings, const AShaderFragmentGraph& graph,
                                      const ShadingEnvironment& environment, const ShaderOptions& options,
                                      const LanguageDx11& language) {
   const RefPtr<Tool> tool = makeRef<Tool>();
@@ -49,39 +30,34 @@ RefPtr<IShaderFragment> collapseWith(const CollapseSettings& settings, const ASh
 
 }  // namespace
 
-LoadedLibraries::LoadedLibraries(const std::vector<std::string>& libraryFolders,
-                                 const std::vector<std::string>& includeFolders,
-                                 const std::string& language) {
-  requireLanguage(language);
-  for (const std::string& folder : libraryFolders) requireFolder(folder);
-  for (const std::string& folder : includeFolders) requireFolder(folder);
-
-  // Includes first: a fragment's hash string holds those of its include files.
-  for (const std::string& folder : includeFolders) registerIncludeFolder(folder);
-  for (const std::string& folder : libraryFolders) library_.loadFragments(fromUtf8(folder).c_str());
-  language_ = makeRef<LanguageDx11>(&library_);
-}
-
 CollapseJob::CollapseJob(const CollapseSettings& settings)
-    : settings_(settings), libraries_(settings.libraryFolders, settings.includeFolders, settings.language) {
-  const LanguageDx11& language = libraries_.language();
-  document_ = loadGraphDocument(settings.graphFile, language);
-  environment_ = settings.environmentFile.empty() ? makeRef<ShadingEnvironment>()
-                                                  : loadEnvironment(settings.environmentFile, language);
+    : CollapseJob(std::make_shared<const LoadedLibraries>(settings.libraryFolders, settings.includeFolders,
+                                                          settings.language),
+                  Document::fromFile(settings.graphFile), environmentOf(settings), optionsOf(settings)) {}
+
+CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
+                         const std::optional<Document>& environment, const CollapseOptions& settings)
+    : settings_(settings), libraries_(std::move(libraries)) {
+  const LanguageDx11& language = libraries_->language();
+  document_ = loadGraphDocument(graph, language);
+  environment_ = environment ? loadEnvironment(*environment, language) : makeRef<ShadingEnvironment>();
   options_ = makeRef<ShaderOptions>(language.getLanguageString(), settings.surfaceLod, settings.lightLod,
                                     environment_.get());
+  if (graph.isFile()) documentFiles_.push_back(graph.name());
+  if (environment && environment->isFile()) documentFiles_.push_back(environment->name());
 }
 
 void CollapseJob::run() {
-  const LanguageDx11& language = libraries_.language();
-  graph_ = buildGraph(*document_, language);
-  if (std::vector<CalledExpression> wires = findCalledExpressions(*this); !wires.empty()) {
+  const LanguageDx11& language = libraries_->language();
+  const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document_, language);
+  if (std::vector<Diagnostic> wires = findCalledExpressions(*this); !wires.empty()) {
     throw CalledExpressionError(std::move(wires));
   }
   result_ =
       settings_.tool == CollapseTool::lightLoop
-          ? collapseWith<AShaderCollapseToolLightLoop>(settings_, *graph_, *environment_, *options_, language)
-          : collapseWith<AShaderCollapseToolDefault>(settings_, *graph_, *environment_, *options_, language);
+          ? collapseWith<AShaderCollapseToolLightLoop>(settings_, *graph, *environment_, *options_, language)
+          : collapseWith<AShaderCollapseToolDefault>(settings_, *graph, *environment_, *options_, language);
+  graph_ = graph;
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -1,21 +1,20 @@
 #pragma once
 
-// One collapse from files: what to read, what was read, and the result.
+// One collapse: what to read, what was read, and the result.
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/documents/graph_document.h"
 #include "host/documents/shading_environment.h"
 #include "host/job/shader_options.h"
-#include "host/library/language_dx11.h"
-#include "sfg/fragment_library.h"
+#include "host/library/loaded_libraries.h"
+#include "sfg/host/job.h"
 #include "sfg/shader_collapse_tool_base.h"
 
 namespace TolmSDK::Graphics::sfg::host {
-
-enum class CollapseTool { standard, lightLoop };
 
 /// What to read and how to collapse it. Paths and names are UTF-8; an empty name or path is one not given.
 struct CollapseSettings {
@@ -31,40 +30,25 @@ struct CollapseSettings {
   std::string profileName;
 };
 
-/// Fragments and language as folders give them. Include folders are registered with the process-wide include
-/// registry, each once per process however it is spelled; so none is made while another collapses. Not copied
-/// or moved: the language points at the library.
-class LoadedLibraries {
-public:
-  /// Throws InputError for a folder that does not exist and for an unknown language. What is wrong inside
-  /// library files goes to the debug log.
-  LoadedLibraries(const std::vector<std::string>& libraryFolders,
-                  const std::vector<std::string>& includeFolders, const std::string& language);
-  LoadedLibraries(const LoadedLibraries&) = delete;
-  LoadedLibraries& operator=(const LoadedLibraries&) = delete;
-
-  const FragmentLibrary& library() const noexcept { return library_; }
-  const LanguageDx11& language() const noexcept { return *language_; }
-
-private:
-  FragmentLibrary library_;
-  RefPtr<LanguageDx11> language_;
-};
-
 /// One collapse, in three steps whose failures differ. Used by one thread.
 class CollapseJob {
 public:
   /// Reads everything. Throws InputError.
   explicit CollapseJob(const CollapseSettings& settings);
+  /// The same over libraries that other jobs use, too.
+  CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
+              const std::optional<Document>& environment, const CollapseOptions& settings);
 
   /// Builds the graph and collapses it. Throws InputError (a post-process fragment that does not fit),
   /// CalledExpressionError (inline expressions wired to inputs that are called as functions) and the
   /// generator's Exception; a null result() afterwards means that the collapse cannot be done with these
-  /// inputs.
+  /// inputs. A job that has thrown is as it was before.
   void run();
 
-  const CollapseSettings& settings() const noexcept { return settings_; }
-  const LoadedLibraries& libraries() const noexcept { return libraries_; }
+  const CollapseOptions& settings() const noexcept { return settings_; }
+  const LoadedLibraries& libraries() const noexcept { return *libraries_; }
+  /// The documents that are files.
+  const std::vector<std::string>& documentFiles() const noexcept { return documentFiles_; }
   const GraphDocument& document() const noexcept { return *document_; }
   const ShadingEnvironment& environment() const noexcept { return *environment_; }
   const ShaderOptions& options() const noexcept { return *options_; }
@@ -73,8 +57,9 @@ public:
   const IShaderFragment* result() const noexcept { return result_.get(); }
 
 private:
-  CollapseSettings settings_;
-  LoadedLibraries libraries_;
+  CollapseOptions settings_;
+  std::shared_ptr<const LoadedLibraries> libraries_;
+  std::vector<std::string> documentFiles_;
   RefPtr<GraphDocument> document_;
   RefPtr<ShadingEnvironment> environment_;
   RefPtr<ShaderOptions> options_;

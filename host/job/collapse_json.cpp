@@ -2,7 +2,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "sfg/shader_includes.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -46,14 +45,14 @@ Json parameterJson(const AParameter& parameter) {
       {"name", textJson(parameter.getName())}};
 }
 
-Json flatIncludesJson(const Set<WString>& includes) {
+Json flatIncludesJson(const ShaderIncludes& registry, const Set<WString>& includes) {
   Array<WString> flat;
   Set<WString> done;
-  ShaderIncludes::Singleton().createFlatIncludeArray(flat, done, includes);
+  registry.createFlatIncludeArray(flat, done, includes);
   return textsJson(flat);
 }
 
-Json resultJson(const IShaderFragment& result) {
+Json resultJson(const IShaderFragment& result, const ShaderIncludes& registry) {
   const IShaderFragmentProfile& profile = *result.getProfile(0);
   Json uniforms = Json::array();
   Json inputs = Json::array();
@@ -70,7 +69,7 @@ Json resultJson(const IShaderFragment& result) {
           {"lod", profile.getLOD()},
           {"predefines", textJson(profile.predefines())},
           {"includes", textsJson(profile.includes())},
-          {"flatIncludes", flatIncludesJson(profile.includes())},
+          {"flatIncludes", flatIncludesJson(registry, profile.includes())},
           {"stateVariables", textsJson(profile.stateVariables())},
           {"customStateVariables", textsJson(profile.customStateVariables())},
           {"uniforms", uniforms},
@@ -81,8 +80,8 @@ Json resultJson(const IShaderFragment& result) {
 
 }  // namespace
 
-std::string writeCollapseJson(const IShaderFragment* result) {
-  const Json document = result != nullptr ? resultJson(*result) : Json(nullptr);
+std::string writeCollapseJson(const IShaderFragment* result, const ShaderIncludes& includes) {
+  const Json document = result != nullptr ? resultJson(*result, includes) : Json(nullptr);
   return document.dump(2) + "\n";
 }
 

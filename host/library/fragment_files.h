@@ -10,8 +10,8 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// An index over the fragment libraries of some folders, read anew from the files: of fragments with equal
-/// names the last one counts, as in a library. Files that do not load are passed over. Immutable.
+/// The fragment objects that were met while folders were loaded: of those with equal names the last one
+/// counts, as in a library. Filled once, then only read.
 class FragmentFiles {
 public:
   struct Entry {
@@ -22,18 +22,19 @@ public:
     std::string place() const;
   };
 
-  explicit FragmentFiles(const std::vector<std::string>& folders);
+  void addFile(const WString& file);
+  void addFragment(const WString& file, const WString& name, const IObjectDataNode& object);
 
   /// Null for a fragment that no file holds.
   const Entry* find(const WString& fragment) const;
   /// By fragment name.
   const Map<WString, Entry>& entries() const noexcept { return entries_; }
+  /// All library files, in the order in which they were loaded.
+  const std::vector<std::string>& files() const noexcept { return files_; }
 
 private:
   Map<WString, Entry> entries_;
+  std::vector<std::string> files_;
 };
-
-/// The fragment library files ("fraglib" in any case) of a folder, in the order in which they load.
-std::vector<std::string> fragmentLibraryFiles(const std::string& folder);
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -251,6 +251,8 @@ std::string bytesOf(const Words& words) {
 
 }  // namespace
 
+bool hasCompilers() noexcept { return true; }
+
 Words compileToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage) {
   const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
   Words words = legaliseAndOptimise(parsed.toSpirv(stage));

@@ -110,10 +110,10 @@ RefPtr<AShaderFragmentGraph> graphOf(FragmentProfile const& profile, Row const& 
 std::string includedText(Set<WString> const& names) {
   Array<WString> flat;
   Set<WString> done;
-  ShaderIncludes::Singleton().createFlatIncludeArray(flat, done, names);
+  libraries().includes().createFlatIncludeArray(flat, done, names);
   std::string text;
   for (WString const& name : flat) {
-    text += toUtf8(ShaderIncludes::Singleton().getIncludeContent(name.c_str())) + "\n";
+    text += toUtf8(libraries().includes().getIncludeContent(name.c_str())) + "\n";
   }
   return text;
 }
