@@ -1,7 +1,10 @@
 #pragma once
 
-// What the host library throws. Besides these, std::bad_alloc passes through everything; whatever is thrown,
-// the object asked stays as it was.
+// What the host library throws. Whatever is thrown, the object asked stays as it was.
+//
+// Besides these, std::bad_alloc passes through: wherever memory runs out in a job that reads, collapses,
+// warns or assembles. While a folder is listed, JSON is written or a compiler runs, libraries below this one
+// may end the process instead.
 
 #include <cstddef>
 #include <span>
