@@ -74,12 +74,14 @@ case "$test" in
     ;;
   ExamplesAreBuiltByCMake)
     copy_examples
-    for example in own_graph compile_material; do
+    cp -a "$sources/examples/embedding" "$work"
+    for example in own_graph compile_material embedding; do
       "$CMAKE" -S "$work/$example" -B "$work/$example/build" -G Ninja -DCMAKE_CXX_COMPILER="$CXX" \
         -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_PREFIX_PATH="$prefix"
       "$CMAKE" --build "$work/$example/build"
     done
     expect_examples "$work/own_graph/build/own_graph" "$work/compile_material/build/compile_material"
+    "$work/embedding/build/embedding" "$prefix/share/sfg/library" | grep -q '^entry point main, uniforms '
     ;;
   ExamplesAreBuiltByPkgConfig)
     copy_examples
