@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/document_reader.h"
-#include "host/identifiers.h"
+#include "host/documents/document_reader.h"
+#include "host/shader/identifiers.h"
 #include "sfg/shader_includes.h"
 #include "sfg/shader_symbol.h"
 #include "sfg/state_variable_manager.h"
@@ -354,7 +354,7 @@ private:
     if (std::any_of(graphInputs_.begin(), graphInputs_.end(), isSampler)) names.insert(kSamplerInclude);
     Array<WString> flat;
     Set<WString> done;
-    const ShaderIncludes& registry = ShaderIncludes::Singleton();
+    const ShaderIncludes& registry = job_.libraries().includes();
     registry.createFlatIncludeArray(flat, done, names);
     for (const WString& name : flat) {
       const WString& content = registry.getIncludeContent(name.c_str());

@@ -2,22 +2,15 @@
 
 // A complete shader from the result of a collapse.
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "host/collapse_job.h"
+#include "host/job/collapse_job.h"
+#include "sfg/host/errors.h"
+#include "sfg/host/shader.h"
 #include "sfg/shader.h"
 
 namespace TolmSDK::Graphics::sfg::host {
-
-enum class ShaderStage { pixel, compute };
-
-/// The result cannot become a complete shader of the stage.
-class AssemblyError : public std::runtime_error {
-public:
-  using std::runtime_error::runtime_error;
-};
 
 /// What some lines of an assembled shader are.
 struct ShaderSection {

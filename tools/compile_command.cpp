@@ -1,11 +1,7 @@
-#include <optional>
-
-#include "host/code_origin.h"
-#include "host/output_file.h"
-#include "host/shader_compiler.h"
-#include "tolmsdk/unicode.h"
+#include "sfg/host/compile.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/output_file.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -26,7 +22,7 @@ class CompileCommand : public Command {
 public:
   explicit CompileCommand(CLI::App& parent)
       : Command(*parent.add_subcommand("compile", "Compile a graph of fragments for a graphics API")) {
-    declareCollapseOptions(app(), settings_);
+    declareJobOptions(app(), options_);
     declareChoice<host::ShaderTarget>(
         app(), "--target",
         {{"spirv", host::ShaderTarget::spirv},
@@ -43,17 +39,16 @@ public:
     app().footer(kNotes);
   }
 
-  int run(host::Diagnostics& diagnostics) override {
+  int run(Diagnostics& diagnostics) override {
     checkDepfile(depfile_, output_);
-    host::CollapseJob job(settings_);
+    host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::AssembledShader> assembled = assemble(job, stage_, diagnostics);
-    if (!assembled) return kRefused;
+    const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, diagnostics);
+    if (!shader) return kRefused;
     try {
-      host::writeOutput(output_, host::compileShader(toUtf8(assembled->shader.getCompleteShader()),
-                                                     assembled->entryPoint, stage_, target_));
+      writeOutput(output_, host::compile(*shader, target_));
     } catch (const host::CompileError& error) {
-      report(job, *assembled, error, diagnostics);
+      diagnostics.show(job.explain(*shader, error));
       return kRefused;
     }
     writeDepfile(depfile_, output_, job);
@@ -61,29 +56,7 @@ public:
   }
 
 private:
-  /// A compiler's complaint, the line it is about, and the fragment that the line comes from.
-  static void report(const host::CollapseJob& job, const host::AssembledShader& assembled,
-                     const host::CompileError& error, host::Diagnostics& diagnostics) {
-    diagnostics.error(job.document().file(), error.what());
-    std::optional<host::OriginFinder> origins;
-    for (std::size_t i = 0; i < error.messages().size(); ++i) {
-      const host::CompilerMessage& message = error.messages()[i];
-      const bool hasLine = error.inAssembledText() && message.line != 0;
-      const std::string place =
-          hasLine ? "generated:" + std::to_string(message.line) : std::string("generated");
-      diagnostics.error(place, message.text);
-      // Where the line comes from is said once, behind all that is said about it.
-      const bool moreOfTheLine =
-          i + 1 < error.messages().size() && error.messages()[i + 1].line == message.line;
-      if (!hasLine || moreOfTheLine) continue;
-      if (!origins) origins.emplace(job, assembled);
-      for (const host::OriginNote& note : origins->find(message.line)) {
-        diagnostics.note(note.place.empty() ? place : note.place, note.text);
-      }
-    }
-  }
-
-  host::CollapseSettings settings_;
+  JobOptions options_;
   host::ShaderTarget target_ = host::ShaderTarget::spirv;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
   std::string output_;

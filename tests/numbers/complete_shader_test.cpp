@@ -13,9 +13,9 @@
 
 #include <spirv/unified1/spirv.hpp>
 
-#include "host/collapse_job.h"
+#include "host/job/collapse_job.h"
+#include "host/modules/shader_compiler.h"
 #include "host/shader_assembly.h"
-#include "host/shader_compiler.h"
 #include "tests/numbers/agreement.h"
 #include "tests/numbers/reference_brdf.h"
 #include "tests/numbers/sampler.h"
@@ -127,11 +127,12 @@ struct CompleteShader {
   std::map<std::string, std::vector<float>> uniforms;
 };
 
-// Collapses and compiles the document. The include files are registered already.
+// Collapses and compiles the document. The include files are those of the library.
 CompleteShader compileDocument(std::string const& document, host::CollapseSettings settings) {
   TemporaryFile const file(document);
   settings.graphFile = file.path();
   settings.libraryFolders = {"library"};
+  settings.includeFolders = {"library"};
   host::CollapseJob job(settings);
   job.run();
   host::AssembledShader assembled = host::assembleShader(job, host::ShaderStage::compute);

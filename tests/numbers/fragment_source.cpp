@@ -5,10 +5,10 @@
 #include <set>
 #include <stdexcept>
 
-#include "host/collapse_job.h"
-#include "host/shader_compiler.h"
-#include "host/shader_options.h"
-#include "host/shading_environment.h"
+#include "host/documents/shading_environment.h"
+#include "host/job/collapse_job.h"
+#include "host/job/shader_options.h"
+#include "host/modules/shader_compiler.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_collapse_tool_light_loop.h"
 #include "sfg/shader_fragment_graph.h"
@@ -110,10 +110,10 @@ RefPtr<AShaderFragmentGraph> graphOf(FragmentProfile const& profile, Row const& 
 std::string includedText(Set<WString> const& names) {
   Array<WString> flat;
   Set<WString> done;
-  ShaderIncludes::Singleton().createFlatIncludeArray(flat, done, names);
+  libraries().includes().createFlatIncludeArray(flat, done, names);
   std::string text;
   for (WString const& name : flat) {
-    text += toUtf8(ShaderIncludes::Singleton().getIncludeContent(name.c_str())) + "\n";
+    text += toUtf8(libraries().includes().getIncludeContent(name.c_str())) + "\n";
   }
   return text;
 }

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/collapse_job.h"
+#include "host/job/collapse_job.h"
 #include "host/shader_assembly.h"
 
 namespace shaders_test {
