@@ -101,22 +101,6 @@ bool readConstant(const IObjectDataNode& object) {
   return member->asBool();
 }
 
-const WString& textOrEmpty(const WString* text) noexcept {
-  static const NeverDestroyed<WString> none;
-  return text != nullptr ? *text : none.get();
-}
-
-/// A text that was made stays where it is, since somebody may hold a reference to it.
-void setText(std::unique_ptr<WString>& text, const WString& value) {
-  if (text) {
-    *text = value;
-  } else if (!value.empty()) {
-    text = std::make_unique<WString>(value);
-  }
-}
-
-using SharedValue = std::shared_ptr<const AValue>;
-
 Map<TypeID, AValue> makeDefaultValues() {
   Map<TypeID, AValue> values;
   values.emplace(TypeID_nil, AValue());
@@ -124,42 +108,81 @@ Map<TypeID, AValue> makeDefaultValues() {
   return values;
 }
 
-/// One value for all parameters of a type. Nobody owns it, so threads do not meet at a count of its users.
-SharedValue defaultValueOf(const TypeID& type) {
+/// The one value that all parameters of a type have at first; null for a type that is none of the constants.
+const AValue* findDefaultValue(const TypeID& type) {
   static const NeverDestroyed<Map<TypeID, AValue>> values(makeDefaultValues());
   const auto found = values.get().find(type);
-  if (found == values.get().end()) return std::make_shared<const AValue>(type);
-  return SharedValue(SharedValue(), &found->second);
+  return found != values.get().end() ? &found->second : nullptr;
 }
 
 }  // namespace
 
 AParameter::AParameter() : AParameter(TypeID_nil, WString()) {}
 
-AParameter::AParameter(const TypeID& type, const WString& name)
-    : name_(name), type_(type), defaultValue_(defaultValueOf(type)) {}
+AParameter::AParameter(const TypeID& type, const WString& name) : name_(name), type_(type) {
+  setDefaultToTypes();
+}
 
 AParameter::AParameter(const AParameter& other, WString name)
-    : name_(std::move(name)), semantic_(other.semantic_), type_(other.type_), flags_(other.flags_),
-      defaultValue_(other.defaultValue_) {
-  if (other.structName_) setStructName(*other.structName_);
+    : flags_(other.flags_), name_(std::move(name)), type_(other.type_), rest_(other.rest_) {
+  if (rest_ && !rest_->isShared.load(std::memory_order_relaxed))
+    rest_->isShared.store(true, std::memory_order_relaxed);
 }
 
 AParameter::~AParameter() = default;
 
-const WString& AParameter::getLoadError() const noexcept { return textOrEmpty(loadError_.get()); }
+AParameter::Rest::Rest(const Rest& other)
+    : ARefObject(other), semantic(other.semantic), structName(other.structName), loadError(other.loadError),
+      defaultValue(other.defaultValue ? std::make_unique<const AValue>(*other.defaultValue) : nullptr) {}
 
-const WString& AParameter::getStructName() const noexcept { return textOrEmpty(structName_.get()); }
+const AParameter::Rest& AParameter::rest() const noexcept {
+  static const NeverDestroyed<Rest> none;
+  return rest_ ? *rest_ : none.get();
+}
 
-void AParameter::setStructName(const WString& name) { setText(structName_, name); }
+AParameter::Rest& AParameter::makeRestOwn() {
+  if (!rest_) {
+    rest_ = makeRef<Rest>();
+  } else if (rest_->isShared.load(std::memory_order_relaxed)) {
+    rest_ = makeRef<Rest>(*rest_);
+  }
+  return *rest_;
+}
+
+const WString& AParameter::getLoadError() const noexcept { return rest().loadError; }
+
+const WString& AParameter::getStructName() const noexcept { return rest().structName; }
+
+void AParameter::setStructName(const WString& name) {
+  if (name != getStructName()) makeRestOwn().structName = name;
+}
+
+const UString& AParameter::getSemantic() const noexcept { return rest().semantic; }
+
+void AParameter::setSemantic(const UString& semantic) {
+  if (semantic != getSemantic()) makeRestOwn().semantic = semantic;
+}
 
 void AParameter::setType(const TypeID& type) {
   type_ = type;
-  defaultValue_ = defaultValueOf(type);
+  setDefaultToTypes();
+}
+
+const AValue& AParameter::getDefaultValue() const noexcept {
+  const AValue* own = rest().defaultValue.get();
+  return own != nullptr ? *own : *findDefaultValue(type_);
 }
 
 void AParameter::setDefaultValue(const AValue& value) {
-  defaultValue_ = std::make_shared<const AValue>(value);
+  makeRestOwn().defaultValue = std::make_unique<const AValue>(value);
+}
+
+void AParameter::setDefaultToTypes() {
+  if (findDefaultValue(type_) == nullptr) {
+    setDefaultValue(AValue(type_));
+  } else if (rest().defaultValue) {
+    makeRestOwn().defaultValue = nullptr;
+  }
 }
 
 bool AParameter::load(const IObjectDataNode* node) try {
@@ -181,15 +204,14 @@ bool AParameter::load(const IObjectDataNode* node) try {
 
   name_ = name;
   setStructName(structName);
-  type_ = type;
-  defaultValue_ =
-      findMember(*node, L"value") == nullptr ? defaultValueOf(type) : std::make_shared<const AValue>(value);
+  setType(type);
+  if (findMember(*node, L"value") != nullptr) setDefaultValue(value);
   flags_ = isConstant ? kConstantFlag : 0;
-  semantic_ = semantic == nullptr ? UString() : UString(*semantic);
-  setText(loadError_, WString());
+  setSemantic(semantic == nullptr ? UString() : UString(*semantic));
+  if (!getLoadError().empty()) makeRestOwn().loadError.clear();
   return true;
 } catch (const LoadFailure& failure) {
-  setText(loadError_, failure.message);
+  makeRestOwn().loadError = failure.message;
   return false;
 }
 
