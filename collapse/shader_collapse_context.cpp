@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "collapse/arena.h"
 #include "collapse/evaluator.h"
 #include "collapse/instance_table.h"
 #include "collapse/visited_fragments.h"
@@ -37,8 +38,8 @@ std::uint64_t AShaderCollapseContext::nextContextNumber() noexcept {
 
 AShaderCollapseContext::AShaderCollapseContext()
     : result_(makeRef<AShaderFragment>()), resultProfile_(makeRef<AShaderFragmentProfileFunction>()),
-      fragmentInstances_(std::make_unique<InstanceTable>()),
-      lightFragmentInstances_(std::make_unique<InstanceTable>()), number_(nextContextNumber()),
+      arena_(std::make_unique<Arena>()), fragmentInstances_(std::make_unique<InstanceTable>(*arena_)),
+      lightFragmentInstances_(std::make_unique<InstanceTable>(*arena_)), number_(nextContextNumber()),
       writtenDefinitions_(std::make_unique<WrittenDefinitions>()),
       evaluator_(std::make_unique<FragmentEvaluator>(*this)) {
   resultProfile_->setProfilename(L"default");
@@ -97,8 +98,11 @@ bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment, Vi
 
 /// Null when it cannot be created.
 FragmentInstance* AShaderCollapseContext::createInstance(const IShaderFragment* fragment) {
-  FragmentInstance& instance = getFragmentInstance(fragment);
   const auto* ours = dynamic_cast<const AShaderFragment*>(fragment);
+  // An instance keeps its fragment, and so the name.
+  FragmentInstance& instance = ours != nullptr ? fragmentInstances_->getByLastingName(ours->instanceName())
+                                               : fragmentInstances_->get(fragment->instanceName());
+  admit(instance);
   if (instance.isInitialized() || instance.create(*this, getLanguage(), ours)) return &instance;
   return nullptr;
 }
