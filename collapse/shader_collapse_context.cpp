@@ -8,6 +8,7 @@
 
 #include "collapse/arena.h"
 #include "collapse/evaluator.h"
+#include "collapse/expected_texts.h"
 #include "collapse/instance_table.h"
 #include "collapse/visited_fragments.h"
 #include "collapse/written_definitions.h"
@@ -59,15 +60,31 @@ bool AShaderCollapseContext::initialize(const RefPtr<ILanguageTraits const>& lan
   options_ = options;
   if (!graph_ || !language) return false;
 
-  VisitedFragments visited;
-  for (const ShaderFragmentConnection& connection : graph_->getOutputConnections()) {
-    if (connection.fragment != nullptr && !createInstances(connection.fragment, visited)) return false;
-  }
+  if (!createSurfaceInstances()) return false;
   const std::size_t lights = environment_ ? environment_->getNumLights() : 0;
   for (std::size_t i = 0; i < lights; ++i) {
     if (!createLightInstance(environment_->getLight(i))) return false;
   }
+  reserveTexts();
   return true;
+}
+
+bool AShaderCollapseContext::createSurfaceInstances() {
+  VisitedFragments visited;
+  visited.reserve(graph_->getNumFragments());
+  fragmentInstances_->reserve(graph_->getNumFragments());
+  for (const ShaderFragmentConnection& connection : graph_->getOutputConnections()) {
+    if (connection.fragment != nullptr && !createInstances(connection.fragment, visited)) return false;
+  }
+  return true;
+}
+
+void AShaderCollapseContext::reserveTexts() {
+  ExpectedTexts expected;
+  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i)
+    expected.add((*fragmentInstances_)[i].instance);
+  resultProfile_->getFunctionBody().reserve(expected.bodyLength());
+  resultProfile_->predefines().reserve(expected.definitionsLength());
 }
 
 /// Creates the instance of a fragment and, before it, those of everything that feeds it, but for what was

@@ -76,6 +76,7 @@ private:
   friend class AShaderCollapseContext;
   friend class AShaderCollapseToolDefault;
   friend class AShaderCollapseToolLightLoop;
+  friend class ExpectedTexts;
   friend class FragmentEvaluator;
 
   /// What was found out about an input when the instance was made.

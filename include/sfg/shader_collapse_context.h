@@ -98,6 +98,9 @@ private:
   friend class FragmentProfileInstance;
 
   static std::uint64_t nextContextNumber() noexcept;
+  bool createSurfaceInstances();
+  /// Gives the texts of the result room for what the instances will write.
+  void reserveTexts();
   bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
   FragmentInstance* createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
