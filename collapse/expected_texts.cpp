@@ -29,7 +29,7 @@ void ExpectedTexts::add(const FragmentInstance& instance) {
   body_ += kCall + profile.getFunctionName().size();
   for (std::size_t i = 0; i < active->getNumOutputs(); ++i)
     body_ += kDeclaration + active->getOutputType(i).size() + ownOutput + kArgument + ownOutput;
-  for (const FragmentInstance::Input& input : instance.inputs_)
+  for (const FragmentInstance::Input& input : instance.inputs())
     body_ += kArgument + (input.uniform ? input.uniform->getName().size() : ownOutput);
 
   // Uniforms have other names in every instance, which makes the function another one.

@@ -55,7 +55,7 @@ WString profileNumber(const AShaderFragment& fragment, const IShaderFragmentProf
 }  // namespace
 
 FragmentInstance::FragmentInstance() = default;
-FragmentInstance::~FragmentInstance() { std::destroy(inputs_.begin(), inputs_.end()); }
+FragmentInstance::~FragmentInstance() { std::destroy_n(firstInput_, numInputs_); }
 
 FragmentInstance::Extras& FragmentInstance::extras() const {
   if (!extras_) extras_ = std::make_unique<Extras>();
@@ -67,7 +67,9 @@ FragmentInstance::Extras& FragmentInstance::extras() const {
 bool FragmentInstance::create(AShaderCollapseContext& context, const ILanguageTraits* language,
                               const AShaderFragment* fragment) {
   if (!createNoInputUniform(language, fragment)) return false;
-  inputs_ = context.arena().makeArray<Input>(fragment->getNumInputs());
+  const std::span<Input> inputs = context.arena().makeArray<Input>(fragment->getNumInputs());
+  firstInput_ = inputs.data();
+  numInputs_ = static_cast<std::uint32_t>(inputs.size());
   for (std::size_t i = 0; i < fragment->getNumInputs(); ++i) {
     // A connected input has its source's value, unless the code calls the source as a function.
     const bool isShaderInput = activeProfileInstance_ != nullptr && activeProfileInstance_->IsShaderInput(i);
@@ -112,7 +114,7 @@ void FragmentInstance::createInputUniform(const AShaderCollapseContext& context,
     return;
   }
 
-  RefPtr<AParameter const>& uniform = inputs_[input].uniform;
+  RefPtr<AParameter const>& uniform = inputs()[input].uniform;
   uniform = makeRef<OverrideNameParameter>(*parameter,
                                            inputUniformName(parameter->getName(), fragment_->instanceName()));
   if (!isSamplerType(parameter->getType())) return;
@@ -123,12 +125,12 @@ void FragmentInstance::createInputUniform(const AShaderCollapseContext& context,
 
 void FragmentInstance::setInputValue(std::size_t input, WString value) const {
   Array<WString>& values = extras().inputValues;
-  if (values.empty()) values.resize(inputs_.size());
+  if (values.empty()) values.resize(inputs().size());
   values[input] = std::move(value);
 }
 
 void FragmentInstance::createLateInputUniform(AShaderCollapseContext& context, std::size_t input) const {
-  const RefPtr<AParameter const>& uniform = inputs_[input].uniform;
+  const RefPtr<AParameter const>& uniform = inputs()[input].uniform;
   if (uniform || hasInputValue(input)) return;
   createInputUniform(context, input);
   if (!uniformsWritten_ || !uniform) return;
@@ -140,15 +142,15 @@ void FragmentInstance::createLateInputUniform(AShaderCollapseContext& context, s
 const WString& FragmentInstance::inputValue(std::size_t input) const {
   static const WString none;
   if (hasInputValue(input)) return extras_->inputValues[input];
-  const RefPtr<AParameter const>& uniform = inputs_[input].uniform;
+  const RefPtr<AParameter const>& uniform = inputs()[input].uniform;
   return uniform ? uniform->getName() : none;
 }
 
 void FragmentInstance::setSources(const VisitedFragments& visited) {
   if (!fragment_) return;
   const Array<ShaderFragmentConnection>& connections = fragment_->getInputConnections();
-  for (std::size_t i = 0; i < inputs_.size() && i < connections.size(); ++i) {
-    if (connections[i].fragment != nullptr) inputs_[i].source = visited.getInstance(connections[i].fragment);
+  for (std::size_t i = 0; i < inputs().size() && i < connections.size(); ++i) {
+    if (connections[i].fragment != nullptr) inputs()[i].source = visited.getInstance(connections[i].fragment);
   }
 }
 
@@ -321,7 +323,7 @@ bool FragmentInstance::writeRequirements(AShaderCollapseContext& context) {
     if (extras_) {
       for (const auto& uniform : extras_->uniforms) context.getResult()->addUniform(uniform.get());
     }
-    for (const Input& input : inputs_) {
+    for (const Input& input : inputs()) {
       if (input.uniform) context.getResult()->addUniform(input.uniform.get());
     }
     if (usesSamplers_) context.getResultProfile()->includes().insert(L"sfg_samplers.h");

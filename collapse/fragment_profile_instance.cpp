@@ -192,7 +192,7 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
   profile_ = profile;
   requiresCurrentLight_ = profile->stateVariables().contains(StateVariable_currentLight);
   const ITextParameterList* parameters = profile->getFunctionParameters();
-  numOutputs_ = parameters != nullptr ? parameters->getNumOutputs() : 0;
+  numOutputs_ = parameters != nullptr ? static_cast<std::uint32_t>(parameters->getNumOutputs()) : 0;
   if (!profile->getBodyBuiltinFunctions().empty() || !profile->getPredefineBuiltinFunctions().empty()) {
     static const RefPtr<ATextParameterList const> kNone = makeRef<ATextParameterList>();
     BuiltinValues values(*fragment, parameters != nullptr ? *parameters : *kNone);
@@ -282,7 +282,7 @@ void FragmentProfileInstance::setNumOutputs(std::size_t count) {
     extras_->outputIsUnset.resize(count, true);
   }
   extras_->outputKeys.clear();
-  numOutputs_ = count;
+  numOutputs_ = static_cast<std::uint32_t>(count);
 }
 
 const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {

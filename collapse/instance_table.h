@@ -2,9 +2,10 @@
 
 // The fragment instances of a collapse.
 
-#include <algorithm>
 #include <cstddef>
+#include <forward_list>
 #include <functional>
+#include <memory>
 #include <string_view>
 
 #include "collapse/arena.h"
@@ -19,8 +20,8 @@ namespace TolmSDK::Graphics::sfg {
 class InstanceTable {
 public:
   struct Entry {
-    explicit Entry(std::wstring_view text) : name(text) {}
-    std::wstring_view name;
+    explicit Entry(const WString& text) : name(&text) {}
+    const WString* name;
     FragmentInstance instance;
   };
 
@@ -33,14 +34,14 @@ public:
   InstanceTable& operator=(const InstanceTable&) = delete;
 
   /// The instance of that name; a new, uninitialised one when there is none.
-  FragmentInstance& get(std::wstring_view name) {
-    const std::size_t hash = std::hash<std::wstring_view>()(name);
+  FragmentInstance& get(const WString& name) {
+    const std::size_t hash = hashOf(name);
     FragmentInstance* known = find(name, hash);
-    return known != nullptr ? *known : add(copyOf(name), hash);
+    return known != nullptr ? *known : add(names_.emplace_front(name), hash);
   }
-  /// The same for a name whose text lasts as long as the table.
-  FragmentInstance& getByLastingName(std::wstring_view name) {
-    const std::size_t hash = std::hash<std::wstring_view>()(name);
+  /// The same for a text that lasts as long as the table.
+  FragmentInstance& getByLastingName(const WString& name) {
+    const std::size_t hash = hashOf(name);
     FragmentInstance* known = find(name, hash);
     return known != nullptr ? *known : add(name, hash);
   }
@@ -53,12 +54,14 @@ public:
 private:
   static constexpr std::size_t kBlock = 8;
 
-  FragmentInstance* find(std::wstring_view name, std::size_t hash) {
-    const std::size_t known = byName_.find(hash, [&](std::size_t i) { return (*this)[i].name == name; });
+  static std::size_t hashOf(std::wstring_view name) { return std::hash<std::wstring_view>()(name); }
+
+  FragmentInstance* find(const WString& name, std::size_t hash) {
+    const std::size_t known = byName_.find(hash, [&](std::size_t i) { return *(*this)[i].name == name; });
     return known != kNotFound ? &(*this)[known].instance : nullptr;
   }
 
-  FragmentInstance& add(std::wstring_view name, std::size_t hash) {
+  FragmentInstance& add(const WString& name, std::size_t hash) {
     if (size_ == blocks_.size() * kBlock) {
       blocks_.push_back(reinterpret_cast<Entry*>(arena_.allocate(kBlock * sizeof(Entry), alignof(Entry))));
     }
@@ -68,16 +71,11 @@ private:
     return entry.instance;
   }
 
-  std::wstring_view copyOf(std::wstring_view name) {
-    const std::span<wchar_t> copy = arena_.makeArray<wchar_t>(name.size());
-    std::copy(name.begin(), name.end(), copy.begin());
-    return {copy.data(), copy.size()};
-  }
-
   Arena& arena_;
   Array<Entry*> blocks_;
   std::size_t size_ = 0;
   HashIndex byName_;
+  std::forward_list<WString, StlAllocator<WString>> names_;  // those that nobody else keeps
 };
 
 }  // namespace TolmSDK::Graphics::sfg

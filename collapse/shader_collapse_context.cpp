@@ -217,7 +217,7 @@ bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName)
     if (instance.hasAnswered(request)) continue;
     const IShaderFragmentProfile* profile = instance.findProfile(*this, profileName, lod);
     if (profile == nullptr) {
-      firstFailing = firstFailing ? std::min(*firstFailing, entry.name) : entry.name;
+      firstFailing = firstFailing ? std::min<std::wstring_view>(*firstFailing, *entry.name) : *entry.name;
     } else if (instance.hasActiveProfile(profile)) {
       instance.profileRequest_ = request;
     } else {
@@ -226,7 +226,7 @@ bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName)
   }
 
   for (const auto& [entry, profile] : changes) {
-    if (firstFailing && entry->name >= *firstFailing) continue;
+    if (firstFailing && *entry->name >= *firstFailing) continue;
     entry->instance.changeProfile(*this, profile);
     entry->instance.profileRequest_ = request;
   }

@@ -1,5 +1,6 @@
 #include "tolmsdk/parameter.h"
 
+#include <mutex>
 #include <utility>
 
 #include "platform/never_destroyed.h"
@@ -101,30 +102,45 @@ bool readConstant(const IObjectDataNode& object) {
   return member->asBool();
 }
 
-Map<TypeID, AValue> makeDefaultValues() {
-  Map<TypeID, AValue> values;
-  values.emplace(TypeID_nil, AValue());
-  for (const TypeID& type : allTypes()) values.emplace(type, type);
-  return values;
-}
+/// The default value of every type that a parameter was given. Values never move.
+class DefaultValues {
+public:
+  DefaultValues() {
+    values_.emplace(TypeID_nil, AValue());
+    for (const TypeID& type : allTypes()) values_.emplace(type, type);
+  }
 
-/// The one value that all parameters of a type have at first; null for a type that is none of the constants.
-const AValue* findDefaultValue(const TypeID& type) {
-  static const NeverDestroyed<Map<TypeID, AValue>> values(makeDefaultValues());
-  const auto found = values.get().find(type);
-  return found != values.get().end() ? &found->second : nullptr;
+  const AValue* find(const TypeID& type) const {
+    const auto found = values_.find(type);
+    return found != values_.end() ? &found->second : nullptr;
+  }
+  const AValue* findOrAdd(const TypeID& type) {
+    const std::unique_lock lock(mutex_);
+    return &others_.emplace(type, type).first->second;
+  }
+
+private:
+  Map<TypeID, AValue> values_;  // of the constants; not changed
+  std::mutex mutex_;
+  Map<TypeID, AValue> others_;
+};
+
+/// One value for all parameters of a type, which lasts.
+const AValue* defaultValueOf(const TypeID& type) {
+  static NeverDestroyed<DefaultValues> values;
+  const AValue* found = values.get().find(type);
+  return found != nullptr ? found : values.get().findOrAdd(type);
 }
 
 }  // namespace
 
 AParameter::AParameter() : AParameter(TypeID_nil, WString()) {}
 
-AParameter::AParameter(const TypeID& type, const WString& name) : name_(name), type_(type) {
-  setDefaultToTypes();
-}
+AParameter::AParameter(const TypeID& type, const WString& name)
+    : name_(name), typesDefault_(defaultValueOf(type)) {}
 
 AParameter::AParameter(const AParameter& other, WString name)
-    : flags_(other.flags_), name_(std::move(name)), type_(other.type_), rest_(other.rest_) {
+    : flags_(other.flags_), name_(std::move(name)), typesDefault_(other.typesDefault_), rest_(other.rest_) {
   if (rest_ && !rest_->isShared.load(std::memory_order_relaxed))
     rest_->isShared.store(true, std::memory_order_relaxed);
 }
@@ -164,25 +180,17 @@ void AParameter::setSemantic(const UString& semantic) {
 }
 
 void AParameter::setType(const TypeID& type) {
-  type_ = type;
-  setDefaultToTypes();
+  typesDefault_ = defaultValueOf(type);
+  if (rest().defaultValue) makeRestOwn().defaultValue = nullptr;
 }
 
 const AValue& AParameter::getDefaultValue() const noexcept {
   const AValue* own = rest().defaultValue.get();
-  return own != nullptr ? *own : *findDefaultValue(type_);
+  return own != nullptr ? *own : *typesDefault_;
 }
 
 void AParameter::setDefaultValue(const AValue& value) {
   makeRestOwn().defaultValue = std::make_unique<const AValue>(value);
-}
-
-void AParameter::setDefaultToTypes() {
-  if (findDefaultValue(type_) == nullptr) {
-    setDefaultValue(AValue(type_));
-  } else if (rest().defaultValue) {
-    makeRestOwn().defaultValue = nullptr;
-  }
 }
 
 bool AParameter::load(const IObjectDataNode* node) try {

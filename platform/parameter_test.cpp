@@ -237,7 +237,7 @@ TEST(Parameter, HasADefaultValueOfATypeThatIsNoneOfTheConstants) {
 }
 
 // A collapse makes one for every uniform.
-TEST(OverrideNameParameter, IsSmall) { EXPECT_LE(sizeof(OverrideNameParameter), 10 * sizeof(void*)); }
+TEST(OverrideNameParameter, IsSmall) { EXPECT_LE(sizeof(OverrideNameParameter), 9 * sizeof(void*)); }
 
 }  // namespace
 }  // namespace TolmSDK::Graphics

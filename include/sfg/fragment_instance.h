@@ -122,17 +122,19 @@ private:
   /// Notes the instances of the fragments that feed the inputs.
   void setSources(const VisitedFragments& visited);
   Extras& extras() const;
+  std::span<Input> inputs() const noexcept { return {firstInput_, numInputs_}; }
   bool accumulates() const noexcept { return extras_ && !extras_->accumulateOutputs.empty(); }
 
-  bool initialized_ = false;
-  bool uniformsWritten_ = false;
-  mutable bool usesSamplers_ = false;
   RefPtr<ILanguageTraits const> language_;
   FragmentProfileInstance* activeProfileInstance_ = nullptr;
   RefPtr<AShaderFragment const> fragment_;
   FragmentProfileInstance firstProfileInstance_;
   mutable std::unique_ptr<Extras> extras_;
-  std::span<Input> inputs_;  // in the memory of the context that created the instance
+  Input* firstInput_ = nullptr;  // in the memory of the context that created the instance
+  std::uint32_t numInputs_ = 0;
+  bool initialized_ = false;
+  bool uniformsWritten_ = false;
+  mutable bool usesSamplers_ = false;
 
   // Kept by the context that made the instance or was the first to evaluate it: its own number, the
   // instance's (those that it made count up), and the profile request that was answered last.

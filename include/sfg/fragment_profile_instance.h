@@ -3,6 +3,7 @@
 // One profile of one fragment as used in one collapse.
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include "sfg/code_snippet.h"
@@ -163,7 +164,7 @@ private:
   const AShaderFragment* fragment_ = nullptr;
   const AShaderFragmentProfile* profile_ = nullptr;
   const WString* profileShortname_ = nullptr;  // lasts as long as the profile or the extras
-  std::size_t numOutputs_ = 0;
+  std::uint32_t numOutputs_ = 0;
   bool initialized_ : 1 = false;
   bool requirementsWritten_ : 1 = false;
   bool definitionWritten_ : 1 = false;

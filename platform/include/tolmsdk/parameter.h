@@ -37,7 +37,7 @@ public:
 
   const WString& getName() const noexcept { return name_; }
   void setName(const WString& name) { name_ = name; }
-  const TypeID& getType() const noexcept { return type_; }
+  const TypeID& getType() const noexcept { return typesDefault_->type(); }
   /// Also resets the default value to the type's.
   void setType(const TypeID& type);
   /// Name of the structure type; meaningful with TypeID_struct only.
@@ -76,13 +76,12 @@ private:
 
   const Rest& rest() const noexcept;
   Rest& makeRestOwn();
-  void setDefaultToTypes();
 
   // A collapse makes a parameter for every uniform, so they are small.
   std::uint32_t flags_ = 0;
   WString name_;
-  TypeID type_;
-  RefPtr<Rest> rest_;  // null as long as nothing of it is set
+  const AValue* typesDefault_;  // of the parameter's type
+  RefPtr<Rest> rest_;           // null as long as nothing of it is set
 };
 
 /// A copy of a parameter under another name: a uniform whose name is unique in a shader.
