@@ -43,7 +43,7 @@ public:
 private:
   /// Blocks grow up to a size from which on their number no longer costs anything.
   static constexpr std::size_t kSmallest = std::size_t{1} << 10;
-  static constexpr std::size_t kLargest = std::size_t{1} << 16;
+  static constexpr std::size_t kLargest = std::size_t{1} << 14;
 
   std::byte* take(std::size_t gap, std::size_t size) noexcept {
     std::byte* const piece = blocks_.back().get() + used_ + gap;
@@ -54,7 +54,7 @@ private:
 
   /// A block begins at an address that suits every alignment.
   std::byte* allocateInNewBlock(std::size_t size) {
-    const std::size_t usual = std::min(kSmallest << std::min<std::size_t>(blocks_.size(), 6), kLargest);
+    const std::size_t usual = std::min(kSmallest << std::min<std::size_t>(blocks_.size(), 4), kLargest);
     const std::size_t room = std::max(usual, size);
     blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(room));
     used_ = 0;

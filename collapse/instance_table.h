@@ -52,7 +52,7 @@ public:
   Entry& operator[](std::size_t number) { return blocks_[number / kBlock][number % kBlock]; }
 
 private:
-  static constexpr std::size_t kBlock = 8;
+  static constexpr std::size_t kBlock = 4;
 
   static std::size_t hashOf(std::wstring_view name) { return std::hash<std::wstring_view>()(name); }
 

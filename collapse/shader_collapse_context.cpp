@@ -8,7 +8,7 @@
 
 #include "collapse/arena.h"
 #include "collapse/evaluator.h"
-#include "collapse/expected_texts.h"
+#include "collapse/expected_result.h"
 #include "collapse/instance_table.h"
 #include "collapse/visited_fragments.h"
 #include "collapse/written_definitions.h"
@@ -65,7 +65,7 @@ bool AShaderCollapseContext::initialize(const RefPtr<ILanguageTraits const>& lan
   for (std::size_t i = 0; i < lights; ++i) {
     if (!createLightInstance(environment_->getLight(i))) return false;
   }
-  reserveTexts();
+  reserveResult();
   return true;
 }
 
@@ -79,12 +79,13 @@ bool AShaderCollapseContext::createSurfaceInstances() {
   return true;
 }
 
-void AShaderCollapseContext::reserveTexts() {
-  ExpectedTexts expected;
+void AShaderCollapseContext::reserveResult() {
+  ExpectedResult expected;
   for (std::size_t i = 0; i < fragmentInstances_->size(); ++i)
     expected.add((*fragmentInstances_)[i].instance);
   resultProfile_->getFunctionBody().reserve(expected.bodyLength());
   resultProfile_->predefines().reserve(expected.definitionsLength());
+  result_->reserveUniforms(expected.numUniforms());
 }
 
 /// Creates the instance of a fragment and, before it, those of everything that feeds it, but for what was

@@ -76,7 +76,7 @@ private:
   friend class AShaderCollapseContext;
   friend class AShaderCollapseToolDefault;
   friend class AShaderCollapseToolLightLoop;
-  friend class ExpectedTexts;
+  friend class ExpectedResult;
   friend class FragmentEvaluator;
 
   /// What was found out about an input when the instance was made.

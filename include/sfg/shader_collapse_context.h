@@ -99,8 +99,8 @@ private:
 
   static std::uint64_t nextContextNumber() noexcept;
   bool createSurfaceInstances();
-  /// Gives the texts of the result room for what the instances will write.
-  void reserveTexts();
+  /// Gives the result room for what the instances will write.
+  void reserveResult();
   bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
   FragmentInstance* createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
