@@ -29,10 +29,11 @@ void ExpectedResult::add(const FragmentInstance& instance) {
   const FragmentProfileInstance* active = instance.activeProfileInstance_;
   if (active == nullptr || active->isInlineProfile()) return;
   addCall(instance, *active);
-  // Uniforms have other names in every instance, which makes the function another one.
+  // Uniforms have other, longer names in every instance, which makes the function another one.
   const AShaderFragmentProfile& profile = *active->getProfile();
   if (fragment.getNumUniforms() != 0) {
     addDefinition(profile);
+    definitions_ += fragment.getNumUniforms() * fragment.instanceName().size();
   } else if (&profile != last_) {
     last_ = &profile;
     if (profiles_.insert(&profile)) addDefinition(profile);
