@@ -369,11 +369,14 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
 /// own.
 void FragmentEvaluator::reserveTexts() {
   const std::size_t instances = context_.countSurfaceInstances();
-  if (isAlmostFull(body()) && calls_.pieces < instances)
-    growTo(body(), declarations_.rest(instances) + calls_.rest(instances));
+  if (calls_.pieces >= instances) return;
+  const auto reserve = [](WString& text, double rest) {
+    if (rest > static_cast<double>(text.capacity() - text.size())) growTo(text, rest);
+  };
+  if (isAlmostFull(body())) reserve(body(), declarations_.rest(instances) + calls_.rest(instances));
   WString& definitions = context_.getResultProfile()->predefines();
-  if (isAlmostFull(definitions) && calls_.pieces < instances)
-    growTo(definitions, TextRate{calls_.pieces, definitions.size()}.rest(instances));
+  if (isAlmostFull(definitions))
+    reserve(definitions, TextRate{calls_.pieces, definitions.size()}.rest(instances));
 }
 
 bool FragmentEvaluator::writeCall(Frame& frame) {

@@ -11,7 +11,7 @@ namespace {
 // What stands around the names.
 constexpr std::size_t kOutput = 10;      // result_NAME_01
 constexpr std::size_t kDeclaration = 7;  // four blanks, TYPE NAME; and a line feed
-constexpr std::size_t kCall = 9;         // four blanks, NAME1( ); and a line feed
+constexpr std::size_t kCall = 8;         // four blanks, NAME1( ); and a line feed, and no last comma
 constexpr std::size_t kArgument = 10;    // a line feed, eight blanks, NAME and a comma
 constexpr std::size_t kDefinition = 16;  // void NAME1( ) { }, line feeds
 constexpr std::size_t kInput = 7;        // a line feed, four blanks, TYPE NAME and a comma
@@ -62,7 +62,7 @@ void ExpectedResult::addDefinition(const AShaderFragmentProfile& profile) {
 }
 
 std::size_t ExpectedResult::withReserve(std::size_t length) noexcept {
-  return std::min(length + length / 64, kMaximumTextLength);
+  return std::min(length + length / 128, kMaximumTextLength);
 }
 
 }  // namespace TolmSDK::Graphics::sfg
