@@ -1,6 +1,7 @@
 #include "sfg/fragment_profile_instance.h"
 
 #include <algorithm>
+#include <array>
 #include <typeinfo>
 #include <utility>
 
@@ -17,6 +18,20 @@
 namespace TolmSDK::Graphics::sfg {
 
 namespace {
+
+/// A lasting text that says the same, for what short names are as a rule: the profile's number. Null for
+/// others.
+const WString* findDigit(const WString& text) {
+  static const std::array<WString, 9> digits = {L"1", L"2", L"3", L"4", L"5", L"6", L"7", L"8", L"9"};
+  const bool isDigit = text.size() == 1 && text[0] >= L'1' && text[0] <= L'9';
+  return isDigit ? &digits[static_cast<std::size_t>(text[0] - L'1')] : nullptr;
+}
+
+/// Whether it is an expression. Only what is no plain function, as most are, has to be asked for its bases.
+bool isInline(const AShaderFragmentProfile& profile) {
+  return typeid(profile) != typeid(AShaderFragmentProfileFunction) &&
+         dynamic_cast<const AShaderFragmentProfileInline*>(&profile) != nullptr;
+}
 
 void appendDeclaration(WString& out, const FragmentProfileInstance& instance, std::size_t output) {
   out += L"    ";
@@ -136,7 +151,7 @@ FragmentProfileInstance::~FragmentProfileInstance() = default;
 bool FragmentProfileInstance::create(const ILanguageTraits* language, const AShaderFragment* fragment,
                                      const AShaderFragmentProfile* profile, const WString& shortname) {
   if (initialized_) {
-    const AShaderFragment* named = fragment != nullptr ? fragment : fragment_.get();
+    const AShaderFragment* named = fragment != nullptr ? fragment : fragment_;
     throw Exception(L"Cannot initialize fragment (%s) profile twice!",
                     named != nullptr ? named->key() : WString());
   }
@@ -153,14 +168,18 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
     extras_->outputKeys.clear();
     extras_->outputIsUnset.clear();
   }
-  isInlineProfile_ = dynamic_cast<const AShaderFragmentProfileInline*>(profile) != nullptr;
-  profileShortname_ = shortname.empty() ? profile->getProfilename() : shortname;
+  isInlineProfile_ = isInline(*profile);
+  profileShortname_ = shortname.empty() ? &profile->getProfilename() : findDigit(shortname);
+  if (profileShortname_ == nullptr) {
+    extras().profileShortname = shortname;
+    profileShortname_ = &extras().profileShortname;
+  }
   language_ = language;
   fragment_ = fragment;
   profile_ = profile;
   requiresCurrentLight_ = profile->stateVariables().contains(StateVariable_currentLight);
   const ITextParameterList* parameters = profile->getFunctionParameters();
-  numOutputs_ = parameters != nullptr ? parameters->getNumOutputs() : 0;
+  numOutputs_ = parameters != nullptr ? static_cast<std::uint32_t>(parameters->getNumOutputs()) : 0;
   if (!profile->getBodyBuiltinFunctions().empty() || !profile->getPredefineBuiltinFunctions().empty()) {
     static const RefPtr<ATextParameterList const> kNone = makeRef<ATextParameterList>();
     BuiltinValues values(*fragment, parameters != nullptr ? *parameters : *kNone);
@@ -173,6 +192,11 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
 const WString& FragmentProfileInstance::getProfilename() const {
   static const WString none;
   return profile_ ? profile_->getProfilename() : none;
+}
+
+const WString& FragmentProfileInstance::getProfileShortname() const noexcept {
+  static const WString none;
+  return profileShortname_ != nullptr ? *profileShortname_ : none;
 }
 
 FragmentProfileInstance::Extras& FragmentProfileInstance::extras() const {
@@ -191,9 +215,9 @@ void FragmentProfileInstance::appendFunctionName(WString& out) const {
   if (hasFunctionName_) {
     out += extras_->functionName;
   } else if (profile_) {
-    if (out.empty()) out.reserve(profile_->getFunctionName().size() + profileShortname_.size());
+    if (out.empty()) out.reserve(profile_->getFunctionName().size() + profileShortname_->size());
     out += profile_->getFunctionName();
-    out += profileShortname_;
+    out += *profileShortname_;
   }
 }
 
@@ -220,7 +244,7 @@ void FragmentProfileInstance::appendOutputName(WString& out, std::size_t index) 
   out += fragment_->instanceName();
   out += L'_';
   appendDecimal(out, index);
-  out += profileShortname_;
+  out += *profileShortname_;
 }
 
 const Array<WString>& FragmentProfileInstance::getOutputNames() const { return outputNames(); }
@@ -245,7 +269,7 @@ void FragmentProfileInstance::setNumOutputs(std::size_t count) {
     extras_->outputIsUnset.resize(count, true);
   }
   extras_->outputKeys.clear();
-  numOutputs_ = count;
+  numOutputs_ = static_cast<std::uint32_t>(count);
 }
 
 const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {

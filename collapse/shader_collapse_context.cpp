@@ -6,7 +6,9 @@
 #include <optional>
 #include <utility>
 
+#include "collapse/arena.h"
 #include "collapse/evaluator.h"
+#include "collapse/expected_result.h"
 #include "collapse/instance_table.h"
 #include "collapse/visited_fragments.h"
 #include "collapse/written_definitions.h"
@@ -37,8 +39,8 @@ std::uint64_t AShaderCollapseContext::nextContextNumber() noexcept {
 
 AShaderCollapseContext::AShaderCollapseContext()
     : result_(makeRef<AShaderFragment>()), resultProfile_(makeRef<AShaderFragmentProfileFunction>()),
-      fragmentInstances_(std::make_unique<InstanceTable>()),
-      lightFragmentInstances_(std::make_unique<InstanceTable>()), number_(nextContextNumber()),
+      arena_(std::make_unique<Arena>()), fragmentInstances_(std::make_unique<InstanceTable>(*arena_)),
+      lightFragmentInstances_(std::make_unique<InstanceTable>(*arena_)), number_(nextContextNumber()),
       writtenDefinitions_(std::make_unique<WrittenDefinitions>()),
       evaluator_(std::make_unique<FragmentEvaluator>(*this)) {
   resultProfile_->setProfilename(L"default");
@@ -58,15 +60,32 @@ bool AShaderCollapseContext::initialize(const RefPtr<ILanguageTraits const>& lan
   options_ = options;
   if (!graph_ || !language) return false;
 
-  VisitedFragments visited;
-  for (const ShaderFragmentConnection& connection : graph_->getOutputConnections()) {
-    if (connection.fragment != nullptr && !createInstances(connection.fragment, visited)) return false;
-  }
+  if (!createSurfaceInstances()) return false;
   const std::size_t lights = environment_ ? environment_->getNumLights() : 0;
   for (std::size_t i = 0; i < lights; ++i) {
     if (!createLightInstance(environment_->getLight(i))) return false;
   }
+  reserveResult();
   return true;
+}
+
+bool AShaderCollapseContext::createSurfaceInstances() {
+  VisitedFragments visited;
+  visited.reserve(graph_->getNumFragments());
+  fragmentInstances_->reserve(graph_->getNumFragments());
+  for (const ShaderFragmentConnection& connection : graph_->getOutputConnections()) {
+    if (connection.fragment != nullptr && !createInstances(connection.fragment, visited)) return false;
+  }
+  return true;
+}
+
+void AShaderCollapseContext::reserveResult() {
+  ExpectedResult expected;
+  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i)
+    expected.add((*fragmentInstances_)[i].instance);
+  resultProfile_->getFunctionBody().reserve(expected.bodyLength());
+  resultProfile_->predefines().reserve(expected.definitionsLength());
+  result_->reserveUniforms(expected.numUniforms());
 }
 
 /// Creates the instance of a fragment and, before it, those of everything that feeds it, but for what was
@@ -97,8 +116,11 @@ bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment, Vi
 
 /// Null when it cannot be created.
 FragmentInstance* AShaderCollapseContext::createInstance(const IShaderFragment* fragment) {
-  FragmentInstance& instance = getFragmentInstance(fragment);
   const auto* ours = dynamic_cast<const AShaderFragment*>(fragment);
+  // An instance keeps its fragment, and so the name.
+  FragmentInstance& instance = ours != nullptr ? fragmentInstances_->getByLastingName(ours->instanceName())
+                                               : fragmentInstances_->get(fragment->instanceName());
+  admit(instance);
   if (instance.isInitialized() || instance.create(*this, getLanguage(), ours)) return &instance;
   return nullptr;
 }
@@ -196,7 +218,7 @@ bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName)
     if (instance.hasAnswered(request)) continue;
     const IShaderFragmentProfile* profile = instance.findProfile(*this, profileName, lod);
     if (profile == nullptr) {
-      firstFailing = firstFailing ? std::min(*firstFailing, entry.name) : entry.name;
+      firstFailing = firstFailing ? std::min<std::wstring_view>(*firstFailing, *entry.name) : *entry.name;
     } else if (instance.hasActiveProfile(profile)) {
       instance.profileRequest_ = request;
     } else {
@@ -205,7 +227,7 @@ bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName)
   }
 
   for (const auto& [entry, profile] : changes) {
-    if (firstFailing && entry->name >= *firstFailing) continue;
+    if (firstFailing && *entry->name >= *firstFailing) continue;
     entry->instance.changeProfile(*this, profile);
     entry->instance.profileRequest_ = request;
   }

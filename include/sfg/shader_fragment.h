@@ -158,8 +158,9 @@ public:
   /// Writable, for whoever registers the fragment.
   virtual WString& key() { return key_; }
 
-  /// Writable, for the collapse that fills a result fragment.
+  // For the collapse that fills a result fragment.
   Array<WString>& getShaderInputTypes() { return shaderInputTypes_; }
+  void reserveUniforms(std::size_t count) { uniforms_.reserve(count); }
 
   /// Fills the fragment from a fragment object: its "profiles" (the object itself is the one profile when
   /// there are none) and its "uniforms", and forms the hash string. False for a null node. Throws Exception
