@@ -11,22 +11,25 @@ TEST(WrittenDefinitions, AreFoundByProfileAndKey) {
   const auto one = makeRef<AShaderFragmentProfileFunction>();
   const auto other = makeRef<AShaderFragmentProfileFunction>();
   WrittenDefinitions written;
-  EXPECT_EQ(written.find(one.get(), L"f"), nullptr);
-  written.add(one.get(), L"f", L"f1");
-  written.add(one.get(), L"g", L"");
-  ASSERT_NE(written.find(one.get(), L"f"), nullptr);
-  EXPECT_EQ(written.find(one.get(), L"f")->rename, L"f1");
-  ASSERT_NE(written.find(one.get(), L"g"), nullptr);
-  EXPECT_TRUE(written.find(one.get(), L"g")->rename.empty());
-  EXPECT_EQ(written.find(other.get(), L"f"), nullptr);
+  EXPECT_FALSE(written.get(one.get(), L"f").isWritten);
+  written.last().isWritten = true;
+  written.last().rename = L"f1";
+  EXPECT_FALSE(written.get(one.get(), L"g").isWritten);
+  written.last().isWritten = true;
+  EXPECT_FALSE(written.get(other.get(), L"f").isWritten);
+
+  EXPECT_TRUE(written.get(one.get(), L"f").isWritten);
+  EXPECT_EQ(written.last().rename, L"f1");
+  EXPECT_TRUE(written.get(one.get(), L"g").isWritten);
+  EXPECT_EQ(written.last().rename, L"");
+  EXPECT_FALSE(written.get(other.get(), L"f").isWritten);
 }
 
-TEST(WrittenDefinitions, KeepTheFirstOfEqualOnes) {
+TEST(WrittenDefinitions, AreWrittenWhenThatIsTold) {
   const auto profile = makeRef<AShaderFragmentProfileFunction>();
   WrittenDefinitions written;
-  written.add(profile.get(), L"f", L"first");
-  written.add(profile.get(), L"f", L"second");
-  EXPECT_EQ(written.find(profile.get(), L"f")->rename, L"first");
+  written.get(profile.get(), L"f");
+  EXPECT_FALSE(written.get(profile.get(), L"f").isWritten);
 }
 
 TEST(WrittenDefinitions, TextForASearchIsEmpty) {

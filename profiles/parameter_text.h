@@ -50,12 +50,8 @@ inline bool addStateInputs(ATextParameterList& list, const AShaderFragmentProfil
 }
 
 /// Appends the declaration of a profile's parameters: its inputs, those of its state variables, its outputs.
-/// False when one cannot be added.
-inline bool appendDeclaredParameters(WString& out, std::wstring_view prefix,
-                                     const AShaderFragmentProfile& profile,
-                                     const AShaderCollapseContext& context) {
-  ATextParameterList state;
-  if (!addStateInputs(state, profile, context)) return false;
+inline void appendDeclaredParameters(WString& out, std::wstring_view prefix,
+                                     const AShaderFragmentProfile& profile, const ATextParameterList& state) {
   const ITextParameterList& own = *profile.getFunctionParameters();
   ParameterWriter writer(out, prefix);
   for (std::size_t i = 0; i < own.getNumInputs(); ++i)
@@ -64,7 +60,6 @@ inline bool appendDeclaredParameters(WString& out, std::wstring_view prefix,
     writer.writeDeclaration(L"", state.getInputType(i), state.getInputName(i));
   for (std::size_t i = 0; i < own.getNumOutputs(); ++i)
     writer.writeDeclaration(L"out ", own.getOutputType(i), own.getOutputName(i));
-  return true;
 }
 
 /// Appends the arguments of a call in the same order.

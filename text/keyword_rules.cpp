@@ -4,14 +4,14 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-void KeywordRules::add(const KeywordReplacePattern& pattern) {
-  if (pattern.getKeywords().empty()) return;
-  for (const WString& keyword : pattern.getKeywords()) {
+void KeywordRules::add(const Array<WString>& keywords, const Array<WString>& replacements) {
+  if (keywords.empty()) return;
+  for (const WString& keyword : keywords) {
     keywords_.push_back(&keyword);
     totalLength_ += keyword.size();
     longest_ = std::max(longest_, keyword.size());
   }
-  for (const WString& replacement : pattern.getReplacements()) replacements_.push_back(&replacement);
+  for (const WString& replacement : replacements) replacements_.push_back(&replacement);
   automaton_.reset();
   searched_ = 0;
 }

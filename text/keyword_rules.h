@@ -35,11 +35,15 @@ private:
   Array<KeywordPosKey> spans_;
 };
 
-/// Points to the keywords and replacements of patterns, which stay alive and as they are.
+/// Points to keywords and replacements, which stay alive and as they are.
 class KeywordRules {
 public:
-  void add(const KeywordReplacePattern& pattern);
+  void add(const KeywordReplacePattern& pattern) { add(pattern.getKeywords(), pattern.getReplacements()); }
+  /// As many of one as of the other.
+  void add(const Array<WString>& keywords, const Array<WString>& replacements);
   bool empty() const noexcept { return keywords_.empty(); }
+  std::size_t count() const noexcept { return keywords_.size(); }
+  const WString& keyword(std::size_t rule) const { return *keywords_[rule]; }
   const WString& replacement(std::size_t rule) const { return *replacements_[rule]; }
 
 private:
