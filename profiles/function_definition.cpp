@@ -27,6 +27,13 @@ bool keepsStructure(const KeywordReplacer& rules) {
   return true;
 }
 
+/// Whether a text holds neither parentheses nor what begins comments and preprocessor lines, which is so of
+/// nearly all parameter lists.
+bool isWithoutBrackets(std::wstring_view text) {
+  return std::none_of(text.begin(), text.end(),
+                      [](wchar_t c) { return c == L'(' || c == L')' || c == L'/' || c == L'#'; });
+}
+
 }  // namespace
 
 bool FunctionDefinition::write(CodeSnippetInstance& out, const KeywordReplacePattern& first) const {
@@ -44,7 +51,9 @@ bool FunctionDefinition::write(CodeSnippetInstance& out, const KeywordReplacePat
 }
 
 CodeKey FunctionDefinition::makeKey(const ATextParameterList& state, const KeywordReplacer& replacer) const {
+  constexpr std::size_t kTypicalLength = 64;
   CodeKey key;
+  key.reserve(kTypicalLength);
   sfg::addRules(key, replacer);
   key.addNumber(state.getNumInputs());
   for (std::size_t i = 0; i < state.getNumInputs(); ++i) {
@@ -108,9 +117,11 @@ void FunctionDefinition::finish(Text& text) {
 bool FunctionDefinition::isPlainFunction(const Text& text, const KeywordReplacer& replacer) const {
   const std::wstring_view name = std::wstring_view(text.code).substr(kResult.size(), text.nameLength);
   if (!profile_.hasPlainBody() || !isWord(name) || !keepsStructure(replacer)) return false;
-  std::size_t pos = kResult.size() + text.nameLength;
-  getBracketBody(text.code, pos, L'(', L')');
-  return pos + 1 == text.body;
+  std::size_t open = kResult.size() + text.nameLength;
+  const std::size_t close = text.body - 2;  // a line feed stands between
+  if (isWithoutBrackets(std::wstring_view(text.code).substr(open + 1, close - open - 1))) return true;
+  getBracketBody(text.code, open, L'(', L')');
+  return open == close + 1;
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -43,9 +43,16 @@ void KeptCode::dropIdle() {
 }
 
 bool KeptCode::wasAsked(std::size_t hash) const {
-  const std::size_t count = std::min(numAsked_, askedHashes_.size());
-  return std::find(askedHashes_.begin(), askedHashes_.begin() + static_cast<std::ptrdiff_t>(count), hash) !=
-         askedHashes_.begin() + static_cast<std::ptrdiff_t>(count);
+  return std::find(askedHashes_.begin(), askedHashes_.end(), hash) != askedHashes_.end();
+}
+
+void KeptCode::noteHash(std::size_t hash) {
+  if (askedHashes_.size() < kMostPieces) {
+    askedHashes_.push_back(hash);
+  } else {
+    askedHashes_[numAsked_ % kMostPieces] = hash;
+  }
+  ++numAsked_;
 }
 
 }  // namespace TolmSDK::Graphics::sfg

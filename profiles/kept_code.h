@@ -2,7 +2,6 @@
 
 // What the texts of a profile became, kept for the next use with the same names and rules.
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -23,6 +22,7 @@ namespace TolmSDK::Graphics::sfg {
 /// All that a piece of code depends on beside the texts of its profile, as one text.
 class CodeKey {
 public:
+  void reserve(std::size_t length) { text_.reserve(length); }
   /// Different texts one behind the other stay different.
   void add(std::wstring_view text) {
     addNumber(text.size());
@@ -80,13 +80,13 @@ private:
   }
   void dropIdle();
   bool wasAsked(std::size_t hash) const;
-  void noteHash(std::size_t hash) { askedHashes_[numAsked_++ % askedHashes_.size()] = hash; }
+  void noteHash(std::size_t hash);
 
   std::mutex mutex_;
   Array<Piece> pieces_;
   std::size_t characters_ = 0;
   std::uint64_t questions_ = 0;
-  std::array<std::size_t, kMostPieces> askedHashes_{};  // the last ones that found nothing
+  Array<std::size_t> askedHashes_;  // the last ones that found nothing, up to kMostPieces
   std::size_t numAsked_ = 0;
 };
 

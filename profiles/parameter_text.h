@@ -3,9 +3,11 @@
 // The parameters of generated functions as text.
 
 #include <string_view>
+#include <utility>
 
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_profile_base.h"
+#include "text/pieces.h"
 #include "tolmsdk/text_parameter_list.h"
 #include "tolmsdk/types.h"
 
@@ -17,25 +19,15 @@ public:
   /// Refers to both arguments.
   ParameterWriter(WString& out, std::wstring_view prefix) : out_(out), prefix_(prefix) {}
 
-  void writeName(std::wstring_view name) {
-    beginItem();
-    out_ += name;
-  }
+  /// The name views no part of the text.
+  void writeName(std::wstring_view name) { appendPieces(out_, lineEnd(), prefix_, name); }
   void writeDeclaration(std::wstring_view direction, std::wstring_view type, std::wstring_view name) {
-    beginItem();
-    out_ += direction;
-    out_ += type;
-    if (!type.empty()) out_ += L' ';
-    out_ += name;
+    const std::wstring_view blank = type.empty() ? L"" : L" ";
+    appendPieces(out_, lineEnd(), prefix_, direction, type, blank, name);
   }
 
 private:
-  void beginItem() {
-    if (!isFirst_) out_ += L',';
-    isFirst_ = false;
-    out_ += L'\n';
-    out_ += prefix_;
-  }
+  std::wstring_view lineEnd() { return std::exchange(isFirst_, false) ? L"\n" : L",\n"; }
 
   WString& out_;
   std::wstring_view prefix_;

@@ -24,11 +24,30 @@ void SymbolRings::find(const CodeSnippetInstance& code, const KeywordReplacePatt
 }
 
 void SymbolRings::group(const CodeSnippetInstance& code, const KeywordReplacePattern& rules) {
+  if (code.getNumSymbols() == 1 && rules.getKeywords().empty() && code.getSymbol(0).hasInstanceKey())
+    return groupOne(code.getSymbol(0));
   clear();
   groupSymbols(code);
   numberRules(rules);
   findHeld(code);
   findRings();
+}
+
+/// Most definitions are one symbol.
+void SymbolRings::groupOne(const ShaderSymbolInstance& symbol) {
+  own_.numFamilies = 1;
+  if (own_.families.empty()) own_.families.emplace_back();
+  SymbolFamily& family = own_.families.front();
+  family.name = symbol.getName().view();
+  family.nameHash = hashOfText(family.name);
+  family.symbols.assign(1, 0);
+  family.held.clear();
+  family.ring = 0;
+  own_.ringFamilies.assign(1, 0);
+  own_.ringEnds.assign(1, 1);
+  numRules_ = 0;
+  rulesOf_.resize(1);
+  rulesOf_.front().clear();
 }
 
 void SymbolRings::clear() {
@@ -140,11 +159,6 @@ void SymbolRings::hold(SymbolFamily& family, std::size_t keyword) {
 
 /// Tarjan's walk, with a path of its own in place of recursion.
 void SymbolRings::findRings() {
-  if (own_.numFamilies == 1) {
-    open_.push_back(0);
-    closeRing(0);
-    return;
-  }
   order_.assign(own_.numFamilies, 0);
   lowest_.assign(own_.numFamilies, 0);
   std::uint32_t met = 0;

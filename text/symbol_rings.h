@@ -70,6 +70,7 @@ private:
 
   void clear();
   void group(const CodeSnippetInstance& code, const KeywordReplacePattern& rules);
+  void groupOne(const ShaderSymbolInstance& symbol);
   void groupSymbols(const CodeSnippetInstance& code);
   void numberRules(const KeywordReplacePattern& rules);
   void findHeld(const CodeSnippetInstance& code);
