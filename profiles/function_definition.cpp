@@ -84,7 +84,7 @@ void FunctionDefinition::writeHead(Text& text, const ATextParameterList& state) 
   instance_.appendFunctionName(text.code);
   text.nameLength = text.code.size() - kResult.size();
   text.code += L'(';
-  appendDeclaredParameters(text.code, L"    ", profile_, state);
+  appendDeclaredParameters(text.code, 4, profile_, state);
   text.code += L")\n";
   text.body = text.code.size();
   text.code += kOpening;

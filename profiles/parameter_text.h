@@ -16,21 +16,27 @@ namespace TolmSDK::Graphics::sfg {
 /// Appends parameters one by one in the form of ITextParameterList::writeParameters, without a list.
 class ParameterWriter {
 public:
-  /// Refers to both arguments.
-  ParameterWriter(WString& out, std::wstring_view prefix) : out_(out), prefix_(prefix) {}
+  /// The prefix of each line is so many blanks, eight at most. Refers to the text.
+  ParameterWriter(WString& out, std::size_t blanks)
+      : out_(out), lineBegin_(kLineBegin.substr(0, 2 + blanks)) {}
 
-  /// The name views no part of the text.
-  void writeName(std::wstring_view name) { appendPieces(out_, lineEnd(), prefix_, name); }
+  void writeName(std::wstring_view name) {
+    out_ += beginLine();
+    out_ += name;
+  }
   void writeDeclaration(std::wstring_view direction, std::wstring_view type, std::wstring_view name) {
     const std::wstring_view blank = type.empty() ? L"" : L" ";
-    appendPieces(out_, lineEnd(), prefix_, direction, type, blank, name);
+    appendPieces(out_, beginLine(), direction, type, blank, name);
   }
 
 private:
-  std::wstring_view lineEnd() { return std::exchange(isFirst_, false) ? L"\n" : L",\n"; }
+  static constexpr std::wstring_view kLineBegin = L",\n        ";
+
+  /// The comma belongs to the line before.
+  std::wstring_view beginLine() { return std::exchange(isFirst_, false) ? lineBegin_.substr(1) : lineBegin_; }
 
   WString& out_;
-  std::wstring_view prefix_;
+  std::wstring_view lineBegin_;
   bool isFirst_ = true;
 };
 
@@ -42,10 +48,10 @@ inline bool addStateInputs(ATextParameterList& list, const AShaderFragmentProfil
 }
 
 /// Appends the declaration of a profile's parameters: its inputs, those of its state variables, its outputs.
-inline void appendDeclaredParameters(WString& out, std::wstring_view prefix,
-                                     const AShaderFragmentProfile& profile, const ATextParameterList& state) {
+inline void appendDeclaredParameters(WString& out, std::size_t blanks, const AShaderFragmentProfile& profile,
+                                     const ATextParameterList& state) {
   const ITextParameterList& own = *profile.getFunctionParameters();
-  ParameterWriter writer(out, prefix);
+  ParameterWriter writer(out, blanks);
   for (std::size_t i = 0; i < own.getNumInputs(); ++i)
     writer.writeDeclaration(L"", own.getInputType(i), own.getInputName(i));
   for (std::size_t i = 0; i < state.getNumInputs(); ++i)
@@ -55,12 +61,12 @@ inline void appendDeclaredParameters(WString& out, std::wstring_view prefix,
 }
 
 /// Appends the arguments of a call in the same order.
-inline bool appendArguments(WString& out, std::wstring_view prefix, const AShaderFragmentProfile& profile,
+inline bool appendArguments(WString& out, std::size_t blanks, const AShaderFragmentProfile& profile,
                             const AShaderCollapseContext& context, const Array<WString>& inputValues,
                             const Array<WString>& outputValues) {
   ATextParameterList state;
   if (!addStateInputs(state, profile, context)) return false;
-  ParameterWriter writer(out, prefix);
+  ParameterWriter writer(out, blanks);
   for (const WString& value : inputValues) writer.writeName(value);
   for (std::size_t i = 0; i < state.getNumInputs(); ++i) writer.writeName(state.getInputName(i));
   for (const WString& value : outputValues) writer.writeName(value);

@@ -201,7 +201,7 @@ void CodeAccumulator::Impl::finishCall() {
 void CodeAccumulator::Impl::findOwnNames() {
   ownNames.clear();
   for (std::size_t i = 0; i < rings.countFamilies(); ++i) {
-    const SymbolFamily& family = rings.family(i);
+    const SymbolFamily family = rings.family(i);
     ownNames.push_back(family.name.empty() ? nullptr : &getName(family.name, family.nameHash));
   }
 }
@@ -321,12 +321,10 @@ void CodeAccumulator::Impl::useName(std::size_t family, Name& used, KeywordRepla
   const std::wstring_view own = rings.family(family).name;
   if (own == used.text) return;
   if (used.whole == nullptr) used.whole = &wholeNames.emplace_back(used.text);
-  const Array<std::uint32_t>& rules = rings.rulesOf(family);
-  const bool isThere = std::any_of(rules.begin(), rules.end(), [&](std::uint32_t rule) {
-    return renamePattern.getReplacements()[rule] == *used.whole;
-  });
+  const bool isThere = rings.anyRuleOf(
+      family, [&](std::uint32_t rule) { return renamePattern.getReplacements()[rule] == *used.whole; });
   if (isThere) return;
-  rings.addRule(family, renamePattern.getKeywords().size());
+  rings.addRule(family);
   renamePattern.addReplacePattern(WString(own), *used.whole);
 }
 

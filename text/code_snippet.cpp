@@ -111,9 +111,7 @@ void CodeSnippet::keepGroups(const SymbolGroups& groups) const {
   const std::lock_guard<std::mutex> lock(indexMutex_);
   // Another thread may have kept them since the caller looked, which no test can time.
   if (keptGroups_) return;  // GCOVR_EXCL_BR_LINE
-  auto kept = std::make_unique<SymbolGroups>(groups);
-  kept->families.resize(groups.numFamilies);
-  keptGroups_ = std::move(kept);
+  keptGroups_ = std::make_unique<const SymbolGroups>(groups);
   groups_.store(keptGroups_.get(), std::memory_order_release);
 }
 

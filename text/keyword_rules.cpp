@@ -10,6 +10,7 @@ void KeywordRules::add(const Array<WString>& keywords, const Array<WString>& rep
     keywords_.push_back(&keyword);
     totalLength_ += keyword.size();
     longest_ = std::max(longest_, keyword.size());
+    shortest_ = std::min(shortest_, keyword.size());
   }
   for (const WString& replacement : replacements) replacements_.push_back(&replacement);
   automaton_.reset();
@@ -31,10 +32,21 @@ const KeywordAutomaton* KeywordRules::automatonFor(std::size_t textLength) const
   return automaton_.get();
 }
 
+/// An occurrence that starts in the text may end behind it, up to the NUL there.
+bool KeywordRules::mayOccurIn(const ScopedText& text) const {
+  std::size_t length = text.length;
+  if (keywords_.empty()) return false;
+  if (shortest_ <= length) return true;
+  length = scan::lengthBeforeNul(text);
+  if (length < text.length) return false;
+  while (length < shortest_ && text.text[length] != L'\0') ++length;
+  return length == shortest_;
+}
+
 KeywordMatches::KeywordMatches(const KeywordRules& rules, const ScopedText& text, const ProtectedSpans& spans)
-    : rules_(rules), text_(text), spans_(spans),
-      automaton_(rules.empty() ? nullptr : rules.automatonFor(text.length)) {
-  if (rules.empty()) return;
+    : rules_(rules), text_(text), spans_(spans) {
+  if (!rules.mayOccurIn(text)) return;
+  automaton_ = rules.automatonFor(text.length);
   if (automaton_ != nullptr) {
     collect(*automaton_);
     return;
@@ -63,12 +75,12 @@ std::size_t KeywordMatches::findOccurrence(std::size_t rule, std::size_t from) c
 }
 
 void KeywordMatches::collect(const KeywordAutomaton& automaton) {
-  automaton.scan(text_, [&](std::size_t position, KeywordAutomaton::State state) {
-    while (state != KeywordAutomaton::kStart && !spans_.empty() &&
-           spans_.touch(position, automaton.length(state)))
-      state = automaton.shorter(state);
-    if (state != KeywordAutomaton::kStart)
-      matches_.push_back({position, automaton.keyword(state), automaton.length(state)});
+  automaton.scan(text_, [&](std::size_t position, KeywordAutomaton::Found found) {
+    while (found != KeywordAutomaton::kNothing && !spans_.empty() &&
+           spans_.touch(position, automaton.length(found)))
+      found = automaton.shorter(found);
+    if (found != KeywordAutomaton::kNothing)
+      matches_.push_back({position, automaton.keyword(found), automaton.length(found)});
   });
 }
 

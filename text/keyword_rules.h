@@ -49,6 +49,8 @@ public:
 private:
   friend class KeywordMatches;
 
+  /// False when every keyword is longer than the text and what may be read behind it.
+  bool mayOccurIn(const ScopedText& text) const;
   /// The automaton when it pays for a text of that length, else null.
   const KeywordAutomaton* automatonFor(std::size_t textLength) const;
 
@@ -56,6 +58,7 @@ private:
   Array<const WString*> replacements_;
   std::size_t totalLength_ = 0;
   std::size_t longest_ = 0;
+  std::size_t shortest_ = kNotFound;
   mutable std::size_t searched_ = 0;  // characters that were searched for keywords one by one
   mutable std::unique_ptr<const KeywordAutomaton> automaton_;
 };
@@ -85,7 +88,7 @@ private:
   const KeywordRules& rules_;
   const ScopedText& text_;
   const ProtectedSpans& spans_;
-  const KeywordAutomaton* automaton_;
+  const KeywordAutomaton* automaton_ = nullptr;
   std::size_t limit_ = 0;
   // Without an automaton: the next match of each rule that still has one. Few rules live on the stack.
   std::array<Match, KeywordAutomaton::kFew> few_;
