@@ -276,7 +276,8 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
 bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance) {
   WString& key = writtenDefinitions_->soughtText();
   instance.appendDefinitionKey(key);
-  const WrittenDefinitions::Definition& found = writtenDefinitions_->get(instance.getProfile(), key);
+  const WrittenDefinitions::Definition& found =
+      writtenDefinitions_->get(instance.getProfile(), getLanguage(), key);
   if (!found.isWritten) return false;
   if (!found.rename.empty()) instance.setFunctionName(found.rename);
   return true;

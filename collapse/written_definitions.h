@@ -15,11 +15,13 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Definitions by their profile and by what else their text depends on (the key).
+/// Definitions by their profile, by the language that names the types of state, and by what else their text
+/// depends on (the key).
 class WrittenDefinitions {
 public:
   struct Definition {
     const AShaderFragmentProfile* profile;
+    const ILanguageTraits* language;
     std::wstring_view key;
     bool isWritten = false;
     WString rename = {};  // the name that the function was given instead of its own; empty when it kept that
@@ -31,15 +33,17 @@ public:
     return soughtText_;
   }
 
-  /// The definition of that profile and key, as one to be written when it is new. Valid until the next call.
-  Definition& get(const AShaderFragmentProfile* profile, std::wstring_view key) {
+  /// The definition of those, as one to be written when it is new. Valid until the next call.
+  Definition& get(const AShaderFragmentProfile* profile, const ILanguageTraits* language,
+                  std::wstring_view key) {
     const std::size_t hash = hashOf(profile, key);
     last_ = index_.find(hash, [&](std::size_t i) {
-      return definitions_[i].profile == profile && definitions_[i].key == key;
+      const Definition& known = definitions_[i];
+      return known.profile == profile && known.language == language && known.key == key;
     });
     if (last_ == kNotFound) {
       last_ = definitions_.size();
-      definitions_.push_back({profile, keys_.add(key)});
+      definitions_.push_back({profile, language, keys_.add(key)});
       index_.add(hash, last_);
     }
     return definitions_[last_];

@@ -20,10 +20,12 @@ void KeywordRules::add(const Array<WString>& keywords, const Array<WString>& rep
 /// Few short keywords are searched one by one. Many are too, until that has cost as much as an automaton.
 const KeywordAutomaton* KeywordRules::automatonFor(std::size_t textLength) const {
   constexpr std::size_t kLong = KeywordAutomaton::kLong;
-  constexpr std::size_t kCostOfState = 32;
+  // In steps of a search, which has a price of its own however short the text.
+  constexpr std::size_t kCostOfState = 64;
+  constexpr std::size_t kCostOfSearch = 200;
   if (automaton_) return automaton_.get();
   if (keywords_.size() <= KeywordAutomaton::kFew && longest_ <= kLong) return nullptr;
-  searched_ += keywords_.size() * textLength;
+  searched_ += keywords_.size() * (textLength + kCostOfSearch);
   if (searched_ <= kCostOfState * totalLength_ && longest_ <= kLong) return nullptr;
   Array<std::wstring_view> keywords;
   keywords.reserve(keywords_.size());
