@@ -20,32 +20,47 @@ KeywordAutomaton::KeywordAutomaton(const Array<std::wstring_view>& keywords) {
   link();
 }
 
-std::size_t KeywordAutomaton::hashOf(State from, wchar_t character) noexcept {
-  return static_cast<std::size_t>(
-      mixHash(from, static_cast<std::uint64_t>(static_cast<std::make_unsigned_t<wchar_t>>(character))));
+std::size_t KeywordAutomaton::homeOf(State from, wchar_t character) const noexcept {
+  const std::uint64_t hash = mixHash(from, codeOf(character));
+  return static_cast<std::size_t>(hash >> 32) & (branches_.size() - 1);
 }
 
 KeywordAutomaton::State KeywordAutomaton::findBranch(State from, wchar_t character) const {
-  const std::size_t found = branchesByStep_.find(hashOf(from, character), [&](std::size_t i) {
-    return branches_[i].from == from && branches_[i].character == character;
-  });
-  return found != kNotFound ? branches_[found].to : kStart;
+  for (std::size_t at = homeOf(from, character);; at = (at + 1) & (branches_.size() - 1)) {
+    const Branch& branch = branches_[at];
+    if (branch.to == kStart || (branch.from == from && branch.character == character)) return branch.to;
+  }
+}
+
+void KeywordAutomaton::addBranch(const Branch& branch) {
+  constexpr std::size_t kSmallest = 16;
+  const auto put = [this](const Branch& entry) {
+    std::size_t at = homeOf(entry.from, entry.character);
+    while (branches_[at].to != kStart) at = (at + 1) & (branches_.size() - 1);
+    branches_[at] = entry;
+  };
+  if (4 * (numBranches_ + 1) > 3 * branches_.size()) {
+    Array<Branch> before(std::max(kSmallest, 2 * branches_.size()));
+    before.swap(branches_);
+    for (const Branch& entry : before)
+      if (entry.to != kStart) put(entry);
+  }
+  put(branch);
+  ++numBranches_;
 }
 
 KeywordAutomaton::State KeywordAutomaton::addState(State from, wchar_t character) {
   const auto added = static_cast<State>(states_.size());
   states_.push_back({.character = character, .follows = from + 1 == added});
+  if (from == kStart && codeOf(character) < starts_.size()) starts_[codeOf(character)] = added;
   if (from + 1 != added) {
     states_[from].branches = true;
-    branches_.push_back({from, added, character});
-    branchesByStep_.add(hashOf(from, character), branches_.size() - 1);
+    addBranch({from, added, character});
   }
   return added;
 }
 
 void KeywordAutomaton::add(std::wstring_view keyword, std::uint32_t number) {
-  const auto last = static_cast<std::make_unsigned_t<wchar_t>>(keyword.back());
-  if (last < starts_.size()) starts_[last] = true;
   longest_ = std::max(longest_, keyword.size());
   State state = kStart;
   for (auto character = keyword.rbegin(); character != keyword.rend(); ++character) {
@@ -66,9 +81,9 @@ void KeywordAutomaton::link() {
   Array<State> before(states_.size(), kStart);
   Array<std::uint32_t> depths(states_.size(), 0);
   Array<std::uint32_t> firstOfDepth(longest_ + 2, 0);
-  auto branch = branches_.begin();
+  for (const Branch& branch : branches_) before[branch.to] = branch.from;
   for (State state = 1; state < states_.size(); ++state) {
-    before[state] = states_[state].follows ? state - 1 : (branch++)->from;
+    if (states_[state].follows) before[state] = state - 1;
     depths[state] = depths[before[state]] + 1;
     ++firstOfDepth[depths[state] + 1];
   }

@@ -9,7 +9,6 @@
 #include <type_traits>
 
 #include "sfg/scoped_text.h"
-#include "text/hash_index.h"
 #include "text/scan.h"
 #include "tolmsdk/types.h"
 
@@ -73,9 +72,9 @@ private:
     bool branches = false;    // states that stand elsewhere come behind this one too
   };
   struct Branch {
-    State from;
-    State to;
-    wchar_t character;
+    State from = kStart;
+    State to = kStart;  // kStart in a free place
+    wchar_t character = 0;
   };
   /// Where a keyword is read to its first character.
   struct End {
@@ -85,6 +84,7 @@ private:
   };
 
   State step(State from, wchar_t character) const {
+    if (from == kStart && codeOf(character) < starts_.size()) return starts_[codeOf(character)];
     const State behind = from + 1;
     if (behind < states_.size() && states_[behind].follows && states_[behind].character == character)
       return behind;
@@ -92,27 +92,26 @@ private:
   }
   State next(State from, wchar_t character) const {
     for (;;) {
-      if (from == kStart && !mayStart(character)) return kStart;
       const State to = step(from, character);
       if (to != kStart || from == kStart) return to;
       from = states_[from].fallback;
     }
   }
-  bool mayStart(wchar_t character) const {
-    const auto code = static_cast<std::make_unsigned_t<wchar_t>>(character);
-    return code >= starts_.size() || starts_[code];
+  static std::size_t codeOf(wchar_t character) noexcept {
+    return static_cast<std::make_unsigned_t<wchar_t>>(character);
   }
+  std::size_t homeOf(State from, wchar_t character) const noexcept;
   State findBranch(State from, wchar_t character) const;
-  static std::size_t hashOf(State from, wchar_t character) noexcept;
+  void addBranch(const Branch& branch);
   State addState(State from, wchar_t character);
   void add(std::wstring_view keyword, std::uint32_t number);
   void link();
 
   Array<StateData> states_;
-  Array<Branch> branches_;  // in the order of their states; at most one for each keyword
-  HashIndex branchesByStep_;
-  Array<End> ends_;  // the first one is none
-  std::array<bool, 128> starts_{};
+  Array<Branch> branches_;  // a hash table with free places; at most one branch for each keyword
+  std::size_t numBranches_ = 0;
+  Array<End> ends_;                  // the first one is none
+  std::array<State, 128> starts_{};  // the first steps of most keywords
   std::size_t longest_ = 0;
 };
 

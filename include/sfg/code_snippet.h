@@ -114,7 +114,7 @@ public:
   /// Releases the content and takes a snippet (null: none), with one rename per built-in call of the whole
   /// snippet in its order. With `ownsSnippet` the snippet, made by `new`, is destroyed with this instance.
   void construct(const CodeSnippet* snippet, const Array<WString>& renames, bool ownsSnippet);
-  /// The same for a snippet that others may keep too (null: none).
+  /// The same for a snippet that others may keep too (null: none) and that nobody changes any more.
   void construct(std::shared_ptr<const CodeSnippet> snippet, const Array<WString>& renames);
   /// The snippet that the form above took; null behind the other one.
   const std::shared_ptr<const CodeSnippet>& getSharedSnippet() const noexcept { return shared_; }
