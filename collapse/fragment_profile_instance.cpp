@@ -42,20 +42,19 @@ void appendDeclaration(WString& out, const FragmentProfileInstance& instance, st
   checkTextLength(out.size());
 }
 
-/// Rules from the whole text of every call to its value. A call without an argument list stays as it is
+/// Adds rules from the whole text of every call to its value. A call without an argument list stays as it is
 /// written.
-KeywordReplacePattern callPattern(const Array<BuiltinFunction>& uses, const Array<WString>& values) {
-  KeywordReplacePattern pattern;
+void addCalls(KeywordReplacePattern& pattern, const Array<BuiltinFunction>& uses,
+              const Array<WString>& values) {
   for (std::size_t i = 0; i < uses.size() && i < values.size(); ++i) {
     if (!uses[i].range.empty()) pattern.addReplacePattern(WString(uses[i].range.view()), values[i]);
   }
-  return pattern;
 }
 
 /// Whether nothing of it is raw text, which is written every time.
 bool hasOnlySymbols(const CodeSnippetInstance& code) {
   for (std::size_t i = 0; i < code.getNumSymbols(); ++i) {
-    if (code.getSymbol(i).getInstanceKey().empty()) return false;
+    if (!code.getSymbol(i).hasInstanceKey()) return false;
   }
   return true;
 }
@@ -368,6 +367,19 @@ bool FragmentProfileInstance::hasReplacements() const {
   return profile_ && !profile_->GetDefaultShaderRepalcePattern().empty();
 }
 
+void FragmentProfileInstance::addReplacements(KeywordReplacer& replacer) const {
+  if (patterns_ && !patterns_->uniform.empty()) {
+    replacer.addReplacePattern(patterns_->uniform);
+  } else if (hasUniforms()) {
+    replacer.addReplacePattern(extras_->uniformOriginal, extras_->uniformNew);
+  }
+  if (patterns_ && !patterns_->shader.empty()) {
+    replacer.addReplacePattern(patterns_->shader);
+  } else if (profile_) {
+    replacer.addReplacePattern(profile_->GetDefaultShaderRepalcePattern());
+  }
+}
+
 // Parameters of the profile.
 
 std::size_t FragmentProfileInstance::GetInputTextParameterIndex(const WString& name) const {
@@ -412,9 +424,12 @@ bool FragmentProfileInstance::writeRequirements(AShaderFragmentProfile* target,
   CodeSnippetInstance predefines;
   profile_->writePredefines(predefines, context, *this);
   if (predefines.getNumSymbols() != 0) {
-    const KeywordReplacePattern calls =
-        callPattern(profile_->getPredefineBuiltinFunctions(), getBuiltinFunctionValueInPredefine());
-    context.writePredefine(predefines, calls, getKeywordReplacePattern());
+    KeywordReplacePattern calls;
+    addCalls(calls, profile_->getPredefineBuiltinFunctions(), getBuiltinFunctionValueInPredefine());
+    KeywordReplacePattern renames;
+    KeywordReplacePattern* const own = findKeywordReplacePattern();
+    context.writePredefine(predefines, calls, own != nullptr ? *own : renames);
+    if (!renames.empty()) getKeywordReplacePattern() = std::move(renames);
   }
 
   if (target != nullptr) {
@@ -431,18 +446,16 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
   definitionWritten_ = true;
   if (!profile_) return true;
 
-  // What another instance wrote in the very same words need not be made again to be found to be there.
+  // A definition that another instance wrote in the same words is there already.
   const bool isShared = hasSharedDefinition();
   if (isShared && context.takeWrittenDefinition(*this)) return true;
 
   CodeSnippetInstance definition;
   if (!profile_->writeDefinition(definition, context, *this)) return false;
-  const KeywordReplacePattern calls =
-      callPattern(profile_->getBodyBuiltinFunctions(), getBuiltinFunctionValueInBody());
-  WString key;
-  if (isShared) appendDefinitionKey(key);
+  KeywordReplacePattern calls;
+  addCalls(calls, profile_->getBodyBuiltinFunctions(), getBuiltinFunctionValueInBody());
   context.writeDefinition(definition, calls, *this);
-  if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this, key);
+  if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this);
   return true;
 }
 

@@ -286,9 +286,11 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
                                              FragmentProfileInstance& profileInstance) {
   WString& name = writtenDefinitions_->soughtText();
   profileInstance.appendFunctionName(name);
-  accumulator_.appendDefinition(resultProfile_->predefines(), instance, pattern,
-                                profileInstance.getKeywordReplacePattern(), name);
-  const WString& rename = accumulator_.getRename(name);
+  KeywordReplacePattern renames;
+  KeywordReplacePattern* const own = profileInstance.findKeywordReplacePattern();
+  const WString& rename = accumulator_.appendDefinition(resultProfile_->predefines(), instance, pattern,
+                                                        own != nullptr ? *own : renames, name);
+  if (!renames.empty()) profileInstance.getKeywordReplacePattern() = std::move(renames);
   if (rename != name) profileInstance.setFunctionName(rename);
 }
 
@@ -296,18 +298,22 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
 bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance) {
   WString& key = writtenDefinitions_->soughtText();
   instance.appendDefinitionKey(key);
-  const WrittenDefinitions::Definition* found = writtenDefinitions_->find(instance.getProfile(), key);
-  if (found == nullptr) return false;
-  if (!found->rename.empty()) instance.setFunctionName(found->rename);
+  const WrittenDefinitions::Definition& found =
+      writtenDefinitions_->get(instance.getProfile(), getLanguage(), key);
+  if (!found.isWritten) return false;
+  if (!found.rename.empty()) instance.setFunctionName(found.rename);
   return true;
 }
 
-void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance,
-                                                       const WString& key) {
+/// Of the definition that was to be taken last.
+void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance) {
   WString& name = writtenDefinitions_->soughtText();
   instance.appendFunctionName(name);
+  WrittenDefinitions::Definition& written = writtenDefinitions_->last();
+  const std::wstring_view key = written.key;
   const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');
-  writtenDefinitions_->add(instance.getProfile(), key, isRenamed ? name : WString());
+  if (isRenamed) written.rename = name;
+  written.isWritten = true;
 }
 
 }  // namespace TolmSDK::Graphics::sfg

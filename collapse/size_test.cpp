@@ -161,6 +161,23 @@ TEST_P(ManyUses, OfAShaderFunctionTakeTimeInProportion) {
 INSTANTIATE_TEST_SUITE_P(Size, ManyUses, ::testing::Bool(),
                          [](const auto& parameter) { return parameter.param ? "Equal" : "Different"; });
 
+TEST(Size, WritesPreprocessFragmentsInTimeInProportion) {
+  const double growth = TolmSDK::test::timeGrowth(1000, [](std::size_t count) {
+    TestScene scene;
+    for (std::size_t i = 0; i < count; ++i) {
+      const WString number = itos(static_cast<long long>(i));
+      scene.addPreprocess(L"pre" + number, L"void pre" + number + L"(out float v" + number + L")\n{\nv" +
+                                               number + L" = 0.5;\n}");
+    }
+    scene.output(L"color", TypeID_float, scene.addFunction(L"last", L"void last(out float r)\n{\nr = 1;\n}"));
+    std::string text;
+    const std::clock_t time = TolmSDK::test::processorTime([&] { text = test::collapseDefault(scene); });
+    EXPECT_EQ(countOf(text, " = 0.5;"), count);
+    return time;
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
+}
+
 TEST(Size, RefusesAnExpressionThatDoublesAtEveryLevel) {
   TestScene scene;
   AShaderFragment* last = nullptr;

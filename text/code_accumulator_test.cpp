@@ -562,8 +562,10 @@ TEST_F(CodeAccumulatorTest, RefusesTextPastTheSizeLimit) {
   EXPECT_EQ(append(L"int x;\n"), L"int x;\n") << "what was refused was not written";
 }
 
-TEST_F(CodeAccumulatorTest, ClashingFunctionsTakeTimeInProportionToTheirText) {
-  const double growth = TolmSDK::test::costGrowth(250, [](std::size_t count) {
+class ClashingFunctions : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(ClashingFunctions, TakeTimeInProportionToTheirText) {
+  const double growth = TolmSDK::test::costGrowth(GetParam(), [](std::size_t count) {
     WString first;
     WString second;
     for (std::size_t i = 0; i < count; ++i) {
@@ -582,6 +584,9 @@ TEST_F(CodeAccumulatorTest, ClashingFunctionsTakeTimeInProportionToTheirText) {
   });
   EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
+
+INSTANTIATE_TEST_SUITE_P(Sizes, ClashingFunctions, testing::Values(250, 3000),
+                         testing::PrintToStringParamName());
 
 TEST_F(CodeAccumulatorTest, ManyFunctionsTakeTimeInProportionToTheirText) {
   const double growth = TolmSDK::test::costGrowth(1000, [](std::size_t count) {

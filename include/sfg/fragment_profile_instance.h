@@ -81,6 +81,13 @@ public:
   /// Puts a call in place of an sfg_shader use: sets the rule of the use's text in that pattern, and keeps
   /// which variables the call declares. For the collapse only: the type of the call is not exported.
   void replaceShaderUse(const WString& use, ShaderCallText call);
+  /// Adds the rules of the latter two patterns to those of a replacer, in that order. No pattern is made for
+  /// it: the replacer refers to what the instance and its profile hold.
+  void addReplacements(KeywordReplacer& replacer) const;
+  /// The first of the three patterns when it was ever asked for, else null.
+  KeywordReplacePattern* findKeywordReplacePattern() noexcept {
+    return patterns_ ? &patterns_->keyword : nullptr;
+  }
   /// What replaceShaderUse() keeps; null when no call declares a variable.
   const ShaderTemporaries* findShaderTemporaries() const;
   /// Whether either of these two holds a rule; neither is made to be asked.

@@ -111,7 +111,7 @@ private:
   /// False for an instance of another context. One that none has made or evaluated becomes this one's.
   bool admit(const FragmentInstance& instance);
   bool takeWrittenDefinition(FragmentProfileInstance& instance);
-  void rememberWrittenDefinition(const FragmentProfileInstance& instance, const WString& key);
+  void rememberWrittenDefinition(const FragmentProfileInstance& instance);
   std::uint32_t profileRequest(const WString& profileName, float lod);
 
   CodeAccumulator accumulator_;
