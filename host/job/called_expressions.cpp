@@ -59,7 +59,9 @@ FragmentUse makeUse(const SurfaceProfiles& profiles) {
   for (const auto& [name, profile] : profiles.named) {
     use.offered.insert(use.offered.end(), name);
     if (isInline(profile)) use.isExpression.names.insert(name);
-    forEachCalledInput(profile, [&](std::size_t input) { use.calls[input].names.insert(name); });
+    forEachCalledInput(profile, [&, called = std::wstring_view(name)](std::size_t input) {
+      use.calls[input].names.insert(called);
+    });
   }
   use.isExpression.isOther = isInline(profiles.other);
   forEachCalledInput(profiles.other, [&](std::size_t input) { use.calls[input].isOther = true; });
