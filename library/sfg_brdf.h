@@ -171,7 +171,7 @@ float3 sfg_coupling(float3 light, float3 view, float3 mean)
     return (1.0 - light) * (1.0 - view) / max(1.0 - mean, 0.01);
 }
 
-// The loss of anisotropic GGX, for alphas along and across the direction. Fits to within 0.03 and stays below, so
+// The loss of anisotropic GGX, for alphas along and across the direction. Fits to within 0.06 and stays below, so
 // that what is made good of it is never too much.
 float sfg_anisotropicLoss(float along, float across, float cosine)
 {
@@ -181,7 +181,7 @@ float sfg_anisotropicLoss(float along, float across, float cosine)
     loss = loss * u + 0.3582 + across * (0.6411 + 0.0022 * across) + along * (0.2760 - 0.0356 * across + 0.5609 * along);
     loss = loss * u + 0.0201 + across * (-0.3061 + across * (0.6719 - 0.2770 * across)) +
         along * (-0.0634 + across * (-0.0203 - 0.0572 * across) + along * (0.1129 + 0.0104 * across - 0.0224 * along));
-    return saturate(loss - 0.025);
+    return saturate(loss - 0.03);
 }
 
 float sfg_anisotropicMeanLoss(float alphaT, float alphaB)
@@ -193,15 +193,28 @@ float sfg_anisotropicMeanLoss(float alphaT, float alphaB)
     return max(loss + 0.006, 0.01);
 }
 
-// The same by the parts of a direction along tangent, binormal and normal.
-float sfg_anisotropicLossOf(float alphaT, float alphaB, float3 direction)
+// The alphas along and across a direction, given by its parts along tangent, binormal and normal.
+float2 sfg_anisotropicAlphas(float alphaT, float alphaB, float3 direction)
 {
     float2 squared = direction.xy * direction.xy + 0.000001;
-    float sine2 = squared.x + squared.y;
     float2 alpha2 = float2(alphaT * alphaT, alphaB * alphaB);
-    float along = sqrt(dot(alpha2, squared) / sine2);
-    float across = sqrt(dot(alpha2.yx, squared) / sine2);
-    return sfg_anisotropicLoss(along, across, saturate(direction.z));
+    return sqrt(float2(dot(alpha2, squared), dot(alpha2.yx, squared)) / (squared.x + squared.y));
+}
+
+float sfg_anisotropicLossOf(float alphaT, float alphaB, float3 direction)
+{
+    float2 alphas = sfg_anisotropicAlphas(alphaT, alphaB, direction);
+    return sfg_anisotropicLoss(alphas.x, alphas.y, saturate(direction.z));
+}
+
+// Albedo of brushed metal with all bounces, whose colour is `bounce`.
+float3 sfg_anisotropicAlbedo(float3 f0, float3 bounce, float alphaT, float alphaB, float3 direction)
+{
+    float2 alphas = sfg_anisotropicAlphas(alphaT, alphaB, direction);
+    float cosine = saturate(direction.z);
+    float loss = sfg_anisotropicLoss(alphas.x, alphas.y, cosine);
+    float grazing = min(sfg_ggxGrazing(alphas.x, cosine), 1.0 - loss);
+    return f0 * (1.0 - loss - grazing) + grazing + bounce * loss;
 }
 
 // Normal distribution of Beckmann, alpha > 0 (Cook and Torrance 1982).
@@ -325,7 +338,7 @@ float sfg_orenNayarFactor(float3 n, float3 l, float3 v, float sigma)
 }
 
 // Diffuse reflection with retro-reflection at grazing angles, without the cosine of the light (Burley 2012), scaled so
-// that it reflects at most what arrives (Lagarde and de Rousiers 2014).
+// that it reflects at most what arrives (Lagarde and de Rousiers 2014, who scale by 1.51 instead of 1.55).
 float sfg_burleyDiffuse(float nDotL, float nDotV, float lDotH, float roughness)
 {
     float r = saturate(roughness);
@@ -336,7 +349,7 @@ float sfg_burleyDiffuse(float nDotL, float nDotV, float lDotH, float roughness)
     float mv2 = mv * mv;
     float lightScatter = 1.0 + (f90 - 1.0) * ml2 * ml2 * ml;
     float viewScatter = 1.0 + (f90 - 1.0) * mv2 * mv2 * mv;
-    return lightScatter * viewScatter * lerp(1.0, 0.662252, r) * SFG_INV_PI;
+    return lightScatter * viewScatter * lerp(1.0, 0.645161, r) * SFG_INV_PI;
 }
 
 // Highlight around the mirror direction, normalised to reflect at most what arrives (Phong 1975; Lewis 1993).

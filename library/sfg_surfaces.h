@@ -99,10 +99,8 @@ float3 sfg_shadeBrushed(
     float3 bounce = sfg_bounceColor(albedo, meanLoss);
     float3 lamp = sfg_ggxAnisotropicSpecular(l, eye, albedo, alphaT, alphaB) +
         bounce * (lossL * lossV / meanLoss * SFG_INV_PI);
-    float mean = 0.5 * (roughnessAlong + roughnessAcross);
-    float grazing = min(sfg_ggxGrazing(sfg_alphaOf(mean), saturate(eye.z)), 1.0 - lossV);
-    float3 mirrored = albedo * (1.0 - lossV - grazing) + grazing + bounce * lossV;
-    return lamp * sfg_lightIrradiance(light, n) + mirrored * sfg_lightMirrored(light, reflect(-v, n), mean);
+    return lamp * sfg_lightIrradiance(light, n) + sfg_anisotropicAlbedo(albedo, bounce, alphaT, alphaB, eye) *
+        sfg_lightMirrored(light, reflect(-v, n), 0.5 * (roughnessAlong + roughnessAcross));
 }
 
 // The same for less: light between the facets depends on the view alone.
@@ -112,13 +110,11 @@ float3 sfg_shadeBrushedSimple(
     float alphaT = sfg_alphaOf(roughnessAlong);
     float alphaB = sfg_alphaOf(roughnessAcross);
     float3 eye = sfg_inFrame(n, tangent, v);
-    float loss = sfg_anisotropicLossOf(alphaT, alphaB, eye);
-    float3 bounced = sfg_bounceColor(albedo, sfg_anisotropicMeanLoss(alphaT, alphaB)) * loss;
+    float3 bounce = sfg_bounceColor(albedo, sfg_anisotropicMeanLoss(alphaT, alphaB));
     float3 lamp = sfg_ggxAnisotropicSpecular(sfg_inFrame(n, tangent, light.direction), eye, albedo, alphaT, alphaB) +
-        bounced * SFG_INV_PI;
-    return lamp * sfg_lightIrradiance(light, n) +
-        (albedo * (1.0 - loss) + bounced) *
-            sfg_lightMirrored(light, reflect(-v, n), 0.5 * (roughnessAlong + roughnessAcross));
+        bounce * (sfg_anisotropicLossOf(alphaT, alphaB, eye) * SFG_INV_PI);
+    return lamp * sfg_lightIrradiance(light, n) + sfg_anisotropicAlbedo(albedo, bounce, alphaT, alphaB, eye) *
+        sfg_lightMirrored(light, reflect(-v, n), 0.5 * (roughnessAlong + roughnessAcross));
 }
 
 // What a clear coat of 4 percent lets through on the way in and out.

@@ -16,7 +16,7 @@ constexpr std::size_t kTangentPoints = 8192;
 constexpr double kMost = 1.01;
 
 std::vector<double> const& viewAngles() {
-  static std::vector<double> const degrees = {0, 30, 60, 75, 80, 85, 87, 89};
+  static std::vector<double> const degrees = {0, 30, 60, 75, 80, 85, 87, 89.5};
   return degrees;
 }
 
@@ -130,7 +130,11 @@ protected:
     double furthest = 0.0;
     std::string furthestPlace;
     for (std::vector<double> const& setting : model.settings) {
-      for (double const degrees : viewAngles()) {
+      for (double degrees : viewAngles()) {
+        if (model.hasTangent && degrees > 89.0) {
+          degrees =
+              89.0;  // nearer to the horizon, the sum over a highlight 400 times as long as wide is noise
+        }
         for (double const azimuth : azimuthsOf(model)) {
           Vec3 const view = direction(std::cos(radians(degrees)), azimuth);
           std::string const place = placeOf(setting, degrees, azimuth);

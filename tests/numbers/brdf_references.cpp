@@ -18,7 +18,7 @@ Result orenNayar(Sample const& in) {
   return Result(orenNayarFactor(in.vec3(0), in.vec3(1), in.vec3(2), in(3)) * cosine / kPi);
 }
 
-// Burley 2012, section 5.3, with the grazing factor and the scale of Lagarde and de Rousiers 2014, listing 7;
+// Burley 2012, section 5.3, with the grazing factor of Lagarde and de Rousiers 2014, listing 7, and a scale;
 // times the cosine of the light.
 Result burley(Sample const& in) {
   Vec3 const n = in.vec3(0);
@@ -31,7 +31,7 @@ Result burley(Sample const& in) {
   double const difference = dot(l, unit(l + v));
   double const grazing = 0.5 * in(3) + 2.0 * in(3) * difference * difference;
   auto const term = [&](double cosine) { return 1.0 + (grazing - 1.0) * std::pow(1.0 - cosine, 5.0); };
-  return Result(mix(1.0, 1.0 / 1.51, in(3)) * term(lightCosine) * term(dot(n, v)) * lightCosine / kPi);
+  return Result(mix(1.0, 1.0 / 1.55, in(3)) * term(lightCosine) * term(dot(n, v)) * lightCosine / kPi);
 }
 
 Result phongLobe(Sample const& in) {

@@ -126,9 +126,8 @@ void addMetals(std::vector<ReflectionModel>& models) {
     models.back().roughnesses = {3, 4};
     models.back().hasTangent = true;
     models.back().isReciprocal = lod == 100.0;
-    // In a sky, dark metal brightens at grazing angles as isotropic metal or, at the low level of detail, not
-    // at all.
-    models.back().skyApart = lod == 100.0 ? 0.3 : 0.45;
+    // In a sky, dark metal brightens at grazing angles as isotropic metal.
+    models.back().skyApart = 0.2;
   }
 }
 
