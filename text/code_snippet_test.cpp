@@ -406,6 +406,25 @@ TEST(CodeSnippetInstance, DestroysTheSnippetItOwns) {
   EXPECT_TRUE(last.expired()) << "destroyed with the instance";
 }
 
+TEST(CodeSnippetInstance, SharesASnippet) {
+  auto snippet = std::make_shared<CodeSnippet>();
+  snippet->addCode(L"float f() { return sfg_isConnected(a); }");
+  ASSERT_TRUE(snippet->parse());
+  const std::weak_ptr<const CodeSnippet> watched = snippet;
+  CodeSnippetInstance instance;
+  instance.construct(std::move(snippet), {L"true"});
+  EXPECT_EQ(instance.getSharedSnippet(), watched.lock());
+  ASSERT_EQ(instance.getNumSymbols(), 1u);
+  EXPECT_EQ(instance.getSymbol(0).getRenames(), L"true");
+
+  const CodeSnippet other;
+  instance.construct(&other, {}, false);
+  EXPECT_EQ(instance.getSharedSnippet(), nullptr);
+  EXPECT_TRUE(watched.expired());
+  instance.construct(std::shared_ptr<const CodeSnippet>(), {});
+  EXPECT_EQ(instance.getNumSymbols(), 0u);
+}
+
 TEST(CodeSnippetInstance, ReleasesTheSnippetToACallerThatTakesItBack) {
   const auto [snippet, witness] = newSnippet(L"float x;");
   const std::unique_ptr<const CodeSnippet> owner(snippet);

@@ -730,5 +730,26 @@ TEST(ParseKeywords, TakesTheTextOfItsOwnCall) {
 
 static_assert(std::has_virtual_destructor_v<ShaderSymbol>);
 
+TEST(ShaderSymbolIdentity, HasAHashThatFollowsIt) {
+  const WString code = L"void f() {}\n";
+  const WString other = L"void g() {}\n";
+  ShaderSymbol first;
+  ShaderSymbol second;
+  std::size_t pos = 0;
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(first, ScopedText(code), pos));
+  const std::size_t hash = first.getIdentityHash();
+  EXPECT_NE(hash, 0u);
+  pos = 0;
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(second, ScopedText(code), pos));
+  EXPECT_EQ(second.getIdentityHash(), hash);
+  first.setKey(L"key");
+  EXPECT_NE(first.getIdentityHash(), hash);
+  pos = 0;
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(first, ScopedText(other), pos));
+  EXPECT_NE(first.getIdentityHash(), hash);
+  first = std::move(second);
+  EXPECT_EQ(first.getIdentityHash(), hash);
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg
