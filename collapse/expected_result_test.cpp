@@ -93,6 +93,19 @@ TEST(ExpectedResult, CountsADefinitionForEveryUseThatHasUniforms) {
   EXPECT_LE(room.definitions, kMost);
 }
 
+TEST(ExpectedResult, LeavesNoRoomForCodeThatAllFunctionsShare) {
+  TestScene scene;
+  const WString helper = L"float helper(float x) { return x * " + WString(1000, L'1') + L"; }";
+  addRow(scene, kMany, [&](std::size_t i) {
+    const WString name = formatted(L"step%Iu", i);
+    const WString json = test::functionJson(stepFunction(name), LR"(,"predefine":[")" + helper + LR"("])");
+    return scene.add(*test::loadFragment(name, json), name);
+  });
+  const Room room = collapse(scene);
+  EXPECT_GE(room.definitions, kLeast);
+  EXPECT_LE(room.definitions, 2.0);
+}
+
 TEST(ExpectedResult, IsNothingWithoutInstancesOrForExpressions) {
   EXPECT_EQ(ExpectedResult().bodyLength(), 0u);
   EXPECT_EQ(ExpectedResult().definitionsLength(), 0u);

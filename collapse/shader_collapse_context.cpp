@@ -88,6 +88,12 @@ void AShaderCollapseContext::reserveResult() {
   result_->reserveUniforms(expected.numUniforms());
 }
 
+/// The result is kept long after the collapse. Code that many profiles share is expected from each of them.
+void AShaderCollapseContext::giveBackRoom() {
+  for (WString* text : {&resultProfile_->getFunctionBody(), &resultProfile_->predefines()})
+    if (text->capacity() / 2 > text->size()) text->shrink_to_fit();
+}
+
 /// Creates the instance of a fragment and, before it, those of everything that feeds it, but for what was
 /// visited.
 bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment, VisitedFragments& visited) {

@@ -93,6 +93,8 @@ public:
                        FragmentProfileInstance& profileInstance);
 
 private:
+  friend class AShaderCollapseToolDefault;
+  friend class AShaderCollapseToolLightLoop;
   friend class FragmentEvaluator;
   friend class FragmentInstance;
   friend class FragmentProfileInstance;
@@ -101,6 +103,8 @@ private:
   bool createSurfaceInstances();
   /// Gives the result room for what the instances will write.
   void reserveResult();
+  /// Gives back what turned out to be far too much.
+  void giveBackRoom();
   bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
   FragmentInstance* createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
