@@ -39,7 +39,7 @@ private:
 /// RapidJSON takes whatever its own allocator answers for memory; this one throws.
 class ThrowingAllocator {
 public:
-  static constexpr bool kNeedFree = true;
+  [[maybe_unused]] static constexpr bool kNeedFree = true;
 
   void* Malloc(std::size_t size) { return size != 0 ? required(std::malloc(size)) : nullptr; }
   void* Realloc(void* memory, std::size_t, std::size_t size) {

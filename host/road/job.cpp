@@ -51,6 +51,7 @@ struct Job::State {
 
 Job::Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, const CollapseOptions& options,
          const std::optional<Document>& environment) {
+  if (!libraries) throw InputError("a job needs a library set");
   const std::shared_ptr<const LoadedLibraries> loaded = libraries->loaded();
   state_.reset(new State{std::move(libraries), CollapseJob(loaded, graph, environment, options)});
 }

@@ -195,6 +195,23 @@ TEST_F(JobTest, StaysAsItIsWhenItIsCollapsedAgain) {
   EXPECT_EQ(&job.result(), result);
 }
 
+TEST_F(JobTest, NeedsASet) {
+  try {
+    const Job job(nullptr, graph());
+    FAIL();
+  } catch (const InputError& error) {
+    EXPECT_STREQ(error.what(), "a job needs a library set");
+  }
+}
+
+TEST_F(JobTest, IsMovedWithAllItHas) {
+  Job first(load(), graph());
+  first.collapse();
+  const std::string text = first.assemble().text;
+  Job second = std::move(first);
+  EXPECT_EQ(second.assemble().text, text);
+}
+
 TEST_F(JobTest, TellsTheFilesItWasMadeFrom) {
   const std::filesystem::path file = write("graph.json", kGraphText);
   const auto libraries = load();

@@ -1,6 +1,7 @@
 #pragma once
 
-// Complete shaders through the field's compilers. Any number of threads may compile.
+// Complete shaders through the field's compilers. Any number of threads may compile. A compiler that needs to
+// be started is started at the first use and ended with the process.
 
 #include <cstdint>
 #include <string>

@@ -35,9 +35,10 @@ struct CollapseOptions {
 /// number of jobs run at once, over one set or several.
 class SFG_HOST_API Job {
 public:
-  /// Reads the documents. Throws InputError.
+  /// Reads the documents. Throws InputError, without a set too.
   Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, const CollapseOptions& options = {},
       const std::optional<Document>& environment = std::nullopt);
+  /// `other` may then be destroyed or assigned to, nothing else.
   Job(Job&& other) noexcept;
   Job& operator=(Job&& other) noexcept;
   ~Job();
