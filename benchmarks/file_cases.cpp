@@ -10,10 +10,11 @@
 #include <string>
 
 #include "benchmarks/graph_cases.h"
-#include "host/collapse_job.h"
-#include "host/shader_assembly.h"
-#include "host/warnings.h"
+#include "host/diagnostics/warnings.h"
+#include "host/job/collapse_job.h"
+#include "host/shader/shader_assembly.h"
 #include "sfg/shader_fragment_graph_builder.h"
+#include "sfg/shader_includes.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::benchmarks {
@@ -269,7 +270,8 @@ Work makeExample(const std::filesystem::path& file) {
 }
 
 Work loadStandardLibrary(std::size_t) {
-  static const host::LoadedLibraries includes({}, {"library"}, "dx11");
+  static const bool isRegistered = (ShaderIncludes::Singleton().addIncludePath(L"library"), true);
+  static_cast<void>(isRegistered);
   return loadFolder("library");
 }
 

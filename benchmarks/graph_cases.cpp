@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/language_dx11.h"
+#include "host/library/language_dx11.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_collapse_tool_light_loop.h"
 #include "sfg/shader_fragment_profile_function.h"

@@ -6,16 +6,22 @@ install(TARGETS sfg sfg_platform EXPORT sfg
   RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(TARGETS sfg_host EXPORT sfgHost
+  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(TARGETS sfg_command RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(DIRECTORY include/ platform/include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY library/ DESTINATION "${CMAKE_INSTALL_DATADIR}/sfg/library" OPTIONAL
   FILES_MATCHING PATTERN "*.fraglib" PATTERN "*.h")
 install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
-# find_package(sfg) gives sfg::sfg and sfg::platform. The libraries under the platform are its own business: they are
-# linked into it privately, so a user of the package needs none of their headers.
+# find_package(sfg) gives sfg::sfg and sfg::platform, with the component host sfg::host as well. The libraries under
+# platform and host are their own business: they are linked privately, so a user of the package needs none of their
+# headers.
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/sfg")
 install(EXPORT sfg NAMESPACE sfg:: FILE sfgTargets.cmake DESTINATION "${package_folder}")
+install(EXPORT sfgHost NAMESPACE sfg:: FILE sfgHostTargets.cmake DESTINATION "${package_folder}")
 configure_package_config_file(cmake/sfgConfig.cmake.in "${PROJECT_BINARY_DIR}/package/sfgConfig.cmake"
   INSTALL_DESTINATION "${package_folder}")
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/sfgConfigVersion.cmake"
@@ -40,7 +46,7 @@ foreach(folder IN ITEMS LIBDIR INCLUDEDIR)
     set(SFG_PC_${folder} "\${prefix}/${CMAKE_INSTALL_${folder}}")
   endif()
 endforeach()
-foreach(name IN ITEMS sfg sfg-platform)
+foreach(name IN ITEMS sfg sfg-platform sfg-host)
   configure_file("cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/package/${name}.pc" @ONLY)
   install(FILES "${PROJECT_BINARY_DIR}/package/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 endforeach()

@@ -286,7 +286,7 @@ bool FragmentEvaluator::takeInputValue(Frame& frame) {
     if (graph != nullptr && connection.index < graph->getNumInputs()) {
       if (graph->getInput(connection.index) == nullptr) return false;
       frame.inputValues[frame.next] = graph->getInputName(connection.index);
-    } else if (frame.next < instance.inputs_.size()) {
+    } else if (frame.next < instance.inputs().size()) {
       frame.inputValues[frame.next] = instance.inputValue(frame.next);
     } else {
       return false;
@@ -314,7 +314,7 @@ void FragmentEvaluator::giveBackTexts(Frame& frame) {
 bool FragmentEvaluator::takeSourceValue(Frame& frame, std::size_t output) {
   const FragmentInstance& instance = *frame.instance;
   if (instance.activeProfileInstance_->IsShaderInput(frame.next)) {
-    if (frame.next >= instance.inputs_.size()) return false;
+    if (frame.next >= instance.inputs().size()) return false;
     instance.createLateInputUniform(context_, frame.next);
     frame.inputValues[frame.next] = instance.inputValue(frame.next);
     frame.readsLight = true;  // shader functions are taken to read it
@@ -369,11 +369,14 @@ bool FragmentEvaluator::finishEvaluation(Frame& frame) {
 /// own.
 void FragmentEvaluator::reserveTexts() {
   const std::size_t instances = context_.countSurfaceInstances();
-  if (isAlmostFull(body()) && calls_.pieces < instances)
-    growTo(body(), declarations_.rest(instances) + calls_.rest(instances));
+  if (calls_.pieces >= instances) return;
+  const auto reserve = [](WString& text, double rest) {
+    if (rest > static_cast<double>(text.capacity() - text.size())) growTo(text, rest);
+  };
+  if (isAlmostFull(body())) reserve(body(), declarations_.rest(instances) + calls_.rest(instances));
   WString& definitions = context_.getResultProfile()->predefines();
-  if (isAlmostFull(definitions) && calls_.pieces < instances)
-    growTo(definitions, TextRate{calls_.pieces, definitions.size()}.rest(instances));
+  if (isAlmostFull(definitions))
+    reserve(definitions, TextRate{calls_.pieces, definitions.size()}.rest(instances));
 }
 
 bool FragmentEvaluator::writeCall(Frame& frame) {
@@ -509,8 +512,8 @@ FragmentEvaluator::Frame FragmentEvaluator::repeatFrame(RepeatLists::Number list
 /// The instance of the fragment that feeds an input; null when that is no fragment of ours.
 FragmentInstance* FragmentEvaluator::findSource(const FragmentInstance& instance, std::size_t input) const {
   const IShaderFragment* connected = instance.fragment_->getInputConnections()[input].fragment;
-  if (input < instance.inputs_.size()) {
-    FragmentInstance* known = instance.inputs_[input].source;
+  if (input < instance.inputs().size()) {
+    FragmentInstance* known = instance.inputs()[input].source;
     if (known != nullptr && known->fragment_.get() == connected) return known;
   }
   const auto* fragment = dynamic_cast<const AShaderFragment*>(connected);

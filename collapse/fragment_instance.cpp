@@ -1,14 +1,18 @@
 #include "sfg/fragment_instance.h"
 
 #include <algorithm>
+#include <memory>
+#include <typeinfo>
 #include <utility>
 
+#include "collapse/arena.h"
 #include "collapse/evaluator.h"
 #include "collapse/visited_fragments.h"
 #include "fragments/ports.h"
 #include "fragments/profile_choice.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_graph.h"
+#include "sfg/shader_fragment_profile_function.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -32,6 +36,13 @@ WString inputUniformName(const WString& inputName, const WString& instanceName) 
   return name;
 }
 
+/// Null when it is of a host's own class. Only what is no plain function, as most are, has to be asked.
+const AShaderFragmentProfile* asOurs(const IShaderFragmentProfile& profile) {
+  if (typeid(profile) == typeid(AShaderFragmentProfileFunction))
+    return static_cast<const AShaderFragmentProfileFunction*>(&profile);
+  return dynamic_cast<const AShaderFragmentProfile*>(&profile);
+}
+
 /// 1-based place of a profile among the fragment's; empty when it is none of them.
 WString profileNumber(const AShaderFragment& fragment, const IShaderFragmentProfile* profile) {
   WString number;
@@ -44,9 +55,9 @@ WString profileNumber(const AShaderFragment& fragment, const IShaderFragmentProf
 }  // namespace
 
 FragmentInstance::FragmentInstance() = default;
-FragmentInstance::~FragmentInstance() = default;
+FragmentInstance::~FragmentInstance() { std::destroy_n(firstInput_, numInputs_); }
 
-FragmentInstance::Extras& FragmentInstance::extras() {
+FragmentInstance::Extras& FragmentInstance::extras() const {
   if (!extras_) extras_ = std::make_unique<Extras>();
   return *extras_;
 }
@@ -56,7 +67,9 @@ FragmentInstance::Extras& FragmentInstance::extras() {
 bool FragmentInstance::create(AShaderCollapseContext& context, const ILanguageTraits* language,
                               const AShaderFragment* fragment) {
   if (!createNoInputUniform(language, fragment)) return false;
-  inputs_.resize(fragment->getNumInputs());
+  const std::span<Input> inputs = context.arena().makeArray<Input>(fragment->getNumInputs());
+  firstInput_ = inputs.data();
+  numInputs_ = static_cast<std::uint32_t>(inputs.size());
   for (std::size_t i = 0; i < fragment->getNumInputs(); ++i) {
     // A connected input has its source's value, unless the code calls the source as a function.
     const bool isShaderInput = activeProfileInstance_ != nullptr && activeProfileInstance_->IsShaderInput(i);
@@ -96,43 +109,48 @@ void FragmentInstance::makeUniformsUnique() {
 void FragmentInstance::createInputUniform(const AShaderCollapseContext& context, std::size_t input) const {
   const AParameter* parameter = fragment_->getInput(input);
   if (parameter == nullptr) return;
-  Input& own = inputs_[input];
   if (WString text; parameter->isConstant() && context.getConstValue(text, parameter)) {
-    own.value = std::make_unique<const WString>(std::move(text));
+    setInputValue(input, std::move(text));
     return;
   }
 
-  own.uniform = makeRef<OverrideNameParameter>(
-      *parameter, inputUniformName(parameter->getName(), fragment_->instanceName()));
+  RefPtr<AParameter const>& uniform = inputs()[input].uniform;
+  uniform = makeRef<OverrideNameParameter>(*parameter,
+                                           inputUniformName(parameter->getName(), fragment_->instanceName()));
   if (!isSamplerType(parameter->getType())) return;
-  const WString& name = own.uniform->getName();
-  own.value = std::make_unique<const WString>(samplerConstructor(parameter->getType()) + name +
-                                              L", sampler_" + name + L")");
+  const WString& name = uniform->getName();
+  setInputValue(input, samplerConstructor(parameter->getType()) + name + L", sampler_" + name + L")");
   usesSamplers_ = true;
 }
 
+void FragmentInstance::setInputValue(std::size_t input, WString value) const {
+  Array<WString>& values = extras().inputValues;
+  if (values.empty()) values.resize(inputs().size());
+  values[input] = std::move(value);
+}
+
 void FragmentInstance::createLateInputUniform(AShaderCollapseContext& context, std::size_t input) const {
-  Input& own = inputs_[input];
-  if (own.value || own.uniform) return;
+  const RefPtr<AParameter const>& uniform = inputs()[input].uniform;
+  if (uniform || hasInputValue(input)) return;
   createInputUniform(context, input);
-  if (!uniformsWritten_ || !own.uniform) return;
-  context.getResult()->addUniform(own.uniform.get());
+  if (!uniformsWritten_ || !uniform) return;
+  context.getResult()->addUniform(uniform.get());
   if (usesSamplers_) context.getResultProfile()->includes().insert(L"sfg_samplers.h");
 }
 
 /// The value of an input that no fragment feeds.
 const WString& FragmentInstance::inputValue(std::size_t input) const {
   static const WString none;
-  const Input& own = inputs_[input];
-  if (own.value) return *own.value;
-  return own.uniform ? own.uniform->getName() : none;
+  if (hasInputValue(input)) return extras_->inputValues[input];
+  const RefPtr<AParameter const>& uniform = inputs()[input].uniform;
+  return uniform ? uniform->getName() : none;
 }
 
 void FragmentInstance::setSources(const VisitedFragments& visited) {
   if (!fragment_) return;
   const Array<ShaderFragmentConnection>& connections = fragment_->getInputConnections();
-  for (std::size_t i = 0; i < inputs_.size() && i < connections.size(); ++i) {
-    if (connections[i].fragment != nullptr) inputs_[i].source = visited.getInstance(connections[i].fragment);
+  for (std::size_t i = 0; i < inputs().size() && i < connections.size(); ++i) {
+    if (connections[i].fragment != nullptr) inputs()[i].source = visited.getInstance(connections[i].fragment);
   }
 }
 
@@ -176,7 +194,7 @@ void FragmentInstance::changeProfile(AShaderCollapseContext& context, const ISha
 void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
   activeProfileInstance_ = nullptr;
   if (profile == nullptr) return;
-  const auto* ours = dynamic_cast<const AShaderFragmentProfile*>(profile);
+  const AShaderFragmentProfile* ours = asOurs(*profile);
   activeProfileInstance_ = findProfileInstance(ours);
   if (activeProfileInstance_ != nullptr) return;
 
@@ -197,7 +215,7 @@ void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
 
 FragmentProfileInstance* FragmentInstance::findProfileInstance(const AShaderFragmentProfile* profile) {
   if (profile == nullptr) return nullptr;
-  if (firstProfileInstance_ && firstProfileInstance_->getProfile() == profile) return &*firstProfileInstance_;
+  if (firstProfileInstance_.getProfile() == profile) return &firstProfileInstance_;
   if (!extras_) return nullptr;
   for (FragmentProfileInstance& instance : extras_->otherProfileInstances) {
     if (instance.getProfile() == profile) return &instance;
@@ -206,8 +224,8 @@ FragmentProfileInstance* FragmentInstance::findProfileInstance(const AShaderFrag
 }
 
 FragmentProfileInstance& FragmentInstance::makeProfileInstance() {
-  return firstProfileInstance_ ? extras().otherProfileInstances.emplace_back()
-                               : firstProfileInstance_.emplace();
+  return firstProfileInstance_.isInitialized() ? extras().otherProfileInstances.emplace_back()
+                                               : firstProfileInstance_;
 }
 
 bool FragmentInstance::requiresCurrentLight() const {
@@ -305,7 +323,7 @@ bool FragmentInstance::writeRequirements(AShaderCollapseContext& context) {
     if (extras_) {
       for (const auto& uniform : extras_->uniforms) context.getResult()->addUniform(uniform.get());
     }
-    for (const Input& input : inputs_) {
+    for (const Input& input : inputs()) {
       if (input.uniform) context.getResult()->addUniform(input.uniform.get());
     }
     if (usesSamplers_) context.getResultProfile()->includes().insert(L"sfg_samplers.h");

@@ -1,7 +1,7 @@
 #include "sfg/fragment_profile_instance.h"
 
 #include <algorithm>
-#include <optional>
+#include <array>
 #include <typeinfo>
 #include <utility>
 
@@ -19,6 +19,20 @@ namespace TolmSDK::Graphics::sfg {
 
 namespace {
 
+/// A lasting text that says the same, for what short names are as a rule: the profile's number. Null for
+/// others.
+const WString* findDigit(const WString& text) {
+  static const std::array<WString, 9> digits = {L"1", L"2", L"3", L"4", L"5", L"6", L"7", L"8", L"9"};
+  const bool isDigit = text.size() == 1 && text[0] >= L'1' && text[0] <= L'9';
+  return isDigit ? &digits[static_cast<std::size_t>(text[0] - L'1')] : nullptr;
+}
+
+/// Whether it is an expression. Only what is no plain function, as most are, has to be asked for its bases.
+bool isInline(const AShaderFragmentProfile& profile) {
+  return typeid(profile) != typeid(AShaderFragmentProfileFunction) &&
+         dynamic_cast<const AShaderFragmentProfileInline*>(&profile) != nullptr;
+}
+
 void appendDeclaration(WString& out, const FragmentProfileInstance& instance, std::size_t output) {
   out += L"    ";
   out += instance.getOutputType(output);
@@ -28,20 +42,19 @@ void appendDeclaration(WString& out, const FragmentProfileInstance& instance, st
   checkTextLength(out.size());
 }
 
-/// Rules from the whole text of every call to its value. A call without an argument list stays as it is
+/// Adds rules from the whole text of every call to its value. A call without an argument list stays as it is
 /// written.
-KeywordReplacePattern callPattern(const Array<BuiltinFunction>& uses, const Array<WString>& values) {
-  KeywordReplacePattern pattern;
+void addCalls(KeywordReplacePattern& pattern, const Array<BuiltinFunction>& uses,
+              const Array<WString>& values) {
   for (std::size_t i = 0; i < uses.size() && i < values.size(); ++i) {
     if (!uses[i].range.empty()) pattern.addReplacePattern(WString(uses[i].range.view()), values[i]);
   }
-  return pattern;
 }
 
 /// Whether nothing of it is raw text, which is written every time.
 bool hasOnlySymbols(const CodeSnippetInstance& code) {
   for (std::size_t i = 0; i < code.getNumSymbols(); ++i) {
-    if (code.getSymbol(i).getInstanceKey().empty()) return false;
+    if (!code.getSymbol(i).hasInstanceKey()) return false;
   }
   return true;
 }
@@ -89,16 +102,6 @@ private:
 
 WString boolText(bool value) { return value ? L"true" : L"false"; }
 
-/// The outputs of the fragment that feed an output of its graph.
-Set<std::size_t> findFinalOutputs(const AShaderFragment& fragment) {
-  Set<std::size_t> outputs;
-  const IShaderFragmentGraph* graph = fragment.getOwnerGraph();
-  if (graph == nullptr) return outputs;
-  for (const ShaderFragmentConnection& connection : graph->getOutputConnections())
-    if (connection.fragment == &fragment) outputs.insert(connection.index);
-  return outputs;
-}
-
 /// Values of the built-in calls in the code of one profile.
 class BuiltinValues {
 public:
@@ -129,16 +132,14 @@ private:
     }
   }
 
-  bool isFinal(std::size_t output) {
-    if (output == kNotFound) return false;
-    if (!final_) final_ = findFinalOutputs(fragment_);
-    return final_->contains(output);
+  bool isFinal(std::size_t output) const {
+    const auto* const graph = dynamic_cast<const AShaderFragmentGraph*>(fragment_.getOwnerGraph());
+    return output != kNotFound && graph != nullptr && graph->isFinalOutput(&fragment_, output);
   }
 
   const AShaderFragment& fragment_;
   ParameterFinder inputs_;
   ParameterFinder outputs_;
-  std::optional<Set<std::size_t>> final_;
 };
 
 }  // namespace
@@ -149,7 +150,7 @@ FragmentProfileInstance::~FragmentProfileInstance() = default;
 bool FragmentProfileInstance::create(const ILanguageTraits* language, const AShaderFragment* fragment,
                                      const AShaderFragmentProfile* profile, const WString& shortname) {
   if (initialized_) {
-    const AShaderFragment* named = fragment != nullptr ? fragment : fragment_.get();
+    const AShaderFragment* named = fragment != nullptr ? fragment : fragment_;
     throw Exception(L"Cannot initialize fragment (%s) profile twice!",
                     named != nullptr ? named->key() : WString());
   }
@@ -166,14 +167,18 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
     extras_->outputKeys.clear();
     extras_->outputIsUnset.clear();
   }
-  isInlineProfile_ = dynamic_cast<const AShaderFragmentProfileInline*>(profile) != nullptr;
-  profileShortname_ = shortname.empty() ? profile->getProfilename() : shortname;
+  isInlineProfile_ = isInline(*profile);
+  profileShortname_ = shortname.empty() ? &profile->getProfilename() : findDigit(shortname);
+  if (profileShortname_ == nullptr) {
+    extras().profileShortname = shortname;
+    profileShortname_ = &extras().profileShortname;
+  }
   language_ = language;
   fragment_ = fragment;
   profile_ = profile;
   requiresCurrentLight_ = profile->stateVariables().contains(StateVariable_currentLight);
   const ITextParameterList* parameters = profile->getFunctionParameters();
-  numOutputs_ = parameters != nullptr ? parameters->getNumOutputs() : 0;
+  numOutputs_ = parameters != nullptr ? static_cast<std::uint32_t>(parameters->getNumOutputs()) : 0;
   if (!profile->getBodyBuiltinFunctions().empty() || !profile->getPredefineBuiltinFunctions().empty()) {
     static const RefPtr<ATextParameterList const> kNone = makeRef<ATextParameterList>();
     BuiltinValues values(*fragment, parameters != nullptr ? *parameters : *kNone);
@@ -186,6 +191,11 @@ bool FragmentProfileInstance::create(const ILanguageTraits* language, const ASha
 const WString& FragmentProfileInstance::getProfilename() const {
   static const WString none;
   return profile_ ? profile_->getProfilename() : none;
+}
+
+const WString& FragmentProfileInstance::getProfileShortname() const noexcept {
+  static const WString none;
+  return profileShortname_ != nullptr ? *profileShortname_ : none;
 }
 
 FragmentProfileInstance::Extras& FragmentProfileInstance::extras() const {
@@ -204,9 +214,9 @@ void FragmentProfileInstance::appendFunctionName(WString& out) const {
   if (hasFunctionName_) {
     out += extras_->functionName;
   } else if (profile_) {
-    if (out.empty()) out.reserve(profile_->getFunctionName().size() + profileShortname_.size());
+    if (out.empty()) out.reserve(profile_->getFunctionName().size() + profileShortname_->size());
     out += profile_->getFunctionName();
-    out += profileShortname_;
+    out += *profileShortname_;
   }
 }
 
@@ -233,7 +243,7 @@ void FragmentProfileInstance::appendOutputName(WString& out, std::size_t index) 
   out += fragment_->instanceName();
   out += L'_';
   appendDecimal(out, index);
-  out += profileShortname_;
+  out += *profileShortname_;
 }
 
 const Array<WString>& FragmentProfileInstance::getOutputNames() const { return outputNames(); }
@@ -258,7 +268,7 @@ void FragmentProfileInstance::setNumOutputs(std::size_t count) {
     extras_->outputIsUnset.resize(count, true);
   }
   extras_->outputKeys.clear();
-  numOutputs_ = count;
+  numOutputs_ = static_cast<std::uint32_t>(count);
 }
 
 const WString& FragmentProfileInstance::getOutputType(std::size_t index) const {
@@ -357,6 +367,19 @@ bool FragmentProfileInstance::hasReplacements() const {
   return profile_ && !profile_->GetDefaultShaderRepalcePattern().empty();
 }
 
+void FragmentProfileInstance::addReplacements(KeywordReplacer& replacer) const {
+  if (patterns_ && !patterns_->uniform.empty()) {
+    replacer.addReplacePattern(patterns_->uniform);
+  } else if (hasUniforms()) {
+    replacer.addReplacePattern(extras_->uniformOriginal, extras_->uniformNew);
+  }
+  if (patterns_ && !patterns_->shader.empty()) {
+    replacer.addReplacePattern(patterns_->shader);
+  } else if (profile_) {
+    replacer.addReplacePattern(profile_->GetDefaultShaderRepalcePattern());
+  }
+}
+
 // Parameters of the profile.
 
 std::size_t FragmentProfileInstance::GetInputTextParameterIndex(const WString& name) const {
@@ -401,9 +424,12 @@ bool FragmentProfileInstance::writeRequirements(AShaderFragmentProfile* target,
   CodeSnippetInstance predefines;
   profile_->writePredefines(predefines, context, *this);
   if (predefines.getNumSymbols() != 0) {
-    const KeywordReplacePattern calls =
-        callPattern(profile_->getPredefineBuiltinFunctions(), getBuiltinFunctionValueInPredefine());
-    context.writePredefine(predefines, calls, getKeywordReplacePattern());
+    KeywordReplacePattern calls;
+    addCalls(calls, profile_->getPredefineBuiltinFunctions(), getBuiltinFunctionValueInPredefine());
+    KeywordReplacePattern renames;
+    KeywordReplacePattern* const own = findKeywordReplacePattern();
+    context.writePredefine(predefines, calls, own != nullptr ? *own : renames);
+    if (!renames.empty()) getKeywordReplacePattern() = std::move(renames);
   }
 
   if (target != nullptr) {
@@ -420,18 +446,16 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
   definitionWritten_ = true;
   if (!profile_) return true;
 
-  // What another instance wrote in the very same words need not be made again to be found to be there.
+  // A definition that another instance wrote in the same words is there already.
   const bool isShared = hasSharedDefinition();
   if (isShared && context.takeWrittenDefinition(*this)) return true;
 
   CodeSnippetInstance definition;
   if (!profile_->writeDefinition(definition, context, *this)) return false;
-  const KeywordReplacePattern calls =
-      callPattern(profile_->getBodyBuiltinFunctions(), getBuiltinFunctionValueInBody());
-  WString key;
-  if (isShared) appendDefinitionKey(key);
+  KeywordReplacePattern calls;
+  addCalls(calls, profile_->getBodyBuiltinFunctions(), getBuiltinFunctionValueInBody());
   context.writeDefinition(definition, calls, *this);
-  if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this, key);
+  if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this);
   return true;
 }
 

@@ -247,6 +247,27 @@ TEST_F(ProfileInstance, AsksForManyPortsInTimeInProportionToThem) {
             TolmSDK::test::kLinearGrowth);
 }
 
+TEST_F(ProfileInstance, KnowsTheFinalOutputsOfManyFragmentsInTimeInProportionToThem) {
+  const double growth = TolmSDK::test::timeGrowth(4000, [](std::size_t count) {
+    test::TestScene many;
+    const auto original =
+        test::loadFragment(L"f", test::functionJson(L"void f(out float x)\n{\nsfg_isFinalOutput(x)\n}"));
+    Array<AShaderFragment*> members;
+    for (std::size_t i = 0; i < count; ++i) {
+      members.push_back(many.add(*original, formatted(L"n%Iu", i)));
+      many.output(formatted(L"o%Iu", i), TypeID_float, members.back());
+    }
+    return TolmSDK::test::processorTime([&] {
+      for (const AShaderFragment* member : members) {
+        FragmentProfileInstance other;
+        EXPECT_TRUE(other.create(many.language.get(), member, profileOf(*member), L"1"));
+        EXPECT_EQ(other.getBuiltinFunctionValueInBody(), Array<WString>{L"true"});
+      }
+    });
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
+}
+
 /// A profile whose writers fail.
 class FailingProfile : public AShaderFragmentProfile {
 public:

@@ -6,7 +6,9 @@
 #include <optional>
 #include <utility>
 
+#include "collapse/arena.h"
 #include "collapse/evaluator.h"
+#include "collapse/expected_result.h"
 #include "collapse/instance_table.h"
 #include "collapse/visited_fragments.h"
 #include "collapse/written_definitions.h"
@@ -37,8 +39,8 @@ std::uint64_t AShaderCollapseContext::nextContextNumber() noexcept {
 
 AShaderCollapseContext::AShaderCollapseContext()
     : result_(makeRef<AShaderFragment>()), resultProfile_(makeRef<AShaderFragmentProfileFunction>()),
-      fragmentInstances_(std::make_unique<InstanceTable>()),
-      lightFragmentInstances_(std::make_unique<InstanceTable>()), number_(nextContextNumber()),
+      arena_(std::make_unique<Arena>()), fragmentInstances_(std::make_unique<InstanceTable>(*arena_)),
+      lightFragmentInstances_(std::make_unique<InstanceTable>(*arena_)), number_(nextContextNumber()),
       writtenDefinitions_(std::make_unique<WrittenDefinitions>()),
       evaluator_(std::make_unique<FragmentEvaluator>(*this)) {
   resultProfile_->setProfilename(L"default");
@@ -58,15 +60,38 @@ bool AShaderCollapseContext::initialize(const RefPtr<ILanguageTraits const>& lan
   options_ = options;
   if (!graph_ || !language) return false;
 
-  VisitedFragments visited;
-  for (const ShaderFragmentConnection& connection : graph_->getOutputConnections()) {
-    if (connection.fragment != nullptr && !createInstances(connection.fragment, visited)) return false;
-  }
+  if (!createSurfaceInstances()) return false;
   const std::size_t lights = environment_ ? environment_->getNumLights() : 0;
   for (std::size_t i = 0; i < lights; ++i) {
     if (!createLightInstance(environment_->getLight(i))) return false;
   }
+  reserveResult();
   return true;
+}
+
+bool AShaderCollapseContext::createSurfaceInstances() {
+  VisitedFragments visited;
+  visited.reserve(graph_->getNumFragments());
+  fragmentInstances_->reserve(graph_->getNumFragments());
+  for (const ShaderFragmentConnection& connection : graph_->getOutputConnections()) {
+    if (connection.fragment != nullptr && !createInstances(connection.fragment, visited)) return false;
+  }
+  return true;
+}
+
+void AShaderCollapseContext::reserveResult() {
+  ExpectedResult expected;
+  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i)
+    expected.add((*fragmentInstances_)[i].instance);
+  resultProfile_->getFunctionBody().reserve(expected.bodyLength());
+  resultProfile_->predefines().reserve(expected.definitionsLength());
+  result_->reserveUniforms(expected.numUniforms());
+}
+
+/// The result is kept long after the collapse. Code that many profiles share is expected from each of them.
+void AShaderCollapseContext::giveBackRoom() {
+  for (WString* text : {&resultProfile_->getFunctionBody(), &resultProfile_->predefines()})
+    if (text->capacity() / 2 > text->size()) text->shrink_to_fit();
 }
 
 /// Creates the instance of a fragment and, before it, those of everything that feeds it, but for what was
@@ -97,8 +122,11 @@ bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment, Vi
 
 /// Null when it cannot be created.
 FragmentInstance* AShaderCollapseContext::createInstance(const IShaderFragment* fragment) {
-  FragmentInstance& instance = getFragmentInstance(fragment);
   const auto* ours = dynamic_cast<const AShaderFragment*>(fragment);
+  // An instance keeps its fragment, and so the name.
+  FragmentInstance& instance = ours != nullptr ? fragmentInstances_->getByLastingName(ours->instanceName())
+                                               : fragmentInstances_->get(fragment->instanceName());
+  admit(instance);
   if (instance.isInitialized() || instance.create(*this, getLanguage(), ours)) return &instance;
   return nullptr;
 }
@@ -196,7 +224,7 @@ bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName)
     if (instance.hasAnswered(request)) continue;
     const IShaderFragmentProfile* profile = instance.findProfile(*this, profileName, lod);
     if (profile == nullptr) {
-      firstFailing = firstFailing ? std::min(*firstFailing, entry.name) : entry.name;
+      firstFailing = firstFailing ? std::min<std::wstring_view>(*firstFailing, *entry.name) : *entry.name;
     } else if (instance.hasActiveProfile(profile)) {
       instance.profileRequest_ = request;
     } else {
@@ -205,7 +233,7 @@ bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName)
   }
 
   for (const auto& [entry, profile] : changes) {
-    if (firstFailing && entry->name >= *firstFailing) continue;
+    if (firstFailing && *entry->name >= *firstFailing) continue;
     entry->instance.changeProfile(*this, profile);
     entry->instance.profileRequest_ = request;
   }
@@ -264,9 +292,11 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
                                              FragmentProfileInstance& profileInstance) {
   WString& name = writtenDefinitions_->soughtText();
   profileInstance.appendFunctionName(name);
-  accumulator_.appendDefinition(resultProfile_->predefines(), instance, pattern,
-                                profileInstance.getKeywordReplacePattern(), name);
-  const WString& rename = accumulator_.getRename(name);
+  KeywordReplacePattern renames;
+  KeywordReplacePattern* const own = profileInstance.findKeywordReplacePattern();
+  const WString& rename = accumulator_.appendDefinition(resultProfile_->predefines(), instance, pattern,
+                                                        own != nullptr ? *own : renames, name);
+  if (!renames.empty()) profileInstance.getKeywordReplacePattern() = std::move(renames);
   if (rename != name) profileInstance.setFunctionName(rename);
 }
 
@@ -274,18 +304,22 @@ void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance
 bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance) {
   WString& key = writtenDefinitions_->soughtText();
   instance.appendDefinitionKey(key);
-  const WrittenDefinitions::Definition* found = writtenDefinitions_->find(instance.getProfile(), key);
-  if (found == nullptr) return false;
-  if (!found->rename.empty()) instance.setFunctionName(found->rename);
+  const WrittenDefinitions::Definition& found =
+      writtenDefinitions_->get(instance.getProfile(), getLanguage(), key);
+  if (!found.isWritten) return false;
+  if (!found.rename.empty()) instance.setFunctionName(found.rename);
   return true;
 }
 
-void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance,
-                                                       const WString& key) {
+/// Of the definition that was to be taken last.
+void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance) {
   WString& name = writtenDefinitions_->soughtText();
   instance.appendFunctionName(name);
+  WrittenDefinitions::Definition& written = writtenDefinitions_->last();
+  const std::wstring_view key = written.key;
   const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');
-  writtenDefinitions_->add(instance.getProfile(), key, isRenamed ? name : WString());
+  if (isRenamed) written.rename = name;
+  written.isWritten = true;
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -26,6 +26,7 @@ IShaderFragment* AShaderCollapseToolDefault::collapse(const IShaderFragmentGraph
   }
   for (std::size_t i = 0; i < graph->getNumUniforms(); ++i) result_->addUniform(graph->getUniform(i));
   result_->getShaderInputTypes() = context_.getShaderInputTypes();
+  context_.giveBackRoom();
   return result_.get();
 }
 

@@ -44,6 +44,7 @@ IShaderFragment* AShaderCollapseToolLightLoop::collapse(const IShaderFragmentGra
   for (std::size_t i = 0; i < graph->getNumUniforms(); ++i) result_->addUniform(graph->getUniform(i));
   if (!addOutputs(values)) return nullptr;
   result_->getShaderInputTypes() = context_.getShaderInputTypes();
+  context_.giveBackRoom();
   return result_.get();
 }
 

@@ -15,15 +15,6 @@ namespace {
 
 using test::TestScene;
 
-/// Seconds that the process has worked: other work on the machine does not count.
-class WorkTime {
-public:
-  double seconds() const { return static_cast<double>(std::clock() - start_) / CLOCKS_PER_SEC; }
-
-private:
-  std::clock_t start_ = std::clock();
-};
-
 /// Runs with a stack of 256 KiB, as a host's worker may have.
 template <class Work>
 void runWithSmallStack(Work work) {
@@ -41,6 +32,13 @@ void runWithSmallStack(Work work) {
 }
 
 constexpr std::size_t kMany = 100'000;
+
+/// How the processor time `timeOf(count)` grows up to kMany.
+template <class TimeOf>
+double growthUpToMany(TimeOf&& timeOf) {
+  return TolmSDK::test::timeGrowth(kMany / 16, timeOf);
+}
+
 constexpr std::wstring_view kAdd = L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
 
 /// A row of functions, each fed by the one before; both inputs of each when it is a ladder.
@@ -66,36 +64,46 @@ std::size_t countOf(const std::string& text, const std::string& part) {
 class LongRow : public ::testing::TestWithParam<bool> {};
 
 TEST_P(LongRow, IsCollapsedByBothToolsInLinearTimeOnASmallStack) {
-  TestScene scene;
-  scene.output(L"color", TypeID_float, addRow(scene, nullptr, kMany, GetParam()));
-  std::string byDefault;
-  std::string byLightLoop;
-  const WorkTime work;
-  runWithSmallStack([&] { byDefault = test::collapseDefault(scene); });
-  runWithSmallStack([&] { byLightLoop = test::collapseLightLoop(scene); });
-  EXPECT_EQ(countOf(byDefault, "    add1(\n"), kMany);
-  EXPECT_EQ(countOf(byLightLoop, "    add1(\n"), kMany);
-  EXPECT_EQ(countOf(byDefault, "void add1("), 1u);
-  EXPECT_LT(work.seconds(), 60.0);
+  const double growth = growthUpToMany([](std::size_t count) {
+    TestScene scene;
+    scene.output(L"color", TypeID_float, addRow(scene, nullptr, count, GetParam()));
+    std::string byDefault;
+    std::string byLightLoop;
+    const std::clock_t time = TolmSDK::test::processorTime([&] {
+      runWithSmallStack([&] { byDefault = test::collapseDefault(scene); });
+      runWithSmallStack([&] { byLightLoop = test::collapseLightLoop(scene); });
+    });
+    EXPECT_EQ(countOf(byDefault, "    add1(\n"), count);
+    EXPECT_EQ(countOf(byLightLoop, "    add1(\n"), count);
+    EXPECT_EQ(countOf(byDefault, "void add1("), 1u);
+    return time;
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
 INSTANTIATE_TEST_SUITE_P(Size, LongRow, ::testing::Bool(),
                          [](const auto& parameter) { return parameter.param ? "Ladder" : "Chain"; });
 
 TEST(Size, LooksForLitFragmentsInLinearTime) {
-  TestScene scene;
-  AShaderFragment* lit =
-      scene.addFunction(L"lit", L"void lit(float a, out float r)\n{\nr = a * sfg_currentLight.x;\n}");
-  scene.output(L"color", TypeID_float, addRow(scene, lit, kMany, true));
-  scene.addLight(L"key", test::functionJson(L"void key(out Light r)\n{\nr.x = 1.0;\n}"));
-  std::string text;
-  runWithSmallStack([&] { text = test::collapseLightLoop(scene); });
-  EXPECT_EQ(countOf(text, "    accumulate_lit_r += result_lit_01;\n"), 1u);
-  EXPECT_EQ(countOf(text, "    add1(\n"), kMany);
+  const double growth = growthUpToMany([](std::size_t count) {
+    TestScene scene;
+    AShaderFragment* lit =
+        scene.addFunction(L"lit", L"void lit(float a, out float r)\n{\nr = a * sfg_currentLight.x;\n}");
+    scene.output(L"color", TypeID_float, addRow(scene, lit, count, true));
+    scene.addLight(L"key", test::functionJson(L"void key(out Light r)\n{\nr.x = 1.0;\n}"));
+    std::string text;
+    const std::clock_t time = TolmSDK::test::processorTime(
+        [&] { runWithSmallStack([&] { text = test::collapseLightLoop(scene); }); });
+    EXPECT_EQ(countOf(text, "    accumulate_lit_r += result_lit_01;\n"), 1u);
+    EXPECT_EQ(countOf(text, "    add1(\n"), count);
+    return time;
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
-TEST(Size, RepeatsAShaderFunctionWithoutWalkingTheChainAboveIt) {
-  constexpr std::size_t kLength = 20'000;
+/// Processor time for a chain whose first fragment calls a function, and a second chain that reads its end
+/// again and again.
+std::clock_t timeForTwoChains(std::size_t length) {
   TestScene scene;
   AShaderFragment* noise = scene.addFunction(L"noise", L"void noise(float p, out float r)\n{\nr = p;\n}");
   AShaderFragment* caller =
@@ -103,22 +111,26 @@ TEST(Size, RepeatsAShaderFunctionWithoutWalkingTheChainAboveIt) {
   scene.graph->addInput(TypeID_float, L"x");
   noise->setInputConnection(L"p", L"x");
   caller->setInputConnection(L"f", noise, L"r");
-  AShaderFragment* end = addRow(scene, caller, kLength, false);
+  AShaderFragment* end = addRow(scene, caller, length, false);
   // Every fragment of a second chain asks for the end of the first one: each time the shader input is written
   // again.
   const auto add = test::loadFragment(L"add", test::functionJson(kAdd));
   AShaderFragment* last = end;
-  for (std::size_t i = 0; i < kLength; ++i) {
+  for (std::size_t i = 0; i < length; ++i) {
     AShaderFragment* next = scene.add(*add, L"m" + itos(static_cast<long long>(i)));
     next->setInputConnection(std::size_t{0}, last, 0);
     next->setInputConnection(1, end, 0);
     last = next;
   }
   scene.output(L"color", TypeID_float, last);
-  const WorkTime work;
-  const std::string text = test::collapseDefault(scene);
-  EXPECT_LT(work.seconds(), 20.0);
-  EXPECT_EQ(countOf(text, "    state.shaderInput"), kLength + 1);
+  std::string text;
+  const std::clock_t time = TolmSDK::test::processorTime([&] { text = test::collapseDefault(scene); });
+  EXPECT_EQ(countOf(text, "    state.shaderInput"), length + 1);
+  return time;
+}
+
+TEST(Size, RepeatsAShaderFunctionWithoutWalkingTheChainAboveIt) {
+  EXPECT_LT(TolmSDK::test::timeGrowth(1250, timeForTwoChains), TolmSDK::test::kLinearGrowth);
 }
 
 /// Processor time for a function that calls its source so many times, with the same words each time or
@@ -148,6 +160,23 @@ TEST_P(ManyUses, OfAShaderFunctionTakeTimeInProportion) {
 
 INSTANTIATE_TEST_SUITE_P(Size, ManyUses, ::testing::Bool(),
                          [](const auto& parameter) { return parameter.param ? "Equal" : "Different"; });
+
+TEST(Size, WritesPreprocessFragmentsInTimeInProportion) {
+  const double growth = TolmSDK::test::timeGrowth(1000, [](std::size_t count) {
+    TestScene scene;
+    for (std::size_t i = 0; i < count; ++i) {
+      const WString number = itos(static_cast<long long>(i));
+      scene.addPreprocess(L"pre" + number, L"void pre" + number + L"(out float v" + number + L")\n{\nv" +
+                                               number + L" = 0.5;\n}");
+    }
+    scene.output(L"color", TypeID_float, scene.addFunction(L"last", L"void last(out float r)\n{\nr = 1;\n}"));
+    std::string text;
+    const std::clock_t time = TolmSDK::test::processorTime([&] { text = test::collapseDefault(scene); });
+    EXPECT_EQ(countOf(text, " = 0.5;"), count);
+    return time;
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
+}
 
 TEST(Size, RefusesAnExpressionThatDoublesAtEveryLevel) {
   TestScene scene;

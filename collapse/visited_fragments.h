@@ -16,6 +16,11 @@ class FragmentInstance;
 /// Fragments with their instances, as far as those are made.
 class VisitedFragments {
 public:
+  /// Makes room for that many in all.
+  void reserve(std::size_t count) {
+    visited_.reserve(count);
+    index_.reserve(count);
+  }
   /// False when it was visited before.
   bool insert(const IShaderFragment* fragment) {
     if (find(fragment) != kNotFound) return false;

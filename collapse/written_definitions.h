@@ -9,18 +9,22 @@
 
 #include "sfg/fragment_profile_instance.h"
 #include "text/hash_index.h"
+#include "text/text_hash.h"
 #include "text/text_store.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg {
 
-/// Definitions by their profile and by what else their text depends on (the key).
+/// Definitions by their profile, by the language that names the types of state, and by what else their text
+/// depends on (the key).
 class WrittenDefinitions {
 public:
   struct Definition {
     const AShaderFragmentProfile* profile;
+    const ILanguageTraits* language;
     std::wstring_view key;
-    WString rename;  // the name that the function was given instead of its own; empty when it kept that
+    bool isWritten = false;
+    WString rename = {};  // the name that the function was given instead of its own; empty when it kept that
   };
 
   /// An empty text that has the memory of former ones, for keys and names to look for.
@@ -29,29 +33,33 @@ public:
     return soughtText_;
   }
 
-  /// Null when there is none.
-  const Definition* find(const AShaderFragmentProfile* profile, std::wstring_view key) const {
-    const std::size_t known = index_.find(hashOf(profile, key), [&](std::size_t i) {
-      return definitions_[i].profile == profile && definitions_[i].key == key;
+  /// The definition of those, as one to be written when it is new. Valid until the next call.
+  Definition& get(const AShaderFragmentProfile* profile, const ILanguageTraits* language,
+                  std::wstring_view key) {
+    const std::size_t hash = hashOf(profile, key);
+    last_ = index_.find(hash, [&](std::size_t i) {
+      const Definition& known = definitions_[i];
+      return known.profile == profile && known.language == language && known.key == key;
     });
-    return known != kNotFound ? &definitions_[known] : nullptr;
+    if (last_ == kNotFound) {
+      last_ = definitions_.size();
+      definitions_.push_back({profile, language, keys_.add(key)});
+      index_.add(hash, last_);
+    }
+    return definitions_[last_];
   }
-
-  /// Ignored when it is known.
-  void add(const AShaderFragmentProfile* profile, std::wstring_view key, WString rename) {
-    if (find(profile, key) != nullptr) return;
-    definitions_.push_back({profile, keys_.add(key), std::move(rename)});
-    index_.add(hashOf(profile, key), definitions_.size() - 1);
-  }
+  /// The one that get() answered last.
+  Definition& last() { return definitions_[last_]; }
 
 private:
   static std::size_t hashOf(const AShaderFragmentProfile* profile, std::wstring_view key) {
-    return std::hash<const void*>()(profile) * 31 + std::hash<std::wstring_view>()(key);
+    return std::hash<const void*>()(profile) * 31 + hashOfText(key);
   }
 
   Array<Definition> definitions_;
   TextStore keys_;
   HashIndex index_;
+  std::size_t last_ = 0;
   WString soughtText_;
 };
 

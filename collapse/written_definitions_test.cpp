@@ -3,30 +3,38 @@
 #include <gtest/gtest.h>
 
 #include "sfg/shader_fragment_profile_function.h"
+#include "tests/support/test_host.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
 
-TEST(WrittenDefinitions, AreFoundByProfileAndKey) {
+TEST(WrittenDefinitions, AreFoundByProfileLanguageAndKey) {
   const auto one = makeRef<AShaderFragmentProfileFunction>();
   const auto other = makeRef<AShaderFragmentProfileFunction>();
+  const auto language = makeRef<test::TestLanguage>();
+  const auto otherLanguage = makeRef<test::TestLanguage>();
   WrittenDefinitions written;
-  EXPECT_EQ(written.find(one.get(), L"f"), nullptr);
-  written.add(one.get(), L"f", L"f1");
-  written.add(one.get(), L"g", L"");
-  ASSERT_NE(written.find(one.get(), L"f"), nullptr);
-  EXPECT_EQ(written.find(one.get(), L"f")->rename, L"f1");
-  ASSERT_NE(written.find(one.get(), L"g"), nullptr);
-  EXPECT_TRUE(written.find(one.get(), L"g")->rename.empty());
-  EXPECT_EQ(written.find(other.get(), L"f"), nullptr);
+  EXPECT_FALSE(written.get(one.get(), language.get(), L"f").isWritten);
+  written.last().isWritten = true;
+  written.last().rename = L"f1";
+  EXPECT_FALSE(written.get(one.get(), language.get(), L"g").isWritten);
+  written.last().isWritten = true;
+  EXPECT_FALSE(written.get(other.get(), language.get(), L"f").isWritten);
+  EXPECT_FALSE(written.get(one.get(), otherLanguage.get(), L"f").isWritten);
+
+  EXPECT_TRUE(written.get(one.get(), language.get(), L"f").isWritten);
+  EXPECT_EQ(written.last().rename, L"f1");
+  EXPECT_TRUE(written.get(one.get(), language.get(), L"g").isWritten);
+  EXPECT_EQ(written.last().rename, L"");
+  EXPECT_FALSE(written.get(other.get(), language.get(), L"f").isWritten);
+  EXPECT_FALSE(written.get(one.get(), otherLanguage.get(), L"f").isWritten);
 }
 
-TEST(WrittenDefinitions, KeepTheFirstOfEqualOnes) {
+TEST(WrittenDefinitions, AreWrittenWhenThatIsTold) {
   const auto profile = makeRef<AShaderFragmentProfileFunction>();
   WrittenDefinitions written;
-  written.add(profile.get(), L"f", L"first");
-  written.add(profile.get(), L"f", L"second");
-  EXPECT_EQ(written.find(profile.get(), L"f")->rename, L"first");
+  written.get(profile.get(), nullptr, L"f");
+  EXPECT_FALSE(written.get(profile.get(), nullptr, L"f").isWritten);
 }
 
 TEST(WrittenDefinitions, TextForASearchIsEmpty) {

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "sfg/shader_fragment_profile_metasl.h"
+#include "sfg/shader_includes.h"
 #include "text/ascii.h"
 #include "tolmsdk/debug_log.h"
 #include "tolmsdk/exception.h"
@@ -21,13 +22,15 @@ bool isLibraryFile(std::wstring_view path) { return equalsIgnoringCase(GetExtens
 
 WString textOf(const wchar_t* text) { return text == nullptr ? WString() : WString(text); }
 
-/// Reads the library files' fragments and hands each that loads to the library; the others are written to the
-/// debug log, in lines of a fixed form and one more each that says where and why.
+/// Reads the library files' fragments and hands each that loads to the library; the others are told, in lines
+/// of a fixed form and one more each that says where and why.
 class LibraryFileLoader {
 public:
-  LibraryFileLoader(FragmentLibrary& library, const WString& path) : library_(library), path_(path) {}
+  LibraryFileLoader(FragmentLibrary& library, const WString& path, const FragmentLoading& loading)
+      : library_(library), path_(path), loading_(loading) {}
 
   void load() const {
+    if (loading_.onFile) loading_.onFile(path_);
     const RefPtr<IObjectDataNode> document(createJsonNode());
     if (!document->loadFromFile(path_)) return logFile(document->getLoadError());
     if (document->kind() != NodeKind::object) return logFile(L"a fragment library is an object of fragments");
@@ -37,15 +40,18 @@ public:
 
 private:
   void loadFragment(const WString& name, const IObjectDataNode& node, std::size_t index) const {
+    if (loading_.onFragment) loading_.onFragment(path_, name, node);
     const auto fragment = makeRef<AShaderFragment>();
+    ShaderIncludes& includes =
+        loading_.includes != nullptr ? *loading_.includes : ShaderIncludes::Singleton();
     try {
-      if (!fragment->load(&node)) return logFragment(index);
+      if (!fragment->load(&node, includes)) return logFragment(index);
     } catch (const Exception& error) {
       logFragment(index);
-      debugLog(L"Error: %s", error.getMessage());
+      log(L"Error: %s", error.getMessage());
       const TextPosition place = node.position();
-      debugLog(L"%s:%Iu:%Iu: fragment \"%s\": %s%s%s", path_, place.line, place.column, name,
-               fragment->getLoadError(), fragment->getLoadError().empty() ? L"" : L": ", error.getMessage());
+      log(L"%s:%Iu:%Iu: fragment \"%s\": %s%s%s", path_, place.line, place.column, name,
+          fragment->getLoadError(), fragment->getLoadError().empty() ? L"" : L": ", error.getMessage());
       return;
     }
     fragment->key() = name;
@@ -53,15 +59,22 @@ private:
   }
 
   void logFile(std::wstring_view reason) const {
-    debugLog(L"sfgError : Failed to load json file: %s!", path_);
-    debugLog(L"%s: %s", path_, reason);
+    log(L"sfgError : Failed to load json file: %s!", path_);
+    log(L"%s: %s", path_, reason);
   }
   void logFragment(std::size_t index) const {
-    debugLog(L"sfgError : Failed to load fragment %s: %d!", path_, index);
+    log(L"sfgError : Failed to load fragment %s: %d!", path_, index);
+  }
+
+  template <class... Arguments>
+  void log(std::wstring_view format, const Arguments&... arguments) const {
+    if (!loading_.onProblem) return debugLog(format, arguments...);
+    loading_.onProblem(formatted(format, arguments...));
   }
 
   FragmentLibrary& library_;
   const WString& path_;
+  const FragmentLoading& loading_;
 };
 
 void applyOption(std::wstring_view option, AShaderFragment& fragment, AShaderFragmentProfile& profile) {
@@ -80,9 +93,13 @@ FragmentLibrary::FragmentLibrary() = default;
 FragmentLibrary::~FragmentLibrary() = default;
 
 bool FragmentLibrary::loadFragments(const wchar_t* folder) {
+  return loadFragments(folder, FragmentLoading());
+}
+
+bool FragmentLibrary::loadFragments(const wchar_t* folder, const FragmentLoading& loading) {
   if (folder == nullptr) return true;
   for (const WString& path : EnumFiles(folder))
-    if (isLibraryFile(path)) LibraryFileLoader(*this, path).load();
+    if (isLibraryFile(path)) LibraryFileLoader(*this, path, loading).load();
   return true;
 }
 

@@ -9,7 +9,10 @@
 
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile_metasl.h"
+#include "sfg/shader_includes.h"
 #include "tests/support/messages.h"
+#include "tolmsdk/files.h"
+#include "tolmsdk/sha1.h"
 #include "tolmsdk/state_variables.h"
 #include "tolmsdk/unicode.h"
 
@@ -231,6 +234,34 @@ TEST_F(FragmentFromCode, AnswersNothingForResourcesOfAnotherKind) {
   struct Other : ARefObject {};
   library.registerResource(L"other", new Other());
   EXPECT_EQ(library.acquireFragment(L"other"), nullptr);
+}
+
+TEST_F(LibraryFolder, TellsWhatItMeetsAndKeepsToTheIncludeFilesGiven) {
+  add("a.fraglib", R"json({"one": {"language": ["dx11"], "implementation": ["void f()", "{", "}"],
+ "includes": ["own.h"]},
+ "bad": 3})json");
+  add("b.fraglib", "[");
+  add("own.h", "float own;\n");
+  ShaderIncludes includes;
+  includes.addIncludePath(path.wstring().c_str());
+  std::vector<std::wstring> met;
+  FragmentLoading loading;
+  loading.includes = &includes;
+  loading.onFile = [&](const WString& name) { met.push_back(L"file " + std::wstring(GetFilename(name))); };
+  loading.onFragment = [&](const WString& name, const WString& fragment, const IObjectDataNode& object) {
+    met.push_back(std::wstring(GetFilename(name)) + L" " + std::to_wstring(object.position().line) + L" " +
+                  std::wstring(fragment));
+  };
+  loading.onProblem = [&](std::wstring_view line) {
+    met.emplace_back(line.starts_with(path.wstring()) ? std::wstring_view(L"why") : line.substr(0, 33));
+  };
+  EXPECT_TRUE(library.loadFragments(path.wstring().c_str(), loading));
+  EXPECT_EQ(met, (std::vector<std::wstring>{L"file a.fraglib", L"a.fraglib 1 one", L"a.fraglib 3 bad",
+                                            L"sfgError : Failed to load fragmen",
+                                            L"Error: sfgError : \"fragment\" must", L"why", L"file b.fraglib",
+                                            L"sfgError : Failed to load json fi", L"why"}));
+  EXPECT_TRUE(log.lines.empty());
+  EXPECT_EQ(library.acquireFragment(L"one")->getHashString().substr(40), SHA1_GetStringHash(L"float own;\n"));
 }
 
 }  // namespace

@@ -70,7 +70,9 @@ bool AShaderFragmentGraph::setOutputConnection(std::size_t output, IShaderFragme
                                                std::size_t sourceOutput) {
   if (output >= outputs_.size() || source == nullptr) return false;
   if (source->getOwnerGraph() != this || sourceOutput >= source->getNumOutputs()) return false;
+  forgetFinalOutput(outputConnections_[output]);
   outputConnections_[output] = {source, sourceOutput};
+  countFinalOutput(outputConnections_[output]);
   return true;
 }
 
@@ -78,6 +80,19 @@ bool AShaderFragmentGraph::setOutputConnection(const wchar_t* output, IShaderFra
                                                const wchar_t* sourceOutput) {
   if (source == nullptr) return false;
   return setOutputConnection(findOutputIndex(output), source, source->findOutputIndex(sourceOutput));
+}
+
+bool AShaderFragmentGraph::isFinalOutput(const IShaderFragment* fragment, std::size_t output) const {
+  return finalOutputs_.contains({fragment, output});
+}
+
+void AShaderFragmentGraph::countFinalOutput(const ShaderFragmentConnection& connection) {
+  ++finalOutputs_[{connection.fragment, connection.index}];
+}
+
+void AShaderFragmentGraph::forgetFinalOutput(const ShaderFragmentConnection& connection) {
+  const auto found = finalOutputs_.find({connection.fragment, connection.index});
+  if (found != finalOutputs_.end() && --found->second == 0) finalOutputs_.erase(found);
 }
 
 // Members

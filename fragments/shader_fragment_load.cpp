@@ -31,14 +31,16 @@ Array<const IObjectDataNode*> gatherProfiles(const IObjectDataNode& node) {
 
 }  // namespace
 
-bool AShaderFragment::load(const IObjectDataNode* node) {
+bool AShaderFragment::load(const IObjectDataNode* node) { return load(node, ShaderIncludes::Singleton()); }
+
+bool AShaderFragment::load(const IObjectDataNode* node, ShaderIncludes& includes) {
   clear();
   loadError_.clear();
   if (node == nullptr) return false;
   requireKind(NodeKind::object, L"fragment", L"an object", *node);
   loadProfiles(*node);
   loadUniforms(*node);
-  buildHash(*node);
+  buildHash(*node, includes);
   return true;
 }
 
@@ -72,12 +74,12 @@ void AShaderFragment::loadUniforms(const IObjectDataNode& node) {
   }
 }
 
-void AShaderFragment::buildHash(const IObjectDataNode& node) {
+void AShaderFragment::buildHash(const IObjectDataNode& node, ShaderIncludes& includes) {
   WString hash = SHA1_GetStringHash(node.toText());
-  Set<WString> includes;
+  Set<WString> names;
   for (const IShaderFragmentProfile* profile : profiles_->list)
-    includes.insert(profile->includes().begin(), profile->includes().end());
-  hash += ShaderIncludes::Singleton().getIncludesHash(includes);
+    names.insert(profile->includes().begin(), profile->includes().end());
+  hash += includes.getIncludesHash(names);
   hashString_ = std::make_shared<const WString>(std::move(hash));
 }
 

@@ -37,4 +37,28 @@ float sfg_fade(float t)
     return t * t * t * (t * (t * 6.0 - 15.0) + 10.0);
 }
 
+// Texture coordinates on the sides of a box: seen from outside, u to the right and v down, so that no picture is
+// mirrored. On the top and the bottom u runs along x; the top is seen with z downwards, the bottom with z upwards.
+float2 sfg_uvOnX(float3 p, float side)
+{
+    return float2(side < 0.0 ? p.z : -p.z, -p.y);
+}
+
+float2 sfg_uvOnY(float3 p, float side)
+{
+    return float2(p.x, side < 0.0 ? -p.z : p.z);
+}
+
+float2 sfg_uvOnZ(float3 p, float side)
+{
+    return float2(side < 0.0 ? -p.x : p.x, -p.y);
+}
+
+// The side that the normal faces most.
+float2 sfg_uvOnBox(float3 p, float3 n)
+{
+    float3 size = abs(n);
+    return size.x >= max(size.y, size.z) ? sfg_uvOnX(p, n.x) : (size.y >= size.z ? sfg_uvOnY(p, n.y) : sfg_uvOnZ(p, n.z));
+}
+
 #endif

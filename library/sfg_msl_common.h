@@ -2,6 +2,7 @@
 #ifndef SFG_MSL_COMMON_H
 #define SFG_MSL_COMMON_H
 
+#include "sfg_brdf.h"
 #include "sfg_lights.h"
 
 struct Light_iterator
@@ -13,7 +14,7 @@ struct Light_iterator
     float3 msl_contribution;     // light that arrives, shadow included
     float3 msl_raw_contribution; // light that would arrive without shadow
     float3 msl_shadow;           // 1 where nothing blocks the light
-    int msl_count;               // number of samples behind this record
+    int msl_count;               // number of samples behind this record; 0: light from all around
 };
 
 // A light description as a MetaSL light record, for the shading point Pw with the normal Nw.
@@ -31,7 +32,16 @@ Light_iterator sfg_mslFromLight(sfg_Light light, float3 Pw, float3 Nw)
     return record;
 }
 
-// Diffuse and specular weight of one light record (Lambert 1760; Blinn 1977), without colours.
+// The same for light from all around, of which `radiance` arrives about the normal: it stands for a lamp there, but
+// makes no highlight of one.
+Light_iterator sfg_mslFromAround(float3 radiance, float3 Pw, float3 Nw)
+{
+    Light_iterator record = sfg_mslFromLight(sfg_makeLight(Nw, 1000000.0, SFG_PI * radiance), Pw, Nw);
+    record.msl_count = 0;
+    return record;
+}
+
+// Diffuse and specular weight of one light record (Lambert 1760; Blinn 1977, normalised), without colours.
 float sfg_mslDiffuse(Light_iterator record)
 {
     return record.msl_dot_nl * SFG_INV_PI;
@@ -39,8 +49,9 @@ float sfg_mslDiffuse(Light_iterator record)
 
 float sfg_mslSpecular(Light_iterator record, float3 Nw, float3 toEye, float exponent)
 {
-    float3 h = sfg_safeNormalize(toEye - record.msl_direction);
-    return sfg_safePower(saturate(dot(Nw, h)), exponent) * record.msl_dot_nl;
+    float around = sfg_blinnPhongAlbedo(exponent, saturate(dot(Nw, toEye))) * SFG_INV_PI;
+    float lamp = sfg_blinnPhongSpecular(Nw, -record.msl_direction, toEye, exponent) * record.msl_dot_nl;
+    return record.msl_count == 0 ? around : lamp;
 }
 
 #endif

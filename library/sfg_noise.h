@@ -207,8 +207,22 @@ float2 sfg_worley3(float3 p, float jitter, int first, int last)
     return sqrt(nearest);
 }
 
+// The lattices of fractal sums, turned by no simple angle and moved for each octave: their points, where gradient noise
+// is zero, do not fall together, and no plane such as z = 0 runs along them.
+float2 sfg_turned2(float2 p)
+{
+    return float2(0.8 * p.x - 0.6 * p.y, 0.6 * p.x + 0.8 * p.y) + float2(0.37, 0.71);
+}
+
+float3 sfg_turned3(float3 p)
+{
+    float3 turned = float3(dot(p, float3(8.0, 1.0, -4.0)), dot(p, float3(-4.0, 4.0, -7.0)), dot(p, float3(1.0, 8.0, 4.0)));
+    return turned * (1.0 / 9.0) + float3(0.37, 0.71, 0.53);
+}
+
 // Fractal sums: octave i has the frequency lacunarity^i and the weight gain^i; at most 12 octaves.
-// The sum is divided by the sum of the weights, so its range is that of the noise. Musgrave, in Ebert et al. 1994.
+// The sum is divided by the sum of the weights, so that it stays in the range of the noise, most of it near the middle.
+// Musgrave, in Ebert et al. 1994.
 float sfg_fbm2(float2 p, int octaves, float lacunarity, float gain)
 {
     float total = 0.0;
@@ -216,6 +230,7 @@ float sfg_fbm2(float2 p, int octaves, float lacunarity, float gain)
     float weight = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned2(p);
         total += weight * sfg_perlinNoise2(p);
         weights += weight;
         weight *= gain;
@@ -231,6 +246,7 @@ float sfg_fbm3(float3 p, int octaves, float lacunarity, float gain)
     float weight = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned3(p);
         total += weight * sfg_perlinNoise3(p);
         weights += weight;
         weight *= gain;
@@ -247,6 +263,7 @@ float sfg_turbulence3(float3 p, int octaves, float lacunarity, float gain)
     float weight = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned3(p);
         total += weight * abs(sfg_perlinNoise3(p));
         weights += weight;
         weight *= gain;

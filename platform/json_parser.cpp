@@ -2,6 +2,8 @@
 
 #include <rapidjson/reader.h>
 
+#include <cstdlib>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -34,9 +36,30 @@ private:
   Builder& builder_;
 };
 
+/// RapidJSON takes whatever its own allocator answers for memory; this one throws.
+class ThrowingAllocator {
+public:
+  [[maybe_unused]] static constexpr bool kNeedFree = true;
+
+  void* Malloc(std::size_t size) { return size != 0 ? required(std::malloc(size)) : nullptr; }
+  void* Realloc(void* memory, std::size_t, std::size_t size) {
+    if (size != 0) return required(std::realloc(memory, size));
+    Free(memory);
+    return nullptr;
+  }
+  static void Free(void* memory) noexcept { std::free(memory); }
+
+private:
+  static void* required(void* memory) {
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+  }
+};
+
 /// The builder limits the depth of the nesting, and so the parser's recursion.
 bool parse(const std::string& text, Builder& builder) {
-  rapidjson::Reader reader;
+  ThrowingAllocator allocator;
+  rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, ThrowingAllocator> reader(&allocator);
   rapidjson::StringStream input(text.c_str());
   Handler handler(builder);
   return !reader.Parse<rapidjson::kParseNumbersAsStringsFlag>(input, handler).IsError() && builder.end();

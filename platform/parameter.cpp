@@ -1,5 +1,6 @@
 #include "tolmsdk/parameter.h"
 
+#include <mutex>
 #include <utility>
 
 #include "platform/never_destroyed.h"
@@ -101,35 +102,34 @@ bool readConstant(const IObjectDataNode& object) {
   return member->asBool();
 }
 
-const WString& textOrEmpty(const WString* text) noexcept {
-  static const NeverDestroyed<WString> none;
-  return text != nullptr ? *text : none.get();
-}
-
-/// A text that was made stays where it is, since somebody may hold a reference to it.
-void setText(std::unique_ptr<WString>& text, const WString& value) {
-  if (text) {
-    *text = value;
-  } else if (!value.empty()) {
-    text = std::make_unique<WString>(value);
+/// The default value of every type that a parameter was given. Values never move.
+class DefaultValues {
+public:
+  DefaultValues() {
+    values_.emplace(TypeID_nil, AValue());
+    for (const TypeID& type : allTypes()) values_.emplace(type, type);
   }
-}
 
-using SharedValue = std::shared_ptr<const AValue>;
+  const AValue* find(const TypeID& type) const {
+    const auto found = values_.find(type);
+    return found != values_.end() ? &found->second : nullptr;
+  }
+  const AValue* findOrAdd(const TypeID& type) {
+    const std::unique_lock lock(mutex_);
+    return &others_.emplace(type, type).first->second;
+  }
 
-Map<TypeID, AValue> makeDefaultValues() {
-  Map<TypeID, AValue> values;
-  values.emplace(TypeID_nil, AValue());
-  for (const TypeID& type : allTypes()) values.emplace(type, type);
-  return values;
-}
+private:
+  Map<TypeID, AValue> values_;  // of the constants; not changed
+  std::mutex mutex_;
+  Map<TypeID, AValue> others_;
+};
 
-/// One value for all parameters of a type. Nobody owns it, so threads do not meet at a count of its users.
-SharedValue defaultValueOf(const TypeID& type) {
-  static const NeverDestroyed<Map<TypeID, AValue>> values(makeDefaultValues());
-  const auto found = values.get().find(type);
-  if (found == values.get().end()) return std::make_shared<const AValue>(type);
-  return SharedValue(SharedValue(), &found->second);
+/// One value for all parameters of a type, which lasts.
+const AValue* defaultValueOf(const TypeID& type) {
+  static NeverDestroyed<DefaultValues> values;
+  const AValue* found = values.get().find(type);
+  return found != nullptr ? found : values.get().findOrAdd(type);
 }
 
 }  // namespace
@@ -137,29 +137,60 @@ SharedValue defaultValueOf(const TypeID& type) {
 AParameter::AParameter() : AParameter(TypeID_nil, WString()) {}
 
 AParameter::AParameter(const TypeID& type, const WString& name)
-    : name_(name), type_(type), defaultValue_(defaultValueOf(type)) {}
+    : name_(name), typesDefault_(defaultValueOf(type)) {}
 
 AParameter::AParameter(const AParameter& other, WString name)
-    : name_(std::move(name)), semantic_(other.semantic_), type_(other.type_), flags_(other.flags_),
-      defaultValue_(other.defaultValue_) {
-  if (other.structName_) setStructName(*other.structName_);
+    : flags_(other.flags_), name_(std::move(name)), typesDefault_(other.typesDefault_), rest_(other.rest_) {
+  if (rest_ && !rest_->isShared.load(std::memory_order_relaxed))
+    rest_->isShared.store(true, std::memory_order_relaxed);
 }
 
 AParameter::~AParameter() = default;
 
-const WString& AParameter::getLoadError() const noexcept { return textOrEmpty(loadError_.get()); }
+AParameter::Rest::Rest(const Rest& other)
+    : ARefObject(other), semantic(other.semantic), structName(other.structName), loadError(other.loadError),
+      defaultValue(other.defaultValue ? std::make_unique<const AValue>(*other.defaultValue) : nullptr) {}
 
-const WString& AParameter::getStructName() const noexcept { return textOrEmpty(structName_.get()); }
+const AParameter::Rest& AParameter::rest() const noexcept {
+  static const NeverDestroyed<Rest> none;
+  return rest_ ? *rest_ : none.get();
+}
 
-void AParameter::setStructName(const WString& name) { setText(structName_, name); }
+AParameter::Rest& AParameter::makeRestOwn() {
+  if (!rest_) {
+    rest_ = makeRef<Rest>();
+  } else if (rest_->isShared.load(std::memory_order_relaxed)) {
+    rest_ = makeRef<Rest>(*rest_);
+  }
+  return *rest_;
+}
+
+const WString& AParameter::getLoadError() const noexcept { return rest().loadError; }
+
+const WString& AParameter::getStructName() const noexcept { return rest().structName; }
+
+void AParameter::setStructName(const WString& name) {
+  if (name != getStructName()) makeRestOwn().structName = name;
+}
+
+const UString& AParameter::getSemantic() const noexcept { return rest().semantic; }
+
+void AParameter::setSemantic(const UString& semantic) {
+  if (semantic != getSemantic()) makeRestOwn().semantic = semantic;
+}
 
 void AParameter::setType(const TypeID& type) {
-  type_ = type;
-  defaultValue_ = defaultValueOf(type);
+  typesDefault_ = defaultValueOf(type);
+  if (rest().defaultValue) makeRestOwn().defaultValue = nullptr;
+}
+
+const AValue& AParameter::getDefaultValue() const noexcept {
+  const AValue* own = rest().defaultValue.get();
+  return own != nullptr ? *own : *typesDefault_;
 }
 
 void AParameter::setDefaultValue(const AValue& value) {
-  defaultValue_ = std::make_shared<const AValue>(value);
+  makeRestOwn().defaultValue = std::make_unique<const AValue>(value);
 }
 
 bool AParameter::load(const IObjectDataNode* node) try {
@@ -181,15 +212,14 @@ bool AParameter::load(const IObjectDataNode* node) try {
 
   name_ = name;
   setStructName(structName);
-  type_ = type;
-  defaultValue_ =
-      findMember(*node, L"value") == nullptr ? defaultValueOf(type) : std::make_shared<const AValue>(value);
+  setType(type);
+  if (findMember(*node, L"value") != nullptr) setDefaultValue(value);
   flags_ = isConstant ? kConstantFlag : 0;
-  semantic_ = semantic == nullptr ? UString() : UString(*semantic);
-  setText(loadError_, WString());
+  setSemantic(semantic == nullptr ? UString() : UString(*semantic));
+  if (!getLoadError().empty()) makeRestOwn().loadError.clear();
   return true;
 } catch (const LoadFailure& failure) {
-  setText(loadError_, failure.message);
+  makeRestOwn().loadError = failure.message;
   return false;
 }
 

@@ -201,5 +201,43 @@ TEST(OverrideNameParameter, CopiesAllButTheNameAndKeepsTheOriginal) {
   EXPECT_EQ(renamed->getOriginal()->getName(), L"s");
 }
 
+TEST(OverrideNameParameter, ChangesApartFromItsOriginal) {
+  const RefPtr<AParameter> original = makeRef<AParameter>(TypeID_struct, L"s");
+  original->setStructName(L"S");
+  original->setSemantic(UString(L"X"));
+  const RefPtr<OverrideNameParameter> renamed = makeRef<OverrideNameParameter>(*original, L"s_n0");
+  original->setStructName(L"T");
+  renamed->setSemantic(UString(L"Y"));
+  EXPECT_EQ(original->getStructName(), L"T");
+  EXPECT_EQ(original->getSemantic(), UString(L"X"));
+  EXPECT_EQ(renamed->getStructName(), L"S");
+  EXPECT_EQ(renamed->getSemantic(), UString(L"Y"));
+  original->setType(TypeID_float);
+  EXPECT_EQ(renamed->getType(), TypeID_struct);
+}
+
+TEST(OverrideNameParameter, KeepsTheDefaultValueThatItsOriginalGivesUp) {
+  const RefPtr<AParameter> original = load(LR"({"name": "s", "type": "float", "value": 2})");
+  const RefPtr<OverrideNameParameter> renamed = makeRef<OverrideNameParameter>(*original, L"s_n0");
+  original->setDefaultValue(AValue(TypeID_float));
+  EXPECT_EQ(toShaderText(renamed->getDefaultValue()), L"2.0");
+  EXPECT_EQ(toShaderText(original->getDefaultValue()), L"0.0");
+  renamed->setType(TypeID_int);
+  EXPECT_EQ(toShaderText(renamed->getDefaultValue()), L"0");
+}
+
+TEST(Parameter, HasADefaultValueOfATypeThatIsNoneOfTheConstants) {
+  const TypeID unknown(7, 1, 1, 0);
+  const RefPtr<AParameter> parameter = makeRef<AParameter>(unknown, L"a");
+  EXPECT_EQ(parameter->getDefaultValue(), AValue(unknown));
+  parameter->setType(TypeID_float);
+  EXPECT_EQ(parameter->getDefaultValue(), AValue(TypeID_float));
+  parameter->setType(unknown);
+  EXPECT_EQ(parameter->getDefaultValue(), AValue(unknown));
+}
+
+// A collapse makes one for every uniform.
+TEST(OverrideNameParameter, IsSmall) { EXPECT_LE(sizeof(OverrideNameParameter), 9 * sizeof(void*)); }
+
 }  // namespace
 }  // namespace TolmSDK::Graphics

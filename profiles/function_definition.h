@@ -2,16 +2,19 @@
 
 // How the function-like profile modes write a definition.
 
-#include <array>
 #include <cstddef>
+#include <memory>
 #include <string_view>
 
+#include "profiles/kept_code.h"
+#include "profiles/parameter_text.h"
 #include "profiles/shader_temporaries.h"
 #include "sfg/code_snippet.h"
 #include "sfg/fragment_profile_instance.h"
 #include "sfg/keyword_replace.h"
 #include "sfg/shader_collapse_context.h"
 #include "sfg/shader_fragment_profile_base.h"
+#include "tolmsdk/text_parameter_list.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -32,10 +35,15 @@ public:
   /// The same for a body that `expand(CallerText&, start)` may then change, from its start in the text on.
   template <class Expand>
   bool writeExpanded(CodeSnippetInstance& out, Expand&& expand) const {
+    ATextParameterList state;
+    if (!addStateInputs(state, profile_, context_)) return false;
     Text text;
-    if (!writeHead(text)) return false;
-    appendBody(text, KeywordReplacePattern());
+    writeHead(text, state);
+    KeywordReplacer replacer;
+    addRules(replacer, KeywordReplacePattern());
+    appendBody(text, replacer);
     expand(static_cast<CallerText&>(text), bodyBegin(text));
+    clearKeywordRules();
     finish(text);
     AShaderFragmentProfile::constructOwned(out, text.code, instance_.getBuiltinFunctionValueInBody());
     return true;
@@ -51,17 +59,18 @@ private:
     std::size_t body = 0;  // where its opening brace stands
   };
 
-  bool writeHead(Text& text) const;
-  /// Also clears the instance's keyword rules.
-  void appendBody(Text& text, const KeywordReplacePattern& first) const;
+  void writeHead(Text& text, const ATextParameterList& state) const;
+  void addRules(KeywordReplacer& replacer, const KeywordReplacePattern& first) const;
+  void appendBody(Text& text, const KeywordReplacer& replacer) const;
+  /// What the definition depends on beside the profile's own texts.
+  CodeKey makeKey(const ATextParameterList& state, const KeywordReplacer& replacer) const;
+  std::unique_ptr<CodeSnippet> make(const ATextParameterList& state, const KeywordReplacer& replacer,
+                                    bool isKept) const;
+  void clearKeywordRules() const;
   static std::size_t bodyBegin(const Text& text) { return text.body + kOpening.size(); }
   /// Numbers the temporaries of the body and closes it.
   static void finish(Text& text);
-  bool isPlainFunction(const Text& text, const KeywordReplacePattern& first) const;
-  std::array<const KeywordReplacePattern*, 3> instancePatterns() const {
-    return {&instance_.getKeywordReplacePattern(), &instance_.getUniformReplacePattern(),
-            &instance_.getShaderReplacePattern()};
-  }
+  bool isPlainFunction(const Text& text, const KeywordReplacer& replacer) const;
 
   const AShaderFragmentProfile& profile_;
   AShaderCollapseContext& context_;

@@ -67,9 +67,9 @@ TEST(ParameterWriter, LaysParametersOutAsTheListDoes) {
   list.addOutput(L"float", L"r");
   list.addOutput(L"", L"s");
   WString declared;
-  ParameterWriter declaration(declared, L"    ");
+  ParameterWriter declaration(declared, 4);
   WString called;
-  ParameterWriter call(called, L"        ");
+  ParameterWriter call(called, 8);
   for (std::size_t i = 0; i < list.getNumInputs(); ++i) {
     declaration.writeDeclaration(L"", list.getInputType(i), list.getInputName(i));
     call.writeName(list.getInputName(i));

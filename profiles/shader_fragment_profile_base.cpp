@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "profiles/kept_code.h"
 #include "profiles/object_reader.h"
 #include "profiles/shader_temporaries.h"
 #include "sfg/code_formatter.h"
@@ -69,6 +70,7 @@ void AShaderFragmentProfile::clear() {
   predefinesParsed_ = false;
   predefinesLoaded_ = false;
   functionParameters_->clear();
+  forgetKeptCode();
   lod_ = 100.0f;
 }
 
@@ -127,6 +129,7 @@ void AShaderFragmentProfile::loadPredefines(const IObjectDataNode& lines) {
 }
 
 bool AShaderFragmentProfile::setFunctionPrototype(const WString& prototype) {
+  forgetKeptCode();
   constexpr std::wstring_view kResult = L"void ";
   if (!prototype.starts_with(kResult)) throw Exception(L"sfgError : Function result type is not void!");
 
@@ -156,6 +159,7 @@ void AShaderFragmentProfile::setFunctionBody(const WString& body) {
 }
 
 WString& AShaderFragmentProfile::getFunctionBody() {
+  openDefinition();
   hasPlainBody_ = false;
   // A text that built-in calls view stays as it is: the caller gets a copy to write to.
   if (functionBody_.use_count() > 1) functionBody_ = std::make_shared<WString>(*functionBody_);
@@ -165,6 +169,7 @@ WString& AShaderFragmentProfile::getFunctionBody() {
 void AShaderFragmentProfile::replaceBodyText(const WString& body) {
   functionBody_ = std::make_shared<WString>(body);
   hasPlainBody_ = false;
+  forgetKeptCode();
 }
 
 void AShaderFragmentProfile::registerShaderFunctions(const Array<BuiltinFunction>& uses) {
@@ -196,52 +201,79 @@ const KeywordReplacePattern& AShaderFragmentProfile::GetDefaultShaderRepalcePatt
   return *defaultShaderReplacePattern_;
 }
 
-const CodeSnippet& AShaderFragmentProfile::predefineSnippet() const {
-  static const CodeSnippet none;
-  if (predefinesParsed_.load(std::memory_order_acquire)) return *predefineSnippet_;
+const std::shared_ptr<const CodeSnippet>& AShaderFragmentProfile::predefineSnippet() const {
+  static const std::shared_ptr<const CodeSnippet> none;
+  if (predefinesParsed_.load(std::memory_order_acquire)) return predefineSnippet_;
   if (predefines_.empty()) return none;
   const std::lock_guard<std::mutex> lock(lazyMutex_);
-  if (!predefineSnippet_) predefineSnippet_ = std::make_unique<CodeSnippet>();
   // A text without any symbol (blanks only) is parsed once too, unless it was changed since.
-  if (!predefinesParsed_.load(std::memory_order_relaxed) && predefineSnippet_->getCode() != predefines_) {
-    predefineSnippet_->clear();
-    predefineSnippet_->addCode(predefines_);
-    predefineSnippet_->parse();
+  if (!predefinesParsed_.load(std::memory_order_relaxed) &&
+      (!predefineSnippet_ || predefineSnippet_->getCode() != predefines_)) {
+    auto snippet = std::make_shared<CodeSnippet>();
+    snippet->addCode(predefines_);
+    snippet->parse();
+    predefineSnippet_ = std::move(snippet);
     if (predefineSnippet_->getNumSymbols() != 0) predefinesParsed_.store(true, std::memory_order_release);
   }
-  return *predefineSnippet_;
+  return predefineSnippet_;
 }
 
 bool AShaderFragmentProfile::writePredefines(CodeSnippetInstance& out, AShaderCollapseContext&,
                                              FragmentProfileInstance& instance) const {
-  if (predefines_.empty() && predefineSnippet().getNumSymbols() == 0) {
-    if (!instance.hasReplacements())
-      out.construct(&predefineSnippet(), instance.getBuiltinFunctionValueInPredefine(), false);
+  const Array<WString>& values = instance.getBuiltinFunctionValueInPredefine();
+  if (!instance.hasReplacements()) {
+    out.construct(predefineSnippet(), values);
     return true;
   }
-  const KeywordReplacePattern& uniforms = instance.getUniformReplacePattern();
-  const KeywordReplacePattern& shaders = instance.getShaderReplacePattern();
-  if (uniforms.empty() && shaders.empty()) {
-    out.construct(&predefineSnippet(), instance.getBuiltinFunctionValueInPredefine(), false);
-    return true;
-  }
+  if (predefines_.empty()) return true;
 
   KeywordReplacer replacer;
-  replacer.addReplacePattern(uniforms);
-  replacer.addReplacePattern(shaders);
-  CallerText text;
-  appendWithCalls(text, replacer, predefines_, instance);
-  numberTemporaries(text);
-  constructOwned(out, text.code, instance.getBuiltinFunctionValueInPredefine());
+  instance.addReplacements(replacer);
+  CodeKey key;
+  const bool isKept = keepsPredefines() && canKeepCode(replacer, instance);
+  if (isKept) addRules(key, replacer);
+  constructCode(out, *this, isKept ? &key : nullptr, values, [&](bool) {
+    CallerText text;
+    appendWithCalls(text, replacer, predefines_, instance);
+    numberTemporaries(text);
+    return parseCode(text.code);
+  });
   return true;
 }
 
 void AShaderFragmentProfile::constructOwned(CodeSnippetInstance& out, const WString& code,
                                             const Array<WString>& renames) {
-  auto snippet = std::make_unique<CodeSnippet>();
-  snippet->addCode(code);
-  snippet->parse();
-  if (snippet->getNumSymbols() != 0) out.construct(snippet.release(), renames, true);
+  if (std::unique_ptr<CodeSnippet> snippet = parseCode(code)) out.construct(snippet.release(), renames, true);
+}
+
+// What is kept between collapses.
+
+/// The first code is noted without memory of its own: of most profiles it stays the only one.
+std::pair<std::shared_ptr<const CodeSnippet>, bool>
+AShaderFragmentProfile::findKeptCode(const CodeKey& key) const {
+  const std::size_t hash = std::max<std::size_t>(key.hash(), 1);
+  KeptCode* kept = keptCode_.load(std::memory_order_acquire);
+  if (kept == nullptr) {
+    std::size_t first = 0;
+    if (firstKeyHash_.compare_exchange_strong(first, hash, std::memory_order_relaxed)) return {};
+    const std::lock_guard<std::mutex> lock(lazyMutex_);
+    if (!ownedCode_) ownedCode_ = std::make_unique<KeptCode>(first);
+    kept = ownedCode_.get();
+    keptCode_.store(kept, std::memory_order_release);
+  }
+  KeptCode::Answer answer = kept->find(key.text(), hash);
+  return {std::move(answer.snippet), answer.isWanted};
+}
+
+void AShaderFragmentProfile::keepCode(const CodeKey& key,
+                                      const std::shared_ptr<const CodeSnippet>& snippet) const {
+  keptCode_.load(std::memory_order_acquire)->keep(key.text(), std::max<std::size_t>(key.hash(), 1), snippet);
+}
+
+void AShaderFragmentProfile::forgetKeptCode() noexcept {
+  firstKeyHash_.store(0, std::memory_order_relaxed);
+  keptCode_.store(nullptr, std::memory_order_relaxed);
+  ownedCode_.reset();
 }
 
 void AShaderFragmentProfile::debugDump(const wchar_t* indent) const {

@@ -72,7 +72,7 @@ bool AShaderFragmentProfileFunction::writeFunctionCall(WString& out, AShaderColl
   out += L"    ";
   instance.appendFunctionName(out);
   out += L'(';
-  if (!appendArguments(out, L"        ", *this, context, inputValues, outputValues)) return false;
+  if (!appendArguments(out, 8, *this, context, inputValues, outputValues)) return false;
   out += L");\n";
   return true;
 }

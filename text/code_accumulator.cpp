@@ -12,6 +12,7 @@
 #include "text/keyword_rules.h"
 #include "text/scan.h"
 #include "text/symbol_rings.h"
+#include "text/text_hash.h"
 #include "text/text_store.h"
 #include "tolmsdk/exception.h"
 
@@ -21,20 +22,20 @@ namespace {
 
 using PositionalRules = KeywordReplacePattern::PositionalReplacements;
 
-std::size_t combineHash(std::size_t hash, std::wstring_view text) {
-  return hash * 1099511628211u + std::hash<std::wstring_view>()(text);
-}
-
 /// Ends the symbols of a family in the key of a ring; told from other empty texts by its address.
 constexpr const wchar_t* kEndMark = L"";
 constexpr std::wstring_view kEndOfFamily(kEndMark, 0);
 
 bool isEndOfFamily(std::wstring_view text) { return text.data() == kEndMark; }
 
-std::size_t hashOf(const std::wstring_view* text, std::size_t count) {
-  std::size_t hash = 0;
-  for (std::size_t i = 0; i < count; ++i) hash = combineHash(hash, text[i]);
-  return hash;
+/// Mostly the texts of one symbol, so the address tells them apart or not.
+bool areSame(std::wstring_view a, std::wstring_view b) {
+  return a.size() == b.size() && (a.data() == b.data() || a == b);
+}
+
+void appendUnchanged(WString& out, const ScopedText& text) {
+  checkTextLength(out.size() + text.length);
+  appendString(out, text);
 }
 
 /// The key of a symbol that had none of its own when its identity was noted.
@@ -50,7 +51,7 @@ WString keyOfIdentity(std::wstring_view identity) {
 
 }  // namespace
 
-/// What was written, and under which names. All views point into `texts`.
+/// What was written, and under which names. All views point into `texts` or into the snippets kept.
 struct CodeAccumulator::Impl {
   /// A name that a symbol has or was given.
   struct Name {
@@ -67,9 +68,9 @@ struct CodeAccumulator::Impl {
   struct Ring {
     std::size_t hash;
     std::size_t firstText;
-    std::size_t numTexts;
     std::size_t firstName;
-    std::size_t numFamilies;
+    std::uint32_t numTexts;
+    std::uint32_t numFamilies;
   };
 
   /// What a call makes of a family with a name.
@@ -80,6 +81,7 @@ struct CodeAccumulator::Impl {
   };
 
   TextStore texts;
+  Array<std::shared_ptr<const CodeSnippet>> snippets;  // shared ones, whose texts need no copy
   std::deque<WString> wholeNames;
   std::uint64_t counter = 0;
   std::deque<Name> names;
@@ -95,28 +97,35 @@ struct CodeAccumulator::Impl {
   SymbolRings rings;
   Array<Ring> callRings;
   Array<Decision> decisions;
-  Array<bool> isKnown;  // by symbol: an earlier call wrote it
+  Array<bool> isKnown;      // by symbol: an earlier call wrote it
+  Array<Name*> ownNames;    // by family; null for one without a name
+  bool keepsTexts = false;  // the call's snippet is among those kept
   Array<std::wstring_view> key;
   Array<std::uint32_t> keyRules;
   ProtectedSpans knownCalls;
 
   void append(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
               KeywordReplacePattern& renamePattern, std::wstring_view definition);
+  const WString& getRename(const WString& name) const;
   const Name* findName(std::wstring_view text) const;
 
 private:
   void beginCall(const CodeSnippetInstance& code);
   void compareKeys();
   void finishCall();
+  void findOwnNames();
   void decide(std::size_t ring, const CodeSnippetInstance& code, KeywordReplacePattern& renamePattern);
   std::size_t makeKey(std::size_t ring, const CodeSnippetInstance& code,
                       const KeywordReplacePattern& renamePattern);
   const Ring* findWritten(std::size_t hash) const;
-  std::size_t nameAnew(std::size_t ring, std::size_t hash);
+  std::size_t hashOfKey(const std::wstring_view* text, std::size_t numTexts, std::size_t numFamilies) const;
+  std::size_t nameAnew(std::size_t ring, std::size_t hash, const CodeSnippetInstance& code);
+  void keepKey(const CodeSnippetInstance& code, std::size_t numFamilies);
   void useName(std::size_t family, Name& used, KeywordReplacePattern& renamePattern);
   bool isTaken(const Name& name) const { return name.isTaken || name.givenInCall == call; }
-  Name& getName(std::wstring_view text);
-  std::size_t numberOfName(std::wstring_view text, std::size_t hashOfText) const;
+  Name& getName(std::wstring_view text) { return getName(text, hashOfText(text)); }
+  Name& getName(std::wstring_view text, std::size_t hash);
+  std::size_t numberOfName(std::wstring_view text, std::size_t hash) const;
   Name& generateName(std::wstring_view own);
   void write(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
              const KeywordReplacePattern& renamePattern, std::wstring_view definition);
@@ -129,6 +138,7 @@ void CodeAccumulator::Impl::append(WString& out, const CodeSnippetInstance& code
                                    std::wstring_view definition) {
   beginCall(code);
   rings.find(code, renamePattern);
+  findOwnNames();
   for (std::size_t ring = 0; ring < rings.countRings(); ++ring) decide(ring, code, renamePattern);
   write(out, code, pattern, renamePattern, definition);
   finishCall();
@@ -138,6 +148,7 @@ void CodeAccumulator::Impl::beginCall(const CodeSnippetInstance& code) {
   ++call;
   callRings.clear();
   decisions.clear();
+  keepsTexts = false;
   isKnown.assign(code.getNumSymbols(), false);
   for (std::size_t i = 0; i < code.getNumSymbols() && !comparesKeys; ++i)
     if (code.getSymbol(i).hasOwnKey()) compareKeys();
@@ -161,7 +172,8 @@ void CodeAccumulator::Impl::compareKeys() {
       text[at + 1] = {};
       at += 2;
     }
-    written[i].hash = hashOf(text, written[i].numTexts);
+    text = keyTexts.data() + written[i].firstText;
+    written[i].hash = hashOfKey(text, written[i].numTexts, written[i].numFamilies);
     writtenByHash.add(written[i].hash, i);
   }
 }
@@ -169,10 +181,12 @@ void CodeAccumulator::Impl::compareKeys() {
 /// What the call wrote and how it named it is known to later calls only.
 void CodeAccumulator::Impl::finishCall() {
   for (const Ring& ring : callRings) {
-    const auto begin = keyTexts.begin() + static_cast<std::ptrdiff_t>(ring.firstText);
-    key.assign(begin, begin + static_cast<std::ptrdiff_t>(ring.numTexts));
     // Of rings that cannot be told apart the first one stays known.
-    if (findWritten(ring.hash) != nullptr) continue;
+    if (callRings.size() > 1) {
+      const auto begin = keyTexts.begin() + static_cast<std::ptrdiff_t>(ring.firstText);
+      key.assign(begin, begin + static_cast<std::ptrdiff_t>(ring.numTexts));
+      if (findWritten(ring.hash) != nullptr) continue;
+    }
     written.push_back(ring);
     writtenByHash.add(ring.hash, written.size() - 1);
   }
@@ -184,13 +198,21 @@ void CodeAccumulator::Impl::finishCall() {
   }
 }
 
+void CodeAccumulator::Impl::findOwnNames() {
+  ownNames.clear();
+  for (std::size_t i = 0; i < rings.countFamilies(); ++i) {
+    const SymbolFamily family = rings.family(i);
+    ownNames.push_back(family.name.empty() ? nullptr : &getName(family.name, family.nameHash));
+  }
+}
+
 /// Skips a ring that an earlier call wrote, or finds names for it. Hands back the rules that lead to the
 /// names used.
 void CodeAccumulator::Impl::decide(std::size_t ring, const CodeSnippetInstance& code,
                                    KeywordReplacePattern& renamePattern) {
   const std::size_t hash = makeKey(ring, code, renamePattern);
   const Ring* same = findWritten(hash);
-  const std::size_t firstName = same != nullptr ? same->firstName : nameAnew(ring, hash);
+  const std::size_t firstName = same != nullptr ? same->firstName : nameAnew(ring, hash, code);
   for (std::size_t i = 0; i < rings.ring(ring).size(); ++i) {
     const std::size_t number = rings.ring(ring)[i];
     bool hasFunction = false;
@@ -200,7 +222,7 @@ void CodeAccumulator::Impl::decide(std::size_t ring, const CodeSnippetInstance& 
     }
     Name* used = givenNames[firstName + i];
     if (used == nullptr) continue;
-    decisions.push_back({&getName(rings.family(number).name), used, same == nullptr && hasFunction});
+    decisions.push_back({ownNames[number], used, same == nullptr && hasFunction});
     useName(number, *used, renamePattern);
   }
 }
@@ -210,51 +232,88 @@ void CodeAccumulator::Impl::decide(std::size_t ring, const CodeSnippetInstance& 
 std::size_t CodeAccumulator::Impl::makeKey(std::size_t ring, const CodeSnippetInstance& code,
                                            const KeywordReplacePattern& renamePattern) {
   key.clear();
+  std::uint64_t hash = 0;
   for (const std::uint32_t family : rings.ring(ring)) {
     for (const std::uint32_t number : rings.family(family).symbols) {
       const ShaderSymbolInstance& symbol = code.getSymbol(number);
       key.push_back(comparesKeys ? std::wstring_view(symbol.getInstanceKey()) : symbol.getIdentity());
       key.push_back(comparesKeys ? std::wstring_view() : symbol.getRenames());
+      hash = mixHash(hash, comparesKeys ? hashOfText(key[key.size() - 2]) : symbol.getIdentityHash());
+      if (!key.back().empty()) hash = mixHash(hash, hashOfText(key.back()));
     }
     key.push_back(kEndOfFamily);
   }
   rings.collectRules(ring, keyRules);
   for (const std::uint32_t rule : keyRules) {
-    key.push_back(renamePattern.getKeywords()[rule]);
-    key.push_back(renamePattern.getReplacements()[rule]);
+    for (const Array<WString>* side : {&renamePattern.getKeywords(), &renamePattern.getReplacements()}) {
+      key.push_back((*side)[rule]);
+      hash = mixHash(hash, hashOfText(key.back()));
+    }
   }
-  return hashOf(key.data(), key.size());
+  return static_cast<std::size_t>(hash);
+}
+
+/// The same hash of texts that were put together before.
+std::size_t CodeAccumulator::Impl::hashOfKey(const std::wstring_view* text, std::size_t numTexts,
+                                             std::size_t numFamilies) const {
+  std::uint64_t hash = 0;
+  const std::wstring_view* const end = text + numTexts;
+  for (; numFamilies != 0; --numFamilies, ++text) {
+    for (; !isEndOfFamily(*text); text += 2) {
+      hash = mixHash(hash, hashOfText(text[0]));
+      if (!text[1].empty()) hash = mixHash(hash, hashOfText(text[1]));
+    }
+  }
+  for (; text != end; ++text) hash = mixHash(hash, hashOfText(*text));
+  return static_cast<std::size_t>(hash);
 }
 
 /// The ring of that key which an earlier call wrote; null without one.
 const CodeAccumulator::Impl::Ring* CodeAccumulator::Impl::findWritten(std::size_t hash) const {
   // Different rings of one hash are too rare to be met by a test.
   const std::size_t known = writtenByHash.find(hash, [&](std::size_t i) {
-    return written[i].numTexts == key.size() &&  // GCOVR_EXCL_BR_LINE
-           std::equal(key.begin(), key.end(),    // GCOVR_EXCL_BR_LINE
-                      keyTexts.begin() + static_cast<std::ptrdiff_t>(written[i].firstText));
+    return written[i].hash == hash && written[i].numTexts == key.size() &&  // GCOVR_EXCL_BR_LINE
+           std::equal(key.begin(), key.end(),                               // GCOVR_EXCL_BR_LINE
+                      keyTexts.begin() + static_cast<std::ptrdiff_t>(written[i].firstText), areSame);
   });
   return known != kNotFound ? &written[known] : nullptr;
 }
 
 /// Gives every family of the ring its own name, or a new one when that is taken. Answers the first one's
 /// place.
-std::size_t CodeAccumulator::Impl::nameAnew(std::size_t ring, std::size_t hash) {
+std::size_t CodeAccumulator::Impl::nameAnew(std::size_t ring, std::size_t hash,
+                                            const CodeSnippetInstance& code) {
   const std::size_t firstName = givenNames.size();
-  callRings.push_back({hash, keyTexts.size(), key.size(), firstName, rings.ring(ring).size()});
-  for (const std::wstring_view text : key) keyTexts.push_back(isEndOfFamily(text) ? text : texts.add(text));
+  const auto numFamilies = static_cast<std::uint32_t>(rings.ring(ring).size());
+  callRings.push_back(
+      {hash, keyTexts.size(), firstName, static_cast<std::uint32_t>(key.size()), numFamilies});
+  keepKey(code, numFamilies);
   for (const std::uint32_t number : rings.ring(ring)) {
-    const std::wstring_view own = rings.family(number).name;
-    if (own.empty()) {
-      givenNames.push_back(nullptr);
-      continue;
+    Name* name = ownNames[number];
+    if (name != nullptr) {
+      if (isTaken(*name)) name = &generateName(name->text);
+      name->givenInCall = call;
     }
-    Name* name = &getName(own);
-    if (isTaken(*name)) name = &generateName(own);
-    name->givenInCall = call;
     givenNames.push_back(name);
   }
   return firstName;
+}
+
+/// The identities of symbols of a shared snippet are kept with the snippet, all other texts are copied.
+void CodeAccumulator::Impl::keepKey(const CodeSnippetInstance& code, std::size_t numFamilies) {
+  if (!keepsTexts && !comparesKeys && code.getSharedSnippet() != nullptr) {
+    snippets.push_back(code.getSharedSnippet());
+    keepsTexts = true;
+  }
+  std::size_t endedFamilies = 0;
+  bool isIdentity = true;
+  for (const std::wstring_view text : key) {
+    if (endedFamilies == numFamilies) isIdentity = false;
+    const bool stays = isEndOfFamily(text) || (isIdentity && keepsTexts);
+    keyTexts.push_back(stays ? text : texts.add(text));
+    if (isEndOfFamily(text)) ++endedFamilies;
+    isIdentity = isEndOfFamily(text) || !isIdentity;
+  }
 }
 
 /// Hands back the rule that leads from a family's own name to another one.
@@ -262,33 +321,30 @@ void CodeAccumulator::Impl::useName(std::size_t family, Name& used, KeywordRepla
   const std::wstring_view own = rings.family(family).name;
   if (own == used.text) return;
   if (used.whole == nullptr) used.whole = &wholeNames.emplace_back(used.text);
-  const Array<std::uint32_t>& rules = rings.rulesOf(family);
-  const bool isThere = std::any_of(rules.begin(), rules.end(), [&](std::uint32_t rule) {
-    return renamePattern.getReplacements()[rule] == *used.whole;
-  });
+  const bool isThere = rings.anyRuleOf(
+      family, [&](std::uint32_t rule) { return renamePattern.getReplacements()[rule] == *used.whole; });
   if (isThere) return;
-  rings.addRule(family, renamePattern.getKeywords().size());
+  rings.addRule(family);
   renamePattern.addReplacePattern(WString(own), *used.whole);
 }
 
 // Names.
 
-std::size_t CodeAccumulator::Impl::numberOfName(std::wstring_view text, std::size_t hashOfText) const {
-  return namesByText.find(hashOfText, [&](std::size_t i) { return names[i].text == text; });
+std::size_t CodeAccumulator::Impl::numberOfName(std::wstring_view text, std::size_t hash) const {
+  return namesByText.find(hash, [&](std::size_t i) { return names[i].text == text; });
 }
 
 /// Null for a name that was never used.
 const CodeAccumulator::Impl::Name* CodeAccumulator::Impl::findName(std::wstring_view text) const {
-  const std::size_t known = numberOfName(text, std::hash<std::wstring_view>()(text));
+  const std::size_t known = numberOfName(text, hashOfText(text));
   return known != kNotFound ? &names[known] : nullptr;
 }
 
-CodeAccumulator::Impl::Name& CodeAccumulator::Impl::getName(std::wstring_view text) {
-  const std::size_t hashOfText = std::hash<std::wstring_view>()(text);
-  const std::size_t known = numberOfName(text, hashOfText);
+CodeAccumulator::Impl::Name& CodeAccumulator::Impl::getName(std::wstring_view text, std::size_t hash) {
+  const std::size_t known = numberOfName(text, hash);
   if (known != kNotFound) return names[known];
   Name& name = names.emplace_back(Name{.text = texts.add(text)});
-  namesByText.add(hashOfText, names.size() - 1);
+  namesByText.add(hash, names.size() - 1);
   return name;
 }
 
@@ -316,8 +372,7 @@ void CodeAccumulator::Impl::write(WString& out, const CodeSnippetInstance& code,
     const ShaderSymbolInstance& symbol = code.getSymbol(i);
     if (isKnown[i]) continue;
     if (!symbol.hasInstanceKey()) {
-      checkTextLength(out.size() + symbol.getText().length);
-      appendString(out, symbol.getText());
+      appendUnchanged(out, symbol.getText());
       continue;
     }
     knownCalls.clear();
@@ -325,6 +380,10 @@ void CodeAccumulator::Impl::write(WString& out, const CodeSnippetInstance& code,
         symbol.getName().view() == definition)
       findKnownCalls(symbol);
     const PositionalRules& own = symbol.getKeywordReplacePattern().getPositionalReplacements();
+    if (keywords.empty() && own.empty() && !hasPositional) {
+      appendUnchanged(out, symbol.getText());
+      continue;
+    }
     if (!hasPositional) {
       appendReplaced(out, symbol.getText(), keywords, own, knownCalls);
       continue;
@@ -368,17 +427,23 @@ void CodeAccumulator::append(WString& out, const CodeSnippetInstance& code,
   impl_->append(out, code, pattern, renamePattern, {});
 }
 
-void CodeAccumulator::appendDefinition(WString& out, const CodeSnippetInstance& code,
-                                       const KeywordReplacePattern& pattern,
-                                       KeywordReplacePattern& renamePattern, const WString& function) {
+const WString& CodeAccumulator::appendDefinition(WString& out, const CodeSnippetInstance& code,
+                                                 const KeywordReplacePattern& pattern,
+                                                 KeywordReplacePattern& renamePattern,
+                                                 const WString& function) {
   impl_->append(out, code, pattern, renamePattern, function);
+  return impl_->getRename(function);
 }
 
-const WString& CodeAccumulator::getRename(const WString& name) const {
-  const Impl::Name* known = impl_->findName(name);
+/// Mostly it is asked for the one name that the last call decided.
+const WString& CodeAccumulator::Impl::getRename(const WString& name) const {
+  const bool isLast = decisions.size() == 1 && decisions.front().own->text == name;
+  const Name* known = isLast ? decisions.front().own : findName(name);
   const bool isRenamed = known != nullptr && known->lastUsed != nullptr && known->lastUsed != known;
   return isRenamed ? *known->lastUsed->whole : name;
 }
+
+const WString& CodeAccumulator::getRename(const WString& name) const { return impl_->getRename(name); }
 
 void CodeAccumulator::clear() { impl_ = std::make_unique<Impl>(); }
 

@@ -38,6 +38,24 @@ struct Contribution {
   CodeSnippetInstance instance;
 };
 
+/// The same with a shared snippet that was used before, as those that profiles keep.
+struct SharedContribution {
+  explicit SharedContribution(const wchar_t* code, const Renames& renames = {}) {
+    auto snippet = std::make_shared<CodeSnippet>();
+    snippet->addCode(code);
+    EXPECT_TRUE(snippet->parse());
+    instance.construct(std::move(snippet), renames);
+    for (int use = 0; use < 2; ++use) {
+      CodeAccumulator other;
+      KeywordReplacePattern renamePattern;
+      WString out;
+      other.append(out, instance, {}, renamePattern);
+    }
+  }
+  CodeSnippetInstance instance;
+};
+
+/// Whatever is appended by append() is appended to a second accumulator too, which gets shared snippets.
 class CodeAccumulatorTest : public ::testing::Test {
 protected:
   /// What the code adds to the output, with a rename pattern of its own, whose rules are then in `renames`.
@@ -48,20 +66,30 @@ protected:
   }
   WString append(const wchar_t* code, KeywordReplacePattern& renamePattern, const Renames& calls = {}) {
     const std::size_t size = out_.size();
+    const bool areAlike = outOfShared_.size() == size;  // until a test appends by itself
+    KeywordReplacePattern renamesOfShared = renamePattern;
     accumulator_.append(out_, Contribution(code, calls).instance, pattern_, renamePattern);
     renames = rules(renamePattern);
-    return out_.substr(size);
+    const WString added = out_.substr(size);
+    if (areAlike) {
+      shared_.append(outOfShared_, SharedContribution(code, calls).instance, pattern_, renamesOfShared);
+      EXPECT_EQ(outOfShared_.substr(size), added);
+      EXPECT_EQ(rules(renamesOfShared), renames);
+    }
+    return added;
   }
 
   CodeAccumulator accumulator_;
+  CodeAccumulator shared_;
   KeywordReplacePattern pattern_;
   WString out_ = L"before|";
+  WString outOfShared_ = out_;
   Rules renames;
 };
 
 TEST_F(CodeAccumulatorTest, CannotBeCopied) {
-  static_assert(!std::is_copy_constructible_v<CodeAccumulator> &&
-                !std::is_copy_assignable_v<CodeAccumulator>);
+  EXPECT_FALSE(std::is_copy_constructible_v<CodeAccumulator>);
+  EXPECT_FALSE(std::is_copy_assignable_v<CodeAccumulator>);
 }
 
 TEST_F(CodeAccumulatorTest, AnEmptyInstanceAppendsNothing) {
@@ -219,6 +247,7 @@ TEST_F(CodeAccumulatorTest, ClearGoesBackToTheStart) {
     EXPECT_EQ(append(L"half x;\n"), L"half x2;\n");
     EXPECT_EQ(accumulator_.getRename(L"x"), L"x2");
     accumulator_.clear();
+    shared_.clear();
     EXPECT_EQ(accumulator_.getRename(L"x"), L"x");
   }
 }
@@ -562,8 +591,43 @@ TEST_F(CodeAccumulatorTest, RefusesTextPastTheSizeLimit) {
   EXPECT_EQ(append(L"int x;\n"), L"int x;\n") << "what was refused was not written";
 }
 
-TEST_F(CodeAccumulatorTest, ClashingFunctionsTakeTimeInProportionToTheirText) {
-  const double growth = TolmSDK::test::costGrowth(250, [](std::size_t count) {
+TEST_F(CodeAccumulatorTest, AsksASharedSnippetForItsFamiliesOnlyWhenRenamesMakeNoneOfThem) {
+  // The second symbol has no key of its own, so that only renames make it one of a family.
+  const WString code = L"float f() { return 1; }\nf2 sfg_isConnected(a);";
+  auto snippet = std::make_shared<CodeSnippet>();
+  ShaderSymbol keyed;
+  std::size_t pos = 0;
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(keyed, ScopedText(code), pos));
+  snippet->addSymbol(keyed);
+  ShaderSymbol keyless;
+  keyless.setRange(ScopedText(code, pos, code.size()));
+  keyless.setName(ScopedText(code, pos, 2));
+  BuiltinFunction call;
+  call.id = eBuiltinFunctionIsConnected;
+  keyless.setBuiltinFunctions({call});
+  snippet->addSymbol(keyless);
+  CodeSnippetInstance raw;
+  raw.construct(snippet, {});
+  CodeSnippetInstance renamed;
+  renamed.construct(snippet, {L"true"});
+  for (int use = 0; use < 3; ++use) {
+    for (const auto& [instance, expected] :
+         {std::pair(&raw, code.substr(0, 24) + code.substr(pos) + code.substr(pos)),
+          std::pair(&renamed, code.substr(0, 24) + code.substr(pos))}) {
+      CodeAccumulator accumulator;
+      KeywordReplacePattern none;
+      WString out;
+      accumulator.append(out, *instance, {}, none);
+      accumulator.append(out, *instance, {}, none);
+      EXPECT_EQ(out, expected) << use;
+    }
+  }
+}
+
+class ClashingFunctions : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(ClashingFunctions, TakeTimeInProportionToTheirText) {
+  const double growth = TolmSDK::test::costGrowth(GetParam(), [](std::size_t count) {
     WString first;
     WString second;
     for (std::size_t i = 0; i < count; ++i) {
@@ -583,12 +647,22 @@ TEST_F(CodeAccumulatorTest, ClashingFunctionsTakeTimeInProportionToTheirText) {
   EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
+INSTANTIATE_TEST_SUITE_P(Sizes, ClashingFunctions, testing::Values(250, 3000),
+                         testing::PrintToStringParamName());
+
 TEST_F(CodeAccumulatorTest, ManyFunctionsTakeTimeInProportionToTheirText) {
-  for (int i = 0; i < 20000; ++i) {
-    const WString code = L"float helper() { return " + itos(i) + L"; }\nfloat use() { return helper(); }\n";
-    append(code.c_str());
-  }
-  EXPECT_EQ(accumulator_.getRename(L"use"), L"use39998");
+  const double growth = TolmSDK::test::costGrowth(1000, [](std::size_t count) {
+    CodeAccumulator accumulator;
+    WString out;
+    for (std::size_t i = 0; i < count; ++i) {
+      const Contribution code(
+          formatted(L"float helper() { return %Iu; }\nfloat use() { return helper(); }\n", i).c_str());
+      KeywordReplacePattern given;
+      accumulator.append(out, code.instance, {}, given);
+    }
+    EXPECT_EQ(accumulator.getRename(L"use"), formatted(L"use%Iu", 2 * count - 2));
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
 }  // namespace

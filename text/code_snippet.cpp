@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "text/scan.h"
+#include "text/symbol_rings.h"
 
 namespace TolmSDK::Graphics::sfg {
 
@@ -60,7 +61,7 @@ void CodeSnippet::takePlainFunction(WString&& code, std::size_t name, std::size_
 
 void CodeSnippet::addSymbol(ScopedText text) {
   if (text.empty()) return;
-  index_.reset();
+  forgetLookups();
   rawTexts_.push_back(symbols_.size());
   symbols_.emplace_back().setRange(text);
 }
@@ -70,7 +71,7 @@ void CodeSnippet::addSymbol(const ShaderSymbol& symbol) {
 }
 
 void CodeSnippet::takeSymbol(ShaderSymbol&& symbol) {
-  index_.reset();
+  forgetLookups();
   const ShaderSymbol& added = symbols_.emplace_back(std::move(symbol));
   stateVariables_.insert(added.getStateVariables().begin(), added.getStateVariables().end());
   builtinFunctions_.insert(builtinFunctions_.end(), added.getBuiltinFunctions().begin(),
@@ -102,13 +103,32 @@ const CodeSnippet::SymbolIndex& CodeSnippet::symbolIndex() const {
   return *index_;
 }
 
+void CodeSnippet::keepGroups(const SymbolGroups& groups) const {
+  if (!wasGrouped_.exchange(true, std::memory_order_relaxed)) return;
+  // Renames give such a symbol an instance key, and with that a family.
+  for (const ShaderSymbol& symbol : symbols_)
+    if (!symbol.hasKey() && !symbol.getBuiltinFunctions().empty()) return;
+  const std::lock_guard<std::mutex> lock(indexMutex_);
+  // Another thread may have kept them since the caller looked, which no test can time.
+  if (keptGroups_) return;  // GCOVR_EXCL_BR_LINE
+  keptGroups_ = std::make_unique<const SymbolGroups>(groups);
+  groups_.store(keptGroups_.get(), std::memory_order_release);
+}
+
 void CodeSnippet::clear() {
   code_ = std::make_shared<WString>();
   clearParse();
 }
 
-void CodeSnippet::clearParse() {
+/// What was found of the symbols before they change.
+void CodeSnippet::forgetLookups() noexcept {
   index_.reset();
+  groups_.store(nullptr, std::memory_order_relaxed);
+  keptGroups_.reset();
+}
+
+void CodeSnippet::clearParse() {
+  forgetLookups();
   rawTexts_.clear();
   symbols_.clear();
   stateVariables_.clear();
@@ -131,12 +151,23 @@ CodeSnippetInstance::~CodeSnippetInstance() = default;
 void CodeSnippetInstance::construct(const CodeSnippet* snippet, const Array<WString>& renames,
                                     bool ownsSnippet) {
   symbols_.clear();
+  shared_.reset();
   // A snippet that was owned already is not destroyed when it is handed over again.
   if (snippet == owned_.get()) owned_.release();
   owned_.reset(ownsSnippet ? snippet : nullptr);
-  snippet_ = snippet;
-  if (snippet == nullptr) return;
+  constructSymbols(snippet, renames);
+}
 
+void CodeSnippetInstance::construct(std::shared_ptr<const CodeSnippet> snippet,
+                                    const Array<WString>& renames) {
+  symbols_.clear();
+  owned_.reset();
+  shared_ = std::move(snippet);
+  constructSymbols(shared_.get(), renames);
+}
+
+void CodeSnippetInstance::constructSymbols(const CodeSnippet* snippet, const Array<WString>& renames) {
+  if (snippet == nullptr) return;
   symbols_.reserve(snippet->getNumSymbols());
   std::size_t firstRename = 0;
   for (std::size_t i = 0; i < snippet->getNumSymbols(); ++i) {

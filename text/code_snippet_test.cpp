@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -12,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/cost.h"
 #include "text/test_views.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/sha1.h"
@@ -45,9 +45,14 @@ std::vector<std::wstring> calls(const Array<BuiltinFunction>& functions) {
 }
 
 TEST(CodeSnippet, CannotBeCopiedOrMoved) {
-  static_assert(!std::is_copy_constructible_v<CodeSnippet> && !std::is_copy_assignable_v<CodeSnippet>);
-  static_assert(!std::is_copy_constructible_v<CodeSnippetInstance> &&
-                !std::is_copy_assignable_v<CodeSnippetInstance>);
+  EXPECT_FALSE(std::is_copy_constructible_v<CodeSnippet>);
+  EXPECT_FALSE(std::is_copy_assignable_v<CodeSnippet>);
+  EXPECT_FALSE(std::is_move_constructible_v<CodeSnippet>);
+  EXPECT_FALSE(std::is_move_assignable_v<CodeSnippet>);
+  EXPECT_FALSE(std::is_copy_constructible_v<CodeSnippetInstance>);
+  EXPECT_FALSE(std::is_copy_assignable_v<CodeSnippetInstance>);
+  EXPECT_FALSE(std::is_move_constructible_v<CodeSnippetInstance>);
+  EXPECT_FALSE(std::is_move_assignable_v<CodeSnippetInstance>);
 }
 
 TEST(CodeSnippetParse, BlanksAreNoSymbol) {
@@ -275,18 +280,17 @@ TEST(CodeSnippet, FindsSymbolsInManyThreads) {
 }
 
 TEST(CodeSnippet, LooksSymbolsUpInAnIndex) {
-  const auto time = [](int symbols) {
+  const double growth = TolmSDK::test::timeGrowth(1000, [](std::size_t symbols) {
     CodeSnippet snippet;
     WString code;
-    for (int i = 0; i < symbols; ++i) code += formatted(L"float x%d;\n", i);
+    for (std::size_t i = 0; i < symbols; ++i) code += formatted(L"float x%Iu;\n", i);
     snippet.addCode(code);
     EXPECT_TRUE(snippet.parse());
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 20000; ++i) snippet.findSymbol(L"none");
-    return std::chrono::steady_clock::now() - start;
-  };
-  time(100);
-  EXPECT_LT(time(10000), 20 * time(100));
+    return TolmSDK::test::processorTime([&] {
+      for (std::size_t i = 0; i < symbols; ++i) EXPECT_EQ(snippet.findSymbol(L"none"), kNotFound);
+    });
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
 TEST(CodeSnippet, Clears) {
@@ -316,13 +320,17 @@ TEST(CodeSnippet, DumpsKindsAndKeys) {
 }
 
 TEST(CodeSnippetParse, TakesTimeInProportionToTheCode) {
-  CodeSnippet snippet;
-  WString code;
-  for (int i = 0; i < 20000; ++i) code += L"void f() { /* c */ } // d\nfloat x;\n";
-  snippet.addCode(code);
-  ASSERT_TRUE(snippet.parse());
-  // Blanks and a comment behind a body belong to the function.
-  EXPECT_EQ(snippet.getNumSymbols(), 40000u);
+  const double growth = TolmSDK::test::timeGrowth(1000, [](std::size_t count) {
+    CodeSnippet snippet;
+    WString code;
+    for (std::size_t i = 0; i < count; ++i) code += L"void f() { /* c */ } // d\nfloat x;\n";
+    snippet.addCode(code);
+    const std::clock_t time = TolmSDK::test::processorTime([&] { EXPECT_TRUE(snippet.parse()); });
+    // Blanks and a comment behind a body belong to the function.
+    EXPECT_EQ(snippet.getNumSymbols(), 2 * count);
+    return time;
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
 }
 
 WString written(const CodeSnippetInstance& instance) {
@@ -396,6 +404,25 @@ TEST(CodeSnippetInstance, DestroysTheSnippetItOwns) {
     last = secondWitness;
   }
   EXPECT_TRUE(last.expired()) << "destroyed with the instance";
+}
+
+TEST(CodeSnippetInstance, SharesASnippet) {
+  auto snippet = std::make_shared<CodeSnippet>();
+  snippet->addCode(L"float f() { return sfg_isConnected(a); }");
+  ASSERT_TRUE(snippet->parse());
+  const std::weak_ptr<const CodeSnippet> watched = snippet;
+  CodeSnippetInstance instance;
+  instance.construct(std::move(snippet), {L"true"});
+  EXPECT_EQ(instance.getSharedSnippet(), watched.lock());
+  ASSERT_EQ(instance.getNumSymbols(), 1u);
+  EXPECT_EQ(instance.getSymbol(0).getRenames(), L"true");
+
+  const CodeSnippet other;
+  instance.construct(&other, {}, false);
+  EXPECT_EQ(instance.getSharedSnippet(), nullptr);
+  EXPECT_TRUE(watched.expired());
+  instance.construct(std::shared_ptr<const CodeSnippet>(), {});
+  EXPECT_EQ(instance.getNumSymbols(), 0u);
 }
 
 TEST(CodeSnippetInstance, ReleasesTheSnippetToACallerThatTakesItBack) {

@@ -28,6 +28,13 @@ public:
     return kNotFound;
   }
 
+  /// Makes room for that many entries in all.
+  void reserve(std::size_t count) {
+    std::size_t wanted = kSmallest;
+    while (4 * count > 3 * wanted) wanted *= 2;
+    if (wanted > places_.size()) growTo(wanted);
+  }
+
   /// Forgets all entries; a small table keeps its memory.
   void clear() {
     if (used_ == 0) return;
@@ -39,7 +46,7 @@ public:
   /// Does not look whether the entry is there. Called behind the entry's own insertion, so that no number
   /// stays here when that throws. Numbers are below 2^32 - 1.
   void add(std::size_t hash, std::size_t number) {
-    if (4 * (used_ + 1) > 3 * places_.size()) grow();
+    if (4 * (used_ + 1) > 3 * places_.size()) growTo(places_.empty() ? kSmallest : 2 * places_.size());
     put({tagOf(hash), static_cast<std::uint32_t>(number + 1)});
     ++used_;
   }
@@ -67,8 +74,8 @@ private:
     places_[at] = place;
   }
 
-  void grow() {
-    Array<Place> before(places_.empty() ? kSmallest : 2 * places_.size());
+  void growTo(std::size_t places) {
+    Array<Place> before(places);
     before.swap(places_);
     for (const Place& place : before)
       if (place.entry != 0) put(place);

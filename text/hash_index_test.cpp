@@ -66,5 +66,18 @@ TEST(HashIndex, HoldsWhatAMapHolds) {
   }
 }
 
+TEST(HashIndex, FindsWhatWasThereBeforeRoomWasMade) {
+  HashIndex index;
+  const auto find = [&](std::size_t entry) {
+    return index.find(entry * 7, [&](std::size_t number) { return number == entry; });
+  };
+  for (std::size_t i = 0; i < 10; ++i) index.add(i * 7, i);
+  index.reserve(5000);
+  index.reserve(1);
+  for (std::size_t i = 10; i < 5000; ++i) index.add(i * 7, i);
+  for (std::size_t i = 0; i < 5000; ++i) ASSERT_EQ(find(i), i);
+  EXPECT_EQ(find(5000), kNotFound);
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg

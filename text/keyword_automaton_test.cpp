@@ -22,10 +22,10 @@ struct Occurrence {
 std::vector<Occurrence> scanned(const Array<std::wstring_view>& keywords, const ScopedText& text) {
   std::vector<Occurrence> found;
   const KeywordAutomaton automaton(keywords);
-  automaton.scan(text, [&](std::size_t position, KeywordAutomaton::State state) {
-    for (; state != KeywordAutomaton::kStart; state = automaton.shorter(state)) {
-      EXPECT_EQ(automaton.length(state), keywords[automaton.keyword(state)].size());
-      found.push_back({position, automaton.keyword(state)});
+  automaton.scan(text, [&](std::size_t position, KeywordAutomaton::Found keyword) {
+    for (; keyword != KeywordAutomaton::kNothing; keyword = automaton.shorter(keyword)) {
+      EXPECT_EQ(automaton.length(keyword), keywords[automaton.keyword(keyword)].size());
+      found.push_back({position, automaton.keyword(keyword)});
     }
   });
   return found;

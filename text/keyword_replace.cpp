@@ -7,6 +7,7 @@
 
 #include "sfg/size_limit.h"
 #include "text/keyword_rules.h"
+#include "text/text_hash.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg {
@@ -17,6 +18,11 @@ namespace {
 void reserveFor(Array<WString>& texts, std::size_t count) {
   const std::size_t needed = texts.size() + count;
   if (needed > texts.capacity()) texts.reserve(std::max(needed, texts.size() + texts.size() / 2));
+}
+
+void checkPairs(const Array<WString>& keywords, const Array<WString>& replacements) {
+  if (keywords.size() != replacements.size())
+    throw Exception(L"sfgError : keywords and replacements should be the same in number!");
 }
 
 }  // namespace
@@ -30,8 +36,7 @@ void KeywordReplacePattern::addReplacePattern(const WString& keyword, const WStr
 
 void KeywordReplacePattern::addReplacePattern(const Array<WString>& keywords,
                                               const Array<WString>& replacements) {
-  if (keywords.size() != replacements.size())
-    throw Exception(L"sfgError : keywords and replacements should be the same in number!");
+  checkPairs(keywords, replacements);
   // Neither array moves once the first pair is added: they may be those that pairs are taken from.
   const std::size_t count = keywords.size();
   reserveFor(keywords_, count);
@@ -60,7 +65,7 @@ void KeywordReplacePattern::overrideReplacePattern(const WString& keyword, const
     for (std::size_t i = 0; i < keywords_.size(); ++i) override(i);
   } else {
     indexKeywords();
-    const auto [first, last] = byHash_.places->equal_range(std::hash<std::wstring_view>()(sought));
+    const auto [first, last] = byHash_.places->equal_range(hashOfText(sought));
     for (auto place = first; place != last; ++place) override(place->second);
   }
   if (!isKnown) addReplacePattern(sought, replacement);
@@ -70,7 +75,7 @@ void KeywordReplacePattern::overrideReplacePattern(const WString& keyword, const
 void KeywordReplacePattern::indexKeywords() {
   if (!byHash_.places) byHash_.places = std::make_unique<std::unordered_multimap<std::size_t, std::size_t>>();
   for (std::size_t i = byHash_.places->size(); i < keywords_.size(); ++i)
-    byHash_.places->emplace(std::hash<std::wstring_view>()(keywords_[i]), i);
+    byHash_.places->emplace(hashOfText(keywords_[i]), i);
 }
 
 void KeywordReplacePattern::clearReplacePattern() {
@@ -84,13 +89,21 @@ KeywordReplacer::KeywordReplacer() = default;
 KeywordReplacer::~KeywordReplacer() = default;
 
 void KeywordReplacer::addReplacePattern(const KeywordReplacePattern& pattern) {
-  if (!pattern.getKeywords().empty()) {
-    if (!rules_) rules_ = std::make_unique<KeywordRules>();
-    rules_->add(pattern);
-  }
+  addReplacePattern(pattern.getKeywords(), pattern.getReplacements());
   for (const auto& [key, replacement] : pattern.getPositionalReplacements())
     positionalReplacements_[key] = &replacement;
 }
+
+void KeywordReplacer::addReplacePattern(const Array<WString>& keywords, const Array<WString>& replacements) {
+  checkPairs(keywords, replacements);
+  if (keywords.empty()) return;
+  if (!rules_) rules_ = std::make_unique<KeywordRules>();
+  rules_->add(keywords, replacements);
+}
+
+std::size_t KeywordReplacer::countRules() const noexcept { return rules_ ? rules_->count() : 0; }
+const WString& KeywordReplacer::getKeyword(std::size_t rule) const { return rules_->keyword(rule); }
+const WString& KeywordReplacer::getReplacement(std::size_t rule) const { return rules_->replacement(rule); }
 
 void KeywordReplacer::clearReplacePattern() {
   rules_.reset();

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <ctime>
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "sfg/size_limit.h"
@@ -14,6 +14,7 @@
 #include "tests/support/messages.h"
 #include "text/test_views.h"
 #include "tolmsdk/exception.h"
+#include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
@@ -411,20 +412,50 @@ TEST(AppendAndLocate, AnswersNothingWithoutKeywords) {
   EXPECT_EQ(out, L"oldabca!c");
 }
 
-// A search of the whole text for each rule and match would take 50 * 20,000 * 1,000,000 steps.
+// A search of the whole text for each rule and match would take as many steps as the text has characters, for
+// each of them.
 TEST(AppendAndReplace, LooksAKeywordUpOnlyWhenItWasPassed) {
   KeywordReplacePattern p;
   for (int i = 0; i < 50; ++i) p.addReplacePattern(L"absent" + itos(i), WString(L"?"));
   p.addReplacePattern(WString(L"u_value"), WString(L"v"));
-  WString text;
-  std::wstring expected;
-  while (text.size() < 1000000) {
-    text += L"float4 a = b * u_value + absence; // some 50 characters\n";
-    expected += L"float4 a = b * v + absence; // some 50 characters\n";
+  const double growth = TolmSDK::test::timeGrowth(1000, [&](std::size_t lines) {
+    WString text;
+    std::wstring expected;
+    for (std::size_t i = 0; i < lines; ++i) {
+      text += L"float4 a = b * u_value + absence; // some 50 characters\n";
+      expected += L"float4 a = b * v + absence; // some 50 characters\n";
+    }
+    return TolmSDK::test::processorTime([&] { EXPECT_EQ(replaced({p}, ScopedText(text)), expected); });
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
+}
+
+/// A keyword of equal characters over a text of them that is so much shorter or longer, in percent.
+class PeriodicKeyword : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(PeriodicKeyword, TakesTimeInProportionToItsLength) {
+  const double growth = TolmSDK::test::costGrowth(10000, [](std::size_t length) {
+    KeywordReplacePattern p;
+    p.addReplacePattern(WString(length - 1, L'a') + L"b", L"found");
+    p.addReplacePattern(WString(length, L'a'), L"found");
+    const WString text(length * GetParam() / 100, L'a');
+    EXPECT_EQ(replaced({p}, ScopedText(text)), GetParam() < 100 ? std::wstring(text.size(), L'a') : L"found");
+  });
+  EXPECT_LT(growth, TolmSDK::test::kLinearGrowth);
+}
+
+INSTANTIATE_TEST_SUITE_P(Percent, PeriodicKeyword, testing::Values(99, 100),
+                         testing::PrintToStringParamName());
+
+TEST(AppendAndReplace, FindsNoKeywordThatIsLongerThanTheTextUpToItsNul) {
+  const KeywordReplacePattern p = pattern({{L"abc", L"!"}, {L"abcd", L"?"}});
+  for (const auto& [text, behind, expected] :
+       {std::tuple(L"ab", L"", L"ab"), std::tuple(L"ab", L"c", L"!"), std::tuple(L"xab", L"cd", L"x?"),
+        std::tuple(L"abd", L"c", L"abd")}) {
+    const LiveText live(text, behind);
+    EXPECT_EQ(replaced({p}, live.view()), expected) << toUtf8(text) << toUtf8(behind);
   }
-  const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(replaced({p}, ScopedText(text)), expected);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  EXPECT_EQ(replaced({p}, std::wstring_view(L"ab\0c", 4)), std::wstring(L"ab\0c", 4));
 }
 
 }  // namespace

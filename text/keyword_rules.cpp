@@ -4,14 +4,15 @@
 
 namespace TolmSDK::Graphics::sfg {
 
-void KeywordRules::add(const KeywordReplacePattern& pattern) {
-  if (pattern.getKeywords().empty()) return;
-  for (const WString& keyword : pattern.getKeywords()) {
+void KeywordRules::add(const Array<WString>& keywords, const Array<WString>& replacements) {
+  if (keywords.empty()) return;
+  for (const WString& keyword : keywords) {
     keywords_.push_back(&keyword);
     totalLength_ += keyword.size();
     longest_ = std::max(longest_, keyword.size());
+    shortest_ = std::min(shortest_, keyword.size());
   }
-  for (const WString& replacement : pattern.getReplacements()) replacements_.push_back(&replacement);
+  for (const WString& replacement : replacements) replacements_.push_back(&replacement);
   automaton_.reset();
   searched_ = 0;
 }
@@ -19,10 +20,12 @@ void KeywordRules::add(const KeywordReplacePattern& pattern) {
 /// Few short keywords are searched one by one. Many are too, until that has cost as much as an automaton.
 const KeywordAutomaton* KeywordRules::automatonFor(std::size_t textLength) const {
   constexpr std::size_t kLong = KeywordAutomaton::kLong;
-  constexpr std::size_t kCostOfState = 32;
+  // In steps of a search, which has a price of its own however short the text.
+  constexpr std::size_t kCostOfState = 64;
+  constexpr std::size_t kCostOfSearch = 200;
   if (automaton_) return automaton_.get();
   if (keywords_.size() <= KeywordAutomaton::kFew && longest_ <= kLong) return nullptr;
-  searched_ += keywords_.size() * textLength;
+  searched_ += keywords_.size() * (textLength + kCostOfSearch);
   if (searched_ <= kCostOfState * totalLength_ && longest_ <= kLong) return nullptr;
   Array<std::wstring_view> keywords;
   keywords.reserve(keywords_.size());
@@ -31,10 +34,21 @@ const KeywordAutomaton* KeywordRules::automatonFor(std::size_t textLength) const
   return automaton_.get();
 }
 
+/// An occurrence that starts in the text may end behind it, up to the NUL there.
+bool KeywordRules::mayOccurIn(const ScopedText& text) const {
+  std::size_t length = text.length;
+  if (keywords_.empty()) return false;
+  if (shortest_ <= length) return true;
+  length = scan::lengthBeforeNul(text);
+  if (length < text.length) return false;
+  while (length < shortest_ && text.text[length] != L'\0') ++length;
+  return length == shortest_;
+}
+
 KeywordMatches::KeywordMatches(const KeywordRules& rules, const ScopedText& text, const ProtectedSpans& spans)
-    : rules_(rules), text_(text), spans_(spans),
-      automaton_(rules.empty() ? nullptr : rules.automatonFor(text.length)) {
-  if (rules.empty()) return;
+    : rules_(rules), text_(text), spans_(spans) {
+  if (!rules.mayOccurIn(text)) return;
+  automaton_ = rules.automatonFor(text.length);
   if (automaton_ != nullptr) {
     collect(*automaton_);
     return;
@@ -63,12 +77,12 @@ std::size_t KeywordMatches::findOccurrence(std::size_t rule, std::size_t from) c
 }
 
 void KeywordMatches::collect(const KeywordAutomaton& automaton) {
-  automaton.scan(text_, [&](std::size_t position, KeywordAutomaton::State state) {
-    while (state != KeywordAutomaton::kStart && !spans_.empty() &&
-           spans_.touch(position, automaton.length(state)))
-      state = automaton.shorter(state);
-    if (state != KeywordAutomaton::kStart)
-      matches_.push_back({position, automaton.keyword(state), automaton.length(state)});
+  automaton.scan(text_, [&](std::size_t position, KeywordAutomaton::Found found) {
+    while (found != KeywordAutomaton::kNothing && !spans_.empty() &&
+           spans_.touch(position, automaton.length(found)))
+      found = automaton.shorter(found);
+    if (found != KeywordAutomaton::kNothing)
+      matches_.push_back({position, automaton.keyword(found), automaton.length(found)});
   });
 }
 

@@ -35,16 +35,22 @@ private:
   Array<KeywordPosKey> spans_;
 };
 
-/// Points to the keywords and replacements of patterns, which stay alive and as they are.
+/// Points to keywords and replacements, which stay alive and as they are.
 class KeywordRules {
 public:
-  void add(const KeywordReplacePattern& pattern);
+  void add(const KeywordReplacePattern& pattern) { add(pattern.getKeywords(), pattern.getReplacements()); }
+  /// As many of one as of the other.
+  void add(const Array<WString>& keywords, const Array<WString>& replacements);
   bool empty() const noexcept { return keywords_.empty(); }
+  std::size_t count() const noexcept { return keywords_.size(); }
+  const WString& keyword(std::size_t rule) const { return *keywords_[rule]; }
   const WString& replacement(std::size_t rule) const { return *replacements_[rule]; }
 
 private:
   friend class KeywordMatches;
 
+  /// False when every keyword is longer than the text and what may be read behind it.
+  bool mayOccurIn(const ScopedText& text) const;
   /// The automaton when it pays for a text of that length, else null.
   const KeywordAutomaton* automatonFor(std::size_t textLength) const;
 
@@ -52,6 +58,7 @@ private:
   Array<const WString*> replacements_;
   std::size_t totalLength_ = 0;
   std::size_t longest_ = 0;
+  std::size_t shortest_ = kNotFound;
   mutable std::size_t searched_ = 0;  // characters that were searched for keywords one by one
   mutable std::unique_ptr<const KeywordAutomaton> automaton_;
 };
@@ -81,7 +88,7 @@ private:
   const KeywordRules& rules_;
   const ScopedText& text_;
   const ProtectedSpans& spans_;
-  const KeywordAutomaton* automaton_;
+  const KeywordAutomaton* automaton_ = nullptr;
   std::size_t limit_ = 0;
   // Without an automaton: the next match of each rule that still has one. Few rules live on the stack.
   std::array<Match, KeywordAutomaton::kFew> few_;

@@ -8,6 +8,7 @@
 
 #include "text/builtin_names.h"
 #include "text/scan.h"
+#include "text/text_hash.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/sha1.h"
 #include "tolmsdk/state_variables.h"
@@ -245,12 +246,20 @@ void ShaderSymbol::constructPlainFunction(ScopedText returnType, ScopedText name
   keyedText_ = range_;
   signatureLength_ = scan::buildRange(returnType, parameters).length;
   bodyLength_ = body.length;
-  key_.pending.store(true, std::memory_order_relaxed);
+  key_.setPending(true);
+}
+
+std::size_t ShaderSymbol::getIdentityHash() const noexcept {
+  std::size_t hash = key_.identityHash.load(std::memory_order_relaxed);
+  if (hash != 0) return hash;
+  hash = std::max<std::size_t>(hashOfText(getIdentity()), 1);
+  key_.identityHash.store(hash, std::memory_order_relaxed);
+  return hash;
 }
 
 void ShaderSymbol::setKey(const WString& key) {
   key_.text = key;
-  key_.pending.store(false, std::memory_order_relaxed);
+  key_.setPending(false);
   hasOwnKey_ = true;
   keyedText_ = ScopedText();
 }

@@ -10,10 +10,12 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/cost.h"
 #include "text/test_views.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/sha1.h"
 #include "tolmsdk/state_variables.h"
+#include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg {
 namespace {
@@ -238,12 +240,17 @@ TEST(FindFirstSymbol, MovesTheStartOfAView) {
 TEST(FindFirstSymbol, TakesTimeInProportionToTheText) {
   for (const wchar_t* part :
        {L"a ", L"{", L"<", L"a<", L"(", L"/*", L"#", L"//\n", L"uniform ", L"struct ", L"a[", L"="}) {
-    WString text = L"float x ";
-    for (int i = 0; i < 300000; ++i) text += part;
-    std::size_t pos = 0;
-    ShaderSymbol symbol;
-    ShaderSymbol::findFirstSymbol(symbol, text, pos);
-    EXPECT_GT(pos, 0u);
+    const double growth = TolmSDK::test::timeGrowth(10000, [&](std::size_t count) {
+      WString text = L"float x ";
+      for (std::size_t i = 0; i < count; ++i) text += part;
+      std::size_t pos = 0;
+      ShaderSymbol symbol;
+      const std::clock_t time =
+          TolmSDK::test::processorTime([&] { ShaderSymbol::findFirstSymbol(symbol, text, pos); });
+      EXPECT_GT(pos, 0u);
+      return time;
+    });
+    EXPECT_LT(growth, TolmSDK::test::kLinearGrowth) << toUtf8(part);
   }
 }
 
@@ -722,6 +729,27 @@ TEST(ParseKeywords, TakesTheTextOfItsOwnCall) {
 }
 
 static_assert(std::has_virtual_destructor_v<ShaderSymbol>);
+
+TEST(ShaderSymbolIdentity, HasAHashThatFollowsIt) {
+  const WString code = L"void f() {}\n";
+  const WString other = L"void g() {}\n";
+  ShaderSymbol first;
+  ShaderSymbol second;
+  std::size_t pos = 0;
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(first, ScopedText(code), pos));
+  const std::size_t hash = first.getIdentityHash();
+  EXPECT_NE(hash, 0u);
+  pos = 0;
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(second, ScopedText(code), pos));
+  EXPECT_EQ(second.getIdentityHash(), hash);
+  first.setKey(L"key");
+  EXPECT_NE(first.getIdentityHash(), hash);
+  pos = 0;
+  ASSERT_TRUE(ShaderSymbol::findFirstSymbol(first, ScopedText(other), pos));
+  EXPECT_NE(first.getIdentityHash(), hash);
+  first = std::move(second);
+  EXPECT_EQ(first.getIdentityHash(), hash);
+}
 
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg

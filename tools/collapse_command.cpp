@@ -1,8 +1,6 @@
-#include "host/collapse_json.h"
-#include "host/output_file.h"
-#include "tolmsdk/unicode.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/output_file.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -33,7 +31,7 @@ public:
   explicit CollapseCommand(CLI::App& parent)
       : Command(
             *parent.add_subcommand("collapse", "Collapse a graph of fragments into one shader function")) {
-    declareCollapseOptions(app(), settings_);
+    declareJobOptions(app(), options_);
     declareChoice<Format>(
         app(), "--format", {{"shader", Format::shader}, {"json", Format::json}}, format_,
         "`shader`: a complete shader; `json`: the generated function and what it needs, nothing assembled");
@@ -44,29 +42,30 @@ public:
     app().footer(kExample);
   }
 
-  int run(host::Diagnostics& diagnostics) override {
+  int run(Diagnostics& diagnostics) override {
     checkDepfile(depfile_, output_);
-    host::CollapseJob job(settings_);
+    host::Job job = makeJob(options_, diagnostics);
     switch (collapse(job, format_ == Format::shader, diagnostics)) {
     case Outcome::thrown: return kRefused;
     case Outcome::null:
-      if (format_ == Format::json) host::writeOutput(output_, host::writeCollapseJson(nullptr));
+      if (format_ == Format::json) writeOutput(output_, job.resultJson());
       return kRefused;
     case Outcome::done: break;
     }
     if (format_ == Format::json) {
-      host::writeOutput(output_, host::writeCollapseJson(job.result()));
+      writeOutput(output_, job.resultJson());
     } else {
-      const std::optional<host::AssembledShader> assembled = assemble(job, stage_, names_, diagnostics);
-      if (!assembled) return kRefused;
-      host::writeOutput(output_, toUtf8(assembled->shader.getCompleteShader()));
+      const std::optional<host::Shader> shader =
+          assemble(job, options_.graphFile, stage_, names_, diagnostics);
+      if (!shader) return kRefused;
+      writeOutput(output_, shader->text);
     }
     writeDepfile(depfile_, output_, job);
     return kDone;
   }
 
 private:
-  host::CollapseSettings settings_;
+  JobOptions options_;
   Format format_ = Format::shader;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
   host::NameStyle names_ = host::NameStyle::generated;

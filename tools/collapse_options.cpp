@@ -1,13 +1,10 @@
 #include "tools/collapse_options.h"
 
-#include "host/called_expressions.h"
-#include "host/depfile.h"
-#include "host/input_error.h"
-#include "host/output_file.h"
-#include "host/refusal_place.h"
-#include "host/warnings.h"
-#include "tolmsdk/exception.h"
-#include "tolmsdk/unicode.h"
+#include "sfg/host/errors.h"
+#include "tools/depfile.h"
+#include "tools/output_file.h"
+
+#include "sfg/host/errors.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -26,55 +23,68 @@ std::string checkFinite(const std::string& text) {
   return finite ? std::string() : "`" + text + "` is not a finite number";
 }
 
-void reportRefusal(const host::CollapseJob& job, std::wstring_view message, host::Diagnostics& diagnostics) {
-  const host::RefusalPlace place = host::findRefusalPlace(job, message);
-  diagnostics.note(place.place, place.text);
+std::vector<std::filesystem::path> pathsOf(const std::vector<std::string>& folders) {
+  return {folders.begin(), folders.end()};
 }
 
 }  // namespace
 
-void declareLibraryOptions(CLI::App& app, host::CollapseSettings& settings) {
+void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
   declareFolders(
-      app, "-L,--library", settings.libraryFolders,
+      app, "-L,--library", options.libraryFolders,
       "load the fragment libraries (*.fraglib) of a folder; a later folder overrides an earlier one");
-  declareFolders(app, "-I,--include", settings.includeFolders,
-                 "register the include files (*.h) of a folder");
-  app.add_option("--language", settings.language, "language to generate")
+  declareFolders(app, "-I,--include", options.includeFolders, "register the include files (*.h) of a folder");
+  app.add_option("--language", options.language, "language to generate")
       ->type_name("NAME")
       ->capture_default_str();
 }
 
-void declareCollapseOptions(CLI::App& app, host::CollapseSettings& settings) {
-  app.add_option("GRAPH", settings.graphFile, "graph document (JSON) to collapse")
+std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
+                                                      Diagnostics& diagnostics) {
+  auto libraries = host::LibrarySet::load({pathsOf(options.libraryFolders), pathsOf(options.includeFolders)},
+                                          options.language);
+  diagnostics.show(libraries->problems());
+  return libraries;
+}
+
+void declareJobOptions(CLI::App& app, JobOptions& options) {
+  app.add_option("GRAPH", options.graphFile, "graph document (JSON) to collapse")
       ->type_name("FILE")
       ->required();
-  declareLibraryOptions(app, settings);
+  declareLibraryOptions(app, options.libraries);
   declareChoice<host::CollapseTool>(
       app, "--tool",
       {{"default", host::CollapseTool::standard}, {"lightloop", host::CollapseTool::lightLoop}},
-      settings.tool,
+      options.collapse.tool,
       "`default`: one function of the graph's inputs and outputs; `lightloop`: a lit surface, accumulated "
       "over the "
       "lights of the environment");
-  app.add_option("--environment", settings.environmentFile,
+  app.add_option("--environment", options.environmentFile,
                  "environment document (JSON): lights, output fragment")
       ->type_name("FILE");
-  app.add_option("--surface-lod", settings.surfaceLod, "level of detail of surface fragments")
+  app.add_option("--surface-lod", options.collapse.surfaceLod, "level of detail of surface fragments")
       ->type_name("X")
       ->check(checkFinite)
       ->capture_default_str();
-  app.add_option("--light-lod", settings.lightLod, "level of detail of light fragments")
+  app.add_option("--light-lod", options.collapse.lightLod, "level of detail of light fragments")
       ->type_name("X")
       ->check(checkFinite)
       ->capture_default_str();
-  app.add_option("--function-name", settings.functionName,
+  app.add_option("--function-name", options.collapse.functionName,
                  "name of the generated function (the light loop's is always `AccumulatedLitSurface`)")
       ->type_name("N")
       ->default_str("CollapsedFunction");
-  app.add_option("--profile-name", settings.profileName,
+  app.add_option("--profile-name", options.collapse.profileName,
                  "profile name of the result (the light loop's is `default`)")
       ->type_name("N")
       ->default_str("default");
+}
+
+host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics) {
+  std::optional<host::Document> environment;
+  if (!options.environmentFile.empty()) environment = host::Document::fromFile(options.environmentFile);
+  return host::Job(loadLibraries(options.libraries, diagnostics), host::Document::fromFile(options.graphFile),
+                   options.collapse, environment);
 }
 
 void declareStageOption(CLI::App& app, host::ShaderStage& stage) {
@@ -112,44 +122,34 @@ void checkDepfile(const DepfileOptions& options, const std::string& output) {
   }
 }
 
-void writeDepfile(const DepfileOptions& options, const std::string& output, const host::CollapseJob& job) {
+void writeDepfile(const DepfileOptions& options, const std::string& output, const host::Job& job) {
   if (!options.wanted && options.file.empty()) return;
-  host::writeOutput(options.file.empty() ? output + ".d" : options.file, host::writeDepfile(job, output));
+  writeOutput(options.file.empty() ? output + ".d" : options.file, writeDepfile(output, job.files()));
 }
 
-Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics& diagnostics) {
+Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) {
   try {
-    job.run();
-  } catch (const host::CalledExpressionError& refusal) {
-    for (const host::CalledExpression& wire : refusal.wires()) diagnostics.error(wire.place, wire.text);
-    return Outcome::thrown;
-  } catch (const Exception& refusal) {
-    diagnostics.plain(toUtf8(refusal.getMessage()));
-    reportRefusal(job, refusal.getMessage(), diagnostics);
-    return Outcome::thrown;
+    job.collapse();
+  } catch (const host::CollapseError& refusal) {
+    diagnostics.show(refusal.diagnostics());
+    return refusal.reason() == host::CollapseError::Reason::noResult ? Outcome::null : Outcome::thrown;
   }
-  if (job.result() != nullptr) {
-    for (const host::Warning& warning : host::findWarnings(job, completeShader)) {
-      diagnostics.warning(warning.place, warning.text);
-    }
-    return Outcome::done;
-  }
-  diagnostics.error(std::string(), "the graph cannot be collapsed: an output cannot be evaluated");
-  reportRefusal(job, std::wstring_view(), diagnostics);
-  return Outcome::null;
+  diagnostics.show(job.warnings(completeShader));
+  return Outcome::done;
 }
 
-std::optional<host::AssembledShader> assemble(const host::CollapseJob& job, host::ShaderStage stage,
-                                              host::NameStyle names, host::Diagnostics& diagnostics) {
+std::optional<host::Shader> assemble(const host::Job& job, const std::string& graphFile,
+                                     host::ShaderStage stage, host::NameStyle names,
+                                     Diagnostics& diagnostics) {
   try {
-    host::AssembledShader assembled = host::assembleShader(job, stage, names);
-    for (const WString& name : assembled.missingIncludes) {
-      diagnostics.warning(std::string(), "the include file `" + toUtf8(name) +
-                                             "` is in no include folder, or empty (see -I)");
+    host::Shader shader = job.assemble(stage, names);
+    for (const std::string& name : shader.missingIncludes) {
+      diagnostics.warning(std::string(),
+                          "the include file `" + name + "` is in no include folder, or empty (see -I)");
     }
-    return assembled;
+    return shader;
   } catch (const host::AssemblyError& error) {
-    diagnostics.error(job.document().file(), error.what());
+    diagnostics.error(graphFile, error.what());
     return std::nullopt;
   }
 }

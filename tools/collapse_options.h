@@ -4,14 +4,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "host/collapse_job.h"
-#include "host/diagnostics.h"
-#include "host/shader_assembly.h"
+#include "sfg/host/job.h"
+#include "tools/diagnostics.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -40,10 +40,30 @@ void declareChoice(CLI::App& app, const std::string& names,
       ->default_str(standard);
 }
 
+/// Which libraries a command works on. Paths and names are UTF-8.
+struct LibraryOptions {
+  std::vector<std::string> libraryFolders;
+  std::vector<std::string> includeFolders;
+  std::string language = "dx11";
+};
 /// -L, -I and --language.
-void declareLibraryOptions(CLI::App& app, host::CollapseSettings& settings);
+void declareLibraryOptions(CLI::App& app, LibraryOptions& options);
+/// The libraries, whose problems are written. Throws InputError.
+std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
+                                                      Diagnostics& diagnostics);
+
+/// What to collapse, and how; an empty path is one not given.
+struct JobOptions {
+  std::string graphFile;
+  LibraryOptions libraries;
+  std::string environmentFile;
+  host::CollapseOptions collapse;
+};
 /// GRAPH and everything that decides how it is collapsed.
-void declareCollapseOptions(CLI::App& app, host::CollapseSettings& settings);
+void declareJobOptions(CLI::App& app, JobOptions& options);
+/// The job, with everything read. Throws InputError.
+host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics);
+
 /// --stage.
 void declareStageOption(CLI::App& app, host::ShaderStage& stage);
 /// --names; what it holds is the default.
@@ -61,7 +81,7 @@ void declareDepfileOptions(CLI::App& app, DepfileOptions& options);
 /// Throws InputError when a dependency file is wanted for a result that is in no file.
 void checkDepfile(const DepfileOptions& options, const std::string& output);
 /// Writes the dependency file, if one is wanted.
-void writeDepfile(const DepfileOptions& options, const std::string& output, const host::CollapseJob& job);
+void writeDepfile(const DepfileOptions& options, const std::string& output, const host::Job& job);
 
 /// How a collapse ended: with a result, with the answer null, or with an exception of the generator or about
 /// the graph's wires.
@@ -69,10 +89,11 @@ enum class Outcome { done, null, thrown };
 
 /// Collapses. A refusal is written: the generator's message as it stands, and the place in the documents in a
 /// line of its own; or one line for each wire that cannot be followed.
-Outcome collapse(host::CollapseJob& job, bool completeShader, host::Diagnostics& diagnostics);
+Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics);
 
 /// The complete shader of a job that is done; nothing when it cannot be one, which is then written.
-std::optional<host::AssembledShader> assemble(const host::CollapseJob& job, host::ShaderStage stage,
-                                              host::NameStyle names, host::Diagnostics& diagnostics);
+std::optional<host::Shader> assemble(const host::Job& job, const std::string& graphFile,
+                                     host::ShaderStage stage, host::NameStyle names,
+                                     Diagnostics& diagnostics);
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/diagnostics.h"
+#include "tools/diagnostics.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -22,7 +22,7 @@ class Command {
 public:
   virtual ~Command() = default;
   /// Runs with the options parsed; answers the exit status. May throw host::InputError.
-  virtual int run(host::Diagnostics& diagnostics) = 0;
+  virtual int run(Diagnostics& diagnostics) = 0;
   /// The parser that declares this command.
   CLI::App& app() const noexcept { return app_; }
 

@@ -1,10 +1,8 @@
-#include "host/output_file.h"
-#include "host/shader_compiler.h"
-#include "tolmsdk/unicode.h"
+#include "sfg/host/compile.h"
+#include "sfg/host/reflect.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
-#include "tools/compile_report.h"
-#include "tools/source_files.h"
+#include "tools/output_file.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -27,7 +25,7 @@ class CompileCommand : public Command {
 public:
   explicit CompileCommand(CLI::App& parent)
       : Command(*parent.add_subcommand("compile", "Compile a graph of fragments for a graphics API")) {
-    declareCollapseOptions(app(), settings_);
+    declareJobOptions(app(), options_);
     declareChoice<host::ShaderTarget>(
         app(), "--target",
         {{"spirv", host::ShaderTarget::spirv},
@@ -48,19 +46,18 @@ public:
     app().footer(kNotes);
   }
 
-  int run(host::Diagnostics& diagnostics) override {
+  int run(Diagnostics& diagnostics) override {
     checkDepfile(depfile_, output_);
-    host::CollapseJob job(settings_);
+    host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::AssembledShader> assembled = assemble(job, stage_, names_, diagnostics);
-    if (!assembled) return kRefused;
+    const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, names_, diagnostics);
+    if (!shader) return kRefused;
     try {
-      const std::vector<std::uint32_t> spirv =
-          host::compileToSpirv(toUtf8(assembled->shader.getCompleteShader()), assembled->entryPoint, stage_);
-      host::writeOutput(output_, host::translate(spirv, stage_, target_));
-      if (!reflection_.empty()) writeReflection(job, *assembled, spirv);
+      const std::vector<std::uint32_t> spirv = host::compileToSpirv(*shader);
+      writeOutput(output_, host::translateSpirv(spirv, stage_, target_));
+      if (!reflection_.empty()) writeReflection(job, spirv);
     } catch (const host::CompileError& error) {
-      reportCompileError(job, *assembled, error, diagnostics);
+      diagnostics.show(job.explain(*shader, error));
       return kRefused;
     }
     writeDepfile(depfile_, output_, job);
@@ -68,14 +65,13 @@ public:
   }
 
 private:
-  void writeReflection(const host::CollapseJob& job, const host::AssembledShader& assembled,
-                       const std::vector<std::uint32_t>& spirv) const {
-    host::ShaderInterface shader = host::reflectShader(assembled, target_);
+  void writeReflection(const host::Job& job, const std::vector<std::uint32_t>& spirv) const {
+    host::ShaderInterface shader = host::interfaceFor(job.reflect(stage_, names_), target_);
     host::markUsed(shader, spirv);
-    host::writeOutput(reflection_, host::writeInterfaceJson(shader, sourceFiles(job, shader.includes)));
+    writeOutput(reflection_, host::writeInterfaceJson(shader));
   }
 
-  host::CollapseSettings settings_;
+  JobOptions options_;
   host::ShaderTarget target_ = host::ShaderTarget::spirv;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
   host::NameStyle names_ = host::NameStyle::readable;

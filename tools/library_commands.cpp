@@ -4,12 +4,11 @@
 #include <iostream>
 #include <sstream>
 
-#include "host/fragment_files.h"
-#include "host/output_file.h"
 #include "sfg/shader_fragment.h"
 #include "tolmsdk/unicode.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/output_file.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -19,26 +18,21 @@ class ListCommand : public Command {
 public:
   explicit ListCommand(CLI::App& parent)
       : Command(*parent.add_subcommand("list", "List the fragments of libraries: name, place, description")) {
-    declareLibraryOptions(app(), settings_);
+    declareLibraryOptions(app(), options_);
     app()
         .add_option("WORD", word_, "only fragments whose name or description holds this text")
         ->type_name("TEXT");
     app().footer("Example:\n\n  sfg list -L library noise\n");
   }
 
-  int run(host::Diagnostics&) override {
-    const host::LoadedLibraries libraries(settings_.libraryFolders, settings_.includeFolders,
-                                          settings_.language);
-    const host::FragmentFiles files(settings_.libraryFolders);
+  int run(Diagnostics& diagnostics) override {
     std::vector<std::array<std::string, 3>> rows;
-    for (const auto& [name, entry] : files.entries()) {
-      // What did not load is no fragment; the log has said why.
-      if (libraries.language().findFragment(name) == nullptr) continue;
-      const std::string text = toUtf8(name) + " " + toUtf8(entry.description);
-      if (text.find(word_) != text.npos)
-        rows.push_back({toUtf8(name), entry.place(), toUtf8(entry.description)});
+    for (const host::FragmentInfo& fragment : loadLibraries(options_, diagnostics)->fragments()) {
+      const std::string text = fragment.name + " " + fragment.description;
+      if (text.find(word_) == text.npos) continue;
+      rows.push_back({fragment.name, fragment.place(), fragment.description});
     }
-    host::writeOutput(std::string(), table(rows));
+    writeOutput(std::string(), table(rows));
     return kDone;
   }
 
@@ -57,7 +51,7 @@ private:
     return text;
   }
 
-  host::CollapseSettings settings_;
+  LibraryOptions options_;
   std::string word_;
 };
 
@@ -66,21 +60,20 @@ public:
   explicit DumpCommand(CLI::App& parent)
       : Command(*parent.add_subcommand("dump",
                                        "Describe fragments: uniforms, ports and the code of every profile")) {
-    declareLibraryOptions(app(), settings_);
+    declareLibraryOptions(app(), options_);
     app().add_option("FRAGMENT", names_, "name of a fragment")->type_name("NAME")->required();
     app().footer("Example:\n\n  sfg dump -L library mixFloat3\n");
   }
 
-  int run(host::Diagnostics& diagnostics) override {
-    const host::LoadedLibraries libraries(settings_.libraryFolders, settings_.includeFolders,
-                                          settings_.language);
+  int run(Diagnostics& diagnostics) override {
+    const auto libraries = loadLibraries(options_, diagnostics);
     // The description is wide text on the standard output stream.
     if (std::setlocale(LC_CTYPE, "C.UTF-8") == nullptr) std::setlocale(LC_CTYPE, "");
     int status = kDone;
     for (const std::string& name : names_) {
-      const IShaderFragment* const fragment = libraries.language().findFragment(fromUtf8(name));
+      const IShaderFragment* const fragment = libraries->language().findFragment(fromUtf8(name));
       if (fragment != nullptr) {
-        host::cloneWithPorts(*fragment, WString(), libraries.language())->debugDump();
+        dump(*fragment, libraries->language());
       } else {
         diagnostics.error(std::string(), "unknown fragment `" + name + "`");
         status = kWrongUsage;
@@ -90,7 +83,15 @@ public:
   }
 
 private:
-  host::CollapseSettings settings_;
+  /// With the ports that a node of it has.
+  static void dump(const IShaderFragment& fragment, const ILanguageTraits& language) {
+    const RefPtr<IShaderFragment> clone(fragment.clone(WString()));
+    if (auto* const ours = dynamic_cast<AShaderFragment*>(clone.get()))
+      ours->generateAutoInputsOutputs(&language);
+    clone->debugDump();
+  }
+
+  LibraryOptions options_;
   std::vector<std::string> names_;
 };
 

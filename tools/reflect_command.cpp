@@ -1,12 +1,7 @@
-#include "host/input_error.h"
-#include "host/output_file.h"
-#include "host/shader/buffer_packing.h"
-#include "host/shader_compiler.h"
-#include "tolmsdk/unicode.h"
+#include "sfg/host/reflect.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
-#include "tools/compile_report.h"
-#include "tools/source_files.h"
+#include "tools/output_file.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -36,7 +31,7 @@ public:
   explicit ReflectCommand(CLI::App& parent)
       : Command(*parent.add_subcommand(
             "reflect", "Tell what a shader takes and gives, and where, for the host that feeds it")) {
-    declareCollapseOptions(app(), settings_);
+    declareJobOptions(app(), options_);
     declareChoice<std::optional<host::ShaderTarget>>(app(), "--target",
                                                      {{"spirv", host::ShaderTarget::spirv},
                                                       {"hlsl", host::ShaderTarget::hlsl},
@@ -69,20 +64,19 @@ public:
     app().footer(kNotes);
   }
 
-  int run(host::Diagnostics& diagnostics) override {
-    host::CollapseJob job(settings_);
+  int run(Diagnostics& diagnostics) override {
+    host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::AssembledShader> assembled = assemble(job, stage_, names_, diagnostics);
-    if (!assembled) return kRefused;
+    const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, names_, diagnostics);
+    if (!shader) return kRefused;
     try {
       if (!packed_.empty()) {
-        host::writeOutput(packed_, pack(assembled->reflection));
-        return kDone;
+        writeOutput(packed_, pack(job.reflect(stage_, names_)));
+      } else {
+        writeOutput(output_, host::writeInterfaceJson(reflect(job, *shader)));
       }
-      const host::ShaderInterface shader = reflect(*assembled);
-      host::writeOutput(output_, host::writeInterfaceJson(shader, sourceFiles(job, shader.includes)));
     } catch (const host::CompileError& error) {
-      reportCompileError(job, *assembled, error, diagnostics);
+      diagnostics.show(job.explain(*shader, error));
       return kRefused;
     } catch (const host::PackError& error) {
       throw host::InputError(error.what());
@@ -95,29 +89,19 @@ private:
   std::string pack(const host::ShaderInterface& shader) const {
     std::vector<host::ValueSetting> settings;
     for (const std::string& text : settingTexts_) settings.push_back(host::parseSetting(text));
-    const std::vector<std::uint8_t> bytes = host::packBuffer(findBuffer(shader), settings);
+    const std::vector<std::uint8_t> bytes = host::packBuffer(host::findBuffer(shader, bufferName_), settings);
     return {bytes.begin(), bytes.end()};
   }
 
-  const host::InterfaceBuffer& findBuffer(const host::ShaderInterface& shader) const {
-    std::vector<std::string> names;
-    for (const host::InterfaceBuffer& buffer : shader.buffers) {
-      if (buffer.name == bufferName_) return buffer;
-      names.push_back(buffer.name);
-    }
-    throw host::PackError("the shader has no buffer `" + bufferName_ + "`" +
-                          host::knownNamesHint(bufferName_, names));
+  host::ShaderInterface reflect(const host::Job& job, const host::Shader& shader) const {
+    host::ShaderInterface assembled = job.reflect(stage_, names_);
+    if (!target_) return assembled;
+    host::ShaderInterface compiled = host::interfaceFor(assembled, *target_);
+    host::markUsed(compiled, host::compileToSpirv(shader));
+    return compiled;
   }
 
-  host::ShaderInterface reflect(const host::AssembledShader& assembled) const {
-    host::ShaderInterface shader = host::reflectShader(assembled, target_);
-    if (!target_) return shader;
-    host::markUsed(shader, host::compileToSpirv(toUtf8(assembled.shader.getCompleteShader()),
-                                                assembled.entryPoint, stage_));
-    return shader;
-  }
-
-  host::CollapseSettings settings_;
+  JobOptions options_;
   std::optional<host::ShaderTarget> target_ = host::ShaderTarget::spirv;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
   host::NameStyle names_ = host::NameStyle::readable;

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <iostream>
 
-#include "host/host_version.h"
-#include "host/input_error.h"
+#include "sfg/host/errors.h"
 #include "tools/command.h"
+#include "tools/version_line.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ std::vector<std::string> spelledForParser(int argc, char** argv) {
 }
 
 /// Help and version leave through the parser's exceptions, too.
-int answerParseError(const CLI::App& app, const CLI::ParseError& error, host::Diagnostics& diagnostics) {
+int answerParseError(const CLI::App& app, const CLI::ParseError& error, tools::Diagnostics& diagnostics) {
   if (error.get_exit_code() == 0) return app.exit(error, std::cout, std::cerr);
   diagnostics.error(std::string(), asDiagnostic(error.what()));
   diagnostics.plain("try `sfg --help`, or `sfg COMMAND --help`");
@@ -42,7 +42,7 @@ int answerParseError(const CLI::App& app, const CLI::ParseError& error, host::Di
 }
 
 int runChosen(const std::vector<std::unique_ptr<tools::Command>>& commands,
-              host::Diagnostics& diagnostics) try {
+              tools::Diagnostics& diagnostics) try {
   for (const auto& command : commands) {
     if (command->app().parsed()) return command->run(diagnostics);
   }
@@ -62,11 +62,11 @@ int runChosen(const std::vector<std::unique_ptr<tools::Command>>& commands,
 
 int main(int argc, char** argv) {
   CLI::App app("Collapses graphs of shader fragments into one shader function.", "sfg");
-  app.set_version_flag("--version", host::versionLine());
+  app.set_version_flag("--version", tools::versionLine());
   app.footer(kExample);
   app.require_subcommand(0, 1);
   const auto commands = tools::makeCommands(app);
-  host::Diagnostics diagnostics = host::Diagnostics::standard();
+  tools::Diagnostics diagnostics = tools::Diagnostics::standard();
   try {
     // The parser takes them from the end.
     std::vector<std::string> arguments = spelledForParser(argc, argv);

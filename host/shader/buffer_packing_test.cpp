@@ -1,8 +1,8 @@
-#include "host/shader/buffer_packing.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
+
+#include "sfg/host/reflect.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
@@ -112,10 +112,6 @@ TEST(BufferPacking, NamesWhatIsKnown) {
   EXPECT_EQ(refusal({{"nothing like it", {1}}}),
             "no value is called `nothing like it`; known are `shade.tint`, `shade.on`, "
             "`shade.count`, `shade.mask`, `shade.turn`, `shade.list`, `shade.lamp.power`");
-  EXPECT_EQ(knownNamesHint("x", {}), "; none are known");
-  EXPECT_EQ(knownNamesHint("x", std::vector<std::string>(14, "long name")),
-            "; known are `long name`, `long name`, `long name`, `long name`, `long name`, `long name`, `long "
-            "name`, `long name`, `long name`, `long name`, `long name`, `long name` and 2 more");
 }
 
 TEST(BufferPacking, RefusesANameOfTwoValues) {

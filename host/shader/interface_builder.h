@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/shader/shader_interface.h"
 #include "host/shader/shader_plan.h"
+#include "sfg/host/reflect.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 

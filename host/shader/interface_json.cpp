@@ -3,7 +3,9 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "host/shader/shader_interface.h"
+#include "host/shader/interface_hash.h"
+#include "host/shader/shader_stage.h"
+#include "host/shader/shader_target.h"
 #include "tolmsdk/sha1.h"
 #include "tolmsdk/unicode.h"
 
@@ -138,9 +140,9 @@ Json interfaceJson(const ShaderInterface& shader) {
 
 }  // namespace
 
-std::string writeInterfaceJson(const ShaderInterface& shader, const std::vector<std::string>& files) {
+std::string writeInterfaceJson(const ShaderInterface& shader) {
   Json json = interfaceJson(shader);
-  json["files"] = files;
+  json["files"] = shader.files;
   json["hash"] = shader.hash;
   // Paths need not be text.
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

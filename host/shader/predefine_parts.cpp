@@ -1,6 +1,6 @@
 #include "host/shader/predefine_parts.h"
 
-#include "host/identifiers.h"
+#include "host/shader/identifiers.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/identifiers.h"
+#include "host/shader/identifiers.h"
 #include "host/shader/reserved_words.h"
 #include "tolmsdk/exception.h"
 

@@ -9,12 +9,6 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// How a complete shader names its uniforms.
-enum class NameStyle {
-  generated,  ///< as the collapse did: "mortarn2"
-  readable,   ///< after node and input: "bricks_mortar"
-};
-
 /// A uniform to be named.
 struct NamedUniform {
   WString name;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/document_reader.h"
-#include "host/identifiers.h"
+#include "host/documents/document_reader.h"
+#include "host/shader/identifiers.h"
 #include "sfg/shader_includes.h"
 #include "sfg/state_variable_manager.h"
 #include "tolmsdk/exception.h"
@@ -99,7 +99,7 @@ private:
     for (const IncludedText& include : plan_.includes) included.merge(identifiersOf(include.text));
     const ITextParameterList& list = *plan_.parameters.list;
     for (std::size_t i = 0; i < list.getNumInputs(); ++i) taken.insert(list.getInputName(i));
-    for (const GraphInput& input : plan_.graphInputs) taken.insert(input.port.name);
+    for (const UsedInput& input : plan_.graphInputs) taken.insert(input.port.name);
     for (const Port& output : plan_.outputs) taken.insert(output.name);
     taken.insert(plan_.functionName);
 
@@ -143,14 +143,14 @@ private:
     for (std::size_t i = 0; i < job_.document().getNumInputs(); ++i) {
       const AParameter& input = *job_.document().getInput(i);
       if (plan_.inputsAreVariables && !used.contains(std::wstring_view(input.getName()))) continue;
-      plan_.graphInputs.push_back(graphInput(portOf(input)));
+      plan_.graphInputs.push_back(usedInput(portOf(input)));
     }
   }
 
-  static GraphInput graphInput(const Port& port) {
-    if (isSamplerType(port.type)) return {port, GraphInput::Way::texture, L"sfg_texture_" + port.name};
-    if (!canVary(port.type)) return {port, GraphInput::Way::buffer, L"sfg_input_" + port.name};
-    return {port, GraphInput::Way::varying, WString()};
+  static UsedInput usedInput(const Port& port) {
+    if (isSamplerType(port.type)) return {port, UsedInput::Way::texture, L"sfg_texture_" + port.name};
+    if (!canVary(port.type)) return {port, UsedInput::Way::buffer, L"sfg_input_" + port.name};
+    return {port, UsedInput::Way::varying, WString()};
   }
 
   Port portOf(const AParameter& parameter) const {
@@ -221,8 +221,8 @@ private:
       if (varying.contains(info.name)) addVarying(info.type, info.name.str(), semanticOf(info.name), true);
     }
     std::size_t number = 0;
-    for (const GraphInput& input : plan_.graphInputs) {
-      if (input.way != GraphInput::Way::varying) continue;
+    for (const UsedInput& input : plan_.graphInputs) {
+      if (input.way != UsedInput::Way::varying) continue;
       WString semantic = L"GRAPHINPUT";
       appendDecimal(semantic, number++);
       addVarying(input.port.type, input.port.name, semantic, false);
@@ -258,12 +258,12 @@ private:
 
   void findIncludes() {
     Set<WString> names = profile_.includes();
-    for (const GraphInput& input : plan_.graphInputs) {
-      if (input.way == GraphInput::Way::texture) names.insert(kSamplerInclude);
+    for (const UsedInput& input : plan_.graphInputs) {
+      if (input.way == UsedInput::Way::texture) names.insert(kSamplerInclude);
     }
     Array<WString> flat;
     Set<WString> done;
-    const ShaderIncludes& registry = ShaderIncludes::Singleton();
+    const ShaderIncludes& registry = job_.libraries().includes();
     registry.createFlatIncludeArray(flat, done, names);
     for (const WString& name : flat) {
       const WString& text = registry.getIncludeContent(name.c_str());
@@ -278,7 +278,7 @@ private:
       const AParameter& parameter = *uniform.parameter;
       if (parameter.getType() == TypeID_struct) plan_.uniformStructures.push_back(parameter.getStructName());
     }
-    for (const GraphInput& input : plan_.graphInputs) {
+    for (const UsedInput& input : plan_.graphInputs) {
       if (input.port.type == TypeID_nil) plan_.uniformStructures.push_back(input.port.typeText);
     }
   }
@@ -300,8 +300,8 @@ private:
     }
     addBuffers(L"sfg_StateUniforms", members);
     members.clear();
-    for (const GraphInput& input : plan_.graphInputs) {
-      if (input.way != GraphInput::Way::buffer) continue;
+    for (const UsedInput& input : plan_.graphInputs) {
+      if (input.way != UsedInput::Way::buffer) continue;
       const Port port{input.port.type, input.port.typeText, input.variable};
       members.push_back({port, graphInputOrigin(input), AValue()});
     }
@@ -320,8 +320,8 @@ private:
       const TypeID& type = uniform.parameter->getType();
       if (isSamplerType(type)) addTexture(type, uniform.name, uniform.origin);
     }
-    for (const GraphInput& input : plan_.graphInputs) {
-      if (input.way == GraphInput::Way::texture)
+    for (const UsedInput& input : plan_.graphInputs) {
+      if (input.way == UsedInput::Way::texture)
         addTexture(input.port.type, input.variable, graphInputOrigin(input));
     }
   }
@@ -330,7 +330,7 @@ private:
     plan_.textures.push_back({type, name, L"sampler_" + name, plan_.textures.size(), origin});
   }
 
-  static ValueOrigin graphInputOrigin(const GraphInput& input) {
+  static ValueOrigin graphInputOrigin(const UsedInput& input) {
     return {Kind::graphInput, WString(), WString(), input.port.name};
   }
 
@@ -345,7 +345,7 @@ private:
   const LanguageDx11& language_;
   const IShaderFragment& result_;
   const IShaderFragmentProfile& profile_;
-  const OriginFinder origins_;
+  const ValueOrigins origins_;
   Set<UString> usedVariables_;  ///< those of the function, and those that fill its state
   std::vector<Uniform> uniforms_;
   std::size_t nextLocation_ = 0;

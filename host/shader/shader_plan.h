@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "host/collapse_job.h"
+#include "host/job/collapse_job.h"
 #include "host/shader/buffer_layout.h"
 #include "host/shader/predefine_parts.h"
 #include "host/shader/readable_names.h"
@@ -22,7 +22,7 @@ struct Varying {
 };
 
 /// A graph input that the function reads, and how it enters the shader.
-struct GraphInput {
+struct UsedInput {
   enum class Way { varying, buffer, texture };
   Port port;
   Way way = Way::varying;
@@ -78,7 +78,7 @@ struct ShaderPlan {
   std::vector<ConstantBuffer> buffers;
   std::vector<TexturePair> textures;
   std::vector<Varying> varyings;
-  std::vector<GraphInput> graphInputs;
+  std::vector<UsedInput> graphInputs;
   bool inputsAreVariables = false;  ///< graph inputs are variables around the function, not its parameters
   FunctionParameters parameters;
   std::vector<CustomVariable> customVariables;

@@ -146,7 +146,7 @@ private:
     if (!plan_.inputsAreVariables || plan_.graphInputs.empty()) return;
     out_.section(Kind::declarations);
     out_.write(L"\n");
-    for (const GraphInput& input : plan_.graphInputs) {
+    for (const UsedInput& input : plan_.graphInputs) {
       out_.writef(L"static %s %s;\n", input.port.typeText, input.port.name);
     }
   }
@@ -192,17 +192,17 @@ private:
 
   void writeInputValues() {
     if (!plan_.inputsAreVariables) return;
-    for (const GraphInput& input : plan_.graphInputs) {
+    for (const UsedInput& input : plan_.graphInputs) {
       out_.writef(L"    %s = %s;\n", input.port.name, inputValue(input));
     }
   }
 
-  WString inputValue(const GraphInput& input) const {
+  WString inputValue(const UsedInput& input) const {
     switch (input.way) {
-    case GraphInput::Way::texture:
+    case UsedInput::Way::texture:
       return formatted(L"%s(%s, sampler_%s)", samplerMaker(input.port.type), input.variable, input.variable);
-    case GraphInput::Way::buffer: return input.variable;
-    case GraphInput::Way::varying: break;
+    case UsedInput::Way::buffer: return input.variable;
+    case UsedInput::Way::varying: break;
     }
     return entry_->varyingValue({input.port.type, input.port.name, WString()});
   }
@@ -223,7 +223,7 @@ private:
   Array<WString> arguments() const {
     Array<WString> values;
     if (!plan_.inputsAreVariables) {
-      for (const GraphInput& input : plan_.graphInputs) values.push_back(inputValue(input));
+      for (const UsedInput& input : plan_.graphInputs) values.push_back(inputValue(input));
     }
     const ITextParameterList& list = *plan_.parameters.list;
     for (std::size_t i = plan_.parameters.firstState; i < list.getNumInputs(); ++i) {

@@ -1,9 +1,10 @@
 #pragma once
 
-namespace TolmSDK::Graphics::sfg::host {
+// What a shader can be compiled to, and how compilers number its parts there.
 
-/// What a shader is compiled to.
-enum class ShaderTarget { hlsl, spirv, glsl, essl, msl };
+#include "sfg/host/compile.h"
+
+namespace TolmSDK::Graphics::sfg::host {
 
 /// "hlsl", "spirv", "glsl", "essl", "msl": as options name them.
 constexpr const char* targetName(ShaderTarget target) noexcept {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/identifiers.h"
+#include "host/shader/identifiers.h"
 #include "host/shader/number_shape.h"
 #include "tolmsdk/unicode.h"
 

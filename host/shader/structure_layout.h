@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "host/shader/shader_interface.h"
+#include "sfg/host/reflect.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg::host {

@@ -2,8 +2,9 @@
 
 #include <cstdint>
 
+#include "host/shader/interface_hash.h"
 #include "host/shader/interface_names.h"
-#include "host/shader/shader_interface.h"
+#include "host/shader/shader_target.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 

@@ -4,7 +4,7 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-OriginFinder::OriginFinder(const CollapseJob& job) {
+ValueOrigins::ValueOrigins(const CollapseJob& job) {
   using Kind = ValueOrigin::Kind;
   const AShaderFragmentGraph& graph = *job.graph();
   const GraphDocument& document = job.document();
@@ -30,7 +30,7 @@ OriginFinder::OriginFinder(const CollapseJob& job) {
   }
 }
 
-void OriginFinder::add(const IShaderFragment& fragment, ValueOrigin::Kind kind, const WString& owner) {
+void ValueOrigins::add(const IShaderFragment& fragment, ValueOrigin::Kind kind, const WString& owner) {
   const auto addPort = [&](const AParameter& parameter, WString unique) {
     unique += fragment.instanceName();
     add(unique, parameter, {kind, owner, fragment.key(), parameter.getName()});
@@ -47,12 +47,12 @@ void OriginFinder::add(const IShaderFragment& fragment, ValueOrigin::Kind kind, 
   }
 }
 
-void OriginFinder::add(const WString& name, const AParameter& parameter, const ValueOrigin& origin) {
+void ValueOrigins::add(const WString& name, const AParameter& parameter, const ValueOrigin& origin) {
   candidates_.emplace(name, Candidate{&parameter, origin});
 }
 
 /// Names of two owners can meet; the parameter that the uniform was made from tells them apart.
-ValueOrigin OriginFinder::find(const AParameter& uniform) const {
+ValueOrigin ValueOrigins::find(const AParameter& uniform) const {
   const auto* const renamed = dynamic_cast<const OverrideNameParameter*>(&uniform);
   const AParameter* const original = renamed != nullptr ? renamed->getOriginal() : &uniform;
   const auto [first, last] = candidates_.equal_range(uniform.getName());

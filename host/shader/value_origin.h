@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/collapse_job.h"
+#include "host/job/collapse_job.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -31,9 +31,9 @@ struct ValueOrigin {
 };
 
 /// Finds what the uniforms of a job's result stand for. The job has run and outlives this.
-class OriginFinder {
+class ValueOrigins {
 public:
-  explicit OriginFinder(const CollapseJob& job);
+  explicit ValueOrigins(const CollapseJob& job);
 
   ValueOrigin find(const AParameter& uniform) const;
 

@@ -36,9 +36,10 @@ public:
 
   /// The same for the definition of `function`: where its code behind the parameter list calls a function
   /// under a name that an earlier call wrote one under, that name is copied as it stands, whatever the
-  /// keyword rules.
-  void appendDefinition(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
-                        KeywordReplacePattern& renamePattern, const WString& function);
+  /// keyword rules. Answers what getRename(function) does then.
+  const WString& appendDefinition(WString& out, const CodeSnippetInstance& code,
+                                  const KeywordReplacePattern& pattern, KeywordReplacePattern& renamePattern,
+                                  const WString& function);
 
   /// The name last used for `name`; `name` itself when it was never written.
   const WString& getRename(const WString& name) const;

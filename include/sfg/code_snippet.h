@@ -2,6 +2,7 @@
 
 // Pieces of shader code with their parse, and their use by one fragment instance.
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -17,6 +18,9 @@
 #include "tolmsdk/ustring.h"
 
 namespace TolmSDK::Graphics::sfg {
+
+class SymbolRings;
+struct SymbolGroups;
 
 /// Owns code and its ordered list of top-level symbols. Text between recognised symbols is kept as raw-text
 /// symbols; the first construct the parser cannot classify turns everything behind the previous symbol into
@@ -69,8 +73,16 @@ public:
   void dump(std::wostream& os) const;
 
 private:
+  friend class SymbolRings;
+
+  /// The groups of the symbols that were kept; null without any. Safe in several threads, as the next one is.
+  const SymbolGroups* findGroups() const noexcept { return groups_.load(std::memory_order_acquire); }
+  /// Keeps a copy of the groups, from the second call on: most snippets are used once.
+  void keepGroups(const SymbolGroups& groups) const;
+
   void addCode(std::wstring_view code);
   void takeSymbol(ShaderSymbol&& symbol);
+  void forgetLookups() noexcept;
   void clearParse();
 
   using SymbolIndex = Map<std::wstring_view, std::size_t>;
@@ -85,9 +97,13 @@ private:
   Array<std::size_t> rawTexts_;  // those of the symbols above, in order
   mutable std::mutex indexMutex_;
   mutable std::unique_ptr<const SymbolIndex> index_;  // made by the first look-up behind a change
+  mutable std::atomic<bool> wasGrouped_{false};
+  mutable std::atomic<const SymbolGroups*> groups_{nullptr};
+  mutable std::unique_ptr<const SymbolGroups> keptGroups_;
 };
 
-/// A snippet as one fragment instance uses it. Owns the snippet when told so. Neither copied nor moved.
+/// A snippet as one fragment instance uses it. Owns the snippet, alone or with others, when told so. Neither
+/// copied nor moved.
 class SFG_API CodeSnippetInstance {
 public:
   CodeSnippetInstance();
@@ -98,13 +114,19 @@ public:
   /// Releases the content and takes a snippet (null: none), with one rename per built-in call of the whole
   /// snippet in its order. With `ownsSnippet` the snippet, made by `new`, is destroyed with this instance.
   void construct(const CodeSnippet* snippet, const Array<WString>& renames, bool ownsSnippet);
+  /// The same for a snippet that others may keep too (null: none) and that nobody changes any more.
+  void construct(std::shared_ptr<const CodeSnippet> snippet, const Array<WString>& renames);
+  /// The snippet that the form above took; null behind the other one.
+  const std::shared_ptr<const CodeSnippet>& getSharedSnippet() const noexcept { return shared_; }
 
   std::size_t getNumSymbols() const noexcept { return symbols_.size(); }
   const ShaderSymbolInstance& getSymbol(std::size_t index) const { return symbols_[index]; }
 
 private:
+  void constructSymbols(const CodeSnippet* snippet, const Array<WString>& renames);
+
   std::unique_ptr<const CodeSnippet> owned_;
-  const CodeSnippet* snippet_ = nullptr;
+  std::shared_ptr<const CodeSnippet> shared_;
   Array<ShaderSymbolInstance> symbols_;
 };
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
-#include <optional>
+#include <span>
 
 #include "sfg/export.h"
 #include "sfg/fragment_profile_instance.h"
@@ -24,7 +24,8 @@ class VisitedFragments;
 /// evaluates it: first the fragments that feed it, then its requirements, definition and call. Evaluation
 /// takes time in proportion to fragments plus connections plus text written and no stack in proportion to
 /// depth; it answers false when it cannot be done (a cycle, a port that does not fit), which the caller
-/// reports. Belongs to its context; the one that evaluates it first is the only one that may.
+/// reports. Belongs to its context; the one that evaluates it first is the only one that may, and the one
+/// that creates it outlives it.
 class SFG_API FragmentInstance {
 public:
   FragmentInstance();
@@ -75,13 +76,12 @@ private:
   friend class AShaderCollapseContext;
   friend class AShaderCollapseToolDefault;
   friend class AShaderCollapseToolLightLoop;
+  friend class ExpectedResult;
   friend class FragmentEvaluator;
 
-  /// What was found out about an input when the instance was made. Its value, when no fragment feeds it, is
-  /// `value` if there is one, else the uniform's name.
+  /// What was found out about an input when the instance was made.
   struct Input {
     RefPtr<AParameter const> uniform;
-    std::unique_ptr<const WString> value;
     FragmentInstance* source = nullptr;  // of the fragment that fed it then; null without one
   };
 
@@ -89,6 +89,7 @@ private:
   struct Extras {
     std::list<FragmentProfileInstance, StlAllocator<FragmentProfileInstance>> otherProfileInstances;
     Array<RefPtr<AParameter const>> uniforms;  // its own
+    Array<WString> inputValues;                // of inputs whose value is not the uniform's name; or empty
     Array<WString> accumulateOutputs;
   };
 
@@ -107,6 +108,10 @@ private:
   void createInputUniform(const AShaderCollapseContext& context, std::size_t input) const;
   /// Makes what stands for a connected input that only the active profile uses as a shader function.
   void createLateInputUniform(AShaderCollapseContext& context, std::size_t input) const;
+  bool hasInputValue(std::size_t input) const {
+    return extras_ && input < extras_->inputValues.size() && !extras_->inputValues[input].empty();
+  }
+  void setInputValue(std::size_t input, WString value) const;
   bool hasActiveProfileOutput(std::size_t index) const;
   bool hasInlineProfile() const {
     return activeProfileInstance_ != nullptr && activeProfileInstance_->isInlineProfile();
@@ -116,18 +121,20 @@ private:
   const WString& inputValue(std::size_t input) const;
   /// Notes the instances of the fragments that feed the inputs.
   void setSources(const VisitedFragments& visited);
-  Extras& extras();
+  Extras& extras() const;
+  std::span<Input> inputs() const noexcept { return {firstInput_, numInputs_}; }
   bool accumulates() const noexcept { return extras_ && !extras_->accumulateOutputs.empty(); }
 
-  bool initialized_ = false;
-  bool uniformsWritten_ = false;
-  mutable bool usesSamplers_ = false;
   RefPtr<ILanguageTraits const> language_;
   FragmentProfileInstance* activeProfileInstance_ = nullptr;
   RefPtr<AShaderFragment const> fragment_;
-  std::optional<FragmentProfileInstance> firstProfileInstance_;
-  std::unique_ptr<Extras> extras_;
-  mutable Array<Input> inputs_;  // one may be made while its value is asked for
+  FragmentProfileInstance firstProfileInstance_;
+  mutable std::unique_ptr<Extras> extras_;
+  Input* firstInput_ = nullptr;  // in the memory of the context that created the instance
+  std::uint32_t numInputs_ = 0;
+  bool initialized_ = false;
+  bool uniformsWritten_ = false;
+  mutable bool usesSamplers_ = false;
 
   // Kept by the context that made the instance or was the first to evaluate it: its own number, the
   // instance's (those that it made count up), and the profile request that was answered last.

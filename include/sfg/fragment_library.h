@@ -2,12 +2,29 @@
 
 // Where a host keeps the fragments it can use.
 
+#include <functional>
+#include <string_view>
+
 #include "sfg/export.h"
 #include "sfg/shader_fragment.h"
 #include "tolmsdk/resource_library.h"
 #include "tolmsdk/types.h"
 
 namespace TolmSDK::Graphics::sfg {
+
+class ShaderIncludes;
+
+/// What loading a folder uses, and whom it tells what it meets.
+struct FragmentLoading {
+  /// Include files for the fragments' hashes; null for the process's registry.
+  ShaderIncludes* includes = nullptr;
+  /// Each library file, before it is read.
+  std::function<void(const WString& file)> onFile;
+  /// Each fragment object of a file, before it is loaded, whether it loads or not.
+  std::function<void(const WString& file, const WString& name, const IObjectDataNode& object)> onFragment;
+  /// Each line about what is passed over; without it the lines go to the debug log.
+  std::function<void(std::wstring_view line)> onProblem;
+};
 
 /// Fragments by name. Filled by one thread; then read by any number. Graphs hold clones, never these.
 class SFG_API FragmentLibrary : public ResourceLibrary {
@@ -18,6 +35,8 @@ public:
   /// Loads every "fraglib" file (any case) directly in the folder. A bad file or fragment never stops the
   /// others; the debug log names file, fragment, place and reason. Always true.
   bool loadFragments(const wchar_t* folder);
+  /// The same; what the functions of `loading` throw passes through.
+  bool loadFragments(const wchar_t* folder, const FragmentLoading& loading);
   /// Creates and registers a fragment with one MetaSL profile ("default", "dx11", level of detail 100).
   /// Options: "include:NAME", "predefine:TEXT" and "nonconsolidatable"; any other is ignored. Always true;
   /// the exceptions of a malformed prototype pass through.

@@ -3,6 +3,7 @@
 // One profile of one fragment as used in one collapse.
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include "sfg/code_snippet.h"
@@ -21,7 +22,7 @@ struct ShaderCallText;
 
 /// Names, replacements and built-in values that differ between two uses of a profile, and the flags that make
 /// every writer write only as often as it must: writers answer true without writing again. Belongs to its
-/// fragment instance.
+/// fragment instance, which keeps language and fragment (and so the profile) alive: this one does not.
 class SFG_API FragmentProfileInstance {
 public:
   FragmentProfileInstance();
@@ -41,15 +42,15 @@ public:
   bool isInlineProfile() const noexcept { return isInlineProfile_; }
   /// The profile's code reads the current light: its call is written once per light.
   bool requiresCurrentLight() const noexcept { return requiresCurrentLight_; }
-  const ILanguageTraits* getLanguage() const noexcept { return language_.get(); }
-  const AShaderFragmentProfile* getProfile() const noexcept { return profile_.get(); }
+  const ILanguageTraits* getLanguage() const noexcept { return language_; }
+  const AShaderFragmentProfile* getProfile() const noexcept { return profile_; }
 
   const WString& getFunctionName() const;
   void setFunctionName(const WString& name);
   /// Appends what getFunctionName() answers, without making a text of its own for it.
   void appendFunctionName(WString& out) const;
   const WString& getProfilename() const;
-  const WString& getProfileShortname() const noexcept { return profileShortname_; }
+  const WString& getProfileShortname() const noexcept;
 
   // Outputs: a type text (empty for an inline expression), a variable name (or the expression), and both as a
   // key.
@@ -80,6 +81,13 @@ public:
   /// Puts a call in place of an sfg_shader use: sets the rule of the use's text in that pattern, and keeps
   /// which variables the call declares. For the collapse only: the type of the call is not exported.
   void replaceShaderUse(const WString& use, ShaderCallText call);
+  /// Adds the rules of the latter two patterns to those of a replacer, in that order. No pattern is made for
+  /// it: the replacer refers to what the instance and its profile hold.
+  void addReplacements(KeywordReplacer& replacer) const;
+  /// The first of the three patterns when it was ever asked for, else null.
+  KeywordReplacePattern* findKeywordReplacePattern() noexcept {
+    return patterns_ ? &patterns_->keyword : nullptr;
+  }
   /// What replaceShaderUse() keeps; null when no call declares a variable.
   const ShaderTemporaries* findShaderTemporaries() const;
   /// Whether either of these two holds a rule; neither is made to be asked.
@@ -131,6 +139,7 @@ private:
 
   /// What many instances do without.
   struct Extras {
+    WString profileShortname;    // when it is kept nowhere else
     WString functionName;        // instead of the one that follows from profile and short name
     Array<WString> outputNames;  // texts for the names that follow from fragment and short name, or others
     Array<WString> outputTypes;  // empty as long as they are those of the profile
@@ -155,23 +164,24 @@ private:
   bool hasSharedDefinition() const;
   void appendDefinitionKey(WString& key) const;
 
+  // A collapse makes one for every fragment, so they are small.
   std::unique_ptr<Patterns> patterns_;
   mutable std::unique_ptr<Extras> extras_;
-  bool initialized_ = false;
-  bool requirementsWritten_ = false;
-  bool definitionWritten_ = false;
-  bool callWritten_ = false;
-  bool inShaderFunctionCall_ = false;
-  bool outputsDeclared_ = false;
-  bool requiresCurrentLight_ = false;
-  bool isInlineProfile_ = false;
-  mutable bool hasFunctionName_ = false;  // both of them among the extras
-  mutable bool hasOutputNames_ = false;
-  RefPtr<ILanguageTraits const> language_;
-  RefPtr<AShaderFragment const> fragment_;
-  RefPtr<AShaderFragmentProfile const> profile_;
-  WString profileShortname_;
-  std::size_t numOutputs_ = 0;
+  const ILanguageTraits* language_ = nullptr;
+  const AShaderFragment* fragment_ = nullptr;
+  const AShaderFragmentProfile* profile_ = nullptr;
+  const WString* profileShortname_ = nullptr;  // lasts as long as the profile or the extras
+  std::uint32_t numOutputs_ = 0;
+  bool initialized_ : 1 = false;
+  bool requirementsWritten_ : 1 = false;
+  bool definitionWritten_ : 1 = false;
+  bool callWritten_ : 1 = false;
+  bool inShaderFunctionCall_ : 1 = false;
+  bool outputsDeclared_ : 1 = false;
+  bool requiresCurrentLight_ : 1 = false;
+  bool isInlineProfile_ : 1 = false;
+  mutable bool hasFunctionName_ : 1 = false;  // both of them among the extras
+  mutable bool hasOutputNames_ : 1 = false;
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -90,6 +90,9 @@ public:
 
   /// Adds the pattern's rules behind those added before; an equal span is overwritten.
   void addReplacePattern(const KeywordReplacePattern& pattern);
+  /// Adds one rule for each pair, as if they were those of a pattern. The arrays stay as they are too; in
+  /// number they are the same, else this throws as KeywordReplacePattern::addReplacePattern does.
+  void addReplacePattern(const Array<WString>& keywords, const Array<WString>& replacements);
   /// Forgets all rules; the patterns are not touched.
   void clearReplacePattern();
 
@@ -108,6 +111,11 @@ public:
   Array<PlacedReplacement> appendAndLocate(WString& out, const ScopedText& text) const;
 
   bool empty() const noexcept { return !rules_ && positionalReplacements_.empty(); }
+  bool hasPositionalRules() const noexcept { return !positionalReplacements_.empty(); }
+  /// The keyword rules, in the order in which they were added.
+  std::size_t countRules() const noexcept;
+  const WString& getKeyword(std::size_t rule) const;
+  const WString& getReplacement(std::size_t rule) const;
 
 private:
   std::unique_ptr<KeywordRules> rules_;  // null without any keyword

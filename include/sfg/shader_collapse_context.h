@@ -20,6 +20,7 @@
 
 namespace TolmSDK::Graphics::sfg {
 
+class Arena;
 class FragmentEvaluator;
 class InstanceTable;
 class VisitedFragments;
@@ -92,21 +93,29 @@ public:
                        FragmentProfileInstance& profileInstance);
 
 private:
+  friend class AShaderCollapseToolDefault;
+  friend class AShaderCollapseToolLightLoop;
   friend class FragmentEvaluator;
   friend class FragmentInstance;
   friend class FragmentProfileInstance;
 
   static std::uint64_t nextContextNumber() noexcept;
+  bool createSurfaceInstances();
+  /// Gives the result room for what the instances will write.
+  void reserveResult();
+  /// Gives back what turned out to be far too much.
+  void giveBackRoom();
   bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
   FragmentInstance* createInstance(const IShaderFragment* fragment);
   bool createLightInstance(const IShaderFragment* light);
   FragmentInstance& getInstance(InstanceTable& instances, const WString& name);
   std::size_t countSurfaceInstances() const noexcept;
   FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
+  Arena& arena() noexcept { return *arena_; }
   /// False for an instance of another context. One that none has made or evaluated becomes this one's.
   bool admit(const FragmentInstance& instance);
   bool takeWrittenDefinition(FragmentProfileInstance& instance);
-  void rememberWrittenDefinition(const FragmentProfileInstance& instance, const WString& key);
+  void rememberWrittenDefinition(const FragmentProfileInstance& instance);
   std::uint32_t profileRequest(const WString& profileName, float lod);
 
   CodeAccumulator accumulator_;
@@ -116,6 +125,7 @@ private:
   RefPtr<AShaderFragment> result_;
   RefPtr<AShaderFragmentProfile> resultProfile_;
   Set<WString> fragmentKeys_;
+  std::unique_ptr<Arena> arena_;  // what lives as long as the context and is not part of the result
   std::unique_ptr<InstanceTable> fragmentInstances_;
   std::unique_ptr<InstanceTable> lightFragmentInstances_;
   std::uint64_t number_;  // among all contexts, from 1

@@ -21,6 +21,7 @@ namespace TolmSDK::Graphics::sfg {
 
 class IShaderFragment;
 class IShaderFragmentGraph;
+class ShaderIncludes;
 
 /// Where a fragment input or a graph output takes its value from. No reference is held.
 struct ShaderFragmentConnection {
@@ -157,14 +158,17 @@ public:
   /// Writable, for whoever registers the fragment.
   virtual WString& key() { return key_; }
 
-  /// Writable, for the collapse that fills a result fragment.
+  // For the collapse that fills a result fragment.
   Array<WString>& getShaderInputTypes() { return shaderInputTypes_; }
+  void reserveUniforms(std::size_t count) { uniforms_.reserve(count); }
 
   /// Fills the fragment from a fragment object: its "profiles" (the object itself is the one profile when
   /// there are none) and its "uniforms", and forms the hash string. False for a null node. Throws Exception
   /// "sfgError : Failed to load profile %d!" or "sfgError : Failed to load uniform %i!" with the position;
   /// what was read before stays, and the fragment must not be used.
   bool load(const IObjectDataNode* node);
+  /// The same; the hash string takes the include files of `includes` instead of the process's registry.
+  bool load(const IObjectDataNode* node, ShaderIncludes& includes);
   /// What a load that threw was reading, and why it could not, with the place where it is known.
   const WString& getLoadError() const noexcept { return loadError_; }
   /// Empties key, instance name, profiles, connections, ports and uniforms.
@@ -223,7 +227,7 @@ private:
 
   void loadProfiles(const IObjectDataNode& node);
   void loadUniforms(const IObjectDataNode& node);
-  void buildHash(const IObjectDataNode& node);
+  void buildHash(const IObjectDataNode& node, ShaderIncludes& includes);
 
   // First what a collapse reads of every fragment.
   Profiles profiles_;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 #include "sfg/export.h"
 #include "sfg/shader_fragment.h"
@@ -141,12 +142,18 @@ public:
 
   /// Index of a member, or the not-found value.
   std::size_t findFragment(const IShaderFragment* fragment) const;
+  /// Whether a graph output takes its value from this output of the fragment.
+  bool isFinalOutput(const IShaderFragment* fragment, std::size_t output) const;
 
 private:
+  void countFinalOutput(const ShaderFragmentConnection& connection);
+  void forgetFinalOutput(const ShaderFragmentConnection& connection);
+
   WString key_;
   WString hashString_;
   RefPtr<IShaderFlags> shaderFlags_;
   Array<ShaderFragmentConnection> outputConnections_;
+  Map<std::pair<const IShaderFragment*, std::size_t>, std::size_t> finalOutputs_;  // graph outputs of each
   Array<RefPtr<AParameter const>> inputs_;
   Array<RefPtr<AParameter const>> outputs_;
   Array<RefPtr<IShaderFragment>> fragments_;

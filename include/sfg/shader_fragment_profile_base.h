@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include "sfg/code_snippet.h"
 #include "sfg/export.h"
@@ -19,11 +20,18 @@
 namespace TolmSDK::Graphics::sfg {
 
 class AShaderCollapseContext;
+class CodeKey;
 class FragmentProfileInstance;
+class KeptCode;
 
 /// Base of the profile modes. Filled by load() or the setters, then only read: several collapses may use it
 /// at the same time, and what is built lazily is built safely. Records that view the profile's texts
 /// (built-in calls) keep those texts alive, also after clear() or a second setFunctionBody().
+///
+/// What its texts become in a collapse is kept for the next one, and dropped when the profile is changed. A
+/// writable reference may change the profile at any time: after predefines(), stateVariables(),
+/// customStateVariables(), getFunctionParameters() or getFunctionBody() of a profile that is not const,
+/// nothing of the texts that depend on it is kept any more. Readers ask a const profile.
 class SFG_API AShaderFragmentProfile : public RefCounted<IShaderFragmentProfile> {
 public:
   AShaderFragmentProfile(const AShaderFragmentProfile&) = delete;
@@ -38,6 +46,7 @@ public:
   /// Changes do not reach the parse of predefines that were loaded.
   WString& predefines() override {
     if (predefinesLoaded_) predefineSnippet();
+    openPredefines();
     return predefines_;
   }
   const Set<UString>& languages() const override { return languages_; }
@@ -46,15 +55,24 @@ public:
   float getLOD() const override { return lod_; }
   const WString& getProfilename() const override { return profileName_; }
   const Set<UString>& stateVariables() const override { return stateVariables_; }
-  Set<UString>& stateVariables() override { return stateVariables_; }
+  Set<UString>& stateVariables() override {
+    openDefinition();
+    return stateVariables_;
+  }
   const Set<WString>& customStateVariables() const override { return customStateVariables_; }
-  Set<WString>& customStateVariables() override { return customStateVariables_; }
+  Set<WString>& customStateVariables() override {
+    openDefinition();
+    return customStateVariables_;
+  }
   const Set<WString>& includes() const override { return includes_; }
   Set<WString>& includes() override { return includes_; }
   const WString& getFunctionName() const override { return functionName_; }
   const WString& getFunctionBody() const override { return *functionBody_; }
   const ITextParameterList* getFunctionParameters() const override { return functionParameters_.get(); }
-  ITextParameterList* getFunctionParameters() override { return functionParameters_.get(); }
+  ITextParameterList* getFunctionParameters() override {
+    openDefinition();
+    return functionParameters_.get();
+  }
   EShaderFragmentProfileMode getMode() const override { return mode_; }
   void setProfilename(const WString& name) override { profileName_ = name; }
   /// Throws "sfgError : Function result type is not void!" or "sfgError : Incorrect function declaration!".
@@ -103,6 +121,13 @@ public:
   bool hasShaderFunctions(const WString& name) const { return shaderFunctions_.contains(name); }
   /// Rules that remove every sfg_shader call; built at the first call that finds any.
   const KeywordReplacePattern& GetDefaultShaderRepalcePattern() const;
+  /// Whether definitions (predefines) of this profile are kept.
+  bool keepsDefinitions() const noexcept { return !isDefinitionOpen_; }
+  bool keepsPredefines() const noexcept { return !arePredefinesOpen_; }
+  /// The code that was kept under that key; else null, and whether it is to be kept when it is made. Safe in
+  /// several threads. For the writers: the types are not exported.
+  std::pair<std::shared_ptr<const CodeSnippet>, bool> findKeptCode(const CodeKey& key) const;
+  void keepCode(const CodeKey& key, const std::shared_ptr<const CodeSnippet>& snippet) const;
   /// Describes the profile on the standard wide output stream, each line behind `indent`.
   void debugDump(const wchar_t* indent) const;
 
@@ -114,12 +139,23 @@ protected:
 
   /// Replaces the body without parsing it; views of the former body stay valid.
   void replaceBodyText(const WString& body);
-  /// The parse of the predefines, made at the first call that finds none. Safe in several threads.
-  const CodeSnippet& predefineSnippet() const;
+  /// The parse of the predefines, made at the first call that finds none; null as long as there are none.
+  /// Safe in several threads.
+  const std::shared_ptr<const CodeSnippet>& predefineSnippet() const;
 
 private:
   void loadPredefines(const IObjectDataNode& lines);
   void registerShaderFunctions(const Array<BuiltinFunction>& uses);
+  void forgetKeptCode() noexcept;
+  void openDefinition() noexcept {
+    isDefinitionOpen_ = true;
+    if (hasKeptCode()) forgetKeptCode();
+  }
+  void openPredefines() noexcept {
+    arePredefinesOpen_ = true;
+    if (hasKeptCode()) forgetKeptCode();
+  }
+  bool hasKeptCode() const noexcept { return firstKeyHash_.load(std::memory_order_relaxed) != 0; }
 
   EShaderFragmentProfileMode mode_;
   WString predefines_;
@@ -138,11 +174,16 @@ private:
   RefPtr<ITextParameterList> functionParameters_;
   Array<std::shared_ptr<const WString>> viewedTexts_;  // texts that the built-in calls above view
   bool predefinesLoaded_ = false;
-  mutable std::unique_ptr<CodeSnippet> predefineSnippet_;                       // null until asked for
+  bool isDefinitionOpen_ = false;  // a writable reference was given to what a definition depends on
+  bool arePredefinesOpen_ = false;
+  mutable std::shared_ptr<const CodeSnippet> predefineSnippet_;                 // null until asked for
   mutable std::unique_ptr<KeywordReplacePattern> defaultShaderReplacePattern_;  // null until asked for
   mutable std::mutex lazyMutex_;
   mutable std::atomic<bool> predefinesParsed_{false};
   mutable std::atomic<bool> defaultShaderPatternBuilt_{false};
+  mutable std::atomic<std::size_t> firstKeyHash_{0};  // of the first code that was made; 0 before
+  mutable std::atomic<KeptCode*> keptCode_{nullptr};  // null until code is made for the second time
+  mutable std::unique_ptr<KeptCode> ownedCode_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -77,6 +77,8 @@ public:
   std::wstring_view getIdentity() const noexcept {
     return keyedText_.empty() ? std::wstring_view(key_.text) : keyedText_.view();
   }
+  /// A hash of getIdentity(), taken at the first call; safe in several threads.
+  std::size_t getIdentityHash() const noexcept;
   const ScopedText& getRange() const noexcept { return range_; }
   const ScopedText& getName() const noexcept { return name_; }
   const Set<UString>& getStateVariables() const noexcept { return stateVariables_; }
@@ -99,20 +101,27 @@ protected:
   void zeroThis() noexcept { type_ = EShaderSymbolType::unknown; }
 
 private:
-  /// A key, or the promise of one.
+  /// The key, and the hash of the identity. Both are made when they are asked for, which another thread may
+  /// do at the same time.
   struct Key {
     WString text;
-    std::atomic<bool> pending{false};
+    std::atomic<bool> pending{false};          // the text is to be made
+    std::atomic<std::size_t> identityHash{0};  // 0 until it is taken
 
     Key() = default;
     Key(Key&& other) noexcept : text(std::move(other.text)), pending(other.isPending()) {}
     Key& operator=(Key&& other) noexcept {
       text = std::move(other.text);
-      pending.store(other.isPending(), std::memory_order_relaxed);
+      setPending(other.isPending());
       return *this;
     }
     ~Key() = default;
     bool isPending() const noexcept { return pending.load(std::memory_order_acquire); }
+    /// For a key that changes, which no other thread sees.
+    void setPending(bool isPending) noexcept {
+      pending.store(isPending, std::memory_order_relaxed);
+      identityHash.store(0, std::memory_order_relaxed);
+    }
   };
 
   const WString& makeKey() const;
@@ -152,6 +161,8 @@ public:
   std::wstring_view getIdentity() const {
     return symbol_ == nullptr ? std::wstring_view() : symbol_->getIdentity();
   }
+  /// See ShaderSymbol::getIdentityHash. Of a symbol there is.
+  std::size_t getIdentityHash() const noexcept { return symbol_->getIdentityHash(); }
   const WString& getRenames() const noexcept { return renames_; }
   /// Unknown without a symbol.
   EShaderSymbolType getType() const noexcept {

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Looks into a shared library:
 #   check_binary.sh exports LIBRARY               exports nothing outside the namespace TolmSDK
+#   check_binary.sh lists LIBRARY FILE            exports what FILE lists, no more and no less (inline code aside)
+#   check_binary.sh symbols LIBRARY               prints such a list
 #   check_binary.sh references LIBRARY [NAME..]   refers to nothing that ends the process or prints, NAMEs excepted
 #   check_binary.sh soname LIBRARY NAME           carries that name
 #   check_binary.sh needs LIBRARY [NAME..]        needs the language's own libraries and NAMEs, nothing else
@@ -27,6 +29,11 @@ report() {
   [ "$bad" -eq 0 ]
 }
 
+# Exported names but weak functions: which of an inline function's copies are kept is the compiler's choice.
+symbols() {
+  nm -D --defined-only "$library" | awk '$2 != "W" { print $3 }' | sed 's/@.*//' | LC_ALL=C sort
+}
+
 case "$what" in
   exports)
     names=$(nm -D --defined-only "$library" | awk '{print $NF}' | sed 's/@.*//')
@@ -34,6 +41,12 @@ case "$what" in
     # Names, type information, tables, thunks, static variables of inline functions and guards of the namespace.
     own='^_Z(T[ISVTC]|T[chvn0-9_]+|GV)?Z?N[KVRO]*7TolmSDK'
     { grep -vE "$own" || true; } <<<"$names" | report exported
+    ;;
+  lists)
+    diff --label "$1" --label "what $(basename "$library") exports" -u "$1" <(symbols)
+    ;;
+  symbols)
+    symbols
     ;;
   references)
     ends='exit|_exit|_Exit|quick_exit|abort|__assert_fail|raise|kill|__stack_chk_fail_local'

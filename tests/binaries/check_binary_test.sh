@@ -21,6 +21,18 @@ expect 1 'exported: Foreign::leak(int)
 exported: TolmSDK::LeakyRecord const& std::max<TolmSDK::LeakyRecord>(TolmSDK::LeakyRecord const&, TolmSDK::LeakyRecord const&)
 exported: leakyFunction
 bad: 3' exports "$library"
+list=$(mktemp)
+trap 'rm -f "$list"' EXIT
+"$check" symbols "$library" >"$list"
+grep -q '^leakyFunction$' "$list" || { echo 'leakyFunction is not among the symbols'; failures=$((failures + 1)); }
+expect 0 '' lists "$library" "$list"
+sed -i '/leakyFunction/d' "$list"
+echo _ZZgone >>"$list"
+told=$("$check" lists "$library" "$list" | grep -xE '[+]leakyFunction|-_ZZgone' | LC_ALL=C sort | tr '\n' ' ')
+if [ "$told" != '+leakyFunction -_ZZgone ' ]; then
+  echo "of an added and a missing symbol is told: $told"
+  failures=$((failures + 1))
+fi
 expect 1 'refers to: std::cout
 refers to: abort
 refers to: exit

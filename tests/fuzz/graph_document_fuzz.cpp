@@ -10,12 +10,12 @@
 #include <string>
 #include <string_view>
 
-#include "host/called_expressions.h"
-#include "host/collapse_job.h"
-#include "host/input_error.h"
-#include "host/refusal_place.h"
-#include "host/shader_assembly.h"
-#include "host/warnings.h"
+#include "host/diagnostics/refusal_place.h"
+#include "host/diagnostics/warnings.h"
+#include "host/job/called_expressions.h"
+#include "host/job/collapse_job.h"
+#include "host/shader/shader_assembly.h"
+#include "sfg/host/errors.h"
 #include "tolmsdk/exception.h"
 
 namespace {
@@ -85,7 +85,7 @@ void collapse(const host::CollapseSettings& settings) try {
     require(!host::findRefusalPlace(job, std::wstring_view()).text.empty());
     return;
   }
-  for (const host::Warning& warning : host::findWarnings(job, true)) require(!warning.place.empty());
+  for (const host::Diagnostic& warning : host::findWarnings(job, true)) require(!warning.place().empty());
   for (const host::ShaderStage stage : {host::ShaderStage::pixel, host::ShaderStage::compute}) {
     try {
       const host::AssembledShader assembled = host::assembleShader(job, stage);

@@ -18,7 +18,8 @@ Result orenNayar(Sample const& in) {
   return Result(orenNayarFactor(in.vec3(0), in.vec3(1), in.vec3(2), in(3)) * cosine / kPi);
 }
 
-// Burley 2012, section 5.3; times the cosine of the light.
+// Burley 2012, section 5.3, with the grazing factor of Lagarde and de Rousiers 2014, listing 7, and a scale;
+// times the cosine of the light.
 Result burley(Sample const& in) {
   Vec3 const n = in.vec3(0);
   Vec3 const l = in.vec3(1);
@@ -28,9 +29,9 @@ Result burley(Sample const& in) {
     return Result(0.0);
   }
   double const difference = dot(l, unit(l + v));
-  double const grazing = 0.5 + 2.0 * in(3) * difference * difference;
+  double const grazing = 0.5 * in(3) + 2.0 * in(3) * difference * difference;
   auto const term = [&](double cosine) { return 1.0 + (grazing - 1.0) * std::pow(1.0 - cosine, 5.0); };
-  return Result(term(lightCosine) * term(dot(n, v)) * lightCosine / kPi);
+  return Result(mix(1.0, 1.0 / 1.55, in(3)) * term(lightCosine) * term(dot(n, v)) * lightCosine / kPi);
 }
 
 Result phongLobe(Sample const& in) {
@@ -76,7 +77,7 @@ Result ggxSpecular(Sample const& in) {
                 (ggx(alpha, dot(n, h)) * visibility(alpha, dot(n, l), dot(n, v))));
 }
 
-// Burley 2012, appendix B.2: the anisotropic distribution; masked as an isotropic surface of the mean alpha.
+// Burley 2012, appendix B.2: the anisotropic distribution.
 Result ggxAnisotropic(Sample const& in) {
   Vec3 const n = in.vec3(0);
   Vec3 const t = in.vec3(1);
@@ -91,23 +92,37 @@ Result ggxAnisotropic(Sample const& in) {
   double const slope =
       std::pow(dot(h, t) / along, 2) + std::pow(dot(h, cross(n, t)) / across, 2) + std::pow(dot(h, n), 2);
   double const distribution = 1.0 / (kPi * along * across * slope * slope);
-  double const masking = visibility(std::sqrt(along * across), dot(n, l), dot(n, v));
+  auto const parts = [&](Vec3 direction) {
+    return Vec3{dot(direction, t), dot(direction, cross(n, t)), dot(direction, n)};
+  };
+  double const masking = anisotropicVisibility(along, across, parts(l), parts(v));
   return Result(schlick(in.vec3(4), dot(l, h)) * (distribution * masking));
 }
 
-// The low level of detail: a normalised Blinn-Phong lobe as wide as the distribution, times the reflectance.
-Result blinnForGgx(Sample const& in) {
-  double const alpha = std::max(alphaOf(in(4)), 0.05);
-  double const exponent = 2.0 / (alpha * alpha) - 2.0;
-  return Result(in.vec3(3) * blinnLobe(in.vec3(0), in.vec3(1), in.vec3(2), exponent));
+// The low level of detail: as the high one with faster masking.
+Result ggxSpecularFast(Sample const& in) {
+  Vec3 const n = in.vec3(0);
+  Vec3 const l = in.vec3(1);
+  Vec3 const v = in.vec3(2);
+  if (dot(n, l) <= 0.0) {
+    return Result(Vec3{});
+  }
+  Vec3 const h = unit(l + v);
+  double const alpha = alphaOf(in(4));
+  return Result(schlick(in.vec3(3), dot(l, h)) *
+                (ggx(alpha, dot(n, h)) * fastVisibility(alpha, dot(n, l), dot(n, v))));
 }
 
-// Flat steps; the last share `softness` of each rises to the next along the cubic Hermite curve.
+// As many flat tones as steps from 0 to 1, each as wide as the others; the share `softness` of a tone around
+// each border rises along the cubic Hermite curve.
 Result toonSteps(Sample const& in) {
-  double const position = in(0) * in(1);
-  double const step = std::floor(position);
-  double const t = clamp01((position - step - 1.0) / in(2) + 1.0);
-  return Result(clamp01((step + 3.0 * t * t - 2.0 * t * t * t) / in(1)));
+  int const tones = std::max(static_cast<int>(in(1)), 2);
+  double tone = 0.0;
+  for (int border = 1; border < tones; ++border) {
+    double const t = clamp01((in(0) * tones - border) / in(2) + 0.5);
+    tone += (3.0 * t * t - 2.0 * t * t * t) / (tones - 1);
+  }
+  return Result(tone);
 }
 
 bool viewGrazes(Sample const& in, std::size_t view) { return dot(in.vec3(0), in.vec3(view)) < 1e-3; }
@@ -131,9 +146,11 @@ std::vector<Row> diffuseRows() {
        "float"},
       {"halfLambert",
        {unit3("normal"), unit3("light"), number("wrap", 0, 1)},
-       kFew,
+       kPower,
        [](Sample const& in) {
-         return Result(std::max((dot(in.vec3(0), in.vec3(1)) + in(2)) / (1.0 + in(2)), 0.0));
+         // 0 is Lambert, 1 the square of (1 + cosine) / 2.
+         double const wrapped = std::max((dot(in.vec3(0), in.vec3(1)) + in(2)) / (1.0 + in(2)), 0.0);
+         return Result(std::pow(wrapped, 1.0 + in(2)));
        }},
       {"orenNayar",
        {unit3("normal"), unit3("light"), above3("view"), number("sigma", 0, 1.5)},
@@ -196,13 +213,22 @@ std::vector<Row> lobeRows() {
       {"ggxSpecular",
        {unit3("normal"), unit3("light"), above3("view"), vector3("reflectance", 0, 1),
         number("roughness", 0.3, 1)},
-       {1e-5, 1e-3, "a rounded cosine to the power of up to 250"},
-       blinnForGgx,
-       0.0},
+       kLobe,
+       ggxSpecularFast,
+       0.0,
+       {},
+       [](Sample const& in) { return viewGrazes(in, 2) || lightGrazes(in, 1); }},
       {"toonSteps",
        {number("value", 0, 1), whole("steps", 1, 8), number("softness", 0.05, 1)},
        rounding(400, 1),
        toonSteps},
+      {"toonSteps",
+       {number("value", -1, 2), number("steps", 0, 9), number("softness", 0.05, 1)},
+       rounding(400, 1),
+       [](Sample const& in) {
+         Sample const& clamped = in;
+         return clamped(0) <= 0.0 ? Result(0.0) : clamped(0) >= 1.0 ? Result(1.0) : toonSteps(in);
+       }},
       {"ggxAnisotropic",
        {unit3("normal"), across3("tangent"), unit3("light"), above3("view"), vector3("reflectance", 0, 1),
         number("roughnessAlong", 0.3, 1), number("roughnessAcross", 0.3, 1)},

@@ -39,10 +39,14 @@ Result boxProjection(Vec3 p, Vec3 n) {
   double const x = std::fabs(n.x);
   double const y = std::fabs(n.y);
   double const z = std::fabs(n.z);
+  // Seen from outside with y upwards, or with z downwards from above and upwards from below.
   if (x >= y && x >= z) {
-    return Result(p.z, p.y);
+    return Result(n.x > 0.0 ? -p.z : p.z, -p.y);
   }
-  return y >= z ? Result(p.x, p.z) : Result(p.x, p.y);
+  if (y >= z) {
+    return Result(p.x, n.y > 0.0 ? p.z : -p.z);
+  }
+  return Result(n.z > 0.0 ? p.x : -p.x, -p.y);
 }
 
 bool twoAxesAreEqual(Vec3 n) {
@@ -144,7 +148,7 @@ std::vector<Row> planeRows() {
        {vector2("uv", 0, 1)},
        {2.0 * 0x1p-11, 0.0, "Vulkan's sine and cosine are off by up to 2^-11"},
        [](Sample const& in) {
-         double const longitude = 2.0 * kPi * (in.vec2(0).x - 0.5);
+         double const longitude = 2.0 * kPi * (0.5 - in.vec2(0).x);
          double const fromTop = kPi * in.vec2(0).y;
          return Result(std::sin(fromTop) * std::cos(longitude), std::cos(fromTop),
                        std::sin(fromTop) * std::sin(longitude));
@@ -169,7 +173,7 @@ std::vector<Row> spaceRows() {
        {1e-4, 0.0, "Vulkan's arc functions; an arc cosine near 0 and pi"},
        [](Sample const& in) {
          Vec3 const d = unit(in.vec3(0));
-         return Result(turnsOf(d.z, d.x), std::acos(d.y) / kPi);
+         return Result(turnsOf(-d.z, d.x), std::acos(d.y) / kPi);
        },
        -1.0,
        {},
@@ -178,7 +182,7 @@ std::vector<Row> spaceRows() {
        {position, number("height", 0.5, 4)},
        kAngle,
        [](Sample const& in) {
-         return Result(turnsOf(in.vec3(0).z, in.vec3(0).x), in.vec3(0).y / in(1) + 0.5);
+         return Result(turnsOf(-in.vec3(0).z, in.vec3(0).x), 0.5 - in.vec3(0).y / in(1));
        },
        -1.0,
        {},

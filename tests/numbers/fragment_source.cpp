@@ -5,10 +5,10 @@
 #include <set>
 #include <stdexcept>
 
-#include "host/collapse_job.h"
-#include "host/shader_compiler.h"
-#include "host/shader_options.h"
-#include "host/shading_environment.h"
+#include "host/documents/shading_environment.h"
+#include "host/job/collapse_job.h"
+#include "host/job/shader_options.h"
+#include "host/modules/shader_compiler.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_collapse_tool_light_loop.h"
 #include "sfg/shader_fragment_graph.h"
@@ -110,10 +110,10 @@ RefPtr<AShaderFragmentGraph> graphOf(FragmentProfile const& profile, Row const& 
 std::string includedText(Set<WString> const& names) {
   Array<WString> flat;
   Set<WString> done;
-  ShaderIncludes::Singleton().createFlatIncludeArray(flat, done, names);
+  libraries().includes().createFlatIncludeArray(flat, done, names);
   std::string text;
   for (WString const& name : flat) {
-    text += toUtf8(ShaderIncludes::Singleton().getIncludeContent(name.c_str())) + "\n";
+    text += toUtf8(libraries().includes().getIncludeContent(name.c_str())) + "\n";
   }
   return text;
 }
@@ -194,10 +194,10 @@ void placeInputs(FragmentProfile const& profile, ITextParameterList const& param
 
 template <typename Tool>
 Function collapseWith(FragmentProfile const& profile, Row const& row,
-                      host::ShadingEnvironment const& environment) {
+                      host::ShadingEnvironment const& environment, double lightLod) {
   RefPtr<AShaderFragmentGraph> const graph = graphOf(profile, row);
-  auto const options =
-      makeRef<host::ShaderOptions>(UString(L"dx11"), static_cast<float>(profile.lod), 100.0f, &environment);
+  auto const options = makeRef<host::ShaderOptions>(UString(L"dx11"), static_cast<float>(profile.lod),
+                                                    static_cast<float>(lightLod), &environment);
   auto const tool = makeRef<Tool>();
   IShaderFragment const* const result =
       tool->collapse(graph.get(), &environment, options.get(), &libraries().language());
@@ -246,14 +246,22 @@ std::vector<FragmentProfile> profilesIn(std::string const& file) {
   return result;
 }
 
-Function collapsedFunction(FragmentProfile const& profile, Row const& row) {
-  return collapseWith<AShaderCollapseToolDefault>(profile, row, *makeRef<host::ShadingEnvironment>());
+std::string includeText(std::string const& name) {
+  libraries();
+  Set<WString> names;
+  names.insert(fromUtf8(name));
+  return includedText(names);
 }
 
-Function litFunction(FragmentProfile const& profile, Row const& row, std::string const& environmentFile) {
+Function collapsedFunction(FragmentProfile const& profile, Row const& row) {
+  return collapseWith<AShaderCollapseToolDefault>(profile, row, *makeRef<host::ShadingEnvironment>(), 100.0);
+}
+
+Function litFunction(FragmentProfile const& profile, Row const& row, std::string const& environmentFile,
+                     double lightLod) {
   RefPtr<host::ShadingEnvironment> const environment =
       host::loadEnvironment(environmentFile, libraries().language());
-  return collapseWith<AShaderCollapseToolLightLoop>(profile, row, *environment);
+  return collapseWith<AShaderCollapseToolLightLoop>(profile, row, *environment, lightLod);
 }
 
 std::vector<std::uint32_t> compileCompute(std::string const& hlsl) {

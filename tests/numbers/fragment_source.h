@@ -26,7 +26,11 @@ std::vector<FragmentProfile> profilesIn(std::string const& file);
 Function collapsedFunction(FragmentProfile const& profile, Row const& row);
 
 // The same of a surface, collapsed by the light loop under the lights of an environment document.
-Function litFunction(FragmentProfile const& profile, Row const& row, std::string const& environmentFile);
+Function litFunction(FragmentProfile const& profile, Row const& row, std::string const& environmentFile,
+                     double lightLod = 100.0);
+
+// The text of an include file of library/ with what it includes.
+std::string includeText(std::string const& name);
 
 // Compiles a compute shader with the entry point "main" to validated SPIR-V. Throws std::runtime_error with
 // the compiler's complaints and the text.

@@ -99,7 +99,7 @@ Result wood(Sample const& in, int octaves, bool hasFibres) {
   Vec3 const p = in.vec3(0);
   double late = ringAt(p, in(1), in(2), octaves);
   if (hasFibres) {
-    late += in(3) * perlinNoise(p * Vec3{60.0, 2.0, 60.0});
+    late += in(3) * perlinNoise(turned(p * Vec3{60.0, 2.0, 60.0}));
   }
   return Result(mix(in.vec3(4), in.vec3(5), clamp01(late)));
 }
@@ -122,7 +122,7 @@ Result flakes(Sample const& in) {
 Result terrainHeight(Sample const& in) {
   Vec3 const p{in.vec2(0).x * in(1), in.vec2(0).y * in(1), 0.0};
   int const octaves = static_cast<int>(in(2));
-  double const hills = 0.5 + 0.5 * fbm(p, octaves, 2.0, 0.5);
+  double const hills = clamp01(0.5 + 1.2 * fbm(p, octaves, 2.0, 0.5));
   double const crests = ridged(p + Vec3{31.7, 11.3, 4.9}, octaves, 2.0);
   return Result(hills * (0.5 + 0.5 * crests));
 }
@@ -240,7 +240,7 @@ std::vector<Row> wallRows() {
          // The mortar takes its width off each brick's height and, in brick heights, off its width.
          double const widthInHeights = in.vec2(1).y / in.vec2(1).x;
          double const share = (1.0 - in(2)) * std::max(widthInHeights - in(2), 0.0) / widthInHeights;
-         return Result(mix(in.vec3(4), in.vec3(3), share), 1.0);
+         return Result(mix(in.vec3(4), in.vec3(3), share), share);
        },
        0.0},
   };
@@ -281,7 +281,8 @@ std::vector<Row> materialRows() {
        {2e-4, 0.0, "positions of up to 160 cells are rounded"},
        [](Sample const& in) {
          Vec2 const q = in.vec2(0) * Vec2{in(1) / std::max(in(2), 1.0), in(1)};
-         return Result(0.5 * valueNoise(q) + 0.3 * valueNoise(q * 2.0) + 0.2 * valueNoise(q * 4.0));
+         return Result(0.5 * valueNoise(q) + 0.3 * valueNoise(q * 2.0 + Vec2{0.37, 0.37}) +
+                       0.2 * valueNoise(q * 4.0 + Vec2{0.71, 0.71}));
        }},
       {"terrainHeight",
        {vector2("position", -4, 4), number("scale", 0.1, 1), wholeInt("octaves", 0, 5)},
@@ -293,7 +294,7 @@ std::vector<Row> materialRows() {
        kOctaves,
        [](Sample const& in) {
          Vec3 const p{in.vec2(0).x * in(1), in.vec2(0).y * in(1), 0.0};
-         return Result(0.375 + 0.375 * fbm(p, std::min(static_cast<int>(in(2)), 2), 2.0, 0.5));
+         return Result(0.8 * clamp01(0.5 + 1.2 * fbm(p, std::min(static_cast<int>(in(2)), 2), 2.0, 0.5)));
        },
        0.0},
       {"terrainColor",
@@ -303,12 +304,23 @@ std::vector<Row> materialRows() {
   };
 }
 
+// A compute stage has no pixels: the filtered pattern is the plain one.
+Row filteredRow(std::vector<Row> const& rows, std::string const& plain, std::string const& filtered) {
+  Row row = *std::find_if(rows.begin(), rows.end(), [&](Row const& each) { return each.fragment == plain; });
+  row.fragment = filtered;
+  row.tolerance = kCells;
+  return row;
+}
+
 }  // namespace
 
 Topic patternTopic() {
   Topic topic{"patterns.fraglib", {}};
   for (std::vector<Row> const& rows : {regularRows(), wallRows(), materialRows()}) {
     topic.rows.insert(topic.rows.end(), rows.begin(), rows.end());
+  }
+  for (std::string const name : {"stripe", "dot", "grid", "brick"}) {
+    topic.rows.push_back(filteredRow(topic.rows, name + "Pattern", name + "Filtered"));
   }
   return topic;
 }

@@ -28,7 +28,34 @@ inline double visibility(double alpha, double nDotL, double nDotV) {
   return masking / (4.0 * nDotL * nDotV);
 }
 
-// Oren and Nayar 1994, equation 30, in angles, relative to Lambert; 0 for a light below the surface.
+// Heitz 2014, equations 80 and 86: the same with the width of the facets' slopes along each direction.
+// Directions by their parts along tangent, binormal and normal.
+inline double anisotropicVisibility(double along, double across, Vec3 l, Vec3 v) {
+  auto const lambda = [&](Vec3 direction) {
+    double const slope2 = std::pow(along * direction.x, 2) + std::pow(across * direction.y, 2);
+    return (std::sqrt(1.0 + slope2 / (direction.z * direction.z)) - 1.0) / 2.0;
+  };
+  return 1.0 / (1.0 + lambda(l) + lambda(v)) / (4.0 * l.z * v.z);
+}
+
+// Hammon 2017, slide 84: a line between the masking of smooth and rough surfaces.
+inline double fastVisibility(double alpha, double nDotL, double nDotV) {
+  return 0.5 / mix(2.0 * nDotL * nDotV, nDotL + nDotV, alpha);
+}
+
+// What GGX sends back of light from one direction, integrated; alone and in the two parts that Schlick's
+// Fresnel term gives it: reflectance * plain + grazing.
+struct GgxAlbedo {
+  double plain = 0.0;
+  double grazing = 0.0;
+  double loss() const { return 1.0 - plain - grazing; }
+};
+GgxAlbedo ggxAlbedo(double alpha, double cosine);
+// The mean over all directions, weighted with the cosine.
+GgxAlbedo ggxMeanAlbedo(double alpha);
+
+// Oren and Nayar 1994, equation 30, in angles, relative to Lambert; 0 for a light below the surface. Made
+// smaller where the brightest direction would send back more than arrives.
 inline double orenNayarFactor(Vec3 n, Vec3 l, Vec3 v, double sigma) {
   if (dot(n, l) <= 0.0) {
     return 0.0;
@@ -41,12 +68,21 @@ inline double orenNayarFactor(Vec3 n, Vec3 l, Vec3 v, double sigma) {
   double const azimuth = dot(unit(l - n * dot(n, l)), unit(v - n * dot(n, v)));
   double const rough = std::max(azimuth, 0.0) * std::sin(std::max(lightAngle, viewAngle)) *
                        std::tan(std::min(lightAngle, viewAngle));
-  return a + b * rough;
+  return (a + b * rough) / std::max(a + b / 2.0, 1.0);
 }
 
-// Blinn 1977, normalised by (exponent + 8) / 8 pi (Akenine-Moeller et al. 2008).
+// What that model sends back of light from one direction, integrated.
+double orenNayarAlbedo(double sigma, double cosine);
+double orenNayarMeanAlbedo(double sigma);
+
+// Blinn 1977, normalised so that its albedo for light along the normal is 1 (Giesen 2009).
 inline double blinnLobe(Vec3 n, Vec3 l, Vec3 v, double exponent) {
-  return (exponent + 8.0) / (8.0 * kPi) * std::pow(std::max(dot(n, unit(l + v)), 0.0), exponent);
+  double const scale =
+      (exponent + 2.0) * (exponent + 4.0) / (8.0 * kPi * (std::pow(2.0, -exponent / 2.0) + exponent));
+  return scale * std::pow(std::max(dot(n, unit(l + v)), 0.0), exponent);
 }
+
+// What that highlight sends back of light from one direction, integrated.
+double blinnAlbedo(double exponent, double cosine);
 
 }  // namespace numbers_test

@@ -35,6 +35,12 @@ double blendCorners(Vec3 p, std::function<double(Vec3 corner)> const& at) {
   return sum;
 }
 
+// The lattice of each octave is turned (in the plane by the angle of the triangle with sides 3, 4 and 5) and
+// moved.
+Vec2 turned(Vec2 p) {
+  return Vec2{(4.0 * p.x - 3.0 * p.y) / 5.0, (3.0 * p.x + 4.0 * p.y) / 5.0} + Vec2{0.37, 0.71};
+}
+
 template <typename Vector>
 double octaveSum(Vector p, int octaves, double lacunarity, double gain,
                  std::function<double(double)> const& shape) {
@@ -42,13 +48,23 @@ double octaveSum(Vector p, int octaves, double lacunarity, double gain,
   double weights = 0.0;
   for (int i = 0; i < octaves; ++i) {
     double const weight = std::pow(gain, i);
-    sum += weight * shape(perlinNoise(p * std::pow(lacunarity, i)));
+    p = turned(p);
+    sum += weight * shape(perlinNoise(p));
     weights += weight;
+    p = p * lacunarity;
   }
   return weights > 0.0 ? sum / weights : 0.0;
 }
 
 }  // namespace
+
+Vec3 turned(Vec3 p) {
+  // An orthogonal matrix of ninths.
+  Vec3 const x = Vec3{8, 1, -4} * (1.0 / 9.0);
+  Vec3 const y = Vec3{-4, 4, -7} * (1.0 / 9.0);
+  Vec3 const z = Vec3{1, 8, 4} * (1.0 / 9.0);
+  return Vec3{dot(x, p), dot(y, p), dot(z, p)} + Vec3{0.37, 0.71, 0.53};
+}
 
 std::uint32_t pcgHash(std::uint32_t key) {
   std::uint32_t const state = key * 747796405u + 2891336453u;
@@ -161,11 +177,13 @@ double ridged(Vec3 p, int octaves, double lacunarity) {
   double weights = 0.0;
   double previous = 1.0 / kGain;
   for (int i = 0; i < octaves; ++i) {
-    double const crest = kOffset - std::fabs(perlinNoise(p * std::pow(lacunarity, i)));
+    p = turned(p);
+    double const crest = kOffset - std::fabs(perlinNoise(p));
     double const signal = crest * crest * clamp01(previous * kGain);
     sum += signal * std::exp2(-i);
     weights += std::exp2(-i);
     previous = signal;
+    p = p * lacunarity;
   }
   return weights > 0.0 ? sum / weights : 0.0;
 }

@@ -33,8 +33,11 @@ double valueNoise(Vec3 p);
 double perlinNoise(Vec2 p);
 double perlinNoise(Vec3 p);
 
+// The lattice of an octave, which is turned and moved; the library's choice.
+Vec3 turned(Vec3 p);
+
 // The sum of octaves of weight gain^i at frequency lacunarity^i over the sum of the weights; 0 without
-// octaves.
+// octaves. Each octave's lattice is turned once more than the one before.
 double fbm(Vec2 p, int octaves, double lacunarity, double gain);
 double fbm(Vec3 p, int octaves, double lacunarity, double gain);
 double turbulence(Vec3 p, int octaves, double lacunarity, double gain);

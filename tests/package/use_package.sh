@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # One test of the installed package: use_package.sh TEST BUILD_FOLDER PREFIX WORK_FOLDER VERSION
-# CXX, CXXFLAGS and CMAKE say what to build with.
+# CXX, CXXFLAGS and CMAKE say what to build with, COMPILERS (ON or OFF) what the host library was built with.
 set -euo pipefail
 test=$1 build=$2 prefix=$3 work=$4 version=$5
 # The program is the example that the README shows, so that it is known to work.
@@ -37,6 +37,26 @@ by_pkg_config() {
   LD_LIBRARY_PATH=$(libdir "$installed") expect_output "sfg $version on platform $version" "$work/first"
 }
 
+# The example programs and what they read, away from the source tree.
+copy_examples() {
+  cp -a "$sources/examples/own_graph" "$sources/examples/compile_material" "$work"
+  cp "$sources/examples/materials/brick.json" "$sources/examples/environments/studio.json" "$work"
+}
+
+# Runs both programs with the installed library; the last line tells how far they came.
+expect_examples() {
+  local own_graph=$1 compile_material=$2 library=$prefix/share/sfg/library last printed
+  cd "$work"
+  last='}'
+  if [ "$COMPILERS" = ON ]; then last='// [0-9]+ words of SPIR-V'; fi
+  printed=$("$own_graph" "$library") || fail "own_graph failed, printing: $printed"
+  [[ $(tail -1 <<<"$printed") =~ ^$last$ ]] || fail "own_graph printed at its end: $(tail -1 <<<"$printed")"
+  last='material\.hlsl: [0-9]+ bytes'
+  if [ "$COMPILERS" = ON ]; then last='material\.glsl: [0-9]+ bytes'; fi
+  printed=$("$compile_material" "$library" brick.json studio.json out) || fail "compile_material failed: $printed"
+  [[ $(tail -1 <<<"$printed") =~ ^$last$ ]] || fail "compile_material printed at its end: $printed"
+}
+
 case "$test" in
   Installs)
     rm -rf "$prefix"
@@ -51,6 +71,29 @@ case "$test" in
     ;;
   IsFoundByPkgConfig)
     by_pkg_config "$prefix"
+    ;;
+  ExamplesAreBuiltByCMake)
+    copy_examples
+    cp -a "$sources/examples/embedding" "$work"
+    for example in own_graph compile_material embedding; do
+      "$CMAKE" -S "$work/$example" -B "$work/$example/build" -G Ninja -DCMAKE_CXX_COMPILER="$CXX" \
+        -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_PREFIX_PATH="$prefix"
+      "$CMAKE" --build "$work/$example/build"
+    done
+    expect_examples "$work/own_graph/build/own_graph" "$work/compile_material/build/compile_material"
+    "$work/embedding/build/embedding" "$prefix/share/sfg/library" | grep -q '^entry point main, uniforms '
+    ;;
+  ExamplesAreBuiltByPkgConfig)
+    copy_examples
+    flags=$(PKG_CONFIG_LIBDIR="$(libdir "$prefix")/pkgconfig" pkg-config --cflags --libs sfg-host)
+    for example in own_graph compile_material; do
+      # shellcheck disable=SC2086
+      "$CXX" -std=c++20 $CXXFLAGS "$work/$example/main.cpp" -o "$work/$example/program" $flags \
+        -Wl,-rpath-link,"$(libdir "$prefix")"
+    done
+    LD_LIBRARY_PATH=$(libdir "$prefix")
+    export LD_LIBRARY_PATH
+    expect_examples "$work/own_graph/program" "$work/compile_material/program"
     ;;
   SurvivesAMove)
     cp -a "$prefix" "$work/elsewhere"

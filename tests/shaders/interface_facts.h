@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/shader/shader_interface.h"
+#include "sfg/host/reflect.h"
 
 namespace shaders_test {
 

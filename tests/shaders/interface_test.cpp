@@ -4,7 +4,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/shader_compiler.h"
+#include "host/modules/shader_compiler.h"
+#include "host/shader/shader_target.h"
 #include "tests/shaders/interface_facts.h"
 #include "tests/shaders/shader_fixture.h"
 #include "tolmsdk/unicode.h"

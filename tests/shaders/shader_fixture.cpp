@@ -2,9 +2,9 @@
 
 #include <fstream>
 
-#include "host/fragment_files.h"
-#include "host/shader_compiler.h"
-#include "host/warnings.h"
+#include "host/diagnostics/warnings.h"
+#include "host/modules/shader_compiler.h"
+#include "host/shader/shader_target.h"
 #include "tests/shaders/interface_facts.h"
 #include "tolmsdk/unicode.h"
 
@@ -17,10 +17,7 @@ namespace fs = std::filesystem;
 
 const std::vector<std::string> kLibrary = {"library"};
 
-const FragmentFiles& libraryFiles() {
-  static const FragmentFiles files(kLibrary);
-  return files;
-}
+const FragmentFiles& libraryFiles() { return standardLibrary().files(); }
 
 /// Compares what the interface says with what is read from the target's module or text.
 std::string checkInterface(const AssembledShader& assembled, const std::vector<std::uint32_t>& spirv,
@@ -70,8 +67,7 @@ CollapseSettings ShaderFixture::settings(const Json& graph) const {
   CollapseSettings settings;
   settings.graphFile = (folder_ / "graph.json").string();
   settings.libraryFolders = kLibrary;
-  // Registered with the process once, by standardLibrary(): a second time would add each file to itself.
-  standardLibrary();
+  settings.includeFolders = kLibrary;
   return settings;
 }
 
@@ -93,7 +89,7 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   if (job.result() == nullptr) return "the collapse answers null";
   const AssembledShader assembled = assembleShader(job, stage, NameStyle::readable);
   if (!assembled.missingIncludes.empty()) return "include files are missing";
-  for (const Warning& warning : findWarnings(job, true)) return warning.place + ": " + warning.text;
+  for (const Diagnostic& warning : findWarnings(job, true)) return warning.place() + ": " + warning.text;
   const std::string hlsl = TolmSDK::toUtf8(assembled.shader.getCompleteShader());
   try {
     const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage);

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "host/collapse_job.h"
-#include "host/shader_assembly.h"
+#include "host/job/collapse_job.h"
+#include "host/shader/shader_assembly.h"
 
 namespace shaders_test {
 

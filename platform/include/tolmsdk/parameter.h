@@ -2,6 +2,7 @@
 
 // Parameter records: ports of fragments and graphs, and uniforms.
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -16,7 +17,8 @@
 namespace TolmSDK::Graphics {
 
 /// One port or uniform: shared by reference between fragments, clones and graphs; filled once, then only
-/// read.
+/// read. References to its texts and its value stay valid until a setter or a load changes it; that to its
+/// name as long as the parameter.
 class TOLMSDK_API AParameter : public RefCounted<IRefObject> {
 public:
   /// Flag bit 0: the parameter has a constant value, which the host's options give.
@@ -35,7 +37,7 @@ public:
 
   const WString& getName() const noexcept { return name_; }
   void setName(const WString& name) { name_ = name; }
-  const TypeID& getType() const noexcept { return type_; }
+  const TypeID& getType() const noexcept { return typesDefault_->type(); }
   /// Also resets the default value to the type's.
   void setType(const TypeID& type);
   /// Name of the structure type; meaningful with TypeID_struct only.
@@ -47,28 +49,39 @@ public:
   bool isConstant() const noexcept { return (flags_ & kConstantFlag) != 0; }
 
   /// Valid until the parameter gets another type or default value.
-  const AValue& getDefaultValue() const noexcept { return *defaultValue_; }
+  const AValue& getDefaultValue() const noexcept;
   void setDefaultValue(const AValue& value);
 
   /// What the host binds the parameter to. Empty: a pre-process output is declared by the collapse, and an
   /// output is registered as a custom state variable.
-  const UString& getSemantic() const noexcept { return semantic_; }
-  void setSemantic(const UString& semantic) { semantic_ = semantic; }
+  const UString& getSemantic() const noexcept;
+  void setSemantic(const UString& semantic);
 
 protected:
   /// A copy under another name.
   AParameter(const AParameter& other, WString name);
 
 private:
-  // A collapse makes a parameter for every uniform, so what most do not have, or have in common, is kept
-  // apart.
-  WString name_;
-  std::unique_ptr<WString> structName_;
-  std::unique_ptr<WString> loadError_;
-  UString semantic_;
-  TypeID type_;
+  /// What most parameters do without. Copies share it, and then it never changes again.
+  struct Rest : public ARefObject {
+    Rest() = default;
+    Rest(const Rest& other);
+
+    UString semantic;
+    WString structName;
+    WString loadError;
+    std::unique_ptr<const AValue> defaultValue;  // null: the type's
+    std::atomic<bool> isShared{false};
+  };
+
+  const Rest& rest() const noexcept;
+  Rest& makeRestOwn();
+
+  // A collapse makes a parameter for every uniform, so they are small.
   std::uint32_t flags_ = 0;
-  std::shared_ptr<const AValue> defaultValue_;  // never null; shared by copies
+  WString name_;
+  const AValue* typesDefault_;  // of the parameter's type
+  RefPtr<Rest> rest_;           // null as long as nothing of it is set
 };
 
 /// A copy of a parameter under another name: a uniform whose name is unique in a shader.

@@ -5,3 +5,4 @@
 #include "collapse/context.h"
 #include <nlohmann/json.hpp>
 #include <unistd.h>
+#include "sfg/host/job.h"

@@ -1,1 +1,2 @@
 #include "text/upwards.h"
+#include "sfg/host/job.h"

@@ -1,0 +1,304 @@
+#include "host/diagnostics/refusal_place.h"
+
+#include <optional>
+
+#include "host/documents/diagnose.h"
+#include "host/documents/document_reader.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+using Found = std::optional<Diagnostic>;
+
+/// The searches for one job. Each answers nothing when the document does not show what it looks for.
+class RefusalSearch {
+public:
+  explicit RefusalSearch(const CollapseJob& job) : job_(job), document_(job.document()) {}
+
+  Found unknownFragment() const {
+    for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
+      const GraphNode& node = document_.node(i);
+      if (fragmentOf(node) == nullptr) {
+        return at(node.position(), named(node) + " uses the fragment " + inTicks(node.fragmentName()) +
+                                       ", which no library has");
+      }
+    }
+    return std::nullopt;
+  }
+
+  /// The first wire, in the order in which they are made, that closes a loop.
+  Found loop() const {
+    std::size_t sound = 0;
+    std::size_t broken = countWires();
+    if (!hasLoop(broken)) return std::nullopt;
+    while (broken - sound > 1) {
+      const std::size_t middle = sound + (broken - sound) / 2;
+      (hasLoop(middle) ? broken : sound) = middle;
+    }
+    return describeWire(broken - 1);
+  }
+
+  Found unwiredOutput() const {
+    for (std::size_t i = 0; i < document_.getNumOutputs(); ++i) {
+      if (document_.outputWires()[i].source == nullptr) {
+        return at(document_.outputWires()[i].position,
+                  "graph output " + name(document_.getOutput(i)) + " has no `node`");
+      }
+    }
+    return std::nullopt;
+  }
+
+  Found noOutput() const {
+    if (document_.getNumOutputs() != 0) return std::nullopt;
+    return atFile("the graph has no `outputs`");
+  }
+
+  Found preprocessWithInputs() const {
+    for (const GraphDocument::ChainFragment& link : document_.preprocess()) {
+      const RefPtr<IShaderFragment> clone =
+          cloneWithPorts(*link.fragment, WString(), job_.libraries().language());
+      if (clone->getNumInputs() == 0) continue;
+      return at(link.position,
+                "pre-process fragment " + inTicks(link.name) + " has the input " + name(clone->getInput(0)));
+    }
+    return std::nullopt;
+  }
+
+  Found mismatchedOutput() const {
+    const bool chained = !document_.postprocess().empty();
+    const RefPtr<IShaderFragment const> target =
+        chained ? cloneWithPorts(*document_.postprocess()[0].fragment, WString(), job_.libraries().language())
+                : RefPtr<IShaderFragment const>(job_.environment().getOutputFragment());
+    if (!target) return std::nullopt;
+    const std::string taker =
+        (chained ? "post-process fragment " : "output fragment ") + inTicks(target->key());
+    for (std::size_t i = 0; i < target->getNumInputs(); ++i) {
+      const std::string input = "input " + name(target->getInput(i)) + " of " + taker;
+      if (i >= document_.getNumOutputs()) {
+        return atFile("the graph has no output for " + input);
+      }
+      if (target->getInput(i)->getType() == document_.getOutput(i)->getType()) continue;
+      return at(document_.outputWires()[i].position, "graph output " + name(document_.getOutput(i)) +
+                                                         " of type " + typeText(*document_.getOutput(i)) +
+                                                         " feeds " + input + " of type " +
+                                                         typeText(*target->getInput(i)));
+    }
+    return std::nullopt;
+  }
+
+  Found outputsOfSeveralNodes() const {
+    if (job_.settings().tool != CollapseTool::standard) return std::nullopt;
+    const Array<GraphNode::Wire>& wires = document_.outputWires();
+    for (std::size_t i = 1; i < wires.size(); ++i) {
+      if (wires[i].source == nullptr || wires[i].source == wires[0].source) continue;
+      return at(wires[i].position, "graph output " + name(document_.getOutput(i)) + " comes from " +
+                                       named(*wires[i].source) + " and " + name(document_.getOutput(0)) +
+                                       " from " + named(*wires[0].source) +
+                                       "; without a light loop all outputs come from one node");
+    }
+    return std::nullopt;
+  }
+
+  /// The first node whose ports do not fit the function it stands for.
+  Found mismatchedPorts() const {
+    for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
+      const GraphNode& node = document_.node(i);
+      const IShaderFragmentProfile* const profile = profileOf(node);
+      if (profile == nullptr) continue;
+      if (Found found = mismatchedPorts(node, *profile)) return found;
+    }
+    return std::nullopt;
+  }
+
+  Found nodeWithoutDefaultProfile() const {
+    for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
+      const GraphNode& node = document_.node(i);
+      const IShaderFragment* const fragment = fragmentOf(node);
+      if (fragment != nullptr && !hasDefaultProfile(*fragment))
+        return at(node.position(), lacksDefault(named(node), *fragment));
+    }
+    return std::nullopt;
+  }
+
+  /// A node, light or chain fragment without a profile that the collapse could fall back on.
+  Found withoutDefaultProfile() const {
+    if (Found found = nodeWithoutDefaultProfile()) return found;
+    for (const auto* chain : {&document_.preprocess(), &document_.postprocess()}) {
+      for (const GraphDocument::ChainFragment& link : *chain) {
+        if (!hasDefaultProfile(*link.fragment))
+          return at(link.position, lacksDefault("the chain", *link.fragment));
+      }
+    }
+    for (const ShadingEnvironment::Light& light : job_.environment().lights()) {
+      if (!hasDefaultProfile(*light.fragment)) {
+        return atLight(light, lacksDefault("light " + inTicks(light.name), *light.fragment));
+      }
+    }
+    return std::nullopt;
+  }
+
+  /// The light that the message names by its name or its profile's.
+  Found light(std::wstring_view message) const {
+    for (const ShadingEnvironment::Light& light : job_.environment().lights()) {
+      const WString& profile = light.profile->getProfilename();
+      const bool named = message.find(L" of light " + light.name + L":") != message.npos ||
+                         message.find(L" of light " + light.name + L".") != message.npos;
+      if (!named && message.find(L"light profile " + profile + L".") == message.npos) continue;
+      return atLight(light, "light " + inTicks(light.name) + " asks for the profile " + inTicks(profile) +
+                                surfaceWithout(profile));
+    }
+    return std::nullopt;
+  }
+
+  Diagnostic outputOrFile() const {
+    for (const GraphNode::Wire& wire : document_.outputWires()) {
+      if (wire.source != nullptr) {
+        return at(wire.position, "on the way to " + named(*wire.source) + ", output " +
+                                     name(wire.source->getOutput(wire.output)));
+      }
+    }
+    return atFile("while this graph was collapsed");
+  }
+
+private:
+  static std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
+  static std::string name(const AParameter* parameter) { return inTicks(parameter->getName()); }
+
+  Diagnostic atFile(const std::string& text) const { return at(TextPosition(), text); }
+  Diagnostic at(TextPosition position, const std::string& text) const {
+    return diagnose(Severity::note, document_.file(), position, text);
+  }
+  Diagnostic atLight(const ShadingEnvironment::Light& light, const std::string& text) const {
+    return diagnose(Severity::note, job_.environment().file(), light.position, text);
+  }
+
+  const IShaderFragment* fragmentOf(const GraphNode& node) const {
+    return job_.libraries().language().findFragment(node.fragmentName());
+  }
+  const IShaderFragmentProfile* profileOf(const GraphNode& node) const {
+    const IShaderFragment* const fragment = fragmentOf(node);
+    return fragment == nullptr ? nullptr
+                               : fragment->findBestProfile(L"default", job_.options().getLanguage(),
+                                                           job_.options().getSurfaceLOD());
+  }
+  bool hasDefaultProfile(const IShaderFragment& fragment) const {
+    return fragment.findBestProfile(L"default", job_.options().getLanguage(), 100.0f) != nullptr;
+  }
+  std::string lacksDefault(const std::string& user, const IShaderFragment& fragment) const {
+    return user + " uses the fragment " + inTicks(fragment.key()) +
+           ", which has no profile `default` for the language " +
+           inTicks(job_.options().getLanguage().view());
+  }
+
+  std::string surfaceWithout(const WString& profile) const {
+    for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
+      const IShaderFragment* const fragment = fragmentOf(document_.node(i));
+      if (fragment == nullptr || hasDefaultProfile(*fragment)) continue;
+      if (fragment->findBestProfile(profile, job_.options().getLanguage(), 100.0f) != nullptr) continue;
+      return "; " + named(document_.node(i)) + " has neither it nor `default`";
+    }
+    return std::string();
+  }
+
+  Found mismatchedPorts(const GraphNode& node, const IShaderFragmentProfile& profile) const {
+    const ITextParameterList& list = *profile.getFunctionParameters();
+    if (node.getNumInputs() != list.getNumInputs()) {
+      return at(node.position(), counted(node, node.getNumInputs(), "inputs", list.getNumInputs()));
+    }
+    const bool isInline = profile.getMode() == EShaderFragmentProfileMode::Inline;
+    const std::size_t outputs = isInline ? 1 : list.getNumOutputs();
+    if (node.getNumOutputs() == outputs) return std::nullopt;
+    return at(node.position(), counted(node, node.getNumOutputs(), "outputs", outputs));
+  }
+  static std::string counted(const GraphNode& node, std::size_t has, const std::string& what,
+                             std::size_t wants) {
+    return named(node) + " has " + std::to_string(has) + " " + what + ", its fragment " +
+           inTicks(node.fragmentName()) + " " + std::to_string(wants);
+  }
+
+  std::size_t countWires() const {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
+      for (const GraphNode::Wire& wire : document_.node(i).wires()) count += wire.source != nullptr ? 1 : 0;
+    }
+    return count;
+  }
+
+  /// Whether the first `limit` wires hold a loop: nodes are taken away while one is left that nothing feeds.
+  bool hasLoop(std::size_t limit) const {
+    std::vector<std::size_t> feeds(document_.getNumNodes());
+    std::vector<std::vector<std::size_t>> takers(document_.getNumNodes());
+    std::size_t seen = 0;
+    for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
+      for (const GraphNode::Wire& wire : document_.node(i).wires()) {
+        if (wire.source == nullptr || seen++ >= limit) continue;
+        ++feeds[i];
+        takers[wire.source->index()].push_back(i);
+      }
+    }
+    std::vector<std::size_t> free;
+    for (std::size_t i = 0; i < feeds.size(); ++i) {
+      if (feeds[i] == 0) free.push_back(i);
+    }
+    std::size_t removed = 0;
+    while (!free.empty()) {
+      const std::size_t node = free.back();
+      free.pop_back();
+      ++removed;
+      for (const std::size_t taker : takers[node]) {
+        if (--feeds[taker] == 0) free.push_back(taker);
+      }
+    }
+    return removed != feeds.size();
+  }
+
+  Found describeWire(std::size_t number) const {
+    for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
+      const GraphNode& node = document_.node(i);
+      for (std::size_t k = 0; k < node.wires().size(); ++k) {
+        const GraphNode::Wire& wire = node.wires()[k];
+        if (wire.source == nullptr || number-- != 0) continue;
+        return at(wire.position, "input " + name(node.getInput(k)) + " of " + named(node) +
+                                     " closes a loop through " + named(*wire.source));
+      }
+    }
+    return std::nullopt;
+  }
+
+  const CollapseJob& job_;
+  const GraphDocument& document_;
+};
+
+Found findByMessage(const RefusalSearch& search, std::wstring_view message) {
+  const auto says = [message](std::wstring_view words) { return message.find(words) != message.npos; };
+  if (says(L"Failed to create fragment")) return search.unknownFragment();
+  if (says(L"circular loop")) return search.loop();
+  if (says(L"Graph output must")) return search.unwiredOutput();
+  if (says(L"at least one output")) return search.noOutput();
+  if (says(L"pre-process fragment should")) return search.preprocessWithInputs();
+  if (says(L"graph outputs should be the same")) return search.mismatchedOutput();
+  if (says(L"have a default profile")) return search.withoutDefaultProfile();
+  if (says(L"Failed to set default profile")) return search.nodeWithoutDefaultProfile();
+  if (says(L"Inline body parameter count")) return search.mismatchedPorts();
+  if (says(L"light")) return search.light(message);
+  return std::nullopt;
+}
+
+}  // namespace
+
+Diagnostic findRefusalPlace(const CollapseJob& job, std::wstring_view message) {
+  const RefusalSearch search(job);
+  if (Found found = findByMessage(search, message)) return *found;
+  // Something could not be evaluated: the usual causes, most exact first.
+  if (message.empty() || message.find(L"evaluate") != message.npos) {
+    if (Found found = search.nodeWithoutDefaultProfile()) return *found;
+    if (Found found = search.outputsOfSeveralNodes()) return *found;
+    if (Found found = search.mismatchedPorts()) return *found;
+    return search.outputOrFile();
+  }
+  return diagnose(Severity::note, job.document().file(), {}, "while this graph was collapsed");
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

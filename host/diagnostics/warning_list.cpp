@@ -1,0 +1,25 @@
+#include "host/diagnostics/warning_list.h"
+
+#include "host/documents/diagnose.h"
+#include "host/documents/document_reader.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+void WarningList::atGraph(TextPosition position, const std::string& text) {
+  warnings_.push_back(diagnose(Severity::warning, job_.document().file(), position, text));
+}
+
+void WarningList::atLight(const ShadingEnvironment::Light& light, const std::string& text) {
+  warnings_.push_back(diagnose(Severity::warning, job_.environment().file(), light.position, text));
+}
+
+void WarningList::atFragment(const IShaderFragment& fragment, const std::string& text) {
+  const FragmentFiles::Entry* const entry = job_.libraries().files().find(fragment.key());
+  warnings_.push_back(diagnose(Severity::warning, entry != nullptr ? entry->file : std::string(),
+                               entry != nullptr ? entry->position : TextPosition(),
+                               "fragment " + inTicks(fragment.key()) + ": " + text));
+}
+
+std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
+
+}  // namespace TolmSDK::Graphics::sfg::host

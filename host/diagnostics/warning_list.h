@@ -1,0 +1,33 @@
+#pragma once
+
+// Warnings as they are found.
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/job/collapse_job.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// Puts warnings at their places.
+class WarningList {
+public:
+  explicit WarningList(const CollapseJob& job) : job_(job) {}
+
+  void atGraph(TextPosition position, const std::string& text);
+  void atLight(const ShadingEnvironment::Light& light, const std::string& text);
+  /// About a fragment's own code, at its place in the library.
+  void atFragment(const IShaderFragment& fragment, const std::string& text);
+
+  std::vector<Diagnostic> take() { return std::move(warnings_); }
+
+private:
+  const CollapseJob& job_;
+  std::vector<Diagnostic> warnings_;
+};
+
+/// "node `mix`"
+std::string named(const GraphNode& node);
+
+}  // namespace TolmSDK::Graphics::sfg::host

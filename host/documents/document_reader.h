@@ -1,0 +1,77 @@
+#pragma once
+
+// Reading the JSON documents of the host: every refusal names file, place and what was expected.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "sfg/host/document.h"
+#include "sfg/host/errors.h"
+#include "tolmsdk/object_data_node.h"
+#include "tolmsdk/parameter.h"
+#include "tolmsdk/ref_object.h"
+#include "tolmsdk/value.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// Holds one document; nodes handed out live as long as it. Every operation that cannot read what it is asked
+/// for throws InputError. A key whose value is null counts as missing; unknown keys are ignored.
+class DocumentReader {
+public:
+  /// Loads it; its top level must be an object.
+  explicit DocumentReader(const Document& document);
+
+  const std::string& file() const noexcept { return file_; }
+  const IObjectDataNode& root() const noexcept { return *root_; }
+  /// Where the node is; nowhere in a document without places.
+  TextPosition positionOf(const IObjectDataNode& node) const {
+    return hasPlaces_ ? node.position() : TextPosition();
+  }
+
+  [[noreturn]] void refuse(const IObjectDataNode& at, const std::string& reason) const;
+
+  /// A non-empty string.
+  WString requiredName(const IObjectDataNode& object, std::wstring_view key) const;
+  std::optional<WString> optionalName(const IObjectDataNode& object, std::wstring_view key) const;
+  /// The same as UTF-8, which lives as long as this. Empty without one.
+  std::string_view optionalUtf8(const IObjectDataNode& object, std::wstring_view key) const;
+  std::string_view requiredUtf8(const IObjectDataNode& object, std::wstring_view key) const;
+  /// The array under `key`, or null.
+  const IObjectDataNode* optionalArray(const IObjectDataNode& object, std::wstring_view key) const;
+  /// The object under `key`, or null.
+  const IObjectDataNode* optionalObject(const IObjectDataNode& object, std::wstring_view key) const;
+  /// Element `index` of an array, which must be an object.
+  const IObjectDataNode& objectAt(const IObjectDataNode& array, std::size_t index) const;
+  /// Element `index` of an array, which must be a non-empty string.
+  WString nameAt(const IObjectDataNode& array, std::size_t index) const;
+
+  /// A parameter object. A constant must be of a type whose values have text.
+  RefPtr<AParameter> parameter(const IObjectDataNode& object) const;
+  /// The value, which must fit the parameter's type; `what()` names it in the refusal.
+  template <class Name>
+  AValue value(const IObjectDataNode& node, const AParameter& parameter, Name&& what) const {
+    AValue value(parameter.getType());
+    if (!readValue(node, value)) refuseValue(node, parameter, what());
+    return value;
+  }
+
+private:
+  static bool readValue(const IObjectDataNode& node, AValue& value);
+  [[noreturn]] void refuseValue(const IObjectDataNode& node, const AParameter& parameter,
+                                const std::string& what) const;
+
+  void load(const std::optional<std::string>& text);
+
+  std::string file_;
+  bool hasPlaces_;
+  RefPtr<IObjectDataNode> root_;
+};
+
+/// "`noise`": a name as diagnostics show it.
+std::string inTicks(std::string_view utf8);
+std::string inTicks(std::wstring_view name);
+/// The type as a person writes it: the language's name, or the structure's.
+std::string typeText(const AParameter& parameter);
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,347 @@
+#include "host/documents/graph_document.h"
+
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "host/documents/document_reader.h"
+#include "host/documents/port_finder.h"
+#include "host/documents/shading_environment.h"
+#include "sfg/shader_fragment_graph_builder.h"
+#include "tolmsdk/exception.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+constexpr std::wstring_view kInputSources[] = {L"node", L"graphInput", L"value", L"constant"};
+
+/// A copy with another default value.
+RefPtr<AParameter const> withValue(const AParameter& original, const AValue& value, bool constant) {
+  const RefPtr<AParameter> copy = makeRef<OverrideNameParameter>(original, original.getName());
+  copy->setDefaultValue(value);
+  const std::uint32_t otherFlags = original.getFlags() & ~AParameter::kConstantFlag;
+  copy->setFlags(otherFlags | (constant ? AParameter::kConstantFlag : 0));
+  return copy;
+}
+
+WString numbered(std::wstring_view prefix, std::size_t number) {
+  WString name(prefix);
+  appendDecimal(name, number);
+  return name;
+}
+
+}  // namespace
+
+GraphNode::GraphNode(const Type& type) : type_(&type) {}
+GraphNode::~GraphNode() = default;
+
+GraphNode::Wire& GraphNode::wire(std::size_t input) {
+  if (wires_.empty()) wires_.resize(getNumInputs());
+  return wires_[input];
+}
+
+bool GraphNode::getInputConnection(std::size_t index, const INodeAccessor*& source,
+                                   std::size_t& output) const {
+  if (wires_.empty() || wires_[index].source == nullptr) return false;
+  const Wire& wire = wires_[index];
+  source = wire.source;
+  output = wire.output;
+  return true;
+}
+
+GraphDocument::GraphDocument() = default;
+GraphDocument::~GraphDocument() = default;
+
+bool GraphDocument::getOutputConnection(std::size_t index, const INodeAccessor*& source,
+                                        std::size_t& output) const {
+  const GraphNode::Wire& wire = outputWires_[index];
+  if (wire.source == nullptr) return false;
+  source = wire.source;
+  output = wire.output;
+  return true;
+}
+
+const GraphNode* GraphDocument::findInstance(const WString& instanceName) const {
+  for (const RefPtr<GraphNode>& node : nodes_) {
+    if (numbered(L"n", node->index()) == instanceName) return node.get();
+  }
+  return nullptr;
+}
+
+/// Reads one document in the order in which its parts refer to each other: ports first, wires afterwards.
+class GraphLoader {
+public:
+  GraphLoader(const Document& document, const ILanguageTraits& language)
+      : reader_(document), language_(language) {
+    document_->file_ = document.name();
+  }
+
+  RefPtr<GraphDocument> load() {
+    readGraphInputs();
+    readUniforms();
+    readNodes();
+    readGraphOutputs();
+    wireNodes();
+    readChain(L"preprocess", document_->preprocess_);
+    readChain(L"postprocess", document_->postprocess_);
+    return document_;
+  }
+
+private:
+  void readGraphInputs() {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"inputs");
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      const IObjectDataNode& object = reader_.objectAt(*array, i);
+      document_->inputs_.push_back(reader_.parameter(object));
+      claimGraphName(object, document_->inputs_.back()->getName());
+      graphInputs_.emplace(document_->inputs_.back()->getName(), i);
+    }
+  }
+
+  void readUniforms() {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"uniforms");
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      document_->uniforms_.push_back(reader_.parameter(reader_.objectAt(*array, i)));
+    }
+  }
+
+  void readNodes() {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"nodes");
+    if (array == nullptr) return;
+    document_->nodes_.reserve(array->size());
+    nodes_.reserve(array->size());
+    for (std::size_t i = 0; i < array->size(); ++i) {
+      const IObjectDataNode& object = reader_.objectAt(*array, i);
+      const std::string_view name = reader_.requiredUtf8(object, L"name");
+      const RefPtr<GraphNode> node = makeRef<GraphNode>(typeOf(object));
+      node->index_ = i;
+      node->position_ = reader_.positionOf(object);
+      node->name_ = fromUtf8(name);
+      document_->nodes_.push_back(node);
+      if (!nodes_.emplace(name, node.get()).second) {
+        reader_.refuse(object, "the node name " + inTicks(node->name_) + " is used twice");
+      }
+    }
+  }
+
+  const GraphNode::Type& typeOf(const IObjectDataNode& object) {
+    const std::string_view fragment = reader_.requiredUtf8(object, L"fragment");
+    if (const IObjectDataNode* interface = reader_.optionalObject(object, L"interface")) {
+      auto type = std::make_unique<GraphNode::Type>();
+      type->fragmentName = fromUtf8(fragment);
+      type->inputs = readPorts(*interface, L"inputs");
+      type->outputs = readPorts(*interface, L"outputs");
+      return keep(std::move(type));
+    }
+    const GraphNode::Type*& known = types_[fragment];
+    if (known == nullptr) known = &keep(makeType(fromUtf8(fragment)));
+    return *known;
+  }
+
+  std::unique_ptr<GraphNode::Type> makeType(const WString& fragmentName) const {
+    auto type = std::make_unique<GraphNode::Type>();
+    type->fragmentName = fragmentName;
+    const IShaderFragment* const fragment = language_.findFragment(fragmentName);
+    type->knowsPorts = fragment != nullptr;
+    if (fragment != nullptr) takePorts(*type, *cloneWithPorts(*fragment, WString(), language_));
+    return type;
+  }
+
+  const GraphNode::Type& keep(std::unique_ptr<const GraphNode::Type> type) {
+    return *document_->types_.emplace_back(std::move(type));
+  }
+
+  GraphNode::Ports readPorts(const IObjectDataNode& interface, std::wstring_view key) {
+    GraphNode::Ports ports;
+    Set<std::wstring_view> names;
+    const IObjectDataNode* const array = reader_.optionalArray(interface, key);
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      const IObjectDataNode& object = reader_.objectAt(*array, i);
+      RefPtr<AParameter> port = reader_.parameter(object);
+      if (!names.insert(port->getName()).second) {
+        reader_.refuse(object, "the port name " + inTicks(port->getName()) + " is used twice");
+      }
+      ports.push_back(port);
+    }
+    return ports;
+  }
+
+  static void takePorts(GraphNode::Type& type, const IShaderFragment& fragment) {
+    for (std::size_t i = 0; i < fragment.getNumInputs(); ++i) type.inputs.emplace_back(fragment.getInput(i));
+    for (std::size_t i = 0; i < fragment.getNumOutputs(); ++i)
+      type.outputs.emplace_back(fragment.getOutput(i));
+  }
+
+  void readGraphOutputs() {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"outputs");
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      const IObjectDataNode& object = reader_.objectAt(*array, i);
+      document_->outputs_.push_back(reader_.parameter(object));
+      claimGraphName(object, document_->outputs_.back()->getName());
+      document_->outputWires_.push_back(readSource(object));
+    }
+  }
+
+  void claimGraphName(const IObjectDataNode& object, const WString& name) {
+    if (!graphNames_.insert(name).second) {
+      reader_.refuse(object, "the name " + inTicks(name) + " is used twice among graph inputs and outputs");
+    }
+  }
+
+  void wireNodes() {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"nodes");
+    for (std::size_t i = 0; i < document_->nodes_.size(); ++i) {
+      GraphNode& node = *document_->nodes_[i];
+      const IObjectDataNode* const inputs = reader_.optionalObject(reader_.objectAt(*array, i), L"inputs");
+      for (std::size_t k = 0; inputs != nullptr && k < inputs->size(); ++k) {
+        wireInput(node, inputs->memberName(k), *inputs->elementOrNull(k));
+      }
+    }
+  }
+
+  void wireInput(GraphNode& node, const WString& name, const IObjectDataNode& object) {
+    const auto where = [&] { return "input " + inTicks(name) + " of node " + inTicks(node.name_); };
+    if (object.kind() != NodeKind::object) reader_.refuse(object, where() + " must be an object");
+    const std::wstring_view source = onlySource(object);
+    if (source.empty()) {
+      reader_.refuse(object, where() + " must hold exactly one of `node`, `graphInput`, `value`, `constant`");
+    }
+    const std::size_t port = portFinder_.find(node.type_->inputs, name);
+    if (port == kNotFound && !node.type_->knowsPorts) return;
+    if (port == kNotFound) {
+      reader_.refuse(object, "node " + inTicks(node.name_) + " has no input " + inTicks(name) + "; " +
+                                 listed("its inputs are", node.inputs()));
+    }
+    if (source == L"node") {
+      node.wire(port) = readSource(object);
+    } else if (source == L"graphInput") {
+      node.wire(port).graphInput = readGraphInput(object);
+      node.wire(port).position = reader_.positionOf(object);
+    } else {
+      const bool constant = source == L"constant";
+      const AParameter& parameter = *node.inputs()[port];
+      const AValue value = reader_.value(*object.member(source), parameter,
+                                         [&] { return inTicks(source) + " of " + where(); });
+      if (node.ownInputs_.empty()) node.ownInputs_ = node.type_->inputs;
+      node.ownInputs_[port] = withValue(parameter, value, constant);
+    }
+  }
+
+  /// The one of the keys that the object holds; empty for none and for several.
+  static std::wstring_view onlySource(const IObjectDataNode& object) {
+    std::wstring_view found;
+    for (const std::wstring_view key : kInputSources) {
+      if (object.member(key) == nullptr) continue;
+      if (!found.empty()) return {};
+      found = key;
+    }
+    return found;
+  }
+
+  /// The wire that "node" and "output" of an object describe; none without "node".
+  GraphNode::Wire readSource(const IObjectDataNode& object) {
+    GraphNode::Wire wire;
+    wire.position = reader_.positionOf(object);
+    const std::string_view name = reader_.optionalUtf8(object, L"node");
+    const std::string_view output = reader_.optionalUtf8(object, L"output");
+    if (name.empty()) {
+      if (!output.empty()) reader_.refuse(*object.member(L"output"), "`output` needs a `node`");
+      return wire;
+    }
+    const auto found = nodes_.find(name);
+    if (found == nodes_.end()) reader_.refuse(*object.member(L"node"), "unknown node " + inTicks(name));
+    wire.source = found->second;
+    const GraphNode::Type& type = *wire.source->type_;
+    wire.output = output.empty() ? 0 : portFinder_.find(type.outputs, fromUtf8(output));
+    if (wire.output < type.outputs.size() || !type.knowsPorts) return wire;
+    const std::string wanted = output.empty() ? std::string("no outputs") : "no output " + inTicks(output);
+    reader_.refuse(output.empty() ? object : *object.member(L"output"),
+                   "node " + inTicks(name) + " has " + wanted + "; " + outputsHint(*wire.source));
+  }
+
+  std::size_t readGraphInput(const IObjectDataNode& object) {
+    const WString name = reader_.requiredName(object, L"graphInput");
+    const auto found = graphInputs_.find(name);
+    if (found == graphInputs_.end()) {
+      reader_.refuse(*object.member(L"graphInput"), "unknown graph input " + inTicks(name));
+    }
+    return found->second;
+  }
+
+  std::string outputsHint(const GraphNode& node) const {
+    const IShaderFragment* const fragment = language_.findFragment(node.fragmentName());
+    const bool isInline = fragment != nullptr && fragment->getNumProfiles() != 0 &&
+                          fragment->getProfile(0)->getMode() == EShaderFragmentProfileMode::Inline;
+    if (isInline && node.getNumOutputs() == 0) return "a node of an inline fragment needs an `interface`";
+    return listed("its outputs are", node.type_->outputs);
+  }
+
+  static std::string listed(const std::string& intro, const GraphNode::Ports& ports) {
+    if (ports.empty()) return intro + " none";
+    std::string text = intro;
+    for (std::size_t i = 0; i < ports.size(); ++i)
+      text += (i == 0 ? " " : ", ") + inTicks(ports[i]->getName());
+    return text;
+  }
+
+  void readChain(std::wstring_view key, Array<GraphDocument::ChainFragment>& chain) {
+    const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), key);
+    for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
+      const IObjectDataNode& at = *array->elementOrNull(i);
+      GraphDocument::ChainFragment link{nullptr, reader_.nameAt(*array, i), reader_.positionOf(at)};
+      link.fragment = language_.findFragment(link.name);
+      if (!link.fragment) reader_.refuse(at, "unknown fragment " + inTicks(link.name));
+      chain.push_back(link);
+    }
+  }
+
+  DocumentReader reader_;
+  const ILanguageTraits& language_;
+  RefPtr<GraphDocument> document_ = makeRef<GraphDocument>();
+  std::unordered_map<std::string_view, const GraphNode::Type*> types_;  // by fragment name
+  std::unordered_map<std::string_view, GraphNode*> nodes_;
+  Map<WString, std::size_t> graphInputs_;
+  Set<WString> graphNames_;
+  PortFinder portFinder_;
+};
+
+RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language) {
+  return GraphLoader(document, language).load();
+}
+
+RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language) {
+  return loadGraphDocument(Document::fromFile(file), language);
+}
+
+RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language) {
+  RefPtr<AShaderFragmentGraph> graph(AShaderFragmentGraphBuilder().build(&language, &document));
+
+  for (std::size_t i = 0; i < document.getNumNodes(); ++i) {
+    const Array<GraphNode::Wire>& wires = document.node(i).wires();
+    for (std::size_t k = 0; k < wires.size(); ++k) {
+      if (wires[k].graphInput != kNotFound) graph->getFragment(i)->setInputConnection(k, wires[k].graphInput);
+    }
+  }
+  for (const RefPtr<AParameter const>& uniform : document.uniforms()) graph->addUniform(uniform.get());
+
+  for (std::size_t i = 0; i < document.preprocess().size(); ++i) {
+    const RefPtr<IShaderFragment> clone =
+        cloneWithPorts(*document.preprocess()[i].fragment, numbered(L"pre", i), language);
+    graph->addPreprocessFragment(clone.get());
+    graph->addFragment(clone.get());
+  }
+  for (std::size_t i = 0; i < document.postprocess().size(); ++i) {
+    const GraphDocument::ChainFragment& link = document.postprocess()[i];
+    const RefPtr<IShaderFragment> clone = cloneWithPorts(*link.fragment, numbered(L"post", i), language);
+    if (!graph->addPostprocessFragment(clone.get())) {
+      throw InputError(document.file(), link.position,
+                       "the inputs of post-process fragment " + inTicks(link.name) +
+                           " do not fit the outputs of " + inTicks(document.postprocess()[i - 1].name));
+    }
+  }
+  return graph;
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

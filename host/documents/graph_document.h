@@ -1,0 +1,136 @@
+#pragma once
+
+// The graph document: the host's own graph, which the graph builder sees through its accessors.
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "sfg/host/document.h"
+#include "sfg/shader_fragment_graph.h"
+#include "tolmsdk/host_interfaces.h"
+#include "tolmsdk/object_data_node.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+class GraphLoader;
+
+/// One node. Belongs to its document; sources are nodes of the same document.
+class GraphNode : public RefCounted<INodeAccessor> {
+public:
+  /// Where an input takes its value from. Not wired: from its parameter (a uniform or a constant).
+  struct Wire {
+    const GraphNode* source = nullptr;
+    std::size_t output = kNotFound;      ///< of `source`
+    std::size_t graphInput = kNotFound;  ///< without a source
+    TextPosition position;
+  };
+
+  using Ports = Array<RefPtr<AParameter const>>;
+
+  /// What the nodes of one fragment have in common, unless they have an interface of their own.
+  struct Type {
+    WString fragmentName;
+    Ports inputs;
+    Ports outputs;
+    bool knowsPorts = true;  ///< false for an unknown fragment
+  };
+
+  explicit GraphNode(const Type& type);
+  ~GraphNode() override;
+
+  const wchar_t* getFragmentName() const override { return type_->fragmentName.c_str(); }
+  std::size_t getNumInputs() const override { return type_->inputs.size(); }
+  const AParameter* getInput(std::size_t index) const override { return inputs()[index].get(); }
+  bool getInputConnection(std::size_t index, const INodeAccessor*& source,
+                          std::size_t& output) const override;
+  std::size_t getNumOutputs() const override { return type_->outputs.size(); }
+  const AParameter* getOutput(std::size_t index) const override { return type_->outputs[index].get(); }
+
+  const WString& name() const noexcept { return name_; }
+  const WString& fragmentName() const noexcept { return type_->fragmentName; }
+  /// One per input; none at all when no input is wired.
+  const Array<Wire>& wires() const noexcept { return wires_; }
+  /// Whether the input takes its value from a node or a graph input.
+  bool isWired(std::size_t input) const noexcept {
+    return input < wires_.size() &&
+           (wires_[input].source != nullptr || wires_[input].graphInput != kNotFound);
+  }
+  TextPosition position() const noexcept { return position_; }
+  /// Position in the document, and so in the built graph.
+  std::size_t index() const noexcept { return index_; }
+
+private:
+  friend class GraphLoader;
+
+  const Ports& inputs() const noexcept { return ownInputs_.empty() ? type_->inputs : ownInputs_; }
+  /// Where the input's wire is told.
+  Wire& wire(std::size_t input);
+
+  WString name_;
+  const Type* type_;  // of the document
+  Ports ownInputs_;   // with the values that the node gives; empty when it gives none
+  Array<Wire> wires_;
+  TextPosition position_;
+  std::size_t index_ = 0;
+};
+
+/// The whole document, checked: every name it wires is there. Immutable.
+class GraphDocument : public RefCounted<IGraphAccessor> {
+public:
+  /// A fragment of the pre-process or post-process chain.
+  struct ChainFragment {
+    RefPtr<IShaderFragment const> fragment;
+    WString name;
+    TextPosition position;
+  };
+
+  GraphDocument();
+  ~GraphDocument() override;
+
+  std::size_t getNumInputs() const override { return inputs_.size(); }
+  const AParameter* getInput(std::size_t index) const override { return inputs_[index].get(); }
+  std::size_t getNumOutputs() const override { return outputs_.size(); }
+  const AParameter* getOutput(std::size_t index) const override { return outputs_[index].get(); }
+  bool getOutputConnection(std::size_t index, const INodeAccessor*& source,
+                           std::size_t& output) const override;
+  std::size_t getNumNodes() const override { return nodes_.size(); }
+  const INodeAccessor* getNode(std::size_t index) const override { return nodes_[index].get(); }
+
+  const std::string& file() const noexcept { return file_; }
+  const GraphNode& node(std::size_t index) const noexcept { return *nodes_[index]; }
+  /// The node of a built graph's instance name ("n3"), or null.
+  const GraphNode* findInstance(const WString& instanceName) const;
+  /// One per graph output.
+  const Array<GraphNode::Wire>& outputWires() const noexcept { return outputWires_; }
+  const Array<RefPtr<AParameter const>>& uniforms() const noexcept { return uniforms_; }
+  const Array<ChainFragment>& preprocess() const noexcept { return preprocess_; }
+  const Array<ChainFragment>& postprocess() const noexcept { return postprocess_; }
+
+private:
+  friend class GraphLoader;
+
+  std::string file_;
+  Array<RefPtr<AParameter const>> inputs_;
+  Array<RefPtr<AParameter const>> outputs_;
+  Array<GraphNode::Wire> outputWires_;
+  Array<RefPtr<AParameter const>> uniforms_;
+  std::vector<std::unique_ptr<const GraphNode::Type>> types_;
+  Array<RefPtr<GraphNode>> nodes_;
+  Array<ChainFragment> preprocess_;
+  Array<ChainFragment> postprocess_;
+};
+
+/// Reads a graph document. Throws InputError for a malformed one, a name used twice, an input that does not
+/// hold exactly one source, a wire to a node, port or graph input that is not there, a value that does not
+/// fit its type, a constant of a type without values, and an unknown pre-process or post-process fragment. An
+/// unknown fragment of a node is left to the graph builder: the ports of such a node are not checked.
+RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language);
+RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language);
+
+/// The fragment graph of the document: built through the graph builder (whose exceptions pass through), then
+/// its inputs wired, uniforms and chains added. Throws InputError for a post-process fragment that the chain
+/// refuses.
+RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language);
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,84 @@
+#include "host/documents/shading_environment.h"
+
+#include "host/documents/document_reader.h"
+#include "sfg/shader_fragment_profile_function.h"
+#include "sfg/size_limit.h"
+#include "tolmsdk/exception.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+/// No light loop over more lights stays within the size limit: each one's comment lines alone are longer.
+constexpr std::size_t kMaximumLights = kMaximumTextLength / 128;
+
+const IShaderFragment& requireFragment(const DocumentReader& reader, const IObjectDataNode& at,
+                                       const WString& name, const ILanguageTraits& language) {
+  const IShaderFragment* const fragment = language.findFragment(name);
+  if (fragment == nullptr) reader.refuse(at, "unknown fragment " + inTicks(name));
+  return *fragment;
+}
+
+ShadingEnvironment::Light readLight(const DocumentReader& reader, const IObjectDataNode& object,
+                                    std::size_t index, const ILanguageTraits& language) {
+  ShadingEnvironment::Light light;
+  light.position = reader.positionOf(object);
+  light.name = reader.optionalName(object, L"name").value_or(L"light" + itos(static_cast<long long>(index)));
+  const WString fragment = reader.requiredName(object, L"fragment");
+  light.fragment = cloneWithPorts(requireFragment(reader, *object.member(L"fragment"), fragment, language),
+                                  light.name, language);
+  light.profile = makeRef<AShaderFragmentProfileFunction>();
+  light.profile->setProfilename(reader.optionalName(object, L"profile").value_or(L"default"));
+  return light;
+}
+
+}  // namespace
+
+ShadingEnvironment::ShadingEnvironment() = default;
+ShadingEnvironment::~ShadingEnvironment() = default;
+
+const ShadingEnvironment::Light* ShadingEnvironment::findLight(const IShaderFragment* fragment) const {
+  const auto found = lightIndex_.find(fragment);
+  return found != lightIndex_.end() ? &lights_[found->second] : nullptr;
+}
+
+RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILanguageTraits& language) {
+  return loadEnvironment(Document::fromFile(file), language);
+}
+
+RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language) {
+  const DocumentReader reader(document);
+  RefPtr<ShadingEnvironment> environment = makeRef<ShadingEnvironment>();
+  environment->file_ = document.name();
+  Set<WString> names;
+  if (const IObjectDataNode* lights = reader.optionalArray(reader.root(), L"lights")) {
+    if (lights->size() > kMaximumLights) {
+      reader.refuse(*lights, std::to_string(lights->size()) + " lights are too many; at most " +
+                                 std::to_string(kMaximumLights) + " can be written");
+    }
+    for (std::size_t i = 0; i < lights->size(); ++i) {
+      const IObjectDataNode& object = reader.objectAt(*lights, i);
+      environment->lights_.push_back(readLight(reader, object, i, language));
+      const WString& name = environment->lights_.back().name;
+      environment->lightIndex_.emplace(environment->lights_.back().fragment.get(), i);
+      if (!names.insert(name).second)
+        reader.refuse(object, "the light name " + inTicks(name) + " is used twice");
+    }
+  }
+  if (const std::optional<WString> name = reader.optionalName(reader.root(), L"output")) {
+    const IObjectDataNode& at = *reader.root().member(L"output");
+    environment->output_ = cloneWithPorts(requireFragment(reader, at, *name, language), L"output", language);
+  }
+  return environment;
+}
+
+RefPtr<IShaderFragment> cloneWithPorts(const IShaderFragment& fragment, const WString& instanceName,
+                                       const ILanguageTraits& language) {
+  RefPtr<IShaderFragment> clone(fragment.clone(instanceName));
+  if (auto* const concrete = dynamic_cast<AShaderFragment*>(clone.get())) {
+    concrete->generateAutoInputsOutputs(&language);
+  }
+  return clone;
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

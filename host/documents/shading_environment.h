@@ -1,0 +1,57 @@
+#pragma once
+
+// The environment document: lights and the optional output fragment.
+
+#include <string>
+#include <unordered_map>
+
+#include "sfg/host/document.h"
+#include "sfg/shader_fragment.h"
+#include "tolmsdk/host_interfaces.h"
+#include "tolmsdk/object_data_node.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// What a collapse sees of the scene. A default-made one has no lights. Filled by the loader, then only read.
+class ShadingEnvironment : public RefCounted<IShadingEnvironment> {
+public:
+  struct Light {
+    WString name;                      ///< also the instance name of the fragment
+    RefPtr<IShaderFragment> fragment;  ///< a clone of the library's
+    /// Only its name counts: the light profile that the options give.
+    RefPtr<IShaderFragmentProfile> profile;
+    TextPosition position;
+  };
+
+  ShadingEnvironment();
+  ~ShadingEnvironment() override;
+
+  std::size_t getNumLights() const override { return lights_.size(); }
+  const IShaderFragment* getLight(std::size_t index) const override { return lights_[index].fragment.get(); }
+  const IShaderFragment* getOutputFragment() const override { return output_.get(); }
+
+  const Array<Light>& lights() const noexcept { return lights_; }
+  /// The light whose fragment this is, or null.
+  const Light* findLight(const IShaderFragment* fragment) const;
+  /// The document it was loaded from; empty for a default-made one.
+  const std::string& file() const noexcept { return file_; }
+
+private:
+  friend RefPtr<ShadingEnvironment> loadEnvironment(const Document&, const ILanguageTraits&);
+
+  std::string file_;
+  Array<Light> lights_;
+  std::unordered_map<const IShaderFragment*, std::size_t> lightIndex_;
+  RefPtr<IShaderFragment> output_;
+};
+
+/// Reads an environment document. Throws InputError for a malformed one, more lights than code can be written
+/// for, a light name used twice and a fragment that the language does not know.
+RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language);
+RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILanguageTraits& language);
+
+/// A clone under an instance name, with the ports of its first profile's function.
+RefPtr<IShaderFragment> cloneWithPorts(const IShaderFragment& fragment, const WString& instanceName,
+                                       const ILanguageTraits& language);
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,70 @@
+#pragma once
+
+// One collapse: what to read, what was read, and the result.
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/documents/graph_document.h"
+#include "host/documents/shading_environment.h"
+#include "host/job/shader_options.h"
+#include "host/library/loaded_libraries.h"
+#include "sfg/host/job.h"
+#include "sfg/shader_collapse_tool_base.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// What to read and how to collapse it. Paths and names are UTF-8; an empty name or path is one not given.
+struct CollapseSettings {
+  std::string graphFile;
+  std::vector<std::string> libraryFolders;
+  std::vector<std::string> includeFolders;
+  CollapseTool tool = CollapseTool::standard;
+  std::string environmentFile;
+  std::string language = "dx11";
+  float surfaceLod = 100.0f;
+  float lightLod = 100.0f;
+  std::string functionName;
+  std::string profileName;
+};
+
+/// One collapse, in three steps whose failures differ. Used by one thread.
+class CollapseJob {
+public:
+  /// Reads everything. Throws InputError.
+  explicit CollapseJob(const CollapseSettings& settings);
+  /// The same over libraries that other jobs use, too.
+  CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
+              const std::optional<Document>& environment, const CollapseOptions& settings);
+
+  /// Builds the graph and collapses it. Throws InputError (a post-process fragment that does not fit),
+  /// CalledExpressionError (inline expressions wired to inputs that are called as functions) and the
+  /// generator's Exception; a null result() afterwards means that the collapse cannot be done with these
+  /// inputs. A job that has thrown is as it was before.
+  void run();
+
+  const CollapseOptions& settings() const noexcept { return settings_; }
+  const LoadedLibraries& libraries() const noexcept { return *libraries_; }
+  /// The documents that are files.
+  const std::vector<std::string>& documentFiles() const noexcept { return documentFiles_; }
+  const GraphDocument& document() const noexcept { return *document_; }
+  const ShadingEnvironment& environment() const noexcept { return *environment_; }
+  const ShaderOptions& options() const noexcept { return *options_; }
+  /// Null until run() has built it.
+  const AShaderFragmentGraph* graph() const noexcept { return graph_.get(); }
+  const IShaderFragment* result() const noexcept { return result_.get(); }
+
+private:
+  CollapseOptions settings_;
+  std::shared_ptr<const LoadedLibraries> libraries_;
+  std::vector<std::string> documentFiles_;
+  RefPtr<GraphDocument> document_;
+  RefPtr<ShadingEnvironment> environment_;
+  RefPtr<ShaderOptions> options_;
+  RefPtr<AShaderFragmentGraph> graph_;
+  RefPtr<IShaderFragment> result_;
+};
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,20 @@
+// What takes the compilers' place in a library that is built without them.
+
+#include "host/modules/shader_compiler.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+[[noreturn]] void refuse() { throw CompileError("this library was built without compilers", {}, false); }
+
+}  // namespace
+
+bool hasCompilers() noexcept { return false; }
+
+std::vector<std::uint32_t> compileToSpirv(const std::string&, const std::string&, ShaderStage) { refuse(); }
+std::string translate(const std::vector<std::uint32_t>&, ShaderStage, ShaderTarget) { refuse(); }
+std::string compileShader(const std::string&, const std::string&, ShaderStage, ShaderTarget) { refuse(); }
+void markUsedParts(ShaderInterface&, const std::vector<std::uint32_t>&) { refuse(); }
+
+}  // namespace TolmSDK::Graphics::sfg::host

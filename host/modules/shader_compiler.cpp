@@ -1,0 +1,379 @@
+#include "host/modules/shader_compiler.h"
+
+#include <glslang/Public/ResourceLimits.h>
+#include <glslang/Public/ShaderLang.h>
+#include <glslang/SPIRV/GlslangToSpv.h>
+#include <spirv_cross_c.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <spirv-tools/libspirv.hpp>
+#include <spirv-tools/optimizer.hpp>
+#include <sstream>
+
+#include "host/shader/module_names.h"
+#include "host/shader/shader_target.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+using Words = std::vector<std::uint32_t>;
+
+constexpr spv_target_env kEnvironment = SPV_ENV_VULKAN_1_1;
+constexpr int kOpenGlVersion = 450;
+constexpr int kOpenGlEsVersion = 320;
+constexpr int kShaderModel = 50;
+
+/// The front end is started once and ended with the process.
+struct FrontEnd {
+  FrontEnd() { glslang::InitializeProcess(); }
+  ~FrontEnd() { glslang::FinalizeProcess(); }
+  FrontEnd(const FrontEnd&) = delete;
+  FrontEnd& operator=(const FrontEnd&) = delete;
+};
+
+EShLanguage stageOf(ShaderStage stage) {
+  return stage == ShaderStage::pixel ? EShLangFragment : EShLangCompute;
+}
+
+/// The complaints of a front end's log, "ERROR: NAME:LINE: TEXT" each in a line, without its summary.
+std::vector<CompilerMessage> readLog(const std::string& log) {
+  constexpr std::string_view kError = "ERROR: ";
+  std::vector<CompilerMessage> placed;
+  std::vector<CompilerMessage> unplaced;
+  std::istringstream lines(log);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with(kError)) continue;
+    const std::size_t end = line.find_last_not_of(" \t\r") + 1;
+    const std::size_t name = line.find(':', kError.size());
+    std::size_t number = 0;
+    const char* const start = line.data() + std::min(name, end - 1) + 1;
+    const auto [stop, error] = std::from_chars(start, line.data() + end, number);
+    const std::size_t text = static_cast<std::size_t>(stop - line.data());
+    if (error == std::errc() && line.compare(text, 2, ": ") == 0) {
+      placed.push_back({number, line.substr(text + 2, end - text - 2)});
+    } else {
+      unplaced.push_back({0, line.substr(kError.size(), end - kError.size())});
+    }
+  }
+  return placed.empty() ? unplaced : placed;
+}
+
+/// One parsed and linked shader.
+class Parsed {
+public:
+  enum class Language { hlsl, glsl };
+
+  Parsed(const std::string& text, Language language, const std::string& entryPoint, ShaderStage stage,
+         const std::string& what, bool isAssembledText)
+      : shader_(stageOf(stage)) {
+    static const FrontEnd frontEnd;
+    const bool isHlsl = language == Language::hlsl;
+    const char* const strings = text.c_str();
+    const int length = static_cast<int>(text.size());
+    shader_.setStringsWithLengths(&strings, &length, 1);
+    shader_.setEntryPoint(entryPoint.c_str());
+    const glslang::EShClient client = isHlsl ? glslang::EShClientVulkan : glslang::EShClientOpenGL;
+    shader_.setEnvInput(isHlsl ? glslang::EShSourceHlsl : glslang::EShSourceGlsl, stageOf(stage), client,
+                        100);
+    if (isHlsl) {
+      shader_.setEnvClient(client, glslang::EShTargetVulkan_1_1);
+      shader_.setEnvTarget(glslang::EShTargetSpv, glslang::EShTargetSpv_1_3);
+    }
+    shader_.setHlslIoMapping(isHlsl);
+    shader_.setAutoMapBindings(true);
+    shader_.setAutoMapLocations(true);
+    shader_.setShiftBinding(glslang::EResTexture, kFirstTextureBinding);
+    shader_.setShiftBinding(glslang::EResSampler, kFirstSamplerBinding);
+    shader_.setShiftBinding(glslang::EResUav, kFirstWritableBinding);
+
+    const EShMessages messages =
+        isHlsl ? static_cast<EShMessages>(EShMsgReadHlsl | EShMsgSpvRules | EShMsgVulkanRules)
+               : EShMsgDefault;
+    if (!shader_.parse(GetDefaultResources(), 100, false, messages)) {
+      throw CompileError(what + " does not compile", readLog(shader_.getInfoLog()), isAssembledText);
+    }
+    program_.addShader(&shader_);
+    if (!program_.link(messages) || (isHlsl && !program_.mapIO())) {
+      throw CompileError(what + " does not link", readLog(program_.getInfoLog()), isAssembledText);
+    }
+  }
+
+  Words toSpirv(ShaderStage stage) const {
+    glslang::SpvOptions options;
+    options.disableOptimizer = true;  // legalised below
+    Words words;
+    glslang::GlslangToSpv(*program_.getIntermediate(stageOf(stage)), words, &options);
+    return words;
+  }
+
+private:
+  glslang::TShader shader_;
+  glslang::TProgram program_;
+};
+
+/// Gathers what the SPIR-V tools say.
+class Complaints {
+public:
+  spvtools::MessageConsumer consumer() {
+    return [this](spv_message_level_t level, const char*, const spv_position_t&, const char* message) {
+      if (level <= SPV_MSG_ERROR) messages_.push_back({0, message});
+    };
+  }
+  const std::vector<CompilerMessage>& messages() const noexcept { return messages_; }
+
+private:
+  std::vector<CompilerMessage> messages_;
+};
+
+/// What the HLSL front end makes of structures with textures is legal only after these passes.
+Words legaliseAndOptimise(const Words& words) {
+  Complaints complaints;
+  spvtools::Optimizer optimizer(kEnvironment);
+  optimizer.SetMessageConsumer(complaints.consumer());
+  optimizer.RegisterLegalizationPasses();
+  optimizer.RegisterPerformancePasses();
+  spvtools::OptimizerOptions options;
+  options.set_run_validator(false);
+  Words optimised;
+  if (!optimizer.Run(words.data(), words.size(), &optimised, options)) {
+    throw CompileError("the SPIR-V optimizer fails", complaints.messages(), false);
+  }
+  return optimised;
+}
+
+void validate(const Words& words) {
+  Complaints complaints;
+  spvtools::SpirvTools tools(kEnvironment);
+  tools.SetMessageConsumer(complaints.consumer());
+  if (!tools.Validate(words)) throw CompileError("the SPIR-V is not valid", complaints.messages(), false);
+}
+
+/// A cross-compilation of one module; everything made from it lives as long as it.
+class CrossCompiler {
+public:
+  CrossCompiler(const Words& words, spvc_backend backend) {
+    spvc_context context = nullptr;
+    if (spvc_context_create(&context) != SPVC_SUCCESS) throw std::bad_alloc();
+    context_.reset(context);
+    spvc_parsed_ir module = nullptr;
+    check(spvc_context_parse_spirv(context, words.data(), words.size(), &module));
+    check(
+        spvc_context_create_compiler(context, backend, module, SPVC_CAPTURE_MODE_TAKE_OWNERSHIP, &compiler_));
+    check(spvc_compiler_create_compiler_options(compiler_, &options_));
+  }
+
+  void setNumber(spvc_compiler_option option, unsigned value) {
+    check(spvc_compiler_options_set_uint(options_, option, value));
+  }
+  void setFlag(spvc_compiler_option option, bool value) {
+    check(spvc_compiler_options_set_bool(options_, option, value ? SPVC_TRUE : SPVC_FALSE));
+  }
+
+  /// OpenGL has no separate textures and samplers: each pair becomes one, with the texture's name and number.
+  void combineTextures() {
+    check(spvc_compiler_build_combined_image_samplers(compiler_));
+    const spvc_combined_image_sampler* pairs = nullptr;
+    std::size_t count = 0;
+    check(spvc_compiler_get_combined_image_samplers(compiler_, &pairs, &count));
+    for (std::size_t i = 0; i < count; ++i) {
+      const unsigned binding =
+          spvc_compiler_get_decoration(compiler_, pairs[i].image_id, SpvDecorationBinding);
+      spvc_compiler_set_name(compiler_, pairs[i].combined_id,
+                             spvc_compiler_get_name(compiler_, pairs[i].image_id));
+      spvc_compiler_set_decoration(compiler_, pairs[i].combined_id, SpvDecorationBinding,
+                                   binding >= kFirstTextureBinding ? binding - kFirstTextureBinding
+                                                                   : binding);
+    }
+  }
+
+  /// The bindings of resources of a kind, and their numbers in the module.
+  struct Resource {
+    SpvId id;
+    unsigned binding;
+    unsigned location;
+  };
+  std::vector<Resource> resources(spvc_resource_type kind) const {
+    spvc_resources all = nullptr;
+    check(spvc_compiler_create_shader_resources(compiler_, &all));
+    const spvc_reflected_resource* list = nullptr;
+    std::size_t count = 0;
+    check(spvc_resources_get_resource_list_for_type(all, kind, &list, &count));
+    std::vector<Resource> found;
+    for (std::size_t i = 0; i < count; ++i) {
+      found.push_back({list[i].id, spvc_compiler_get_decoration(compiler_, list[i].id, SpvDecorationBinding),
+                       spvc_compiler_get_decoration(compiler_, list[i].id, SpvDecorationLocation)});
+    }
+    return found;
+  }
+
+  /// What the stage itself provides and the module reads.
+  std::set<SpvBuiltIn> builtins() const {
+    spvc_resources all = nullptr;
+    check(spvc_compiler_create_shader_resources(compiler_, &all));
+    const spvc_reflected_builtin_resource* list = nullptr;
+    std::size_t count = 0;
+    check(spvc_resources_get_builtin_resource_list_for_type(all, SPVC_BUILTIN_RESOURCE_TYPE_STAGE_INPUT,
+                                                            &list, &count));
+    std::set<SpvBuiltIn> found;
+    for (std::size_t i = 0; i < count; ++i) found.insert(list[i].builtin);
+    return found;
+  }
+
+  /// Every resource gets the number of its register for its binding.
+  void bindAsRegisters() {
+    for (const spvc_resource_type kind : kBoundKinds) {
+      for (const Resource& resource : resources(kind)) {
+        spvc_compiler_set_decoration(compiler_, resource.id, SpvDecorationBinding,
+                                     registerNumber(resource.binding));
+      }
+    }
+  }
+
+  void bindForMetal(SpvExecutionModel stage) {
+    for (const spvc_resource_type kind : kBoundKinds) {
+      for (const Resource& resource : resources(kind)) {
+        spvc_msl_resource_binding binding;
+        spvc_msl_resource_binding_init(&binding);
+        binding.stage = stage;
+        binding.binding = resource.binding;
+        const bool isElements = kind == SPVC_RESOURCE_TYPE_STORAGE_BUFFER;
+        binding.msl_buffer = !isElements                                 ? registerNumber(resource.binding)
+                             : resource.binding >= kFirstWritableBinding ? kMetalOutputBuffer
+                                                                         : kMetalInputBuffer;
+        binding.msl_texture = binding.msl_sampler = registerNumber(resource.binding);
+        check(spvc_compiler_msl_add_resource_binding(compiler_, &binding));
+      }
+    }
+  }
+
+  std::string compile() {
+    check(spvc_compiler_install_compiler_options(compiler_, options_));
+    const char* text = nullptr;
+    check(spvc_compiler_compile(compiler_, &text));
+    return text;
+  }
+
+private:
+  static constexpr spvc_resource_type kBoundKinds[] = {
+      SPVC_RESOURCE_TYPE_UNIFORM_BUFFER, SPVC_RESOURCE_TYPE_STORAGE_BUFFER, SPVC_RESOURCE_TYPE_SEPARATE_IMAGE,
+      SPVC_RESOURCE_TYPE_SEPARATE_SAMPLERS};
+
+  static unsigned registerNumber(unsigned binding) {
+    for (const unsigned first : {kFirstWritableBinding, kFirstSamplerBinding, kFirstTextureBinding}) {
+      if (binding >= first) return binding - first;
+    }
+    return binding;
+  }
+
+  struct DestroyContext {
+    void operator()(spvc_context context) const { spvc_context_destroy(context); }
+  };
+
+  void check(spvc_result result) const {
+    if (result == SPVC_SUCCESS) return;
+    throw CompileError("the SPIR-V cannot be translated",
+                       {{0, spvc_context_get_last_error_string(context_.get())}}, false);
+  }
+
+  std::unique_ptr<spvc_context_s, DestroyContext> context_;
+  spvc_compiler compiler_ = nullptr;
+  spvc_compiler_options options_ = nullptr;
+};
+
+std::string toHlsl(const Words& words, ShaderStage stage) {
+  CrossCompiler compiler(words, SPVC_BACKEND_HLSL);
+  compiler.setNumber(SPVC_COMPILER_OPTION_HLSL_SHADER_MODEL, kShaderModel);
+  compiler.bindAsRegisters();
+  std::string text = compiler.compile();
+  Parsed(text, Parsed::Language::hlsl, "main", stage, "the translated HLSL", false);
+  return text;
+}
+
+std::string toGlsl(const Words& words, ShaderStage stage, bool embedded) {
+  CrossCompiler compiler(words, SPVC_BACKEND_GLSL);
+  compiler.setNumber(SPVC_COMPILER_OPTION_GLSL_VERSION,
+                     static_cast<unsigned>(embedded ? kOpenGlEsVersion : kOpenGlVersion));
+  compiler.setFlag(SPVC_COMPILER_OPTION_GLSL_ES, embedded);
+  compiler.combineTextures();
+  std::string text = compiler.compile();
+  Parsed(text, Parsed::Language::glsl, "main", stage,
+         embedded ? "the translated ESSL" : "the translated GLSL", false);
+  return text;
+}
+
+std::string toMsl(const Words& words, ShaderStage stage) {
+  CrossCompiler compiler(words, SPVC_BACKEND_MSL);
+  compiler.bindForMetal(stage == ShaderStage::pixel ? SpvExecutionModelFragment : SpvExecutionModelGLCompute);
+  compiler.setNumber(SPVC_COMPILER_OPTION_MSL_VERSION, SPVC_MAKE_MSL_VERSION(2, 1, 0));
+  return compiler.compile();
+}
+
+std::string bytesOf(const Words& words) {
+  std::string bytes;
+  bytes.reserve(words.size() * sizeof(std::uint32_t));
+  for (const std::uint32_t word : words) {
+    for (unsigned shift = 0; shift < 32; shift += 8)
+      bytes.push_back(static_cast<char>((word >> shift) & 0xffu));
+  }
+  return bytes;
+}
+
+}  // namespace
+
+bool hasCompilers() noexcept { return true; }
+
+Words compileToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage) {
+  const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
+  Words words = nameModuleInterface(legaliseAndOptimise(parsed.toSpirv(stage)));
+  validate(words);
+  return words;
+}
+
+std::string translate(const Words& words, ShaderStage stage, ShaderTarget target) {
+  switch (target) {
+  case ShaderTarget::hlsl: return toHlsl(words, stage);
+  case ShaderTarget::glsl: return toGlsl(words, stage, false);
+  case ShaderTarget::essl: return toGlsl(words, stage, true);
+  case ShaderTarget::msl: return toMsl(words, stage);
+  case ShaderTarget::spirv: break;
+  }
+  return bytesOf(words);
+}
+
+void markUsedParts(ShaderInterface& shader, const Words& words) {
+  const CrossCompiler module(words, SPVC_BACKEND_NONE);
+  const auto mark = [&](auto& things, spvc_resource_type resources, char kind, unsigned first) {
+    std::set<std::size_t> bindings;
+    for (const auto& resource : module.resources(resources)) bindings.insert(resource.binding);
+    for (auto& thing : things) {
+      if (thing.place.kind == kind) thing.place.isUsed = bindings.contains(thing.place.number + first);
+    }
+  };
+  mark(shader.buffers, SPVC_RESOURCE_TYPE_UNIFORM_BUFFER, 'b', 0);
+  mark(shader.buffers, SPVC_RESOURCE_TYPE_STORAGE_BUFFER, 't', kFirstTextureBinding);
+  mark(shader.buffers, SPVC_RESOURCE_TYPE_STORAGE_BUFFER, 'u', kFirstWritableBinding);
+  mark(shader.textures, SPVC_RESOURCE_TYPE_SEPARATE_IMAGE, 't', kFirstTextureBinding);
+  mark(shader.samplers, SPVC_RESOURCE_TYPE_SEPARATE_SAMPLERS, 's', kFirstSamplerBinding);
+
+  std::set<std::size_t> locations;
+  for (const auto& input : module.resources(SPVC_RESOURCE_TYPE_STAGE_INPUT)) locations.insert(input.location);
+  const std::set<SpvBuiltIn> builtins = module.builtins();
+  for (InterfaceAttribute& attribute : shader.attributes) {
+    attribute.isUsed = attribute.location
+                           ? locations.contains(*attribute.location)
+                           : builtins.contains(attribute.builtin == "fragCoord" ? SpvBuiltInFragCoord
+                                                                                : SpvBuiltInFrontFacing);
+  }
+}
+
+std::string compileShader(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,
+                          ShaderTarget target) {
+  return translate(compileToSpirv(hlsl, entryPoint, stage), stage, target);
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

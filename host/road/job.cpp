@@ -1,0 +1,131 @@
+#include "sfg/host/job.h"
+
+#include "host/diagnostics/code_origin.h"
+#include "host/diagnostics/refusal_place.h"
+#include "host/diagnostics/warnings.h"
+#include "host/documents/diagnose.h"
+#include "host/job/called_expressions.h"
+#include "host/job/collapse_job.h"
+#include "host/job/collapse_json.h"
+#include "host/job/input_files.h"
+#include "host/shader/shader_assembly.h"
+#include "tolmsdk/exception.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+[[noreturn]] void throwRefused(const CollapseJob& job, const Exception& refusal) {
+  const std::string message = toUtf8(refusal.getMessage());
+  throw CollapseError(
+      CollapseError::Reason::refused, message,
+      {diagnose(Severity::message, std::string(), {}, message), findRefusalPlace(job, refusal.getMessage())});
+}
+
+[[noreturn]] void throwNoResult(const CollapseJob& job) {
+  const std::string reason = "the graph cannot be collapsed: an output cannot be evaluated";
+  throw CollapseError(
+      CollapseError::Reason::noResult, reason,
+      {diagnose(Severity::error, std::string(), {}, reason), findRefusalPlace(job, std::wstring_view())});
+}
+
+Shader shaderOf(const AssembledShader& assembled, ShaderStage stage, NameStyle names) {
+  Shader shader;
+  shader.stage = stage;
+  shader.names = names;
+  shader.text = toUtf8(assembled.shader.getCompleteShader());
+  shader.entryPoint = assembled.entryPoint;
+  for (std::size_t i = 0; i < assembled.shader.getNumUniforms(); ++i) {
+    shader.uniforms.push_back(toUtf8(assembled.shader.getUniformName(i)));
+  }
+  for (const WString& name : assembled.missingIncludes) shader.missingIncludes.push_back(toUtf8(name));
+  return shader;
+}
+
+}  // namespace
+
+struct Job::State {
+  std::shared_ptr<const LibrarySet> libraries;
+  CollapseJob job;
+};
+
+Job::Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, const CollapseOptions& options,
+         const std::optional<Document>& environment) {
+  if (!libraries) throw InputError("a job needs a library set");
+  const std::shared_ptr<const LoadedLibraries> loaded = libraries->loaded();
+  state_.reset(new State{std::move(libraries), CollapseJob(loaded, graph, environment, options)});
+}
+Job::Job(Job&& other) noexcept = default;
+Job& Job::operator=(Job&& other) noexcept = default;
+Job::~Job() = default;
+
+void Job::collapse() {
+  if (isCollapsed()) return;
+  CollapseJob& job = state_->job;
+  try {
+    job.run();
+  } catch (const CalledExpressionError& error) {
+    throw CollapseError(CollapseError::Reason::calledExpression, error.what(), error.wires());
+  } catch (const Exception& refusal) {
+    throwRefused(job, refusal);
+  }
+  if (!isCollapsed()) throwNoResult(job);
+}
+
+bool Job::isCollapsed() const noexcept { return state_->job.result() != nullptr; }
+
+const Job::State& Job::collapsed() const {
+  if (!isCollapsed()) throw std::logic_error("the job is not collapsed");
+  return *state_;
+}
+
+std::vector<Diagnostic> Job::warnings(bool completeShader) const {
+  return findWarnings(collapsed().job, completeShader);
+}
+
+Shader Job::assemble(ShaderStage stage, NameStyle names) const {
+  return shaderOf(assembleShader(collapsed().job, stage, names), stage, names);
+}
+
+ShaderInterface Job::reflect(ShaderStage stage, NameStyle names) const {
+  const CollapseJob& job = collapsed().job;
+  ShaderInterface shader = reflectShader(assembleShader(job, stage, names));
+  shader.files = sourceFiles(job, shader.includes);
+  return shader;
+}
+
+std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
+  const CollapseJob& job = collapsed().job;
+  const AssembledShader assembled = assembleShader(job, shader.stage, shader.names);
+  const bool isOurs = toUtf8(assembled.shader.getCompleteShader()) == shader.text;
+  const std::vector<CompilerMessage>& messages = error.messages();
+  std::vector<Diagnostic> diagnostics{diagnose(Severity::error, job.document().file(), {}, error.what())};
+  std::optional<OriginFinder> origins;
+  for (std::size_t i = 0; i < messages.size(); ++i) {
+    const std::size_t line = error.inAssembledText() ? messages[i].line : 0;
+    diagnostics.push_back({Severity::error, "generated", line, 0, messages[i].text});
+    // Where the line comes from is said once, behind all that is said about it.
+    const bool moreOfTheLine = i + 1 < messages.size() && messages[i + 1].line == messages[i].line;
+    if (!isOurs || line == 0 || moreOfTheLine) continue;
+    if (!origins) origins.emplace(job, assembled);
+    for (Diagnostic& note : origins->find(line)) {
+      if (note.file.empty()) {
+        note.file = "generated";
+        note.line = line;
+      }
+      diagnostics.push_back(std::move(note));
+    }
+  }
+  return diagnostics;
+}
+
+std::vector<std::string> Job::files() const { return inputFiles(collapsed().job); }
+
+const IShaderFragment& Job::result() const { return *collapsed().job.result(); }
+
+std::string Job::resultJson() const {
+  return writeCollapseJson(state_->job.result(), state_->job.libraries().includes());
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,140 @@
+// Memory that runs out anywhere on a job's road: std::bad_alloc, and everything as before.
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <new>
+
+#include "sfg/host/job.h"
+
+// The C library's own allocator, behind the names below: defining malloc in the program puts every allocation
+// of every library through it.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+}
+
+namespace {
+
+/// Allocations that succeed before one fails; negative: all do.
+thread_local long long allocationsLeft = -1;
+
+bool isOutOfMemory() noexcept {
+  if (allocationsLeft < 0) return false;
+  if (allocationsLeft-- != 0) return false;
+  errno = ENOMEM;
+  return true;
+}
+
+}  // namespace
+
+extern "C" {
+void* malloc(std::size_t size) { return isOutOfMemory() ? nullptr : __libc_malloc(size); }
+void* calloc(std::size_t count, std::size_t size) {
+  return isOutOfMemory() ? nullptr : __libc_calloc(count, size);
+}
+void* realloc(void* memory, std::size_t size) {
+  return isOutOfMemory() ? nullptr : __libc_realloc(memory, size);
+}
+}
+
+namespace TolmSDK::Graphics::sfg::host {
+namespace {
+
+constexpr const char* kLibrary = R"json({
+  "tint": { "language": ["dx11"], "includes": ["tone.h"], "uniforms": [ { "name": "gain", "type": "float" } ],
+    "implementation": [ "void tint(float3 color, float amount, out float3 result)", "{",
+    "  result = tone(color) * amount * gain;", "}" ] }
+})json";
+
+constexpr const char* kGraph = R"json({
+  "inputs":  [ { "name": "amount", "type": "float" } ],
+  "outputs": [ { "name": "color", "type": "float3", "node": "second" } ],
+  "nodes":   [ { "name": "first", "fragment": "tint", "inputs": {
+                 "color": { "constant": [1, 0, 0] }, "amount": { "graphInput": "amount" } } },
+               { "name": "second", "fragment": "tint", "inputs": { "color": { "node": "first" } } } ]
+})json";
+
+/// Does it with the first allocation failing, then the second and so on, until none of them does. Answers how
+/// often it failed; `verify` runs after each failure.
+template <class Action, class Verify>
+std::size_t failEverywhere(Action&& action, Verify&& verify) {
+  for (std::size_t failures = 0;; ++failures) {
+    bool failed = false;
+    allocationsLeft = static_cast<long long>(failures);
+    try {
+      action();
+    } catch (const std::bad_alloc&) {
+      failed = true;
+    } catch (...) {
+      allocationsLeft = -1;
+      throw;
+    }
+    const bool isReached = allocationsLeft < 0;
+    allocationsLeft = -1;
+    if (!failed && !isReached) return failures;
+    // A failure may be made up for, but is not taken for a result.
+    verify(failed);
+  }
+}
+
+class OutOfMemoryTest : public testing::Test {
+protected:
+  OutOfMemoryTest() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "sfg_memory_XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+    std::ofstream(folder_ / "lib.fraglib") << kLibrary;
+    std::ofstream(folder_ / "tone.h") << "float3 tone(float3 c)\n{\n  return c;\n}\n";
+    libraries_ = LibrarySet::load({{folder_}, {folder_}});
+  }
+  ~OutOfMemoryTest() override { std::filesystem::remove_all(folder_); }
+
+  static std::string shaderOf(const std::shared_ptr<const LibrarySet>& libraries) {
+    Job job(libraries, Document::fromText(kGraph, "graph"));
+    job.collapse();
+    return job.assemble().text;
+  }
+
+  std::filesystem::path folder_;
+  std::shared_ptr<const LibrarySet> libraries_;
+};
+
+TEST_F(OutOfMemoryTest, WhileAJobReads) {
+  const Document graph = Document::fromText(kGraph, "graph");
+  const std::size_t failures =
+      failEverywhere([&] { const Job job(libraries_, graph); }, [](bool failed) { ASSERT_TRUE(failed); });
+  EXPECT_GT(failures, 100u);
+}
+
+TEST_F(OutOfMemoryTest, WhileAJobCollapses) {
+  const std::string expected = shaderOf(libraries_);
+  Job job(libraries_, Document::fromText(kGraph, "graph"));
+  const std::size_t failures =
+      failEverywhere([&] { job.collapse(); }, [&](bool failed) { ASSERT_EQ(job.isCollapsed(), !failed); });
+  EXPECT_GT(failures, 100u);
+  EXPECT_EQ(job.assemble().text, expected);
+  EXPECT_EQ(shaderOf(libraries_), expected);
+}
+
+TEST_F(OutOfMemoryTest, WhileAJobAssemblesAndTells) {
+  Job job(libraries_, Document::fromText(kGraph, "graph"));
+  job.collapse();
+  const std::string expected = job.assemble().text;
+  std::string text;
+  const std::size_t failures = failEverywhere(
+      [&] {
+        const std::vector<Diagnostic> warnings = job.warnings();
+        text = job.assemble().text;
+      },
+      [&](bool failed) { ASSERT_TRUE(failed || text == expected); });
+  EXPECT_GT(failures, 100u);
+  EXPECT_EQ(text, expected);
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,37 @@
+#pragma once
+
+// Complete shaders through the field's compilers. Any number of threads may compile. A compiler that needs to
+// be started is started at the first use and ended with the process.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "sfg/host/errors.h"
+#include "sfg/host/export.h"
+#include "sfg/host/shader.h"
+#include "sfg/host/version.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// What a shader is compiled to.
+enum class ShaderTarget { hlsl, spirv, glsl, essl, msl };
+
+/// A SPIR-V module (Vulkan 1.1) of the shader: legalised, optimised and validated. Names of uniforms,
+/// textures and buffers are kept; attributes and render targets are called `sfg_in_` and `sfg_out_` and their
+/// names. Bindings, per register: b0 is 0, t0 is 16, s0 is 48, u0 is 80. Throws CompileError, for compilers
+/// that fail and for a library without compilers, too.
+SFG_HOST_API std::vector<std::uint32_t> compileToSpirv(const Shader& shader);
+
+/// What such a module is in the target: its bytes, or text: HLSL of shader model 5.0, GLSL 4.50, ESSL 3.20,
+/// MSL 2.1. In HLSL registers are those of the assembled shader. In GLSL and ESSL a texture is combined with
+/// its sampler and has the texture's number. In MSL buffers, textures and samplers have their registers'
+/// numbers; the elements that a compute stage reads are buffer 23, those that it writes 24. HLSL, GLSL and
+/// ESSL are compiled again. Throws as compileToSpirv() does.
+SFG_HOST_API std::string translateSpirv(const std::vector<std::uint32_t>& spirv, ShaderStage stage,
+                                        ShaderTarget target);
+
+/// Both in one.
+SFG_HOST_API std::string compile(const Shader& shader, ShaderTarget target);
+
+}  // namespace TolmSDK::Graphics::sfg::host

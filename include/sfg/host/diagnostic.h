@@ -1,0 +1,30 @@
+#pragma once
+
+// What a person is told, as data.
+
+#include <cstddef>
+#include <string>
+
+#include "sfg/host/export.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// How a diagnostic is shown. A message is a line of the generator's own, shown as it stands.
+enum class Severity { error, warning, note, message };
+
+/// One thing to tell. Lower case, no full stop, code in backticks (but in messages). Texts are UTF-8.
+struct Diagnostic {
+  Severity severity = Severity::error;
+  /// A file, or the name of a document in memory; empty where nothing can be pointed at.
+  std::string file;
+  /// Counted from 1, columns in code points; zero where they are not known.
+  std::size_t line = 0;
+  std::size_t column = 0;
+  std::string text;
+
+  /// "graph.json:3:14", "generated:3", "graph.json", or empty.
+  SFG_HOST_API std::string place() const;
+  bool operator==(const Diagnostic&) const = default;
+};
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <tolmsdk/export.h>
+
+// Marks what the host library exports.
+#if defined(SFG_HOST_BUILDING)
+#define SFG_HOST_API TOLMSDK_DLL_EXPORT
+#else
+#define SFG_HOST_API TOLMSDK_DLL_IMPORT
+#endif

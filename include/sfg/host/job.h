@@ -1,0 +1,86 @@
+#pragma once
+
+// One collapse: a library set, a graph, an environment and options; then the complete shader of its result.
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "sfg/host/diagnostic.h"
+#include "sfg/host/document.h"
+#include "sfg/host/errors.h"
+#include "sfg/host/export.h"
+#include "sfg/host/library_set.h"
+#include "sfg/host/reflect.h"
+#include "sfg/host/shader.h"
+#include "sfg/shader_fragment.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// The default tool writes one function of the graph's inputs and outputs; the light loop a lit surface,
+/// accumulated over the lights of the environment.
+enum class CollapseTool { standard, lightLoop };
+
+struct CollapseOptions {
+  CollapseTool tool = CollapseTool::standard;
+  float surfaceLod = 100.0f;
+  float lightLod = 100.0f;
+  /// Empty names are the tool's own. The light loop takes neither.
+  std::string functionName;
+  std::string profileName;
+};
+
+/// One collapse over a set, which it keeps. Reads its documents when it is made and nothing later, so that
+/// whatever happens to graph, files and set meanwhile does not reach it. Used by one thread at a time; any
+/// number of jobs run at once, over one set or several.
+class SFG_HOST_API Job {
+public:
+  /// Reads the documents. Throws InputError, without a set too.
+  Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, const CollapseOptions& options = {},
+      const std::optional<Document>& environment = std::nullopt);
+  /// `other` may then be destroyed or assigned to, nothing else.
+  Job(Job&& other) noexcept;
+  Job& operator=(Job&& other) noexcept;
+  ~Job();
+
+  /// Builds the graph and collapses it; a job that is collapsed stays as it is. Throws InputError (a
+  /// post-process fragment that does not fit) and CollapseError; then it may be tried again.
+  void collapse();
+  bool isCollapsed() const noexcept;
+
+  /// The steps below ask for a job that is collapsed, and throw std::logic_error of another.
+
+  /// What is valid, but cannot become right code: each cause once, in the order of nodes, lights and
+  /// fragments. `completeShader`: the result is assembled, so that graph inputs of a light loop are declared
+  /// around it.
+  std::vector<Diagnostic> warnings(bool completeShader = true) const;
+  /// Everything the function needs put around it. The same text for the same result. Throws AssemblyError.
+  ///
+  /// A pixel stage takes varying state and graph inputs as attributes and writes each graph output to a
+  /// target of its own. A compute stage reads element i of the buffer `sfg_inputs` and writes element i of
+  /// `sfg_outputs` for each invocation i below the latter's length.
+  Shader assemble(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
+  /// What that shader takes and gives, as its HLSL text has it; interfaceFor() tells what compilers make of
+  /// it. Throws AssemblyError.
+  ShaderInterface reflect(ShaderStage stage = ShaderStage::pixel,
+                          NameStyle names = NameStyle::generated) const;
+  /// Where a compiler's complaint about a shader that assemble() made comes from: the complaints, each line's
+  /// origins behind them.
+  std::vector<Diagnostic> explain(const Shader& shader, const CompileError& error) const;
+  /// The files that the result was made from: graph, environment, fragment libraries, include files.
+  std::vector<std::string> files() const;
+  /// The result fragment, whose one profile is the generated function. Lives as long as the job.
+  const IShaderFragment& result() const;
+
+  /// The generated function and what it needs as JSON, nothing assembled; "null\n" before collapse().
+  std::string resultJson() const;
+
+private:
+  struct State;
+  const State& collapsed() const;
+
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,2 @@
+#include "host/documents/reader.h"
+#include "host/job/collapse_job.h"

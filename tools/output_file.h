@@ -1,0 +1,15 @@
+#pragma once
+
+// Where a command's result goes.
+
+#include <string>
+#include <string_view>
+
+namespace TolmSDK::Graphics::sfg::tools {
+
+/// Writes the bytes to the file, or to the standard output stream when `file` is empty. A regular file is
+/// replaced as a whole: readers see the old or the new contents, and a failure leaves the old. Throws
+/// InputError when it cannot be written.
+void writeOutput(const std::string& file, std::string_view bytes);
+
+}  // namespace TolmSDK::Graphics::sfg::tools
