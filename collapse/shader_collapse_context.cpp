@@ -1,46 +1,19 @@
 #include "sfg/shader_collapse_context.h"
 
-#include <algorithm>
-#include <atomic>
-#include <cassert>
-#include <optional>
 #include <utility>
 
-#include "collapse/evaluator.h"
-#include "collapse/instance_table.h"
+#include "collapse/fragment_walk.h"
+#include "collapse/instance_registry.h"
+#include "collapse/result_writer.h"
 #include "collapse/visited_fragments.h"
-#include "collapse/written_definitions.h"
-#include "sfg/code_snippet.h"
-#include "sfg/scoped_text.h"
-#include "sfg/size_limit.h"
-#include "text/scan.h"
 
 namespace TolmSDK::Graphics::sfg {
 
-namespace {
-
-/// Whether a text holds blanks and comments only.
-bool isBlankCode(const WString& code) {
-  const ScopedText text(code);
-  std::size_t pos = 0;
-  scan::skipBlanksAndComments(text, pos);
-  return pos >= text.length;
-}
-
-}  // namespace
-
-/// Addresses come again, numbers do not.
-std::uint64_t AShaderCollapseContext::nextContextNumber() noexcept {
-  static std::atomic<std::uint64_t> last{0};
-  return ++last;
-}
-
 AShaderCollapseContext::AShaderCollapseContext()
     : result_(makeRef<AShaderFragment>()), resultProfile_(makeRef<AShaderFragmentProfileFunction>()),
-      fragmentInstances_(std::make_unique<InstanceTable>()),
-      lightFragmentInstances_(std::make_unique<InstanceTable>()), number_(nextContextNumber()),
-      writtenDefinitions_(std::make_unique<WrittenDefinitions>()),
-      evaluator_(std::make_unique<FragmentEvaluator>(*this)) {
+      instances_(std::make_unique<InstanceRegistry>()),
+      writer_(std::make_unique<ResultWriter>(*resultProfile_)),
+      walk_(std::make_unique<FragmentWalk>(*this, instances_->profiles())) {
   resultProfile_->setProfilename(L"default");
 }
 
@@ -128,32 +101,15 @@ bool AShaderCollapseContext::getConstValue(WString& value, const AParameter* par
 
 // Instances.
 
-FragmentInstance& AShaderCollapseContext::getInstance(InstanceTable& instances, const WString& name) {
-  FragmentInstance& instance = instances.get(name);
-  admit(instance);
-  return instance;
-}
-
-bool AShaderCollapseContext::admit(const FragmentInstance& instance) {
-  if (instance.context_ == 0) {
-    instance.context_ = number_;
-    instance.number_ = ++instancesMade_;
-  }
-  assert(instance.context_ == number_ && "an instance is evaluated in one context only");
-  return instance.context_ == number_;
-}
-
 FragmentInstance& AShaderCollapseContext::getFragmentInstance(const IShaderFragment* fragment) {
-  return getInstance(*fragmentInstances_, fragment->instanceName());
+  return instances_->getSurface(fragment->instanceName());
 }
 
 FragmentInstance& AShaderCollapseContext::getLightFragmentInstance(const IShaderFragment* fragment) {
-  return getInstance(*lightFragmentInstances_, fragment->instanceName());
+  return instances_->getLight(fragment->instanceName());
 }
 
-std::size_t AShaderCollapseContext::countSurfaceInstances() const noexcept {
-  return fragmentInstances_->size();
-}
+bool AShaderCollapseContext::admit(const FragmentInstance& instance) { return instances_->admit(instance); }
 
 bool AShaderCollapseContext::getFragmentKeyExist(const WString& key) const {
   return fragmentKeys_.contains(key);
@@ -168,60 +124,20 @@ void AShaderCollapseContext::allocateNewShaderInput(const WString& type) {
 // Lights and profiles.
 
 void AShaderCollapseContext::setActiveLightIndex(std::size_t index) noexcept {
-  if (activeLightIndex_ != index) evaluator_->startLight();
+  if (activeLightIndex_ != index) walk_->startLight();
   activeLightIndex_ = index;
 }
 
 bool AShaderCollapseContext::requiresCurrentLight() const {
-  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i) {
-    if ((*fragmentInstances_)[i].instance.requiresCurrentLight()) return true;
-  }
-  return false;
+  return instances_->profiles().requiresCurrentLight();
 }
 
-/// The instances go in the order of their names, up to the first that fails. They are not sorted for that:
-/// which one that is, is known before any of them changes.
 bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName) {
-  const float lod = getSurfaceLOD();
-  const std::uint32_t request = profileRequest(profileName, lod);
-  struct Change {
-    InstanceTable::Entry* entry;
-    const IShaderFragmentProfile* profile;
-  };
-  Array<Change> changes;
-  std::optional<std::wstring_view> firstFailing;  // of the names
-  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i) {
-    InstanceTable::Entry& entry = (*fragmentInstances_)[i];
-    FragmentInstance& instance = entry.instance;
-    if (instance.hasAnswered(request)) continue;
-    const IShaderFragmentProfile* profile = instance.findProfile(*this, profileName, lod);
-    if (profile == nullptr) {
-      firstFailing = firstFailing ? std::min(*firstFailing, entry.name) : entry.name;
-    } else if (instance.hasActiveProfile(profile)) {
-      instance.profileRequest_ = request;
-    } else {
-      changes.push_back({&entry, profile});
-    }
-  }
-
-  for (const auto& [entry, profile] : changes) {
-    if (firstFailing && entry->name >= *firstFailing) continue;
-    entry->instance.changeProfile(*this, profile);
-    entry->instance.profileRequest_ = request;
-  }
-  return !firstFailing;
-}
-
-std::uint32_t AShaderCollapseContext::profileRequest(const WString& profileName, float lod) {
-  const UString& language = getLanguageString();
-  if (profileRequests_ == 0 || requestedLOD_ != lod || requestedLanguage_ != language ||
-      requestedProfile_ != profileName) {
-    requestedProfile_ = profileName;
-    requestedLanguage_ = language;
-    requestedLOD_ = lod;
-    ++profileRequests_;
-  }
-  return profileRequests_;
+  using Answer = SurfaceProfiles::Answer;
+  const Answer answer = instances_->profiles().choose(profileName, getLanguageString(), getSurfaceLOD());
+  if (answer == Answer::similar) walk_->startChoice();
+  if (answer == Answer::other || answer == Answer::failed) walk_->startEpoch();
+  return answer != Answer::failed;
 }
 
 // Writing.
@@ -231,9 +147,7 @@ bool AShaderCollapseContext::writeCode(const wchar_t* text) {
 }
 
 bool AShaderCollapseContext::writeCode(std::wstring_view text) {
-  WString& body = resultProfile_->getFunctionBody();
-  checkTextLength(body.size() + text.size());
-  body += text;
+  writer_->writeCode(text);
   return true;
 }
 
@@ -241,51 +155,27 @@ bool AShaderCollapseContext::writeDeclareVariable(const wchar_t* type, const wch
   return writeCodef(L"    %s %s;\n", type, name);
 }
 
-void AShaderCollapseContext::writePredefine(const WString& text) {
-  if (isBlankCode(text)) return;
-  auto snippet = std::make_unique<CodeSnippet>();
-  snippet->addCode(text);
-  snippet->parse();
-  if (snippet->getNumSymbols() == 0) return;
-  CodeSnippetInstance instance;
-  instance.construct(snippet.release(), {}, true);
-  KeywordReplacePattern renames;
-  writePredefine(instance, {}, renames);
-}
+void AShaderCollapseContext::writePredefine(const WString& text) { writer_->writePredefine(text); }
 
 void AShaderCollapseContext::writePredefine(const CodeSnippetInstance& instance,
                                             const KeywordReplacePattern& pattern,
                                             KeywordReplacePattern& localPattern) {
-  accumulator_.append(resultProfile_->predefines(), instance, pattern, localPattern);
+  writer_->writePredefine(instance, pattern, localPattern);
 }
 
 void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance,
                                              const KeywordReplacePattern& pattern,
                                              FragmentProfileInstance& profileInstance) {
-  WString& name = writtenDefinitions_->soughtText();
-  profileInstance.appendFunctionName(name);
-  accumulator_.appendDefinition(resultProfile_->predefines(), instance, pattern,
-                                profileInstance.getKeywordReplacePattern(), name);
-  const WString& rename = accumulator_.getRename(name);
-  if (rename != name) profileInstance.setFunctionName(rename);
+  writer_->writeDefinition(instance, pattern, profileInstance);
 }
 
-/// Gives the function the name under which another instance wrote it; false when none did.
 bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance) {
-  WString& key = writtenDefinitions_->soughtText();
-  instance.appendDefinitionKey(key);
-  const WrittenDefinitions::Definition* found = writtenDefinitions_->find(instance.getProfile(), key);
-  if (found == nullptr) return false;
-  if (!found->rename.empty()) instance.setFunctionName(found->rename);
-  return true;
+  return writer_->takeWrittenDefinition(instance);
 }
 
 void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance,
                                                        const WString& key) {
-  WString& name = writtenDefinitions_->soughtText();
-  instance.appendFunctionName(name);
-  const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');
-  writtenDefinitions_->add(instance.getProfile(), key, isRenamed ? name : WString());
+  writer_->rememberWrittenDefinition(instance, key);
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -41,6 +41,13 @@ public:
   bool isInlineProfile() const noexcept { return isInlineProfile_; }
   /// The profile's code reads the current light: its call is written once per light.
   bool requiresCurrentLight() const noexcept { return requiresCurrentLight_; }
+  /// A function that reads the current light. An expression has no call.
+  bool writesForEveryLight() const noexcept { return requiresCurrentLight_ && !isInlineProfile_; }
+  /// Whether a call was written, and whether it was for that light.
+  bool isCallWritten() const noexcept { return callWritten_; }
+  bool isCallWritten(std::size_t light) const noexcept {
+    return extras_ && light < extras_->callWrittenForLight.size() && extras_->callWrittenForLight[light];
+  }
   const ILanguageTraits* getLanguage() const noexcept { return language_.get(); }
   const AShaderFragmentProfile* getProfile() const noexcept { return profile_.get(); }
 
@@ -115,9 +122,10 @@ public:
   bool writeFunctionCall(WString& out, AShaderCollapseContext& context, const Array<WString>& inputValues,
                          const Array<WString>& outputValues);
 
-private:
-  friend class AShaderCollapseContext;
+  /// Appends what the text of its definition depends on besides the profile. For the collapse only.
+  void appendDefinitionKey(WString& key) const;
 
+private:
   /// Made when one of them is asked for.
   struct Patterns {
     Patterns();
@@ -153,7 +161,6 @@ private:
   }
   bool mustWriteCall(const AShaderCollapseContext& context);
   bool hasSharedDefinition() const;
-  void appendDefinitionKey(WString& key) const;
 
   std::unique_ptr<Patterns> patterns_;
   mutable std::unique_ptr<Extras> extras_;

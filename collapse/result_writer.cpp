@@ -1,0 +1,73 @@
+#include "collapse/result_writer.h"
+
+#include <memory>
+
+#include "sfg/code_snippet.h"
+#include "sfg/scoped_text.h"
+#include "sfg/size_limit.h"
+#include "text/scan.h"
+
+namespace TolmSDK::Graphics::sfg {
+
+namespace {
+
+/// Whether a text holds blanks and comments only.
+bool isBlankCode(const WString& code) {
+  const ScopedText text(code);
+  std::size_t pos = 0;
+  scan::skipBlanksAndComments(text, pos);
+  return pos >= text.length;
+}
+
+}  // namespace
+
+void ResultWriter::writeCode(std::wstring_view text) {
+  WString& body = profile_->getFunctionBody();
+  checkTextLength(body.size() + text.size());
+  body += text;
+}
+
+void ResultWriter::writePredefine(const WString& text) {
+  if (isBlankCode(text)) return;
+  auto snippet = std::make_unique<CodeSnippet>();
+  snippet->addCode(text);
+  snippet->parse();
+  if (snippet->getNumSymbols() == 0) return;
+  CodeSnippetInstance code;
+  code.construct(snippet.release(), {}, true);
+  KeywordReplacePattern renames;
+  writePredefine(code, {}, renames);
+}
+
+void ResultWriter::writePredefine(const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
+                                  KeywordReplacePattern& localPattern) {
+  accumulator_.append(profile_->predefines(), code, pattern, localPattern);
+}
+
+void ResultWriter::writeDefinition(const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
+                                   FragmentProfileInstance& instance) {
+  WString& name = definitions_.soughtText();
+  instance.appendFunctionName(name);
+  accumulator_.appendDefinition(profile_->predefines(), code, pattern, instance.getKeywordReplacePattern(),
+                                name);
+  const WString& rename = accumulator_.getRename(name);
+  if (rename != name) instance.setFunctionName(rename);
+}
+
+bool ResultWriter::takeWrittenDefinition(FragmentProfileInstance& instance) {
+  WString& key = definitions_.soughtText();
+  instance.appendDefinitionKey(key);
+  const WrittenDefinitions::Definition* found = definitions_.find(instance.getProfile(), key);
+  if (found == nullptr) return false;
+  if (!found->rename.empty()) instance.setFunctionName(found->rename);
+  return true;
+}
+
+void ResultWriter::rememberWrittenDefinition(const FragmentProfileInstance& instance, const WString& key) {
+  WString& name = definitions_.soughtText();
+  instance.appendFunctionName(name);
+  const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');
+  definitions_.add(instance.getProfile(), key, isRenamed ? name : WString());
+}
+
+}  // namespace TolmSDK::Graphics::sfg
