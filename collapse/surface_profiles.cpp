@@ -87,6 +87,7 @@ void SurfaceProfiles::bringUpToDate() {
 
 void SurfaceProfiles::learnInstances() {
   choice_ = nullptr;
+  last_ = nullptr;
   isMixed_ = true;
   choices_.clear();
   defaults_.clear();
@@ -145,6 +146,16 @@ void SurfaceProfiles::learnNames() {
 // What requests come to.
 
 SurfaceProfiles::Choice& SurfaceProfiles::resolve(const WString& name, const UString& language, float lod) {
+  if (last_ != nullptr && lastLOD_ == lod && lastLanguage_ == language && lastName_ == name) return *last_;
+  last_ = &findOrMake(name, language, lod);
+  lastName_ = name;
+  lastLanguage_ = language;
+  lastLOD_ = lod;
+  return *last_;
+}
+
+SurfaceProfiles::Choice& SurfaceProfiles::findOrMake(const WString& name, const UString& language,
+                                                     float lod) {
   const auto bits = std::bit_cast<std::uint32_t>(lod);
   WString& key = soughtKey_;
   key = name;

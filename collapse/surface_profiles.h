@@ -105,6 +105,7 @@ private:
   Kind findKind(const AShaderFragment* fragment);
   void learnNames();
   Choice& resolve(const WString& name, const UString& language, float lod);
+  Choice& findOrMake(const WString& name, const UString& language, float lod);
   Choice& makeDefault(const UString& language, float lod);
   Choice& makeNamed(const WString& name, const UString& language, float lod);
   void addSpecial(Choice& choice, Kind kind, const WString& name, const UString& language, float lod);
@@ -136,6 +137,11 @@ private:
   Array<Request> requests_;
   HashIndex requestIndex_;
   WString soughtKey_;
+  // The last one, which most lights ask for again.
+  WString lastName_;
+  UString lastLanguage_;
+  float lastLOD_ = 0.0f;
+  Choice* last_ = nullptr;
 
   // What is in force.
   Choice* choice_ = nullptr;
