@@ -6,7 +6,8 @@
 #include <utility>
 
 #include "collapse/arena.h"
-#include "collapse/evaluator.h"
+#include "collapse/fragment_walk.h"
+#include "collapse/surface_profiles.h"
 #include "collapse/visited_fragments.h"
 #include "fragments/ports.h"
 #include "fragments/profile_choice.h"
@@ -43,12 +44,20 @@ const AShaderFragmentProfile* asOurs(const IShaderFragmentProfile& profile) {
   return dynamic_cast<const AShaderFragmentProfile*>(&profile);
 }
 
+/// So many profile instances of one fragment are no longer looked through.
+constexpr std::size_t kManyProfileInstances = 8;
+
 /// 1-based place of a profile among the fragment's; empty when it is none of them.
 WString profileNumber(const AShaderFragment& fragment, const IShaderFragmentProfile* profile) {
-  WString number;
-  for (std::size_t i = 0; i < fragment.getNumProfiles() && number.empty(); ++i) {
-    if (fragment.getProfile(i) == profile) appendDecimal(number, i + 1);
+  std::size_t index = kNotFound;
+  if (typeid(fragment) == typeid(AShaderFragment)) {
+    index = fragment.findProfileIndex(profile);
+  } else {
+    for (std::size_t i = 0; i < fragment.getNumProfiles() && index == kNotFound; ++i)
+      if (fragment.getProfile(i) == profile) index = i;
   }
+  WString number;
+  if (index != kNotFound) appendDecimal(number, index + 1);
   return number;
 }
 
@@ -90,8 +99,7 @@ bool FragmentInstance::createNoInputUniform(const ILanguageTraits* language,
                     fragment->key());
   }
   makeUniformsUnique();
-  if (fragment->getNumProfiles() != 0)
-    activateProfile(fragment->findFirstProfile(language->getLanguageString()));
+  if (fragment->getNumProfiles() != 0) activate(fragment->findFirstProfile(language->getLanguageString()));
   return true;
 }
 
@@ -138,7 +146,10 @@ void FragmentInstance::createLateInputUniform(AShaderCollapseContext& context, s
   if (usesSamplers_) context.getResultProfile()->includes().insert(L"sfg_samplers.h");
 }
 
-/// The value of an input that no fragment feeds.
+const WString* FragmentInstance::findInputValue(std::size_t input) const {
+  return input < inputs().size() ? &inputValue(input) : nullptr;
+}
+
 const WString& FragmentInstance::inputValue(std::size_t input) const {
   static const WString none;
   if (hasInputValue(input)) return extras_->inputValues[input];
@@ -154,44 +165,59 @@ void FragmentInstance::setSources(const VisitedFragments& visited) {
   }
 }
 
+FragmentInstance* FragmentInstance::findSource(std::size_t input, const IShaderFragment* fragment) const {
+  FragmentInstance* known = input < inputs().size() ? inputs()[input].source : nullptr;
+  return known != nullptr && known->fragment_.get() == fragment ? known : nullptr;
+}
+
+// Its context.
+
+bool FragmentInstance::joinContext(std::uint64_t context, std::uint32_t& lastNumber) const {
+  if (context_ == 0) {
+    context_ = context;
+    number_ = ++lastNumber;
+  }
+  return context_ == context;
+}
+
+void FragmentInstance::followProfiles(SurfaceProfiles& profiles) {
+  followed_ = &profiles;
+  choice_ = profiles.number();
+}
+
 // Profiles.
 
 bool FragmentInstance::setActiveProfile(AShaderCollapseContext& context, const WString& profileName,
                                         float lod) {
   if (!fragment_) return false;
-  if (!activateBestProfile(context, profileName, lod)) {
+  if (!trySetActiveProfile(context, profileName, lod)) {
     throw Exception(L"The fragment %s doesn't have a default profile", fragment_->key());
   }
   return true;
 }
 
-bool FragmentInstance::activateBestProfile(AShaderCollapseContext& context, const WString& profileName,
+bool FragmentInstance::trySetActiveProfile(AShaderCollapseContext& context, const WString& profileName,
                                            float lod) {
-  const std::uint32_t request = context.profileRequest(profileName, lod);
-  if (hasAnswered(request)) return true;
-  const IShaderFragmentProfile* profile = findProfile(context, profileName, lod);
+  if (!fragment_) return false;
+  const IShaderFragmentProfile* profile =
+      findBestOrDefaultProfile(*fragment_, profileName, context.getLanguageString(), lod);
   if (profile == nullptr) return false;
-  if (!hasActiveProfile(profile)) changeProfile(context, profile);
-  profileRequest_ = request;
+  const FragmentProfileInstance* before = getActiveProfileInstance();
+  if (before != nullptr && before->getProfile() == profile) return true;
+  activate(profile);
+  if (followed_ != nullptr) followed_->setMixed();
+  context.walk().startProfile(*this);
   return true;
 }
 
-const IShaderFragmentProfile* FragmentInstance::findProfile(const AShaderCollapseContext& context,
-                                                            const WString& profileName, float lod) const {
-  if (!fragment_) return nullptr;
-  return findBestOrDefaultProfile(*fragment_, profileName, context.getLanguageString(), lod);
+FragmentProfileInstance* FragmentInstance::getActiveProfileInstance() const {
+  if (followed_ != nullptr && choice_ != followed_->number()) activate(followed_->profileOf(*this));
+  return activeProfileInstance_;
 }
 
-bool FragmentInstance::hasActiveProfile(const IShaderFragmentProfile* profile) const {
-  return activeProfileInstance_ != nullptr && activeProfileInstance_->getProfile() == profile;
-}
-
-void FragmentInstance::changeProfile(AShaderCollapseContext& context, const IShaderFragmentProfile* profile) {
-  context.evaluator().startEpoch();
-  activateProfile(profile);
-}
-
-void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
+void FragmentInstance::activate(const IShaderFragmentProfile* profile) const {
+  if (followed_ != nullptr) choice_ = followed_->number();
+  if (activeProfileInstance_ != nullptr && activeProfileInstance_->getProfile() == profile) return;
   activeProfileInstance_ = nullptr;
   if (profile == nullptr) return;
   const AShaderFragmentProfile* ours = asOurs(*profile);
@@ -200,6 +226,7 @@ void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
 
   FragmentProfileInstance& instance = makeProfileInstance();
   if (!instance.create(language_.get(), fragment_.get(), ours, profileNumber(*fragment_, profile))) return;
+  indexProfileInstance(instance);
   if (const std::size_t uniforms = fragment_->getNumUniforms(); uniforms != 0) {
     instance.getUniformOriginal().reserve(uniforms);
     instance.getUniformNew().reserve(uniforms);
@@ -213,32 +240,51 @@ void FragmentInstance::activateProfile(const IShaderFragmentProfile* profile) {
   activeProfileInstance_ = &instance;
 }
 
-FragmentProfileInstance* FragmentInstance::findProfileInstance(const AShaderFragmentProfile* profile) {
+FragmentProfileInstance* FragmentInstance::findProfileInstance(const AShaderFragmentProfile* profile) const {
   if (profile == nullptr) return nullptr;
   if (firstProfileInstance_.getProfile() == profile) return &firstProfileInstance_;
   if (!extras_) return nullptr;
+  if (!extras_->byProfile.empty()) {
+    const auto known = extras_->byProfile.find(profile);
+    return known != extras_->byProfile.end() ? known->second : nullptr;
+  }
   for (FragmentProfileInstance& instance : extras_->otherProfileInstances) {
     if (instance.getProfile() == profile) return &instance;
   }
   return nullptr;
 }
 
-FragmentProfileInstance& FragmentInstance::makeProfileInstance() {
+FragmentProfileInstance& FragmentInstance::makeProfileInstance() const {
   return firstProfileInstance_.isInitialized() ? extras().otherProfileInstances.emplace_back()
                                                : firstProfileInstance_;
 }
 
+/// Indexes the profile instances that are not the first, once they are many.
+void FragmentInstance::indexProfileInstance(FragmentProfileInstance& made) const {
+  if (&made == &firstProfileInstance_) return;
+  auto& others = extras_->otherProfileInstances;
+  if (others.size() < kManyProfileInstances) return;
+  auto& byProfile = extras_->byProfile;
+  if (!byProfile.empty()) {
+    byProfile.try_emplace(made.getProfile(), &made);
+    return;
+  }
+  for (FragmentProfileInstance& other : others) byProfile.try_emplace(other.getProfile(), &other);
+}
+
 bool FragmentInstance::requiresCurrentLight() const {
-  return activeProfileInstance_ != nullptr && activeProfileInstance_->requiresCurrentLight();
+  const FragmentProfileInstance* active = getActiveProfileInstance();
+  return active != nullptr && active->requiresCurrentLight();
 }
 
 void FragmentInstance::setOverrideFunctionName(const WString& name) {
-  if (activeProfileInstance_ != nullptr) activeProfileInstance_->setFunctionName(name);
+  if (FragmentProfileInstance* active = getActiveProfileInstance()) active->setFunctionName(name);
 }
 
 bool FragmentInstance::hasActiveProfileOutput(std::size_t index) const {
   if (accumulates()) return index < extras_->accumulateOutputs.size();
-  return activeProfileInstance_ != nullptr && index < activeProfileInstance_->getNumOutputs();
+  const FragmentProfileInstance* active = getActiveProfileInstance();
+  return active != nullptr && index < active->getNumOutputs();
 }
 
 const WString& FragmentInstance::getActiveProfileOutput(std::size_t index) const {
@@ -259,20 +305,21 @@ void FragmentInstance::appendActiveProfileOutput(WString& out, std::size_t index
 // Evaluation.
 
 bool FragmentInstance::safeEvaluate(AShaderCollapseContext& context) {
-  return accumulates() || context.evaluator().evaluate(*this);
+  return accumulates() || context.walk().evaluate(*this);
 }
 
 bool FragmentInstance::accmulateEvaluate(AShaderCollapseContext& context) {
-  if (!context.evaluator().evaluate(*this)) return false;
+  if (!context.walk().evaluate(*this)) return false;
   if (!accumulates()) return true;
   const Array<WString>& accumulators = extras_->accumulateOutputs;
-  if (accumulators.size() > activeProfileInstance_->getNumOutputs()) return false;
+  const FragmentProfileInstance& active = *getActiveProfileInstance();
+  if (accumulators.size() > active.getNumOutputs()) return false;
   WString line;
   for (std::size_t i = 0; i < accumulators.size(); ++i) {
     line = L"    ";
     line += accumulators[i];
     line += L" += ";
-    activeProfileInstance_->appendOutputName(line, i);
+    active.appendOutputName(line, i);
     line += L";\n";
     context.writeCode(std::wstring_view(line));
   }
@@ -280,19 +327,19 @@ bool FragmentInstance::accmulateEvaluate(AShaderCollapseContext& context) {
 }
 
 bool FragmentInstance::evaluate(AShaderCollapseContext& context, Array<WString>& outputValues) {
-  return context.evaluator().evaluate(*this, outputValues);
+  return context.walk().evaluate(*this, outputValues);
 }
 
 bool FragmentInstance::evaluateShader(AShaderCollapseContext& context, const Array<BuiltinFunction>& uses,
                                       KeywordReplacePattern& callerShaderPattern) {
-  return context.evaluator().evaluateShader(*this, uses, callerShaderPattern);
+  return context.walk().evaluateShader(*this, uses, callerShaderPattern);
 }
 
 bool FragmentInstance::declareAccumulateOutputs(AShaderCollapseContext& context) {
   Array<WString>& accumulators = extras().accumulateOutputs;
   accumulators.clear();
   // Consumers see the accumulators from now on.
-  context.evaluator().startEpoch();
+  context.walk().startEpoch();
   if (!fragment_) return false;
   for (std::size_t i = 0; i < fragment_->getNumOutputs(); ++i) {
     const AParameter* output = fragment_->getOutput(i);
@@ -314,7 +361,7 @@ bool FragmentInstance::declareAccumulateOutputs(AShaderCollapseContext& context)
 
 bool FragmentInstance::buildUserInputValues(AShaderCollapseContext& context,
                                             Array<WString>& inputValues) const {
-  return context.evaluator().appendInputValues(*this, inputValues);
+  return context.walk().appendInputValues(*this, inputValues);
 }
 
 bool FragmentInstance::writeRequirements(AShaderCollapseContext& context) {
@@ -328,19 +375,20 @@ bool FragmentInstance::writeRequirements(AShaderCollapseContext& context) {
     }
     if (usesSamplers_) context.getResultProfile()->includes().insert(L"sfg_samplers.h");
   }
-  return activeProfileInstance_ == nullptr ||
-         activeProfileInstance_->writeRequirements(context.getResultProfile(), context);
+  FragmentProfileInstance* active = getActiveProfileInstance();
+  return active == nullptr || active->writeRequirements(context.getResultProfile(), context);
 }
 
 bool FragmentInstance::writeDefinition(AShaderCollapseContext& context) {
-  return activeProfileInstance_ != nullptr && activeProfileInstance_->writeDefinition(context);
+  FragmentProfileInstance* active = getActiveProfileInstance();
+  return active != nullptr && active->writeDefinition(context);
 }
 
 bool FragmentInstance::writeFunctionCall(WString& out, AShaderCollapseContext& context,
                                          const Array<WString>& inputValues,
                                          const Array<WString>& outputValues) {
-  return activeProfileInstance_ != nullptr &&
-         activeProfileInstance_->writeFunctionCall(out, context, inputValues, outputValues);
+  FragmentProfileInstance* active = getActiveProfileInstance();
+  return active != nullptr && active->writeFunctionCall(out, context, inputValues, outputValues);
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -45,6 +45,22 @@ TEST(RepeatLists, HandOnASingleList) {
   EXPECT_NE(lists.add(twice), list);
 }
 
+TEST(RepeatLists, OfOneItemAreRedoneAsThatItem) {
+  RepeatLists lists;
+  const FragmentInstance caller;
+  const Array<Item> call{{RepeatLists::kEmpty, &caller, 2, 3}};
+  const Item again = lists.again(lists.add(call), 9);
+  EXPECT_EQ(again.list, RepeatLists::kEmpty);
+  EXPECT_EQ(again.caller, &caller);
+  EXPECT_EQ(again.input, 2u);
+  EXPECT_EQ(again.time, 9u);
+  const Array<Item> twice{call[0], call[0]};
+  const RepeatLists::Number two = lists.add(twice);
+  EXPECT_EQ(lists.again(two, 9).list, two);
+  const Array<Item> single{lists.again(two, 9)};
+  EXPECT_NE(lists.add(single), two) << "it has a time of its own";
+}
+
 TEST(RepeatLists, AreForgottenTogether) {
   RepeatLists lists;
   const FragmentInstance caller;

@@ -1,48 +1,21 @@
 #include "sfg/shader_collapse_context.h"
 
-#include <algorithm>
-#include <atomic>
-#include <cassert>
-#include <optional>
 #include <utility>
 
 #include "collapse/arena.h"
-#include "collapse/evaluator.h"
 #include "collapse/expected_result.h"
-#include "collapse/instance_table.h"
+#include "collapse/fragment_walk.h"
+#include "collapse/instance_registry.h"
+#include "collapse/result_writer.h"
 #include "collapse/visited_fragments.h"
-#include "collapse/written_definitions.h"
-#include "sfg/code_snippet.h"
-#include "sfg/scoped_text.h"
-#include "sfg/size_limit.h"
-#include "text/scan.h"
 
 namespace TolmSDK::Graphics::sfg {
 
-namespace {
-
-/// Whether a text holds blanks and comments only.
-bool isBlankCode(const WString& code) {
-  const ScopedText text(code);
-  std::size_t pos = 0;
-  scan::skipBlanksAndComments(text, pos);
-  return pos >= text.length;
-}
-
-}  // namespace
-
-/// Addresses come again, numbers do not.
-std::uint64_t AShaderCollapseContext::nextContextNumber() noexcept {
-  static std::atomic<std::uint64_t> last{0};
-  return ++last;
-}
-
 AShaderCollapseContext::AShaderCollapseContext()
     : result_(makeRef<AShaderFragment>()), resultProfile_(makeRef<AShaderFragmentProfileFunction>()),
-      arena_(std::make_unique<Arena>()), fragmentInstances_(std::make_unique<InstanceTable>(*arena_)),
-      lightFragmentInstances_(std::make_unique<InstanceTable>(*arena_)), number_(nextContextNumber()),
-      writtenDefinitions_(std::make_unique<WrittenDefinitions>()),
-      evaluator_(std::make_unique<FragmentEvaluator>(*this)) {
+      arena_(std::make_unique<Arena>()), instances_(std::make_unique<InstanceRegistry>(*arena_)),
+      writer_(std::make_unique<ResultWriter>(*resultProfile_)),
+      walk_(std::make_unique<FragmentWalk>(*this, instances_->profiles())) {
   resultProfile_->setProfilename(L"default");
 }
 
@@ -72,7 +45,7 @@ bool AShaderCollapseContext::initialize(const RefPtr<ILanguageTraits const>& lan
 bool AShaderCollapseContext::createSurfaceInstances() {
   VisitedFragments visited;
   visited.reserve(graph_->getNumFragments());
-  fragmentInstances_->reserve(graph_->getNumFragments());
+  instances_->reserveSurfaces(graph_->getNumFragments());
   for (const ShaderFragmentConnection& connection : graph_->getOutputConnections()) {
     if (connection.fragment != nullptr && !createInstances(connection.fragment, visited)) return false;
   }
@@ -81,8 +54,7 @@ bool AShaderCollapseContext::createSurfaceInstances() {
 
 void AShaderCollapseContext::reserveResult() {
   ExpectedResult expected;
-  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i)
-    expected.add((*fragmentInstances_)[i].instance);
+  instances_->forEachSurface([&](const FragmentInstance& instance) { expected.add(instance); });
   resultProfile_->getFunctionBody().reserve(expected.bodyLength());
   resultProfile_->predefines().reserve(expected.definitionsLength());
   result_->reserveUniforms(expected.numUniforms());
@@ -124,9 +96,8 @@ bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment, Vi
 FragmentInstance* AShaderCollapseContext::createInstance(const IShaderFragment* fragment) {
   const auto* ours = dynamic_cast<const AShaderFragment*>(fragment);
   // An instance keeps its fragment, and so the name.
-  FragmentInstance& instance = ours != nullptr ? fragmentInstances_->getByLastingName(ours->instanceName())
-                                               : fragmentInstances_->get(fragment->instanceName());
-  admit(instance);
+  FragmentInstance& instance = ours != nullptr ? instances_->getSurfaceByLastingName(ours->instanceName())
+                                               : instances_->getSurface(fragment->instanceName());
   if (instance.isInitialized() || instance.create(*this, getLanguage(), ours)) return &instance;
   return nullptr;
 }
@@ -156,32 +127,15 @@ bool AShaderCollapseContext::getConstValue(WString& value, const AParameter* par
 
 // Instances.
 
-FragmentInstance& AShaderCollapseContext::getInstance(InstanceTable& instances, const WString& name) {
-  FragmentInstance& instance = instances.get(name);
-  admit(instance);
-  return instance;
-}
-
-bool AShaderCollapseContext::admit(const FragmentInstance& instance) {
-  if (instance.context_ == 0) {
-    instance.context_ = number_;
-    instance.number_ = ++instancesMade_;
-  }
-  assert(instance.context_ == number_ && "an instance is evaluated in one context only");
-  return instance.context_ == number_;
-}
-
 FragmentInstance& AShaderCollapseContext::getFragmentInstance(const IShaderFragment* fragment) {
-  return getInstance(*fragmentInstances_, fragment->instanceName());
+  return instances_->getSurface(fragment->instanceName());
 }
 
 FragmentInstance& AShaderCollapseContext::getLightFragmentInstance(const IShaderFragment* fragment) {
-  return getInstance(*lightFragmentInstances_, fragment->instanceName());
+  return instances_->getLight(fragment->instanceName());
 }
 
-std::size_t AShaderCollapseContext::countSurfaceInstances() const noexcept {
-  return fragmentInstances_->size();
-}
+bool AShaderCollapseContext::admit(const FragmentInstance& instance) { return instances_->admit(instance); }
 
 bool AShaderCollapseContext::getFragmentKeyExist(const WString& key) const {
   return fragmentKeys_.contains(key);
@@ -196,60 +150,20 @@ void AShaderCollapseContext::allocateNewShaderInput(const WString& type) {
 // Lights and profiles.
 
 void AShaderCollapseContext::setActiveLightIndex(std::size_t index) noexcept {
-  if (activeLightIndex_ != index) evaluator_->startLight();
+  if (activeLightIndex_ != index) walk_->startLight();
   activeLightIndex_ = index;
 }
 
 bool AShaderCollapseContext::requiresCurrentLight() const {
-  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i) {
-    if ((*fragmentInstances_)[i].instance.requiresCurrentLight()) return true;
-  }
-  return false;
+  return instances_->profiles().requiresCurrentLight();
 }
 
-/// The instances go in the order of their names, up to the first that fails. They are not sorted for that:
-/// which one that is, is known before any of them changes.
 bool AShaderCollapseContext::setActiveSurfaceProfile(const WString& profileName) {
-  const float lod = getSurfaceLOD();
-  const std::uint32_t request = profileRequest(profileName, lod);
-  struct Change {
-    InstanceTable::Entry* entry;
-    const IShaderFragmentProfile* profile;
-  };
-  Array<Change> changes;
-  std::optional<std::wstring_view> firstFailing;  // of the names
-  for (std::size_t i = 0; i < fragmentInstances_->size(); ++i) {
-    InstanceTable::Entry& entry = (*fragmentInstances_)[i];
-    FragmentInstance& instance = entry.instance;
-    if (instance.hasAnswered(request)) continue;
-    const IShaderFragmentProfile* profile = instance.findProfile(*this, profileName, lod);
-    if (profile == nullptr) {
-      firstFailing = firstFailing ? std::min<std::wstring_view>(*firstFailing, *entry.name) : *entry.name;
-    } else if (instance.hasActiveProfile(profile)) {
-      instance.profileRequest_ = request;
-    } else {
-      changes.push_back({&entry, profile});
-    }
-  }
-
-  for (const auto& [entry, profile] : changes) {
-    if (firstFailing && *entry->name >= *firstFailing) continue;
-    entry->instance.changeProfile(*this, profile);
-    entry->instance.profileRequest_ = request;
-  }
-  return !firstFailing;
-}
-
-std::uint32_t AShaderCollapseContext::profileRequest(const WString& profileName, float lod) {
-  const UString& language = getLanguageString();
-  if (profileRequests_ == 0 || requestedLOD_ != lod || requestedLanguage_ != language ||
-      requestedProfile_ != profileName) {
-    requestedProfile_ = profileName;
-    requestedLanguage_ = language;
-    requestedLOD_ = lod;
-    ++profileRequests_;
-  }
-  return profileRequests_;
+  using Answer = SurfaceProfiles::Answer;
+  const Answer answer = instances_->profiles().choose(profileName, getLanguageString(), getSurfaceLOD());
+  if (answer == Answer::similar) walk_->startChoice();
+  if (answer == Answer::other || answer == Answer::failed) walk_->startEpoch();
+  return answer != Answer::failed;
 }
 
 // Writing.
@@ -259,9 +173,7 @@ bool AShaderCollapseContext::writeCode(const wchar_t* text) {
 }
 
 bool AShaderCollapseContext::writeCode(std::wstring_view text) {
-  WString& body = resultProfile_->getFunctionBody();
-  checkTextLength(body.size() + text.size());
-  body += text;
+  writer_->writeCode(text);
   return true;
 }
 
@@ -269,57 +181,26 @@ bool AShaderCollapseContext::writeDeclareVariable(const wchar_t* type, const wch
   return writeCodef(L"    %s %s;\n", type, name);
 }
 
-void AShaderCollapseContext::writePredefine(const WString& text) {
-  if (isBlankCode(text)) return;
-  auto snippet = std::make_unique<CodeSnippet>();
-  snippet->addCode(text);
-  snippet->parse();
-  if (snippet->getNumSymbols() == 0) return;
-  CodeSnippetInstance instance;
-  instance.construct(snippet.release(), {}, true);
-  KeywordReplacePattern renames;
-  writePredefine(instance, {}, renames);
-}
+void AShaderCollapseContext::writePredefine(const WString& text) { writer_->writePredefine(text); }
 
 void AShaderCollapseContext::writePredefine(const CodeSnippetInstance& instance,
                                             const KeywordReplacePattern& pattern,
                                             KeywordReplacePattern& localPattern) {
-  accumulator_.append(resultProfile_->predefines(), instance, pattern, localPattern);
+  writer_->writePredefine(instance, pattern, localPattern);
 }
 
 void AShaderCollapseContext::writeDefinition(const CodeSnippetInstance& instance,
                                              const KeywordReplacePattern& pattern,
                                              FragmentProfileInstance& profileInstance) {
-  WString& name = writtenDefinitions_->soughtText();
-  profileInstance.appendFunctionName(name);
-  KeywordReplacePattern renames;
-  KeywordReplacePattern* const own = profileInstance.findKeywordReplacePattern();
-  const WString& rename = accumulator_.appendDefinition(resultProfile_->predefines(), instance, pattern,
-                                                        own != nullptr ? *own : renames, name);
-  if (!renames.empty()) profileInstance.getKeywordReplacePattern() = std::move(renames);
-  if (rename != name) profileInstance.setFunctionName(rename);
+  writer_->writeDefinition(instance, pattern, profileInstance);
 }
 
-/// Gives the function the name under which another instance wrote it; false when none did.
 bool AShaderCollapseContext::takeWrittenDefinition(FragmentProfileInstance& instance) {
-  WString& key = writtenDefinitions_->soughtText();
-  instance.appendDefinitionKey(key);
-  const WrittenDefinitions::Definition& found =
-      writtenDefinitions_->get(instance.getProfile(), getLanguage(), key);
-  if (!found.isWritten) return false;
-  if (!found.rename.empty()) instance.setFunctionName(found.rename);
-  return true;
+  return writer_->takeWrittenDefinition(instance, getLanguage());
 }
 
-/// Of the definition that was to be taken last.
 void AShaderCollapseContext::rememberWrittenDefinition(const FragmentProfileInstance& instance) {
-  WString& name = writtenDefinitions_->soughtText();
-  instance.appendFunctionName(name);
-  WrittenDefinitions::Definition& written = writtenDefinitions_->last();
-  const std::wstring_view key = written.key;
-  const bool isRenamed = !key.starts_with(name) || (key.size() > name.size() && key[name.size()] != L' ');
-  if (isRenamed) written.rename = name;
-  written.isWritten = true;
+  writer_->rememberWrittenDefinition(instance);
 }
 
 }  // namespace TolmSDK::Graphics::sfg

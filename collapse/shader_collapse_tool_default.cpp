@@ -79,12 +79,14 @@ Array<WString> AShaderCollapseToolDefault::graphOutputNames(const IShaderFragmen
 /// have.
 bool AShaderCollapseToolDefault::assignOutputs(const FragmentInstance& instance,
                                                const Array<WString>& names) {
+  const FragmentProfileInstance* active = instance.getActiveProfileInstance();
+  const bool isExpression = active != nullptr && active->isInlineProfile();
   const Array<ShaderFragmentConnection>& connections = graph_->getOutputConnections();
   for (std::size_t i = 0; i < connections.size() && i < graph_->getNumOutputs(); ++i) {
     const std::size_t output = connections[i].index;
     const WString& name = graph_->getOutputName(i);
     if (!instance.hasActiveProfileOutput(output)) return false;
-    if (instance.hasInlineProfile()) {
+    if (isExpression) {
       context_.writeCodef(L"    %s = %s;\n", name, instance.getActiveProfileOutput(output));
     } else if (names[output] != name) {
       context_.writeCodef(L"    %s = %s;\n", name, names[output]);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "collapse/text_forecast.h"
 #include "fragments/pointer_set.h"
 #include "fragments/ports.h"
 #include "tolmsdk/exception.h"
@@ -67,7 +66,7 @@ void AShaderCollapseToolLightLoop::writeLightRequirements() {
     const WString profileName = lightProfileName(light);
     setSurfaceProfileOfLight(light, profileName);
     FragmentInstance& instance = context_.getLightFragmentInstance(light);
-    if (!instance.activateBestProfile(context_, profileName, context_.getLightLOD())) {
+    if (!instance.trySetActiveProfile(context_, profileName, context_.getLightLOD())) {
       throw Exception(L"Failed to set light profile %s.", profileName);
     }
     if (!instance.writeRequirements(context_)) {
@@ -81,14 +80,7 @@ void AShaderCollapseToolLightLoop::writeLightLoop() {
   for (FragmentInstance* instance : litInstances) instance->declareAccumulateOutputs(context_);
   const std::size_t lights = environment_->getNumLights();
   if (lights == 0) evaluateDefaultLight(litInstances);
-  TextRate written;
-  for (std::size_t i = 0; i < lights; ++i) {
-    const std::size_t before = resultProfile_->getFunctionBody().size();
-    evaluateLight(i, litInstances);
-    WString& body = resultProfile_->getFunctionBody();
-    written.add(body.size() - before);
-    if (i + 1 < lights && isAlmostFull(body)) growTo(body, written.rest(lights));
-  }
+  for (std::size_t i = 0; i < lights; ++i) evaluateLight(i, litInstances);
 }
 
 /// The first instances that read the current light on the ways up from the outputs, in the order in which
@@ -115,8 +107,9 @@ Array<FragmentInstance*> AShaderCollapseToolLightLoop::collectLitFragments() {
       visit(fragment->getInputConnections());
     }
   }
-  std::sort(found.begin(), found.end(),
-            [](const FragmentInstance* a, const FragmentInstance* b) { return a->number_ < b->number_; });
+  std::sort(found.begin(), found.end(), [](const FragmentInstance* a, const FragmentInstance* b) {
+    return a->getNumber() < b->getNumber();
+  });
   // Two fragments of one name are one instance.
   found.erase(std::unique(found.begin(), found.end()), found.end());
   return found;
@@ -143,7 +136,7 @@ void AShaderCollapseToolLightLoop::evaluateLight(std::size_t index,
 /// Evaluates the light: its first output is what the surface code knows as the current light.
 void AShaderCollapseToolLightLoop::setCurrentLight(const IShaderFragment& light, const WString& profileName) {
   FragmentInstance& instance = context_.getLightFragmentInstance(&light);
-  if (!instance.activateBestProfile(context_, profileName, context_.getLightLOD())) {
+  if (!instance.trySetActiveProfile(context_, profileName, context_.getLightLOD())) {
     throw Exception(L"Failed to set light profile of light %s: %s.", light.instanceName(), profileName);
   }
   if (!instance.safeEvaluate(context_) || !instance.hasActiveProfileOutput(0)) {

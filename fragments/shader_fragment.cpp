@@ -23,6 +23,9 @@ RefPtr<AParameter const> makePort(const ILanguageTraits& traits, const WString& 
   return makeStructPort(typeText.starts_with(kInOut) ? typeText.substr(kInOut.size()) : typeText, name);
 }
 
+/// A list of profiles that is longer is not looked through.
+constexpr std::size_t kShortList = 16;
+
 WString profileKey(const WString& name, const UString& language) { return name + language.str(); }
 
 }  // namespace
@@ -84,6 +87,7 @@ void AShaderFragment::Profiles::makeTableOwn() {
   auto own = std::make_shared<ProfileTable>();
   own->byNameAndLanguage = table_->byNameAndLanguage;
   own->list = table_->list;
+  own->indices = table_->indices;
   table_ = std::move(own);
 }
 
@@ -98,6 +102,14 @@ void AShaderFragment::Profiles::add(IShaderFragmentProfile& profile) {
   for (const UString& language : std::as_const(profile).languages())
     addTo(table_->byNameAndLanguage[profileKey(profile.getProfilename(), language)], profile);
   addTo(table_->list, profile);
+  noteIndices();
+}
+
+void AShaderFragment::Profiles::noteIndices() {
+  const Array<IShaderFragmentProfile*>& list = table_->list;
+  if (list.size() <= kShortList) return;
+  const std::size_t first = table_->indices.empty() ? 0 : list.size() - 1;
+  for (std::size_t i = first; i < list.size(); ++i) table_->indices.try_emplace(list[i], i);
 }
 
 void AShaderFragment::Profiles::clear() {
@@ -129,6 +141,20 @@ const IShaderFragmentProfile* AShaderFragment::findBestProfile(const WString& pr
     bestDistance = distance;
   }
   return best;
+}
+
+std::size_t AShaderFragment::findProfileIndex(const IShaderFragmentProfile* profile) const {
+  const auto known = profiles_->indices.find(profile);
+  if (known != profiles_->indices.end()) return known->second;
+  const Array<IShaderFragmentProfile*>& list = profiles_->list;
+  const std::size_t looked = profiles_->indices.empty() ? list.size() : 0;
+  for (std::size_t i = 0; i < looked; ++i)
+    if (list[i] == profile) return i;
+  return kNotFound;
+}
+
+void AShaderFragment::appendProfileKeys(Array<std::wstring_view>& keys) const {
+  for (const auto& [key, places] : profiles_->byNameAndLanguage) keys.push_back(key);
 }
 
 // Ports

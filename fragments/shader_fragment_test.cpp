@@ -91,6 +91,30 @@ TEST(ShaderFragment, ListsAProfileUnderEachLanguageAndOnceInOrder) {
   EXPECT_EQ(fragment->getNumProfiles(), 2u);
 }
 
+TEST(ShaderFragment, FindsTheFirstPlaceOfAProfileHoweverManyThereAre) {
+  const auto fragment = makeRef<AShaderFragment>();
+  std::vector<RefPtr<AShaderFragmentProfile>> profiles;
+  for (std::size_t i = 0; i < 40; ++i) {
+    profiles.push_back(makeProfile(L"p", 0.0f, {L"dx11"}));
+    EXPECT_EQ(fragment->findProfileIndex(profiles.back().get()), kNotFound);
+    fragment->registerProfile(profiles.back().get());
+    fragment->registerProfile(profiles.front().get());
+    for (std::size_t k = 0; k <= i; ++k)
+      EXPECT_EQ(fragment->findProfileIndex(profiles[k].get()), k == 0 ? 0 : 2 * k);
+  }
+  const RefPtr<AShaderFragment> clone(static_cast<AShaderFragment*>(fragment->clone(L"c")));
+  EXPECT_EQ(clone->getProfileTable(), fragment->getProfileTable());
+  const auto other = makeProfile(L"q", 0.0f, {L"dx11", L"gl"});
+  clone->registerProfile(other.get());
+  EXPECT_NE(clone->getProfileTable(), fragment->getProfileTable());
+  EXPECT_EQ(clone->findProfileIndex(other.get()), 80u);
+  EXPECT_EQ(clone->findProfileIndex(profiles[39].get()), 78u);
+  EXPECT_EQ(fragment->findProfileIndex(other.get()), kNotFound);
+  Array<std::wstring_view> keys;
+  clone->appendProfileKeys(keys);
+  EXPECT_EQ(keys, (Array<std::wstring_view>{L"pdx11", L"qdx11", L"qgl"}));
+}
+
 TEST(ShaderFragment, FindsTheProfileNearestInLevelOfDetail) {
   const auto fragment = makeRef<AShaderFragment>();
   const RefPtr<AShaderFragmentProfile> profiles[] = {makeProfile(L"p", 0.0f, {L"dx11"}),

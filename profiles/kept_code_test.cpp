@@ -64,6 +64,11 @@ TEST(KeptCode, KeepsTheFirstOfEqualKeys) {
   store.keep(L"a", 1, first);
   store.keep(L"a", 1, snippetOf(1));
   EXPECT_EQ(store.find(L"a", 1).snippet, first);
+  // The second one takes no room.
+  const auto half = snippetOf(KeptCode::kMostCharacters / 2 - 2);
+  for (int i = 0; i < 2; ++i) store.keep(L"b", 2, half);
+  store.keep(L"c", 3, snippetOf(KeptCode::kMostCharacters / 2 - 2));
+  EXPECT_NE(store.find(L"c", 3).snippet, nullptr);
 }
 
 TEST(KeptCode, HoldsSoManyPieces) {
@@ -102,6 +107,14 @@ TEST(KeptCode, DropsForAnotherOnlyWhatWasNotAskedForInALongWhile) {
   // Their characters count no more.
   store.keep(L"long", 1001, snippetOf(KeptCode::kMostCharacters - 20));
   EXPECT_NE(store.find(L"long", 1001).snippet, nullptr);
+}
+
+TEST(KeptCode, DropsNothingForAPieceThatNeverFits) {
+  KeptCode store(0);
+  store.keep(L"a", 1, snippetOf(1));
+  for (std::uint64_t i = 0; i < KeptCode::kLongWhile; ++i) store.find(L"b", 2);
+  store.keep(L"c", 3, snippetOf(KeptCode::kMostCharacters));
+  EXPECT_NE(store.find(L"a", 1).snippet, nullptr);
 }
 
 TEST(KeptCode, NotesTheLastQuestionsOnly) {
@@ -219,6 +232,23 @@ TEST_F(KeptDefinition, IsThatOfTheTypesOfItsState) {
   useFunction(L"r = tint.x;", L"\"stateVariables\": [\"tint\"], ");
   keep(type(L"float3"));
   expectAfter(type(L"half3"), functionOf(L"f1", L"    half3 tint,\n", L"r = tint.x;"));
+}
+
+/// Calls all state by one name.
+class OneNameLanguage : public test::TestLanguage {
+public:
+  const WString& getStateVariableParameterName(const UString&) const override { return name_; }
+
+private:
+  WString name_ = L"normal";
+};
+
+TEST_F(KeptDefinition, IsThatOfTheNamesOfItsState) {
+  const auto other = makeRef<OneNameLanguage>();
+  useFunction(L"r = sfg_worldNormal.x;");
+  keep();
+  expectAfter([&](KeptDefinition& test) { test.context.setLanguage(other.get()); },
+              functionOf(L"f1", L"    inout float3 normal,\n", L"r = sfg_worldNormal.x;"));
 }
 
 TEST_F(KeptDefinition, IsThatOfTheStateThereIs) {

@@ -70,7 +70,6 @@ void AShaderFragmentProfile::clear() {
   predefinesParsed_ = false;
   predefinesLoaded_ = false;
   functionParameters_->clear();
-  forgetKeptCode();
   lod_ = 100.0f;
 }
 

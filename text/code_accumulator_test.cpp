@@ -591,6 +591,45 @@ TEST_F(CodeAccumulatorTest, RefusesTextPastTheSizeLimit) {
   EXPECT_EQ(append(L"int x;\n"), L"int x;\n") << "what was refused was not written";
 }
 
+TEST_F(CodeAccumulatorTest, FindsTheFamiliesOfASharedSnippetAnewBehindAChange) {
+  auto snippet = std::make_shared<CodeSnippet>();
+  for (const wchar_t* code :
+       {L"float f() { return 1; }\nfloat g() { return f(); }\n", L"float h() { return 2; }\n"}) {
+    snippet->clear();
+    snippet->addCode(code);
+    ASSERT_TRUE(snippet->parse());
+    for (int use = 0; use < 3; ++use) {
+      CodeSnippetInstance instance;
+      instance.construct(snippet, {});
+      CodeAccumulator accumulator;
+      KeywordReplacePattern none;
+      WString out;
+      accumulator.append(out, instance, {}, none);
+      EXPECT_EQ(out, code) << use;
+    }
+  }
+}
+
+TEST_F(CodeAccumulatorTest, KeepsTheKeysOfASharedSnippetWhereKeysAreCompared) {
+  const WString code = L"float k() { return 3; }\n";
+  CodeSnippet byHand;
+  ShaderSymbol symbol;
+  symbol.setRange(ScopedText(code));
+  symbol.setName(ScopedText(code, 6, 1));
+  symbol.setKey(L"key set by hand");
+  byHand.addSymbol(symbol);
+  CodeSnippetInstance first;
+  first.construct(&byHand, {}, false);
+  KeywordReplacePattern none;
+  accumulator_.append(out_, first, {}, none);
+  for (const wchar_t* expected : {L"float f() { return true; }", L"", L""}) {
+    const SharedContribution shared(L"float f() { return sfg_isConnected(a); }", {L"true"});
+    const std::size_t size = out_.size();
+    accumulator_.append(out_, shared.instance, {}, none);
+    EXPECT_EQ(out_.substr(size), expected);
+  }
+}
+
 TEST_F(CodeAccumulatorTest, AsksASharedSnippetForItsFamiliesOnlyWhenRenamesMakeNoneOfThem) {
   // The second symbol has no key of its own, so that only renames make it one of a family.
   const WString code = L"float f() { return 1; }\nf2 sfg_isConnected(a);";

@@ -40,7 +40,6 @@ bool KeywordRules::mayOccurIn(const ScopedText& text) const {
   if (keywords_.empty()) return false;
   if (shortest_ <= length) return true;
   length = scan::lengthBeforeNul(text);
-  if (length < text.length) return false;
   while (length < shortest_ && text.text[length] != L'\0') ++length;
   return length == shortest_;
 }

@@ -46,8 +46,8 @@ TEST_F(EvaluatedSurfaceTest, TakesTheNamesThatLightsAskFor) {
   EvaluatedSurface surface(*made);
   const IShaderFragment& many = *made->libraries().language().findFragment(L"many");
   EXPECT_EQ(functions(surface.profilesOf(many).taken), "d u ");
-  EXPECT_EQ(surface.profilesOf(many).under(L"Sun")->getFunctionName(), L"u");
-  EXPECT_EQ(surface.profilesOf(many).under(L"Area")->getFunctionName(), L"d");
+  EXPECT_EQ(surface.profilesOf(many).named.at(L"Sun")->getFunctionName(), L"u");
+  EXPECT_EQ(surface.profilesOf(many).other->getFunctionName(), L"d");
 }
 
 TEST_F(EvaluatedSurfaceTest, KnowsWhichNamesAFragmentOffers) {

@@ -33,6 +33,8 @@ bool isOutOfMemory() noexcept {
 
 }  // namespace
 
+// Hidden, as this project compiles its own names, they would serve the program alone.
+#pragma GCC visibility push(default)
 extern "C" {
 void* malloc(std::size_t size) { return isOutOfMemory() ? nullptr : __libc_malloc(size); }
 void* calloc(std::size_t count, std::size_t size) {
@@ -42,6 +44,7 @@ void* realloc(void* memory, std::size_t size) {
   return isOutOfMemory() ? nullptr : __libc_realloc(memory, size);
 }
 }
+#pragma GCC visibility pop
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {

@@ -18,6 +18,7 @@
 namespace TolmSDK::Graphics::sfg {
 
 class AShaderCollapseContext;
+class SurfaceProfiles;
 class VisitedFragments;
 
 /// Gives the fragment's uniforms and unconnected inputs unique names, activates one of its profiles, and
@@ -42,14 +43,22 @@ public:
   /// Activates the best profile of that name, else of the name "default". Throws "The fragment %s doesn't
   /// have a default profile".
   bool setActiveProfile(AShaderCollapseContext& context, const WString& profileName, float lod);
+  /// As setActiveProfile(), but answers false where that throws.
+  bool trySetActiveProfile(AShaderCollapseContext& context, const WString& profileName, float lod);
+  /// Null without one.
+  FragmentProfileInstance* getActiveProfileInstance() const;
 
   bool isInitialized() const noexcept { return initialized_; }
   const IShaderFragment* getShaderFragment() const noexcept { return fragment_.get(); }
+  const AShaderFragment* getFragment() const noexcept { return fragment_.get(); }
   bool requiresCurrentLight() const;
   void setOverrideFunctionName(const WString& name);
   /// The accumulator of output `index` when the instance accumulates, else the active profile's output name;
   /// empty for an index beyond them.
   const WString& getActiveProfileOutput(std::size_t index) const;
+  bool hasActiveProfileOutput(std::size_t index) const;
+  /// Appends what getActiveProfileOutput() answers, without making a text of its own for it.
+  void appendActiveProfileOutput(WString& out, std::size_t index) const;
 
   /// Evaluates once, unless the instance accumulates: then true without doing anything.
   bool safeEvaluate(AShaderCollapseContext& context);
@@ -72,12 +81,30 @@ public:
   bool writeFunctionCall(WString& out, AShaderCollapseContext& context, const Array<WString>& inputValues,
                          const Array<WString>& outputValues);
 
+  // For the collapse: what was found out about an input when the instance was made.
+
+  /// The expression used when no fragment feeds the input; null when the instance has no such input.
+  const WString* findInputValue(std::size_t input) const;
+  /// Makes what stands for a connected input that only the active profile uses as a shader function.
+  void createLateInputUniform(AShaderCollapseContext& context, std::size_t input) const;
+  /// The instance of the fragment that feeds the input, if that is noted.
+  FragmentInstance* findSource(std::size_t input, const IShaderFragment* fragment) const;
+  /// Notes the instances of the fragments that feed the inputs.
+  void setSources(const VisitedFragments& visited);
+
+  // For the collapse: the context to which the instance belongs.
+
+  /// Makes it the context's, with the next number, unless it is some context's; false for another one's.
+  bool joinContext(std::uint64_t context, std::uint32_t& lastNumber) const;
+  /// In its context, from 1; 0 before it has one.
+  std::uint32_t getNumber() const noexcept { return number_; }
+  /// From now on the instance has the profile that is chosen there, once another choice is made.
+  void followProfiles(SurfaceProfiles& profiles);
+  /// Makes that profile the active one, whatever its name.
+  void activate(const IShaderFragmentProfile* profile) const;
+
 private:
-  friend class AShaderCollapseContext;
-  friend class AShaderCollapseToolDefault;
-  friend class AShaderCollapseToolLightLoop;
   friend class ExpectedResult;
-  friend class FragmentEvaluator;
 
   /// What was found out about an input when the instance was made.
   struct Input {
@@ -88,47 +115,29 @@ private:
   /// What many instances do without.
   struct Extras {
     std::list<FragmentProfileInstance, StlAllocator<FragmentProfileInstance>> otherProfileInstances;
-    Array<RefPtr<AParameter const>> uniforms;  // its own
-    Array<WString> inputValues;                // of inputs whose value is not the uniform's name; or empty
+    Map<const AShaderFragmentProfile*, FragmentProfileInstance*> byProfile;  // of those, when they are many
+    Array<RefPtr<AParameter const>> uniforms;                                // its own
+    Array<WString> inputValues;  // of inputs whose value is not the uniform's name; or empty
     Array<WString> accumulateOutputs;
   };
 
-  /// As setActiveProfile, but answers false where that throws.
-  bool activateBestProfile(AShaderCollapseContext& context, const WString& profileName, float lod);
-  /// The best profile of that name, else of the name "default"; null without any.
-  const IShaderFragmentProfile* findProfile(const AShaderCollapseContext& context, const WString& profileName,
-                                            float lod) const;
-  bool hasActiveProfile(const IShaderFragmentProfile* profile) const;
-  bool hasAnswered(std::uint32_t request) const { return fragment_ && request == profileRequest_; }
-  void changeProfile(AShaderCollapseContext& context, const IShaderFragmentProfile* profile);
-  void activateProfile(const IShaderFragmentProfile* profile);
-  FragmentProfileInstance* findProfileInstance(const AShaderFragmentProfile* profile);
-  FragmentProfileInstance& makeProfileInstance();
+  FragmentProfileInstance* findProfileInstance(const AShaderFragmentProfile* profile) const;
+  FragmentProfileInstance& makeProfileInstance() const;
+  void indexProfileInstance(FragmentProfileInstance& made) const;
   void makeUniformsUnique();
   void createInputUniform(const AShaderCollapseContext& context, std::size_t input) const;
-  /// Makes what stands for a connected input that only the active profile uses as a shader function.
-  void createLateInputUniform(AShaderCollapseContext& context, std::size_t input) const;
   bool hasInputValue(std::size_t input) const {
     return extras_ && input < extras_->inputValues.size() && !extras_->inputValues[input].empty();
   }
   void setInputValue(std::size_t input, WString value) const;
-  bool hasActiveProfileOutput(std::size_t index) const;
-  bool hasInlineProfile() const {
-    return activeProfileInstance_ != nullptr && activeProfileInstance_->isInlineProfile();
-  }
-  /// Appends what getActiveProfileOutput() answers.
-  void appendActiveProfileOutput(WString& out, std::size_t index) const;
   const WString& inputValue(std::size_t input) const;
-  /// Notes the instances of the fragments that feed the inputs.
-  void setSources(const VisitedFragments& visited);
   Extras& extras() const;
   std::span<Input> inputs() const noexcept { return {firstInput_, numInputs_}; }
   bool accumulates() const noexcept { return extras_ && !extras_->accumulateOutputs.empty(); }
 
   RefPtr<ILanguageTraits const> language_;
-  FragmentProfileInstance* activeProfileInstance_ = nullptr;
   RefPtr<AShaderFragment const> fragment_;
-  FragmentProfileInstance firstProfileInstance_;
+  mutable FragmentProfileInstance firstProfileInstance_;
   mutable std::unique_ptr<Extras> extras_;
   Input* firstInput_ = nullptr;  // in the memory of the context that created the instance
   std::uint32_t numInputs_ = 0;
@@ -136,11 +145,15 @@ private:
   bool uniformsWritten_ = false;
   mutable bool usesSamplers_ = false;
 
-  // Kept by the context that made the instance or was the first to evaluate it: its own number, the
-  // instance's (those that it made count up), and the profile request that was answered last.
-  mutable std::uint64_t context_ = 0;
+  // The active profile is taken from the choice that it follows when it is asked for.
+  mutable FragmentProfileInstance* activeProfileInstance_ = nullptr;
+  SurfaceProfiles* followed_ = nullptr;
+  mutable std::uint32_t choice_ = 0;  // the number of the one taken last
+
+  // Kept by the context that made the instance or was the first to evaluate it: the instance's number (those
+  // that it made count up), and its own.
   mutable std::uint32_t number_ = 0;
-  std::uint32_t profileRequest_ = 0;
+  mutable std::uint64_t context_ = 0;
 };
 
 }  // namespace TolmSDK::Graphics::sfg

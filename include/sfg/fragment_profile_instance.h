@@ -42,6 +42,13 @@ public:
   bool isInlineProfile() const noexcept { return isInlineProfile_; }
   /// The profile's code reads the current light: its call is written once per light.
   bool requiresCurrentLight() const noexcept { return requiresCurrentLight_; }
+  /// A function that reads the current light. An expression has no call.
+  bool writesForEveryLight() const noexcept { return requiresCurrentLight_ && !isInlineProfile_; }
+  /// Whether a call was written, and whether it was for that light.
+  bool isCallWritten() const noexcept { return callWritten_; }
+  bool isCallWritten(std::size_t light) const noexcept {
+    return extras_ && light < extras_->callWrittenForLight.size() && extras_->callWrittenForLight[light];
+  }
   const ILanguageTraits* getLanguage() const noexcept { return language_; }
   const AShaderFragmentProfile* getProfile() const noexcept { return profile_; }
 
@@ -123,9 +130,10 @@ public:
   bool writeFunctionCall(WString& out, AShaderCollapseContext& context, const Array<WString>& inputValues,
                          const Array<WString>& outputValues);
 
-private:
-  friend class AShaderCollapseContext;
+  /// Appends what the text of its definition depends on besides the profile. For the collapse only.
+  void appendDefinitionKey(WString& key) const;
 
+private:
   /// Made when one of them is asked for.
   struct Patterns {
     Patterns();
@@ -162,7 +170,6 @@ private:
   }
   bool mustWriteCall(const AShaderCollapseContext& context);
   bool hasSharedDefinition() const;
-  void appendDefinitionKey(WString& key) const;
 
   // A collapse makes one for every fragment, so they are small.
   std::unique_ptr<Patterns> patterns_;

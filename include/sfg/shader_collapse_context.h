@@ -7,7 +7,6 @@
 #include <memory>
 #include <string_view>
 
-#include "sfg/code_accumulator.h"
 #include "sfg/export.h"
 #include "sfg/fragment_instance.h"
 #include "sfg/shader_fragment.h"
@@ -21,10 +20,10 @@
 namespace TolmSDK::Graphics::sfg {
 
 class Arena;
-class FragmentEvaluator;
-class InstanceTable;
+class FragmentWalk;
+class InstanceRegistry;
+class ResultWriter;
 class VisitedFragments;
-class WrittenDefinitions;
 
 /// Owns the fragment being produced, one instance per fragment reached and per light, and the accumulator
 /// through which all code reaches the result. Belongs to its tool; used by one thread. Write operations
@@ -92,52 +91,39 @@ public:
   void writeDefinition(const CodeSnippetInstance& instance, const KeywordReplacePattern& pattern,
                        FragmentProfileInstance& profileInstance);
 
-private:
-  friend class AShaderCollapseToolDefault;
-  friend class AShaderCollapseToolLightLoop;
-  friend class FragmentEvaluator;
-  friend class FragmentInstance;
-  friend class FragmentProfileInstance;
+  // For the collapse.
 
-  static std::uint64_t nextContextNumber() noexcept;
-  bool createSurfaceInstances();
-  /// Gives the result room for what the instances will write.
-  void reserveResult();
-  /// Gives back what turned out to be far too much.
-  void giveBackRoom();
-  bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
-  FragmentInstance* createInstance(const IShaderFragment* fragment);
-  bool createLightInstance(const IShaderFragment* light);
-  FragmentInstance& getInstance(InstanceTable& instances, const WString& name);
-  std::size_t countSurfaceInstances() const noexcept;
-  FragmentEvaluator& evaluator() noexcept { return *evaluator_; }
+  /// What evaluates instances.
+  FragmentWalk& walk() noexcept { return *walk_; }
+  /// What lives as long as the context and is not part of the result.
   Arena& arena() noexcept { return *arena_; }
   /// False for an instance of another context. One that none has made or evaluated becomes this one's.
   bool admit(const FragmentInstance& instance);
+  /// Gives the function the name under which another instance wrote it; false when none did.
   bool takeWrittenDefinition(FragmentProfileInstance& instance);
+  /// Of the definition that was to be taken last.
   void rememberWrittenDefinition(const FragmentProfileInstance& instance);
-  std::uint32_t profileRequest(const WString& profileName, float lod);
+  /// The result is kept long after the collapse: room in it that turned out to be far too much is given back.
+  void giveBackRoom();
 
-  CodeAccumulator accumulator_;
+private:
+  bool createSurfaceInstances();
+  /// Gives the result room for what the instances will write.
+  void reserveResult();
+  bool createInstances(const IShaderFragment* fragment, VisitedFragments& visited);
+  FragmentInstance* createInstance(const IShaderFragment* fragment);
+  bool createLightInstance(const IShaderFragment* light);
+
   RefPtr<IShaderOptions const> options_;
   RefPtr<IShadingEnvironment const> environment_;
   RefPtr<AShaderFragmentGraph const> graph_;
   RefPtr<AShaderFragment> result_;
   RefPtr<AShaderFragmentProfile> resultProfile_;
   Set<WString> fragmentKeys_;
-  std::unique_ptr<Arena> arena_;  // what lives as long as the context and is not part of the result
-  std::unique_ptr<InstanceTable> fragmentInstances_;
-  std::unique_ptr<InstanceTable> lightFragmentInstances_;
-  std::uint64_t number_;  // among all contexts, from 1
-  std::uint32_t instancesMade_ = 0;
-  std::unique_ptr<WrittenDefinitions> writtenDefinitions_;
-  std::unique_ptr<FragmentEvaluator> evaluator_;
-  // The profile asked for last, and how many times another one was asked for: equal numbers are equal
-  // requests.
-  WString requestedProfile_;
-  UString requestedLanguage_;
-  float requestedLOD_ = 0.0f;
-  std::uint32_t profileRequests_ = 0;
+  std::unique_ptr<Arena> arena_;
+  std::unique_ptr<InstanceRegistry> instances_;
+  std::unique_ptr<ResultWriter> writer_;
+  std::unique_ptr<FragmentWalk> walk_;
   std::size_t activeLightIndex_ = 0;
   Array<WString> shaderInputTypes_;
 };

@@ -178,6 +178,12 @@ public:
   void generateAutoInputsOutputs(const ILanguageTraits* traits);
   /// Makes every graph that takes this fragment in from now on non-consolidatable. Never undone.
   void SetNonConsolidatable() { consolidatable_ = false; }
+  /// The place of a profile's first registration, or the not-found value.
+  std::size_t findProfileIndex(const IShaderFragmentProfile* profile) const;
+  /// Equal for fragments that share their profiles, as clones do, as long as none of them registers another.
+  const void* getProfileTable() const noexcept { return profiles_.operator->(); }
+  /// Appends what findBestProfile() can find: each profile name with a language behind it.
+  void appendProfileKeys(Array<std::wstring_view>& keys) const;
   bool isConsolidatable() const noexcept { return consolidatable_; }
 
 private:
@@ -200,7 +206,8 @@ private:
   struct ProfileTable {
     Map<WString, Array<IShaderFragmentProfile*>, ProfileKeyLess> byNameAndLanguage;
     Array<IShaderFragmentProfile*> list;
-    std::atomic<bool> isShared{false};  ///< by a clone, once: it is never changed again
+    Map<const IShaderFragmentProfile*, std::size_t> indices;  ///< in a long list, of the first use of each
+    std::atomic<bool> isShared{false};                        ///< by a clone, once: it is never changed again
   };
   /// A fragment's profiles. A copy shares the table and holds the profiles too.
   class Profiles {
@@ -218,6 +225,7 @@ private:
     template <class Operation>
     void forEachPlace(Operation&& operation) const;
     void makeTableOwn();
+    void noteIndices();
     static void addTo(Array<IShaderFragmentProfile*>& places, IShaderFragmentProfile& profile);
 
     std::shared_ptr<ProfileTable> table_;  // whoever registers another profile makes its own

@@ -29,9 +29,9 @@ class KeptCode;
 /// (built-in calls) keep those texts alive, also after clear() or a second setFunctionBody().
 ///
 /// What its texts become in a collapse is kept for the next one, and dropped when the profile is changed. A
-/// writable reference may change the profile at any time: after predefines(), stateVariables(),
-/// customStateVariables(), getFunctionParameters() or getFunctionBody() of a profile that is not const,
-/// nothing of the texts that depend on it is kept any more. Readers ask a const profile.
+/// writable reference may change the profile at any time: after predefines(), getFunctionParameters() or
+/// getFunctionBody() of a profile that is not const, nothing of the text that depends on it is kept any more.
+/// Readers ask a const profile.
 class SFG_API AShaderFragmentProfile : public RefCounted<IShaderFragmentProfile> {
 public:
   AShaderFragmentProfile(const AShaderFragmentProfile&) = delete;
@@ -55,15 +55,9 @@ public:
   float getLOD() const override { return lod_; }
   const WString& getProfilename() const override { return profileName_; }
   const Set<UString>& stateVariables() const override { return stateVariables_; }
-  Set<UString>& stateVariables() override {
-    openDefinition();
-    return stateVariables_;
-  }
+  Set<UString>& stateVariables() override { return stateVariables_; }
   const Set<WString>& customStateVariables() const override { return customStateVariables_; }
-  Set<WString>& customStateVariables() override {
-    openDefinition();
-    return customStateVariables_;
-  }
+  Set<WString>& customStateVariables() override { return customStateVariables_; }
   const Set<WString>& includes() const override { return includes_; }
   Set<WString>& includes() override { return includes_; }
   const WString& getFunctionName() const override { return functionName_; }

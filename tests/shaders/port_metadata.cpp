@@ -4,7 +4,7 @@
 #include <cmath>
 #include <set>
 
-#include "host/language_dx11.h"
+#include "host/library/language_dx11.h"
 #include "sfg/shader_fragment.h"
 #include "sfg/shader_fragment_profile_base.h"
 #include "tolmsdk/object_data_node.h"
