@@ -11,8 +11,8 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// Explains lines of one assembled shader. Reads the code of the fragments once, when it is made. Refers to the
-/// job and the shader.
+/// Explains lines of one assembled shader. Reads the code of the fragments once, when it is made. Refers to
+/// the job and the shader.
 class OriginFinder {
 public:
   OriginFinder(const CollapseJob& job, const AssembledShader& assembled);
