@@ -26,9 +26,7 @@ public:
   InstanceRegistry& operator=(const InstanceRegistry&) = delete;
 
   /// The instance of that name; a new, uninitialised one when there is none.
-  FragmentInstance& getSurface(const WString& name) {
-    return admitSurface(surfaces_.get(name));
-  }
+  FragmentInstance& getSurface(const WString& name) { return admitSurface(surfaces_.get(name)); }
   /// The same for a text that lasts as long as the registry.
   FragmentInstance& getSurfaceByLastingName(const WString& name) {
     return admitSurface(surfaces_.getByLastingName(name));

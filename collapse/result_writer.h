@@ -28,8 +28,8 @@ public:
   void writeDefinition(const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
                        FragmentProfileInstance& instance);
 
-  /// Gives the function the name under which another instance wrote it; false when none did. The language names
-  /// the types of state.
+  /// Gives the function the name under which another instance wrote it; false when none did. The language
+  /// names the types of state.
   bool takeWrittenDefinition(FragmentProfileInstance& instance, const ILanguageTraits* language);
   /// Of the definition that was to be taken last.
   void rememberWrittenDefinition(const FragmentProfileInstance& instance);

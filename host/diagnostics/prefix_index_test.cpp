@@ -1,4 +1,4 @@
-#include "host/prefix_index.h"
+#include "host/diagnostics/prefix_index.h"
 
 #include <gtest/gtest.h>
 
