@@ -1,3 +1,4 @@
+#include "sfg/host/compile.h"
 #include "sfg/host/reflect.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"

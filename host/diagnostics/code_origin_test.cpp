@@ -143,6 +143,19 @@ TEST_F(OriginFinderTest, TellsUsesOfOneFragmentApartByTheirInstances) {
   EXPECT_EQ(findName(L"an2"), kShape + std::string("uniform `an2` is of fragment `shape`, node `unused`\n"));
 }
 
+TEST_F(OriginFinderTest, KnowsRenamedUniformsByTheirGeneratedNames) {
+  assembled_.generatedNames = {
+      {L"last_gain", L"gainn1"}, {L"shape2", L"gainn0"}, {L"last_image", L"imagen1"}, {L"mix_2", L"mix"}};
+  EXPECT_EQ(findName(L"last_gain"),
+            kCurve + std::string("uniform `last_gain` is of fragment `curve`, node `last`\n"));
+  EXPECT_EQ(findName(L"shape2"),
+            kCurve + std::string("uniform `shape2` is of fragment `curve`, node `first`\n"));
+  EXPECT_EQ(findName(L"sampler_last_image"),
+            kCurve + std::string("uniform `sampler_last_image` is of fragment `curve`, node `last`\n"));
+  // A uniform of the graph itself.
+  EXPECT_EQ(findName(L"mix_2"), "");
+}
+
 TEST_F(OriginFinderTest, TheLongestPartOfANameThatIsASymbolsCounts) {
   EXPECT_EQ(findName(L"shape"),
             kCurve + std::string("helper `shape` is of fragment `curve`, node `first`\n"));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -256,6 +257,86 @@ TEST_F(JobTest, ExplainsWhatACompilerRefuses) {
   }
   // The job goes on.
   EXPECT_EQ(job.assemble().text, shader.text);
+}
+
+constexpr const char* kUniformGraph = R"json({
+  "outputs": [ { "name": "color", "type": "float3", "node": "red" } ],
+  "nodes":   [ { "name": "red", "fragment": "tint", "inputs": { "color": { "value": [1, 0.5, 0] } } } ]
+})json";
+
+TEST_F(JobTest, NamesUniformsAsItIsAsked) {
+  Job job(load(), Document::fromText(kUniformGraph, "graph"));
+  job.collapse();
+  const Shader generated = job.assemble();
+  EXPECT_EQ(generated.names, NameStyle::generated);
+  EXPECT_EQ(generated.uniforms, (std::vector<std::string>{"colorn0", "amountn0"}));
+  const Shader readable = job.assemble(ShaderStage::pixel, NameStyle::readable);
+  EXPECT_EQ(readable.names, NameStyle::readable);
+  EXPECT_EQ(readable.uniforms, (std::vector<std::string>{"red_color", "red_amount"}));
+  std::string expected = generated.text;
+  for (const char* const input : {"color", "amount"}) {
+    const std::string old = input + std::string("n0");
+    const std::string named = std::string("red_") + input;
+    for (std::size_t at = expected.find(old); at != expected.npos; at = expected.find(old, at)) {
+      expected.replace(at, old.size(), named);
+      at += named.size();
+    }
+  }
+  EXPECT_EQ(readable.text, expected);
+}
+
+TEST_F(JobTest, TellsWhatAShaderTakesAndGives) {
+  const std::filesystem::path file = write("graph.json", kUniformGraph);
+  write("other.fraglib", "{}");
+  Job job(load(), Document::fromFile(file));
+  EXPECT_THROW(job.reflect(), std::logic_error);
+  job.collapse();
+  const ShaderInterface assembled = job.reflect(ShaderStage::pixel, NameStyle::readable);
+  EXPECT_EQ(assembled.target, std::nullopt);
+  EXPECT_EQ(assembled.files, (std::vector<std::string>{file.string(), (folder_ / "lib.fraglib").string(),
+                                                       (folder_ / "tone.h").string()}));
+  EXPECT_EQ(assembled.hash.size(), 40u);
+  EXPECT_NE(job.reflect().hash, assembled.hash);
+  const InterfaceBuffer& buffer = findBuffer(assembled, "sfg_Uniforms");
+  ASSERT_EQ(buffer.members.size(), 2u);
+  EXPECT_EQ(buffer.members[1].name, "red_amount");
+  EXPECT_EQ(buffer.members[1].origin.path(), "red.amount");
+  EXPECT_EQ(buffer.members[1].offset, 12u);
+  EXPECT_EQ(buffer.place.registerName, "b0");
+  // 0.5 and 2 as they lie in memory.
+  EXPECT_EQ(packBuffer(buffer, {parseSetting("red.color=0.5,0,0"), parseSetting("red_amount=2")}),
+            (std::vector<std::uint8_t>{0, 0, 0, 0x3f, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x40}));
+
+  ShaderInterface module = interfaceFor(assembled, ShaderTarget::spirv);
+  EXPECT_EQ(module.target, ShaderTarget::spirv);
+  EXPECT_EQ(module.files, assembled.files);
+  EXPECT_NE(module.hash, assembled.hash);
+  EXPECT_EQ(module.buffers.at(0).place.binding, 0u);
+  EXPECT_EQ(module.buffers.at(0).place.isUsed, std::nullopt);
+  if (hasCompilers()) {
+    markUsed(module, compileToSpirv(job.assemble(ShaderStage::pixel, NameStyle::readable)));
+    EXPECT_EQ(module.buffers.at(0).place.isUsed, true);
+  }
+  const std::string hash = module.hash;
+  EXPECT_THROW(markUsed(module, {1, 2, 3}), CompileError);
+  EXPECT_EQ(module.hash, hash);
+  EXPECT_EQ(writeInterfaceJson(module).substr(0, 22), "{\n  \"target\": \"spirv\",");
+}
+
+TEST_F(JobTest, ExplainsRenamedUniforms) {
+  Job job(load(), Document::fromText(kUniformGraph, "graph"));
+  job.collapse();
+  const Shader shader = job.assemble(ShaderStage::pixel, NameStyle::readable);
+  const std::string start = "    float3 red_color : packoffset(c0)";
+  const std::size_t at = shader.text.find(start);
+  ASSERT_NE(at, std::string::npos) << shader.text;
+  const auto line = static_cast<std::size_t>(
+      1 + std::count(shader.text.begin(), shader.text.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+  const CompileError error("refused", {{line, "wrong"}}, true);
+  const std::vector<Diagnostic> told = job.explain(shader, error);
+  ASSERT_EQ(told.size(), 4u);
+  EXPECT_EQ(told[3], (Diagnostic{Severity::note, (folder_ / "lib.fraglib").string(), 2, 11,
+                                 "uniform `red_color` is of fragment `tint`, node `red`"}));
 }
 
 TEST_F(JobTest, CompilesOrSaysThatItCannot) {

@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <string_view>
+#include <unordered_map>
 
 #include "host/shader/known_names.h"
 #include "host/shader/number_shape.h"
@@ -78,7 +80,13 @@ std::optional<std::uint32_t> bitsOf(double number, NumberShape::Scalar scalar) {
 
 class Packer {
 public:
-  explicit Packer(const InterfaceBuffer& buffer) : slots_(slotsOf(buffer)), bytes_(buffer.size) {}
+  explicit Packer(const InterfaceBuffer& buffer) : slots_(slotsOf(buffer)), bytes_(buffer.size) {
+    for (const Slot& slot : slots_) {
+      byName_.try_emplace(slot.name, &slot);
+      const auto [found, isNew] = byPath_.try_emplace(slot.path, SlotsOfPath{&slot, nullptr});
+      if (!isNew && found->second.second == nullptr) found->second.second = &slot;
+    }
+  }
 
   void writeStart() {
     for (const Slot& slot : slots_) {
@@ -92,17 +100,13 @@ public:
 
 private:
   const Slot& find(const std::string& name) const {
-    const Slot* found = nullptr;
-    for (const Slot& slot : slots_) {
-      if (slot.name == name) return slot;
-      if (slot.path != name) continue;
-      if (found != nullptr) {
-        throw PackError(ticked(name) + " is two values: " + ticked(found->name) + " and " +
-                        ticked(slot.name));
-      }
-      found = &slot;
+    if (const auto named = byName_.find(name); named != byName_.end()) return *named->second;
+    if (const auto found = byPath_.find(name); found != byPath_.end()) {
+      const auto [first, second] = found->second;
+      if (second == nullptr) return *first;
+      throw PackError(ticked(name) + " is two values: " + ticked(first->name) + " and " +
+                      ticked(second->name));
     }
-    if (found != nullptr) return *found;
     std::vector<std::string> known;
     for (const Slot& slot : slots_) known.push_back(slot.path);
     throw PackError("no value is called " + ticked(name) + knownNamesHint(name, known));
@@ -113,12 +117,12 @@ private:
     if (!shape)
       throw PackError(ticked(slot.path) + " is of type " + ticked(slot.member->type) + ", no number");
     const std::size_t elements = std::max<std::size_t>(slot.member->arrayLength, 1);
-    if (numbers.size() != elements * shape->count()) {
+    const std::size_t count = shape->count();
+    if (numbers.size() % count != 0 || numbers.size() / count != elements) {
       const std::string length =
           slot.member->arrayLength == 0 ? "" : "[" + std::to_string(slot.member->arrayLength) + "]";
       throw PackError(ticked(slot.path) + " is of type " + ticked(slot.member->type + length) + ": " +
-                      std::to_string(elements * shape->count()) + " numbers, not " +
-                      std::to_string(numbers.size()));
+                      std::to_string(elements * count) + " numbers, not " + std::to_string(numbers.size()));
     }
     std::size_t next = 0;
     for (std::size_t element = 0; element < elements; ++element) {
@@ -136,13 +140,22 @@ private:
   void writeNumber(const Slot& slot, std::size_t offset, double number, NumberShape::Scalar scalar) {
     const std::optional<std::uint32_t> bits = bitsOf(number, scalar);
     if (!bits) throw PackError("a number of " + ticked(slot.path) + " is not " + scalarName(scalar));
-    if (offset + kComponent > bytes_.size()) throw PackError(ticked(slot.path) + " lies outside its buffer");
+    if (bytes_.size() < kComponent || offset > bytes_.size() - kComponent)
+      throw PackError(ticked(slot.path) + " lies outside its buffer");
     for (std::size_t i = 0; i < kComponent; ++i) {
       bytes_[offset + i] = static_cast<std::uint8_t>((*bits >> (8 * i)) & 0xffu);
     }
   }
 
-  std::vector<Slot> slots_;
+  /// The first two slots that have a path.
+  struct SlotsOfPath {
+    const Slot* first = nullptr;
+    const Slot* second = nullptr;
+  };
+
+  const std::vector<Slot> slots_;
+  std::unordered_map<std::string_view, const Slot*> byName_;
+  std::unordered_map<std::string_view, SlotsOfPath> byPath_;
   std::vector<std::uint8_t> bytes_;
 };
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <limits>
 
 #include "sfg/host/reflect.h"
 
@@ -136,6 +137,37 @@ TEST(BufferPacking, RefusesBuffersThatHostsDoNotFill) {
   InterfaceBuffer small = buffer();
   small.size = 16;
   EXPECT_THROW(packBuffer(small, {}), PackError);
+}
+
+/// Interfaces are plain data: whatever they say, nothing is written outside the buffer.
+TEST(BufferPacking, RefusesPlacesAndLengthsThatWrapAround) {
+  InterfaceBuffer far = buffer();
+  far.members = {member("far", "float", std::numeric_limits<std::size_t>::max() - 1, {1})};
+  EXPECT_THROW(packBuffer(far, {}), PackError);
+  InterfaceBuffer tiny = buffer();
+  tiny.members = {member("tiny", "float", 0, {1})};
+  tiny.size = 2;
+  EXPECT_THROW(packBuffer(tiny, {}), PackError);
+  InterfaceBuffer longest = buffer();
+  longest.members = {member("longest", "float4", 0, {})};
+  longest.members[0].arrayLength = std::numeric_limits<std::size_t>::max() / 4 + 1;
+  longest.members[0].arrayStride = 0;
+  EXPECT_THROW(packBuffer(longest, {{"shade.longest", {}}}), PackError);
+}
+
+TEST(BufferPacking, FindsBuffersByTheirNames) {
+  ShaderInterface shader;
+  shader.buffers = {InterfaceBuffer(), buffer()};
+  shader.buffers[0].name = "sfg_StateUniforms";
+  EXPECT_EQ(&findBuffer(shader, "sfg_Uniforms"), &shader.buffers[1]);
+  try {
+    findBuffer(shader, "sfg_Uniform");
+    FAIL();
+  } catch (const PackError& error) {
+    EXPECT_STREQ(error.what(),
+                 "the shader has no buffer `sfg_Uniform`; did you mean `sfg_Uniforms`? Known are "
+                 "`sfg_StateUniforms`, `sfg_Uniforms`");
+  }
 }
 
 TEST(BufferPacking, ReadsSettings) {

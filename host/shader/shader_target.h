@@ -2,7 +2,7 @@
 
 // What a shader can be compiled to, and how compilers number its parts there.
 
-#include "sfg/host/compile.h"
+#include "sfg/host/reflect.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 

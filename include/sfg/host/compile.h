@@ -9,13 +9,11 @@
 
 #include "sfg/host/errors.h"
 #include "sfg/host/export.h"
+#include "sfg/host/reflect.h"
 #include "sfg/host/shader.h"
 #include "sfg/host/version.h"
 
 namespace TolmSDK::Graphics::sfg::host {
-
-/// What a shader is compiled to.
-enum class ShaderTarget { hlsl, spirv, glsl, essl, msl };
 
 /// A SPIR-V module (Vulkan 1.1) of the shader: legalised, optimised and validated. Names of uniforms,
 /// textures and buffers are kept; attributes and render targets are called `sfg_in_` and `sfg_out_` and their
@@ -33,5 +31,9 @@ SFG_HOST_API std::string translateSpirv(const std::vector<std::uint32_t>& spirv,
 
 /// Both in one.
 SFG_HOST_API std::string compile(const Shader& shader, ShaderTarget target);
+
+/// Tells of every part of an interface whether the module, which compileToSpirv() made of its shader, still
+/// has it: compilers leave out what is not read. Throws as compileToSpirv() does.
+SFG_HOST_API void markUsed(ShaderInterface& shader, const std::vector<std::uint32_t>& spirv);
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -10,12 +10,14 @@
 #include <string>
 #include <vector>
 
-#include "sfg/host/compile.h"
 #include "sfg/host/errors.h"
 #include "sfg/host/export.h"
 #include "sfg/host/shader.h"
 
 namespace TolmSDK::Graphics::sfg::host {
+
+/// What a shader is compiled to.
+enum class ShaderTarget { hlsl, spirv, glsl, essl, msl };
 
 /// What a value stands for in graph and scene.
 struct InterfaceOrigin {
@@ -127,10 +129,6 @@ struct ShaderInterface {
 /// The same shader as compile() makes it for a target: names, bindings and registers, and a hash of its own.
 /// `assembled` is of no target and has its hash.
 SFG_HOST_API ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target);
-
-/// Tells of every part whether the module, which compileToSpirv() made of this shader, still has it. Throws
-/// CompileError for a module that cannot be read and for a library without compilers.
-SFG_HOST_API void markUsed(ShaderInterface& shader, const std::vector<std::uint32_t>& spirv);
 
 /// As JSON, indented, with a line feed at its end.
 SFG_HOST_API std::string writeInterfaceJson(const ShaderInterface& shader);
