@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "sfg/host/version.h"
 #include "tools/command_test_support.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
@@ -36,7 +37,15 @@ protected:
   }
 };
 
-TEST_F(ReflectTest, TellsAttributesBuffersAndRenderTargets) {
+/// Of what compilers make of a shader.
+class CompiledReflectTest : public ReflectTest {
+protected:
+  void SetUp() override {
+    if (!host::hasCompilers()) GTEST_SKIP() << "built without compilers";
+  }
+};
+
+TEST_F(CompiledReflectTest, TellsAttributesBuffersAndRenderTargets) {
   EXPECT_EQ(reflect(""), R"({
   "target": "spirv",
   "stage": "pixel",
@@ -189,7 +198,7 @@ TEST_F(ReflectTest, TellsTheElementsOfAComputeStage) {
 )");
 }
 
-TEST_F(ReflectTest, TellsTexturesWithTheirSamplers) {
+TEST_F(CompiledReflectTest, TellsTexturesWithTheirSamplers) {
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float4", "node": "a" } ],
     "nodes": [ { "name": "a", "fragment": "pick" } ] })");
   const std::string includes = "-I " + repository("library");
@@ -234,7 +243,7 @@ TEST_F(ReflectTest, TellsTexturesWithTheirSamplers) {
   EXPECT_THAT(module, HasSubstr("library/sfg_samplers.h\"\n  ],\n  \"hash\""));
 }
 
-TEST_F(ReflectTest, TellsWhatTheCompilersLeftOut) {
+TEST_F(CompiledReflectTest, TellsWhatTheCompilersLeftOut) {
   write("lib/more.fraglib", R"json({ "ignore": { "language": ["dx11"], "implementation": [
     "void ignore(float3 color, float2 uv, out float3 result)", "{", "result = color + 0.0 * sfg_texCoord0.x;", "}" ] } })json");
   write("graph.json", R"({ "inputs": [ { "name": "uv", "type": "float2" } ],
@@ -246,7 +255,7 @@ TEST_F(ReflectTest, TellsWhatTheCompilersLeftOut) {
                         "      \"used\": false,"));
 }
 
-TEST_F(ReflectTest, CompileWritesTheSameBesideItsResult) {
+TEST_F(CompiledReflectTest, CompileWritesTheSameBesideItsResult) {
   for (const char* target : {"spirv", "hlsl", "glsl", "essl", "msl"}) {
     const std::string arguments = std::string("--target ") + target;
     const CommandRun compiled = run("compile graph.json -L lib -o out --reflect out.json " + arguments);
@@ -255,7 +264,7 @@ TEST_F(ReflectTest, CompileWritesTheSameBesideItsResult) {
   }
 }
 
-TEST_F(ReflectTest, RefusesWhatCannotBeCompiled) {
+TEST_F(CompiledReflectTest, RefusesWhatCannotBeCompiled) {
   write("lib/more.fraglib", R"json({ "broken": { "language": ["dx11"], "implementation": [
     "void broken(out float3 result)", "{", "result = nothing;", "}" ] } })json");
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
@@ -267,7 +276,7 @@ TEST_F(ReflectTest, RefusesWhatCannotBeCompiled) {
   EXPECT_EQ(run("reflect graph.json -L lib --target assembled").status, 0);
 }
 
-TEST_F(ReflectTest, NamesAreThoseOfTheCollapseWhereWanted) {
+TEST_F(CompiledReflectTest, NamesAreThoseOfTheCollapseWhereWanted) {
   EXPECT_THAT(reflect("--names generated"), HasSubstr("\"name\": \"colorn0\",\n          \"type\""));
   const std::string arguments = "compile graph.json -L lib --target glsl --names ";
   EXPECT_THAT(run(arguments + "generated").out, HasSubstr("sfg_uniforms.colorn0"));
@@ -286,7 +295,7 @@ TEST_F(ReflectTest, CollapseRenamesWhereWanted) {
             run("collapse graph.json -L lib --format json").out);
 }
 
-TEST_F(ReflectTest, NotesOnLinesWithReadableNamesKnowTheirFragments) {
+TEST_F(CompiledReflectTest, NotesOnLinesWithReadableNamesKnowTheirFragments) {
   write("lib/more.fraglib", R"json({ "odd": { "mode": "inline", "language": ["dx11"],
     "implementation": ["nothing({{amount}})"] } })json");
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "b" } ],
@@ -298,7 +307,7 @@ TEST_F(ReflectTest, NotesOnLinesWithReadableNamesKnowTheirFragments) {
   EXPECT_THAT(result.err, HasSubstr("uniform `b_amount` is of fragment `odd`, node `b`"));
 }
 
-TEST_F(ReflectTest, NamesInTranslationsAreOurs) {
+TEST_F(CompiledReflectTest, NamesInTranslationsAreOurs) {
   for (const char* target : {"hlsl", "glsl", "essl", "msl"}) {
     const std::string text = run(std::string("compile graph.json -L lib --target ") + target).out;
     EXPECT_THAT(text, HasSubstr(std::string(target) == "hlsl" ? "float3 sfg_uniforms_a_color"
@@ -310,7 +319,7 @@ TEST_F(ReflectTest, NamesInTranslationsAreOurs) {
   }
 }
 
-TEST_F(ReflectTest, NamesInTranslationsStayUnderAnotherEnvironment) {
+TEST_F(CompiledReflectTest, NamesInTranslationsStayUnderAnotherEnvironment) {
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
     "nodes": [ { "name": "a", "fragment": "lit" } ] })");
   write("one.json", R"({ "lights": [ { "name": "key", "fragment": "lamp", "profile": "Lamp" } ] })");
