@@ -35,9 +35,9 @@ allow profiles "$generator|text|profiles"
 allow fragments "$generator|text|profiles|fragments"
 allow collapse "$generator|text|profiles|fragments|collapse"
 
-# The host's rooms, and the two headers of the generator that hold nothing but inline functions.
+# The host's rooms, and the headers of the generator that hold nothing but inline functions.
 assembly='host/shader_assembly.h'
-rooms="sfg|tolmsdk|text/ascii.h|fragments/profile_choice.h"
+rooms="sfg|tolmsdk|text/ascii.h|text/hash_index.h|fragments/profile_choice.h"
 for room in documents library job shader modules diagnostics road; do
   rooms="$rooms|host/$room"
   case "$room" in
