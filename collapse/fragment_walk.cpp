@@ -78,7 +78,7 @@ bool FragmentWalk::evaluateShader(FragmentInstance& instance, const Array<Builti
                                   KeywordReplacePattern& callerPattern) {
   ShaderCall visit;
   visit.instance = visit.written = &instance;
-  visit.uses = {uses, &callerPattern, nullptr};
+  visit.uses = std::make_unique<ShaderUses>(ShaderUses{uses, &callerPattern, nullptr});
   return run(std::move(visit));
 }
 
@@ -311,7 +311,7 @@ bool FragmentWalk::finish(Evaluation& visit) {
 
 bool FragmentWalk::finish(ShaderCall& visit) {
   const std::size_t allocated = context_.getShaderInputTypes().size();
-  if (!writer_.writeShaderFunction(*visit.written, visit.values, visit.uses)) return false;
+  if (!writer_.writeShaderFunction(*visit.written, visit.values, *visit.uses)) return false;
   const bool allocates = context_.getShaderInputTypes().size() != allocated;
   finishedCall_ = {allocates || !visit.repeats.empty(), visit.start, visit.first};
   return true;
@@ -431,8 +431,8 @@ FragmentWalk::ShaderCall FragmentWalk::shaderCallOf(const FragmentInstance& call
   FragmentProfileInstance& active = *caller.getActiveProfileInstance();
   ShaderCall visit;
   visit.instance = visit.written = &source;
-  visit.uses = {{}, &active.getShaderReplacePattern(), &active};
-  active.GetShaderFunctions(input, visit.uses.calls);
+  visit.uses = std::make_unique<ShaderUses>(ShaderUses{{}, &active.getShaderReplacePattern(), &active});
+  active.GetShaderFunctions(input, visit.uses->calls);
   return visit;
 }
 
@@ -452,7 +452,10 @@ FragmentInstance* FragmentWalk::findSource(const FragmentInstance& instance, std
 /// Of an instance that the context has admitted.
 FragmentWalk::Record& FragmentWalk::recordOf(const FragmentInstance& instance) {
   const std::uint32_t number = instance.getNumber();
-  if (records_.size() <= number) records_.resize(number + std::size_t{1});
+  if (records_.size() <= number) {
+    if (records_.empty()) records_.reserve(profiles_.countInstances() + 1);
+    records_.resize(number + std::size_t{1});
+  }
   return records_[number];
 }
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <utility>
 #include <variant>
 
@@ -113,7 +114,7 @@ private:
   };
   /// Evaluates an instance as the function that its consumer calls.
   struct ShaderCall : InputValues, Findings {
-    ShaderUses uses;
+    std::unique_ptr<ShaderUses> uses;  // few instances are called, but many visits are under way
   };
   /// Evaluates the sources of an instance and hands over the values of its inputs.
   struct Collection : InputValues, Findings {

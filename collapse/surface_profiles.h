@@ -48,6 +48,7 @@ public:
   /// Whether any instance requires the current light.
   bool requiresCurrentLight();
 
+  std::size_t countInstances() const { return instances_.size(); }
   bool isMember(const FragmentInstance& instance) const { return kindOf(instance) != kNone; }
   /// Whether the choice in force has a special profile for the instance, not its "default" one.
   bool isSpecial(const FragmentInstance& instance) const;

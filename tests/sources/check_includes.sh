@@ -35,7 +35,7 @@ allow profiles "$generator|text|profiles"
 allow fragments "$generator|text|profiles|fragments"
 allow collapse "$generator|text|profiles|fragments|collapse"
 
-# The host's rooms, and the three headers of the generator that hold nothing but inline functions.
+# The host's rooms, and the headers of the generator that hold nothing but inline functions.
 rooms="sfg|tolmsdk|text/ascii.h|text/hash_index.h|fragments/profile_choice.h"
 for room in documents library job shader modules diagnostics road; do
   rooms="$rooms|host/$room"

@@ -39,6 +39,30 @@ float sfg_fade(float t)
     return t * t * t * (t * (t * 6.0 - 15.0) + 10.0);
 }
 
+// Texture coordinates on the sides of a box: seen from outside, u to the right and v down, so that no picture is
+// mirrored. On the top and the bottom u runs along x; the top is seen with z downwards, the bottom with z upwards.
+float2 sfg_uvOnX(float3 p, float side)
+{
+    return float2(side < 0.0 ? p.z : -p.z, -p.y);
+}
+
+float2 sfg_uvOnY(float3 p, float side)
+{
+    return float2(p.x, side < 0.0 ? -p.z : p.z);
+}
+
+float2 sfg_uvOnZ(float3 p, float side)
+{
+    return float2(side < 0.0 ? -p.x : p.x, -p.y);
+}
+
+// The side that the normal faces most.
+float2 sfg_uvOnBox(float3 p, float3 n)
+{
+    float3 size = abs(n);
+    return size.x >= max(size.y, size.z) ? sfg_uvOnX(p, n.x) : (size.y >= size.z ? sfg_uvOnY(p, n.y) : sfg_uvOnZ(p, n.z));
+}
+
 #endif
 
 // The one description of a light at a shading point that light fragments write and lit surfaces read.
@@ -53,6 +77,9 @@ struct sfg_Light
     float3 color;       // irradiance on a surface that faces the light
     float3 skyColor;    // radiance from above, for surfaces that look up; zero for lamps
     float3 groundColor; // radiance from below; zero for lamps
+    float3 mirrorColor; // radiance along the mirror direction of the view, where mirrorShare is 1
+    float3 mirrorBlurred; // the same for the roughest surface
+    float mirrorShare;  // 0: sky and ground are mirrored, 1: the two above
 };
 
 // Inverse square of the distance, at least minDistance, faded to zero at `range` (Karis 2013). Range 0: no fade.
@@ -62,6 +89,12 @@ float sfg_distanceFalloff(float distance, float range)
     float ratio = range > 0.0 ? distance / range : 0.0;
     float window = saturate(1.0 - ratio * ratio * ratio * ratio);
     return window * window / (nearest * nearest);
+}
+
+// The fade for less: a straight line that lets as much light through.
+float sfg_rangeFadeFast(float distance, float range)
+{
+    return range > 0.0 ? saturate(1.724 * (1.0 - distance / range)) : 1.0;
 }
 
 // 1 inside the inner cone, 0 outside the outer cone; angles are half angles in radians.
@@ -82,6 +115,9 @@ sfg_Light sfg_makeLight(float3 direction, float distance, float3 color)
     made.color = color;
     made.skyColor = float3(0.0, 0.0, 0.0);
     made.groundColor = float3(0.0, 0.0, 0.0);
+    made.mirrorColor = float3(0.0, 0.0, 0.0);
+    made.mirrorBlurred = float3(0.0, 0.0, 0.0);
+    made.mirrorShare = 0.0;
     return made;
 }
 
@@ -115,6 +151,17 @@ sfg_Light sfg_makeEnvironmentLight(float3 skyColor, float3 groundColor)
     return made;
 }
 
+// An environment of which only three directions are known: `around` arrives on the surface along its normal, the
+// other two along the mirror direction of the view, sharp and blurred.
+sfg_Light sfg_makeImageLight(float3 around, float3 mirrored, float3 blurred)
+{
+    sfg_Light made = sfg_makeEnvironmentLight(around, around);
+    made.mirrorColor = mirrored;
+    made.mirrorBlurred = blurred;
+    made.mirrorShare = 1.0;
+    return made;
+}
+
 // The light of a scene without lights: a lamp at the eye that shows a facing white surface as white.
 sfg_Light sfg_makeHeadLight(float3 eye, float3 receiver)
 {
@@ -126,6 +173,13 @@ sfg_Light sfg_makeHeadLight(float3 eye, float3 receiver)
 float3 sfg_lightAmbient(sfg_Light light, float3 n)
 {
     return lerp(light.groundColor, light.skyColor, 0.5 + 0.5 * n.y);
+}
+
+// What a surface of that roughness mirrors of sky and ground towards the eye, `mirrored` being the mirror direction.
+float3 sfg_lightMirrored(sfg_Light light, float3 mirrored, float roughness)
+{
+    return lerp(sfg_lightAmbient(light, mirrored),
+        lerp(light.mirrorColor, light.mirrorBlurred, saturate(roughness)), light.mirrorShare);
 }
 
 // Irradiance from the lamp on a surface with normal n.

@@ -39,6 +39,30 @@ float sfg_fade(float t)
     return t * t * t * (t * (t * 6.0 - 15.0) + 10.0);
 }
 
+// Texture coordinates on the sides of a box: seen from outside, u to the right and v down, so that no picture is
+// mirrored. On the top and the bottom u runs along x; the top is seen with z downwards, the bottom with z upwards.
+float2 sfg_uvOnX(float3 p, float side)
+{
+    return float2(side < 0.0 ? p.z : -p.z, -p.y);
+}
+
+float2 sfg_uvOnY(float3 p, float side)
+{
+    return float2(p.x, side < 0.0 ? -p.z : p.z);
+}
+
+float2 sfg_uvOnZ(float3 p, float side)
+{
+    return float2(side < 0.0 ? -p.x : p.x, -p.y);
+}
+
+// The side that the normal faces most.
+float2 sfg_uvOnBox(float3 p, float3 n)
+{
+    float3 size = abs(n);
+    return size.x >= max(size.y, size.z) ? sfg_uvOnX(p, n.x) : (size.y >= size.z ? sfg_uvOnY(p, n.y) : sfg_uvOnZ(p, n.z));
+}
+
 #endif
 
 // The one description of a light at a shading point that light fragments write and lit surfaces read.
@@ -53,6 +77,9 @@ struct sfg_Light
     float3 color;       // irradiance on a surface that faces the light
     float3 skyColor;    // radiance from above, for surfaces that look up; zero for lamps
     float3 groundColor; // radiance from below; zero for lamps
+    float3 mirrorColor; // radiance along the mirror direction of the view, where mirrorShare is 1
+    float3 mirrorBlurred; // the same for the roughest surface
+    float mirrorShare;  // 0: sky and ground are mirrored, 1: the two above
 };
 
 // Inverse square of the distance, at least minDistance, faded to zero at `range` (Karis 2013). Range 0: no fade.
@@ -62,6 +89,12 @@ float sfg_distanceFalloff(float distance, float range)
     float ratio = range > 0.0 ? distance / range : 0.0;
     float window = saturate(1.0 - ratio * ratio * ratio * ratio);
     return window * window / (nearest * nearest);
+}
+
+// The fade for less: a straight line that lets as much light through.
+float sfg_rangeFadeFast(float distance, float range)
+{
+    return range > 0.0 ? saturate(1.724 * (1.0 - distance / range)) : 1.0;
 }
 
 // 1 inside the inner cone, 0 outside the outer cone; angles are half angles in radians.
@@ -82,6 +115,9 @@ sfg_Light sfg_makeLight(float3 direction, float distance, float3 color)
     made.color = color;
     made.skyColor = float3(0.0, 0.0, 0.0);
     made.groundColor = float3(0.0, 0.0, 0.0);
+    made.mirrorColor = float3(0.0, 0.0, 0.0);
+    made.mirrorBlurred = float3(0.0, 0.0, 0.0);
+    made.mirrorShare = 0.0;
     return made;
 }
 
@@ -115,6 +151,17 @@ sfg_Light sfg_makeEnvironmentLight(float3 skyColor, float3 groundColor)
     return made;
 }
 
+// An environment of which only three directions are known: `around` arrives on the surface along its normal, the
+// other two along the mirror direction of the view, sharp and blurred.
+sfg_Light sfg_makeImageLight(float3 around, float3 mirrored, float3 blurred)
+{
+    sfg_Light made = sfg_makeEnvironmentLight(around, around);
+    made.mirrorColor = mirrored;
+    made.mirrorBlurred = blurred;
+    made.mirrorShare = 1.0;
+    return made;
+}
+
 // The light of a scene without lights: a lamp at the eye that shows a facing white surface as white.
 sfg_Light sfg_makeHeadLight(float3 eye, float3 receiver)
 {
@@ -126,6 +173,13 @@ sfg_Light sfg_makeHeadLight(float3 eye, float3 receiver)
 float3 sfg_lightAmbient(sfg_Light light, float3 n)
 {
     return lerp(light.groundColor, light.skyColor, 0.5 + 0.5 * n.y);
+}
+
+// What a surface of that roughness mirrors of sky and ground towards the eye, `mirrored` being the mirror direction.
+float3 sfg_lightMirrored(sfg_Light light, float3 mirrored, float roughness)
+{
+    return lerp(sfg_lightAmbient(light, mirrored),
+        lerp(light.mirrorColor, light.mirrorBlurred, saturate(roughness)), light.mirrorShare);
 }
 
 // Irradiance from the lamp on a surface with normal n.
@@ -344,8 +398,22 @@ float2 sfg_worley3(float3 p, float jitter, int first, int last)
     return sqrt(nearest);
 }
 
+// The lattices of fractal sums, turned by no simple angle and moved for each octave: their points, where gradient noise
+// is zero, do not fall together, and no plane such as z = 0 runs along them.
+float2 sfg_turned2(float2 p)
+{
+    return float2(0.8 * p.x - 0.6 * p.y, 0.6 * p.x + 0.8 * p.y) + float2(0.37, 0.71);
+}
+
+float3 sfg_turned3(float3 p)
+{
+    float3 turned = float3(dot(p, float3(8.0, 1.0, -4.0)), dot(p, float3(-4.0, 4.0, -7.0)), dot(p, float3(1.0, 8.0, 4.0)));
+    return turned * (1.0 / 9.0) + float3(0.37, 0.71, 0.53);
+}
+
 // Fractal sums: octave i has the frequency lacunarity^i and the weight gain^i; at most 12 octaves.
-// The sum is divided by the sum of the weights, so its range is that of the noise. Musgrave, in Ebert et al. 1994.
+// The sum is divided by the sum of the weights, so that it stays in the range of the noise, most of it near the middle.
+// Musgrave, in Ebert et al. 1994.
 float sfg_fbm2(float2 p, int octaves, float lacunarity, float gain)
 {
     float total = 0.0;
@@ -353,6 +421,7 @@ float sfg_fbm2(float2 p, int octaves, float lacunarity, float gain)
     float weight = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned2(p);
         total += weight * sfg_perlinNoise2(p);
         weights += weight;
         weight *= gain;
@@ -368,6 +437,7 @@ float sfg_fbm3(float3 p, int octaves, float lacunarity, float gain)
     float weight = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned3(p);
         total += weight * sfg_perlinNoise3(p);
         weights += weight;
         weight *= gain;
@@ -384,6 +454,7 @@ float sfg_turbulence3(float3 p, int octaves, float lacunarity, float gain)
     float weight = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned3(p);
         total += weight * abs(sfg_perlinNoise3(p));
         weights += weight;
         weight *= gain;
@@ -409,11 +480,11 @@ cbuffer sfg_Uniforms : register(b0)
     float light_rangefill : packoffset(c6) = 0.0;
     float3 light_skyroom : packoffset(c7) = float3(0.22, 0.28, 0.38);
     float3 light_groundroom : packoffset(c8) = float3(0.12, 0.1, 0.08);
-    float factorn1 : packoffset(c8.w) = 8.0;
+    float factorn1 : packoffset(c8.w) = 4.0;
     float lacunarityn2 : packoffset(c9) = 2.0;
     float gainn2 : packoffset(c9.y) = 0.5;
-    float fromLown3 : packoffset(c9.z) = -0.6;
-    float fromHighn3 : packoffset(c9.w) = 0.6;
+    float fromLown3 : packoffset(c9.z) = -0.35;
+    float fromHighn3 : packoffset(c9.w) = 0.35;
     float toLown3 : packoffset(c10) = 0.0;
     float toHighn3 : packoffset(c10.y) = 1.0;
     float3 lown4 : packoffset(c11) = float3(0.05, 0.15, 0.4);
@@ -421,27 +492,27 @@ cbuffer sfg_Uniforms : register(b0)
     float3 highn4 : packoffset(c13) = float3(1.0, 1.0, 1.0);
 };
 
-void texCoord1(
-    inout float2 sfg_texCoord0,
-    out float2 result)
+void objectPosition1(
+    inout float3 sfg_objectPosition,
+    out float3 result)
 {
-	result = sfg_texCoord0;
+	result = sfg_objectPosition;
 }
-void scaleFloat21(
-    float2 a,
+void scaleFloat31(
+    float3 a,
     float factor,
-    out float2 result)
+    out float3 result)
 {
 	result = a * factor;
 }
-void fbmNoise21(
-    float2 position,
+void fbmNoise31(
+    float3 position,
     int octaves,
     float lacunarity,
     float gain,
     out float result)
 {
-	result = sfg_fbm2(position, octaves, lacunarity, gain);
+	result = sfg_fbm3(position, octaves, lacunarity, gain);
 }
 void remapFloat1(
     float a,
@@ -472,7 +543,7 @@ void outputColor1(
 }
 
 void AccumulatedLitSurface(
-    inout float2 sfg_texCoord0,
+    inout float3 sfg_objectPosition,
     inout float3 sfg_worldPosition,
     out float4 output_0)
 {
@@ -489,16 +560,16 @@ void AccumulatedLitSurface(
     float3 result_n4_01;
     float result_n3_01;
     float result_n2_01;
-    float2 result_n1_01;
-    float2 result_n0_01;
-    texCoord1(
-        sfg_texCoord0,
+    float3 result_n1_01;
+    float3 result_n0_01;
+    objectPosition1(
+        sfg_objectPosition,
         result_n0_01);
-    scaleFloat21(
+    scaleFloat31(
         result_n0_01,
         factorn1,
         result_n1_01);
-    fbmNoise21(
+    fbmNoise31(
         result_n1_01,
         6,
         lacunarityn2,
@@ -525,8 +596,8 @@ void AccumulatedLitSurface(
 
 struct sfg_PixelInput
 {
+    float3 sfg_objectPosition : OBJECTPOSITION;
     float3 sfg_worldPosition : WORLDPOSITION;
-    float2 sfg_texCoord0 : TEXCOORD0;
 };
 
 struct sfg_PixelOutput
@@ -537,10 +608,10 @@ struct sfg_PixelOutput
 sfg_PixelOutput main(sfg_PixelInput sfg_in)
 {
     sfg_PixelOutput sfg_out;
+    float3 sfg_objectPosition = sfg_in.sfg_objectPosition;
     float3 sfg_worldPosition = sfg_in.sfg_worldPosition;
-    float2 sfg_texCoord0 = sfg_in.sfg_texCoord0;
     AccumulatedLitSurface(
-        sfg_texCoord0,
+        sfg_objectPosition,
         sfg_worldPosition,
         sfg_out.color);
     return sfg_out;

@@ -39,6 +39,30 @@ float sfg_fade(float t)
     return t * t * t * (t * (t * 6.0 - 15.0) + 10.0);
 }
 
+// Texture coordinates on the sides of a box: seen from outside, u to the right and v down, so that no picture is
+// mirrored. On the top and the bottom u runs along x; the top is seen with z downwards, the bottom with z upwards.
+float2 sfg_uvOnX(float3 p, float side)
+{
+    return float2(side < 0.0 ? p.z : -p.z, -p.y);
+}
+
+float2 sfg_uvOnY(float3 p, float side)
+{
+    return float2(p.x, side < 0.0 ? -p.z : p.z);
+}
+
+float2 sfg_uvOnZ(float3 p, float side)
+{
+    return float2(side < 0.0 ? -p.x : p.x, -p.y);
+}
+
+// The side that the normal faces most.
+float2 sfg_uvOnBox(float3 p, float3 n)
+{
+    float3 size = abs(n);
+    return size.x >= max(size.y, size.z) ? sfg_uvOnX(p, n.x) : (size.y >= size.z ? sfg_uvOnY(p, n.y) : sfg_uvOnZ(p, n.z));
+}
+
 #endif
 
 // Colour spaces and tone curves. Colours are linear with Rec. 709 primaries unless a name says otherwise.
@@ -126,6 +150,9 @@ struct sfg_Light
     float3 color;       // irradiance on a surface that faces the light
     float3 skyColor;    // radiance from above, for surfaces that look up; zero for lamps
     float3 groundColor; // radiance from below; zero for lamps
+    float3 mirrorColor; // radiance along the mirror direction of the view, where mirrorShare is 1
+    float3 mirrorBlurred; // the same for the roughest surface
+    float mirrorShare;  // 0: sky and ground are mirrored, 1: the two above
 };
 
 // Inverse square of the distance, at least minDistance, faded to zero at `range` (Karis 2013). Range 0: no fade.
@@ -135,6 +162,12 @@ float sfg_distanceFalloff(float distance, float range)
     float ratio = range > 0.0 ? distance / range : 0.0;
     float window = saturate(1.0 - ratio * ratio * ratio * ratio);
     return window * window / (nearest * nearest);
+}
+
+// The fade for less: a straight line that lets as much light through.
+float sfg_rangeFadeFast(float distance, float range)
+{
+    return range > 0.0 ? saturate(1.724 * (1.0 - distance / range)) : 1.0;
 }
 
 // 1 inside the inner cone, 0 outside the outer cone; angles are half angles in radians.
@@ -155,6 +188,9 @@ sfg_Light sfg_makeLight(float3 direction, float distance, float3 color)
     made.color = color;
     made.skyColor = float3(0.0, 0.0, 0.0);
     made.groundColor = float3(0.0, 0.0, 0.0);
+    made.mirrorColor = float3(0.0, 0.0, 0.0);
+    made.mirrorBlurred = float3(0.0, 0.0, 0.0);
+    made.mirrorShare = 0.0;
     return made;
 }
 
@@ -188,6 +224,17 @@ sfg_Light sfg_makeEnvironmentLight(float3 skyColor, float3 groundColor)
     return made;
 }
 
+// An environment of which only three directions are known: `around` arrives on the surface along its normal, the
+// other two along the mirror direction of the view, sharp and blurred.
+sfg_Light sfg_makeImageLight(float3 around, float3 mirrored, float3 blurred)
+{
+    sfg_Light made = sfg_makeEnvironmentLight(around, around);
+    made.mirrorColor = mirrored;
+    made.mirrorBlurred = blurred;
+    made.mirrorShare = 1.0;
+    return made;
+}
+
 // The light of a scene without lights: a lamp at the eye that shows a facing white surface as white.
 sfg_Light sfg_makeHeadLight(float3 eye, float3 receiver)
 {
@@ -199,6 +246,13 @@ sfg_Light sfg_makeHeadLight(float3 eye, float3 receiver)
 float3 sfg_lightAmbient(sfg_Light light, float3 n)
 {
     return lerp(light.groundColor, light.skyColor, 0.5 + 0.5 * n.y);
+}
+
+// What a surface of that roughness mirrors of sky and ground towards the eye, `mirrored` being the mirror direction.
+float3 sfg_lightMirrored(sfg_Light light, float3 mirrored, float roughness)
+{
+    return lerp(sfg_lightAmbient(light, mirrored),
+        lerp(light.mirrorColor, light.mirrorBlurred, saturate(roughness)), light.mirrorShare);
 }
 
 // Irradiance from the lamp on a surface with normal n.
@@ -417,8 +471,22 @@ float2 sfg_worley3(float3 p, float jitter, int first, int last)
     return sqrt(nearest);
 }
 
+// The lattices of fractal sums, turned by no simple angle and moved for each octave: their points, where gradient noise
+// is zero, do not fall together, and no plane such as z = 0 runs along them.
+float2 sfg_turned2(float2 p)
+{
+    return float2(0.8 * p.x - 0.6 * p.y, 0.6 * p.x + 0.8 * p.y) + float2(0.37, 0.71);
+}
+
+float3 sfg_turned3(float3 p)
+{
+    float3 turned = float3(dot(p, float3(8.0, 1.0, -4.0)), dot(p, float3(-4.0, 4.0, -7.0)), dot(p, float3(1.0, 8.0, 4.0)));
+    return turned * (1.0 / 9.0) + float3(0.37, 0.71, 0.53);
+}
+
 // Fractal sums: octave i has the frequency lacunarity^i and the weight gain^i; at most 12 octaves.
-// The sum is divided by the sum of the weights, so its range is that of the noise. Musgrave, in Ebert et al. 1994.
+// The sum is divided by the sum of the weights, so that it stays in the range of the noise, most of it near the middle.
+// Musgrave, in Ebert et al. 1994.
 float sfg_fbm2(float2 p, int octaves, float lacunarity, float gain)
 {
     float total = 0.0;
@@ -426,6 +494,7 @@ float sfg_fbm2(float2 p, int octaves, float lacunarity, float gain)
     float weight = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned2(p);
         total += weight * sfg_perlinNoise2(p);
         weights += weight;
         weight *= gain;
@@ -441,6 +510,7 @@ float sfg_fbm3(float3 p, int octaves, float lacunarity, float gain)
     float weight = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned3(p);
         total += weight * sfg_perlinNoise3(p);
         weights += weight;
         weight *= gain;
@@ -457,6 +527,7 @@ float sfg_turbulence3(float3 p, int octaves, float lacunarity, float gain)
     float weight = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned3(p);
         total += weight * abs(sfg_perlinNoise3(p));
         weights += weight;
         weight *= gain;
@@ -467,10 +538,69 @@ float sfg_turbulence3(float3 p, int octaves, float lacunarity, float gain)
 
 #endif
 
-// Building blocks of the patterns: bricks, hexagons, wood rings, marble veins.
+// Building blocks of the patterns: stripes, dots, bricks, hexagons, wood rings, marble veins.
+// `pixel` is the width of a pixel in periods of the pattern; the pattern is averaged over it. 0: no averaging.
 #ifndef SFG_PATTERNS_H
 #define SFG_PATTERNS_H
 
+
+// How much of an average is used: none for a pixel of width 0, all of it from a sixteenth of a period on.
+float sfg_filtering(float pixel)
+{
+    return saturate(16.0 * pixel);
+}
+
+// Area of a stripe from its middle to the distance d.
+float sfg_stripeArea(float d, float width, float softness)
+{
+    float inner = max(0.5 * width, 0.0);
+    float edge = max(0.5 * softness, 0.00005);
+    float t = saturate((d - inner) / edge);
+    return min(d, inner) + edge * (t - 0.5 * t * t);
+}
+
+// The same from the start of the period that holds q.
+float sfg_stripeAreaIn(float q, float width, float softness)
+{
+    float fromMiddle = q - floor(q) - 0.5;
+    float area = sfg_stripeArea(abs(fromMiddle), width, softness);
+    return sfg_stripeArea(0.5, width, softness) + (fromMiddle < 0.0 ? -area : area);
+}
+
+// Stripes of period 1 with their middles at 0.5: 1 on the share `width`, falling to 0 over the share `softness`.
+float sfg_stripes(float q, float width, float softness, float pixel)
+{
+    float sharp = 1.0 - saturate((abs(q - floor(q) - 0.5) * 2.0 - width) / max(softness, 0.0001));
+    float w = max(pixel, 0.01);
+    float low = q - 0.5 * w;
+    float high = q + 0.5 * w;
+    float area = (floor(high) - floor(low)) * 2.0 * sfg_stripeArea(0.5, width, softness) +
+        sfg_stripeAreaIn(high, width, softness) - sfg_stripeAreaIn(low, width, softness);
+    return lerp(sharp, area / w, sfg_filtering(pixel));
+}
+
+// Round dots in the middles of unit cells; squares of the same area where a pixel is as large as a dot.
+float sfg_dots(float2 q, float radius, float softness, float2 pixel)
+{
+    float d = length(q - floor(q) - 0.5);
+    float edge = max(softness, 0.0001);
+    float most = max(pixel.x, pixel.y);
+    float narrow = 1.0 - saturate((d - radius + 0.5 * most) / (edge + most));
+    float r = max(radius, 0.0);
+    float side = sqrt(saturate(SFG_PI * (r * r + r * edge + edge * edge / 3.0)));
+    float square = sfg_stripes(q.x, side, 0.0, pixel.x) * sfg_stripes(q.y, side, 0.0, pixel.y);
+    return lerp(narrow, square, saturate(3.0 * most - 0.5));
+}
+
+// The lines of a unit grid, `width` wide.
+float sfg_gridLines(float2 q, float width, float2 pixel)
+{
+    float2 toLine = 0.5 - abs(q - floor(q) - 0.5);
+    float sharp = min(toLine.x, toLine.y) < 0.5 * width ? 1.0 : 0.0;
+    float2 lines = float2(sfg_stripes(q.x + 0.5, width, 0.0, pixel.x), sfg_stripes(q.y + 0.5, width, 0.0, pixel.y));
+    float mean = 1.0 - (1.0 - lines.x) * (1.0 - lines.y);
+    return lerp(sharp, mean, sfg_filtering(max(pixel.x, pixel.y)));
+}
 
 // A wall of `count` bricks per unit of uv. x: 0 in the mortar, 1 on the brick. y: random number of the brick.
 // `mortar` is the joint's width in brick heights, `shift` how far every second row is moved, in brick widths.
@@ -487,6 +617,24 @@ float2 sfg_brickWall(float2 uv, float2 count, float mortar, float shift)
     float bevel = max(0.25 * joint, 0.0001);
     float t = saturate((min(border.x, border.y) - joint) / bevel);
     return float2(t * t * (3.0 - 2.0 * t), sfg_random2(cell));
+}
+
+// The same averaged over pixels as wide as `pixel` bricks: towards the mean brick where pixels hold several.
+float2 sfg_brickWallFiltered(float2 uv, float2 count, float mortar, float shift, float2 pixel)
+{
+    float2 sharp = sfg_brickWall(uv, count, mortar, shift);
+    float2 q = uv * count;
+    float row = floor(q.y);
+    q.x += shift * (row - 2.0 * floor(row * 0.5));
+    float bevel = max(0.125 * mortar, 0.0001);
+    float2 scale = float2(sfg_safeDivide(count.x, count.y), 1.0);
+    float2 width = 1.0 - (mortar + 2.0 * bevel) * scale;
+    float2 edge = 2.0 * bevel * scale;
+    // A pixel that reaches over rows sees the shifted bricks of several.
+    float across = sfg_stripes(q.x, width.x, edge.x, lerp(pixel.x, max(pixel.x, 1.0), saturate(pixel.y - 0.5)));
+    float mean = across * sfg_stripes(q.y, width.y, edge.y, pixel.y);
+    float most = max(pixel.x, pixel.y);
+    return float2(lerp(sharp.x, mean, sfg_filtering(most)), lerp(sharp.y, 0.5, saturate(most - 0.25)));
 }
 
 // Share of the wall that is brick and not mortar.
@@ -508,14 +656,36 @@ float3 sfg_hexagon(float2 p)
     return float3(p - nearest, 0.5 - outward);
 }
 
-// Rings around the y axis, 0 in the early wood rising to 1 in the late wood of each year (Ebert et al. 1994).
-float sfg_woodRing(float3 p, float ringsPerUnit, float distortion, int octaves)
+// Rings around the y axis, in years: distance from it with distortion.
+float sfg_woodYear(float3 p, float ringsPerUnit, float distortion, int octaves)
 {
-    float radius = length(p.xz) * ringsPerUnit + distortion * sfg_fbm3(p, octaves, 2.0, 0.5);
-    float year = radius - floor(radius);
+    return length(p.xz) * ringsPerUnit + distortion * sfg_fbm3(p, octaves, 2.0, 0.5);
+}
+
+// Area below the ring profile from the start of the year.
+float sfg_woodArea(float year)
+{
     float rise = saturate(year / 0.8);
     float fall = saturate((year - 0.85) / 0.15);
-    return rise * rise * (3.0 - 2.0 * rise) * (1.0 - fall * fall * (3.0 - 2.0 * fall));
+    float rise3 = rise * rise * rise;
+    float fall3 = fall * fall * fall;
+    return 0.8 * (rise3 - 0.5 * rise3 * rise) + saturate((year - 0.8) / 0.05) * 0.05 +
+        0.15 * (fall - fall3 + 0.5 * fall3 * fall);
+}
+
+// 0 in the early wood rising to 1 in the late wood of each year (Ebert et al. 1994). `years` are counted by
+// sfg_woodYear, `pixel` is the width of a pixel in years.
+float sfg_woodRing(float years, float pixel)
+{
+    float year = years - floor(years);
+    float rise = saturate(year / 0.8);
+    float fall = saturate((year - 0.85) / 0.15);
+    float sharp = rise * rise * (3.0 - 2.0 * rise) * (1.0 - fall * fall * (3.0 - 2.0 * fall));
+    float w = max(pixel, 0.01);
+    float low = years - 0.5 * w;
+    float high = years + 0.5 * w;
+    float area = (floor(high) - floor(low)) * 0.525 + sfg_woodArea(high - floor(high)) - sfg_woodArea(low - floor(low));
+    return lerp(sharp, area / w, sfg_filtering(pixel));
 }
 
 // Sine veins across x, disturbed by turbulence; in [0, 1] (Perlin 1985).
@@ -525,7 +695,13 @@ float sfg_marbleVein(float3 p, float veinsPerUnit, float distortion, int octaves
     return 0.5 + 0.5 * sin(SFG_TWO_PI * phase);
 }
 
-// Ridged sum of gradient noise with offset 1 and gain 2; in [0, about 1] (Musgrave, in Ebert et al. 1994).
+// Rolling hills in [0, 1], from a fractal sum of which little is far from 0.
+float sfg_hills(float3 p, int octaves)
+{
+    return saturate(0.5 + 1.2 * sfg_fbm3(p, octaves, 2.0, 0.5));
+}
+
+// Ridged sum of gradient noise with offset 1 and gain 2; in [0, 1] (Musgrave, in Ebert et al. 1994).
 float sfg_ridged3(float3 p, int octaves, float lacunarity)
 {
     float total = 0.0;
@@ -534,6 +710,7 @@ float sfg_ridged3(float3 p, int octaves, float lacunarity)
     float amplitude = 1.0;
     for (int i = 0; i < min(octaves, 12); ++i)
     {
+        p = sfg_turned3(p);
         float ridge = 1.0 - abs(sfg_perlinNoise3(p));
         ridge = ridge * ridge * weight;
         weight = saturate(ridge * 2.0);
@@ -569,13 +746,16 @@ float sfg_ridged3(float3 p, int octaves, float lacunarity)
 
 // Reflection models. All vectors are unit vectors that point away from the surface; cosines are clamped to [0, 1]
 // by the caller unless a comment says otherwise. `roughness` is perceptual, alpha = roughness * roughness (Burley 2012).
+//
+// The albedo of a model is the share of light it sends back in all directions: of what arrives from one direction or,
+// by reciprocity, of even light from everywhere towards one eye. Its mean is weighted with the cosine.
 #ifndef SFG_BRDF_H
 #define SFG_BRDF_H
 
 
 float sfg_alphaOf(float roughness)
 {
-    return max(roughness * roughness, 0.001);
+    return clamp(roughness * roughness, 0.001, 1.0);
 }
 
 // Fresnel reflectance for the reflectance f0 at normal incidence (Schlick 1994).
@@ -591,6 +771,8 @@ float sfg_fresnelDielectric(float eta, float cosine)
 {
     float c = saturate(cosine);
     float g2 = eta * eta - 1.0 + c * c;
+    if (eta == 1.0)
+        return 0.0;
     if (g2 <= 0.0)
         return 1.0;
     float g = sqrt(g2);
@@ -599,12 +781,26 @@ float sfg_fresnelDielectric(float eta, float cosine)
     return 0.5 * a * a * (1.0 + b * b);
 }
 
+// GGX from both parts of the angle between normal and half vector: near the peak of a narrow lobe a cosine alone has
+// too few digits.
+float sfg_ggxFromSine(float alpha, float cosine, float sineSquared)
+{
+    float a2 = alpha * alpha;
+    float d = cosine * cosine * a2 + sineSquared;
+    return a2 / (SFG_PI * d * d);
+}
+
 // Normal distribution of GGX, alpha > 0 (Walter et al. 2007).
 float sfg_ggxDistribution(float alpha, float nDotH)
 {
-    float a2 = alpha * alpha;
-    float d = nDotH * nDotH * (a2 - 1.0) + 1.0;
-    return a2 / (SFG_PI * d * d);
+    return sfg_ggxFromSine(alpha, nDotH, (1.0 - nDotH) * (1.0 + nDotH));
+}
+
+// The same for a normal and a half vector.
+float sfg_ggxLobe(float alpha, float3 n, float3 h)
+{
+    float3 across = cross(n, h);
+    return sfg_ggxFromSine(alpha, saturate(dot(n, h)), max(dot(across, across), 0.0000000001));
 }
 
 // Height-correlated Smith masking and shadowing of GGX divided by 4 nDotL nDotV (Heitz 2014); 0 for a light that is
@@ -617,6 +813,14 @@ float sfg_smithVisibility(float alpha, float nDotL, float nDotV)
     return nDotL > 0.0 ? 0.5 / max(lightTerm + viewTerm, 0.00001) : 0.0;
 }
 
+// The same for less, without square roots (Hammon 2017).
+float sfg_smithVisibilityFast(float alpha, float nDotL, float nDotV)
+{
+    float smooth = 2.0 * nDotL * nDotV;
+    float rough = nDotL + nDotV;
+    return nDotL > 0.0 ? 0.5 / max(smooth + (rough - smooth) * alpha, 0.00001) : 0.0;
+}
+
 // Anisotropic GGX: alphas along the tangent and the binormal (Burley 2012).
 float sfg_ggxAnisotropic(float alphaT, float alphaB, float tDotH, float bDotH, float nDotH)
 {
@@ -624,6 +828,138 @@ float sfg_ggxAnisotropic(float alphaT, float alphaB, float tDotH, float bDotH, f
     float y = bDotH / alphaB;
     float d = x * x + y * y + nDotH * nDotH;
     return 1.0 / (SFG_PI * alphaT * alphaB * max(d * d, 0.00001));
+}
+
+// Height-correlated Smith masking and shadowing of anisotropic GGX divided by 4 nDotL nDotV (Heitz 2014). Light and
+// view by their parts along tangent, binormal and normal; 0 for a light that is not above the surface.
+float sfg_smithAnisotropic(float alphaT, float alphaB, float3 l, float3 v)
+{
+    float nDotL = saturate(l.z);
+    float nDotV = saturate(v.z);
+    float lightTerm = nDotV * length(float3(alphaT * l.x, alphaB * l.y, nDotL));
+    float viewTerm = nDotL * length(float3(alphaT * v.x, alphaB * v.y, nDotV));
+    return nDotL > 0.0 ? 0.5 / max(lightTerm + viewTerm, 0.00001) : 0.0;
+}
+
+// What rough metal that reflects everything loses when each ray meets one micro-facet only: 1 - albedo of GGX with
+// the masking above. Fits to within 0.005. The mean is at most 1 percent too large, so that
+// what is made good of the loss is never too much.
+float sfg_ggxLoss(float alpha, float cosine)
+{
+    float4 a = float4(1.0, alpha, alpha * alpha, alpha * alpha * alpha);
+    float u = cosine / (cosine + alpha);
+    float loss = dot(a, float4(2.4231, -2.3199, -21.4127, 8.5867));
+    loss = loss * u + dot(a, float4(-5.0501, 7.4376, 24.6492, -9.4478));
+    loss = loss * u + dot(a, float4(2.9495, -6.9004, -6.8835, 1.5528));
+    loss = loss * u + dot(a, float4(-0.3595, 2.1303, 1.6453, -0.2176));
+    loss = loss * u + dot(a, float4(0.0330, -0.1820, 0.3022, -0.1377));
+    return saturate(loss);
+}
+
+float sfg_ggxMeanLoss(float alpha)
+{
+    float r = sqrt(alpha);
+    return max(0.0006 + r * (0.0105 + r * (-0.3273 + r * (2.2528 - r * 1.3462))), 0.0005);
+}
+
+// The part of GGX's albedo that Schlick's Fresnel term adds for every colour: reflectance * (1 - loss - grazing) +
+// grazing is the albedo of one bounce. Fits to within 0.004.
+float sfg_ggxGrazing(float alpha, float cosine)
+{
+    float r = sqrt(alpha);
+    float4 a = float4(1.0, r, alpha, alpha * r);
+    float u = cosine / (cosine + alpha);
+    float part = dot(a, float4(-3.7674, 14.8829, 10.0519, 2.1917));
+    part = part * u + dot(a, float4(8.2730, -40.3361, 27.6878, -0.3434));
+    part = part * u + dot(a, float4(-5.3031, 32.7397, -49.5693, 22.9596));
+    part = part * u + dot(a, float4(0.6739, -3.9855, 7.0771, -3.9576));
+    part = part * u + dot(a, float4(1.1219, -3.2032, 3.2773, -1.1454));
+    float m = saturate(1.0 - cosine);
+    float m2 = m * m;
+    return saturate(part * (m2 * m2 * m));
+}
+
+float sfg_ggxMeanGrazing(float alpha)
+{
+    float r = sqrt(alpha);
+    return 0.0465 + r * (0.0535 + r * (-0.4891 + r * (0.6740 - r * 0.2818)));
+}
+
+// Colour of the light that met several micro-facets, given the mean loss of one bounce (Kulla and Conty 2017;
+// Fdez-Aguera 2019). 1 for a reflectance of 1.
+float3 sfg_bounceColor(float3 f0, float meanLoss)
+{
+    float3 f = (saturate(f0) * 20.0 + 1.0) / 21.0;
+    return f * f * (1.0 - meanLoss) / (1.0 - f * meanLoss);
+}
+
+// Albedo of GGX with all bounces.
+float3 sfg_ggxAlbedo(float3 f0, float alpha, float cosine)
+{
+    float loss = sfg_ggxLoss(alpha, cosine);
+    float grazing = sfg_ggxGrazing(alpha, cosine);
+    return saturate(f0 * (1.0 - loss - grazing) + grazing + sfg_bounceColor(f0, sfg_ggxMeanLoss(alpha)) * loss);
+}
+
+float3 sfg_ggxMeanAlbedo(float3 f0, float alpha)
+{
+    float loss = sfg_ggxMeanLoss(alpha);
+    float grazing = sfg_ggxMeanGrazing(alpha);
+    return saturate(f0 * (1.0 - loss - grazing) + grazing + sfg_bounceColor(f0, loss) * loss);
+}
+
+// Share of a layer below that comes through a layer which itself reflects `light` and `view` of what arrives from the
+// light and leaves to the eye, `mean` on average: as much as is left, and in both directions the same (Kelemen and
+// Szirmay-Kalos 2001).
+float3 sfg_coupling(float3 light, float3 view, float3 mean)
+{
+    return (1.0 - light) * (1.0 - view) / max(1.0 - mean, 0.01);
+}
+
+// The loss of anisotropic GGX, for alphas along and across the direction. Fits to within 0.06 and stays below, so
+// that what is made good of it is never too much.
+float sfg_anisotropicLoss(float along, float across, float cosine)
+{
+    float u = cosine / (cosine + along);
+    float loss = -0.0807;
+    loss = loss * u - 0.3272 - 0.2377 * across - 0.4025 * along;
+    loss = loss * u + 0.3582 + across * (0.6411 + 0.0022 * across) + along * (0.2760 - 0.0356 * across + 0.5609 * along);
+    loss = loss * u + 0.0201 + across * (-0.3061 + across * (0.6719 - 0.2770 * across)) +
+        along * (-0.0634 + across * (-0.0203 - 0.0572 * across) + along * (0.1129 + 0.0104 * across - 0.0224 * along));
+    return saturate(loss - 0.03);
+}
+
+float sfg_anisotropicMeanLoss(float alphaT, float alphaB)
+{
+    float s = alphaT + alphaB;
+    float p = alphaT * alphaB;
+    float loss = s * (0.0191 + s * (0.9501 + s * (-0.7095 + s * 0.1335))) +
+        p * (-1.5476 + s * (1.2042 + s * 0.0173) - p * 0.6254);
+    return max(loss + 0.006, 0.01);
+}
+
+// The alphas along and across a direction, given by its parts along tangent, binormal and normal.
+float2 sfg_anisotropicAlphas(float alphaT, float alphaB, float3 direction)
+{
+    float2 squared = direction.xy * direction.xy + 0.000001;
+    float2 alpha2 = float2(alphaT * alphaT, alphaB * alphaB);
+    return sqrt(float2(dot(alpha2, squared), dot(alpha2.yx, squared)) / (squared.x + squared.y));
+}
+
+float sfg_anisotropicLossOf(float alphaT, float alphaB, float3 direction)
+{
+    float2 alphas = sfg_anisotropicAlphas(alphaT, alphaB, direction);
+    return sfg_anisotropicLoss(alphas.x, alphas.y, saturate(direction.z));
+}
+
+// Albedo of brushed metal with all bounces, whose colour is `bounce`.
+float3 sfg_anisotropicAlbedo(float3 f0, float3 bounce, float alphaT, float alphaB, float3 direction)
+{
+    float2 alphas = sfg_anisotropicAlphas(alphaT, alphaB, direction);
+    float cosine = saturate(direction.z);
+    float loss = sfg_anisotropicLoss(alphas.x, alphas.y, cosine);
+    float grazing = min(sfg_ggxGrazing(alphas.x, cosine), 1.0 - loss);
+    return f0 * (1.0 - loss - grazing) + grazing + bounce * loss;
 }
 
 // Normal distribution of Beckmann, alpha > 0 (Cook and Torrance 1982).
@@ -642,6 +978,31 @@ float sfg_charlieDistribution(float alpha, float nDotH)
     return (2.0 + inverse) * sfg_safePower(sine, inverse) * SFG_INV_TWO_PI;
 }
 
+// Masking of cloth threads over 4 nDotL nDotV (Neubelt and Pettineo 2013).
+float sfg_clothVisibility(float nDotL, float nDotV)
+{
+    return 1.0 / max(4.0 * (nDotL + nDotV - nDotL * nDotV), 0.0001);
+}
+
+// Albedo of the two above together, for roughnesses from 0.2 on; above 1 where the light grazes smooth cloth.
+// Fits to within 0.013.
+float sfg_sheenAlbedo(float roughness, float cosine)
+{
+    float i = 1.0 / roughness;
+    float3 a = float3(1.0, i, i * i);
+    float power = dot(a, float3(-1.2304, -0.3957, -0.6193));
+    power = power * cosine + dot(a, float3(1.9287, 1.1644, 0.1751));
+    power = power * cosine + dot(a, float3(-1.2607, -1.3055, -0.0357));
+    power = power * cosine + dot(a, float3(-0.8783, 0.4455, -0.0275));
+    return exp(power) + 0.004;
+}
+
+// The mean of what is not above 1.
+float sfg_sheenMeanAlbedo(float roughness)
+{
+    return -0.0244 + roughness * (0.5391 + roughness * (-0.3286 + roughness * 0.0589));
+}
+
 // Specular reflection with GGX, Smith and Schlick, without the cosine of the light (Cook and Torrance 1982).
 float3 sfg_ggxSpecular(float3 n, float3 l, float3 v, float3 f0, float roughness)
 {
@@ -649,18 +1010,67 @@ float3 sfg_ggxSpecular(float3 n, float3 l, float3 v, float3 f0, float roughness)
     float3 h = sfg_safeNormalize(l + v);
     float nDotL = saturate(dot(n, l));
     float nDotV = saturate(dot(n, v));
-    float nDotH = saturate(dot(n, h));
     float vDotH = saturate(dot(v, h));
-    return sfg_fresnelSchlick(f0, vDotH) *
-        (sfg_ggxDistribution(alpha, nDotH) * sfg_smithVisibility(alpha, nDotL, nDotV));
+    return sfg_fresnelSchlick(f0, vDotH) * (sfg_ggxLobe(alpha, n, h) * sfg_smithVisibility(alpha, nDotL, nDotV));
+}
+
+// The same for less.
+float3 sfg_ggxSpecularFast(float3 n, float3 l, float3 v, float3 f0, float roughness)
+{
+    float alpha = sfg_alphaOf(roughness);
+    float3 h = sfg_safeNormalize(l + v);
+    float nDotL = saturate(dot(n, l));
+    float nDotV = saturate(dot(n, v));
+    float vDotH = saturate(dot(v, h));
+    return sfg_fresnelSchlick(f0, vDotH) * (sfg_ggxLobe(alpha, n, h) * sfg_smithVisibilityFast(alpha, nDotL, nDotV));
+}
+
+// A direction by its parts along `tangent` made perpendicular to n, the binormal and n.
+float3 sfg_inFrame(float3 n, float3 tangent, float3 direction)
+{
+    float3 t = sfg_safeNormalize(tangent - n * dot(n, tangent));
+    return float3(dot(t, direction), dot(cross(n, t), direction), dot(n, direction));
+}
+
+// Brushed metal, without the cosine of the light: directions by their parts along tangent, binormal and normal.
+float3 sfg_ggxAnisotropicSpecular(float3 l, float3 v, float3 f0, float alphaT, float alphaB)
+{
+    float3 h = sfg_safeNormalize(l + v);
+    float d = sfg_ggxAnisotropic(alphaT, alphaB, h.x, h.y, saturate(h.z));
+    return sfg_fresnelSchlick(f0, saturate(dot(v, h))) * (d * sfg_smithAnisotropic(alphaT, alphaB, l, v));
+}
+
+// The two numbers of Oren and Nayar's qualitative model, made smaller by at most 2 percent so that nothing is
+// brighter than the light. `sigma` in radians.
+float2 sfg_orenNayarTerms(float sigma)
+{
+    float s2 = sigma * sigma;
+    float a = 1.0 - 0.5 * s2 / (s2 + 0.33);
+    float b = 0.45 * s2 / (s2 + 0.09);
+    return float2(a, b) / max(a + 0.5 * b, 1.0);
+}
+
+// Albedo of the model: the integral of its formula.
+float sfg_orenNayarAlbedo(float sigma, float cosine)
+{
+    float2 terms = sfg_orenNayarTerms(sigma);
+    float c = max(saturate(cosine), 0.001);
+    float s = sqrt(saturate(1.0 - c * c));
+    float towards = 0.5 * s * (acos(c) - s * c) + s / c * (1.0 - s * s * s) / 3.0;
+    return saturate(terms.x + 2.0 * SFG_INV_PI * terms.y * towards);
+}
+
+// pi / 6 - 16 / 45, times 4 / pi.
+float sfg_orenNayarMeanAlbedo(float sigma)
+{
+    float2 terms = sfg_orenNayarTerms(sigma);
+    return terms.x + 0.213959 * terms.y;
 }
 
 // Rough diffuse reflection relative to Lambert, the qualitative model (Oren and Nayar 1994). `sigma` in radians.
 float sfg_orenNayarFactor(float3 n, float3 l, float3 v, float sigma)
 {
-    float s2 = sigma * sigma;
-    float a = 1.0 - 0.5 * s2 / (s2 + 0.33);
-    float b = 0.45 * s2 / (s2 + 0.09);
+    float2 terms = sfg_orenNayarTerms(sigma);
     float nDotL = saturate(dot(n, l));
     float nDotV = saturate(dot(n, v));
     float3 lightPart = sfg_safeNormalize(l - n * nDotL);
@@ -669,40 +1079,70 @@ float sfg_orenNayarFactor(float3 n, float3 l, float3 v, float sigma)
     float sinV = sqrt(saturate(1.0 - nDotV * nDotV));
     float sinProduct = sinL * sinV;
     float sinOverCos = sinProduct / max(max(nDotL, nDotV), 0.00001);
-    return a + b * max(dot(lightPart, viewPart), 0.0) * sinOverCos;
+    return terms.x + terms.y * max(dot(lightPart, viewPart), 0.0) * sinOverCos;
 }
 
-// Diffuse reflection with retro-reflection at grazing angles, without the cosine of the light (Burley 2012).
+// Diffuse reflection with retro-reflection at grazing angles, without the cosine of the light (Burley 2012), scaled so
+// that it reflects at most what arrives (Lagarde and de Rousiers 2014, who scale by 1.51 instead of 1.55).
 float sfg_burleyDiffuse(float nDotL, float nDotV, float lDotH, float roughness)
 {
-    float f90 = 0.5 + 2.0 * roughness * lDotH * lDotH;
+    float r = saturate(roughness);
+    float f90 = 0.5 * r + 2.0 * r * lDotH * lDotH;
     float ml = saturate(1.0 - nDotL);
     float mv = saturate(1.0 - nDotV);
     float ml2 = ml * ml;
     float mv2 = mv * mv;
     float lightScatter = 1.0 + (f90 - 1.0) * ml2 * ml2 * ml;
     float viewScatter = 1.0 + (f90 - 1.0) * mv2 * mv2 * mv;
-    return lightScatter * viewScatter * SFG_INV_PI;
+    return lightScatter * viewScatter * lerp(1.0, 0.645161, r) * SFG_INV_PI;
 }
 
 // Highlight around the mirror direction, normalised to reflect at most what arrives (Phong 1975; Lewis 1993).
 float sfg_phongSpecular(float3 n, float3 l, float3 v, float exponent)
 {
+    float power = max(exponent, 0.0);
     float c = saturate(dot(reflect(-l, n), v));
-    return sfg_safePower(c, exponent) * (exponent + 2.0) * SFG_INV_TWO_PI;
+    return sfg_safePower(c, power) * (power + 2.0) * SFG_INV_TWO_PI;
 }
 
-// Highlight around the half vector (Blinn 1977), normalised with (exponent + 8) / (8 pi) (Akenine-Moeller et al. 2008).
+// What makes the albedo of Blinn-Phong 1 for a light along the normal (Giesen 2009).
+float sfg_blinnPhongScale(float exponent)
+{
+    float power = max(exponent, 0.0);
+    return (power + 2.0) * (power + 4.0) / (8.0 * SFG_PI * (exp2(-0.5 * power) + power));
+}
+
+// Highlight around the half vector (Blinn 1977), normalised to reflect at most what arrives.
 float sfg_blinnPhongSpecular(float3 n, float3 l, float3 v, float exponent)
 {
     float c = saturate(dot(n, sfg_safeNormalize(l + v)));
-    return sfg_safePower(c, exponent) * (exponent + 8.0) * SFG_INV_PI / 8.0;
+    return sfg_safePower(c, max(exponent, 0.0)) * sfg_blinnPhongScale(exponent);
+}
+
+// Albedo of Blinn-Phong; narrow highlights fade at grazing angles. Fits to within 0.02.
+float sfg_blinnPhongAlbedo(float exponent, float cosine)
+{
+    float power = max(exponent, 0.0);
+    float constant = 1.0 / (1.0 + power * (0.7 + 0.02 * power));
+    float square = max(power - 2.0, 0.0) / (power + 4.0);
+    return constant + cosine * (1.0 - constant - square + cosine * square);
+}
+
+// A number cut into `steps` flat tones from 0 to 1. The borders are blurred by `softness` tone widths.
+float sfg_toonTone(float value, float steps, float softness)
+{
+    float bands = max(floor(steps), 2.0);
+    float scaled = saturate(value) * bands;
+    float border = clamp(floor(scaled + 0.5), 1.0, bands - 1.0);
+    float t = saturate((scaled - border) / clamp(softness, 0.001, 1.0) + 0.5);
+    return (border - 1.0 + t * t * (3.0 - 2.0 * t)) / (bands - 1.0);
 }
 
 #endif
 
 // Light reflected from one light by the lit surfaces. Vectors are unit vectors in world coordinates.
-// n: normal, v: direction to the eye.
+// n: normal, v: direction to the eye. No surface sends back more than arrives: what one layer reflects is missing in
+// the layer below, and light of the sky is reflected as much as lamps all around would be.
 #ifndef SFG_SURFACES_H
 #define SFG_SURFACES_H
 
@@ -712,102 +1152,218 @@ float3 sfg_shadeLambert(sfg_Light light, float3 n, float3 albedo)
     return albedo * (sfg_lightIrradiance(light, n) * SFG_INV_PI + sfg_lightAmbient(light, n));
 }
 
+// What facets of a rough diffuse surface send to each other comes out at last, once more coloured (after Kulla and
+// Conty 2017).
 float3 sfg_shadeOrenNayar(sfg_Light light, float3 n, float3 v, float3 albedo, float sigma)
 {
-    float rough = sfg_orenNayarFactor(n, light.direction, v, sigma);
-    return albedo * (sfg_lightIrradiance(light, n) * (rough * SFG_INV_PI) + sfg_lightAmbient(light, n));
+    float mean = sfg_orenNayarMeanAlbedo(sigma);
+    float lossL = 1.0 - sfg_orenNayarAlbedo(sigma, dot(n, light.direction));
+    float lossV = 1.0 - sfg_orenNayarAlbedo(sigma, dot(n, v));
+    float3 again = albedo * albedo * mean / (1.0 - saturate(albedo) * (1.0 - mean));
+    float3 lamp = albedo * sfg_orenNayarFactor(n, light.direction, v, sigma) +
+        again * (lossL * lossV / max(1.0 - mean, 0.0001));
+    return sfg_lightIrradiance(light, n) * lamp * SFG_INV_PI +
+        sfg_lightAmbient(light, n) * (albedo * (1.0 - lossV) + again * lossV);
+}
+
+// The same for less: light between the facets depends on the view alone.
+float3 sfg_shadeOrenNayarSimple(sfg_Light light, float3 n, float3 v, float3 albedo, float sigma)
+{
+    float mean = sfg_orenNayarMeanAlbedo(sigma);
+    float loss = 1.0 - sfg_orenNayarAlbedo(sigma, dot(n, v));
+    float3 again = albedo * albedo * (mean * loss) / (1.0 - saturate(albedo) * (1.0 - mean));
+    float3 lamp = albedo * sfg_orenNayarFactor(n, light.direction, v, sigma) + again;
+    return sfg_lightIrradiance(light, n) * lamp * SFG_INV_PI +
+        sfg_lightAmbient(light, n) * (albedo * (1.0 - loss) + again);
 }
 
 float3 sfg_shadeBlinnPhong(sfg_Light light, float3 n, float3 v, float3 diffuse, float3 specular, float exponent)
 {
     float highlight = sfg_blinnPhongSpecular(n, light.direction, v, exponent);
-    return sfg_shadeLambert(light, n, diffuse) + specular * (highlight * sfg_lightIrradiance(light, n));
-}
-
-// What a rough mirror sends back from sky and ground (analytic fit of the environment term, Karis 2014).
-float3 sfg_ambientSpecular(sfg_Light light, float3 n, float3 v, float3 f0, float roughness)
-{
-    float nDotV = saturate(dot(n, v));
-    float4 r = roughness * float4(-1.0, -0.0275, -0.572, 0.022) + float4(1.0, 0.0425, 1.04, -0.04);
-    float a = min(r.x * r.x, exp2(-9.28 * nDotV)) * r.x + r.y;
-    float2 scaleBias = float2(-1.04, 1.04) * a + r.zw;
-    return sfg_lightAmbient(light, reflect(-v, n)) * (f0 * scaleBias.x + scaleBias.y);
+    float3 sky = sfg_lightMirrored(light, reflect(-v, n), sqrt(sqrt(2.0 / (max(exponent, 0.0) + 2.0))));
+    return sfg_shadeLambert(light, n, diffuse * (1.0 - saturate(specular))) +
+        specular * (highlight * sfg_lightIrradiance(light, n) +
+            sfg_blinnPhongAlbedo(exponent, saturate(dot(n, v))) * sky);
 }
 
 // Metallic and roughness: dielectrics reflect 4 percent and the rest diffusely, metals reflect their albedo.
 float3 sfg_shadeGgx(sfg_Light light, float3 n, float3 v, float3 albedo, float metallic, float roughness)
 {
+    float3 l = light.direction;
+    float alpha = sfg_alphaOf(roughness);
+    float nDotL = saturate(dot(n, l));
+    float nDotV = saturate(dot(n, v));
     float3 f0 = lerp(float3(0.04, 0.04, 0.04), albedo, metallic);
     float3 diffuse = albedo * (1.0 - metallic);
-    float3 specular = sfg_ggxSpecular(n, light.direction, v, f0, roughness) * sfg_lightIrradiance(light, n);
-    return sfg_shadeLambert(light, n, diffuse) + specular + sfg_ambientSpecular(light, n, v, f0, roughness);
+    float meanLoss = sfg_ggxMeanLoss(alpha);
+    float3 bounced = sfg_bounceColor(f0, meanLoss) *
+        (sfg_ggxLoss(alpha, nDotL) * sfg_ggxLoss(alpha, nDotV) / meanLoss * SFG_INV_PI);
+    float3 albedoV = sfg_ggxAlbedo(f0, alpha, nDotV);
+    float3 through = sfg_coupling(sfg_ggxAlbedo(f0, alpha, nDotL), albedoV, sfg_ggxMeanAlbedo(f0, alpha));
+    float3 lamp = sfg_ggxSpecular(n, l, v, f0, roughness) + bounced + diffuse * through * SFG_INV_PI;
+    return lamp * sfg_lightIrradiance(light, n) + diffuse * (1.0 - albedoV) * sfg_lightAmbient(light, n) +
+        albedoV * sfg_lightMirrored(light, reflect(-v, n), roughness);
 }
 
-// The same look for less: a Blinn-Phong highlight whose exponent matches alpha (2 / alpha^2 - 2, Walter et al. 2007).
+// The same for less, by reflectance and diffuse colour: diffuse light and light between the facets depend on the view
+// alone.
+float3 sfg_shadeGgxOfView(sfg_Light light, float3 n, float3 v, float3 f0, float3 diffuse, float roughness)
+{
+    float alpha = sfg_alphaOf(roughness);
+    float nDotV = saturate(dot(n, v));
+    float3 bounced = sfg_bounceColor(f0, sfg_ggxMeanLoss(alpha)) * sfg_ggxLoss(alpha, nDotV);
+    float3 albedoV = sfg_ggxAlbedo(f0, alpha, nDotV);
+    float3 lamp = sfg_ggxSpecular(n, light.direction, v, f0, roughness) +
+        (bounced + diffuse * (1.0 - albedoV)) * SFG_INV_PI;
+    return lamp * sfg_lightIrradiance(light, n) + diffuse * (1.0 - albedoV) * sfg_lightAmbient(light, n) +
+        albedoV * sfg_lightMirrored(light, reflect(-v, n), roughness);
+}
+
 float3 sfg_shadeGgxSimple(sfg_Light light, float3 n, float3 v, float3 albedo, float metallic, float roughness)
 {
-    float alpha = max(roughness * roughness, 0.05);
     float3 f0 = lerp(float3(0.04, 0.04, 0.04), albedo, metallic);
-    float exponent = max(2.0 / (alpha * alpha) - 2.0, 0.0);
-    return sfg_shadeBlinnPhong(light, n, v, albedo * (1.0 - metallic), f0, exponent) +
-        f0 * sfg_lightAmbient(light, n);
+    return sfg_shadeGgxOfView(light, n, v, f0, albedo * (1.0 - metallic), roughness);
 }
 
 // Metal brushed along `tangent`: a wide highlight across the scratches, a narrow one along them.
 float3 sfg_shadeBrushed(
     sfg_Light light, float3 n, float3 tangent, float3 v, float3 albedo, float roughnessAlong, float roughnessAcross)
 {
-    float3 t = sfg_safeNormalize(tangent - n * dot(n, tangent));
-    float3 b = cross(n, t);
-    float3 h = sfg_safeNormalize(light.direction + v);
     float alphaT = sfg_alphaOf(roughnessAlong);
     float alphaB = sfg_alphaOf(roughnessAcross);
-    float d = sfg_ggxAnisotropic(alphaT, alphaB, dot(t, h), dot(b, h), saturate(dot(n, h)));
-    float nDotL = saturate(dot(n, light.direction));
-    float visibility = sfg_smithVisibility(sqrt(alphaT * alphaB), nDotL, saturate(dot(n, v)));
-    float3 f = sfg_fresnelSchlick(albedo, saturate(dot(v, h)));
-    return f * (d * visibility) * sfg_lightIrradiance(light, n) +
-        sfg_ambientSpecular(light, n, v, albedo, 0.5 * (roughnessAlong + roughnessAcross));
+    float3 l = sfg_inFrame(n, tangent, light.direction);
+    float3 eye = sfg_inFrame(n, tangent, v);
+    float meanLoss = sfg_anisotropicMeanLoss(alphaT, alphaB);
+    float lossV = sfg_anisotropicLossOf(alphaT, alphaB, eye);
+    float lossL = sfg_anisotropicLossOf(alphaT, alphaB, l);
+    float3 bounce = sfg_bounceColor(albedo, meanLoss);
+    float3 lamp = sfg_ggxAnisotropicSpecular(l, eye, albedo, alphaT, alphaB) +
+        bounce * (lossL * lossV / meanLoss * SFG_INV_PI);
+    return lamp * sfg_lightIrradiance(light, n) + sfg_anisotropicAlbedo(albedo, bounce, alphaT, alphaB, eye) *
+        sfg_lightMirrored(light, reflect(-v, n), 0.5 * (roughnessAlong + roughnessAcross));
 }
 
-// Base colour under metal flakes under a clear coat that reflects 4 percent.
+// The same for less: light between the facets depends on the view alone.
+float3 sfg_shadeBrushedSimple(
+    sfg_Light light, float3 n, float3 tangent, float3 v, float3 albedo, float roughnessAlong, float roughnessAcross)
+{
+    float alphaT = sfg_alphaOf(roughnessAlong);
+    float alphaB = sfg_alphaOf(roughnessAcross);
+    float3 eye = sfg_inFrame(n, tangent, v);
+    float3 bounce = sfg_bounceColor(albedo, sfg_anisotropicMeanLoss(alphaT, alphaB));
+    float3 lamp = sfg_ggxAnisotropicSpecular(sfg_inFrame(n, tangent, light.direction), eye, albedo, alphaT, alphaB) +
+        bounce * (sfg_anisotropicLossOf(alphaT, alphaB, eye) * SFG_INV_PI);
+    return lamp * sfg_lightIrradiance(light, n) + sfg_anisotropicAlbedo(albedo, bounce, alphaT, alphaB, eye) *
+        sfg_lightMirrored(light, reflect(-v, n), 0.5 * (roughnessAlong + roughnessAcross));
+}
+
+// What a clear coat of 4 percent lets through on the way in and out.
+float3 sfg_throughCoat(float3 n, float3 l, float3 v, float coatRoughness)
+{
+    float alpha = sfg_alphaOf(coatRoughness);
+    float3 f0 = float3(0.04, 0.04, 0.04);
+    float3 through = (1.0 - sfg_ggxAlbedo(f0, alpha, saturate(dot(n, l)))) *
+        (1.0 - sfg_ggxAlbedo(f0, alpha, saturate(dot(n, v))));
+    return dot(n, l) > 0.0 ? through : float3(0.0, 0.0, 0.0);
+}
+
+// A light as it arrives below the clear coat and its reflection leaves: dimmed both ways.
+sfg_Light sfg_lightThroughCoat(sfg_Light light, float3 n, float3 v, float coatRoughness)
+{
+    float3 f0 = float3(0.04, 0.04, 0.04);
+    float alpha = sfg_alphaOf(coatRoughness);
+    float3 sky = (1.0 - sfg_ggxAlbedo(f0, alpha, saturate(dot(n, v)))) * (1.0 - sfg_ggxMeanAlbedo(f0, alpha));
+    sfg_Light below = light;
+    below.color = light.color * sfg_throughCoat(n, light.direction, v, coatRoughness);
+    below.skyColor = light.skyColor * sky;
+    below.groundColor = light.groundColor * sky;
+    below.mirrorColor = light.mirrorColor * sky;
+    below.mirrorBlurred = light.mirrorBlurred * sky;
+    return below;
+}
+
+// Base colour, in part covered by metal flakes, under a clear coat that reflects 4 percent.
 float3 sfg_shadeCarPaint(sfg_Light light, float3 n, float3 flakeNormal, float3 v, float3 baseColor, float3 flakeColor,
     float flakeAmount, float coatRoughness)
 {
     float3 coatF0 = float3(0.04, 0.04, 0.04);
     float3 coat = sfg_ggxSpecular(n, light.direction, v, coatF0, coatRoughness) * sfg_lightIrradiance(light, n) +
-        sfg_ambientSpecular(light, n, v, coatF0, coatRoughness);
-    float3 base = sfg_shadeGgx(light, n, v, baseColor, 0.3, 0.5);
-    float3 flakes = sfg_ggxSpecular(flakeNormal, light.direction, v, flakeColor, 0.25) *
-        sfg_lightIrradiance(light, flakeNormal);
-    float3 through = 1.0 - sfg_fresnelSchlick(coatF0, saturate(dot(n, v)));
-    return coat + through * (base + flakes * flakeAmount);
+        sfg_ggxAlbedo(coatF0, sfg_alphaOf(coatRoughness), saturate(dot(n, v))) *
+            sfg_lightMirrored(light, reflect(-v, n), coatRoughness);
+    sfg_Light below = sfg_lightThroughCoat(light, n, v, coatRoughness);
+    float3 base = sfg_shadeGgx(below, n, v, baseColor, 0.3, 0.5);
+    float3 flakes = sfg_shadeGgx(below, flakeNormal, v, flakeColor, 1.0, 0.25);
+    return coat + lerp(base, flakes, saturate(flakeAmount));
 }
 
-// Light in flat steps with a hard highlight. `softness` widens the borders between the steps.
+// The same for less: base and flakes as one layer along the normal. Flakes that are tilted at random shine wider, and
+// whiter where they graze the view; the two numbers for that are fits.
+float3 sfg_shadeCarPaintSimple(sfg_Light light, float3 n, float3 v, float3 baseColor, float3 flakeColor,
+    float flakeAmount, float coatRoughness)
+{
+    float3 coatF0 = float3(0.04, 0.04, 0.04);
+    float3 coat = sfg_ggxSpecular(n, light.direction, v, coatF0, coatRoughness) * sfg_lightIrradiance(light, n) +
+        sfg_ggxAlbedo(coatF0, sfg_alphaOf(coatRoughness), saturate(dot(n, v))) *
+            sfg_lightMirrored(light, reflect(-v, n), coatRoughness);
+    sfg_Light below = sfg_lightThroughCoat(light, n, v, coatRoughness);
+    float share = saturate(flakeAmount);
+    float3 f0 = lerp(lerp(coatF0, baseColor, 0.3), lerp(flakeColor, 1.0, 0.24), share);
+    return coat + sfg_shadeGgxOfView(below, n, v, f0, baseColor * (0.7 * (1.0 - share)), 0.66);
+}
+
+// Light in flat steps with a hard highlight in the tone of its place. `softness` widens the borders.
 float3 sfg_shadeToon(
     sfg_Light light, float3 n, float3 v, float3 albedo, float3 highlightColor, float steps, float softness)
 {
-    float bands = max(steps, 1.0);
-    float scaled = saturate(dot(n, light.direction)) * bands;
-    float whole = floor(scaled);
-    float t = saturate((scaled - whole - (1.0 - softness)) / max(softness, 0.001));
-    float level = (whole + t * t * (3.0 - 2.0 * t)) / bands;
+    float level = sfg_toonTone(dot(n, light.direction), steps, softness);
     float glint = saturate(dot(n, sfg_safeNormalize(light.direction + v)));
     float highlight = saturate((glint - 0.97) / max(softness * 0.1, 0.001));
-    return light.color * SFG_INV_PI * (albedo * saturate(level) + highlightColor * highlight) +
+    return light.color * (SFG_INV_PI * level) * lerp(albedo, highlightColor, highlight) +
         albedo * sfg_lightAmbient(light, n);
 }
 
-// Cloth: diffuse threads and a soft sheen at grazing angles (Estevez and Kulla 2017, Neubelt and Pettineo 2013).
+// Sheen of smooth cloth is cut off at this roughness: it would shine like a mirror at its silhouette only.
+float sfg_sheenRoughness(float roughness)
+{
+    return clamp(roughness, 0.2, 1.0);
+}
+
+// Cloth: diffuse threads below a soft sheen at grazing angles (Estevez and Kulla 2017, Neubelt and Pettineo 2013).
 float3 sfg_shadeCloth(sfg_Light light, float3 n, float3 v, float3 albedo, float3 sheenColor, float roughness)
 {
     float3 h = sfg_safeNormalize(light.direction + v);
     float nDotL = saturate(dot(n, light.direction));
     float nDotV = saturate(dot(n, v));
-    float d = sfg_charlieDistribution(sfg_alphaOf(roughness), saturate(dot(n, h)));
-    float visibility = 1.0 / max(4.0 * (nDotL + nDotV - nDotL * nDotV), 0.0001);
-    return sfg_shadeLambert(light, n, albedo) + sheenColor * (d * visibility) * sfg_lightIrradiance(light, n);
+    float r = sfg_sheenRoughness(roughness);
+    float eL = sfg_sheenAlbedo(r, nDotL);
+    float eV = sfg_sheenAlbedo(r, nDotV);
+    float sheen = sfg_charlieDistribution(sfg_alphaOf(r), saturate(dot(n, h))) * sfg_clothVisibility(nDotL, nDotV) /
+        max(max(eL, eV), 1.0);
+    float strength = saturate(max(max(sheenColor.x, sheenColor.y), sheenColor.z));
+    eL = strength * min(eL, 1.0);
+    eV = strength * min(eV, 1.0);
+    float mean = strength * sfg_sheenMeanAlbedo(r);
+    float through = (1.0 - eL) * (1.0 - eV) / max(1.0 - mean, 0.01);
+    return (albedo * (through * SFG_INV_PI) + sheenColor * sheen) * sfg_lightIrradiance(light, n) +
+        albedo * (1.0 - eV) * sfg_lightAmbient(light, n) +
+        sheenColor * min(sfg_sheenAlbedo(r, nDotV), 1.0) * sfg_lightAmbient(light, reflect(-v, n));
+}
+
+// The same for less: how much of the threads is seen depends on the view alone.
+float3 sfg_shadeClothSimple(sfg_Light light, float3 n, float3 v, float3 albedo, float3 sheenColor, float roughness)
+{
+    float3 h = sfg_safeNormalize(light.direction + v);
+    float nDotL = saturate(dot(n, light.direction));
+    float nDotV = saturate(dot(n, v));
+    float r = sfg_sheenRoughness(roughness);
+    float e = sfg_sheenAlbedo(r, nDotV);
+    float sheen = sfg_charlieDistribution(sfg_alphaOf(r), saturate(dot(n, h))) * sfg_clothVisibility(nDotL, nDotV) /
+        max(e, 1.0);
+    e = min(e, 1.0);
+    float strength = saturate(max(max(sheenColor.x, sheenColor.y), sheenColor.z));
+    float3 below = albedo * (1.0 - strength * e);
+    return (below * SFG_INV_PI + sheenColor * sheen) * sfg_lightIrradiance(light, n) +
+        (below + sheenColor * e) * sfg_lightAmbient(light, n);
 }
 
 #endif
@@ -877,7 +1433,7 @@ void terrainHeight1(
     out float result)
 {
 	float3 p = float3(position * scale, 0.0);
-	float hills = 0.5 + 0.5 * sfg_fbm3(p, octaves, 2.0, 0.5);
+	float hills = sfg_hills(p, octaves);
 	float crests = sfg_ridged3(p + float3(31.7, 11.3, 4.9), octaves, 2.0);
 	result = hills * lerp(0.5, 1.0, crests);
 }
