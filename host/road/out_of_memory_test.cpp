@@ -139,5 +139,18 @@ TEST_F(OutOfMemoryTest, WhileAJobAssemblesAndTells) {
   EXPECT_EQ(text, expected);
 }
 
+TEST_F(OutOfMemoryTest, WhileAJobNamesUniformsReadably) {
+  Job job(libraries_, Document::fromText(kGraph, "graph"));
+  job.collapse();
+  const std::string expected = job.assemble(ShaderStage::pixel, NameStyle::readable).text;
+  EXPECT_NE(expected, job.assemble().text);
+  std::string text;
+  const std::size_t failures =
+      failEverywhere([&] { text = job.assemble(ShaderStage::pixel, NameStyle::readable).text; },
+                     [&](bool failed) { ASSERT_TRUE(failed || text == expected); });
+  EXPECT_GT(failures, 100u);
+  EXPECT_EQ(text, expected);
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -3,8 +3,8 @@
 // What the host library throws. Whatever is thrown, the object asked stays as it was.
 //
 // Besides these, std::bad_alloc passes through: wherever memory runs out in a job that reads, collapses,
-// warns or assembles. While a folder is listed, JSON is written or a compiler runs, libraries below this one
-// may end the process instead.
+// warns or assembles. While a folder is listed, JSON is written (the hash of an interface is made of it) or a
+// compiler runs, libraries below this one may end the process instead.
 
 #include <cstddef>
 #include <span>
