@@ -213,7 +213,8 @@ std::vector<std::string> portFaults(const Json& fragment) {
                                       ? documentedPorts(fragment.at("interface"))
                                       : portsOfCode(fragment);
   for (const Port& port : ports) PortCheck(port, membersOf(metadata, port.name), faults).run();
-  for (const auto& [name, members] : metadata.items()) {
+  for (const auto& entry : metadata.items()) {
+    const std::string& name = entry.key();
     const bool isPort =
         std::any_of(ports.begin(), ports.end(), [&](const Port& port) { return port.name == name; });
     if (!isPort) faults.push_back("`" + name + "` is neither an input nor an output");
