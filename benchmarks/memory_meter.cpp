@@ -43,6 +43,8 @@ void uncounted(void* memory) {
 
 }  // namespace
 
+// The libraries find these only where they are visible.
+#pragma GCC visibility push(default)
 extern "C" {
 
 void* malloc(std::size_t size) { return counted(__libc_malloc(size)); }
@@ -71,6 +73,7 @@ int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {
 }
 
 }  // extern "C"
+#pragma GCC visibility pop
 
 namespace TolmSDK::Graphics::sfg::benchmarks {
 
