@@ -32,14 +32,16 @@ public:
   void load() const {
     if (loading_.onFile) loading_.onFile(path_);
     const RefPtr<IObjectDataNode> document(createJsonNode());
-    if (!document->loadFromFile(path_)) return logFile(document->getLoadError());
-    if (document->kind() != NodeKind::object) return logFile(L"a fragment library is an object of fragments");
+    if (!document->loadFromFile(path_)) return failFile(document->getLoadError());
+    if (document->kind() != NodeKind::object)
+      return failFile(L"a fragment library is an object of fragments");
     for (std::size_t i = 0, count = document->size(); i < count; ++i)
       if (const IObjectDataNode* node = document->element(i)) loadFragment(document->memberName(i), *node, i);
   }
 
 private:
   void loadFragment(const WString& name, const IObjectDataNode& node, std::size_t index) const {
+    if (loading_.isFragment && !loading_.isFragment(name)) return;
     if (loading_.onFragment) loading_.onFragment(path_, name, node);
     const auto fragment = makeRef<AShaderFragment>();
     ShaderIncludes& includes =
@@ -47,6 +49,10 @@ private:
     try {
       if (!fragment->load(&node, includes)) return logFragment(index);
     } catch (const Exception& error) {
+      if (loading_.onFailure) {
+        loading_.onFailure({path_, &name, &node, fragment->getLoadError(), error.getMessage()});
+        return;
+      }
       logFragment(index);
       log(L"Error: %s", error.getMessage());
       const TextPosition place = node.position();
@@ -56,6 +62,12 @@ private:
     }
     fragment->key() = name;
     library_.registerResource(name, fragment.get());
+    if (loading_.onLoaded) loading_.onLoaded(path_, node, *fragment);
+  }
+
+  void failFile(std::wstring_view reason) const {
+    if (!loading_.onFailure) return logFile(reason);
+    loading_.onFailure({path_, nullptr, nullptr, std::wstring_view(), reason});
   }
 
   void logFile(std::wstring_view reason) const {

@@ -9,6 +9,7 @@
 #include <numeric>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "platform/utf.h"
 #include "tolmsdk/exception.h"
@@ -105,9 +106,8 @@ const char* passQuoted(const char* at) {
   return at + 1;
 }
 
-/// Puts the names' indexes behind them, ordered by name.
-void makeIndex(const WString** names, std::size_t count) {
-  auto* const index = reinterpret_cast<std::uint32_t*>(names + count);
+/// The names' indexes, ordered by name.
+void makeIndex(const WString* const* names, std::uint32_t* index, std::size_t count) {
   std::iota(index, index + count, 0u);
   std::sort(index, index + count, [&](std::uint32_t a, std::uint32_t b) { return *names[a] < *names[b]; });
 }
@@ -189,16 +189,17 @@ bool Builder::string(std::string_view decoded) {
 
 bool Builder::key(std::string_view decoded) {
   counter_.skipToToken();
+  const NamePlace place{counter_.line(), counter_.column()};
   std::string_view kept;
   if (!passString(decoded, kept)) return false;
-  memberNames_.push_back(names_.intern(kept));
+  members_.push_back({names_.intern(kept), place});
   return true;
 }
 
 bool Builder::open(NodeKind kind) {
   const Value value = valueHere(kind);
   counter_.moveWithinLine(counter_.at() + 1);
-  frames_.push_back({value, values_.size(), memberNames_.size()});
+  frames_.push_back({value, values_.size(), members_.size()});
   if (frames_.size() <= IObjectDataNode::kMaximumDepth) return true;
   error_ = formatted(L"line %Iu, column %Iu: expected at most %Iu levels of arrays and objects",
                      std::size_t{value.line}, std::size_t{value.column}, IObjectDataNode::kMaximumDepth);
@@ -209,12 +210,16 @@ bool Builder::endObject() {
   const Frame frame = close();
   const std::size_t count = dropRepeatedMembers(frame);
   const std::size_t indexed = count > kIndexedMembers ? count : 0;
-  Node* const nodes =
-      makeNodes(frame, count, count * sizeof(const WString*) + indexed * sizeof(std::uint32_t));
+  Node* const nodes = makeNodes(
+      frame, count, count * (sizeof(const WString*) + sizeof(NamePlace)) + indexed * sizeof(std::uint32_t));
   auto** const names = reinterpret_cast<const WString**>(nodes + count);
-  for (std::size_t index = 0; index < count; ++index)
-    names[index] = memberNames_[frame.firstName + index]->text;
-  if (indexed != 0) makeIndex(names, indexed);
+  auto* const places = reinterpret_cast<NamePlace*>(names + count);
+  for (std::size_t index = 0; index < count; ++index) {
+    const Member& member = members_[frame.firstName + index];
+    names[index] = member.name->text;
+    places[index] = member.place;
+  }
+  if (indexed != 0) makeIndex(names, reinterpret_cast<std::uint32_t*>(places + count), indexed);
   finish(frame, nodes, count);
   return true;
 }
@@ -231,6 +236,11 @@ bool Builder::end() {
   if (counter_.at() != counter_.end())
     return failHere(L"expected the end of the text, found a null character");
   document_.root = values_.front();
+  // An object is looked at when it ends, behind those that it holds.
+  std::stable_sort(document_.repeatedMembers.begin(), document_.repeatedMembers.end(),
+                   [](const RepeatedMember& a, const RepeatedMember& b) {
+                     return std::pair(a.again.line, a.again.column) < std::pair(b.again.line, b.again.column);
+                   });
   return true;
 }
 
@@ -284,19 +294,25 @@ Builder::Frame Builder::close() noexcept {
 std::size_t Builder::dropRepeatedMembers(const Frame& frame) {
   const std::uint64_t object = ++objects_;
   Value* const values = values_.data() + frame.firstValue;
-  Name** const names = memberNames_.data() + frame.firstName;
+  Member* const members = members_.data() + frame.firstName;
   const std::size_t count = values_.size() - frame.firstValue;
   std::uint32_t kept = 0;
   for (std::size_t index = 0; index < count; ++index) {
-    Name& name = *names[index];
+    Name& name = *members[index].name;
     if (name.lastObject == object) {
+      NamePlace& known = members[name.lastIndex].place;
+      document_.repeatedMembers.push_back({*name.text,
+                                           {known.line, known.column},
+                                           {members[index].place.line, members[index].place.column},
+                                           frames_.size() + 1});
       values[name.lastIndex] = values[index];
+      known = members[index].place;
       continue;
     }
     name.lastObject = object;
     name.lastIndex = kept;
     values[kept] = values[index];
-    names[kept++] = names[index];
+    members[kept++] = members[index];
   }
   return kept;
 }
@@ -312,7 +328,7 @@ Node* Builder::makeNodes(const Frame& frame, std::size_t count, std::size_t byte
 
 void Builder::finish(const Frame& frame, const Node* children, std::size_t count) {
   values_.resize(frame.firstValue);
-  memberNames_.resize(frame.firstName);
+  members_.resize(frame.firstName);
   Value& value = values_.emplace_back(frame.value);
   value.children = children;
   value.size = static_cast<std::uint32_t>(count);

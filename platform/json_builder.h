@@ -68,7 +68,9 @@ private:
 /// ends. Each event says what the text holds next and answers false where the document ends in an error.
 class Builder {
 public:
-  explicit Builder(Document& document) : document_(document), counter_(document.text()), names_(document) {}
+  explicit Builder(Document& document) : document_(document), counter_(document.text()), names_(document) {
+    document_.repeatedMembers.clear();
+  }
 
   bool null();
   bool boolean(bool value);
@@ -104,6 +106,12 @@ private:
     std::size_t firstName = 0;
   };
 
+  /// A member's name and where it stands.
+  struct Member {
+    Name* name = nullptr;
+    NamePlace place;
+  };
+
   Value valueHere(NodeKind kind) noexcept;
   bool passString(std::string_view decoded, std::string_view& kept);
   Frame close() noexcept;
@@ -115,7 +123,7 @@ private:
   PositionCounter counter_;
   NamePool names_;
   std::vector<Value> values_;
-  std::vector<Name*> memberNames_;
+  std::vector<Member> members_;
   std::vector<Frame> frames_;
   std::uint64_t objects_ = 0;
   WString error_;

@@ -20,6 +20,12 @@ namespace TolmSDK::json {
 class Node;
 class Document;
 
+/// Where a member's name stands.
+struct NamePlace {
+  std::uint32_t line = 0;
+  std::uint32_t column = 0;
+};
+
 enum class NumberForm : std::uint8_t { integer, natural, real };
 
 /// One value of a document. Trivially copyable; what it points to belongs to the document.
@@ -35,15 +41,16 @@ struct Value {
     std::uint64_t natural;
     double real = 0.0;
     const char* bytes;
-    const Node* children;  ///< side by side; those of an object have their names behind them
+    const Node* children;  ///< side by side; those of an object have names and their places behind them
   };
 
   std::string_view utf8() const noexcept { return {bytes, size}; }
 
   bool hasChildren() const noexcept { return kind == NodeKind::array || kind == NodeKind::object; }
-  /// Names of an object's members. Behind those of more than kIndexedMembers stand their indexes, ordered by
-  /// name.
+  /// Names of an object's members. Behind them stand their places, and behind those of more than
+  /// kIndexedMembers their indexes, ordered by name.
   const WString* const* memberNames() const noexcept;
+  const NamePlace* memberPlaces() const noexcept;
   /// Index of the member of that name, kNotFound without one.
   std::size_t findMember(std::wstring_view name) const;
 };
@@ -67,6 +74,8 @@ public:
   bool asBool() const override;
   WString toText() const override;
   std::string_view asUtf8() const override;
+  TextPosition memberPosition(std::size_t index) const override;
+  Array<RepeatedMember> repeatedMembers() const override;
 
 protected:
   ValueNode() = default;
@@ -107,6 +116,7 @@ public:
   const WString& wideText(std::string_view utf8) const;
 
   Value root;
+  Array<RepeatedMember> repeatedMembers;  ///< in the order of the text
 
 private:
   std::string text_;

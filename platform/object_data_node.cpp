@@ -114,11 +114,15 @@ const WString* const* Value::memberNames() const noexcept {
   return reinterpret_cast<const WString* const*>(children + size);
 }
 
+const NamePlace* Value::memberPlaces() const noexcept {
+  return reinterpret_cast<const NamePlace*>(memberNames() + size);
+}
+
 std::size_t Value::findMember(std::wstring_view name) const {
   if (kind != NodeKind::object) return kNotFound;
   const WString* const* const names = memberNames();
   if (size > kIndexedMembers) {
-    const auto* const byName = reinterpret_cast<const std::uint32_t*>(names + size);
+    const auto* const byName = reinterpret_cast<const std::uint32_t*>(memberPlaces() + size);
     const std::uint32_t* const end = byName + size;
     const std::uint32_t* const found =
         std::lower_bound(byName, end, name, [&](std::uint32_t index, std::wstring_view wanted) {
@@ -152,6 +156,16 @@ const IObjectDataNode* ValueNode::member(std::wstring_view name) const {
 
 const WString& ValueNode::asString() const {
   return value_.kind == NodeKind::string ? document_->wideText(value_.utf8()) : emptyText();
+}
+
+TextPosition ValueNode::memberPosition(std::size_t index) const {
+  if (value_.kind != NodeKind::object || index >= value_.size) return {};
+  const NamePlace& place = value_.memberPlaces()[index];
+  return {place.line, place.column};
+}
+
+Array<RepeatedMember> ValueNode::repeatedMembers() const {
+  return document_ != nullptr ? document_->repeatedMembers : Array<RepeatedMember>();
 }
 
 std::string_view ValueNode::asUtf8() const {

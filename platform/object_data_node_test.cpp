@@ -384,6 +384,48 @@ TEST(JsonNode, StringsAreReadAtFirstByManyThreads) {
   for (const WString& text : texts) EXPECT_EQ(text, L"first");
 }
 
+TEST(JsonNode, TellsWhereMemberNamesStand) {
+  const auto node = parse(L"{ \"a\\u00e9\": 1,\n\t\"\u00e9\" :{\"in\" : [] }, \"z\": [ { } ] }");
+  const auto place = [](const IObjectDataNode& object, std::size_t index) {
+    const TextPosition position = object.memberPosition(index);
+    return std::to_string(position.line) + ":" + std::to_string(position.column);
+  };
+  EXPECT_EQ(place(*node, 0), "1:3");
+  EXPECT_EQ(place(*node, 1), "2:2");
+  EXPECT_EQ(place(*node, 2), "2:21");
+  EXPECT_EQ(place(*node, 3), "0:0");
+  EXPECT_EQ(place(*node->element(1), 0), "2:8");
+  EXPECT_EQ(place(*node->element(2), 0), "0:0");
+  EXPECT_EQ(place(*node->element(0), 0), "0:0");
+}
+
+TEST(JsonNode, TellsWhereMemberNamesOfLargeObjectsStand) {
+  std::wstring text = L"{";
+  for (int i = 0; i < 40; ++i) text += (i == 0 ? L"" : L",") + (L"\n \"k" + std::to_wstring(i)) + L"\": 0";
+  const auto node = parse(text + L"}");
+  for (std::size_t i = 0; i < 40; ++i) {
+    EXPECT_EQ(node->memberPosition(i).line, i + 2);
+    EXPECT_EQ(node->memberPosition(i).column, 2u);
+    EXPECT_EQ(node->member(L"k" + std::to_wstring(i)), node->element(i));
+  }
+}
+
+TEST(JsonNode, TellsRepeatedMembersInTheOrderOfTheText) {
+  const auto node =
+      parse(L"{\"a\": 1, \"b\": {\"x\": 1, \"y\": 2,\n\"x\": 3, \"x\": 4}, \"a\": 2, \"c\": [{\"a\": 5}]}");
+  std::string told;
+  for (const RepeatedMember& member : node->element(1)->repeatedMembers()) {
+    told += toUtf8(member.name) + " " + std::to_string(member.before.line) + ":" +
+            std::to_string(member.before.column) + " " + std::to_string(member.again.line) + ":" +
+            std::to_string(member.again.column) + " " + std::to_string(member.depth) + "\n";
+  }
+  EXPECT_EQ(told, "x 1:16 2:1 2\nx 2:1 2:9 2\na 1:2 2:18 1\n");
+  EXPECT_EQ(node->memberPosition(0).line, 2u);
+  EXPECT_EQ(node->memberPosition(0).column, 18u);
+  EXPECT_TRUE(parse(L"[1]")->repeatedMembers().empty());
+  EXPECT_TRUE(RefPtr<IObjectDataNode>(createJsonNode())->repeatedMembers().empty());
+}
+
 TEST(JsonNode, AnswersUtf8OfStringsOnly) {
   const auto node = parse(L"[\"\u00e4\\n\\u20ac\", \"\", 1, [\"x\"], null]");
   EXPECT_EQ(node->element(0)->asUtf8(), "\xC3\xA4\n\xE2\x82\xAC");

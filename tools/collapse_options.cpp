@@ -1,6 +1,7 @@
 #include "tools/collapse_options.h"
 
 #include "sfg/host/errors.h"
+#include "sfg/host/suggest.h"
 #include "tools/depfile.h"
 #include "tools/output_file.h"
 
@@ -29,6 +30,11 @@ std::vector<std::filesystem::path> pathsOf(const std::vector<std::string>& folde
 
 }  // namespace
 
+std::string didYouMean(const std::string& word, const std::vector<std::string>& known) {
+  const std::string near = host::suggest(word, known);
+  return near.empty() ? std::string() : "; did you mean `" + near + "`?";
+}
+
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
   declareFolders(
       app, "-L,--library", options.libraryFolders,
@@ -37,10 +43,16 @@ void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
   app.add_option("--language", options.language, "language to generate")
       ->type_name("NAME")
       ->capture_default_str();
+  declareChoice<Detail>(
+      app, "--diagnostics", {{"auto", Detail::standard}, {"short", Detail::brief}, {"full", Detail::full}},
+      options.detail,
+      "`short`: a line for each; `full`: also the line of the file, with a caret; `auto`: in "
+      "full on a terminal");
 }
 
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
                                                       Diagnostics& diagnostics) {
+  diagnostics.setDetail(options.detail);
   auto libraries = host::LibrarySet::load({pathsOf(options.libraryFolders), pathsOf(options.includeFolders)},
                                           options.language);
   diagnostics.show(libraries->problems());
@@ -128,6 +140,11 @@ void writeDepfile(const DepfileOptions& options, const std::string& output, cons
 }
 
 Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) {
+  diagnostics.show(job.problems());
+  if (const std::vector<host::Diagnostic> errors = job.errors(); completeShader && !errors.empty()) {
+    diagnostics.show(errors);
+    return Outcome::thrown;
+  }
   try {
     job.collapse();
   } catch (const host::CollapseError& refusal) {
@@ -142,14 +159,9 @@ std::optional<host::Shader> assemble(const host::Job& job, const std::string& gr
                                      host::ShaderStage stage, host::NameStyle names,
                                      Diagnostics& diagnostics) {
   try {
-    host::Shader shader = job.assemble(stage, names);
-    for (const std::string& name : shader.missingIncludes) {
-      diagnostics.warning(std::string(),
-                          "the include file `" + name + "` is in no include folder, or empty (see -I)");
-    }
-    return shader;
+    return job.assemble(stage, names);
   } catch (const host::AssemblyError& error) {
-    diagnostics.error(graphFile, error.what());
+    diagnostics.error(graphFile, error.what(), "incomplete-shader");
     return std::nullopt;
   }
 }

@@ -15,6 +15,9 @@
 
 namespace TolmSDK::Graphics::sfg::tools {
 
+/// "; did you mean `lightloop`?", or nothing where no word is near.
+std::string didYouMean(const std::string& word, const std::vector<std::string>& known);
+
 /// An option that takes one of a few words, each of which stands for a value; the first is the default.
 template <class Value>
 void declareChoice(CLI::App& app, const std::string& names,
@@ -22,18 +25,20 @@ void declareChoice(CLI::App& app, const std::string& names,
                    const std::string& help) {
   std::string bar;
   std::string list;
+  std::vector<std::string> words;
   for (const auto& [word, unused] : choices) {
     bar += (bar.empty() ? "" : "|") + word;
+    words.push_back(word);
     list += (list.empty() ? "`" : ", `") + word + "`";
   }
   const std::string standard = choices.front().first;
   app.add_option_function<std::string>(
          names,
-         [choices, list, names, &value](const std::string& given) {
+         [choices, list, words, names, &value](const std::string& given) {
            for (const auto& [word, meaning] : choices) {
              if (word == given) return void(value = meaning);
            }
-           throw CLI::ValidationError(names, "`" + given + "` is none of " + list);
+           throw CLI::ValidationError(names, "`" + given + "` is none of " + list + didYouMean(given, words));
          },
          help)
       ->type_name(bar)
@@ -45,8 +50,9 @@ struct LibraryOptions {
   std::vector<std::string> libraryFolders;
   std::vector<std::string> includeFolders;
   std::string language = "dx11";
+  Detail detail = Detail::standard;
 };
-/// -L, -I and --language.
+/// -L, -I, --language and --diagnostics.
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options);
 /// The libraries, whose problems are written. Throws InputError.
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,

@@ -38,6 +38,7 @@ std::unique_ptr<Command> makeCompileCommand(CLI::App& parent);
 std::unique_ptr<Command> makeReflectCommand(CLI::App& parent);
 std::unique_ptr<Command> makeListCommand(CLI::App& parent);
 std::unique_ptr<Command> makeDumpCommand(CLI::App& parent);
+std::unique_ptr<Command> makeSchemaCommand(CLI::App& parent);
 
 /// All commands, in the order in which help lists them.
 std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& parent);

@@ -18,31 +18,48 @@ bool wantsColours() {
   return isatty(STDERR_FILENO) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
+struct Kind {
+  const char* word;
+  const char* colour;
+};
+
+const Kind& kindOf(host::Severity severity) {
+  static constexpr Kind kError = {"error", "\033[1;31m"};
+  static constexpr Kind kWarning = {"warning", "\033[1;35m"};
+  static constexpr Kind kNote = {"note", "\033[1;36m"};
+  if (severity == host::Severity::warning) return kWarning;
+  return severity == host::Severity::note ? kNote : kError;
+}
+
 }  // namespace
 
-Diagnostics Diagnostics::standard() { return Diagnostics(std::cerr, wantsColours()); }
+Diagnostics Diagnostics::standard() {
+  return Diagnostics(std::cerr, wantsColours(), isatty(STDERR_FILENO) != 0);
+}
 
 void Diagnostics::show(std::span<const host::Diagnostic> diagnostics) {
-  for (const host::Diagnostic& diagnostic : diagnostics) {
-    switch (diagnostic.severity) {
-    case host::Severity::error: error(diagnostic.place(), diagnostic.text); break;
-    case host::Severity::warning: warning(diagnostic.place(), diagnostic.text); break;
-    case host::Severity::note: note(diagnostic.place(), diagnostic.text); break;
-    case host::Severity::message: plain(diagnostic.text); break;
-    }
+  for (const host::Diagnostic& diagnostic : diagnostics) show(diagnostic);
+}
+
+void Diagnostics::show(const host::Diagnostic& diagnostic) {
+  if (diagnostic.severity == host::Severity::message) return plain(diagnostic.text);
+  const Kind& kind = kindOf(diagnostic.severity);
+  const std::string place = diagnostic.place();
+  const std::string start = (place.empty() ? std::string("sfg") : place) + ": ";
+  const std::string end = diagnostic.text + " [" + diagnostic.identifier + "]\n";
+  if (!shown_.insert(start + kind.word + end).second) return;
+  out_ << start;
+  if (colours_) {
+    out_ << kind.colour << kind.word << ":\033[0m " << end;
+  } else {
+    out_ << kind.word << ": " << end;
   }
+  if (detail_ == Detail::full || (detail_ == Detail::standard && isTerminal_)) {
+    out_ << sources_.show(diagnostic.file, diagnostic.line, diagnostic.column);
+  }
+  out_ << std::flush;
 }
 
 void Diagnostics::plain(const std::string& text) { out_ << text << '\n' << std::flush; }
-
-void Diagnostics::write(const std::string& place, const char* kind, const char* colour,
-                        const std::string& text) {
-  const std::string line = (place.empty() ? std::string("sfg") : place) + ": ";
-  if (colours_) {
-    out_ << line << colour << kind << ":\033[0m " << text << '\n' << std::flush;
-  } else {
-    out_ << line << kind << ": " << text << '\n' << std::flush;
-  }
-}
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -3,35 +3,45 @@
 // Diagnostics of the commands: lower case, no full stop, code in backticks, on the standard error stream.
 
 #include <iosfwd>
+#include <set>
 #include <span>
 #include <string>
 
 #include "sfg/host/diagnostic.h"
+#include "tools/source_view.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
-/// Writes one diagnostic a line: "PLACE: error: text", with "sfg" for an empty place. Colours only where the
+/// How much is shown: `standard` is full where the stream is a terminal.
+enum class Detail { standard, brief, full };
+
+/// Writes one diagnostic a line: "PLACE: error: text [identifier]", with "sfg" for an empty place; in full
+/// the line of the file, and a caret, behind it. What was shown is not shown again. Colours only where the
 /// stream is a terminal that wants them.
 class Diagnostics {
 public:
-  Diagnostics(std::ostream& out, bool colours) : out_(out), colours_(colours) {}
+  Diagnostics(std::ostream& out, bool colours, bool isTerminal = false)
+      : out_(out), colours_(colours), isTerminal_(isTerminal) {}
   /// The standard error stream.
   static Diagnostics standard();
 
-  void error(const std::string& place, const std::string& text) { write(place, "error", "\033[1;31m", text); }
-  void warning(const std::string& place, const std::string& text) {
-    write(place, "warning", "\033[1;35m", text);
-  }
-  void note(const std::string& place, const std::string& text) { write(place, "note", "\033[1;36m", text); }
+  void setDetail(Detail detail) { detail_ = detail; }
+  void show(const host::Diagnostic& diagnostic);
   void show(std::span<const host::Diagnostic> diagnostics);
+  /// An error of the command itself.
+  void error(const std::string& place, const std::string& text, const std::string& identifier) {
+    show(host::Diagnostic{host::Severity::error, place, 0, 0, text, identifier});
+  }
   /// A line of somebody else, as it stands.
   void plain(const std::string& text);
 
 private:
-  void write(const std::string& place, const char* kind, const char* colour, const std::string& text);
-
   std::ostream& out_;
   bool colours_;
+  bool isTerminal_;
+  Detail detail_ = Detail::standard;
+  std::set<std::string> shown_;
+  SourceView sources_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "sfg/host/errors.h"
 #include "sfg/shader_fragment.h"
 #include "tolmsdk/unicode.h"
 #include "tools/collapse_options.h"
@@ -27,13 +28,19 @@ public:
 
   int run(Diagnostics& diagnostics) override {
     std::vector<std::array<std::string, 3>> rows;
-    for (const host::FragmentInfo& fragment : loadLibraries(options_, diagnostics)->fragments()) {
+    if (options_.libraryFolders.empty()) throw host::InputError("no folder of libraries is given (`-L DIR`)");
+    const auto libraries = loadLibraries(options_, diagnostics);
+    for (const host::FragmentInfo& fragment : libraries->fragments()) {
       const std::string text = fragment.name + " " + fragment.description;
       if (text.find(word_) == text.npos) continue;
       rows.push_back({fragment.name, fragment.place(), fragment.description});
     }
     writeOutput(std::string(), table(rows));
-    return kDone;
+    const auto isError = [](const host::Diagnostic& problem) {
+      return problem.severity == host::Severity::error;
+    };
+    const auto problems = libraries->problems();
+    return std::any_of(problems.begin(), problems.end(), isError) ? kRefused : kDone;
   }
 
 private:
@@ -75,7 +82,9 @@ public:
       if (fragment != nullptr) {
         dump(*fragment, libraries->language());
       } else {
-        diagnostics.error(std::string(), "unknown fragment `" + name + "`");
+        diagnostics.error(std::string(),
+                          "unknown fragment `" + name + "`" + didYouMean(name, namesOf(*libraries)),
+                          "unknown-fragment");
         status = kWrongUsage;
       }
     }
@@ -83,6 +92,12 @@ public:
   }
 
 private:
+  static std::vector<std::string> namesOf(const host::LibrarySet& libraries) {
+    std::vector<std::string> names;
+    for (const host::FragmentInfo& fragment : libraries.fragments()) names.push_back(fragment.name);
+    return names;
+  }
+
   /// With the ports that a node of it has.
   static void dump(const IShaderFragment& fragment, const ILanguageTraits& language) {
     const RefPtr<IShaderFragment> clone(fragment.clone(WString()));

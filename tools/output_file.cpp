@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void cannotWrite(const std::string& file, const std::string& reason) {
-  throw host::InputError(file, TextPosition(), "cannot be written: " + reason);
+  throw host::InputError(file, TextPosition(), "cannot be written: " + reason, "cannot-write");
 }
 
 bool writeBytes(const fs::path& path, std::string_view bytes) {

@@ -80,7 +80,7 @@ public:
       diagnostics.show(job.explain(*shader, error));
       return kRefused;
     } catch (const host::PackError& error) {
-      throw host::InputError(error.what());
+      throw host::InputError(std::string(), TextPosition(), error.what(), "bad-setting");
     }
     return kDone;
   }

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "sfg/host/errors.h"
+#include "tools/collapse_options.h"
 #include "tools/command.h"
 #include "tools/version_line.h"
 
@@ -33,10 +34,30 @@ std::vector<std::string> spelledForParser(int argc, char** argv) {
   return arguments;
 }
 
+/// Of an argument that nobody expects, the option or command that was meant.
+std::string nearOption(const CLI::App& app, const CLI::ParseError& error) {
+  if (error.get_name() != "ExtrasError") return std::string();
+  const std::string message = error.what();
+  const std::size_t start = message.rfind(' ') + 1;
+  const std::string word = message.substr(start, message.find_last_not_of(". \n") + 1 - start);
+  std::vector<std::string> known;
+  const auto addOptions = [&](const CLI::App& owner) {
+    for (const CLI::Option* const option : owner.get_options()) {
+      for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
+    }
+  };
+  const auto chosen = app.get_subcommands();
+  addOptions(chosen.empty() ? app : *chosen.front());
+  if (chosen.empty()) {
+    for (const CLI::App* const command : app.get_subcommands({})) known.push_back(command->get_name());
+  }
+  return tools::didYouMean(word.substr(0, word.find('=')), known);
+}
+
 /// Help and version leave through the parser's exceptions, too.
 int answerParseError(const CLI::App& app, const CLI::ParseError& error, tools::Diagnostics& diagnostics) {
   if (error.get_exit_code() == 0) return app.exit(error, std::cout, std::cerr);
-  diagnostics.error(std::string(), asDiagnostic(error.what()));
+  diagnostics.error(std::string(), asDiagnostic(error.what()) + nearOption(app, error), "wrong-usage");
   diagnostics.plain("try `sfg --help`, or `sfg COMMAND --help`");
   return tools::kWrongUsage;
 }
@@ -48,13 +69,14 @@ int runChosen(const std::vector<std::unique_ptr<tools::Command>>& commands,
   }
   return tools::kWrongUsage;
 } catch (const host::InputError& error) {
-  diagnostics.error(error.place(), error.what());
+  diagnostics.show(error.related());
+  diagnostics.show(error.diagnostic());
   return tools::kWrongUsage;
 } catch (const std::bad_alloc&) {
-  diagnostics.error(std::string(), "out of memory");
+  diagnostics.error(std::string(), "out of memory", "out-of-memory");
   return tools::kRefused;
 } catch (const std::exception& error) {
-  diagnostics.error(std::string(), error.what());
+  diagnostics.error(std::string(), error.what(), "failure");
   return tools::kRefused;
 }
 

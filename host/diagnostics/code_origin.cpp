@@ -212,7 +212,7 @@ private:
     const User& user = users_[owner.user];
     const WString& key = user.fragment->key();
     const FragmentFiles::Entry* const entry = job_.libraries().files().find(key);
-    return diagnose(Severity::note, entry != nullptr ? entry->file : std::string(),
+    return diagnose(Finding::codeOrigin, Severity::note, entry != nullptr ? entry->file : std::string(),
                     entry != nullptr ? entry->position : TextPosition(),
                     std::string(owner.kind) + " " + inTicks(name) + " is of fragment " + inTicks(key) + ", " +
                         user.what);
@@ -244,7 +244,8 @@ std::vector<Diagnostic> OriginFinder::find(std::size_t line) const {
   if (section == assembled_.sections.end() || line < section->firstLine) return notes;
 
   const std::wstring_view code = lineText(line);
-  notes.push_back(diagnose(Severity::note, std::string(), {}, "the line is `" + trimmed(code) + "`"));
+  notes.push_back(diagnose(Finding::codeOrigin, Severity::note, std::string(), {},
+                           "the line is `" + trimmed(code) + "`"));
   if (section->kind == ShaderSection::Kind::include) {
     notes.push_back(include(section->name));
   } else if (section->kind == ShaderSection::Kind::symbol) {
@@ -258,8 +259,9 @@ std::vector<Diagnostic> OriginFinder::find(std::size_t line) const {
 
 Diagnostic OriginFinder::include(const WString& name) const {
   const std::string file = job_.libraries().includeFile(name);
-  if (!file.empty()) return diagnose(Severity::note, file, {}, "in this include file");
-  return diagnose(Severity::note, std::string(), {}, "in the include file " + inTicks(name));
+  if (!file.empty()) return diagnose(Finding::codeOrigin, Severity::note, file, {}, "in this include file");
+  return diagnose(Finding::codeOrigin, Severity::note, std::string(), {},
+                  "in the include file " + inTicks(name));
 }
 
 std::wstring_view OriginFinder::lineText(std::size_t line) const {

@@ -95,7 +95,7 @@ private:
                        std::wstring_view other, Set<std::string>& told) {
     const std::string text = std::string("the ") + kind + " name " + inTicks(name) + " occurs inside " +
                              inTicks(other) + ", which is changed with it when it is renamed";
-    if (told.insert(text).second) warnings_.atFragment(*use.fragment, text);
+    if (told.insert(text).second) warnings_.atFragment(Finding::nameInsideName, *use.fragment, text);
   }
 
   void rawStatements() {
@@ -104,9 +104,9 @@ private:
       for (const Profile profile : use.profiles) {
         const std::optional<std::string> statement = rawStatement(*profile);
         if (!statement) continue;
-        warnings_.atFragment(*use.fragment, "it is used " + std::to_string(use.count) +
-                                                " times, and so often `" + *statement +
-                                                "` of its predefines is written");
+        warnings_.atFragment(Finding::repeatedStatement, *use.fragment,
+                             "it is used " + std::to_string(use.count) + " times, and so often `" +
+                                 *statement + "` of its predefines is written");
         break;
       }
     }

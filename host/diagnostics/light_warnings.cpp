@@ -30,7 +30,7 @@ private:
     for (std::size_t i = 0; i < facts_.nodeCount(); ++i) {
       if (facts_.isLit(i) || !facts_.isBelowLit(i) || !facts_.feedsLit(i)) continue;
       warnings_.atGraph(
-          facts_.document().node(i).position(),
+          Finding::unlitBetweenLit, facts_.document().node(i).position(),
           named(facts_.document().node(i)) +
               " keeps its value of the first light: it is not lit, but stands between lit nodes");
     }
@@ -41,7 +41,7 @@ private:
     for (std::size_t i = 0; i < facts_.nodeCount(); ++i) {
       if (!facts_.isAccumulated(i) || !facts_.feedsLit(i)) continue;
       warnings_.atGraph(
-          facts_.document().node(i).position(),
+          Finding::litFeedsLit, facts_.document().node(i).position(),
           named(facts_.document().node(i)) +
               " feeds both an output and another lit node, which reads the sum over the lights so far");
     }
@@ -54,9 +54,10 @@ private:
       const GraphNode& node = facts_.document().node(i);
       for (std::size_t k = 0; k < node.getNumOutputs(); ++k) {
         if (componentCount(node.getOutput(k)->getType()) != 0) continue;
-        warnings_.atGraph(node.position(), "output " + inTicks(node.getOutput(k)->getName()) + " of " +
-                                               named(node) + " of type " + typeText(*node.getOutput(k)) +
-                                               " is summed over the lights, but has no `+=`");
+        warnings_.atGraph(Finding::structureSummed, node.position(),
+                          "output " + inTicks(node.getOutput(k)->getName()) + " of " + named(node) +
+                              " of type " + typeText(*node.getOutput(k)) +
+                              " is summed over the lights, but has no `+=`");
       }
     }
   }
@@ -65,7 +66,7 @@ private:
     if (facts_.isLightLoop() && !facts_.lights().empty()) return;
     for (std::size_t i = 0; i < facts_.nodeCount(); ++i) {
       if (!facts_.isLit(i)) continue;
-      warnings_.atGraph(facts_.document().node(i).position(),
+      warnings_.atGraph(Finding::litWithoutLight, facts_.document().node(i).position(),
                         named(facts_.document().node(i)) + " reads the current light, but " +
                             (facts_.isLightLoop() ? "the environment has no lights"
                                                   : "only the light loop (`--tool lightloop`) has one"));
@@ -88,7 +89,7 @@ private:
         const std::string text = "light " + inTicks(light.name) + " has the uniform " + inTicks(uniform) +
                                  ", which its function for MetaSL code reads, but only the light loop "
                                  "(`--tool lightloop`) declares";
-        warnings_.atLight(light, text);
+        warnings_.atLight(Finding::undeclaredLightUniform, light, text);
       }
     }
   }
@@ -117,7 +118,7 @@ private:
       if (!told.insert(name).second) continue;
       const std::string text = "light " + inTicks(light.name) + " asks for the profile " + inTicks(name) +
                                ", which no fragment of the graph has";
-      warnings_.atLight(light, text);
+      warnings_.atLight(Finding::unofferedProfile, light, text);
     }
   }
 

@@ -21,8 +21,13 @@ public:
     for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
       const GraphNode& node = document_.node(i);
       if (fragmentOf(node) == nullptr) {
-        return at(node.position(), named(node) + " uses the fragment " + inTicks(node.fragmentName()) +
-                                       ", which no library has");
+        const UnknownName unknown = job_.libraries().whyUnknown(toUtf8(node.fragmentName()));
+        if (unknown.kind == Finding::notLoaded) {
+          return at(unknown.kind, node.position(), "for " + named(node) + ", " + unknown.text);
+        }
+        return at(unknown.kind, node.position(),
+                  named(node) + " uses the fragment " + inTicks(node.fragmentName()) +
+                      ", which no library has" + unknown.hint);
       }
     }
     return std::nullopt;
@@ -43,7 +48,7 @@ public:
   Found unwiredOutput() const {
     for (std::size_t i = 0; i < document_.getNumOutputs(); ++i) {
       if (document_.outputWires()[i].source == nullptr) {
-        return at(document_.outputWires()[i].position,
+        return at(Finding::unwiredOutput, document_.outputWires()[i].position,
                   "graph output " + name(document_.getOutput(i)) + " has no `node`");
       }
     }
@@ -52,7 +57,7 @@ public:
 
   Found noOutput() const {
     if (document_.getNumOutputs() != 0) return std::nullopt;
-    return atFile("the graph has no `outputs`");
+    return atFile(Finding::noOutput, "the graph has no `outputs`");
   }
 
   Found preprocessWithInputs() const {
@@ -60,7 +65,7 @@ public:
       const RefPtr<IShaderFragment> clone =
           cloneWithPorts(*link.fragment, WString(), job_.libraries().language());
       if (clone->getNumInputs() == 0) continue;
-      return at(link.position,
+      return at(Finding::preprocessInput, link.position,
                 "pre-process fragment " + inTicks(link.name) + " has the input " + name(clone->getInput(0)));
     }
     return std::nullopt;
@@ -77,13 +82,13 @@ public:
     for (std::size_t i = 0; i < target->getNumInputs(); ++i) {
       const std::string input = "input " + name(target->getInput(i)) + " of " + taker;
       if (i >= document_.getNumOutputs()) {
-        return atFile("the graph has no output for " + input);
+        return atFile(Finding::chainMismatch, "the graph has no output for " + input);
       }
       if (target->getInput(i)->getType() == document_.getOutput(i)->getType()) continue;
-      return at(document_.outputWires()[i].position, "graph output " + name(document_.getOutput(i)) +
-                                                         " of type " + typeText(*document_.getOutput(i)) +
-                                                         " feeds " + input + " of type " +
-                                                         typeText(*target->getInput(i)));
+      return at(Finding::chainMismatch, document_.outputWires()[i].position,
+                "graph output " + name(document_.getOutput(i)) + " of type " +
+                    typeText(*document_.getOutput(i)) + " feeds " + input + " of type " +
+                    typeText(*target->getInput(i)));
     }
     return std::nullopt;
   }
@@ -93,10 +98,10 @@ public:
     const Array<GraphNode::Wire>& wires = document_.outputWires();
     for (std::size_t i = 1; i < wires.size(); ++i) {
       if (wires[i].source == nullptr || wires[i].source == wires[0].source) continue;
-      return at(wires[i].position, "graph output " + name(document_.getOutput(i)) + " comes from " +
-                                       named(*wires[i].source) + " and " + name(document_.getOutput(0)) +
-                                       " from " + named(*wires[0].source) +
-                                       "; without a light loop all outputs come from one node");
+      return at(Finding::severalSources, wires[i].position,
+                "graph output " + name(document_.getOutput(i)) + " comes from " + named(*wires[i].source) +
+                    " and " + name(document_.getOutput(0)) + " from " + named(*wires[0].source) +
+                    "; without a light loop all outputs come from one node");
     }
     return std::nullopt;
   }
@@ -117,7 +122,7 @@ public:
       const GraphNode& node = document_.node(i);
       const IShaderFragment* const fragment = fragmentOf(node);
       if (fragment != nullptr && !hasDefaultProfile(*fragment))
-        return at(node.position(), lacksDefault(named(node), *fragment));
+        return at(Finding::noProfile, node.position(), lacksDefault(named(node), *fragment));
     }
     return std::nullopt;
   }
@@ -128,12 +133,13 @@ public:
     for (const auto* chain : {&document_.preprocess(), &document_.postprocess()}) {
       for (const GraphDocument::ChainFragment& link : *chain) {
         if (!hasDefaultProfile(*link.fragment))
-          return at(link.position, lacksDefault("the chain", *link.fragment));
+          return at(Finding::noProfile, link.position, lacksDefault("the chain", *link.fragment));
       }
     }
     for (const ShadingEnvironment::Light& light : job_.environment().lights()) {
       if (!hasDefaultProfile(*light.fragment)) {
-        return atLight(light, lacksDefault("light " + inTicks(light.name), *light.fragment));
+        return atLight(Finding::noProfile, light,
+                       lacksDefault("light " + inTicks(light.name), *light.fragment));
       }
     }
     return std::nullopt;
@@ -146,8 +152,9 @@ public:
       const bool named = message.find(L" of light " + light.name + L":") != message.npos ||
                          message.find(L" of light " + light.name + L".") != message.npos;
       if (!named && message.find(L"light profile " + profile + L".") == message.npos) continue;
-      return atLight(light, "light " + inTicks(light.name) + " asks for the profile " + inTicks(profile) +
-                                surfaceWithout(profile));
+      return atLight(Finding::lightProfile, light,
+                     "light " + inTicks(light.name) + " asks for the profile " + inTicks(profile) +
+                         surfaceWithout(profile));
     }
     return std::nullopt;
   }
@@ -155,23 +162,24 @@ public:
   Diagnostic outputOrFile() const {
     for (const GraphNode::Wire& wire : document_.outputWires()) {
       if (wire.source != nullptr) {
-        return at(wire.position, "on the way to " + named(*wire.source) + ", output " +
-                                     name(wire.source->getOutput(wire.output)));
+        return at(Finding::collapsePlace, wire.position,
+                  "on the way to " + named(*wire.source) + ", output " +
+                      name(wire.source->getOutput(wire.output)));
       }
     }
-    return atFile("while this graph was collapsed");
+    return atFile(Finding::collapsePlace, "while this graph was collapsed");
   }
 
 private:
   static std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
   static std::string name(const AParameter* parameter) { return inTicks(parameter->getName()); }
 
-  Diagnostic atFile(const std::string& text) const { return at(TextPosition(), text); }
-  Diagnostic at(TextPosition position, const std::string& text) const {
-    return diagnose(Severity::note, document_.file(), position, text);
+  Diagnostic atFile(Finding kind, const std::string& text) const { return at(kind, TextPosition(), text); }
+  Diagnostic at(Finding kind, TextPosition position, const std::string& text) const {
+    return diagnose(kind, Severity::note, document_.file(), position, text);
   }
-  Diagnostic atLight(const ShadingEnvironment::Light& light, const std::string& text) const {
-    return diagnose(Severity::note, job_.environment().file(), light.position, text);
+  Diagnostic atLight(Finding kind, const ShadingEnvironment::Light& light, const std::string& text) const {
+    return diagnose(kind, Severity::note, job_.environment().file(), light.position, text);
   }
 
   const IShaderFragment* fragmentOf(const GraphNode& node) const {
@@ -205,12 +213,13 @@ private:
   Found mismatchedPorts(const GraphNode& node, const IShaderFragmentProfile& profile) const {
     const ITextParameterList& list = *profile.getFunctionParameters();
     if (node.getNumInputs() != list.getNumInputs()) {
-      return at(node.position(), counted(node, node.getNumInputs(), "inputs", list.getNumInputs()));
+      return at(Finding::portCount, node.position(),
+                counted(node, node.getNumInputs(), "inputs", list.getNumInputs()));
     }
     const bool isInline = profile.getMode() == EShaderFragmentProfileMode::Inline;
     const std::size_t outputs = isInline ? 1 : list.getNumOutputs();
     if (node.getNumOutputs() == outputs) return std::nullopt;
-    return at(node.position(), counted(node, node.getNumOutputs(), "outputs", outputs));
+    return at(Finding::portCount, node.position(), counted(node, node.getNumOutputs(), "outputs", outputs));
   }
   static std::string counted(const GraphNode& node, std::size_t has, const std::string& what,
                              std::size_t wants) {
@@ -260,8 +269,9 @@ private:
       for (std::size_t k = 0; k < node.wires().size(); ++k) {
         const GraphNode::Wire& wire = node.wires()[k];
         if (wire.source == nullptr || number-- != 0) continue;
-        return at(wire.position, "input " + name(node.getInput(k)) + " of " + named(node) +
-                                     " closes a loop through " + named(*wire.source));
+        return at(Finding::loop, wire.position,
+                  "input " + name(node.getInput(k)) + " of " + named(node) + " closes a loop through " +
+                      named(*wire.source));
       }
     }
     return std::nullopt;
@@ -298,7 +308,8 @@ Diagnostic findRefusalPlace(const CollapseJob& job, std::wstring_view message) {
     if (Found found = search.mismatchedPorts()) return *found;
     return search.outputOrFile();
   }
-  return diagnose(Severity::note, job.document().file(), {}, "while this graph was collapsed");
+  return diagnose(Finding::collapsePlace, Severity::note, job.document().file(), {},
+                  "while this graph was collapsed");
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

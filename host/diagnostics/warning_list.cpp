@@ -5,17 +5,17 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-void WarningList::atGraph(TextPosition position, const std::string& text) {
-  warnings_.push_back(diagnose(Severity::warning, job_.document().file(), position, text));
+void WarningList::atGraph(Finding kind, TextPosition position, const std::string& text) {
+  warnings_.push_back(diagnose(kind, Severity::warning, job_.document().file(), position, text));
 }
 
-void WarningList::atLight(const ShadingEnvironment::Light& light, const std::string& text) {
-  warnings_.push_back(diagnose(Severity::warning, job_.environment().file(), light.position, text));
+void WarningList::atLight(Finding kind, const ShadingEnvironment::Light& light, const std::string& text) {
+  warnings_.push_back(diagnose(kind, Severity::warning, job_.environment().file(), light.position, text));
 }
 
-void WarningList::atFragment(const IShaderFragment& fragment, const std::string& text) {
+void WarningList::atFragment(Finding kind, const IShaderFragment& fragment, const std::string& text) {
   const FragmentFiles::Entry* const entry = job_.libraries().files().find(fragment.key());
-  warnings_.push_back(diagnose(Severity::warning, entry != nullptr ? entry->file : std::string(),
+  warnings_.push_back(diagnose(kind, Severity::warning, entry != nullptr ? entry->file : std::string(),
                                entry != nullptr ? entry->position : TextPosition(),
                                "fragment " + inTicks(fragment.key()) + ": " + text));
 }

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/documents/diagnostic_kinds.h"
 #include "host/job/collapse_job.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -15,10 +16,10 @@ class WarningList {
 public:
   explicit WarningList(const CollapseJob& job) : job_(job) {}
 
-  void atGraph(TextPosition position, const std::string& text);
-  void atLight(const ShadingEnvironment::Light& light, const std::string& text);
+  void atGraph(Finding kind, TextPosition position, const std::string& text);
+  void atLight(Finding kind, const ShadingEnvironment::Light& light, const std::string& text);
   /// About a fragment's own code, at its place in the library.
-  void atFragment(const IShaderFragment& fragment, const std::string& text);
+  void atFragment(Finding kind, const IShaderFragment& fragment, const std::string& text);
 
   std::vector<Diagnostic> take() { return std::move(warnings_); }
 

@@ -1,8 +1,10 @@
 #include "host/diagnostics/warnings.h"
 
 #include "host/diagnostics/code_warnings.h"
+#include "host/diagnostics/include_warnings.h"
 #include "host/diagnostics/light_warnings.h"
 #include "host/diagnostics/port_warnings.h"
+#include "host/diagnostics/wire_types.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -13,7 +15,14 @@ std::vector<Diagnostic> findWarnings(const CollapseJob& job, bool completeShader
   if (!completeShader) warnOfGraphInputs(facts, warnings);
   warnOfCode(facts, warnings);
   warnOfInoutPorts(facts, warnings);
-  return warnings.take();
+  std::vector<Diagnostic> all = warnings.take();
+  const auto append = [&](const std::vector<Diagnostic>& more) {
+    all.insert(all.end(), more.begin(), more.end());
+  };
+  if (!completeShader) append(findTypeErrors(job, Severity::warning));
+  append(findDroppedComponents(job));
+  if (completeShader) append(findIncludeWarnings(job));
+  return all;
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "host/documents/diagnose.h"
 #include "sfg/host/errors.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -15,7 +16,9 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 Json numberJson(double number, const std::string& owner) {
-  if (!std::isfinite(number)) throw InputError("a value of `" + owner + "` is not a finite number");
+  if (!std::isfinite(number))
+    throw inputError(Finding::wrongValue, std::string(), {},
+                     "a value of `" + owner + "` is not a finite number");
   return number;
 }
 
@@ -74,7 +77,8 @@ Json nodeJson(const Node& node) {
   std::unordered_set<std::string_view> names;
   for (const NodeInput& input : node.inputs) {
     if (!names.insert(input.name).second) {
-      throw InputError("input `" + input.name + "` of node `" + node.name + "` is given twice");
+      throw inputError(Finding::repeatedName, std::string(), {},
+                       "input `" + input.name + "` of node `" + node.name + "` is given twice");
     }
     // An ordered object searches all its members for a key; these are known to differ.
     inputs.get_ref<Json::object_t&>().push_back({input.name, sourceJson(input, node.name)});

@@ -1,34 +1,18 @@
 #include "host/documents/document_reader.h"
 
-#include <charconv>
+#include <algorithm>
+#include <utility>
 
+#include "host/documents/diagnose.h"
+#include "host/documents/load_error.h"
+#include "host/documents/near_name.h"
+#include "host/documents/shader_names.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
-
-/// Takes `prefix` and the number behind it from the front of `text`; nothing when they do not stand there.
-std::optional<std::size_t> takeNumber(std::string_view& text, std::string_view prefix) {
-  if (!text.starts_with(prefix)) return std::nullopt;
-  std::size_t number = 0;
-  const char* const start = text.data() + prefix.size();
-  const auto [end, error] = std::from_chars(start, text.data() + text.size(), number);
-  if (error != std::errc()) return std::nullopt;
-  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-  return number;
-}
-
-/// A load error of the platform says its place in words; diagnostics show it behind the file's name.
-InputError withPlace(const std::string& file, const WString& loadError) {
-  const std::string message = toUtf8(loadError);
-  std::string_view text = message;
-  const std::optional<std::size_t> line = takeNumber(text, "line ");
-  const std::optional<std::size_t> column = line ? takeNumber(text, ", column ") : std::nullopt;
-  if (!column || !text.starts_with(": ")) return InputError(file, TextPosition(), message);
-  return InputError(file, TextPosition{*line, *column}, std::string(text.substr(2)));
-}
 
 const char* expectedValue(const TypeID& type) {
   if (type == TypeID_bool) return "`true` or `false`";
@@ -49,7 +33,8 @@ std::string expectedValueText(const TypeID& type) {
 DocumentReader::DocumentReader(const Document& document)
     : file_(document.name()), hasPlaces_(document.hasPlaces()), root_(createJsonNode()) {
   load(document.text());
-  if (root_->kind() != NodeKind::object) refuse(*root_, "expected an object at the top level");
+  if (root_->kind() != NodeKind::object)
+    refuse(Finding::wrongKind, *root_, "expected an object at the top level");
 }
 
 void DocumentReader::load(const std::optional<std::string>& text) {
@@ -63,11 +48,58 @@ void DocumentReader::load(const std::optional<std::string>& text) {
   } else {
     isLoaded = root_->loadFromFile(fromUtf8(file_));
   }
-  if (!isLoaded) throw withPlace(file_, root_->getLoadError());
+  if (isLoaded) return;
+  const LoadError error = documentError(toUtf8(root_->getLoadError()));
+  throw inputError(error.kind, file_, error.position, error.text);
 }
 
-void DocumentReader::refuse(const IObjectDataNode& at, const std::string& reason) const {
-  throw InputError(file_, positionOf(at), reason);
+void DocumentReader::checkKeys(const KeyTable& table) {
+  unknownKeys_ = findUnknownKeys(*root_, table);
+  problems_.clear();
+  for (const UnknownKey& found : unknownKeys_) {
+    problems_.push_back(placed(describe(found, Severity::warning, file_)));
+  }
+  for (const RepeatedMember& repeated : root_->repeatedMembers()) {
+    if (!isCommentKey(repeated.name)) problems_.push_back(placed(describe(repeated, file_)));
+  }
+  std::stable_sort(problems_.begin(), problems_.end(), [](const Diagnostic& a, const Diagnostic& b) {
+    return std::pair(a.line, a.column) < std::pair(b.line, b.column);
+  });
+}
+
+Diagnostic DocumentReader::placed(Diagnostic diagnostic) const {
+  if (!hasPlaces_) diagnostic.line = diagnostic.column = 0;
+  return diagnostic;
+}
+
+void DocumentReader::refuse(Finding kind, const IObjectDataNode& at, const std::string& reason) const {
+  // What is missing may stand there under a mistyped key, which then is the cause.
+  const auto isCause = [&](const UnknownKey& found) {
+    return found.object == &at && !found.meant.empty() && at.member(fromUtf8(found.meant)) == nullptr;
+  };
+  const bool lacksKey = kind == Finding::missingKey || kind == Finding::oneSource;
+  const auto cause =
+      lacksKey ? std::find_if(unknownKeys_.begin(), unknownKeys_.end(), isCause) : unknownKeys_.end();
+  if (cause == unknownKeys_.end()) fail(diagnose(kind, Severity::error, file_, positionOf(at), reason));
+  fail(placed(describe(*cause, Severity::error, file_)));
+}
+
+void DocumentReader::refuseMember(Finding kind, const IObjectDataNode& object, std::size_t index,
+                                  const std::string& reason) const {
+  fail(placed(diagnose(kind, Severity::error, file_, object.memberPosition(index), reason)));
+}
+
+/// With the problems that were found before; the cause is no longer one of them.
+void DocumentReader::fail(const Diagnostic& cause) const {
+  std::vector<Diagnostic> others;
+  for (const Diagnostic& problem : problems_) {
+    const bool isCause = problem.identifier == cause.identifier && problem.line == cause.line &&
+                         problem.column == cause.column && problem.text == cause.text;
+    if (!isCause) others.push_back(problem);
+  }
+  InputError error(cause.file, TextPosition{cause.line, cause.column}, cause.text, cause.identifier);
+  error.setRelated(std::move(others));
+  throw error;
 }
 
 WString DocumentReader::requiredName(const IObjectDataNode& object, std::wstring_view key) const {
@@ -76,7 +108,7 @@ WString DocumentReader::requiredName(const IObjectDataNode& object, std::wstring
 
 std::string_view DocumentReader::requiredUtf8(const IObjectDataNode& object, std::wstring_view key) const {
   const std::string_view name = optionalUtf8(object, key);
-  if (name.empty()) refuse(object, inTicks(key) + " is missing");
+  if (name.empty()) refuse(Finding::missingKey, object, inTicks(key) + " is missing");
   return name;
 }
 
@@ -90,7 +122,7 @@ std::optional<WString> DocumentReader::optionalName(const IObjectDataNode& objec
 std::string_view DocumentReader::optionalUtf8(const IObjectDataNode& object, std::wstring_view key) const {
   const IObjectDataNode* const value = object.member(key);
   if (value != nullptr && value->asUtf8().empty()) {
-    refuse(*value, inTicks(key) + " must be a string that is not empty");
+    refuse(Finding::wrongKind, *value, inTicks(key) + " must be a string that is not empty");
   }
   return value != nullptr ? value->asUtf8() : std::string_view();
 }
@@ -99,7 +131,7 @@ const IObjectDataNode* DocumentReader::optionalArray(const IObjectDataNode& obje
                                                      std::wstring_view key) const {
   const IObjectDataNode* const value = object.member(key);
   if (value != nullptr && value->kind() != NodeKind::array)
-    refuse(*value, inTicks(key) + " must be an array");
+    refuse(Finding::wrongKind, *value, inTicks(key) + " must be an array");
   return value;
 }
 
@@ -107,20 +139,20 @@ const IObjectDataNode* DocumentReader::optionalObject(const IObjectDataNode& obj
                                                       std::wstring_view key) const {
   const IObjectDataNode* const value = object.member(key);
   if (value != nullptr && value->kind() != NodeKind::object)
-    refuse(*value, inTicks(key) + " must be an object");
+    refuse(Finding::wrongKind, *value, inTicks(key) + " must be an object");
   return value;
 }
 
 const IObjectDataNode& DocumentReader::objectAt(const IObjectDataNode& array, std::size_t index) const {
   const IObjectDataNode& value = *array.elementOrNull(index);
-  if (value.kind() != NodeKind::object) refuse(value, "expected an object");
+  if (value.kind() != NodeKind::object) refuse(Finding::wrongKind, value, "expected an object");
   return value;
 }
 
 WString DocumentReader::nameAt(const IObjectDataNode& array, std::size_t index) const {
   const IObjectDataNode& value = *array.elementOrNull(index);
   if (value.kind() != NodeKind::string || value.asString().empty()) {
-    refuse(value, "expected a string that is not empty");
+    refuse(Finding::wrongKind, value, "expected a string that is not empty");
   }
   return value.asString();
 }
@@ -128,15 +160,26 @@ WString DocumentReader::nameAt(const IObjectDataNode& array, std::size_t index) 
 RefPtr<AParameter> DocumentReader::parameter(const IObjectDataNode& object) const {
   RefPtr<AParameter> parameter = makeRef<AParameter>();
   if (!parameter->load(&object)) {
-    const InputError error = withPlace(file_, parameter->getLoadError());
-    const bool isPlaced = hasPlaces_ && error.position().line != 0;
-    throw isPlaced ? error : InputError(file_, positionOf(object), error.what());
+    const LoadError error = parameterError(toUtf8(parameter->getLoadError()));
+    if (error.kind == Finding::missingKey || error.position.line == 0) refuse(error.kind, object, error.text);
+    fail(placed(diagnose(error.kind, Severity::error, file_, error.position, error.text)));
   }
   if (parameter->isConstant() && componentCount(parameter->getType()) == 0) {
-    refuse(object, inTicks(parameter->getName()) + " cannot be constant: a value of type " +
-                       typeText(*parameter) + " has no text");
+    refuse(Finding::wrongValue, object,
+           inTicks(parameter->getName()) + " cannot be constant: a value of type " + typeText(*parameter) +
+               " has no text");
   }
   return parameter;
+}
+
+RefPtr<AParameter> DocumentReader::port(const IObjectDataNode& object, const std::string& what,
+                                        bool isDotted) const {
+  RefPtr<AParameter> port = parameter(object);
+  const IObjectDataNode& name = *object.member(L"name");
+  const std::string fault = nameFault(name.asUtf8(), isDotted);
+  if (!fault.empty())
+    refuse(Finding::badName, name, "the name of " + what + " cannot stand in code: " + fault);
+  return port;
 }
 
 /// Reads a value as a parameter object does: a boolean or number for one component, an array for any number.
@@ -158,9 +201,10 @@ void DocumentReader::refuseValue(const IObjectDataNode& node, const AParameter& 
                                  const std::string& what) const {
   const TypeID& type = parameter.getType();
   if (componentCount(type) == 0) {
-    refuse(node, what + " cannot be given: a value of type " + typeText(parameter) + " has no text");
+    refuse(Finding::wrongValue, node,
+           what + " cannot be given: a value of type " + typeText(parameter) + " has no text");
   }
-  refuse(node,
+  refuse(Finding::wrongValue, node,
          what + " does not fit the type " + typeText(parameter) + ": expected " + expectedValueText(type));
 }
 

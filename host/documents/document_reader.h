@@ -5,7 +5,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "host/documents/diagnostic_kinds.h"
+#include "host/documents/key_check.h"
 #include "sfg/host/document.h"
 #include "sfg/host/errors.h"
 #include "tolmsdk/object_data_node.h"
@@ -16,7 +19,8 @@
 namespace TolmSDK::Graphics::sfg::host {
 
 /// Holds one document; nodes handed out live as long as it. Every operation that cannot read what it is asked
-/// for throws InputError. A key whose value is null counts as missing; unknown keys are ignored.
+/// for throws InputError, with the problems() that were found before. A key whose value is null counts as
+/// missing.
 class DocumentReader {
 public:
   /// Loads it; its top level must be an object.
@@ -29,7 +33,17 @@ public:
     return hasPlaces_ ? node.position() : TextPosition();
   }
 
-  [[noreturn]] void refuse(const IObjectDataNode& at, const std::string& reason) const;
+  /// Looks for keys that the root object, or one that it holds, does not know, and for repeated ones.
+  void checkKeys(const KeyTable& table);
+  /// Warnings of what was found.
+  const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
+
+  /// Where a key is missing, a mistyped one that is near is refused in its stead.
+  [[noreturn]] void refuse(Finding kind, const IObjectDataNode& at, const std::string& reason) const;
+
+  /// At the key of the member.
+  [[noreturn]] void refuseMember(Finding kind, const IObjectDataNode& object, std::size_t index,
+                                 const std::string& reason) const;
 
   /// A non-empty string.
   WString requiredName(const IObjectDataNode& object, std::wstring_view key) const;
@@ -48,6 +62,8 @@ public:
 
   /// A parameter object. A constant must be of a type whose values have text.
   RefPtr<AParameter> parameter(const IObjectDataNode& object) const;
+  /// The same for `what`, whose name can stand in code.
+  RefPtr<AParameter> port(const IObjectDataNode& object, const std::string& what, bool isDotted) const;
   /// The value, which must fit the parameter's type; `what()` names it in the refusal.
   template <class Name>
   AValue value(const IObjectDataNode& node, const AParameter& parameter, Name&& what) const {
@@ -61,11 +77,15 @@ private:
   [[noreturn]] void refuseValue(const IObjectDataNode& node, const AParameter& parameter,
                                 const std::string& what) const;
 
+  Diagnostic placed(Diagnostic diagnostic) const;
+  [[noreturn]] void fail(const Diagnostic& cause) const;
   void load(const std::optional<std::string>& text);
 
   std::string file_;
   bool hasPlaces_;
   RefPtr<IObjectDataNode> root_;
+  std::vector<UnknownKey> unknownKeys_;
+  std::vector<Diagnostic> problems_;
 };
 
 /// "`noise`": a name as diagnostics show it.

@@ -1,5 +1,7 @@
 #include "sfg/host/errors.h"
 
+#include "host/documents/diagnostic_kinds.h"
+
 namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
@@ -14,12 +16,19 @@ std::string placeOf(const std::string& file, std::size_t line, std::size_t colum
 
 std::string Diagnostic::place() const { return placeOf(file, line, column); }
 
-InputError::InputError(std::string file, TextPosition position, const std::string& reason)
-    : std::runtime_error(reason), file_(std::move(file)), position_(position) {}
-InputError::InputError(const std::string& reason) : InputError(std::string(), TextPosition(), reason) {}
+InputError::InputError(std::string file, TextPosition position, const std::string& reason,
+                       std::string identifier)
+    : std::runtime_error(reason), file_(std::move(file)), position_(position),
+      identifier_(std::move(identifier)) {}
+InputError::InputError(const std::string& reason)
+    : InputError(std::string(), TextPosition(), reason, std::string(identifierOf(Finding::wrongUsage))) {}
 InputError::~InputError() = default;
 
 std::string InputError::place() const { return placeOf(file_, position_.line, position_.column); }
+
+Diagnostic InputError::diagnostic() const {
+  return {Severity::error, file_, position_.line, position_.column, what(), identifier_};
+}
 
 CollapseError::CollapseError(Reason reason, const std::string& what, std::vector<Diagnostic> diagnostics)
     : std::runtime_error(what), reason_(reason), diagnostics_(std::move(diagnostics)) {}

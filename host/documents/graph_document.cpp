@@ -4,7 +4,9 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
+#include "host/documents/near_name.h"
 #include "host/documents/port_finder.h"
 #include "host/documents/shading_environment.h"
 #include "sfg/shader_fragment_graph_builder.h"
@@ -73,12 +75,14 @@ const GraphNode* GraphDocument::findInstance(const WString& instanceName) const 
 /// Reads one document in the order in which its parts refer to each other: ports first, wires afterwards.
 class GraphLoader {
 public:
-  GraphLoader(const Document& document, const ILanguageTraits& language)
-      : reader_(document), language_(language) {
+  GraphLoader(const Document& document, const ILanguageTraits& language, const WhyUnknown& whyUnknown)
+      : reader_(document), language_(language), whyUnknown_(whyUnknown) {
     document_->file_ = document.name();
   }
 
   RefPtr<GraphDocument> load() {
+    reader_.checkKeys(graphKeys());
+    document_->problems_ = reader_.problems();
     readGraphInputs();
     readUniforms();
     readNodes();
@@ -94,7 +98,7 @@ private:
     const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"inputs");
     for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
       const IObjectDataNode& object = reader_.objectAt(*array, i);
-      document_->inputs_.push_back(reader_.parameter(object));
+      document_->inputs_.push_back(reader_.port(object, "a graph input", false));
       claimGraphName(object, document_->inputs_.back()->getName());
       graphInputs_.emplace(document_->inputs_.back()->getName(), i);
     }
@@ -103,7 +107,7 @@ private:
   void readUniforms() {
     const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"uniforms");
     for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
-      document_->uniforms_.push_back(reader_.parameter(reader_.objectAt(*array, i)));
+      document_->uniforms_.push_back(reader_.port(reader_.objectAt(*array, i), "a uniform", false));
     }
   }
 
@@ -121,7 +125,8 @@ private:
       node->name_ = fromUtf8(name);
       document_->nodes_.push_back(node);
       if (!nodes_.emplace(name, node.get()).second) {
-        reader_.refuse(object, "the node name " + inTicks(node->name_) + " is used twice");
+        reader_.refuse(Finding::repeatedName, object,
+                       "the node name " + inTicks(node->name_) + " is used twice");
       }
     }
   }
@@ -159,9 +164,10 @@ private:
     const IObjectDataNode* const array = reader_.optionalArray(interface, key);
     for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
       const IObjectDataNode& object = reader_.objectAt(*array, i);
-      RefPtr<AParameter> port = reader_.parameter(object);
+      RefPtr<AParameter> port = reader_.port(object, "a port", true);
       if (!names.insert(port->getName()).second) {
-        reader_.refuse(object, "the port name " + inTicks(port->getName()) + " is used twice");
+        reader_.refuse(Finding::repeatedName, object,
+                       "the port name " + inTicks(port->getName()) + " is used twice");
       }
       ports.push_back(port);
     }
@@ -178,7 +184,7 @@ private:
     const IObjectDataNode* const array = reader_.optionalArray(reader_.root(), L"outputs");
     for (std::size_t i = 0; array != nullptr && i < array->size(); ++i) {
       const IObjectDataNode& object = reader_.objectAt(*array, i);
-      document_->outputs_.push_back(reader_.parameter(object));
+      document_->outputs_.push_back(reader_.port(object, "a graph output", false));
       claimGraphName(object, document_->outputs_.back()->getName());
       document_->outputWires_.push_back(readSource(object));
     }
@@ -186,7 +192,8 @@ private:
 
   void claimGraphName(const IObjectDataNode& object, const WString& name) {
     if (!graphNames_.insert(name).second) {
-      reader_.refuse(object, "the name " + inTicks(name) + " is used twice among graph inputs and outputs");
+      reader_.refuse(Finding::repeatedName, object,
+                     "the name " + inTicks(name) + " is used twice among graph inputs and outputs");
     }
   }
 
@@ -196,23 +203,28 @@ private:
       GraphNode& node = *document_->nodes_[i];
       const IObjectDataNode* const inputs = reader_.optionalObject(reader_.objectAt(*array, i), L"inputs");
       for (std::size_t k = 0; inputs != nullptr && k < inputs->size(); ++k) {
-        wireInput(node, inputs->memberName(k), *inputs->elementOrNull(k));
+        if (!isCommentKey(inputs->memberName(k))) wireInput(node, *inputs, k);
       }
     }
   }
 
-  void wireInput(GraphNode& node, const WString& name, const IObjectDataNode& object) {
+  void wireInput(GraphNode& node, const IObjectDataNode& inputs, std::size_t index) {
+    const WString& name = inputs.memberName(index);
+    const IObjectDataNode& object = *inputs.elementOrNull(index);
     const auto where = [&] { return "input " + inTicks(name) + " of node " + inTicks(node.name_); };
-    if (object.kind() != NodeKind::object) reader_.refuse(object, where() + " must be an object");
+    if (object.kind() != NodeKind::object)
+      reader_.refuse(Finding::wrongKind, object, where() + " must be an object");
     const std::wstring_view source = onlySource(object);
     if (source.empty()) {
-      reader_.refuse(object, where() + " must hold exactly one of `node`, `graphInput`, `value`, `constant`");
+      reader_.refuse(Finding::oneSource, object,
+                     where() + " must hold exactly one of `node`, `graphInput`, `value`, `constant`");
     }
     const std::size_t port = portFinder_.find(node.type_->inputs, name);
     if (port == kNotFound && !node.type_->knowsPorts) return;
     if (port == kNotFound) {
-      reader_.refuse(object, "node " + inTicks(node.name_) + " has no input " + inTicks(name) + "; " +
-                                 listed("its inputs are", node.inputs()));
+      reader_.refuseMember(Finding::unknownPort, inputs, index,
+                           "node " + inTicks(node.name_) + " has no input " + inTicks(name) +
+                               listed("its inputs are", node.inputs(), toUtf8(name)));
     }
     if (source == L"node") {
       node.wire(port) = readSource(object);
@@ -247,42 +259,65 @@ private:
     const std::string_view name = reader_.optionalUtf8(object, L"node");
     const std::string_view output = reader_.optionalUtf8(object, L"output");
     if (name.empty()) {
-      if (!output.empty()) reader_.refuse(*object.member(L"output"), "`output` needs a `node`");
+      if (!output.empty())
+        reader_.refuse(Finding::outputWithoutNode, *object.member(L"output"), "`output` needs a `node`");
       return wire;
     }
     const auto found = nodes_.find(name);
-    if (found == nodes_.end()) reader_.refuse(*object.member(L"node"), "unknown node " + inTicks(name));
+    if (found == nodes_.end()) {
+      reader_.refuse(Finding::unknownNode, *object.member(L"node"),
+                     "unknown node " + inTicks(name) + didYouMean(nearestNode(name)));
+    }
     wire.source = found->second;
     const GraphNode::Type& type = *wire.source->type_;
     wire.output = output.empty() ? 0 : portFinder_.find(type.outputs, fromUtf8(output));
     if (wire.output < type.outputs.size() || !type.knowsPorts) return wire;
     const std::string wanted = output.empty() ? std::string("no outputs") : "no output " + inTicks(output);
-    reader_.refuse(output.empty() ? object : *object.member(L"output"),
-                   "node " + inTicks(name) + " has " + wanted + "; " + outputsHint(*wire.source));
+    reader_.refuse(Finding::unknownPort, output.empty() ? object : *object.member(L"output"),
+                   "node " + inTicks(name) + " has " + wanted + outputsHint(*wire.source, output));
   }
 
   std::size_t readGraphInput(const IObjectDataNode& object) {
     const WString name = reader_.requiredName(object, L"graphInput");
     const auto found = graphInputs_.find(name);
     if (found == graphInputs_.end()) {
-      reader_.refuse(*object.member(L"graphInput"), "unknown graph input " + inTicks(name));
+      reader_.refuse(Finding::unknownGraphInput, *object.member(L"graphInput"),
+                     "unknown graph input " + inTicks(name) +
+                         listed("the graph inputs are", document_->inputs_, toUtf8(name)));
     }
     return found->second;
   }
 
-  std::string outputsHint(const GraphNode& node) const {
+  std::string_view nearestNode(std::string_view name) const {
+    NearName search(name);
+    for (const auto& [known, node] : nodes_) search.offer(known);
+    return search.nearest();
+  }
+
+  std::string outputsHint(const GraphNode& node, std::string_view wanted) const {
     const IShaderFragment* const fragment = language_.findFragment(node.fragmentName());
     const bool isInline = fragment != nullptr && fragment->getNumProfiles() != 0 &&
                           fragment->getProfile(0)->getMode() == EShaderFragmentProfileMode::Inline;
-    if (isInline && node.getNumOutputs() == 0) return "a node of an inline fragment needs an `interface`";
-    return listed("its outputs are", node.type_->outputs);
+    if (isInline && node.getNumOutputs() == 0) return "; a node of an inline fragment needs an `interface`";
+    return listed("its outputs are", node.type_->outputs, wanted);
   }
 
-  static std::string listed(const std::string& intro, const GraphNode::Ports& ports) {
-    if (ports.empty()) return intro + " none";
-    std::string text = intro;
-    for (std::size_t i = 0; i < ports.size(); ++i)
-      text += (i == 0 ? " " : ", ") + inTicks(ports[i]->getName());
+  /// What was meant, and what there is.
+  static std::string listed(const std::string& intro, const GraphNode::Ports& ports,
+                            std::string_view wanted) {
+    std::vector<std::string> names;
+    for (const RefPtr<AParameter const>& port : ports) names.push_back(toUtf8(port->getName()));
+    const std::string hint = didYouMean(nearestName(wanted, names));
+    std::string text = hint.empty() ? "; " + intro : hint + " " + upperFirst(intro);
+    if (names.empty()) return text + " none";
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      text.append(i == 0 ? " `" : ", `").append(names[i]).append("`");
+    }
+    return text;
+  }
+
+  static std::string upperFirst(std::string text) {
+    text[0] = static_cast<char>(text[0] - 'a' + 'A');
     return text;
   }
 
@@ -292,13 +327,17 @@ private:
       const IObjectDataNode& at = *array->elementOrNull(i);
       GraphDocument::ChainFragment link{nullptr, reader_.nameAt(*array, i), reader_.positionOf(at)};
       link.fragment = language_.findFragment(link.name);
-      if (!link.fragment) reader_.refuse(at, "unknown fragment " + inTicks(link.name));
+      if (!link.fragment) {
+        const UnknownName unknown = unknownFragment(whyUnknown_, toUtf8(link.name));
+        reader_.refuse(unknown.kind, at, unknown.text + unknown.hint);
+      }
       chain.push_back(link);
     }
   }
 
   DocumentReader reader_;
   const ILanguageTraits& language_;
+  const WhyUnknown& whyUnknown_;
   RefPtr<GraphDocument> document_ = makeRef<GraphDocument>();
   std::unordered_map<std::string_view, const GraphNode::Type*> types_;  // by fragment name
   std::unordered_map<std::string_view, GraphNode*> nodes_;
@@ -307,8 +346,9 @@ private:
   PortFinder portFinder_;
 };
 
-RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language) {
-  return GraphLoader(document, language).load();
+RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language,
+                                        const WhyUnknown& whyUnknown) {
+  return GraphLoader(document, language, whyUnknown).load();
 }
 
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language) {
@@ -336,7 +376,7 @@ RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILa
     const GraphDocument::ChainFragment& link = document.postprocess()[i];
     const RefPtr<IShaderFragment> clone = cloneWithPorts(*link.fragment, numbered(L"post", i), language);
     if (!graph->addPostprocessFragment(clone.get())) {
-      throw InputError(document.file(), link.position,
+      throw inputError(Finding::chainMismatch, document.file(), link.position,
                        "the inputs of post-process fragment " + inTicks(link.name) +
                            " do not fit the outputs of " + inTicks(document.postprocess()[i - 1].name));
     }

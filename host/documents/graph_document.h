@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "host/documents/fragment_names.h"
+#include "sfg/host/diagnostic.h"
 #include "sfg/host/document.h"
 #include "sfg/shader_fragment_graph.h"
 #include "tolmsdk/host_interfaces.h"
@@ -98,6 +100,8 @@ public:
   const INodeAccessor* getNode(std::size_t index) const override { return nodes_[index].get(); }
 
   const std::string& file() const noexcept { return file_; }
+  /// Warnings of keys that nobody reads.
+  const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
   const GraphNode& node(std::size_t index) const noexcept { return *nodes_[index]; }
   /// The node of a built graph's instance name ("n3"), or null.
   const GraphNode* findInstance(const WString& instanceName) const;
@@ -111,6 +115,7 @@ private:
   friend class GraphLoader;
 
   std::string file_;
+  std::vector<Diagnostic> problems_;
   Array<RefPtr<AParameter const>> inputs_;
   Array<RefPtr<AParameter const>> outputs_;
   Array<GraphNode::Wire> outputWires_;
@@ -125,7 +130,8 @@ private:
 /// hold exactly one source, a wire to a node, port or graph input that is not there, a value that does not
 /// fit its type, a constant of a type without values, and an unknown pre-process or post-process fragment. An
 /// unknown fragment of a node is left to the graph builder: the ports of such a node are not checked.
-RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language);
+RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language,
+                                        const WhyUnknown& whyUnknown = {});
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language);
 
 /// The fragment graph of the document: built through the graph builder (whose exceptions pass through), then

@@ -141,11 +141,11 @@ TEST_F(GraphDocumentTest, ValueIsTheDefaultOfAUniformAndConstantIsAnswered) {
 }
 
 TEST_F(GraphDocumentTest, PresentsWiresToTheBuilder) {
-  const RefPtr<GraphDocument> document = load(R"({ "inputs": [ { "name": "in", "type": "float3" } ],
+  const RefPtr<GraphDocument> document = load(R"({ "inputs": [ { "name": "seed", "type": "float3" } ],
     "outputs": [ { "name": "first", "type": "float3", "node": "a" },
       { "name": "second", "type": "float", "node": "a", "output": "weight" }, { "name": "third", "type": "float" } ],
     "nodes": [ { "name": "a", "fragment": "mix", "inputs": { "a": { "node": "b" } } },
-      { "name": "b", "fragment": "mix", "inputs": { "a": { "graphInput": "in" } } } ] })");
+      { "name": "b", "fragment": "mix", "inputs": { "a": { "graphInput": "seed" } } } ] })");
   const INodeAccessor* source = nullptr;
   std::size_t output = kNotFound;
   ASSERT_TRUE(document->getOutputConnection(0, source, output));
@@ -161,10 +161,10 @@ TEST_F(GraphDocumentTest, PresentsWiresToTheBuilder) {
 }
 
 TEST_F(GraphDocumentTest, BuildsMembersInFileOrderThenPreprocess) {
-  const RefPtr<GraphDocument> document = load(R"({ "inputs": [ { "name": "in", "type": "float3" } ],
+  const RefPtr<GraphDocument> document = load(R"({ "inputs": [ { "name": "seed", "type": "float3" } ],
     "outputs": [ { "name": "x", "type": "float3", "node": "a" } ], "uniforms": [ { "name": "u", "type": "float" } ],
     "nodes": [ { "name": "b", "fragment": "mix" },
-      { "name": "a", "fragment": "mix", "inputs": { "a": { "graphInput": "in" } } } ],
+      { "name": "a", "fragment": "mix", "inputs": { "a": { "graphInput": "seed" } } } ],
     "preprocess": [ "clock", "clock" ], "postprocess": [ "post", "post" ] })");
   const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document, language_);
   ASSERT_EQ(graph->getNumFragments(), 4u);

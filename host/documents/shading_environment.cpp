@@ -4,6 +4,7 @@
 #include "sfg/shader_fragment_profile_function.h"
 #include "sfg/size_limit.h"
 #include "tolmsdk/exception.h"
+#include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -13,20 +14,26 @@ namespace {
 constexpr std::size_t kMaximumLights = kMaximumTextLength / 128;
 
 const IShaderFragment& requireFragment(const DocumentReader& reader, const IObjectDataNode& at,
-                                       const WString& name, const ILanguageTraits& language) {
+                                       const WString& name, const ILanguageTraits& language,
+                                       const WhyUnknown& whyUnknown) {
   const IShaderFragment* const fragment = language.findFragment(name);
-  if (fragment == nullptr) reader.refuse(at, "unknown fragment " + inTicks(name));
+  if (fragment == nullptr) {
+    const UnknownName unknown = unknownFragment(whyUnknown, toUtf8(name));
+    reader.refuse(unknown.kind, at, unknown.text + unknown.hint);
+  }
   return *fragment;
 }
 
 ShadingEnvironment::Light readLight(const DocumentReader& reader, const IObjectDataNode& object,
-                                    std::size_t index, const ILanguageTraits& language) {
+                                    std::size_t index, const ILanguageTraits& language,
+                                    const WhyUnknown& whyUnknown) {
   ShadingEnvironment::Light light;
   light.position = reader.positionOf(object);
   light.name = reader.optionalName(object, L"name").value_or(L"light" + itos(static_cast<long long>(index)));
   const WString fragment = reader.requiredName(object, L"fragment");
-  light.fragment = cloneWithPorts(requireFragment(reader, *object.member(L"fragment"), fragment, language),
-                                  light.name, language);
+  light.fragment =
+      cloneWithPorts(requireFragment(reader, *object.member(L"fragment"), fragment, language, whyUnknown),
+                     light.name, language);
   light.profile = makeRef<AShaderFragmentProfileFunction>();
   light.profile->setProfilename(reader.optionalName(object, L"profile").value_or(L"default"));
   return light;
@@ -46,28 +53,33 @@ RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILangu
   return loadEnvironment(Document::fromFile(file), language);
 }
 
-RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language) {
-  const DocumentReader reader(document);
+RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language,
+                                           const WhyUnknown& whyUnknown) {
+  DocumentReader reader(document);
+  reader.checkKeys(environmentKeys());
   RefPtr<ShadingEnvironment> environment = makeRef<ShadingEnvironment>();
   environment->file_ = document.name();
+  environment->problems_ = reader.problems();
   Set<WString> names;
   if (const IObjectDataNode* lights = reader.optionalArray(reader.root(), L"lights")) {
     if (lights->size() > kMaximumLights) {
-      reader.refuse(*lights, std::to_string(lights->size()) + " lights are too many; at most " +
-                                 std::to_string(kMaximumLights) + " can be written");
+      reader.refuse(Finding::tooManyLights, *lights,
+                    std::to_string(lights->size()) + " lights are too many; at most " +
+                        std::to_string(kMaximumLights) + " can be written");
     }
     for (std::size_t i = 0; i < lights->size(); ++i) {
       const IObjectDataNode& object = reader.objectAt(*lights, i);
-      environment->lights_.push_back(readLight(reader, object, i, language));
+      environment->lights_.push_back(readLight(reader, object, i, language, whyUnknown));
       const WString& name = environment->lights_.back().name;
       environment->lightIndex_.emplace(environment->lights_.back().fragment.get(), i);
       if (!names.insert(name).second)
-        reader.refuse(object, "the light name " + inTicks(name) + " is used twice");
+        reader.refuse(Finding::repeatedName, object, "the light name " + inTicks(name) + " is used twice");
     }
   }
   if (const std::optional<WString> name = reader.optionalName(reader.root(), L"output")) {
     const IObjectDataNode& at = *reader.root().member(L"output");
-    environment->output_ = cloneWithPorts(requireFragment(reader, at, *name, language), L"output", language);
+    environment->output_ =
+        cloneWithPorts(requireFragment(reader, at, *name, language, whyUnknown), L"output", language);
   }
   return environment;
 }

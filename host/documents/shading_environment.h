@@ -4,7 +4,10 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
+#include "host/documents/fragment_names.h"
+#include "sfg/host/diagnostic.h"
 #include "sfg/host/document.h"
 #include "sfg/shader_fragment.h"
 #include "tolmsdk/host_interfaces.h"
@@ -35,11 +38,15 @@ public:
   const Light* findLight(const IShaderFragment* fragment) const;
   /// The document it was loaded from; empty for a default-made one.
   const std::string& file() const noexcept { return file_; }
+  /// Warnings of keys that nobody reads.
+  const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
 
 private:
-  friend RefPtr<ShadingEnvironment> loadEnvironment(const Document&, const ILanguageTraits&);
+  friend RefPtr<ShadingEnvironment> loadEnvironment(const Document&, const ILanguageTraits&,
+                                                    const WhyUnknown&);
 
   std::string file_;
+  std::vector<Diagnostic> problems_;
   Array<Light> lights_;
   std::unordered_map<const IShaderFragment*, std::size_t> lightIndex_;
   RefPtr<IShaderFragment> output_;
@@ -47,7 +54,8 @@ private:
 
 /// Reads an environment document. Throws InputError for a malformed one, more lights than code can be written
 /// for, a light name used twice and a fragment that the language does not know.
-RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language);
+RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language,
+                                           const WhyUnknown& whyUnknown = {});
 RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILanguageTraits& language);
 
 /// A clone under an instance name, with the ports of its first profile's function.

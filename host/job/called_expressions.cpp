@@ -134,7 +134,7 @@ Diagnostic describe(const GraphDocument& document, const Input& input) {
                            inTicks(wire.source->name()) + " (fragment " +
                            inTicks(wire.source->fragmentName()) +
                            ") is an inline expression, which cannot be called; wire a function fragment";
-  return diagnose(Severity::error, document.file(), wire.position, text);
+  return diagnose(Finding::calledExpression, Severity::error, document.file(), wire.position, text);
 }
 
 std::string listed(const std::vector<Diagnostic>& wires) {

@@ -39,8 +39,10 @@ CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const
                          const std::optional<Document>& environment, const CollapseOptions& settings)
     : settings_(settings), libraries_(std::move(libraries)) {
   const LanguageDx11& language = libraries_->language();
-  document_ = loadGraphDocument(graph, language);
-  environment_ = environment ? loadEnvironment(*environment, language) : makeRef<ShadingEnvironment>();
+  const WhyUnknown whyUnknown = [this](std::string_view name) { return libraries_->whyUnknown(name); };
+  document_ = loadGraphDocument(graph, language, whyUnknown);
+  environment_ =
+      environment ? loadEnvironment(*environment, language, whyUnknown) : makeRef<ShadingEnvironment>();
   options_ = makeRef<ShaderOptions>(language.getLanguageString(), settings.surfaceLod, settings.lightLod,
                                     environment_.get());
   if (graph.isFile()) documentFiles_.push_back(graph.name());

@@ -16,7 +16,7 @@ std::vector<std::string> textsOf(const std::vector<std::filesystem::path>& paths
 }  // namespace
 
 std::string FragmentInfo::place() const {
-  return Diagnostic{Severity::note, file, line, column, std::string()}.place();
+  return Diagnostic{Severity::note, file, line, column, {}, {}}.place();
 }
 
 LibrarySet::LibrarySet(LibraryFolders folders, std::string language)

@@ -1,7 +1,11 @@
 #include "host/library/loaded_libraries.h"
 
+#include <algorithm>
 #include <filesystem>
 
+#include "host/documents/diagnose.h"
+#include "host/documents/document_reader.h"
+#include "host/documents/near_name.h"
 #include "sfg/host/errors.h"
 #include "tolmsdk/unicode.h"
 
@@ -9,16 +13,65 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
+namespace fs = std::filesystem;
+
+/// A folder beside the one that is missing, with a name that is near.
+std::string nearFolder(const std::string& folder) {
+  const fs::path path = fs::path(folder).lexically_normal();
+  const fs::path wanted = path.has_filename() ? path : path.parent_path();
+  const std::string name = wanted.filename().string();
+  std::vector<std::string> names;
+  std::error_code error;
+  const fs::path parent = wanted.has_parent_path() ? wanted.parent_path() : fs::path(".");
+  for (fs::directory_iterator entry(parent, error), end; !error && entry != end; entry.increment(error)) {
+    std::error_code ignored;
+    if (entry->is_directory(ignored)) names.push_back(entry->path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  const std::string_view near = nearestName(name, names);
+  return near.empty() ? std::string() : (wanted.parent_path() / near).string();
+}
+
 void requireFolder(const std::string& folder) {
   std::error_code error;
-  if (std::filesystem::is_directory(folder, error)) return;
-  throw InputError(std::filesystem::exists(folder, error) ? "`" + folder + "` is not a folder"
-                                                          : "the folder `" + folder + "` does not exist");
+  if (!fs::is_directory(folder, error)) {
+    throw inputError(Finding::unknownFolder, std::string(), {},
+                     fs::exists(folder, error) ? inTicks(folder) + " is not a folder"
+                                               : "the folder " + inTicks(folder) + " does not exist" +
+                                                     didYouMean(nearFolder(folder)));
+  }
+  const fs::directory_iterator entries(folder, error);
+  if (error) {
+    throw inputError(Finding::unreadableFolder, std::string(), {},
+                     "the folder " + inTicks(folder) + " cannot be read: " + error.message());
+  }
 }
 
 void requireLanguage(const std::string& language) {
-  const std::string known = toUtf8(LanguageDx11::kName);
-  if (language != known) throw InputError("unknown language `" + language + "`; known is `" + known + "`");
+  const std::vector<std::string> known = {toUtf8(LanguageDx11::kName)};
+  if (language == known.front()) return;
+  throw inputError(Finding::unknownLanguage, std::string(), {},
+                   "unknown language " + inTicks(language) + "; known is " + inTicks(known.front()));
+}
+
+bool isLibraryName(const fs::path& file) {
+  std::string extension = file.extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return extension == ".fraglib";
+}
+
+/// Paths of what is named as a library in the folder and is no file.
+std::vector<std::string> noLibraries(const std::string& folder) {
+  std::vector<std::string> paths;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    std::error_code ignored;
+    if (isLibraryName(entry->path()) && !entry->is_regular_file(ignored))
+      paths.push_back(entry->path().string());
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
 }
 
 }  // namespace
@@ -32,7 +85,11 @@ LoadedLibraries::LoadedLibraries(const std::vector<std::string>& libraryFolders,
 
   // Includes first: a fragment's hash string holds those of its include files.
   loadIncludes();
-  for (const std::string& folder : libraryFolders) loadFragments(folder);
+  LibraryReport report(files_);
+  for (const std::string& folder : libraryFolders) loadFragments(folder, report);
+  problems_ = report.take();
+  failures_ = report.failures();
+  lacksFile_ = report.lacksFile();
   language_ = makeRef<LanguageDx11>(&library_);
 }
 
@@ -44,24 +101,48 @@ void LoadedLibraries::loadIncludes() {
     const std::filesystem::path canonical = std::filesystem::canonical(folder, error);
     if (!known.insert(error ? folder : canonical.string()).second) continue;
     includes_.addIncludePath(fromUtf8(folder).c_str());
+    includeFiles_.addFolder(folder);
   }
 }
 
-void LoadedLibraries::loadFragments(const std::string& folder) {
-  std::string current;
+void LoadedLibraries::loadFragments(const std::string& folder, LibraryReport& report) {
+  report.startFolder();
+  for (const std::string& path : noLibraries(folder)) report.addNoFile(path, whyNoFile(path));
+
   FragmentLoading loading;
   loading.includes = &includes_;
   loading.onFile = [&](const WString& file) {
+    report.startFile(file);
     files_.addFile(file);
-    current = toUtf8(file);
+  };
+  loading.isFragment = [](const WString& name) {
+    return !isCommentKey(name) && name != fromUtf8(kSchemaKey);
   };
   loading.onFragment = [&](const WString& file, const WString& name, const IObjectDataNode& object) {
+    report.addFragment(name, object);
     files_.addFragment(file, name, object);
   };
-  loading.onProblem = [&](std::wstring_view line) {
-    problems_.push_back({Severity::message, current, 0, 0, toUtf8(line)});
+  loading.onLoaded = [&](const WString&, const IObjectDataNode& object, const IShaderFragment& fragment) {
+    files_.addCode(object, fragment);
   };
+  loading.onFailure = [&](const FragmentLoadFailure& failure) { report.addFailure(failure); };
   library_.loadFragments(fromUtf8(folder).c_str(), loading);
+}
+
+UnknownName LoadedLibraries::whyUnknown(std::string_view name) const {
+  const auto failure = failures_.find(fromUtf8(name));
+  if (failure != failures_.end()) {
+    return {Finding::notLoaded,
+            "the fragment " + inTicks(name) + " cannot be loaded: see " + failure->second.place(),
+            {}};
+  }
+  NearName search(name);
+  std::vector<std::string> names;
+  names.reserve(files_.entries().size());
+  for (const auto& [known, entry] : files_.entries()) search.offer(names.emplace_back(toUtf8(known)));
+  std::string hint = didYouMean(search.nearest());
+  if (hint.empty() && lacksFile_) hint = "; not all libraries could be read";
+  return {Finding::unknownFragment, "unknown fragment " + inTicks(name), hint};
 }
 
 std::string LoadedLibraries::includeFile(const WString& name) const {

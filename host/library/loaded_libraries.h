@@ -5,8 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "host/documents/fragment_names.h"
 #include "host/library/fragment_files.h"
+#include "host/library/include_files.h"
 #include "host/library/language_dx11.h"
+#include "host/library/library_report.h"
 #include "sfg/fragment_library.h"
 #include "sfg/host/diagnostic.h"
 #include "sfg/shader_includes.h"
@@ -28,7 +31,12 @@ public:
   const ShaderIncludes& includes() const noexcept { return includes_; }
   const LanguageDx11& language() const noexcept { return *language_; }
   const FragmentFiles& files() const noexcept { return files_; }
+  /// What is wrong or odd in the files, in their order.
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
+  /// Of a name that is no fragment of these: its failure, or which was meant.
+  UnknownName whyUnknown(std::string_view name) const;
+  /// What the registry of include files does not tell.
+  const IncludeFiles& includeFiles() const noexcept { return includeFiles_; }
   /// The include file of that name: in the first of the folders that has it, or empty.
   std::string includeFile(const WString& name) const;
   /// As they were given.
@@ -36,13 +44,16 @@ public:
 
 private:
   void loadIncludes();
-  void loadFragments(const std::string& folder);
+  void loadFragments(const std::string& folder, LibraryReport& report);
 
   ShaderIncludes includes_;
   FragmentLibrary library_;
   RefPtr<LanguageDx11> language_;
   FragmentFiles files_;
+  IncludeFiles includeFiles_;
   std::vector<Diagnostic> problems_;
+  Map<WString, Diagnostic> failures_;
+  bool lacksFile_ = false;
   std::vector<std::string> includeFolders_;
 };
 

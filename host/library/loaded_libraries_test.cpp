@@ -99,10 +99,18 @@ TEST_F(LoadedLibrariesTest, TellsProblemsAndWritesNoLog) {
   const TolmSDK::test::LogCapture log;
   const LoadedLibraries loaded({folder}, {}, "dx11");
   EXPECT_TRUE(log.lines.empty());
-  ASSERT_EQ(loaded.problems().size(), 2u);
   const std::string file = path("lib/a.fraglib");
-  EXPECT_EQ(loaded.problems()[0], (Diagnostic{Severity::message, file, 0, 0,
-                                              "sfgError : Failed to load json file: " + file + "!"}));
+  EXPECT_EQ(loaded.problems(), (std::vector<Diagnostic>{{Severity::error, file, 1, 2,
+                                                         "expected a value or `]`, found the end of the text",
+                                                         "malformed-json"}}));
+}
+
+TEST_F(LoadedLibrariesTest, NamesAFolderThatIsNear) {
+  write("library/a.fraglib", "{}");
+  EXPECT_EQ(refusal({path("libary")}, {}, "dx11"),
+            "the folder `" + path("libary") + "` does not exist; did you mean `" + path("library") + "`?");
+  EXPECT_EQ(refusal({path("libary/")}, {}, "dx11"),
+            "the folder `" + path("libary/") + "` does not exist; did you mean `" + path("library") + "`?");
 }
 
 TEST_F(LoadedLibrariesTest, FindsAnIncludeFileInTheFirstFolderThatHasIt) {

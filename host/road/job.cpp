@@ -3,6 +3,7 @@
 #include "host/diagnostics/code_origin.h"
 #include "host/diagnostics/refusal_place.h"
 #include "host/diagnostics/warnings.h"
+#include "host/diagnostics/wire_types.h"
 #include "host/documents/diagnose.h"
 #include "host/job/called_expressions.h"
 #include "host/job/collapse_job.h"
@@ -18,16 +19,21 @@ namespace {
 
 [[noreturn]] void throwRefused(const CollapseJob& job, const Exception& refusal) {
   const std::string message = toUtf8(refusal.getMessage());
+  Diagnostic place = findRefusalPlace(job, refusal.getMessage());
+  // What is wrong with the library is told among its problems; this follows from it.
+  if (place.identifier == identifierOf(Finding::notLoaded)) {
+    throw CollapseError(CollapseError::Reason::refused, message, {std::move(place)});
+  }
   throw CollapseError(
       CollapseError::Reason::refused, message,
-      {diagnose(Severity::message, std::string(), {}, message), findRefusalPlace(job, refusal.getMessage())});
+      {diagnose(Finding::generator, Severity::message, std::string(), {}, message), std::move(place)});
 }
 
 [[noreturn]] void throwNoResult(const CollapseJob& job) {
   const std::string reason = "the graph cannot be collapsed: an output cannot be evaluated";
-  throw CollapseError(
-      CollapseError::Reason::noResult, reason,
-      {diagnose(Severity::error, std::string(), {}, reason), findRefusalPlace(job, std::wstring_view())});
+  throw CollapseError(CollapseError::Reason::noResult, reason,
+                      {diagnose(Finding::noResult, Severity::error, std::string(), {}, reason),
+                       findRefusalPlace(job, std::wstring_view())});
 }
 
 Shader shaderOf(const AssembledShader& assembled, ShaderStage stage, NameStyle names) {
@@ -80,6 +86,15 @@ const Job::State& Job::collapsed() const {
   return *state_;
 }
 
+std::vector<Diagnostic> Job::problems() const {
+  std::vector<Diagnostic> problems = state_->job.document().problems();
+  const std::vector<Diagnostic>& scene = state_->job.environment().problems();
+  problems.insert(problems.end(), scene.begin(), scene.end());
+  return problems;
+}
+
+std::vector<Diagnostic> Job::errors() const { return findTypeErrors(state_->job, Severity::error); }
+
 std::vector<Diagnostic> Job::warnings(bool completeShader) const {
   return findWarnings(collapsed().job, completeShader);
 }
@@ -100,11 +115,13 @@ std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& e
   const AssembledShader assembled = assembleShader(job, shader.stage, shader.names);
   const bool isOurs = toUtf8(assembled.shader.getCompleteShader()) == shader.text;
   const std::vector<CompilerMessage>& messages = error.messages();
-  std::vector<Diagnostic> diagnostics{diagnose(Severity::error, job.document().file(), {}, error.what())};
+  std::vector<Diagnostic> diagnostics{
+      diagnose(Finding::compileError, Severity::error, job.document().file(), {}, error.what())};
   std::optional<OriginFinder> origins;
   for (std::size_t i = 0; i < messages.size(); ++i) {
     const std::size_t line = error.inAssembledText() ? messages[i].line : 0;
-    diagnostics.push_back({Severity::error, "generated", line, 0, messages[i].text});
+    diagnostics.push_back(diagnose(Finding::compileError, Severity::error, "generated", TextPosition{line, 0},
+                                   messages[i].text));
     // Where the line comes from is said once, behind all that is said about it.
     const bool moreOfTheLine = i + 1 < messages.size() && messages[i + 1].line == messages[i].line;
     if (!isOurs || line == 0 || moreOfTheLine) continue;

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "host/shader/known_names.h"
+#include "host/documents/near_name.h"
 #include "host/shader/number_shape.h"
 #include "sfg/host/reflect.h"
 

@@ -14,6 +14,15 @@ namespace TolmSDK::Graphics::sfg {
 
 class ShaderIncludes;
 
+/// Something that cannot be loaded. Refers to what is there during the call only.
+struct FragmentLoadFailure {
+  const WString& file;
+  const WString* fragment = nullptr;        ///< null for a file that is no library
+  const IObjectDataNode* object = nullptr;  ///< the fragment's
+  std::wstring_view part;                   ///< "profile 1 (line 3, column 7)", or empty
+  std::wstring_view reason;
+};
+
 /// What loading a folder uses, and whom it tells what it meets.
 struct FragmentLoading {
   /// Include files for the fragments' hashes; null for the process's registry.
@@ -22,8 +31,15 @@ struct FragmentLoading {
   std::function<void(const WString& file)> onFile;
   /// Each fragment object of a file, before it is loaded, whether it loads or not.
   std::function<void(const WString& file, const WString& name, const IObjectDataNode& object)> onFragment;
+  /// Whether the object of that name is a fragment; without it each is.
+  std::function<bool(const WString& name)> isFragment;
+  /// Each fragment that was loaded, with its object.
+  std::function<void(const WString& file, const IObjectDataNode& object, const IShaderFragment& fragment)>
+      onLoaded;
   /// Each line about what is passed over; without it the lines go to the debug log.
   std::function<void(std::wstring_view line)> onProblem;
+  /// In place of those lines: what is passed over, as data.
+  std::function<void(const FragmentLoadFailure& failure)> onFailure;
 };
 
 /// Fragments by name. Filled by one thread; then read by any number. Graphs hold clones, never these.

@@ -3,7 +3,9 @@
 // What a person is told, as data.
 
 #include <cstddef>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "sfg/host/export.h"
 
@@ -21,10 +23,20 @@ struct Diagnostic {
   std::size_t line = 0;
   std::size_t column = 0;
   std::string text;
+  /// What kind of thing is told, "unknown-key": one of diagnosticKinds(), the same in every version.
+  std::string identifier;
 
   /// "graph.json:3:14", "generated:3", "graph.json", or empty.
   SFG_HOST_API std::string place() const;
   bool operator==(const Diagnostic&) const = default;
 };
+
+/// A kind of diagnostic. Texts last as long as the program.
+struct DiagnosticKind {
+  std::string_view identifier;  ///< letters and dashes
+  std::string_view meaning;
+};
+/// All kinds that this library and its command tell.
+SFG_HOST_API std::span<const DiagnosticKind> diagnosticKinds() noexcept;
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -10,6 +10,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "sfg/host/diagnostic.h"
@@ -22,8 +23,9 @@ namespace TolmSDK::Graphics::sfg::host {
 /// Texts are UTF-8.
 class SFG_HOST_API InputError : public std::runtime_error {
 public:
-  InputError(std::string file, TextPosition position, const std::string& reason);
-  /// A wrong argument: no file.
+  InputError(std::string file, TextPosition position, const std::string& reason,
+             std::string identifier = "failure");
+  /// A wrong argument ("wrong-usage"): no file.
   explicit InputError(const std::string& reason);
   ~InputError() override;
 
@@ -32,10 +34,19 @@ public:
   TextPosition position() const noexcept { return position_; }
   /// "graph.json:3:14", "graph.json", or empty: how a diagnostic starts.
   std::string place() const;
+  /// One of diagnosticKinds().
+  const std::string& identifier() const noexcept { return identifier_; }
+  /// The same as data.
+  Diagnostic diagnostic() const;
+  /// What was found in the same document before, and may be why. Lives as long as the error.
+  std::span<const Diagnostic> related() const noexcept { return related_; }
+  void setRelated(std::vector<Diagnostic> related) { related_ = std::move(related); }
 
 private:
   std::string file_;
   TextPosition position_;
+  std::string identifier_;
+  std::vector<Diagnostic> related_;
 };
 
 /// A graph that cannot be collapsed. what() is the generator's message; the diagnostics begin with it and

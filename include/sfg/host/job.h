@@ -44,6 +44,12 @@ public:
   Job& operator=(Job&& other) noexcept;
   ~Job();
 
+  /// What is odd in the documents: keys that nobody reads, and keys that stand twice. Collapsed or not.
+  std::vector<Diagnostic> problems() const;
+  /// What keeps any result from becoming a right shader, at its place: wires between types of which one does
+  /// not become the other, and types that nothing declares. Collapsed or not; collapse() does not mind.
+  std::vector<Diagnostic> errors() const;
+
   /// Builds the graph and collapses it; a job that is collapsed stays as it is. Throws InputError (a
   /// post-process fragment that does not fit) and CollapseError; then it may be tried again.
   void collapse();
@@ -53,7 +59,7 @@ public:
 
   /// What is valid, but cannot become right code: each cause once, in the order of nodes, lights and
   /// fragments. `completeShader`: the result is assembled, so that graph inputs of a light loop are declared
-  /// around it.
+  /// around it and include files are needed; else the errors() are among the warnings.
   std::vector<Diagnostic> warnings(bool completeShader = true) const;
   /// Everything the function needs put around it. The same text for the same result. Throws AssemblyError.
   ///

@@ -17,6 +17,14 @@ struct TextPosition {
   std::size_t column = 0;
 };
 
+/// A member name that stands more than once in one object.
+struct RepeatedMember {
+  WString name;
+  TextPosition before;    ///< where the name stood last
+  TextPosition again;     ///< where it stands once more
+  std::size_t depth = 0;  ///< of the object: 1 for the document's root
+};
+
 enum class NodeKind { null, boolean, number, string, array, object };
 
 /// One value of a JSON document. Members of objects keep file order; of members with equal names the last one
@@ -66,6 +74,12 @@ public:
   /// The UTF-8 of a string's text, valid as long as the document; empty for anything else. For who looks the
   /// text up and need not keep it: asString() makes a wide text that stays with the document.
   virtual std::string_view asUtf8() const = 0;
+
+  /// Where the name of the member at `index` stands: that of the value that counts. Nowhere beyond size() and
+  /// for arrays.
+  virtual TextPosition memberPosition(std::size_t index) const = 0;
+  /// The repeated member names of the whole document that this value belongs to, in the order of the text.
+  virtual Array<RepeatedMember> repeatedMembers() const = 0;
 };
 
 /// An empty root (a null node) with a reference count of zero.

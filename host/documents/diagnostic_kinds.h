@@ -1,0 +1,86 @@
+#pragma once
+
+// The kinds of what a person is told, each with its identifier.
+
+#include <string_view>
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// In the order of diagnosticKinds().
+enum class Finding {
+  // Documents
+  unreadableFile,
+  malformedJson,
+  wrongKind,
+  missingKey,
+  unknownKey,
+  repeatedKey,
+  ignoredKey,
+  unknownWord,
+  unknownType,
+  badName,
+  repeatedName,
+  wrongValue,
+  oneSource,
+  unknownNode,
+  unknownPort,
+  unknownGraphInput,
+  unknownFragment,
+  outputWithoutNode,
+  tooManyLights,
+  // Libraries and include files
+  unknownFolder,
+  unreadableFolder,
+  unknownLanguage,
+  notLoaded,
+  repeatedFragment,
+  hiddenFragment,
+  unknownPortType,
+  missingInclude,
+  emptyInclude,
+  unreadableInclude,
+  // Wires
+  wireType,
+  droppedComponents,
+  calledExpression,
+  // Refusals of the generator
+  generator,
+  noResult,
+  loop,
+  unwiredOutput,
+  noOutput,
+  preprocessInput,
+  chainMismatch,
+  severalSources,
+  portCount,
+  noProfile,
+  lightProfile,
+  collapsePlace,
+  // Warnings
+  unlitBetweenLit,
+  litFeedsLit,
+  structureSummed,
+  litWithoutLight,
+  undeclaredLightUniform,
+  unofferedProfile,
+  undeclaredGraphInput,
+  inoutWithoutVariable,
+  nameInsideName,
+  repeatedStatement,
+  // Complete shaders and compilers
+  incompleteShader,
+  compileError,
+  codeOrigin,
+  badSetting,
+  // Commands
+  wrongUsage,
+  cannotWrite,
+  outOfMemory,
+  failure,
+  count
+};
+
+/// "unknown-key"
+std::string_view identifierOf(Finding kind) noexcept;
+
+}  // namespace TolmSDK::Graphics::sfg::host

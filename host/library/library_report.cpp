@@ -1,0 +1,258 @@
+#include "host/library/library_report.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <utility>
+
+#include "host/documents/diagnose.h"
+#include "host/documents/document_reader.h"
+#include "host/documents/load_error.h"
+#include "host/documents/near_name.h"
+#include "host/library/language_dx11.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+/// The elements of "profiles" that count, or the fragment itself.
+std::vector<const IObjectDataNode*> profilesOf(const IObjectDataNode& fragment) {
+  std::vector<const IObjectDataNode*> profiles;
+  const IObjectDataNode* const list = fragment.member(L"profiles");
+  for (std::size_t i = 0; list != nullptr && i < list->size(); ++i) {
+    if (const IObjectDataNode* const profile = list->element(i)) profiles.push_back(profile);
+  }
+  if (profiles.empty()) profiles.push_back(&fragment);
+  return profiles;
+}
+
+/// Takes " (line 3, column 4)" from the text.
+TextPosition takePlace(std::string& text) {
+  constexpr std::string_view kLine = " (line ";
+  constexpr std::string_view kColumn = ", column ";
+  const std::size_t start = text.rfind(kLine);
+  if (start == text.npos) return {};
+  TextPosition position;
+  const char* const end = text.data() + text.size();
+  const auto line = std::from_chars(text.data() + start + kLine.size(), end, position.line);
+  const std::string_view rest(line.ptr, static_cast<std::size_t>(end - line.ptr));
+  if (!rest.starts_with(kColumn)) return {};
+  const auto column = std::from_chars(line.ptr + kColumn.size(), end, position.column);
+  if (column.ptr == end || *column.ptr != ')') return {};
+  text.erase(start, static_cast<std::size_t>(column.ptr - text.data()) + 1 - start);
+  return position;
+}
+
+/// A message of the generator in the form of all diagnostics: `sfgError : "lod" must be ..!`
+std::string asDiagnostic(std::string text) {
+  constexpr std::string_view kPrefix = "sfgError : ";
+  if (text.starts_with(kPrefix)) text.erase(0, kPrefix.size());
+  const std::size_t last = text.find_last_not_of(" .!");
+  text.resize(last == text.npos ? 0 : last + 1);
+  std::replace(text.begin(), text.end(), '"', '`');
+  const auto isUpper = [&](std::size_t i) { return i < text.size() && text[i] >= 'A' && text[i] <= 'Z'; };
+  if (isUpper(0) && !isUpper(1)) text[0] = static_cast<char>(text[0] - 'A' + 'a');
+  return text;
+}
+
+/// The number behind `prefix` in "profile 1 (line 3, column 7)".
+std::optional<std::size_t> numberBehind(std::wstring_view text, std::string_view prefix) {
+  const std::string narrow = toUtf8(text);
+  if (!narrow.starts_with(prefix)) return std::nullopt;
+  std::size_t number = 0;
+  const auto [end, error] =
+      std::from_chars(narrow.data() + prefix.size(), narrow.data() + narrow.size(), number);
+  if (error != std::errc()) return std::nullopt;
+  return number;
+}
+
+constexpr std::string_view kModes[] = {"function", "inline", "metaSL"};
+
+bool isMode(std::string_view mode) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::any_of(std::begin(kModes), std::end(kModes), [&](std::string_view known) {
+    return std::equal(mode.begin(), mode.end(), known.begin(), known.end(),
+                      [&](char a, char b) { return lower(a) == lower(b); });
+  });
+}
+
+}  // namespace
+
+void LibraryReport::startFile(const WString& file) {
+  finishFile();
+  file_ = toUtf8(file);
+  folderFiles_.insert(file_);
+  isFirst_ = true;
+}
+
+/// Its problems were found fragment by fragment.
+void LibraryReport::finishFile() {
+  std::stable_sort(problems_.begin() + static_cast<std::ptrdiff_t>(fileStart_), problems_.end(),
+                   [](const Diagnostic& a, const Diagnostic& b) {
+                     return std::pair(a.line, a.column) < std::pair(b.line, b.column);
+                   });
+  fileStart_ = fragmentStart_ = problems_.size();
+}
+
+void LibraryReport::tell(Finding kind, Severity severity, TextPosition position, std::string text) {
+  problems_.push_back(diagnose(kind, severity, file_, position, std::move(text)));
+}
+
+void LibraryReport::addNoFile(const std::string& path, const std::string& fault) {
+  problems_.push_back(
+      diagnose(Finding::unreadableFile, Severity::error, path, {}, "the library cannot be read: " + fault));
+  lacksFile_ = true;
+}
+
+void LibraryReport::addFragment(const WString& name, const IObjectDataNode& object) {
+  if (std::exchange(isFirst_, false)) tellRepeatedMembers(object);
+  fragmentStart_ = problems_.size();
+  tellEarlierDefinition(name, object);
+  failures_.erase(name);
+  unknownKeys_ = findUnknownKeys(object, fragmentKeys());
+  for (const UnknownKey& found : unknownKeys_) {
+    problems_.push_back(host::describe(found, Severity::warning, file_));
+  }
+  if (object.kind() != NodeKind::object) return;
+  const std::vector<const IObjectDataNode*> profiles = profilesOf(object);
+  if (profiles.front() != &object) tellIgnoredKeys(object);
+  for (const IObjectDataNode* const profile : profiles) tellProfile(*profile);
+}
+
+/// Of the whole file, whose fragments are seen once each.
+void LibraryReport::tellRepeatedMembers(const IObjectDataNode& object) {
+  for (const RepeatedMember& repeated : object.repeatedMembers()) {
+    if (isCommentKey(repeated.name)) continue;
+    if (repeated.depth != 1) {
+      problems_.push_back(host::describe(repeated, file_));
+      continue;
+    }
+    tell(Finding::repeatedFragment, Severity::warning, repeated.again,
+         "fragment " + inTicks(repeated.name) + " is defined at " +
+             InputError(file_, repeated.before, std::string()).place() +
+             ", too; only the last definition counts");
+  }
+}
+
+void LibraryReport::tellEarlierDefinition(const WString& name, const IObjectDataNode& object) {
+  const FragmentFiles::Entry* const earlier = files_.find(name);
+  if (earlier == nullptr) return;
+  if (folderFiles_.contains(earlier->file)) {
+    tell(Finding::repeatedFragment, Severity::warning, object.position(),
+         "fragment " + inTicks(name) + " is defined at " + earlier->place() +
+             ", too; only the last definition counts");
+  } else {
+    tell(Finding::hiddenFragment, Severity::note, object.position(),
+         "fragment " + inTicks(name) + " replaces the one of an earlier folder, at " + earlier->place());
+  }
+}
+
+void LibraryReport::tellProfile(const IObjectDataNode& profile) {
+  const IObjectDataNode* const mode = profile.member(L"mode");
+  if (mode != nullptr && mode->kind() == NodeKind::string && !isMode(mode->asUtf8())) {
+    const std::string name(mode->asUtf8());
+    const std::string_view meant = nearestName(name, kModes);
+    tell(Finding::unknownWord, Severity::warning, mode->position(),
+         "`mode` is none of `function`, `inline`, `metaSL`: " + inTicks(name) + didYouMean(meant) +
+             (meant.empty() ? "; it is taken" : " It is taken") + " for `function`");
+  }
+  const IObjectDataNode* const languages = profile.member(L"language");
+  if (languages == nullptr || languages->kind() != NodeKind::array || languages->size() == 0) return;
+  const std::string known = toUtf8(LanguageDx11::kName);
+  for (std::size_t i = 0; i < languages->size(); ++i) {
+    if (languages->elementOrNull(i)->asUtf8() == known) return;
+  }
+  const IObjectDataNode& first = *languages->elementOrNull(0);
+  if (first.kind() != NodeKind::string) return;
+  tell(Finding::unknownLanguage, Severity::warning, first.position(),
+       "the profile is for no language that is known: " + inTicks(first.asUtf8()) + "; known is " +
+           inTicks(known));
+}
+
+void LibraryReport::tellIgnoredKeys(const IObjectDataNode& object) {
+  for (std::size_t i = 0; i < object.size(); ++i) {
+    const std::string key = toUtf8(object.memberName(i));
+    if (profileKeys().find(key) == nullptr) continue;
+    tell(Finding::ignoredKey, Severity::warning, object.memberPosition(i),
+         inTicks(key) + " has no effect beside `profiles`; it belongs into each of them");
+  }
+}
+
+void LibraryReport::addFailure(const FragmentLoadFailure& failure) {
+  if (failure.fragment == nullptr) {
+    const LoadError error = documentError(toUtf8(failure.reason));
+    const bool isNoObject =
+        error.kind == Finding::unreadableFile && failure.reason.find(L"object") != failure.reason.npos;
+    tell(isNoObject ? Finding::wrongKind : error.kind, Severity::error,
+         isNoObject ? TextPosition{1, 1} : error.position, error.text);
+    lacksFile_ = true;
+    return;
+  }
+  const Diagnostic told = describe(failure);
+  // A warning at the same place is the same finding.
+  const auto isSame = [&](const Diagnostic& problem) {
+    return problem.line == told.line && problem.column == told.column;
+  };
+  problems_.erase(std::remove_if(problems_.begin() + static_cast<std::ptrdiff_t>(fragmentStart_),
+                                 problems_.end(), isSame),
+                  problems_.end());
+  problems_.push_back(told);
+  failures_.insert_or_assign(*failure.fragment, told);
+}
+
+Diagnostic LibraryReport::describe(const FragmentLoadFailure& failure) {
+  const std::string fragment = "fragment " + inTicks(*failure.fragment) + ": ";
+  const std::vector<const IObjectDataNode*> profiles = profilesOf(*failure.object);
+  const std::size_t index = numberBehind(failure.part, "profile ").value_or(profiles.size());
+  const IObjectDataNode* const profile = index < profiles.size() ? profiles[index] : nullptr;
+  if (profile != nullptr && profile->kind() == NodeKind::object) {
+    for (const std::wstring_view key : {L"language", L"implementation"}) {
+      if (profile->member(key) == nullptr) return describeMissing(failure, *profile, key);
+    }
+  }
+
+  if (numberBehind(failure.part, "uniform ")) {
+    const std::size_t text = failure.part.find(L"): ");
+    const LoadError error =
+        parameterError(toUtf8(text != failure.part.npos ? failure.part.substr(text + 3) : failure.reason));
+    return diagnose(error.kind, Severity::error, file_,
+                    error.position.line != 0 ? error.position : failure.object->position(),
+                    fragment + error.text);
+  }
+
+  std::string reason = toUtf8(failure.reason);
+  TextPosition position = takePlace(reason);
+  Finding kind = Finding::wrongKind;
+  if (position.line == 0) {
+    // Of the code.
+    kind = Finding::notLoaded;
+    const IObjectDataNode* const code = profile != nullptr ? profile->member(L"implementation") : nullptr;
+    const IObjectDataNode* const line = code != nullptr ? code->elementOrNull(0) : nullptr;
+    position = line != nullptr      ? line->position()
+               : code != nullptr    ? code->position()
+               : profile != nullptr ? profile->position()
+                                    : failure.object->position();
+  }
+  return diagnose(kind, Severity::error, file_, position, fragment + asDiagnostic(std::move(reason)));
+}
+
+Diagnostic LibraryReport::describeMissing(const FragmentLoadFailure& failure, const IObjectDataNode& profile,
+                                          std::wstring_view key) {
+  const std::string name = toUtf8(key);
+  for (const UnknownKey& found : unknownKeys_) {
+    if (found.object != &profile || found.meant != name) continue;
+    Diagnostic told = host::describe(found, Severity::error, file_);
+    told.text += " Without it fragment " + inTicks(*failure.fragment) + " cannot be loaded";
+    return told;
+  }
+  return diagnose(Finding::missingKey, Severity::error, file_, profile.position(),
+                  "fragment " + inTicks(*failure.fragment) + ": " + inTicks(name) + " is missing");
+}
+
+std::vector<Diagnostic> LibraryReport::take() {
+  finishFile();
+  return std::move(problems_);
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,61 @@
+#pragma once
+
+// What is wrong in library files, told once and where it was made.
+
+#include <string>
+#include <vector>
+
+#include "host/documents/diagnostic_kinds.h"
+#include "host/documents/key_check.h"
+#include "host/library/fragment_files.h"
+#include "sfg/fragment_library.h"
+#include "sfg/host/diagnostic.h"
+#include "tolmsdk/object_data_node.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// Told of what loading meets, in its order; tells what a person should know of it.
+class LibraryReport {
+public:
+  /// `files` holds the fragments of the files before.
+  explicit LibraryReport(const FragmentFiles& files) : files_(files) {}
+
+  void startFolder() { folderFiles_.clear(); }
+  void startFile(const WString& file);
+  /// In front of files_.addFragment().
+  void addFragment(const WString& name, const IObjectDataNode& object);
+  void addFailure(const FragmentLoadFailure& failure);
+  /// Something of a library's name that is no file.
+  void addNoFile(const std::string& path, const std::string& fault);
+
+  /// In the order of files, in each in the order of its text.
+  std::vector<Diagnostic> take();
+  /// The fragments that no file holds in a form that loads, with their failures.
+  const Map<WString, Diagnostic>& failures() const noexcept { return failures_; }
+  /// Whether a file could not be read at all.
+  bool lacksFile() const noexcept { return lacksFile_; }
+
+private:
+  void finishFile();
+  void tell(Finding kind, Severity severity, TextPosition position, std::string text);
+  void tellRepeatedMembers(const IObjectDataNode& object);
+  void tellEarlierDefinition(const WString& name, const IObjectDataNode& object);
+  void tellProfile(const IObjectDataNode& profile);
+  void tellIgnoredKeys(const IObjectDataNode& object);
+  Diagnostic describe(const FragmentLoadFailure& failure);
+  Diagnostic describeMissing(const FragmentLoadFailure& failure, const IObjectDataNode& profile,
+                             std::wstring_view key);
+
+  const FragmentFiles& files_;
+  Set<std::string> folderFiles_;
+  std::string file_;
+  bool isFirst_ = true;                  ///< whether the file has shown no fragment yet
+  std::vector<UnknownKey> unknownKeys_;  ///< of the last fragment
+  std::size_t fileStart_ = 0;            ///< among the problems: the first of this file
+  std::size_t fragmentStart_ = 0;        ///< and of the last fragment
+  std::vector<Diagnostic> problems_;
+  Map<WString, Diagnostic> failures_;
+  bool lacksFile_ = false;
+};
+
+}  // namespace TolmSDK::Graphics::sfg::host
