@@ -14,6 +14,14 @@ install(TARGETS sfg_command RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(DIRECTORY include/ platform/include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY library/ DESTINATION "${CMAKE_INSTALL_DATADIR}/sfg/library" OPTIONAL
   FILES_MATCHING PATTERN "*.fraglib" PATTERN "*.h")
+# What editors check documents with, as the command writes it.
+install(CODE "
+  file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/sfg/schemas\")
+  foreach(kind IN ITEMS library graph environment)
+    execute_process(COMMAND \"$<TARGET_FILE:sfg_command>\" schema \${kind}
+      -o \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/sfg/schemas/\${kind}.schema.json\"
+      COMMAND_ERROR_IS_FATAL ANY)
+  endforeach()")
 install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
 # find_package(sfg) gives sfg::sfg and sfg::platform, with the component host sfg::host as well. The libraries under

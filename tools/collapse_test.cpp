@@ -214,7 +214,8 @@ TEST_F(CollapseTest, TellsThatStandardOutputIsFull) {
   const CommandRun result =
       run("collapse graph.json -L lib --format json >/dev/full 2>err; echo $? >status; true");
   EXPECT_EQ(read("status"), "2\n");
-  EXPECT_EQ(read("err"), "standard output: error: cannot be written: the stream is closed or full\n");
+  EXPECT_EQ(read("err"),
+            "standard output: error: cannot be written: the stream is closed or full [cannot-write]\n");
 }
 
 TEST_F(CollapseTest, MatchesTheSameBytesEveryTime) {
@@ -242,7 +243,7 @@ TEST_F(CollapseTest, HelpExampleWorksAsPrinted) {
 }
 
 TEST_F(CollapseTest, WritesNoColoursIntoAFile) {
-  EXPECT_EQ(run("collapse nowhere.json").err, "nowhere.json: error: no such file\n");
+  EXPECT_EQ(run("collapse nowhere.json").err, "nowhere.json: error: no such file [unreadable-file]\n");
 }
 
 }  // namespace

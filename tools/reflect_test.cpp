@@ -368,7 +368,7 @@ TEST_F(ReflectTest, PacksTheBufferThatIsNamed) {
   EXPECT_EQ(
       run("reflect graph.json -L lib --pack out.bin").err,
       "sfg: error: the shader has no buffer `sfg_Uniforms`; did you mean `sfg_StateUniforms`? Known are "
-      "`sfg_StateUniforms`\n");
+      "`sfg_StateUniforms` [bad-setting]\n");
 }
 
 TEST_F(ReflectTest, RefusesToPackWhatIsNotThere) {
@@ -378,11 +378,12 @@ TEST_F(ReflectTest, RefusesToPackWhatIsNotThere) {
     return result.err;
   };
   EXPECT_EQ(refusal("--pack out.bin --set a.colour=1,2,3"),
-            "sfg: error: no value is called `a.colour`; did you mean `a.color`? Known are `a.color`\n");
+            "sfg: error: no value is called `a.colour`; did you mean `a.color`? Known are `a.color` "
+            "[bad-setting]\n");
   EXPECT_EQ(refusal("--pack out.bin --set a.color=1,2"),
-            "sfg: error: `a.color` is of type `float3`: 3 numbers, not 2\n");
+            "sfg: error: `a.color` is of type `float3`: 3 numbers, not 2 [bad-setting]\n");
   EXPECT_EQ(refusal("--pack out.bin --set a.color"),
-            "sfg: error: `a.color` is not of the form `name=value`\n");
+            "sfg: error: `a.color` is not of the form `name=value` [bad-setting]\n");
   EXPECT_THAT(refusal("--set a.color=1,2,3"), HasSubstr("--pack"));
 }
 

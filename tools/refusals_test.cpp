@@ -76,163 +76,184 @@ constexpr const char* kRed = R"({ "outputs": [ { "name": "color", "type": "float
   "nodes": [ { "name": "red", "fragment": "tint" } ] })";
 
 const Refusal kDocuments[] = {
-    {"MalformedJson", "{ \"nodes\": [ }", 2, "graph.json:1:14: error: expected a value or `]`, found `}`\n"},
-    {"EmptyFile", "", 2, "graph.json:1:1: error: expected a value, found the end of the text\n"},
-    {"TopLevelIsNoObject", "[]", 2, "graph.json:1:1: error: expected an object at the top level\n"},
-    {"NodesIsNoArray", R"({ "nodes": {} })", 2, "graph.json:1:12: error: `nodes` must be an array\n"},
-    {"NodeIsNoObject", R"({ "nodes": [ 3 ] })", 2, "graph.json:1:14: error: expected an object\n"},
+    {"MalformedJson", "{ \"nodes\": [ }", 2,
+     "graph.json:1:14: error: expected a value or `]`, found `}` [malformed-json]\n"},
+    {"EmptyFile", "", 2,
+     "graph.json:1:1: error: expected a value, found the end of the text [malformed-json]\n"},
+    {"TopLevelIsNoObject", "[]", 2,
+     "graph.json:1:1: error: expected an object at the top level [wrong-kind]\n"},
+    {"NodesIsNoArray", R"({ "nodes": {} })", 2,
+     "graph.json:1:12: error: `nodes` must be an array [wrong-kind]\n"},
+    {"NodeIsNoObject", R"({ "nodes": [ 3 ] })", 2,
+     "graph.json:1:14: error: expected an object [wrong-kind]\n"},
     {"NodeWithoutName", R"({ "nodes": [ { "fragment": "tint" } ] })", 2,
-     "graph.json:1:14: error: `name` is missing\n"},
+     "graph.json:1:14: error: `name` is missing [missing-key]\n"},
     {"NodeWithoutFragment", R"({ "nodes": [ { "name": "a" } ] })", 2,
-     "graph.json:1:14: error: `fragment` is missing\n"},
+     "graph.json:1:14: error: `fragment` is missing [missing-key]\n"},
     {"NodeNameTwice", R"({ "nodes": [ { "name": "a", "fragment": "tint" },
   { "name": "a", "fragment": "tint" } ] })",
-     2, "graph.json:2:3: error: the node name `a` is used twice\n"},
+     2, "graph.json:2:3: error: the node name `a` is used twice [repeated-name]\n"},
     {"PortNameTwice", R"({ "nodes": [ { "name": "a", "fragment": "twice", "interface": {
   "inputs": [ { "name": "x", "type": "float" }, { "name": "x", "type": "float" } ] } } ] })",
-     2, "graph.json:2:49: error: the port name `x` is used twice\n"},
+     2, "graph.json:2:49: error: the port name `x` is used twice [repeated-name]\n"},
     {"OutputPortNameTwice", R"({ "nodes": [ { "name": "a", "fragment": "twice", "interface": {
   "outputs": [ { "name": "x", "type": "float" }, { "name": "x", "type": "float" } ] } } ] })",
-     2, "graph.json:2:50: error: the port name `x` is used twice\n"},
+     2, "graph.json:2:50: error: the port name `x` is used twice [repeated-name]\n"},
     {"GraphInputNameTwice",
      R"({ "inputs": [ { "name": "x", "type": "float" }, { "name": "x", "type": "int" } ] })", 2,
-     "graph.json:1:49: error: the name `x` is used twice among graph inputs and outputs\n"},
+     "graph.json:1:49: error: the name `x` is used twice among graph inputs and outputs [repeated-name]\n"},
     {"GraphInputAndOutputShareNames", R"({ "inputs": [ { "name": "x", "type": "float" } ],
   "outputs": [ { "name": "x", "type": "float" } ] })",
-     2, "graph.json:2:16: error: the name `x` is used twice among graph inputs and outputs\n"},
+     2,
+     "graph.json:2:16: error: the name `x` is used twice among graph inputs and outputs [repeated-name]\n"},
     {"ParameterWithoutType", R"({ "inputs": [ { "name": "x" } ] })", 2,
-     "graph.json:1:15: error: `type` is missing\n"},
+     "graph.json:1:15: error: `type` is missing [missing-key]\n"},
     {"ParameterOfUnknownType", R"({ "uniforms": [ { "name": "x", "type": "float5" } ] })", 2,
-     "graph.json:1:40: error: `type` names no type: `float5`\n"},
+     "graph.json:1:40: error: `type` names no type: `float5`; did you mean `float`? Types are `bool`, `int`, "
+     "`int2`, `int3`, `int4`, `uint`, `uint2`, `uint3`, `uint4`, `float`, `float2`, `float3`, `float4`, "
+     "`float2x2`, `float3x3`, `float4x4`, `sampler1D`, `sampler2D`, `sampler3D`, `samplerCube`, `struct` "
+     "[unknown-type]\n"},
     {"StructureWithoutName", R"({ "inputs": [ { "name": "x", "type": "struct" } ] })", 2,
-     "graph.json:1:15: error: `struct` is missing\n"},
+     "graph.json:1:15: error: `struct` is missing [missing-key]\n"},
     {"ParameterValueDoesNotFit", R"({ "inputs": [ { "name": "x", "type": "float2", "value": [1, 2, 3] } ] })",
-     2, "graph.json:1:57: error: `value` must hold as many numbers as the type `float2` has components: 2\n"},
+     2,
+     "graph.json:1:57: error: `value` must hold as many numbers as the type `float2` has components: 2 "
+     "[wrong-value]\n"},
     {"ConstantSamplerParameter",
      R"({ "inputs": [ { "name": "x", "type": "sampler2D", "constant": true } ] })", 2,
-     "graph.json:1:15: error: `x` cannot be constant: a value of type `sfg_sampler2D` has no text\n"},
+     "graph.json:1:15: error: `x` cannot be constant: a value of type `sfg_sampler2D` has no text "
+     "[wrong-value]\n"},
     {"InputHoldsNothing",
      R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "amount": {} } } ] })", 2,
      "graph.json:1:71: error: input `amount` of node `a` must hold exactly one of `node`, `graphInput`, "
-     "`value`, `constant`\n"},
+     "`value`, `constant` [one-source]\n"},
     {"InputHoldsTwo", R"({ "nodes": [ { "name": "a", "fragment": "tint",
   "inputs": { "amount": { "value": 1, "constant": 2 } } } ] })",
      2,
      "graph.json:2:25: error: input `amount` of node `a` must hold exactly one of `node`, `graphInput`, "
-     "`value`, `constant`\n"},
+     "`value`, `constant` [one-source]\n"},
     {"InputHoldsThree", R"({ "nodes": [ { "name": "a", "fragment": "tint",
   "inputs": { "amount": { "value": 1, "node": "a", "graphInput": "x" } } } ] })",
      2,
      "graph.json:2:25: error: input `amount` of node `a` must hold exactly one of `node`, `graphInput`, "
-     "`value`, `constant`\n"},
+     "`value`, `constant` [one-source]\n"},
     {"InputIsNoObject", R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "amount": 3 } } ] })",
-     2, "graph.json:1:71: error: input `amount` of node `a` must be an object\n"},
+     2, "graph.json:1:71: error: input `amount` of node `a` must be an object [wrong-kind]\n"},
     {"UnknownInputPort",
      R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "amuont": { "value": 3 } } } ] })", 2,
-     "graph.json:1:71: error: node `a` has no input `amuont`; its inputs are `color`, `amount`\n"},
+     "graph.json:1:61: error: node `a` has no input `amuont`; did you mean `amount`? Its inputs are `color`, "
+     "`amount` [unknown-port]\n"},
     {"UnknownSourceNode",
      R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "color": { "node": "b" } } } ] })", 2,
-     "graph.json:1:80: error: unknown node `b`\n"},
+     "graph.json:1:80: error: unknown node `b` [unknown-node]\n"},
     {"UnknownSourcePort", R"({ "nodes": [ { "name": "a", "fragment": "tint" },
   { "name": "b", "fragment": "tint", "inputs": { "color": { "node": "a", "output": "color" } } } ] })",
-     2, "graph.json:2:84: error: node `a` has no output `color`; its outputs are `result`\n"},
+     2, "graph.json:2:84: error: node `a` has no output `color`; its outputs are `result` [unknown-port]\n"},
     {"InlineWithoutInterface", R"({ "nodes": [ { "name": "a", "fragment": "twice" },
   { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "a" } } } ] })",
      2,
-     "graph.json:2:60: error: node `a` has no outputs; a node of an inline fragment needs an `interface`\n"},
+     "graph.json:2:60: error: node `a` has no outputs; a node of an inline fragment needs an `interface` "
+     "[unknown-port]\n"},
     {"UnknownGraphInput",
      R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "color": { "graphInput": "x" } } } ] })",
-     2, "graph.json:1:86: error: unknown graph input `x`\n"},
+     2, "graph.json:1:86: error: unknown graph input `x`; the graph inputs are none [unknown-graph-input]\n"},
     {"OutputOfUnknownNode", R"({ "outputs": [ { "name": "x", "type": "float", "node": "a" } ] })", 2,
-     "graph.json:1:56: error: unknown node `a`\n"},
+     "graph.json:1:56: error: unknown node `a` [unknown-node]\n"},
     {"OutputOfUnknownPort", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a", "output": "y" } ],
   "nodes": [ { "name": "a", "fragment": "tint" } ] })",
-     2, "graph.json:1:72: error: node `a` has no output `y`; its outputs are `result`\n"},
+     2, "graph.json:1:72: error: node `a` has no output `y`; its outputs are `result` [unknown-port]\n"},
     {"OutputPortWithoutNode", R"({ "outputs": [ { "name": "x", "type": "float3", "output": "y" } ] })", 2,
-     "graph.json:1:59: error: `output` needs a `node`\n"},
+     "graph.json:1:59: error: `output` needs a `node` [output-without-node]\n"},
     {"ValueDoesNotFit",
      R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "color": { "value": [1, 2] } } } ] })", 2,
      "graph.json:1:81: error: `value` of input `color` of node `a` does not fit the type `float3`: expected "
-     "an array of 3 numbers\n"},
+     "an array of 3 numbers [wrong-value]\n"},
     {"ConstantDoesNotFit",
      R"({ "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "amount": { "constant": true } } } ] })",
      2,
      "graph.json:1:85: error: `constant` of input `amount` of node `a` does not fit the type `float`: "
-     "expected a number\n"},
+     "expected a number [wrong-value]\n"},
     {"ConstantOfSampler",
      R"({ "nodes": [ { "name": "a", "fragment": "pick", "inputs": { "image": { "constant": 1 } } } ] })", 2,
      "graph.json:1:84: error: `constant` of input `image` of node `a` cannot be given: a value of type "
-     "`sfg_sampler2D` has no text\n"},
+     "`sfg_sampler2D` has no text [wrong-value]\n"},
     {"ConstantOfStructure",
      R"({ "nodes": [ { "name": "a", "fragment": "measure", "inputs": { "patch": { "constant": 1 } } } ] })",
      2,
      "graph.json:1:87: error: `constant` of input `patch` of node `a` cannot be given: a value of type "
-     "`Patch` has no text\n"},
+     "`Patch` has no text [wrong-value]\n"},
     {"ValueOfSampler",
      R"({ "nodes": [ { "name": "a", "fragment": "pick", "inputs": { "image": { "value": 1 } } } ] })", 2,
      "graph.json:1:81: error: `value` of input `image` of node `a` cannot be given: a value of type "
-     "`sfg_sampler2D` has no text\n"},
+     "`sfg_sampler2D` has no text [wrong-value]\n"},
     {"UnknownPreprocessFragment", R"({ "preprocess": [ "nope" ] })", 2,
-     "graph.json:1:19: error: unknown fragment `nope`\n"},
+     "graph.json:1:19: error: unknown fragment `nope` [unknown-fragment]\n"},
     {"UnknownPostprocessFragment", R"({ "postprocess": [ "nope" ] })", 2,
-     "graph.json:1:20: error: unknown fragment `nope`\n"},
+     "graph.json:1:20: error: unknown fragment `nope` [unknown-fragment]\n"},
     {"PreprocessIsNoName", R"({ "preprocess": [ {} ] })", 2,
-     "graph.json:1:19: error: expected a string that is not empty\n"},
+     "graph.json:1:19: error: expected a string that is not empty [wrong-kind]\n"},
     {"ChainRefusesPostprocess", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "red" } ],
   "nodes": [ { "name": "red", "fragment": "tint" } ],
   "postprocess": [ "grade",
     "frame" ] })",
      2,
-     "graph.json:4:5: error: the inputs of post-process fragment `frame` do not fit the outputs of "
-     "`grade`\n"},
+     "graph.json:4:5: error: the inputs of post-process fragment `frame` do not fit the outputs of `grade` "
+     "[chain-mismatch]\n"},
 };
 
 const Refusal kEnvironments[] = {
     {"MalformedEnvironment", kRed, 2,
-     "scene.json:1:18: error: expected a member name in double quotes, found `}`\n", "{ \"lights\": [ ], }"},
-    {"LightsIsNoArray", kRed, 2, "scene.json:1:13: error: `lights` must be an array\n",
+     "scene.json:1:18: error: expected a member name in double quotes, found `}` [malformed-json]\n",
+     "{ \"lights\": [ ], }"},
+    {"LightsIsNoArray", kRed, 2, "scene.json:1:13: error: `lights` must be an array [wrong-kind]\n",
      R"({ "lights": {} })"},
-    {"LightWithoutFragment", kRed, 2, "scene.json:1:15: error: `fragment` is missing\n",
+    {"LightWithoutFragment", kRed, 2, "scene.json:1:15: error: `fragment` is missing [missing-key]\n",
      R"({ "lights": [ { "name": "key" } ] })"},
-    {"UnknownLightFragment", kRed, 2, "scene.json:1:29: error: unknown fragment `sun`\n",
+    {"UnknownLightFragment", kRed, 2,
+     "scene.json:1:29: error: unknown fragment `sun`; did you mean `sum`? [unknown-fragment]\n",
      R"({ "lights": [ { "fragment": "sun" } ] })"},
-    {"LightNameTwice", kRed, 2, "scene.json:2:3: error: the light name `key` is used twice\n",
+    {"LightNameTwice", kRed, 2, "scene.json:2:3: error: the light name `key` is used twice [repeated-name]\n",
      R"({ "lights": [ { "name": "key", "fragment": "lamp" },
   { "name": "key", "fragment": "lamp" } ] })"},
-    {"LightNameTwiceByDefault", kRed, 2, "scene.json:2:3: error: the light name `light1` is used twice\n",
+    {"LightNameTwiceByDefault", kRed, 2,
+     "scene.json:2:3: error: the light name `light1` is used twice [repeated-name]\n",
      R"({ "lights": [ { "name": "light1", "fragment": "lamp" },
   { "fragment": "lamp" } ] })"},
-    {"UnknownOutputFragment", kRed, 2, "scene.json:1:13: error: unknown fragment `screen`\n",
-     R"({ "output": "screen" })"},
+    {"UnknownOutputFragment", kRed, 2,
+     "scene.json:1:13: error: unknown fragment `screen` [unknown-fragment]\n", R"({ "output": "screen" })"},
 };
 
 const Refusal kArguments[] = {
-    {"LibraryFolderIsMissing", kRed, 2, "sfg: error: the folder `nowhere` does not exist\n", nullptr,
-     "-L nowhere"},
-    {"LibraryFolderIsAFile", kRed, 2, "sfg: error: `graph.json` is not a folder\n", nullptr, "-L graph.json"},
-    {"IncludeFolderIsMissing", kRed, 2, "sfg: error: the folder `nowhere` does not exist\n", nullptr,
-     "-I nowhere"},
-    {"EnvironmentIsMissing", kRed, 2, "nowhere.json: error: no such file\n", nullptr,
+    {"LibraryFolderIsMissing", kRed, 2, "sfg: error: the folder `nowhere` does not exist [unknown-folder]\n",
+     nullptr, "-L nowhere"},
+    {"LibraryFolderIsAFile", kRed, 2, "sfg: error: `graph.json` is not a folder [unknown-folder]\n", nullptr,
+     "-L graph.json"},
+    {"IncludeFolderIsMissing", kRed, 2, "sfg: error: the folder `nowhere` does not exist [unknown-folder]\n",
+     nullptr, "-I nowhere"},
+    {"EnvironmentIsMissing", kRed, 2, "nowhere.json: error: no such file [unreadable-file]\n", nullptr,
      "--environment nowhere.json"},
-    {"UnknownLanguage", kRed, 2, "sfg: error: unknown language `dx12`; known is `dx11`\n", nullptr,
-     "--language dx12"},
+    {"UnknownLanguage", kRed, 2, "sfg: error: unknown language `dx12`; known is `dx11` [unknown-language]\n",
+     nullptr, "--language dx12"},
     {"UnknownTool", kRed, 2,
-     "sfg: error: --tool: `fast` is none of `default`, `lightloop`\ntry `sfg --help`, or `sfg COMMAND "
-     "--help`\n",
+     "sfg: error: --tool: `fast` is none of `default`, `lightloop` [wrong-usage]\ntry `sfg --help`, or `sfg "
+     "COMMAND --help`\n",
      nullptr, "--tool fast"},
     {"UnknownOption", kRed, 2,
-     "sfg: error: the following argument was not expected: --fast\ntry `sfg --help`, or `sfg COMMAND "
-     "--help`\n",
+     "sfg: error: the following argument was not expected: --fast [wrong-usage]\ntry `sfg --help`, or `sfg "
+     "COMMAND --help`\n",
      nullptr, "--fast"},
     {"LevelOfDetailIsNoNumber", kRed, 2,
-     "sfg: error: --surface-lod: `fine` is not a finite number\ntry `sfg --help`, or `sfg COMMAND --help`\n",
+     "sfg: error: --surface-lod: `fine` is not a finite number [wrong-usage]\ntry `sfg --help`, or `sfg "
+     "COMMAND --help`\n",
      nullptr, "--surface-lod fine"},
     {"LevelOfDetailIsNotFinite", kRed, 2,
-     "sfg: error: --light-lod: `inf` is not a finite number\ntry `sfg --help`, or `sfg COMMAND --help`\n",
+     "sfg: error: --light-lod: `inf` is not a finite number [wrong-usage]\ntry `sfg --help`, or `sfg COMMAND "
+     "--help`\n",
      nullptr, "--light-lod inf"},
     {"OutputFolderIsMissing", kRed, 2,
-     "nowhere/out.json: error: cannot be written: the folder is missing, not writable or full\n", nullptr,
-     "-o nowhere/out.json"},
+     "nowhere/out.json: error: cannot be written: the folder is missing, not writable or full "
+     "[cannot-write]\n",
+     nullptr, "-o nowhere/out.json"},
 };
 
 const Refusal kCollapses[] = {
@@ -242,50 +263,53 @@ const Refusal kCollapses[] = {
     { "name": "a", "fragment": "paint", "inputs": { "whatever": { "value": 3 } } } ] })",
      1,
      "sfgError : Failed to create fragment: paint!\ngraph.json:3:5: note: node `a` uses the fragment "
-     "`paint`, which no library has\n"},
+     "`paint`, which no library has [unknown-fragment]\n"},
     {"Loop", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "grade", "inputs": { "color": { "node": "b" } } },
     { "name": "b", "fragment": "tint", "inputs": { "color": { "node": "c" } } },
     { "name": "c", "fragment": "grade", "inputs": { "color": { "node": "a" } } } ] })",
      1,
      "sfgError : circular loop: grade!\ngraph.json:4:62: note: input `color` of node `c` closes a loop "
-     "through node `a`\n"},
+     "through node `a` [loop]\n"},
     {"LoopToItself", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "grade", "inputs": { "color": { "node": "a" } } } ] })",
      1,
      "sfgError : circular loop: grade!\ngraph.json:2:71: note: input `color` of node `a` closes a loop "
-     "through node `a`\n"},
+     "through node `a` [loop]\n"},
     {"NoOutputs", R"({ "nodes": [ { "name": "a", "fragment": "tint" } ] })", 1,
-     "sfgError : the graph should has at least one output!\ngraph.json: note: the graph has no `outputs`\n"},
+     "sfgError : the graph should has at least one output!\ngraph.json: note: the graph has no `outputs` "
+     "[no-output]\n"},
     {"UnwiredOutput", R"({ "outputs": [ { "name": "color", "type": "float3" } ] })", 1,
      "Graph output must be connected to a fragment!\ngraph.json:1:16: note: graph output `color` has no "
-     "`node`\n"},
+     "`node` [unwired-output]\n"},
     {"UnwiredOutputOfLightLoop", R"({ "outputs": [ { "name": "color", "type": "float3" } ] })", 1,
-     "Graph output must have connection!\ngraph.json:1:16: note: graph output `color` has no `node`\n",
+     "Graph output must have connection!\ngraph.json:1:16: note: graph output `color` has no `node` "
+     "[unwired-output]\n",
      nullptr, "--tool lightloop"},
     {"PreprocessWithInputs", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "tint" } ], "preprocess": [ "clock", "grade" ] })",
      1,
      "sfgError : pre-process fragment should has no inputs!\ngraph.json:2:78: note: pre-process fragment "
-     "`grade` has the input `color`\n"},
+     "`grade` has the input `color` [preprocess-input]\n"},
     {"PostprocessDoesNotFitGraph", R"({ "outputs": [ { "name": "size", "type": "float", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "measure" } ], "postprocess": [ "grade" ] })",
      1,
      "sfgError : the graph outputs should be the same as the output fragment inputs!\ngraph.json:1:16: note: "
      "graph output `size` of type `float` feeds input `color` of post-process fragment `grade` of type "
-     "`float3`\n"},
+     "`float3` [chain-mismatch]\n"},
     {"OutputFragmentDoesNotFitGraph", R"({ "outputs": [ { "name": "size", "type": "int", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "measure" } ] })",
      1,
      "sfgError : the graph outputs should be the same as the output fragment inputs!\ngraph.json:1:16: note: "
-     "graph output `size` of type `int` feeds input `color` of output fragment `frame` of type `float4`\n",
+     "graph output `size` of type `int` feeds input `color` of output fragment `frame` of type `float4` "
+     "[chain-mismatch]\n",
      R"({ "output": "frame" })"},
     {"OutputsOfSeveralNodes", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" },
     { "name": "y", "type": "float3", "node": "b" } ],
   "nodes": [ { "name": "a", "fragment": "tint" }, { "name": "b", "fragment": "tint" } ] })",
      1,
      "Failed to evaluate fragment!\ngraph.json:2:5: note: graph output `y` comes from node `b` and `x` from "
-     "node `a`; without a light loop all outputs come from one node\n"},
+     "node `a`; without a light loop all outputs come from one node [several-sources]\n"},
     {"InlineFragmentWithTooManyInputs", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "b" } ],
   "nodes": [ { "name": "a", "fragment": "twice", "interface": {
     "inputs": [ { "name": "a", "type": "float" }, { "name": "b", "type": "float" } ],
@@ -293,63 +317,71 @@ const Refusal kCollapses[] = {
   { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "a" } } } ] })",
      1,
      "Inline body parameter count is not equal to the node input count!\ngraph.json:2:14: note: node `a` has "
-     "2 inputs, its fragment `twice` 1\n"},
+     "2 inputs, its fragment `twice` 1 [port-count]\n"},
     {"OutputOfUnknownType", R"({ "outputs": [ { "name": "x", "type": "Lamp", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
-     2, "graph.json:1:39: error: `type` names no type: `Lamp`\n"},
+     2,
+     "graph.json:1:39: error: `type` names no type: `Lamp`; types are `bool`, `int`, `int2`, `int3`, `int4`, "
+     "`uint`, `uint2`, `uint3`, `uint4`, `float`, `float2`, `float3`, `float4`, `float2x2`, `float3x3`, "
+     "`float4x4`, `sampler1D`, `sampler2D`, `sampler3D`, `samplerCube`, `struct` [unknown-type]\n"},
     {"NodeWithoutDefaultProfile",
      R"({ "outputs": [ { "name": "x", "type": "struct", "struct": "Lamp", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
      1,
-     "sfg: error: the graph cannot be collapsed: an output cannot be evaluated\ngraph.json:2:14: note: node "
-     "`a` uses the fragment `lamp`, which has no profile `default` for the language `dx11`\n"},
+     "sfg: error: the graph cannot be collapsed: an output cannot be evaluated [no-result]\ngraph.json:2:14: "
+     "note: node `a` uses the fragment `lamp`, which has no profile `default` for the language `dx11` "
+     "[no-profile]\n"},
     {"CodeThatGrowsTooLarge", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "b" } ],
   "nodes": [ DOUBLING
   { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "d39" } } } ] })",
-     1, "sfgError : the generated code is too large!\ngraph.json: note: while this graph was collapsed\n"},
+     1,
+     "sfgError : the generated code is too large!\ngraph.json: note: while this graph was collapsed "
+     "[collapse-place]\n"},
     {"FunctionWithTooFewInputs", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "tint", "interface": {
     "inputs": [ { "name": "color", "type": "float3" } ],
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })",
      1,
-     "Failed to evaluate fragment!\ngraph.json:2:14: note: node `a` has 1 inputs, its fragment `tint` 2\n"},
+     "Failed to evaluate fragment!\ngraph.json:2:14: note: node `a` has 1 inputs, its fragment `tint` 2 "
+     "[port-count]\n"},
     {"FunctionWithTooManyOutputsUnderLightLoop",
      R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a", "output": "s" } ],
   "nodes": [ { "name": "a", "fragment": "grade", "interface": {
     "inputs": [ { "name": "color", "type": "float3" } ],
     "outputs": [ { "name": "r", "type": "float3" }, { "name": "s", "type": "float3" } ] } } ] })",
      1,
-     "sfg: error: the graph cannot be collapsed: an output cannot be evaluated\ngraph.json:2:14: note: node "
-     "`a` has 2 outputs, its fragment `grade` 1\n",
+     "sfg: error: the graph cannot be collapsed: an output cannot be evaluated [no-result]\ngraph.json:2:14: "
+     "note: node `a` has 2 outputs, its fragment `grade` 1 [port-count]\n",
      nullptr, "--tool lightloop"},
     {"PreprocessWithoutDefaultProfile", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "tint" } ], "preprocess": [ "lamp" ] })",
      1,
      "The fragment lamp doesn't have a default profile\ngraph.json:2:69: note: the chain uses the fragment "
-     "`lamp`, which has no profile `default` for the language `dx11`\n"},
+     "`lamp`, which has no profile `default` for the language `dx11` [no-profile]\n"},
     {"PostprocessThatWantsMore", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "tint" } ], "postprocess": [ "tint" ] })",
      1,
      "sfgError : the graph outputs should be the same as the output fragment inputs!\ngraph.json: note: the "
-     "graph has no output for input `amount` of post-process fragment `tint`\n"},
+     "graph has no output for input `amount` of post-process fragment `tint` [chain-mismatch]\n"},
     {"SurfaceWithoutDefaultProfileAndNoLight",
      R"({ "outputs": [ { "name": "x", "type": "struct", "struct": "Lamp", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
      1,
      "Failed to set default profile.\ngraph.json:2:14: note: node `a` uses the fragment `lamp`, which has no "
-     "profile `default` for the language `dx11`\n",
+     "profile `default` for the language `dx11` [no-profile]\n",
      nullptr, "--tool lightloop"},
     {"SurfaceWithoutTheLightsProfile",
      R"({ "outputs": [ { "name": "x", "type": "struct", "struct": "Lamp", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
      1,
      "Failed to set light profile Neon.\nscene.json:1:15: note: light `key` asks for the profile `Neon`; "
-     "node "
-     "`a` has neither it nor `default`\n",
+     "node `a` has neither it nor `default` [light-profile]\n",
      R"({ "lights": [ { "name": "key", "fragment": "lit", "profile": "Neon" } ] })", "--tool lightloop"},
     {"LightWithoutProfile", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lit" } ] })",
-     1, "Failed to set light profile Neon.\nscene.json:1:15: note: light `key` asks for the profile `Neon`\n",
+     1,
+     "Failed to set light profile Neon.\nscene.json:1:15: note: light `key` asks for the profile `Neon` "
+     "[light-profile]\n",
      R"({ "lights": [ { "name": "key", "fragment": "lamp", "profile": "Neon" } ] })", "--tool lightloop"},
 };
 
@@ -400,29 +432,35 @@ constexpr const char* kCalledUnreachable =
 const Refusal kCalls[] = {
     {"Expression", kCalledExpression, 1,
      "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
-     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"},
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment "
+     "[called-expression]\n"},
     {"ExpressionUnderLightLoop", kCalledExpression, 1,
      "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
-     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n",
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment "
+     "[called-expression]\n",
      nullptr, "--tool lightloop"},
     {"Function", kCalledFunction, 0, ""},
     {"FunctionUnderLightLoop", kCalledFunction, 0, "", nullptr, "--tool lightloop"},
     {"ExpressionAtALowerLevel", kCalledCoarse, 1,
      "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
-     "`mix` (fragment `coarse3`) is an inline expression, which cannot be called; wire a function fragment\n",
+     "`mix` (fragment `coarse3`) is an inline expression, which cannot be called; wire a function fragment "
+     "[called-expression]\n",
      nullptr, "--surface-lod 20"},
     {"ExpressionAtALowerLevelUnderLightLoop", kCalledCoarse, 1,
      "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
-     "`mix` (fragment `coarse3`) is an inline expression, which cannot be called; wire a function fragment\n",
+     "`mix` (fragment `coarse3`) is an inline expression, which cannot be called; wire a function fragment "
+     "[called-expression]\n",
      kLamp, "--surface-lod 20 --tool lightloop"},
     {"FunctionAtAHigherLevel", kCalledCoarse, 0, "", nullptr, "--surface-lod 90"},
     {"ExpressionCalledInPredefinesOnly", kCalledEarly, 1,
      "graph.json:2:76: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
-     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"},
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment "
+     "[called-expression]\n"},
     {"ExpressionCalledInCommentOnly", kCalledInComment, 0, ""},
     {"ExpressionCalledForALight", kCalledLit, 1,
      "graph.json:2:74: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
-     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n",
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment "
+     "[called-expression]\n",
      kLamp, "--tool lightloop"},
     {"ExpressionNotCalledWithoutTheLight", kCalledLit, 0, "", nullptr, "--tool lightloop"},
     {"ExpressionNotCalledByTheDefaultTool", kCalledLit, 0, "", kLamp},
@@ -437,9 +475,10 @@ const Refusal kCalls[] = {
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })",
      1,
      "graph.json:2:71: error: input `a` of node `shade` calls its source through `sfg_shader`, but node "
-     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"
-     "graph.json:6:65: error: input `a` of node `early` calls its source through `sfg_shader`, but node "
-     "`late` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment\n"},
+     "`mix` (fragment `lerp3`) is an inline expression, which cannot be called; wire a function fragment "
+     "[called-expression]\ngraph.json:6:65: error: input `a` of node `early` calls its source through "
+     "`sfg_shader`, but node `late` (fragment `lerp3`) is an inline expression, which cannot be called; wire "
+     "a function fragment [called-expression]\n"},
     {"ExpressionThatNoOutputReaches", kCalledUnreachable, 0, ""},
     {"ExpressionThatNoOutputReachesUnderLightLoop", kCalledUnreachable, 0, "", nullptr, "--tool lightloop"},
 };

@@ -38,8 +38,9 @@ std::vector<std::string> spelledForParser(int argc, char** argv) {
 std::string nearOption(const CLI::App& app, const CLI::ParseError& error) {
   if (error.get_name() != "ExtrasError") return std::string();
   const std::string message = error.what();
-  const std::size_t start = message.rfind(' ') + 1;
-  const std::string word = message.substr(start, message.find_last_not_of(". \n") + 1 - start);
+  std::size_t start = message.find(" --");
+  start = start == message.npos ? message.rfind(' ') + 1 : start + 1;
+  const std::string word = message.substr(start, message.find_first_of(" \n", start) - start);
   std::vector<std::string> known;
   const auto addOptions = [&](const CLI::App& owner) {
     for (const CLI::Option* const option : owner.get_options()) {

@@ -394,7 +394,8 @@ TEST_F(ShaderTest, RefusesOutputsThatCannotLeaveAStage) {
     "implementation": ["void lantern(out Lamp light) { light.color = 1; }"] } })json");
   const CommandRun result = run("collapse graph.json -L lib");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "graph.json: error: the output `light` of type `Lamp` cannot leave a pixel stage\n");
+  EXPECT_EQ(result.err, "graph.json: error: the output `light` of type `Lamp` cannot leave a pixel stage "
+                        "[incomplete-shader]\n");
 }
 
 TEST_F(ShaderTest, RefusesMoreTargetsThanThereAre) {
@@ -407,7 +408,9 @@ TEST_F(ShaderTest, RefusesMoreTargetsThanThereAre) {
         "{ \"outputs\": [ " + outputs + R"( ], "nodes": [ { "name": "a", "fragment": "tint" } ] })");
   const CommandRun result = run("collapse graph.json -L lib");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "graph.json: error: the outputs need 9 render targets; a pixel stage has 8\n");
+  EXPECT_EQ(
+      result.err,
+      "graph.json: error: the outputs need 9 render targets; a pixel stage has 8 [incomplete-shader]\n");
   EXPECT_EQ(run("collapse graph.json -L lib --stage compute").status, 0);
 }
 
@@ -418,8 +421,8 @@ TEST_F(ShaderTest, WarnsOfAnIncludeFileThatIsNowhere) {
     "nodes": [ { "name": "a", "fragment": "far" } ] })");
   const CommandRun result = run("collapse graph.json -L lib");
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.err,
-            "sfg: warning: the include file `far.h` is in no include folder, or empty (see -I)\n");
+  EXPECT_EQ(result.err, "lib/more.fraglib:1:47: warning: fragment `far` includes `far.h`, which is in no "
+                        "include folder; none is given (see -I) [missing-include]\n");
 }
 
 TEST_F(ShaderTest, ComplaintOfACompilerNamesTheFragmentAndItsFile) {
@@ -432,31 +435,28 @@ TEST_F(ShaderTest, ComplaintOfACompilerNamesTheFragmentAndItsFile) {
   const CommandRun result = run("compile graph.json -L lib --target spirv -o out.spv");
   EXPECT_EQ(result.status, 1);
   EXPECT_FALSE(exists("out.spv"));
-  EXPECT_THAT(
-      result.err,
-      testing::StartsWith(
-          "graph.json: error: the generated shader does not compile\ngenerated:12: error: 'colour' : "));
+  EXPECT_THAT(result.err, testing::StartsWith("graph.json: error: the generated shader does not compile "
+                                              "[compile-error]\ngenerated:12: error: 'colour' : "));
   EXPECT_THAT(result.err,
-              testing::HasSubstr(
-                  "generated:12: note: the line is `result = colour;`\n"
-                  "lib/more.fraglib:2:13: note: function `broken1` is of fragment `broken`, node `bad`\n"));
+              testing::HasSubstr("generated:12: note: the line is `result = colour;` [code-origin]\n"
+                                 "lib/more.fraglib:2:13: note: function `broken1` is of fragment `broken`, "
+                                 "node `bad` [code-origin]\n"));
 }
 
 TEST_F(ShaderTest, ComplaintAboutACallNamesTheNodesInIt) {
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float", "node": "bad" } ],
-    "nodes": [ { "name": "bad", "fragment": "grade", "inputs": { "color": { "node": "source" } } },
+    "nodes": [ { "name": "bad", "fragment": "grade", "interface": {
+      "inputs": [ { "name": "color", "type": "float3" } ], "outputs": [ { "name": "r", "type": "float" } ] },
+      "inputs": { "color": { "node": "source" } } },
       { "name": "source", "fragment": "tint" } ] })");
   if (!host::hasCompilers()) GTEST_SKIP() << "built without compilers";
   const CommandRun result = run("compile graph.json -L lib --target spirv -o out.spv");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(
-      result.err,
-      testing::StartsWith(
-          "graph.json: error: the generated shader does not compile\ngenerated:31: error: 'grade1' : "));
-  EXPECT_THAT(result.err,
-              testing::HasSubstr(
-                  "generated:31: note: the line is `grade1(`\n"
-                  "lib/test.fraglib:12:12: note: function `grade1` is of fragment `grade`, node `bad`\n"));
+  EXPECT_THAT(result.err, testing::StartsWith("graph.json: error: the generated shader does not compile "
+                                              "[compile-error]\ngenerated:31: error: 'grade1' : "));
+  EXPECT_THAT(result.err, testing::HasSubstr("generated:31: note: the line is `grade1(` [code-origin]\n"
+                                             "lib/test.fraglib:12:12: note: function `grade1` is of fragment "
+                                             "`grade`, node `bad` [code-origin]\n"));
 }
 
 TEST_F(ShaderTest, ComplaintAboutAnIncludeFileNamesIt) {
@@ -468,12 +468,11 @@ TEST_F(ShaderTest, ComplaintAboutAnIncludeFileNamesIt) {
   if (!host::hasCompilers()) GTEST_SKIP() << "built without compilers";
   const CommandRun result = run("compile graph.json -L lib -I inc");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(
-      result.err,
-      testing::StartsWith(
-          "graph.json: error: the generated shader does not compile\ngenerated:3: error: 'nothing' : "));
-  EXPECT_THAT(result.err, testing::HasSubstr("generated:3: note: the line is `float bad() { return nothing; "
-                                             "}`\ninc/bad.h: note: in this include file\n"));
+  EXPECT_THAT(result.err, testing::StartsWith("graph.json: error: the generated shader does not compile "
+                                              "[compile-error]\ngenerated:3: error: 'nothing' : "));
+  EXPECT_THAT(result.err,
+              testing::HasSubstr("generated:3: note: the line is `float bad() { return nothing; "
+                                 "}` [code-origin]\ninc/bad.h: note: in this include file [code-origin]\n"));
 }
 
 TEST_F(ShaderTest, SaysThatThereAreNoCompilers) {
@@ -527,7 +526,7 @@ TEST_F(ShaderTest, DependencyFileNamesWhatTheResultWasMadeFrom) {
   }
   const CommandRun refused = run("collapse " + inputs + "-MD");
   EXPECT_EQ(refused.status, 2);
-  EXPECT_EQ(refused.err, "sfg: error: a dependency file needs the result's name (`-o`)\n");
+  EXPECT_EQ(refused.err, "sfg: error: a dependency file needs the result's name (`-o`) [wrong-usage]\n");
 }
 
 TEST_F(ShaderTest, ListsFragmentsWithPlaceAndDescription) {
@@ -537,7 +536,8 @@ TEST_F(ShaderTest, ListsFragmentsWithPlaceAndDescription) {
   write("two/a.fraglib", R"json({ "a": { "language": ["dx11"], "implementation": ["void a() {}"] } })json");
   const CommandRun all = run("list -L two");
   EXPECT_EQ(all.out, "a     two/a.fraglib:1:8\nbeta  two/b.fraglib:2:11  Second of all.\n");
-  EXPECT_EQ(all.status, 0);
+  EXPECT_EQ(all.err, "two/b.fraglib:3:10: error: fragment `bad`: `language` is missing [missing-key]\n");
+  EXPECT_EQ(all.status, 1);
   EXPECT_EQ(run("list -L two Second").out, "beta  two/b.fraglib:2:11  Second of all.\n");
 }
 
@@ -564,7 +564,7 @@ struct Patch { float size; };
 )");
   const CommandRun unknown = run("dump -L lib nope");
   EXPECT_EQ(unknown.status, 2);
-  EXPECT_EQ(unknown.err, "sfg: error: unknown fragment `nope`\n");
+  EXPECT_EQ(unknown.err, "sfg: error: unknown fragment `nope` [unknown-fragment]\n");
 }
 
 }  // namespace

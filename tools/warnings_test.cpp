@@ -130,69 +130,70 @@ const WarningCase kCases[] = {
     {"InlineFragmentAtOutputOfLightLoopIsSound", kInlineAtOutput, kNoLight, kLoop, ""},
     {"UnlitFragmentBetweenLitOnes", kUnlitBetween, kTwoLights, kLoop,
      "graph.json:3:5: warning: node `b` keeps its value of the first light: it is not lit, but stands "
-     "between lit nodes\n"},
+     "between lit nodes [unlit-between-lit]\n"},
     {"UnlitFragmentBetweenLitOnesIsSoundWithOneLight", kUnlitBetween, kOneLight, kLoop, ""},
     {"LitFragmentOnLitOneIsSound", kLitOnLit, kTwoLights, kLoop, ""},
     {"LitFragmentAtOutputAndInLitOne", kLitAtOutputAndInLit, kTwoLights, kLoop,
      "graph.json:3:14: warning: node `a` feeds both an output and another lit node, which reads the sum over "
-     "the lights so far\n"},
+     "the lights so far [lit-feeds-lit]\n"},
     {"LitFragmentAtOutputAndInLitOneIsSoundWithOneLight", kLitAtOutputAndInLit, kOneLight, kLoop, ""},
     {"LightProfileThatNoFragmentOffers", kLit,
      R"({ "lights": [ { "name": "key", "fragment": "lamp", "profile": "Lamp" },
   { "name": "neon", "fragment": "lit", "profile": "Neon" }, { "name": "more", "fragment": "lit", "profile": "Neon" } ] })",
      kLoop,
-     "scene.json:2:3: warning: light `neon` asks for the profile `Neon`, which no fragment of the graph "
-     "has\n"},
+     "scene.json:2:3: warning: light `neon` asks for the profile `Neon`, which no fragment of the graph has "
+     "[unoffered-profile]\n"},
     {"LightProfileOnUnlitGraphIsSound", kUnlit, kTwoLights, kLoop, ""},
     {"LitFragmentUnderDefaultTool", kAlways, kNoLight, "--format json",
      "graph.json:2:14: warning: node `a` reads the current light, but only the light loop (`--tool "
-     "lightloop`) has one\n"},
+     "lightloop`) has one [lit-without-light]\n"},
     {"LitProfileWithoutLights", kAlways, kNoLight, kLoop,
-     "graph.json:2:14: warning: node `a` reads the current light, but the environment has no lights\n"},
+     "graph.json:2:14: warning: node `a` reads the current light, but the environment has no lights "
+     "[lit-without-light]\n"},
     {"LitProfileWithLightIsSound", kAlways, kOneLight, kLoop, ""},
     {"DefaultProfileThatCannotReadTheLight", kAlways,
      R"({ "lights": [ { "name": "key", "fragment": "lit", "profile": "Neon" } ] })", kLoop,
-     "scene.json:1:15: warning: light `key` asks for the profile `Neon`, which no fragment of the graph "
-     "has\n"},
+     "scene.json:1:15: warning: light `key` asks for the profile `Neon`, which no fragment of the graph has "
+     "[unoffered-profile]\n"},
     {"LitFragmentWithDefaultProfileIsSoundWithoutLights", kLit, kNoLight, kLoop, ""},
     {"GraphInputUnderLightLoopInJson", kGraphInput, kOneLight, "--tool lightloop --format json",
      "graph.json:3:70: warning: the light-loop function has no parameter for the graph input `albedo`; only "
-     "the complete shader (`--format shader`) declares it\n"},
+     "the complete shader (`--format shader`) declares it [undeclared-graph-input]\n"},
     {"GraphInputUnderLightLoopInShaderIsSound", kGraphInput, kOneLight, kLoop, ""},
     {"GraphInputOfDefaultToolIsSound", kGraphInput, kNoLight, "--format json", ""},
     {"StructureSummedOverLights", kStructure, kOneLight, kLoop,
      "graph.json:2:14: warning: output `result` of node `a` of type `Glow` is summed over the lights, but "
-     "has no `+=`\n"},
+     "has no `+=` [structure-summed]\n"},
     {"StructureOfUnlitFragmentIsSound", kStructure, kNoLight, kLoop, ""},
     {"UniformNameInsideOther", kScaled, kNoLight, "",
      "lib/warnings.fraglib:11:13: warning: fragment `scaled`: the uniform name `al` occurs inside `scale`, "
-     "which is changed with it when it is renamed\n"},
+     "which is changed with it when it is renamed [name-inside-name]\n"},
     {"HelperNameInsideOther", kHelped, kNoLight, "",
      "lib/warnings.fraglib:13:13: warning: fragment `helped`: the helper name `one` occurs inside `oneHalf`, "
-     "which is changed with it when it is renamed\n"},
+     "which is changed with it when it is renamed [name-inside-name]\n"},
     {"SamplerOfATextureUniformIsSound", kTextured, kNoLight, "--format json", ""},
     {"StaticConstantOfAFragmentUsedTwice", kRawTwice, kNoLight, "",
      "lib/warnings.fraglib:17:10: warning: fragment `raw`: it is used 2 times, and so often `static const "
-     "float rawConstant = 1.0;` of its predefines is written\n"},
+     "float rawConstant = 1.0;` of its predefines is written [repeated-statement]\n"},
     {"StaticConstantOfAFragmentUsedOnceIsSound", kRawOnce, kNoLight, "", ""},
     {"ConstantBufferOfAFragmentUsedTwice", kBufferedTwice, kNoLight, "",
      "lib/warnings.fraglib:19:15: warning: fragment `buffered`: it is used 2 times, and so often `cbuffer "
-     "Own : register(b7) { float own; };` of its predefines is written\n"},
+     "Own : register(b7) { float own; };` of its predefines is written [repeated-statement]\n"},
     {"SamplerRegisterOfAFragmentUsedTwice", kFilteredTwice, kNoLight, "",
      "lib/warnings.fraglib:21:15: warning: fragment `filtered`: it is used 2 times, and so often "
-     "`SamplerState filterState : register(s7);` of its predefines is written\n"},
+     "`SamplerState filterState : register(s7);` of its predefines is written [repeated-statement]\n"},
     {"InoutInputWithoutAVariable", R"({ "outputs": [ { "name": "x", "type": "float", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "measure" } ] })",
      kNoLight, "",
      "graph.json:2:14: warning: input `seed` of node `a` is `inout`, but nothing is wired to it that could "
-     "be written\n"},
+     "be written [inout-without-variable]\n"},
     {"InoutInputWithAVariableIsSound", R"({ "outputs": [ { "name": "x", "type": "float", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "measure", "inputs": { "seed": { "node": "c" } } },
     { "name": "c", "fragment": "clock" } ] })",
      kNoLight, "", ""},
     {"LightUniformOfMetaSLCodeUnderDefaultTool", kMetaSL, kDimmedLights, "--format json",
      "scene.json:1:15: warning: light `key` has the uniform `dim`, which its function for MetaSL code reads, "
-     "but only the light loop (`--tool lightloop`) declares\n"},
+     "but only the light loop (`--tool lightloop`) declares [undeclared-light-uniform]\n"},
     {"LightUniformOfMetaSLCodeUnderLightLoopIsSound", kMetaSL, kDimmedLights,
      "--tool lightloop --format json", ""},
     {"LightUniformWithoutMetaSLCodeIsSound", kUnlit, kDimmedLights, "", ""},

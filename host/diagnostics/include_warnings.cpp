@@ -45,7 +45,7 @@ public:
 
 private:
   Diagnostic missing(const WString& name) const {
-    const Namer namer = findNamer(name).value_or(Namer{{}, {}, "the result"});
+    const Namer namer = findNamer(name).value_or(Namer{job_.document().file(), {}, "the result"});
     std::string text = namer.who + " includes " + inTicks(name) + ", which is in no include folder";
     if (libraries_.includeFolders().empty()) {
       text += "; none is given (see -I)";

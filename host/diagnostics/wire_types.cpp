@@ -198,8 +198,10 @@ public:
     for (const auto& [name, entry] : used_) {
       Set<WString> told;
       for (const FragmentFiles::TypedPlace& place : entry->structures) {
-        if (isShaderType(place.type) || isDeclared(place.type) || !told.insert(place.type).second) continue;
+        // Any other name may be a structure of the host's.
         const std::string type = toUtf8(place.type);
+        if (meantType(type).empty() || isShaderType(place.type)) continue;
+        if (isDeclared(place.type) || !told.insert(place.type).second) continue;
         told_.insert(place.type);
         errors.push_back(diagnose(Finding::unknownPortType, severity, entry->file, place.position,
                                   "fragment " + inTicks(name) + ": the type " + inTicks(type) + " of " +

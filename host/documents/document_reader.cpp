@@ -28,6 +28,13 @@ std::string expectedValueText(const TypeID& type) {
   return "an array of " + std::to_string(componentCount(type)) + (integers ? " integers" : " numbers");
 }
 
+bool holds(const IObjectDataNode& object, const IObjectDataNode& member) {
+  for (std::size_t i = 0; i < object.size(); ++i) {
+    if (object.elementOrNull(i) == &member) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 DocumentReader::DocumentReader(const Document& document)
@@ -75,9 +82,16 @@ Diagnostic DocumentReader::placed(Diagnostic diagnostic) const {
 void DocumentReader::refuse(Finding kind, const IObjectDataNode& at, const std::string& reason) const {
   // What is missing may stand there under a mistyped key, which then is the cause.
   const auto isCause = [&](const UnknownKey& found) {
+    if (found.object == root_.get()) {
+      if (kind == Finding::unknownNode) return found.meant == "nodes";
+      if (kind == Finding::unknownGraphInput) return found.meant == "inputs";
+    }
+    if (kind == Finding::outputWithoutNode) return found.meant == "node" && holds(*found.object, at);
     return found.object == &at && !found.meant.empty() && at.member(fromUtf8(found.meant)) == nullptr;
   };
-  const bool lacksKey = kind == Finding::missingKey || kind == Finding::oneSource;
+  const bool lacksKey = kind == Finding::missingKey || kind == Finding::oneSource ||
+                        kind == Finding::unknownNode || kind == Finding::unknownGraphInput ||
+                        kind == Finding::outputWithoutNode;
   const auto cause =
       lacksKey ? std::find_if(unknownKeys_.begin(), unknownKeys_.end(), isCause) : unknownKeys_.end();
   if (cause == unknownKeys_.end()) fail(diagnose(kind, Severity::error, file_, positionOf(at), reason));

@@ -28,7 +28,7 @@ std::size_t costOf(char a, char b) {
 
 NearName::NearName(std::string_view name) : name_(name), letters_(lettersOf(name)) {
   if (name.empty() || name.size() > kLongest) return;
-  const std::size_t changes = std::clamp<std::size_t>((name.size() + 1) / 3, 1, kMostChanges);
+  const std::size_t changes = std::clamp<std::size_t>(name.size() / 3, 1, kMostChanges);
   limit_ = (changes + 1) * kChange;
 }
 
@@ -40,6 +40,7 @@ NearName::Letters NearName::lettersOf(std::string_view name) {
 
 void NearName::offer(std::string_view known) {
   if (limit_ == 0 || known.empty() || known.size() > kLongest) return;
+  offerLonger(known);
   // What cannot be near is seen without a comparison: a change alters the length by one and two letters.
   const std::size_t most = (limit_ - 1) / kChange;
   const std::size_t longer = std::max(name_.size(), known.size());
@@ -49,8 +50,18 @@ void NearName::offer(std::string_view known) {
   // Another name altogether: nothing of it stays.
   if (cost >= limit_ || cost / kChange >= longer) return;
   limit_ = cost;
-  nearest_ = known;
+  near_ = known;
   if (limit_ == 0) limit_ = 1;  // an equal name stays the nearest
+}
+
+/// Of a name that was cut short: "const" of "constant".
+void NearName::offerLonger(std::string_view known) {
+  if (name_.size() < kLeastCut || known.size() <= name_.size()) return;
+  const std::size_t added = known.size() - name_.size();
+  if (added > kMostAdded || (!longer_.empty() && longer_.size() <= known.size())) return;
+  std::size_t found = 0;
+  for (const char c : known) found += found < name_.size() && name_[found] == c ? 1 : 0;
+  if (found == name_.size()) longer_ = known;
 }
 
 /// The cost of the cheapest changes that make one name of the other, along the diagonal only: `most` letters

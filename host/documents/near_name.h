@@ -13,8 +13,9 @@ namespace TolmSDK::Graphics::sfg::host {
 
 /// Compares one mistyped name with any number of known ones. Letters that were changed, added, left out or
 /// exchanged with their neighbour count one each, a letter of the other case counts less than any of them; a
-/// name that takes more than a third of its letters (three at most) is another name. Each comparison takes
-/// time in proportion to the shorter name. Names of more than kLongest bytes are near to nothing.
+/// name that takes more than a third of its letters (three at most) is another name, unless it only lacks
+/// some (kMostAdded at most). Each comparison takes time in proportion to the names. Names of more than
+/// kLongest bytes are near to nothing.
 class NearName {
 public:
   static constexpr std::size_t kLongest = 128;
@@ -23,19 +24,23 @@ public:
   explicit NearName(std::string_view name);
   void offer(std::string_view known);
   /// The nearest of the names offered, of equally near ones the first; empty when none is near.
-  std::string_view nearest() const noexcept { return nearest_; }
+  std::string_view nearest() const noexcept { return near_.empty() ? longer_ : near_; }
 
 private:
   static constexpr std::size_t kMostChanges = 3;
+  static constexpr std::size_t kMostAdded = 5;
+  static constexpr std::size_t kLeastCut = 5;
   using Letters = std::uint64_t;  ///< a bit for each that occurs
 
   static Letters lettersOf(std::string_view name);
+  void offerLonger(std::string_view known);
   std::size_t countChanges(std::string_view known, std::size_t most) const;
 
   std::string_view name_;
   Letters letters_;
   std::size_t limit_ = 0;  ///< of the cost of what may still be offered
-  std::string_view nearest_;
+  std::string_view near_;
+  std::string_view longer_;  ///< that only has more letters
 };
 
 /// The nearest name of many; empty when none is near.

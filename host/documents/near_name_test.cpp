@@ -70,6 +70,19 @@ std::size_t changes(const std::string& a, const std::string& b) {
   return table[a.size()][b.size()];
 }
 
+bool isPartOf(const std::string& name, const std::string& known) {
+  std::size_t at = 0;
+  for (const char c : known) at += at < name.size() && name[at] == c ? 1 : 0;
+  return at == name.size() && known.size() > name.size() && known.size() <= name.size() + 5;
+}
+
+TEST(NearNameTest, CompletesWhatWasCutShort) {
+  EXPECT_EQ(nearest("const", {"value", "constant", "constants"}), "constant");
+  EXPECT_EQ(nearest("const", {"constant", "cons"}), "cons");
+  EXPECT_EQ(nearest("const", {"constabulary"}), "");
+  EXPECT_EQ(nearest("node", {"nodeOutput"}), "");
+}
+
 TEST(NearNameTest, AgreesWithTheFullTable) {
   std::mt19937 random(7);
   const auto name = [&] {
@@ -82,9 +95,10 @@ TEST(NearNameTest, AgreesWithTheFullTable) {
   for (int i = 0; i < 20000; ++i) {
     const std::string mistyped = name();
     const std::string known = name();
-    const std::size_t most = std::clamp<std::size_t>((mistyped.size() + 1) / 3, 1, 3);
+    const std::size_t most = std::clamp<std::size_t>(mistyped.size() / 3, 1, 3);
     const std::size_t count = changes(mistyped, known);
-    const bool isNear = count <= most && count < std::max(mistyped.size(), known.size());
+    const bool isCut = mistyped.size() >= 5 && isPartOf(mistyped, known);
+    const bool isNear = isCut || (count <= most && count < std::max(mistyped.size(), known.size()));
     EXPECT_EQ(nearest(mistyped, {known}), isNear ? known : "") << mistyped << " " << known;
     near += isNear ? 1 : 0;
   }
