@@ -3,8 +3,7 @@
 #include "sfg/host/errors.h"
 #include "tools/depfile.h"
 #include "tools/output_file.h"
-
-#include "sfg/host/errors.h"
+#include "tools/standard_library.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -27,6 +26,13 @@ std::vector<std::filesystem::path> pathsOf(const std::vector<std::string>& folde
   return {folders.begin(), folders.end()};
 }
 
+void tellFolders(const char* what, const std::vector<std::filesystem::path>& folders,
+                 Diagnostics& diagnostics) {
+  for (const std::filesystem::path& folder : folders) {
+    diagnostics.note(std::string(), std::string(what) + " are read from `" + folder.string() + "`");
+  }
+}
+
 }  // namespace
 
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
@@ -37,12 +43,20 @@ void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
   app.add_option("--language", options.language, "language to generate")
       ->type_name("NAME")
       ->capture_default_str();
+  app.add_flag("--no-standard-library", options.withoutStandard,
+               "leave out the fragments and include files that are installed with the command");
+  app.add_flag("-v,--verbose", options.verbose, "say which folders are read");
 }
 
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
                                                       Diagnostics& diagnostics) {
-  auto libraries = host::LibrarySet::load({pathsOf(options.libraryFolders), pathsOf(options.includeFolders)},
-                                          options.language);
+  host::LibraryFolders folders{pathsOf(options.libraryFolders), pathsOf(options.includeFolders)};
+  if (!options.withoutStandard) addStandardLibrary(folders, findStandardLibrary());
+  if (options.verbose) {
+    tellFolders("fragments", folders.libraries, diagnostics);
+    tellFolders("include files", folders.includes, diagnostics);
+  }
+  auto libraries = host::LibrarySet::load(folders, options.language);
   diagnostics.show(libraries->problems());
   return libraries;
 }

@@ -17,9 +17,9 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 /// An option that takes one of a few words, each of which stands for a value; the first is the default.
 template <class Value>
-void declareChoice(CLI::App& app, const std::string& names,
-                   std::vector<std::pair<std::string, Value>> choices, Value& value,
-                   const std::string& help) {
+CLI::Option* declareChoice(CLI::App& app, const std::string& names,
+                           std::vector<std::pair<std::string, Value>> choices, Value& value,
+                           const std::string& help) {
   std::string bar;
   std::string list;
   for (const auto& [word, unused] : choices) {
@@ -27,15 +27,16 @@ void declareChoice(CLI::App& app, const std::string& names,
     list += (list.empty() ? "`" : ", `") + word + "`";
   }
   const std::string standard = choices.front().first;
-  app.add_option_function<std::string>(
-         names,
-         [choices, list, names, &value](const std::string& given) {
-           for (const auto& [word, meaning] : choices) {
-             if (word == given) return void(value = meaning);
-           }
-           throw CLI::ValidationError(names, "`" + given + "` is none of " + list);
-         },
-         help)
+  return app
+      .add_option_function<std::string>(
+          names,
+          [choices, list, names, &value](const std::string& given) {
+            for (const auto& [word, meaning] : choices) {
+              if (word == given) return void(value = meaning);
+            }
+            throw CLI::ValidationError(names, "`" + given + "` is none of " + list);
+          },
+          help)
       ->type_name(bar)
       ->default_str(standard);
 }
@@ -45,10 +46,13 @@ struct LibraryOptions {
   std::vector<std::string> libraryFolders;
   std::vector<std::string> includeFolders;
   std::string language = "dx11";
+  bool withoutStandard = false;
+  bool verbose = false;
 };
-/// -L, -I and --language.
+/// -L, -I, --language, --no-standard-library and -v.
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options);
-/// The libraries, whose problems are written. Throws InputError.
+/// The libraries, whose problems are written; the installed ones come first, so that others override them.
+/// Throws InputError.
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
                                                       Diagnostics& diagnostics);
 

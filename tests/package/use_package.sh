@@ -102,6 +102,32 @@ case "$test" in
   HasACommandThatRuns)
     expect_output "sfg $version" "$prefix/bin/sfg" --version
     ;;
+  FindsItsLibrary)
+    cp -a "$prefix" "$work/elsewhere"
+    cd "$work"
+    "$work/elsewhere/bin/sfg" new graph wall
+    for from in "$prefix" "$work/elsewhere"; do
+      "$from/bin/sfg" collapse wall.json -v >"$work/wall.hlsl" 2>"$work/said"
+      printf 'sfg: note: %s are read from `%s`\n' fragments "$from/share/sfg/library" \
+        'include files' "$from/share/sfg/library" | diff "$work/said" -
+      grep -q 'void checkerPattern1(' "$work/wall.hlsl"
+    done
+    ! "$prefix/bin/sfg" collapse wall.json --no-standard-library 2>"$work/said"
+    grep -q 'mixFloat3' "$work/said"
+    # Hosts ask the package.
+    folder=$(PKG_CONFIG_LIBDIR="$(libdir "$prefix")/pkgconfig" pkg-config --variable=librarydir sfg-host)
+    [ -f "$folder/patterns.fraglib" ] || fail "pkg-config says: $folder"
+    printf '%s\n' 'cmake_minimum_required(VERSION 3.25)' 'project(asks LANGUAGES CXX)' 'find_package(sfg REQUIRED)' \
+      'if(NOT EXISTS "${sfg_LIBRARY_DIR}/patterns.fraglib")' '  message(FATAL_ERROR "${sfg_LIBRARY_DIR}")' 'endif()' \
+      >CMakeLists.txt
+    "$CMAKE" -S . -B build -G Ninja -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_PREFIX_PATH="$prefix"
+    ;;
+  DescribesTheCommand)
+    "$prefix/bin/sfg" manual | diff "$prefix/share/man/man1/sfg.1" -
+    "$prefix/bin/sfg" completion bash | diff "$prefix/share/bash-completion/completions/sfg" -
+    "$prefix/bin/sfg" completion zsh | diff "$prefix/share/zsh/site-functions/_sfg" -
+    "$prefix/bin/sfg" completion fish | diff "$prefix/share/fish/vendor_completions.d/sfg.fish" -
+    ;;
   HasEveryPublicHeader)
     diff <(cd "$sources" && find include platform/include -name '*.h' | sed -E 's,^(platform/)?include/,,' | sort) \
       <(cd "$prefix/include" && find . -name '*.h' | sed 's,^\./,,' | sort)
