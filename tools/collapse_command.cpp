@@ -43,7 +43,7 @@ public:
   }
 
   int run(Diagnostics& diagnostics) override {
-    checkDepfile(depfile_, output_);
+    checkOutputs(options_, {output_}, depfile_);
     host::Job job = makeJob(options_, diagnostics);
     switch (collapse(job, format_ == Format::shader, diagnostics)) {
     case Outcome::thrown: return kRefused;

@@ -33,6 +33,22 @@ void tellFolders(const char* what, const std::vector<std::filesystem::path>& fol
   }
 }
 
+bool isWanted(const DepfileOptions& options) { return options.wanted || !options.file.empty(); }
+
+std::string fileOf(const DepfileOptions& options, const std::string& output) {
+  return options.file.empty() ? output + ".d" : options.file;
+}
+
+void addFiles(std::vector<std::string>& files, const std::vector<std::string>& folders,
+              const char* extension) {
+  for (const std::string& folder : folders) {
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+      if (entry.path().extension() == extension) files.push_back(entry.path().string());
+    }
+  }
+}
+
 }  // namespace
 
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
@@ -130,15 +146,20 @@ void declareDepfileOptions(CLI::App& app, DepfileOptions& options) {
   app.add_option("--MF", options.file, "name of the dependency file (also spelled `-MF`)")->type_name("FILE");
 }
 
-void checkDepfile(const DepfileOptions& options, const std::string& output) {
-  if (options.file.empty() ? options.wanted && output.empty() : output.empty()) {
-    throw host::InputError("a dependency file needs the result's name (`-o`)");
+void checkOutputs(const JobOptions& options, std::vector<std::string> outputs,
+                  const DepfileOptions& depfile) {
+  if (isWanted(depfile)) {
+    if (outputs.front().empty()) throw host::InputError("a dependency file needs the result's name (`-o`)");
+    outputs.push_back(fileOf(depfile, outputs.front()));
   }
+  std::vector<std::string> inputs{options.graphFile, options.environmentFile};
+  addFiles(inputs, options.libraries.libraryFolders, ".fraglib");
+  addFiles(inputs, options.libraries.includeFolders, ".h");
+  checkOutputs(outputs, inputs);
 }
 
 void writeDepfile(const DepfileOptions& options, const std::string& output, const host::Job& job) {
-  if (!options.wanted && options.file.empty()) return;
-  writeOutput(options.file.empty() ? output + ".d" : options.file, writeDepfile(output, job.files()));
+  if (isWanted(options)) writeOutput(fileOf(options, output), writeDepfile(output, job.files()));
 }
 
 Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) {

@@ -82,8 +82,10 @@ struct DepfileOptions {
 };
 /// -MD and -MF.
 void declareDepfileOptions(CLI::App& app, DepfileOptions& options);
-/// Throws InputError when a dependency file is wanted for a result that is in no file.
-void checkDepfile(const DepfileOptions& options, const std::string& output);
+/// Throws InputError when the outputs (empty names are none) or the dependency file of the first one would
+/// replace what is read, or each other, and when a dependency file is wanted for a result that is in no file.
+void checkOutputs(const JobOptions& options, std::vector<std::string> outputs,
+                  const DepfileOptions& depfile = {});
 /// Writes the dependency file, if one is wanted.
 void writeDepfile(const DepfileOptions& options, const std::string& output, const host::Job& job);
 

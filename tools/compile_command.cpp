@@ -47,7 +47,7 @@ public:
   }
 
   int run(Diagnostics& diagnostics) override {
-    checkDepfile(depfile_, output_);
+    checkOutputs(options_, {output_, reflection_}, depfile_);
     host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
     const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, names_, diagnostics);

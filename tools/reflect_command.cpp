@@ -66,6 +66,7 @@ public:
   }
 
   int run(Diagnostics& diagnostics) override {
+    checkOutputs(options_, {output_, packed_});
     host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
     const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, names_, diagnostics);

@@ -231,7 +231,7 @@ const Refusal kArguments[] = {
      "sfg: error: --light-lod: `inf` is not a finite number\ntry `sfg --help`, or `sfg COMMAND --help`\n",
      nullptr, "--light-lod inf"},
     {"OutputFolderIsMissing", kRed, 2,
-     "nowhere/out.json: error: cannot be written: the folder is missing, not writable or full\n", nullptr,
+     "nowhere/out.json: error: cannot be written: No such file or directory\n", nullptr,
      "-o nowhere/out.json"},
 };
 
