@@ -14,6 +14,7 @@
 #include <spirv-tools/optimizer.hpp>
 #include <sstream>
 
+#include "host/modules/new_operations.h"
 #include "host/shader/module_names.h"
 #include "host/shader/shader_target.h"
 
@@ -32,14 +33,12 @@ struct Dialect {
   const char* name;
   unsigned number;
   bool isEmbedded;
-  bool isHighByDefault;     ///< the precision of numbers that say none
-  std::size_t longestName;  ///< identifiers may be as long
+  bool isHighByDefault;  ///< the precision of numbers that say none
 };
-constexpr std::size_t kAnyLength = static_cast<std::size_t>(-1);
-constexpr Dialect kGlsl450 = {"GLSL 4.50", 450, false, false, kAnyLength};
-constexpr Dialect kGlsl330 = {"GLSL 3.30", 330, false, false, kAnyLength};
-constexpr Dialect kEssl320 = {"GLSL ES 3.20", 320, true, false, kAnyLength};
-constexpr Dialect kEssl300 = {"GLSL ES 3.00", 300, true, true, 1024};  // as WebGL 2 has it
+constexpr Dialect kGlsl450 = {"GLSL 4.50", 450, false, false};
+constexpr Dialect kGlsl330 = {"GLSL 3.30", 330, false, false};
+constexpr Dialect kEssl320 = {"GLSL ES 3.20", 320, true, false};
+constexpr Dialect kEssl300 = {"GLSL ES 3.00", 300, true, true};
 
 /// The front end is started once and ended with the process.
 struct FrontEnd {
@@ -174,6 +173,12 @@ Words runPasses(const Words& words, Passes registerPasses) {
   return optimised;
 }
 
+/// What nothing reaches from the entry point is no part of the shader: translations leave it out, too.
+void registerReached(spvtools::Optimizer& optimizer) {
+  optimizer.RegisterPass(spvtools::CreateEliminateDeadFunctionsPass())
+      .RegisterPass(spvtools::CreateDeadVariableEliminationPass());
+}
+
 /// What the HLSL front end makes of structures with textures is legal only after these passes, which put
 /// every function where it is called.
 void registerLegalization(spvtools::Optimizer& optimizer) { optimizer.RegisterLegalizationPasses(); }
@@ -227,7 +232,7 @@ Words optimiseSize(const Words& words, bool debug) {
 
 Words legaliseAndOptimise(const Words& words, const CompileOptions& options) {
   switch (options.optimization) {
-  case Optimization::none: return isValid(words) ? words : runPasses(words, registerLegalization);
+  case Optimization::none: return runPasses(words, isValid(words) ? registerReached : registerLegalization);
   case Optimization::size: return optimiseSize(words, options.debug);
   case Optimization::speed: break;
   }
@@ -377,22 +382,6 @@ std::string toHlsl(const Words& words, ShaderStage stage, ShaderModel model) {
   return text;
 }
 
-/// Throws for an identifier that is longer than the language takes.
-void checkLengths(const std::string& text, const Dialect& dialect) {
-  constexpr const char* kNameParts = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
-  for (std::size_t start = 0; (start = text.find_first_of(kNameParts, start)) != text.npos;) {
-    const std::size_t end = std::min(text.find_first_not_of(kNameParts, start), text.size());
-    if (end - start > dialect.longestName) {
-      throw CompileError(
-          "the translation is refused",
-          {{0, "the name `" + text.substr(start, 32) + "..` has " + std::to_string(end - start) +
-                   " characters; WebGL 2 takes " + std::to_string(dialect.longestName)}},
-          false);
-    }
-    start = end;
-  }
-}
-
 std::string toGlsl(const Words& words, ShaderStage stage, const Dialect& dialect) {
   CrossCompiler compiler(words, SPVC_BACKEND_GLSL);
   compiler.setNumber(SPVC_COMPILER_OPTION_GLSL_VERSION, dialect.number);
@@ -402,34 +391,40 @@ std::string toGlsl(const Words& words, ShaderStage stage, const Dialect& dialect
   compiler.combineTextures();
   std::string text = compiler.compile();
   Parsed(text, Parsed::Language::glsl, "main", stage, std::string("the translated ") + dialect.name, false);
-  if (dialect.longestName != kAnyLength) checkLengths(text, dialect);
   return text;
 }
 
-bool canBe(const Words& words, ShaderStage stage, const Dialect& dialect) {
-  try {
-    toGlsl(words, stage, dialect);
-    return true;
-  } catch (const CompileError&) {
-    return false;
+/// What a version that lacks much of the later ones has against a module: in the shader's words where they
+/// are known, else in those of the compiler that refused the text.
+std::vector<CompilerMessage> findObstacles(const Words& words, const std::vector<CompilerMessage>& messages) {
+  std::vector<CompilerMessage> obstacles;
+  const CrossCompiler module(words, SPVC_BACKEND_NONE);
+  for (const auto& buffer : module.resources(SPVC_RESOURCE_TYPE_STORAGE_BUFFER)) {
+    obstacles.push_back({0, "it has no storage buffers: `" + buffer.name + "`"});
   }
+  for (const auto& image : module.resources(SPVC_RESOURCE_TYPE_STORAGE_IMAGE)) {
+    obstacles.push_back({0, "it has no textures to write to: `" + image.name + "`"});
+  }
+  for (const std::string& name : findNewOperations(words)) {
+    obstacles.push_back({0, "it has no function for `" + name + "`"});
+  }
+  if (!obstacles.empty()) return obstacles;
+  for (const CompilerMessage& message : messages) {
+    if (message.text.find("compilation terminated") == message.text.npos) obstacles.push_back(message);
+  }
+  return obstacles;
 }
 
-/// A version that lacks much of the later ones: what it cannot express is told with those that can.
-std::string toOldGlsl(const Words& words, ShaderStage stage, const Dialect& dialect) {
-  try {
-    return toGlsl(words, stage, dialect);
-  } catch (const CompileError& error) {
-    const bool embedded = canBe(words, stage, kEssl320);
-    const bool desktop = canBe(words, stage, kGlsl450);
-    std::string reason = std::string("the shader cannot be expressed in ") + dialect.name;
-    if (embedded || desktop) reason += embedded && desktop ? "; the targets " : "; the target ";
-    if (embedded) reason += "`essl`";
-    if (embedded && desktop) reason += " and ";
-    if (desktop) reason += "`glsl` (4.50)";
-    if (embedded || desktop) reason += " can";
-    throw CompileError(reason, error.messages(), false);
-  }
+/// Extensions are there on some machines only, and in browsers mostly not.
+void refuseExtensions(const std::string& text) {
+  constexpr std::string_view kExtension = "\n#extension ";
+  const std::size_t start = text.find(kExtension);
+  if (start == text.npos) return;
+  const std::size_t name = start + kExtension.size();
+  throw CompileError(
+      "an extension is needed",
+      {{0, "it needs the extension `" + text.substr(name, text.find_first_of(" :\n", name) - name) + "`"}},
+      false);
 }
 
 std::string toMsl(const Words& words, ShaderStage stage) {
@@ -437,6 +432,39 @@ std::string toMsl(const Words& words, ShaderStage stage) {
   compiler.bindForMetal(stage == ShaderStage::pixel ? SpvExecutionModelFragment : SpvExecutionModelGLCompute);
   compiler.setNumber(SPVC_COMPILER_OPTION_MSL_VERSION, SPVC_MAKE_MSL_VERSION(2, 1, 0));
   return compiler.compile();
+}
+
+/// ", `hlsl` and `msl`": the targets that have what the module needs, behind the one that is the module
+/// itself.
+std::string targetsOf(const Words& words, ShaderStage stage) {
+  std::vector<std::string> able;
+  const auto add = [&](const char* name, const auto& translate) {
+    try {
+      translate();
+      able.push_back(name);
+    } catch (const CompileError&) {
+    }
+  };
+  add("`hlsl`", [&] { toHlsl(words, stage, ShaderModel::sm50); });
+  add("`glsl` (4.50)", [&] { toGlsl(words, stage, kGlsl450); });
+  add("`essl`", [&] { toGlsl(words, stage, kEssl320); });
+  add("`msl`", [&] { toMsl(words, stage); });
+  std::string text = "`spirv`";
+  for (const std::string& name : able) text += (&name == &able.back() ? " and " : ", ") + name;
+  return (able.empty() ? "the target " : "the targets ") + text + " can";
+}
+
+/// A version that lacks much of the later ones: what it cannot express is told with the targets that can.
+std::string toOldGlsl(const Words& words, ShaderStage stage, const Dialect& dialect) {
+  try {
+    std::string text = toGlsl(words, stage, dialect);
+    refuseExtensions(text);
+    return text;
+  } catch (const CompileError& error) {
+    throw CompileError(std::string("the shader cannot be expressed in ") + dialect.name + "; " +
+                           targetsOf(words, stage),
+                       findObstacles(words, error.messages()), false);
+  }
 }
 
 std::string bytesOf(const Words& words) {
