@@ -256,7 +256,9 @@ TEST_F(CompiledReflectTest, TellsWhatTheCompilersLeftOut) {
 }
 
 TEST_F(CompiledReflectTest, CompileWritesTheSameBesideItsResult) {
-  for (const char* target : {"spirv", "hlsl", "glsl", "essl", "msl"}) {
+  for (const char* target :
+       {"spirv", "hlsl", "glsl", "essl", "msl", "essl300", "glsl --glsl-version 330",
+        "hlsl --shader-model 6.0", "spirv --optimize none", "spirv --optimize size --debug"}) {
     const std::string arguments = std::string("--target ") + target;
     const CommandRun compiled = run("compile graph.json -L lib -o out --reflect out.json " + arguments);
     EXPECT_EQ(compiled.status, 0) << compiled.err;
@@ -308,7 +310,7 @@ TEST_F(CompiledReflectTest, NotesOnLinesWithReadableNamesKnowTheirFragments) {
 }
 
 TEST_F(CompiledReflectTest, NamesInTranslationsAreOurs) {
-  for (const char* target : {"hlsl", "glsl", "essl", "msl"}) {
+  for (const char* target : {"hlsl", "glsl", "essl", "msl", "essl300"}) {
     const std::string text = run(std::string("compile graph.json -L lib --target ") + target).out;
     EXPECT_THAT(text, HasSubstr(std::string(target) == "hlsl" ? "float3 sfg_uniforms_a_color"
                                                               : "sfg_uniforms.a_color"))

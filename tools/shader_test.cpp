@@ -20,7 +20,11 @@ protected:
   /// Compiles to every target; each is validated by the command.
   void compilesEverywhere(const std::string& arguments) const {
     if (!host::hasCompilers()) return;
-    for (const char* target : {"spirv", "hlsl", "glsl", "essl", "msl"}) {
+    std::vector<std::string> targets = {"spirv", "hlsl", "hlsl --shader-model 6.0", "glsl", "essl", "msl"};
+    if (arguments.find("compute") == arguments.npos) {
+      targets.insert(targets.end(), {"glsl --glsl-version 330", "essl300"});
+    }
+    for (const std::string& target : targets) {
       const CommandRun result = run("compile graph.json -L lib " + arguments + " --target " + target);
       EXPECT_EQ(result.status, 0) << target << "\n" << result.err;
       EXPECT_FALSE(result.out.empty()) << target;

@@ -125,9 +125,10 @@ Json listJson(const Things& things, const ToJson& toJson) {
 }
 
 Json interfaceJson(const ShaderInterface& shader) {
-  Json json = {{"target", shader.target ? targetName(*shader.target) : "assembled"},
-               {"stage", toUtf8(stageName(shader.stage))},
-               {"entryPoint", shader.entryPoint}};
+  Json json = {{"target", shader.target ? targetName(*shader.target) : "assembled"}};
+  addText(json, "version", shader.version);
+  json["stage"] = toUtf8(stageName(shader.stage));
+  json["entryPoint"] = shader.entryPoint;
   addNumber(json, "groupSize", shader.groupSize);
   json["attributes"] = listJson(shader.attributes, attributeJson);
   json["buffers"] = listJson(shader.buffers, bufferJson);

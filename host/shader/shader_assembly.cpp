@@ -23,10 +23,11 @@ AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage, NameSt
   return assembled;
 }
 
-ShaderInterface reflectShader(const AssembledShader& assembled, std::optional<ShaderTarget> target) {
+ShaderInterface reflectShader(const AssembledShader& assembled, std::optional<ShaderTarget> target,
+                              const CompileOptions& options) {
   ShaderInterface shader = assembled.reflection;
   hashInterface(shader, toUtf8(assembled.shader.getCompleteShader()));
-  return target ? interfaceFor(shader, *target) : shader;
+  return target ? interfaceFor(shader, *target, options) : shader;
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -46,6 +46,7 @@ AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage,
 /// What an assembled shader takes and gives in a target, or as its HLSL text has it, with a hash but without
 /// files.
 ShaderInterface reflectShader(const AssembledShader& assembled,
-                              std::optional<ShaderTarget> target = std::nullopt);
+                              std::optional<ShaderTarget> target = std::nullopt,
+                              const CompileOptions& options = {});
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -70,6 +70,12 @@ void toEssl(ShaderInterface& shader) {
   }
 }
 
+/// Nothing has a number but render targets.
+void bindByName(ShaderInterface& shader) {
+  changePlaces(shader, [](InterfacePlace& place) { place.binding.reset(); });
+  for (InterfaceAttribute& attribute : shader.attributes) attribute.location.reset();
+}
+
 /// Textures and samplers are one; uniform blocks, textures and buffers are numbered apart.
 void toGlsl(ShaderInterface& shader) {
   shader.entryPoint = "main";
@@ -113,23 +119,39 @@ void toMsl(ShaderInterface& shader) {
   }
 }
 
+/// What else the compiled bytes depend on: nothing where no option is chosen.
+std::string keyOf(const CompileOptions& options) {
+  std::string key;
+  if (options.optimization == Optimization::size) key += "\nsize";
+  if (options.optimization == Optimization::none) key += "\nnot optimised";
+  if (options.debug) key += "\ndebug";
+  return key;
+}
+
 }  // namespace
 
-ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target) {
+ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target,
+                             const CompileOptions& options) {
+  if (const std::string refusal = refusalOf(assembled.stage, target, options); !refusal.empty()) {
+    throw CompileError(refusal, {}, false);
+  }
   ShaderInterface shader = assembled;
   shader.target = target;
+  shader.version = chosenVersion(target, options);
   nameAsModule(shader);
   switch (target) {
   case ShaderTarget::spirv: toSpirv(shader); break;
   case ShaderTarget::hlsl: toHlsl(shader); break;
   case ShaderTarget::glsl: toGlsl(shader); break;
   case ShaderTarget::essl:
+  case ShaderTarget::essl300:
     toGlsl(shader);
     toEssl(shader);
     break;
   case ShaderTarget::msl: toMsl(shader); break;
   }
-  hashInterface(shader, assembled.hash);
+  if (bindsByName(target, options)) bindByName(shader);
+  hashInterface(shader, assembled.hash + keyOf(options));
   return shader;
 }
 

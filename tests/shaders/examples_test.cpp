@@ -23,6 +23,18 @@ TEST_P(ExamplesTest, CompilesForEveryStageAndTarget) {
   }
 }
 
+/// Optimised otherwise, modules have other parts, which are told as truly.
+TEST_P(ExamplesTest, CompilesWhateverItIsOptimisedFor) {
+  std::ifstream file("examples/materials/" + GetParam() + ".json");
+  sfg::host::CollapseSettings lit = settings(Json::parse(file));
+  light(lit, environmentOf(4));
+  for (const sfg::host::ShaderStage stage :
+       {sfg::host::ShaderStage::pixel, sfg::host::ShaderStage::compute}) {
+    EXPECT_EQ(compile(lit, stage, true, sfg::host::Optimization::size), "");
+    EXPECT_EQ(compile(lit, stage, true, sfg::host::Optimization::none), "");
+  }
+}
+
 std::vector<std::string> examples() {
   std::vector<std::string> names;
   for (const auto& file : std::filesystem::directory_iterator("examples/materials")) {

@@ -1,5 +1,6 @@
 #include "tests/shaders/interface_facts.h"
 
+#include <glslang/Include/Types.h>
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
 #include <glslang/SPIRV/GlslangToSpv.h>
@@ -71,7 +72,7 @@ Facts factsOf(const ShaderInterface& shader) {
   facts.insert("entry " + shader.entryPoint);
   for (const InterfaceAttribute& attribute : shader.attributes) {
     if (!attribute.isUsed.value()) continue;
-    if (attribute.location) {
+    if (attribute.builtin.empty()) {
       facts.insert(line("in", attribute.name,
                         {{"location", optional(attribute.location)},
                          {"type", attribute.type},
@@ -354,6 +355,116 @@ std::vector<std::uint32_t> compileTranslation(const std::string& text, ShaderTar
   return words;
 }
 
+/// Reads a text in a version of GLSL that has no SPIR-V, as glslang understands it: what the text does not
+/// number has no number.
+class OldGlslReader {
+public:
+  explicit OldGlslReader(const std::string& text) : shader_(EShLangFragment) {
+    static const bool isStarted = glslang::InitializeProcess();
+    if (!isStarted) throw std::runtime_error("glslang does not start");
+    const char* const strings = text.c_str();
+    shader_.setStrings(&strings, 1);
+    if (!shader_.parse(GetDefaultResources(), 100, false, EShMsgDefault)) {
+      throw std::runtime_error(shader_.getInfoLog());
+    }
+    program_.addShader(&shader_);
+    if (!program_.link(EShMsgDefault)) throw std::runtime_error(program_.getInfoLog());
+    if (!program_.buildReflection(EShReflectionStrictArraySuffix | EShReflectionAllBlockVariables |
+                                  EShReflectionIntermediateIO | EShReflectionAllIOVariables)) {
+      throw std::runtime_error("no reflection");
+    }
+  }
+
+  Facts read() {
+    facts_.insert("entry main");
+    for (int i = 0; i < program_.getNumUniformBlocks(); ++i) readBlock(program_.getUniformBlock(i));
+    for (int i = 0; i < program_.getNumUniformVariables(); ++i) readUniform(program_.getUniform(i));
+    for (int i = 0; i < program_.getNumPipeInputs(); ++i) readVarying(program_.getPipeInput(i), "in");
+    for (int i = 0; i < program_.getNumPipeOutputs(); ++i) readVarying(program_.getPipeOutput(i), "out");
+    return std::move(facts_);
+  }
+
+private:
+  static std::string bindingOf(const glslang::TObjectReflection& object) {
+    return object.getBinding() < 0 ? "" : " binding=" + std::to_string(object.getBinding());
+  }
+
+  void readBlock(const glslang::TObjectReflection& block) {
+    facts_.insert("block " + block.name + bindingOf(block) + " variable=" + variableOf(block.name) +
+                  " size=" + number((static_cast<std::size_t>(block.size) + 15) / 16 * 16));
+  }
+
+  /// The block's variable, from the tree of what is declared.
+  std::string variableOf(const std::string& block) const {
+    const glslang::TIntermAggregate* const declared =
+        program_.getIntermediate(EShLangFragment)->findLinkerObjects();
+    for (const TIntermNode* node : declared->getSequence()) {
+      const glslang::TIntermSymbol* const symbol = const_cast<TIntermNode*>(node)->getAsSymbolNode();
+      if (symbol == nullptr || symbol->getBasicType() != glslang::EbtBlock) continue;
+      if (symbol->getType().getTypeName() == block.c_str()) return symbol->getName().c_str();
+    }
+    return "(none)";
+  }
+
+  void readUniform(const glslang::TObjectReflection& uniform) {
+    const glslang::TType& type = *uniform.getType();
+    if (type.getBasicType() == glslang::EbtSampler) {
+      const std::map<int, const char*> dimensions = {
+          {glslang::Esd1D, "1D"}, {glslang::Esd2D, "2D"}, {glslang::Esd3D, "3D"}, {glslang::EsdCube, "Cube"}};
+      facts_.insert(std::string("sampler") + dimensions.at(type.getSampler().dim) + " " + uniform.name +
+                    bindingOf(uniform));
+      return;
+    }
+    const std::size_t length = type.isArray() ? static_cast<std::size_t>(type.getOuterArraySize()) : 0;
+    const std::size_t rows = static_cast<std::size_t>(type.getMatrixRows());
+    const std::size_t stride = static_cast<std::size_t>(uniform.arrayStride);
+    const bool isMatrix = type.isMatrix();
+    // Rows of a matrix in HLSL are its columns here, and lie across: all blocks are declared so.
+    const std::size_t one = isMatrix ? 16 * rows : 4 * static_cast<std::size_t>(type.getVectorSize());
+    facts_.insert(line("member", uniform.name,
+                       {{"offset", std::to_string(uniform.offset)},
+                        {"type", typeName(type)},
+                        {"size", number(length == 0 ? one : stride * length)},
+                        {"array", unlessZero(length)},
+                        {"arrayStride", unlessZero(stride)},
+                        {isAcross(type) ? "columnStride" : "rowStride", isMatrix ? "16" : ""}}));
+  }
+
+  static bool isAcross(const glslang::TType& type) {
+    return type.getQualifier().layoutMatrix == glslang::ElmRowMajor;
+  }
+
+  void readVarying(const glslang::TObjectReflection& varying, const std::string& what) {
+    if (varying.name == "gl_FragCoord") return void(facts_.insert("builtin fragCoord"));
+    if (varying.name == "gl_FrontFacing") return void(facts_.insert("builtin frontFacing"));
+    const glslang::TQualifier& qualifier = varying.getType()->getQualifier();
+    facts_.insert(line(what, varying.name,
+                       {{"location", qualifier.hasLocation() ? std::to_string(qualifier.layoutLocation) : ""},
+                        {"type", typeName(*varying.getType())},
+                        {"flat", qualifier.flat ? "yes" : ""}}));
+  }
+
+  static std::string typeName(const glslang::TType& type) {
+    const std::map<glslang::TBasicType, const char*> names = {{glslang::EbtFloat, "float"},
+                                                              {glslang::EbtInt, "int"},
+                                                              {glslang::EbtUint, "uint"},
+                                                              {glslang::EbtBool, "bool"}};
+    std::string name = names.at(type.getBasicType());
+    if (type.isMatrix()) {
+      return name + std::to_string(type.getMatrixCols()) + "x" + std::to_string(type.getMatrixRows());
+    }
+    return type.getVectorSize() > 1 ? name + std::to_string(type.getVectorSize()) : name;
+  }
+
+  glslang::TShader shader_;
+  glslang::TProgram program_;
+  Facts facts_;
+};
+
+bool isOldGlsl(const std::string& text) {
+  return text.starts_with("#version 330\n") || text.starts_with("#version 300 es\n");
+}
+
 /// Attributes and render targets of HLSL, whose locations are semantics.
 void readSemantics(Facts& facts, const std::string& text) {
   static const std::regex kStructure(R"(struct SPIRV_Cross_(Input|Output)\n\{\n([^}]*)\};)");
@@ -387,6 +498,7 @@ Facts factsOfModule(const std::vector<std::uint32_t>& spirv) {
 }
 
 Facts factsOfTranslation(const std::string& text, ShaderTarget target, ShaderStage stage) {
+  if (isOldGlsl(text)) return OldGlslReader(text).read();
   Reading reading;
   if (target == ShaderTarget::hlsl) {
     reading.hasRegisters = true;

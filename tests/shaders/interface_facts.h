@@ -22,8 +22,9 @@ Facts factsOf(const sfg::host::ShaderInterface& shader);
 /// As SPIRV-Cross reads the module.
 Facts factsOfModule(const std::vector<std::uint32_t>& spirv);
 
-/// As SPIRV-Cross reads what glslang makes of the translation (HLSL, GLSL or ESSL). Throws std::runtime_error
-/// when that does not compile.
+/// As SPIRV-Cross reads what glslang makes of the translation (HLSL, GLSL or ESSL); of GLSL 3.30 and
+/// ESSL 3.00, which are too old for SPIR-V, as glslang itself reads the text. Throws std::runtime_error when
+/// that does not compile.
 Facts factsOfTranslation(const std::string& text, sfg::host::ShaderTarget target,
                          sfg::host::ShaderStage stage);
 

@@ -176,7 +176,11 @@ TEST_P(RandomGraphsTest, Compile) {
     chosen.surfaceLod = chosen.lightLod = static_cast<float>(random.pick(101));
     const sfg::host::ShaderStage stage =
         seed % 2 == 0 ? sfg::host::ShaderStage::pixel : sfg::host::ShaderStage::compute;
-    ASSERT_EQ(compile(chosen, stage, true), "")
+    // One in ten of the shaders is not optimised, one in ten for size.
+    const sfg::host::Optimization optimization = seed % 20 < 2     ? sfg::host::Optimization::none
+                                                 : seed % 20 >= 18 ? sfg::host::Optimization::size
+                                                                   : sfg::host::Optimization::speed;
+    ASSERT_EQ(compile(chosen, stage, true, optimization), "")
         << "seed " << seed << ": "
         << (isLightLoop ? "light loop, " + std::to_string(lights) + " lights" : std::string("default tool"))
         << ", levels of detail " << chosen.surfaceLod << "\n"

@@ -21,16 +21,18 @@ const FragmentFiles& libraryFiles() { return standardLibrary().files(); }
 
 /// Compares what the interface says with what is read from the target's module or text.
 std::string checkInterface(const AssembledShader& assembled, const std::vector<std::uint32_t>& spirv,
-                           ShaderTarget target) {
-  ShaderInterface shader = reflectShader(assembled, target);
+                           const TargetVersion& version) {
+  const ShaderTarget target = version.target;
+  ShaderInterface shader = reflectShader(assembled, target, version.options);
   markUsed(shader, spirv);
-  const std::string text = translate(spirv, shader.stage, target);
+  const std::string text = translate(spirv, shader.stage, target, version.options);
   const Facts found = target == ShaderTarget::spirv ? factsOfModule(spirv)
                       : target == ShaderTarget::msl ? factsOfMetal(text)
                                                     : factsOfTranslation(text, target, shader.stage);
   const std::string wrong = difference(factsOf(shader), found);
   if (wrong.empty()) return {};
-  return std::string(targetName(target)) + ":\n" + wrong + (target == ShaderTarget::spirv ? "" : text);
+  return std::string(targetName(target)) + " " + shader.version + ":\n" + wrong +
+         (target == ShaderTarget::spirv ? "" : text);
 }
 
 }  // namespace
@@ -82,8 +84,8 @@ void ShaderFixture::light(CollapseSettings& settings, const Json& environment) c
   settings.tool = CollapseTool::lightLoop;
 }
 
-std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage stage,
-                                   bool everyTarget) try {
+std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage stage, bool everyTarget,
+                                   Optimization optimization) try {
   CollapseJob job(settings);
   job.run();
   if (job.result() == nullptr) return "the collapse answers null";
@@ -92,12 +94,14 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   for (const Diagnostic& warning : findWarnings(job, true)) return warning.place() + ": " + warning.text;
   const std::string hlsl = TolmSDK::toUtf8(assembled.shader.getCompleteShader());
   try {
-    const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage);
-    std::string wrong = checkInterface(assembled, spirv, ShaderTarget::spirv);
-    if (!everyTarget) return wrong;
-    for (const ShaderTarget target :
-         {ShaderTarget::hlsl, ShaderTarget::glsl, ShaderTarget::essl, ShaderTarget::msl}) {
-      wrong += checkInterface(assembled, spirv, target);
+    CompileOptions options;
+    options.optimization = optimization;
+    const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage, options);
+    std::string wrong;
+    for (TargetVersion& version : targetVersions(stage)) {
+      version.options.optimization = optimization;
+      wrong += checkInterface(assembled, spirv, version);
+      if (!everyTarget) break;
     }
     return wrong;
   } catch (const CompileError& error) {
@@ -109,6 +113,20 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   }
 } catch (const std::exception& error) {
   return error.what();
+}
+
+std::vector<TargetVersion> targetVersions(ShaderStage stage) {
+  CompileOptions other;
+  other.glslVersion = GlslVersion::glsl330;
+  other.shaderModel = ShaderModel::sm60;
+  std::vector<TargetVersion> versions = {{ShaderTarget::spirv, {}},   {ShaderTarget::hlsl, {}},
+                                         {ShaderTarget::hlsl, other}, {ShaderTarget::glsl, {}},
+                                         {ShaderTarget::essl, {}},    {ShaderTarget::msl, {}}};
+  if (stage == ShaderStage::pixel) {
+    versions.push_back({ShaderTarget::glsl, other});
+    versions.push_back({ShaderTarget::essl300, {}});
+  }
+  return versions;
 }
 
 Json environmentOf(std::size_t lights) {

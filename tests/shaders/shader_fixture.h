@@ -38,14 +38,23 @@ protected:
   /// Makes it a light loop over an environment document.
   void light(sfg::host::CollapseSettings& settings, const Json& environment) const;
 
-  /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language. Answers why
-  /// it cannot, or what the host warns of.
+  /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language in all its
+  /// versions. Answers why it cannot, or what the host warns of.
   static std::string compile(const sfg::host::CollapseSettings& settings, sfg::host::ShaderStage stage,
-                             bool everyTarget);
+                             bool everyTarget,
+                             sfg::host::Optimization optimization = sfg::host::Optimization::speed);
 
 private:
   std::filesystem::path folder_;
 };
+
+/// A target in one of its versions.
+struct TargetVersion {
+  sfg::host::ShaderTarget target;
+  sfg::host::CompileOptions options;
+};
+/// All that shaders of the stage can be compiled for, the module first.
+std::vector<TargetVersion> targetVersions(sfg::host::ShaderStage stage);
 
 /// An environment of that many lights, of all kinds by turns.
 Json environmentOf(std::size_t lights);

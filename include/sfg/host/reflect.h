@@ -13,11 +13,9 @@
 #include "sfg/host/errors.h"
 #include "sfg/host/export.h"
 #include "sfg/host/shader.h"
+#include "sfg/host/target.h"
 
 namespace TolmSDK::Graphics::sfg::host {
-
-/// What a shader is compiled to.
-enum class ShaderTarget { hlsl, spirv, glsl, essl, msl };
 
 /// What a value stands for in graph and scene.
 struct InterfaceOrigin {
@@ -45,7 +43,8 @@ struct InterfaceMember {
   std::vector<InterfaceMember> members;  ///< of a structure
 };
 
-/// Where a resource is bound. A target has a binding, registers, or both.
+/// Where a resource is bound. A target has a binding, registers, or both; or neither, and it is bound by its
+/// name.
 struct InterfacePlace {
   char kind = 'b';         ///< of the register in HLSL: 'b', 't', 's' or 'u'
   std::size_t number = 0;  ///< of the register
@@ -89,8 +88,9 @@ struct InterfaceSampler {
 struct InterfaceAttribute {
   std::string name;
   std::string semantic;                 ///< in HLSL; in Metal the attribute ("user(locn0)"); else empty
-  std::optional<std::size_t> location;  ///< none for what the stage itself provides
-  std::string builtin;                  ///< "fragCoord" or "frontFacing" then
+  std::optional<std::size_t> location;  ///< none for what the stage itself provides, and where stages are
+                                        ///< linked by names
+  std::string builtin;                  ///< "fragCoord" or "frontFacing": the stage's own
   std::string type;
   bool isFlat = false;  ///< not interpolated
   InterfaceOrigin origin;
@@ -109,6 +109,7 @@ struct InterfaceRenderTarget {
 
 struct ShaderInterface {
   std::optional<ShaderTarget> target;  ///< none: the assembled HLSL
+  std::string version;                 ///< of the target's language, "330" or "6.0", where it was chosen
   ShaderStage stage = ShaderStage::pixel;
   std::string entryPoint;
   std::size_t groupSize = 0;  ///< invocations of a compute group
@@ -126,9 +127,11 @@ struct ShaderInterface {
   std::string hash;
 };
 
-/// The same shader as compile() makes it for a target: names, bindings and registers, and a hash of its own.
-/// `assembled` is of no target and has its hash.
-SFG_HOST_API ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target);
+/// The same shader as compile() makes it for a target with these options: names, bindings and registers, and
+/// a hash of its own, which tells options apart, too. `assembled` is of no target and has its hash. Throws
+/// CompileError where refusalOf() has a reason.
+SFG_HOST_API ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target,
+                                          const CompileOptions& options = {});
 
 /// As JSON, indented, with a line feed at its end.
 SFG_HOST_API std::string writeInterfaceJson(const ShaderInterface& shader);
