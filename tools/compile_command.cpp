@@ -37,6 +37,7 @@ public:
         "`spirv`: a module; `hlsl`: shader model 5.0; `glsl`: GLSL 4.50; `essl`: GLSL ES "
         "3.20; `msl`: Metal 2.1");
     declareStageOption(app(), stage_);
+    declareMeshOption(app(), mesh_);
     declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
     app()
@@ -50,7 +51,8 @@ public:
     checkDepfile(depfile_, output_);
     host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, names_, diagnostics);
+    const std::optional<host::Shader> shader =
+        assemble(job, options_.graphFile, stage_, names_, mesh_, diagnostics);
     if (!shader) return kRefused;
     try {
       const std::vector<std::uint32_t> spirv = host::compileToSpirv(*shader);
@@ -66,7 +68,7 @@ public:
 
 private:
   void writeReflection(const host::Job& job, const std::vector<std::uint32_t>& spirv) const {
-    host::ShaderInterface shader = host::interfaceFor(job.reflect(stage_, names_), target_);
+    host::ShaderInterface shader = host::interfaceFor(job.reflect(stage_, names_, mesh_), target_);
     host::markUsed(shader, spirv);
     writeOutput(reflection_, host::writeInterfaceJson(shader));
   }
@@ -74,6 +76,7 @@ private:
   JobOptions options_;
   host::ShaderTarget target_ = host::ShaderTarget::spirv;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
+  host::MeshLayout mesh_;
   host::NameStyle names_ = host::NameStyle::readable;
   std::string output_;
   std::string reflection_;

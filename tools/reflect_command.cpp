@@ -43,6 +43,7 @@ public:
                                                      target_,
                                                      "as for `compile`; `assembled`: before any compiler");
     declareStageOption(app(), stage_);
+    declareMeshOption(app(), mesh_);
     declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
     CLI::Option* const pack =
@@ -68,11 +69,12 @@ public:
   int run(Diagnostics& diagnostics) override {
     host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, names_, diagnostics);
+    const std::optional<host::Shader> shader =
+        assemble(job, options_.graphFile, stage_, names_, mesh_, diagnostics);
     if (!shader) return kRefused;
     try {
       if (!packed_.empty()) {
-        writeOutput(packed_, pack(job.reflect(stage_, names_)));
+        writeOutput(packed_, pack(job.reflect(stage_, names_, mesh_)));
       } else {
         writeOutput(output_, host::writeInterfaceJson(reflect(job, *shader)));
       }
@@ -95,7 +97,7 @@ private:
   }
 
   host::ShaderInterface reflect(const host::Job& job, const host::Shader& shader) const {
-    host::ShaderInterface assembled = job.reflect(stage_, names_);
+    host::ShaderInterface assembled = job.reflect(stage_, names_, mesh_);
     if (!target_) return assembled;
     host::ShaderInterface compiled = host::interfaceFor(assembled, *target_);
     host::markUsed(compiled, host::compileToSpirv(shader));
@@ -105,6 +107,7 @@ private:
   JobOptions options_;
   std::optional<host::ShaderTarget> target_ = host::ShaderTarget::spirv;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
+  host::MeshLayout mesh_;
   host::NameStyle names_ = host::NameStyle::readable;
   std::string output_;
   std::string packed_;

@@ -33,6 +33,25 @@ std::string checkInterface(const AssembledShader& assembled, const std::vector<s
   return std::string(targetName(target)) + ":\n" + wrong + (target == ShaderTarget::spirv ? "" : text);
 }
 
+const std::vector<ShaderTarget> kTranslations = {ShaderTarget::hlsl, ShaderTarget::glsl, ShaderTarget::essl,
+                                                 ShaderTarget::msl};
+
+/// Compiles the vertex stage of a pixel stage, and compares the two modules.
+std::string checkPair(const CollapseJob& job, const AssembledShader& pixel,
+                      const std::vector<std::uint32_t>& pixelModule, bool everyTarget) {
+  const AssembledShader vertex = assembleShader(job, ShaderStage::vertex, NameStyle::readable);
+  const std::vector<std::uint32_t> spirv = compileToSpirv(TolmSDK::toUtf8(vertex.shader.getCompleteShader()),
+                                                          vertex.entryPoint, ShaderStage::vertex);
+  std::string wrong = checkInterface(vertex, spirv, ShaderTarget::spirv);
+  for (std::size_t i = 0; everyTarget && i < kTranslations.size(); ++i) {
+    wrong += checkInterface(vertex, spirv, kTranslations[i]);
+  }
+  ShaderInterface taken = reflectShader(pixel, ShaderTarget::spirv);
+  markUsed(taken, pixelModule);
+  wrong += pairFaults(factsOfModule(spirv), factsOfModule(pixelModule), taken);
+  return wrong.empty() ? wrong : "vertex stage: " + wrong;
+}
+
 }  // namespace
 
 const LoadedLibraries& standardLibrary() {
@@ -94,11 +113,9 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   try {
     const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage);
     std::string wrong = checkInterface(assembled, spirv, ShaderTarget::spirv);
+    if (stage == ShaderStage::pixel) wrong += checkPair(job, assembled, spirv, everyTarget);
     if (!everyTarget) return wrong;
-    for (const ShaderTarget target :
-         {ShaderTarget::hlsl, ShaderTarget::glsl, ShaderTarget::essl, ShaderTarget::msl}) {
-      wrong += checkInterface(assembled, spirv, target);
-    }
+    for (const ShaderTarget target : kTranslations) wrong += checkInterface(assembled, spirv, target);
     return wrong;
   } catch (const CompileError& error) {
     std::string text = error.what();

@@ -38,8 +38,8 @@ protected:
   /// Makes it a light loop over an environment document.
   void light(sfg::host::CollapseSettings& settings, const Json& environment) const;
 
-  /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language. Answers why
-  /// it cannot, or what the host warns of.
+  /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language. With a
+  /// pixel stage the vertex stage that feeds it. Answers why it cannot, or what the host warns of.
   static std::string compile(const sfg::host::CollapseSettings& settings, sfg::host::ShaderStage stage,
                              bool everyTarget);
 
