@@ -1,5 +1,8 @@
 #include "tools/collapse_options.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "sfg/host/errors.h"
 #include "tools/depfile.h"
 #include "tools/output_file.h"
@@ -20,6 +23,34 @@ std::string checkFinite(const std::string& text) {
   const float value = std::strtof(text.c_str(), &end);
   const bool finite = end != text.c_str() && *end == '\0' && value - value == 0.0f;
   return finite ? std::string() : "`" + text + "` is not a finite number";
+}
+
+struct MeshPart {
+  const char* name;
+  bool host::MeshLayout::*isGiven;
+};
+constexpr MeshPart kMeshParts[] = {
+    {"normal", &host::MeshLayout::normal},       {"tangent", &host::MeshLayout::tangent},
+    {"texCoord0", &host::MeshLayout::texCoord0}, {"texCoord1", &host::MeshLayout::texCoord1},
+    {"texCoord2", &host::MeshLayout::texCoord2}, {"texCoord3", &host::MeshLayout::texCoord3},
+    {"color", &host::MeshLayout::color}};
+
+/// A mesh that has just these parts; "position" goes without saying.
+host::MeshLayout meshOf(const std::vector<std::string>& parts) {
+  host::MeshLayout mesh;
+  for (const MeshPart& part : kMeshParts) mesh.*part.isGiven = false;
+  for (const std::string& name : parts) {
+    const auto* const part = std::find_if(std::begin(kMeshParts), std::end(kMeshParts),
+                                          [&](const MeshPart& known) { return name == known.name; });
+    if (part != std::end(kMeshParts)) {
+      mesh.*part->isGiven = true;
+    } else if (name != "position") {
+      throw CLI::ValidationError("--mesh", "`" + name +
+                                               "` is none of `position`, `normal`, `tangent`, `texCoord0` .. "
+                                               "`texCoord3`, `color`");
+    }
+  }
+  return mesh;
 }
 
 std::vector<std::filesystem::path> pathsOf(const std::vector<std::string>& folders) {
@@ -119,8 +150,23 @@ host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics) {
 
 void declareStageOption(CLI::App& app, host::ShaderStage& stage) {
   declareChoice<host::ShaderStage>(
-      app, "--stage", {{"pixel", host::ShaderStage::pixel}, {"compute", host::ShaderStage::compute}}, stage,
-      "stage of the complete shader");
+      app, "--stage",
+      {{"pixel", host::ShaderStage::pixel},
+       {"compute", host::ShaderStage::compute},
+       {"vertex", host::ShaderStage::vertex}},
+      stage,
+      "stage of the complete shader; `vertex`: what feeds the pixel stage of the same graph from a mesh");
+}
+
+void declareMeshOption(CLI::App& app, host::MeshLayout& mesh) {
+  app.add_option_function<std::vector<std::string>>(
+         "--mesh", [&mesh](const std::vector<std::string>& parts) { mesh = meshOf(parts); },
+         "for a vertex stage: what the vertices have besides a position, separated by commas; a graph that "
+         "needs more is refused")
+      ->type_name("PARTS")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->default_str("normal,tangent,texCoord0,texCoord1,texCoord2,texCoord3,color");
 }
 
 void declareNamesOption(CLI::App& app, host::NameStyle& names) {
@@ -175,9 +221,9 @@ Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) 
 
 std::optional<host::Shader> assemble(const host::Job& job, const std::string& graphFile,
                                      host::ShaderStage stage, host::NameStyle names,
-                                     Diagnostics& diagnostics) {
+                                     const host::MeshLayout& mesh, Diagnostics& diagnostics) {
   try {
-    host::Shader shader = job.assemble(stage, names);
+    host::Shader shader = job.assemble(stage, names, mesh);
     for (const std::string& name : shader.missingIncludes) {
       diagnostics.warning(std::string(),
                           "the include file `" + name + "` is in no include folder, or empty (see -I)");

@@ -70,6 +70,8 @@ host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics);
 
 /// --stage.
 void declareStageOption(CLI::App& app, host::ShaderStage& stage);
+/// --mesh.
+void declareMeshOption(CLI::App& app, host::MeshLayout& mesh);
 /// --names; what it holds is the default.
 void declareNamesOption(CLI::App& app, host::NameStyle& names);
 /// -o.
@@ -100,6 +102,6 @@ Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics);
 /// The complete shader of a job that is done; nothing when it cannot be one, which is then written.
 std::optional<host::Shader> assemble(const host::Job& job, const std::string& graphFile,
                                      host::ShaderStage stage, host::NameStyle names,
-                                     Diagnostics& diagnostics);
+                                     const host::MeshLayout& mesh, Diagnostics& diagnostics);
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -35,6 +35,7 @@ public:
                          "`essl`: GLSL ES 3.20; `msl`: Metal 2.1; `essl300`: GLSL ES 3.00, for WebGL 2",
                          target_);
     declareStageOption(app(), stage_);
+    declareMeshOption(app(), mesh_);
     declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
     app()
@@ -49,7 +50,8 @@ public:
     checkOutputs(options_, {output_, reflection_}, depfile_);
     host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, names_, diagnostics);
+    const std::optional<host::Shader> shader =
+        assemble(job, options_.graphFile, stage_, names_, mesh_, diagnostics);
     if (!shader) return kRefused;
     try {
       const host::CompileOptions options = target_.compileOptions();
@@ -67,7 +69,7 @@ public:
 private:
   void writeReflection(const host::Job& job, const std::vector<std::uint32_t>& spirv) const {
     host::ShaderInterface shader =
-        host::interfaceFor(job.reflect(stage_, names_), *target_.target, target_.compileOptions());
+        host::interfaceFor(job.reflect(stage_, names_, mesh_), *target_.target, target_.compileOptions());
     host::markUsed(shader, spirv);
     writeOutput(reflection_, host::writeInterfaceJson(shader));
   }
@@ -75,6 +77,7 @@ private:
   JobOptions options_;
   TargetOptions target_;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
+  host::MeshLayout mesh_;
   host::NameStyle names_ = host::NameStyle::readable;
   std::string output_;
   std::string reflection_;

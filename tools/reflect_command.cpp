@@ -38,6 +38,7 @@ public:
     targets.emplace_back("assembled", std::nullopt);
     declareTargetOptions(app(), targets, "as for `compile`; `assembled`: before any compiler", target_);
     declareStageOption(app(), stage_);
+    declareMeshOption(app(), mesh_);
     declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
     CLI::Option* const pack =
@@ -68,11 +69,12 @@ public:
     checkOutputs(options_, {output_, packed_});
     host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, names_, diagnostics);
+    const std::optional<host::Shader> shader =
+        assemble(job, options_.graphFile, stage_, names_, mesh_, diagnostics);
     if (!shader) return kRefused;
     try {
       if (!packed_.empty()) {
-        writeOutput(packed_, pack(job.reflect(stage_, names_)));
+        writeOutput(packed_, pack(job.reflect(stage_, names_, mesh_)));
       } else {
         writeOutput(output_, host::writeInterfaceJson(reflect(job, *shader)));
       }
@@ -95,7 +97,7 @@ private:
   }
 
   host::ShaderInterface reflect(const host::Job& job, const host::Shader& shader) const {
-    host::ShaderInterface assembled = job.reflect(stage_, names_);
+    host::ShaderInterface assembled = job.reflect(stage_, names_, mesh_);
     if (!target_.target) return assembled;
     const host::CompileOptions options = target_.compileOptions();
     host::ShaderInterface compiled = host::interfaceFor(assembled, *target_.target, options);
@@ -106,6 +108,7 @@ private:
   JobOptions options_;
   TargetOptions target_;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
+  host::MeshLayout mesh_;
   host::NameStyle names_ = host::NameStyle::readable;
   std::string output_;
   std::string packed_;

@@ -388,5 +388,194 @@ TEST_F(ReflectTest, RefusesToPackWhatIsNotThere) {
   EXPECT_THAT(refusal("--set a.color=1,2,3"), HasSubstr("--pack"));
 }
 
+TEST_F(ReflectTest, TellsWhatAVertexStageTakesAndGives) {
+  EXPECT_EQ(reflect("--stage vertex --target assembled"), R"({
+  "target": "assembled",
+  "stage": "vertex",
+  "entryPoint": "main",
+  "attributes": [
+    {
+      "name": "sfg_position",
+      "type": "float3",
+      "location": 0,
+      "semantic": "POSITION",
+      "origin": {
+        "kind": "mesh",
+        "name": "position"
+      },
+      "meaning": "position",
+      "space": "object"
+    },
+    {
+      "name": "amount",
+      "type": "float",
+      "location": 1,
+      "semantic": "GRAPHINPUT0",
+      "origin": {
+        "kind": "graphInput",
+        "name": "amount"
+      }
+    }
+  ],
+  "varyings": [
+    {
+      "name": "amount",
+      "type": "float",
+      "location": 0,
+      "semantic": "GRAPHINPUT0",
+      "origin": {
+        "kind": "graphInput",
+        "name": "amount"
+      }
+    },
+    {
+      "name": "sfg_screenPosition",
+      "type": "float4",
+      "builtin": "position",
+      "semantic": "SV_Position",
+      "origin": {
+        "kind": "stateVariable",
+        "name": "sfg_screenPosition"
+      },
+      "meaning": "position of the point",
+      "space": "clip"
+    }
+  ],
+  "buffers": [
+    {
+      "name": "sfg_VertexUniforms",
+      "kind": "constant",
+      "register": "b1",
+      "size": 64,
+      "members": [
+        {
+          "name": "sfg_matWorldViewProj",
+          "type": "float4x4",
+          "offset": 0,
+          "size": 64,
+          "matrixStride": 16,
+          "origin": {
+            "kind": "stateVariable",
+            "name": "sfg_matWorldViewProj"
+          }
+        }
+      ]
+    }
+  ],
+  "textures": [],
+  "samplers": [],
+  "renderTargets": [],
+  "includes": [],
+  "files": [
+    "graph.json",
+    "lib/test.fraglib"
+  ],
+  "hash": "HASH"
+}
+)");
+}
+
+TEST_F(CompiledReflectTest, TellsWhatAVertexStageTakesAndGivesInMetal) {
+  EXPECT_EQ(reflect("--stage vertex --target msl"), R"json({
+  "target": "msl",
+  "stage": "vertex",
+  "entryPoint": "main0",
+  "attributes": [
+    {
+      "name": "sfg_vertex_sfg_position",
+      "type": "float3",
+      "location": 0,
+      "semantic": "attribute(0)",
+      "used": true,
+      "origin": {
+        "kind": "mesh",
+        "name": "position"
+      },
+      "meaning": "position",
+      "space": "object"
+    },
+    {
+      "name": "sfg_vertex_amount",
+      "type": "float",
+      "location": 1,
+      "semantic": "attribute(1)",
+      "used": true,
+      "origin": {
+        "kind": "graphInput",
+        "name": "amount"
+      }
+    }
+  ],
+  "varyings": [
+    {
+      "name": "sfg_in_amount",
+      "type": "float",
+      "location": 0,
+      "semantic": "user(locn0)",
+      "used": true,
+      "origin": {
+        "kind": "graphInput",
+        "name": "amount"
+      }
+    },
+    {
+      "name": "sfg_in_sfg_screenPosition",
+      "type": "float4",
+      "builtin": "position",
+      "semantic": "position",
+      "used": true,
+      "origin": {
+        "kind": "stateVariable",
+        "name": "sfg_screenPosition"
+      },
+      "meaning": "position of the point",
+      "space": "clip"
+    }
+  ],
+  "buffers": [
+    {
+      "name": "sfg_VertexUniforms",
+      "kind": "constant",
+      "variable": "sfg_vertexUniforms",
+      "binding": 1,
+      "used": true,
+      "size": 64,
+      "members": [
+        {
+          "name": "sfg_matWorldViewProj",
+          "type": "float4x4",
+          "offset": 0,
+          "size": 64,
+          "matrixStride": 16,
+          "origin": {
+            "kind": "stateVariable",
+            "name": "sfg_matWorldViewProj"
+          }
+        }
+      ]
+    }
+  ],
+  "textures": [],
+  "samplers": [],
+  "renderTargets": [],
+  "includes": [],
+  "files": [
+    "graph.json",
+    "lib/test.fraglib"
+  ],
+  "hash": "HASH"
+}
+)json");
+}
+
+TEST_F(ReflectTest, PacksTheMatricesOfAVertexStage) {
+  const CommandRun result =
+      run("reflect graph.json -L lib --stage vertex --pack out.bin --buffer sfg_VertexUniforms --set "
+          "sfg_matWorldViewProj=1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(floatsOf(read("out.bin")),
+            (std::vector<float>{1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 4, 8, 12, 16}));
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -316,7 +316,7 @@ RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguage
 }
 
 RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language) {
-  RefPtr<AShaderFragmentGraph> graph(AShaderFragmentGraphBuilder().build(&language, &document));
+  RefPtr<AShaderFragmentGraph> graph(AShaderFragmentGraphBuilder().build(&language, &document.accessor()));
 
   for (std::size_t i = 0; i < document.getNumNodes(); ++i) {
     const Array<GraphNode::Wire>& wires = document.node(i).wires();

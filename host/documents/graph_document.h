@@ -14,6 +14,7 @@
 namespace TolmSDK::Graphics::sfg::host {
 
 class GraphLoader;
+class HostGraphReader;
 
 /// One node. Belongs to its document; sources are nodes of the same document.
 class GraphNode : public RefCounted<INodeAccessor> {
@@ -62,6 +63,7 @@ public:
 
 private:
   friend class GraphLoader;
+  friend class HostGraphReader;
 
   const Ports& inputs() const noexcept { return ownInputs_.empty() ? type_->inputs : ownInputs_; }
   /// Where the input's wire is told.
@@ -98,6 +100,8 @@ public:
   const INodeAccessor* getNode(std::size_t index) const override { return nodes_[index].get(); }
 
   const std::string& file() const noexcept { return file_; }
+  /// What the graph builder is shown: the host's own graph, or this.
+  const IGraphAccessor& accessor() const noexcept { return accessor_ ? *accessor_ : *this; }
   const GraphNode& node(std::size_t index) const noexcept { return *nodes_[index]; }
   /// The node of a built graph's instance name ("n3"), or null.
   const GraphNode* findInstance(const WString& instanceName) const;
@@ -109,8 +113,10 @@ public:
 
 private:
   friend class GraphLoader;
+  friend class HostGraphReader;
 
   std::string file_;
+  RefPtr<IGraphAccessor const> accessor_;  // null for a document that was loaded
   Array<RefPtr<AParameter const>> inputs_;
   Array<RefPtr<AParameter const>> outputs_;
   Array<GraphNode::Wire> outputWires_;

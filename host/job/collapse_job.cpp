@@ -38,12 +38,24 @@ CollapseJob::CollapseJob(const CollapseSettings& settings)
 CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
                          const std::optional<Document>& environment, const CollapseOptions& settings)
     : settings_(settings), libraries_(std::move(libraries)) {
-  const LanguageDx11& language = libraries_->language();
-  document_ = loadGraphDocument(graph, language);
-  environment_ = environment ? loadEnvironment(*environment, language) : makeRef<ShadingEnvironment>();
-  options_ = makeRef<ShaderOptions>(language.getLanguageString(), settings.surfaceLod, settings.lightLod,
-                                    environment_.get());
+  document_ = loadGraphDocument(graph, libraries_->language());
   if (graph.isFile()) documentFiles_.push_back(graph.name());
+  readEnvironment(environment);
+}
+
+CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries,
+                         const RefPtr<IHostGraph const>& graph, const std::optional<Document>& environment,
+                         const CollapseOptions& settings)
+    : settings_(settings), libraries_(std::move(libraries)) {
+  document_ = readHostGraph(graph, libraries_->language());
+  readEnvironment(environment);
+}
+
+void CollapseJob::readEnvironment(const std::optional<Document>& environment) {
+  const LanguageDx11& language = libraries_->language();
+  environment_ = environment ? loadEnvironment(*environment, language) : makeRef<ShadingEnvironment>();
+  options_ = makeRef<ShaderOptions>(language.getLanguageString(), settings_.surfaceLod, settings_.lightLod,
+                                    environment_.get());
   if (environment && environment->isFile()) documentFiles_.push_back(environment->name());
 }
 

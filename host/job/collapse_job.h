@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/documents/graph_document.h"
+#include "host/documents/host_graph.h"
 #include "host/documents/shading_environment.h"
 #include "host/job/shader_options.h"
 #include "host/library/loaded_libraries.h"
@@ -38,6 +39,8 @@ public:
   /// The same over libraries that other jobs use, too.
   CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
               const std::optional<Document>& environment, const CollapseOptions& settings);
+  CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const RefPtr<IHostGraph const>& graph,
+              const std::optional<Document>& environment, const CollapseOptions& settings);
 
   /// Builds the graph and collapses it. Throws InputError (a post-process fragment that does not fit),
   /// CalledExpressionError (inline expressions wired to inputs that are called as functions) and the
@@ -57,6 +60,8 @@ public:
   const IShaderFragment* result() const noexcept { return result_.get(); }
 
 private:
+  void readEnvironment(const std::optional<Document>& environment);
+
   CollapseOptions settings_;
   std::shared_ptr<const LoadedLibraries> libraries_;
   std::vector<std::string> documentFiles_;

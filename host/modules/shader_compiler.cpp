@@ -49,7 +49,21 @@ struct FrontEnd {
 };
 
 EShLanguage stageOf(ShaderStage stage) {
-  return stage == ShaderStage::pixel ? EShLangFragment : EShLangCompute;
+  switch (stage) {
+  case ShaderStage::compute: return EShLangCompute;
+  case ShaderStage::vertex: return EShLangVertex;
+  case ShaderStage::pixel: break;
+  }
+  return EShLangFragment;
+}
+
+SpvExecutionModel executionModelOf(ShaderStage stage) {
+  switch (stage) {
+  case ShaderStage::compute: return SpvExecutionModelGLCompute;
+  case ShaderStage::vertex: return SpvExecutionModelVertex;
+  case ShaderStage::pixel: break;
+  }
+  return SpvExecutionModelFragment;
 }
 
 /// The complaints of a front end's log, "ERROR: NAME:LINE: TEXT" each in a line, without its summary.
@@ -429,7 +443,7 @@ void refuseExtensions(const std::string& text) {
 
 std::string toMsl(const Words& words, ShaderStage stage) {
   CrossCompiler compiler(words, SPVC_BACKEND_MSL);
-  compiler.bindForMetal(stage == ShaderStage::pixel ? SpvExecutionModelFragment : SpvExecutionModelGLCompute);
+  compiler.bindForMetal(executionModelOf(stage));
   compiler.setNumber(SPVC_COMPILER_OPTION_MSL_VERSION, SPVC_MAKE_MSL_VERSION(2, 1, 0));
   return compiler.compile();
 }
@@ -537,6 +551,8 @@ void markUsedParts(ShaderInterface& shader, const Words& words) {
                            : builtins.contains(attribute.builtin == "fragCoord" ? SpvBuiltInFragCoord
                                                                                 : SpvBuiltInFrontFacing);
   }
+  // Nothing is left out of what a vertex stage gives.
+  for (InterfaceAttribute& varying : shader.varyings) varying.isUsed = true;
 }
 
 std::string compileShader(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,

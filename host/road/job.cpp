@@ -56,6 +56,12 @@ Job::Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, con
   const std::shared_ptr<const LoadedLibraries> loaded = libraries->loaded();
   state_.reset(new State{std::move(libraries), CollapseJob(loaded, graph, environment, options)});
 }
+Job::Job(std::shared_ptr<const LibrarySet> libraries, RefPtr<IHostGraph const> graph,
+         const CollapseOptions& options, const std::optional<Document>& environment) {
+  if (!libraries) throw InputError("a job needs a library set");
+  const std::shared_ptr<const LoadedLibraries> loaded = libraries->loaded();
+  state_.reset(new State{std::move(libraries), CollapseJob(loaded, graph, environment, options)});
+}
 Job::Job(Job&& other) noexcept = default;
 Job& Job::operator=(Job&& other) noexcept = default;
 Job::~Job() = default;
@@ -84,13 +90,13 @@ std::vector<Diagnostic> Job::warnings(bool completeShader) const {
   return findWarnings(collapsed().job, completeShader);
 }
 
-Shader Job::assemble(ShaderStage stage, NameStyle names) const {
-  return shaderOf(assembleShader(collapsed().job, stage, names), stage, names);
+Shader Job::assemble(ShaderStage stage, NameStyle names, const MeshLayout& mesh) const {
+  return shaderOf(assembleShader(collapsed().job, stage, names, mesh), stage, names);
 }
 
-ShaderInterface Job::reflect(ShaderStage stage, NameStyle names) const {
+ShaderInterface Job::reflect(ShaderStage stage, NameStyle names, const MeshLayout& mesh) const {
   const CollapseJob& job = collapsed().job;
-  ShaderInterface shader = reflectShader(assembleShader(job, stage, names));
+  ShaderInterface shader = reflectShader(assembleShader(job, stage, names, mesh));
   shader.files = sourceFiles(job, shader.includes);
   return shader;
 }

@@ -131,6 +131,7 @@ Json interfaceJson(const ShaderInterface& shader) {
   json["entryPoint"] = shader.entryPoint;
   addNumber(json, "groupSize", shader.groupSize);
   json["attributes"] = listJson(shader.attributes, attributeJson);
+  if (shader.stage == ShaderStage::vertex) json["varyings"] = listJson(shader.varyings, attributeJson);
   json["buffers"] = listJson(shader.buffers, bufferJson);
   json["textures"] = listJson(shader.textures, textureJson);
   json["samplers"] = listJson(shader.samplers, samplerJson);

@@ -16,7 +16,14 @@ using Words = std::vector<std::uint32_t>;
 constexpr std::size_t kHeader = 5;
 
 // Of the binary form of SPIR-V.
-enum Operation : std::uint32_t { opName = 5, opTypeStruct = 30, opTypePointer = 32, opVariable = 59 };
+enum Operation : std::uint32_t {
+  opName = 5,
+  opEntryPoint = 15,
+  opTypeStruct = 30,
+  opTypePointer = 32,
+  opVariable = 59
+};
+enum ExecutionModel : std::uint32_t { modelVertex = 0 };
 enum StorageClass : std::uint32_t { classInput = 1, classUniform = 2, classOutput = 3, classFunction = 7 };
 
 struct Instruction {
@@ -65,13 +72,16 @@ Names findNames(const Words& module, const std::vector<Instruction>& instruction
   Names old;
   Names names;
   std::unordered_map<std::uint32_t, std::uint32_t> pointees;
+  bool isVertex = false;
   const auto nameOf = [&](std::uint32_t id) {
     const auto found = old.find(id);
     return found == old.end() ? std::string() : found->second;
   };
   for (const Instruction& i : instructions) {
     const std::uint32_t* const words = &module[i.start];
-    if (i.operation == opName) {
+    if (i.operation == opEntryPoint) {
+      isVertex = words[1] == modelVertex;
+    } else if (i.operation == opName) {
       old[words[1]] = textAt(module, i.start + 2, i.start + i.length);
     } else if (i.operation == opTypePointer) {
       pointees[words[1]] = words[3];
@@ -79,9 +89,13 @@ Names findNames(const Words& module, const std::vector<Instruction>& instruction
       // Members of structures are taken apart: "sfg_in.uv". Blocks have no variable, buffers have.
       const std::string name = nameOf(words[2]);
       const std::size_t dot = name.find('.');
-      if (words[3] == classInput && dot != name.npos) names[words[2]] = attributeName(name.substr(dot + 1));
+      if (words[3] == classInput && dot != name.npos) {
+        const std::string member = name.substr(dot + 1);
+        names[words[2]] = isVertex ? vertexAttributeName(member) : attributeName(member);
+      }
       if (words[3] == classOutput && dot != name.npos) {
-        names[words[2]] = renderTargetName(name.substr(dot + 1));
+        const std::string member = name.substr(dot + 1);
+        names[words[2]] = isVertex ? attributeName(member) : renderTargetName(member);
       }
       if (words[3] == classUniform && name.empty()) {
         names[words[2]] = blockVariable(nameOf(pointees[words[1]]));

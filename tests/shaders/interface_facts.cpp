@@ -64,6 +64,14 @@ void addMember(Facts& facts, const std::string& path, const InterfaceMember& mem
   for (const InterfaceMember& part : member.members) addMember(facts, name, part, offset, isMetal);
 }
 
+std::string varyingLine(const char* what, const InterfaceAttribute& varying) {
+  return line(what, varying.name,
+              {{"location", optional(varying.location)},
+               {"type", varying.type},
+               {"semantic", varying.semantic},
+               {"flat", varying.isFlat ? "yes" : ""}});
+}
+
 }  // namespace
 
 Facts factsOf(const ShaderInterface& shader) {
@@ -73,13 +81,17 @@ Facts factsOf(const ShaderInterface& shader) {
   for (const InterfaceAttribute& attribute : shader.attributes) {
     if (!attribute.isUsed.value()) continue;
     if (attribute.builtin.empty()) {
-      facts.insert(line("in", attribute.name,
-                        {{"location", optional(attribute.location)},
-                         {"type", attribute.type},
-                         {"semantic", attribute.semantic},
-                         {"flat", attribute.isFlat ? "yes" : ""}}));
+      facts.insert(varyingLine("in", attribute));
     } else {
       facts.insert("builtin " + attribute.builtin);
+    }
+  }
+  for (const InterfaceAttribute& varying : shader.varyings) {
+    if (!varying.isUsed.value()) continue;
+    if (varying.location) {
+      facts.insert(varyingLine("out", varying));
+    } else {
+      facts.insert(line("builtin", varying.builtin, {{"semantic", varying.semantic}}));
     }
   }
   for (const InterfaceBuffer& buffer : shader.buffers) {
@@ -308,6 +320,11 @@ private:
       if (first[i].builtin == SpvBuiltInFragCoord) facts_.insert("builtin fragCoord");
       if (first[i].builtin == SpvBuiltInFrontFacing) facts_.insert("builtin frontFacing");
     }
+    check(spvc_resources_get_builtin_resource_list_for_type(
+        resources_, SPVC_BUILTIN_RESOURCE_TYPE_STAGE_OUTPUT, &first, &count));
+    for (std::size_t i = 0; i < count && reading_.hasLocations; ++i) {
+      if (first[i].builtin == SpvBuiltInPosition) facts_.insert("builtin position");
+    }
   }
 
   Reading reading_;
@@ -324,7 +341,10 @@ std::vector<std::uint32_t> compileTranslation(const std::string& text, ShaderTar
   static const bool isStarted = glslang::InitializeProcess();
   if (!isStarted) throw std::runtime_error("glslang does not start");
   const bool isHlsl = target == ShaderTarget::hlsl;
-  const EShLanguage language = stage == ShaderStage::pixel ? EShLangFragment : EShLangCompute;
+  const std::map<ShaderStage, EShLanguage> languages = {{ShaderStage::pixel, EShLangFragment},
+                                                        {ShaderStage::compute, EShLangCompute},
+                                                        {ShaderStage::vertex, EShLangVertex}};
+  const EShLanguage language = languages.at(stage);
   glslang::TShader shader(language);
   const char* const strings = text.c_str();
   shader.setStrings(&strings, 1);
@@ -475,13 +495,14 @@ void readSemantics(Facts& facts, const std::string& text) {
     for (std::sregex_iterator m(members.begin(), members.end(), kMember); m != end; ++m) {
       const std::string semantic = (*m)[4];
       const std::string digits = semantic.substr(semantic.find_last_not_of("0123456789") + 1);
+      const std::string flat = (*m)[1].matched ? " flat=yes" : "";
       if (semantic == "SV_Position") {
-        facts.insert("builtin fragCoord");
+        facts.insert(isInput ? "builtin fragCoord" : "builtin position semantic=SV_Position");
       } else if (semantic == "SV_IsFrontFace") {
         facts.insert("builtin frontFacing");
-      } else if (semantic.starts_with("TEXCOORD") && isInput) {
-        facts.insert("in " + (*m)[3].str() + " location=" + digits + " type=" + (*m)[2].str() +
-                     " semantic=" + semantic + ((*m)[1].matched ? " flat=yes" : ""));
+      } else if (semantic.starts_with("TEXCOORD")) {
+        facts.insert((isInput ? "in " : "out ") + (*m)[3].str() + " location=" + digits +
+                     " type=" + (*m)[2].str() + " semantic=" + semantic + flat);
       } else if (semantic.starts_with("SV_Target") && !isInput) {
         facts.insert("out " + (*m)[3].str() + " location=" + digits + " type=" + (*m)[2].str());
       }
@@ -549,13 +570,22 @@ public:
   }
 
   Facts read() {
-    readInterface("_in", "in", R"((\w+) (\w+) \[\[(user\(locn(\d+)\))(?:, (flat))?\]\];)");
-    readInterface("_out", "out", R"((\w+) (\w+) \[\[(color\((\d+)\))()\]\];)");
-    static const std::regex kEntry(R"((?:fragment|kernel) \w+ (\w+)\(([^\n]*)\)\n)");
+    static const std::regex kEntry(R"((fragment|kernel|vertex) \w+ (\w+)\(([^\n]*)\)\n)");
     std::smatch entry;
     if (!std::regex_search(text_, entry, kEntry)) throw std::runtime_error("no entry point");
-    facts_.insert("entry " + entry[1].str());
-    readArguments(entry[2]);
+    const std::string varying = R"((\w+) (\w+) \[\[(user\(locn(\d+)\))(?:, (flat))?\]\];)";
+    if (entry[1] == "vertex") {
+      readInterface("_in", "attribute", R"((\w+) (\w+) \[\[(attribute\((\d+)\))()\]\];)");
+      readInterface("_out", "varying", varying);
+      if (text_.find("gl_Position [[position]];") != text_.npos) {
+        facts_.insert("builtin position semantic=position");
+      }
+    } else {
+      readInterface("_in", "in", varying);
+      readInterface("_out", "out", R"((\w+) (\w+) \[\[(color\((\d+)\))()\]\];)");
+    }
+    facts_.insert("entry " + entry[2].str());
+    readArguments(entry[3]);
     return std::move(facts_);
   }
 
@@ -565,11 +595,13 @@ private:
     for (const auto& [name, members] : structures_) {
       if (name != "main0" + suffix && name != "sfg_main" + suffix) continue;
       for (std::sregex_iterator at(members.begin(), members.end(), member), end; at != end; ++at) {
-        const std::string semantic = what == "in" ? " semantic=" + (*at)[3].str() : "";
+        const bool isVarying = what == "in" || what == "varying";
+        const std::string semantic = what == "out" ? "" : " semantic=" + (*at)[3].str();
         // Metal interpolates no integers.
-        const bool isFlat = what == "in" && ((*at)[5].length() != 0 || (*at)[1].str().find("int") == 0 ||
-                                             (*at)[1].str().find("uint") == 0);
-        facts_.insert(what + " " + (*at)[2].str() + " location=" + (*at)[4].str() +
+        const bool isFlat = isVarying && ((*at)[5].length() != 0 || (*at)[1].str().find("int") == 0 ||
+                                          (*at)[1].str().find("uint") == 0);
+        const bool isTaken = what == "in" || what == "attribute";
+        facts_.insert((isTaken ? "in " : "out ") + (*at)[2].str() + " location=" + (*at)[4].str() +
                       " type=" + (*at)[1].str() + semantic + (isFlat ? " flat=yes" : ""));
       }
     }
@@ -657,6 +689,24 @@ private:
 }  // namespace
 
 Facts factsOfMetal(const std::string& text) { return MetalReader(text).read(); }
+
+std::string pairFaults(const Facts& vertexModule, const Facts& pixelModule, const ShaderInterface& pixel) {
+  const auto linesOf = [](const Facts& facts, const std::string& what) {
+    Facts lines;
+    for (const std::string& fact : facts) {
+      if (fact.starts_with(what + " ")) lines.insert(fact.substr(what.size() + 1));
+    }
+    return lines;
+  };
+  Facts wanted = linesOf(pixelModule, "in");
+  for (const InterfaceAttribute& attribute : pixel.attributes) {
+    if (attribute.location && !attribute.isUsed.value())
+      wanted.insert(varyingLine("in", attribute).substr(3));
+  }
+  std::string faults = difference(wanted, linesOf(vertexModule, "out"));
+  if (!vertexModule.contains("builtin position")) faults += "no position\n";
+  return faults;
+}
 
 std::string difference(const Facts& expected, const Facts& found) {
   std::string text;

@@ -31,6 +31,12 @@ Facts factsOfTranslation(const std::string& text, sfg::host::ShaderTarget target
 /// As the text of a translation to MSL says, laid out by Metal's rules.
 Facts factsOfMetal(const std::string& text);
 
+/// What of the pixel stage's inputs does not come from the vertex stage in name, place and type, and what
+/// else the vertex stage gives; empty for a pair. The modules are read; `pixel` only tells what compilers
+/// left out of the pixel stage.
+std::string pairFaults(const Facts& vertexModule, const Facts& pixelModule,
+                       const sfg::host::ShaderInterface& pixel);
+
 /// Lines that are in one set only, with their side; empty for equal sets.
 std::string difference(const Facts& expected, const Facts& found);
 

@@ -35,6 +35,34 @@ std::string checkInterface(const AssembledShader& assembled, const std::vector<s
          (target == ShaderTarget::spirv ? "" : text);
 }
 
+/// Of every version of every target, or of SPIR-V alone.
+std::string checkVersions(const AssembledShader& assembled, const std::vector<std::uint32_t>& spirv,
+                          Optimization optimization, bool everyTarget) {
+  std::string wrong;
+  for (TargetVersion& version : targetVersions(assembled.reflection.stage)) {
+    version.options.optimization = optimization;
+    wrong += checkInterface(assembled, spirv, version);
+    if (!everyTarget) break;
+  }
+  return wrong;
+}
+
+/// Compiles the vertex stage of a pixel stage, and compares the two modules.
+std::string checkPair(const CollapseJob& job, const AssembledShader& pixel,
+                      const std::vector<std::uint32_t>& pixelModule, Optimization optimization,
+                      bool everyTarget) {
+  CompileOptions options;
+  options.optimization = optimization;
+  const AssembledShader vertex = assembleShader(job, ShaderStage::vertex, NameStyle::readable);
+  const std::vector<std::uint32_t> spirv = compileToSpirv(TolmSDK::toUtf8(vertex.shader.getCompleteShader()),
+                                                          vertex.entryPoint, ShaderStage::vertex, options);
+  std::string wrong = checkVersions(vertex, spirv, optimization, everyTarget);
+  ShaderInterface taken = reflectShader(pixel, ShaderTarget::spirv);
+  markUsed(taken, pixelModule);
+  wrong += pairFaults(factsOfModule(spirv), factsOfModule(pixelModule), taken);
+  return wrong.empty() ? wrong : "vertex stage: " + wrong;
+}
+
 }  // namespace
 
 const LoadedLibraries& standardLibrary() {
@@ -97,12 +125,8 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
     CompileOptions options;
     options.optimization = optimization;
     const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage, options);
-    std::string wrong;
-    for (TargetVersion& version : targetVersions(stage)) {
-      version.options.optimization = optimization;
-      wrong += checkInterface(assembled, spirv, version);
-      if (!everyTarget) break;
-    }
+    std::string wrong = checkVersions(assembled, spirv, optimization, everyTarget);
+    if (stage == ShaderStage::pixel) wrong += checkPair(job, assembled, spirv, optimization, everyTarget);
     return wrong;
   } catch (const CompileError& error) {
     std::string text = error.what();
@@ -122,7 +146,7 @@ std::vector<TargetVersion> targetVersions(ShaderStage stage) {
   std::vector<TargetVersion> versions = {{ShaderTarget::spirv, {}},   {ShaderTarget::hlsl, {}},
                                          {ShaderTarget::hlsl, other}, {ShaderTarget::glsl, {}},
                                          {ShaderTarget::essl, {}},    {ShaderTarget::msl, {}}};
-  if (stage == ShaderStage::pixel) {
+  if (stage != ShaderStage::compute) {
     versions.push_back({ShaderTarget::glsl, other});
     versions.push_back({ShaderTarget::essl300, {}});
   }

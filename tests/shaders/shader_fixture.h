@@ -39,7 +39,8 @@ protected:
   void light(sfg::host::CollapseSettings& settings, const Json& environment) const;
 
   /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language in all its
-  /// versions. Answers why it cannot, or what the host warns of.
+  /// versions. With a pixel stage the vertex stage that feeds it. Answers why it cannot, or what the host
+  /// warns of.
   static std::string compile(const sfg::host::CollapseSettings& settings, sfg::host::ShaderStage stage,
                              bool everyTarget,
                              sfg::host::Optimization optimization = sfg::host::Optimization::speed);

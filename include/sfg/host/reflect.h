@@ -20,7 +20,8 @@ namespace TolmSDK::Graphics::sfg::host {
 /// What a value stands for in graph and scene.
 struct InterfaceOrigin {
   std::string kind;      ///< "node", "light", "preprocess", "postprocess", "output", "graphUniform",
-                         ///< "graphInput", "graphOutput", "stateVariable"; empty when it is not known
+                         ///< "graphInput", "graphOutput", "stateVariable", "mesh" (a part of a vertex);
+                         ///< empty when it is not known
   std::string owner;     ///< the node's or light's name; empty for the graph and state variables
   std::string fragment;  ///< the owner's
   std::string name;      ///< of the input, uniform, output or state variable
@@ -84,18 +85,18 @@ struct InterfaceSampler {
   InterfaceOrigin origin;
 };
 
-/// A value that varies over a surface.
+/// A value that varies over a surface, or of a vertex.
 struct InterfaceAttribute {
   std::string name;
   std::string semantic;                 ///< in HLSL; in Metal the attribute ("user(locn0)"); else empty
-  std::optional<std::size_t> location;  ///< none for what the stage itself provides, and where stages are
-                                        ///< linked by names
-  std::string builtin;                  ///< "fragCoord" or "frontFacing": the stage's own
+  std::optional<std::size_t> location;  ///< none for what the stage itself provides or takes, and where
+                                        ///< stages are linked by names
+  std::string builtin;  ///< "fragCoord" or "frontFacing": the stage's own; "position" leaves a vertex stage
   std::string type;
   bool isFlat = false;  ///< not interpolated
   InterfaceOrigin origin;
-  std::string meaning;  ///< of a state variable
-  std::string space;    ///< "object", "world", "view"; empty for what is in none
+  std::string meaning;  ///< of a state variable or a part of a vertex
+  std::string space;    ///< "object", "world", "view", "clip"; empty for what is in none
   std::optional<bool> isUsed;
 };
 
@@ -114,6 +115,7 @@ struct ShaderInterface {
   std::string entryPoint;
   std::size_t groupSize = 0;  ///< invocations of a compute group
   std::vector<InterfaceAttribute> attributes;
+  std::vector<InterfaceAttribute> varyings;  ///< what a vertex stage hands to the pixel stage
   std::vector<InterfaceBuffer> buffers;
   std::vector<InterfaceTexture> textures;
   std::vector<InterfaceSampler> samplers;
