@@ -39,8 +39,9 @@ CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const
                          const std::optional<Document>& environment, const CollapseOptions& settings)
     : settings_(settings), libraries_(std::move(libraries)) {
   const LanguageDx11& language = libraries_->language();
-  document_ = loadGraphDocument(graph, language);
-  environment_ = environment ? loadEnvironment(*environment, language) : makeRef<ShadingEnvironment>();
+  const LibraryPorts& ports = libraries_->ports();
+  document_ = loadGraphDocument(graph, language, ports);
+  environment_ = environment ? loadEnvironment(*environment, language, ports) : makeRef<ShadingEnvironment>();
   options_ = makeRef<ShaderOptions>(language.getLanguageString(), settings.surfaceLod, settings.lightLod,
                                     environment_.get());
   if (graph.isFile()) documentFiles_.push_back(graph.name());
@@ -49,7 +50,7 @@ CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const
 
 void CollapseJob::run() {
   const LanguageDx11& language = libraries_->language();
-  const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document_, language);
+  const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document_, language, libraries_->ports());
   if (std::vector<Diagnostic> wires = findCalledExpressions(*this); !wires.empty()) {
     throw CalledExpressionError(std::move(wires));
   }
