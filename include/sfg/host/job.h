@@ -62,7 +62,8 @@ public:
   /// `sfg_outputs` for each invocation i below the latter's length.
   Shader assemble(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
   /// What that shader takes and gives, as its HLSL text has it; interfaceFor() tells what compilers make of
-  /// it. Throws AssemblyError.
+  /// it. A job keeps the shader that it assembled last: reflecting that, or explaining it, assembles nothing.
+  /// Throws AssemblyError.
   ShaderInterface reflect(ShaderStage stage = ShaderStage::pixel,
                           NameStyle names = NameStyle::generated) const;
   /// Where a compiler's complaint about a shader that assemble() made comes from: the complaints, each line's
@@ -78,7 +79,7 @@ public:
 
 private:
   struct State;
-  const State& collapsed() const;
+  State& collapsed() const;
 
   std::unique_ptr<State> state_;
 };
