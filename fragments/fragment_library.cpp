@@ -56,6 +56,7 @@ private:
     }
     fragment->key() = name;
     library_.registerResource(name, fragment.get());
+    if (loading_.onLoaded) loading_.onLoaded(node, *fragment);
   }
 
   void logFile(std::wstring_view reason) const {

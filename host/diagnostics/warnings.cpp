@@ -1,5 +1,6 @@
 #include "host/diagnostics/warnings.h"
 
+#include "host/diagnostics/chain_warnings.h"
 #include "host/diagnostics/code_warnings.h"
 #include "host/diagnostics/light_warnings.h"
 #include "host/diagnostics/port_warnings.h"
@@ -13,6 +14,7 @@ std::vector<Diagnostic> findWarnings(const CollapseJob& job, bool completeShader
   if (!completeShader) warnOfGraphInputs(facts, warnings);
   warnOfCode(facts, warnings);
   warnOfInoutPorts(facts, warnings);
+  warnOfChains(facts, warnings);
   return warnings.take();
 }
 

@@ -38,12 +38,6 @@ const char* expectedValue(const TypeID& type) {
   return nullptr;
 }
 
-std::string expectedValueText(const TypeID& type) {
-  if (const char* scalar = expectedValue(type)) return scalar;
-  const bool integers = type.word(0) == TypeID_ivec2.word(0) || type.word(0) == TypeID_uvec2.word(0);
-  return "an array of " + std::to_string(componentCount(type)) + (integers ? " integers" : " numbers");
-}
-
 }  // namespace
 
 DocumentReader::DocumentReader(const Document& document)
@@ -139,8 +133,7 @@ RefPtr<AParameter> DocumentReader::parameter(const IObjectDataNode& object) cons
   return parameter;
 }
 
-/// Reads a value as a parameter object does: a boolean or number for one component, an array for any number.
-bool DocumentReader::readValue(const IObjectDataNode& node, AValue& value) {
+bool readValue(const IObjectDataNode& node, AValue& value) {
   const auto setNumber = [&](std::size_t index, const IObjectDataNode& number) {
     return number.kind() == NodeKind::number && value.set(index, number.asNumber());
   };
@@ -162,6 +155,12 @@ void DocumentReader::refuseValue(const IObjectDataNode& node, const AParameter& 
   }
   refuse(node,
          what + " does not fit the type " + typeText(parameter) + ": expected " + expectedValueText(type));
+}
+
+std::string expectedValueText(const TypeID& type) {
+  if (const char* scalar = expectedValue(type)) return scalar;
+  const bool integers = type.word(0) == TypeID_ivec2.word(0) || type.word(0) == TypeID_uvec2.word(0);
+  return "an array of " + std::to_string(componentCount(type)) + (integers ? " integers" : " numbers");
 }
 
 std::string inTicks(std::string_view utf8) { return "`" + std::string(utf8) + "`"; }

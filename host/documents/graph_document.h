@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/documents/port_metadata.h"
 #include "sfg/host/document.h"
 #include "sfg/shader_fragment_graph.h"
 #include "tolmsdk/host_interfaces.h"
@@ -130,13 +131,16 @@ private:
 /// Reads a graph document. Throws InputError for a malformed one, a name used twice, an input that does not
 /// hold exactly one source, a wire to a node, port or graph input that is not there, a value that does not
 /// fit its type, a constant of a type without values, and an unknown pre-process or post-process fragment. An
-/// unknown fragment of a node is left to the graph builder: the ports of such a node are not checked.
-RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language);
+/// unknown fragment of a node is left to the graph builder: the ports of such a node are not checked. Inputs
+/// that the document gives no value have that of the libraries.
+RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language,
+                                        const LibraryPorts& libraryPorts = {});
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language);
 
 /// The fragment graph of the document: built through the graph builder (whose exceptions pass through), then
-/// its inputs wired, uniforms and chains added. Throws InputError for a post-process fragment that the chain
-/// refuses.
-RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language);
+/// its inputs wired, uniforms and chains added, whose inputs have the values of the libraries. Throws
+/// InputError for a post-process fragment that the chain refuses.
+RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language,
+                                        const LibraryPorts& libraryPorts = {});
 
 }  // namespace TolmSDK::Graphics::sfg::host

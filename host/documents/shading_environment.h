@@ -5,6 +5,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "host/documents/port_metadata.h"
 #include "sfg/host/document.h"
 #include "sfg/shader_fragment.h"
 #include "tolmsdk/host_interfaces.h"
@@ -37,7 +38,8 @@ public:
   const std::string& file() const noexcept { return file_; }
 
 private:
-  friend RefPtr<ShadingEnvironment> loadEnvironment(const Document&, const ILanguageTraits&);
+  friend RefPtr<ShadingEnvironment> loadEnvironment(const Document&, const ILanguageTraits&,
+                                                    const LibraryPorts&);
 
   std::string file_;
   Array<Light> lights_;
@@ -47,11 +49,21 @@ private:
 
 /// Reads an environment document. Throws InputError for a malformed one, more lights than code can be written
 /// for, a light name used twice and a fragment that the language does not know.
-RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language);
+RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language,
+                                           const LibraryPorts& libraryPorts = {});
 RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILanguageTraits& language);
 
-/// A clone under an instance name, with the ports of its first profile's function.
+/// A clone under an instance name, with the ports of its first profile's function. Inputs have the values
+/// that the libraries give them.
 RefPtr<IShaderFragment> cloneWithPorts(const IShaderFragment& fragment, const WString& instanceName,
-                                       const ILanguageTraits& language);
+                                       const ILanguageTraits& language,
+                                       const LibraryPorts& libraryPorts = {});
+
+/// A copy of a parameter with another default value.
+RefPtr<AParameter const> withValue(const AParameter& original, const AValue& value, bool constant);
+
+/// The input of a fragment, or a copy that has the value of the libraries.
+RefPtr<AParameter const> withLibraryValue(const AParameter& input, const WString& fragment,
+                                          const LibraryPorts& libraryPorts);
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -38,7 +38,7 @@ CollapseJob::CollapseJob(const CollapseSettings& settings)
 CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
                          const std::optional<Document>& environment, const CollapseOptions& settings)
     : settings_(settings), libraries_(std::move(libraries)) {
-  document_ = loadGraphDocument(graph, libraries_->language());
+  document_ = loadGraphDocument(graph, libraries_->language(), libraries_->ports());
   if (graph.isFile()) documentFiles_.push_back(graph.name());
   readEnvironment(environment);
 }
@@ -53,7 +53,8 @@ CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries,
 
 void CollapseJob::readEnvironment(const std::optional<Document>& environment) {
   const LanguageDx11& language = libraries_->language();
-  environment_ = environment ? loadEnvironment(*environment, language) : makeRef<ShadingEnvironment>();
+  environment_ = environment ? loadEnvironment(*environment, language, libraries_->ports())
+                             : makeRef<ShadingEnvironment>();
   options_ = makeRef<ShaderOptions>(language.getLanguageString(), settings_.surfaceLod, settings_.lightLod,
                                     environment_.get());
   if (environment && environment->isFile()) documentFiles_.push_back(environment->name());
@@ -61,7 +62,7 @@ void CollapseJob::readEnvironment(const std::optional<Document>& environment) {
 
 void CollapseJob::run() {
   const LanguageDx11& language = libraries_->language();
-  const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document_, language);
+  const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document_, language, libraries_->ports());
   if (std::vector<Diagnostic> wires = findCalledExpressions(*this); !wires.empty()) {
     throw CalledExpressionError(std::move(wires));
   }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "host/documents/diagnose.h"
 #include "sfg/host/errors.h"
 #include "tolmsdk/unicode.h"
 
@@ -30,10 +31,10 @@ LoadedLibraries::LoadedLibraries(const std::vector<std::string>& libraryFolders,
   for (const std::string& folder : libraryFolders) requireFolder(folder);
   for (const std::string& folder : includeFolders) requireFolder(folder);
 
+  language_ = makeRef<LanguageDx11>(&library_);
   // Includes first: a fragment's hash string holds those of its include files.
   loadIncludes();
   for (const std::string& folder : libraryFolders) loadFragments(folder);
-  language_ = makeRef<LanguageDx11>(&library_);
 }
 
 /// Each folder once: read again, every file would hold its text twice.
@@ -57,6 +58,14 @@ void LoadedLibraries::loadFragments(const std::string& folder) {
   };
   loading.onFragment = [&](const WString& file, const WString& name, const IObjectDataNode& object) {
     files_.addFragment(file, name, object);
+  };
+  const TellProblem tell = [&](TextPosition position, const std::string& text) {
+    problems_.push_back(diagnose(Severity::warning, current, position, text));
+  };
+  loading.onLoaded = [&](const IObjectDataNode& object, const IShaderFragment& fragment) {
+    FragmentPorts ports = readPorts(object, fragment, *language_, tell);
+    ports_.erase(fragment.key());
+    if (!ports.ports.empty() || !ports.uniforms.empty()) ports_.emplace(fragment.key(), std::move(ports));
   };
   loading.onProblem = [&](std::wstring_view line) {
     problems_.push_back({Severity::message, current, 0, 0, toUtf8(line)});

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/documents/port_metadata.h"
 #include "host/library/fragment_files.h"
 #include "host/library/language_dx11.h"
 #include "sfg/fragment_library.h"
@@ -28,6 +29,8 @@ public:
   const ShaderIncludes& includes() const noexcept { return includes_; }
   const LanguageDx11& language() const noexcept { return *language_; }
   const FragmentFiles& files() const noexcept { return files_; }
+  /// What the fragments say of their ports and uniforms.
+  const LibraryPorts& ports() const noexcept { return ports_; }
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
   /// The include file of that name: in the first of the folders that has it, or empty.
   std::string includeFile(const WString& name) const;
@@ -42,6 +45,7 @@ private:
   FragmentLibrary library_;
   RefPtr<LanguageDx11> language_;
   FragmentFiles files_;
+  LibraryPorts ports_;
   std::vector<Diagnostic> problems_;
   std::vector<std::string> includeFolders_;
 };

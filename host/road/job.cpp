@@ -46,9 +46,26 @@ Shader shaderOf(const AssembledShader& assembled, ShaderStage stage, NameStyle n
 }  // namespace
 
 struct Job::State {
+  /// Of a stage with names of a style. Made once for those that are asked for in a row.
+  const AssembledShader& assembled(ShaderStage stage, NameStyle names, const MeshLayout& mesh = {});
+
+  struct Assembled {
+    ShaderStage stage;
+    NameStyle names;
+    MeshLayout mesh;
+    AssembledShader shader;
+  };
   std::shared_ptr<const LibrarySet> libraries;
   CollapseJob job;
+  std::optional<Assembled> last = std::nullopt;
 };
+
+const AssembledShader& Job::State::assembled(ShaderStage stage, NameStyle names, const MeshLayout& mesh) {
+  if (!last || last->stage != stage || last->names != names || last->mesh != mesh) {
+    last = Assembled{stage, names, mesh, assembleShader(job, stage, names, mesh)};
+  }
+  return last->shader;
+}
 
 Job::Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, const CollapseOptions& options,
          const std::optional<Document>& environment) {
@@ -81,7 +98,7 @@ void Job::collapse() {
 
 bool Job::isCollapsed() const noexcept { return state_->job.result() != nullptr; }
 
-const Job::State& Job::collapsed() const {
+Job::State& Job::collapsed() const {
   if (!isCollapsed()) throw std::logic_error("the job is not collapsed");
   return *state_;
 }
@@ -91,19 +108,20 @@ std::vector<Diagnostic> Job::warnings(bool completeShader) const {
 }
 
 Shader Job::assemble(ShaderStage stage, NameStyle names, const MeshLayout& mesh) const {
-  return shaderOf(assembleShader(collapsed().job, stage, names, mesh), stage, names);
+  return shaderOf(collapsed().assembled(stage, names, mesh), stage, names);
 }
 
 ShaderInterface Job::reflect(ShaderStage stage, NameStyle names, const MeshLayout& mesh) const {
-  const CollapseJob& job = collapsed().job;
-  ShaderInterface shader = reflectShader(assembleShader(job, stage, names, mesh));
-  shader.files = sourceFiles(job, shader.includes);
+  State& state = collapsed();
+  ShaderInterface shader = reflectShader(state.assembled(stage, names, mesh));
+  shader.files = sourceFiles(state.job, shader.includes);
   return shader;
 }
 
 std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
-  const CollapseJob& job = collapsed().job;
-  const AssembledShader assembled = assembleShader(job, shader.stage, shader.names);
+  State& state = collapsed();
+  const CollapseJob& job = state.job;
+  const AssembledShader& assembled = state.assembled(shader.stage, shader.names);
   const bool isOurs = toUtf8(assembled.shader.getCompleteShader()) == shader.text;
   const std::vector<CompilerMessage>& messages = error.messages();
   std::vector<Diagnostic> diagnostics{diagnose(Severity::error, job.document().file(), {}, error.what())};

@@ -29,7 +29,10 @@ const char* kindName(ValueOrigin::Kind kind) {
 }
 
 InterfaceOrigin originOf(const ValueOrigin& origin) {
-  return {kindName(origin.kind), toUtf8(origin.owner), toUtf8(origin.fragment), toUtf8(origin.name)};
+  InterfaceOrigin made{kindName(origin.kind), toUtf8(origin.owner), toUtf8(origin.fragment),
+                       toUtf8(origin.name)};
+  if (origin.port != nullptr) made.port = *origin.port;
+  return made;
 }
 
 InterfaceOrigin originOf(const Varying& varying) {

@@ -22,6 +22,8 @@ struct FragmentLoading {
   std::function<void(const WString& file)> onFile;
   /// Each fragment object of a file, before it is loaded, whether it loads or not.
   std::function<void(const WString& file, const WString& name, const IObjectDataNode& object)> onFragment;
+  /// Each fragment that did load, with its object, once the library has it.
+  std::function<void(const IObjectDataNode& object, const IShaderFragment& fragment)> onLoaded;
   /// Each line about what is passed over; without it the lines go to the debug log.
   std::function<void(std::wstring_view line)> onProblem;
 };

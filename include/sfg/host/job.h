@@ -76,7 +76,8 @@ public:
   Shader assemble(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated,
                   const MeshLayout& mesh = {}) const;
   /// What that shader takes and gives, as its HLSL text has it; interfaceFor() tells what compilers make of
-  /// it. Throws AssemblyError.
+  /// it. A job keeps the shader that it assembled last: reflecting that, or explaining it, assembles nothing.
+  /// Throws AssemblyError.
   ShaderInterface reflect(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated,
                           const MeshLayout& mesh = {}) const;
   /// Where a compiler's complaint about a shader that assemble() made comes from: the complaints, each line's
@@ -92,7 +93,7 @@ public:
 
 private:
   struct State;
-  const State& collapsed() const;
+  State& collapsed() const;
 
   std::unique_ptr<State> state_;
 };

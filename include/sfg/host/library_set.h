@@ -56,7 +56,8 @@ public:
   ~LibrarySet();
 
   const LibraryFolders& folders() const noexcept { return folders_; }
-  /// What was passed over, as the generator's messages, in the order of files. Lives as long as the set.
+  /// What was passed over, as the generator's messages, and warnings of what is said of ports and cannot be
+  /// used, in the order of files. Lives as long as the set.
   std::span<const Diagnostic> problems() const noexcept;
   /// The fragments that did load, in order of names.
   std::vector<FragmentInfo> fragments() const;

@@ -12,6 +12,7 @@
 
 #include "sfg/host/errors.h"
 #include "sfg/host/export.h"
+#include "sfg/host/port_metadata.h"
 #include "sfg/host/shader.h"
 #include "sfg/host/target.h"
 
@@ -25,6 +26,8 @@ struct InterfaceOrigin {
   std::string owner;     ///< the node's or light's name; empty for the graph and state variables
   std::string fragment;  ///< the owner's
   std::string name;      ///< of the input, uniform, output or state variable
+  /// What the owner's library says of its input or uniform; none when it says nothing.
+  std::optional<PortMetadata> port = std::nullopt;
 
   /// "owner.name", or the name alone where there is no owner: under which values are set.
   std::string path() const { return owner.empty() ? name : owner + "." + name; }
@@ -137,6 +140,9 @@ SFG_HOST_API ShaderInterface interfaceFor(const ShaderInterface& assembled, Shad
 
 /// As JSON, indented, with a line feed at its end.
 SFG_HOST_API std::string writeInterfaceJson(const ShaderInterface& shader);
+
+/// The JSON Schema (draft 2020-12) of what that writes, in the same form.
+SFG_HOST_API std::string interfaceSchemaJson();
 
 /// What a value of a shader shall be: as many numbers as it has components, rows of a matrix behind one
 /// another, elements of an array too; booleans as 0 and 1.

@@ -19,6 +19,8 @@ struct MeshLayout {
   bool texCoord2 = true;
   bool texCoord3 = true;
   bool color = true;
+
+  bool operator==(const MeshLayout&) const = default;
 };
 
 /// How a complete shader names its uniforms.
