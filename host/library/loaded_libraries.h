@@ -7,6 +7,7 @@
 
 #include "host/library/fragment_files.h"
 #include "host/library/language_dx11.h"
+#include "host/library/source_texts.h"
 #include "sfg/fragment_library.h"
 #include "sfg/host/diagnostic.h"
 #include "sfg/shader_includes.h"
@@ -28,6 +29,8 @@ public:
   const ShaderIncludes& includes() const noexcept { return includes_; }
   const LanguageDx11& language() const noexcept { return *language_; }
   const FragmentFiles& files() const noexcept { return files_; }
+  /// Of all library and include files.
+  const SourceTexts& texts() const noexcept { return texts_; }
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
   /// The include file of that name: in the first of the folders that has it, or empty.
   std::string includeFile(const WString& name) const;
@@ -36,12 +39,14 @@ public:
 
 private:
   void loadIncludes();
+  void keepIncludes(const WString& folder);
   void loadFragments(const std::string& folder);
 
   ShaderIncludes includes_;
   FragmentLibrary library_;
   RefPtr<LanguageDx11> language_;
   FragmentFiles files_;
+  SourceTexts texts_;
   std::vector<Diagnostic> problems_;
   std::vector<std::string> includeFolders_;
 };

@@ -14,6 +14,7 @@
 #include <spirv-tools/optimizer.hpp>
 #include <sstream>
 
+#include "host/modules/token_lines.h"
 #include "host/shader/module_names.h"
 #include "host/shader/shader_target.h"
 
@@ -61,6 +62,12 @@ std::vector<CompilerMessage> readLog(const std::string& log) {
     }
   }
   return placed.empty() ? unplaced : placed;
+}
+
+/// Both messages of one mistake: what they say is the same.
+bool saysTheSame(const std::vector<CompilerMessage>& a, const std::vector<CompilerMessage>& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const CompilerMessage& x, const CompilerMessage& y) { return x.text == y.text; });
 }
 
 /// One parsed and linked shader.
@@ -115,6 +122,36 @@ private:
   glslang::TShader shader_;
   glslang::TProgram program_;
 };
+
+/// The error of a text with the columns of its messages. The front end tells lines only, so it is asked once
+/// more with each token in a line of its own.
+CompileError withColumns(const CompileError& error, const std::string& hlsl, const std::string& entryPoint,
+                         ShaderStage stage) {
+  const TokenLines lines = onTokenLines(hlsl);
+  try {
+    const Parsed again(lines.text, Parsed::Language::hlsl, entryPoint, stage, error.what(), true);
+  } catch (const CompileError& told) {
+    if (!saysTheSame(error.messages(), told.messages())) return error;
+    std::vector<CompilerMessage> messages = error.messages();
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+      const std::size_t line = told.messages()[i].line;
+      if (line == 0 || line > lines.places.size()) continue;
+      messages[i].line = lines.places[line - 1].line;
+      messages[i].column = lines.places[line - 1].column;
+    }
+    return CompileError(error.what(), std::move(messages), true);
+  }
+  return error;
+}
+
+Words parseToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage) {
+  try {
+    const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
+    return parsed.toSpirv(stage);
+  } catch (const CompileError& error) {
+    throw withColumns(error, hlsl, entryPoint, stage);
+  }
+}
 
 /// Gathers what the SPIR-V tools say.
 class Complaints {
@@ -328,8 +365,7 @@ std::string bytesOf(const Words& words) {
 bool hasCompilers() noexcept { return true; }
 
 Words compileToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage) {
-  const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
-  Words words = nameModuleInterface(legaliseAndOptimise(parsed.toSpirv(stage)));
+  Words words = nameModuleInterface(legaliseAndOptimise(parseToSpirv(hlsl, entryPoint, stage)));
   validate(words);
   return words;
 }

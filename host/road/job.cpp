@@ -95,6 +95,11 @@ ShaderInterface Job::reflect(ShaderStage stage, NameStyle names) const {
   return shader;
 }
 
+SourceMap Job::mapSources(ShaderStage stage, NameStyle names) const {
+  const CollapseJob& job = collapsed().job;
+  return SourceMap(job, assembleShader(job, stage, names));
+}
+
 std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
   const CollapseJob& job = collapsed().job;
   const AssembledShader assembled = assembleShader(job, shader.stage, shader.names);

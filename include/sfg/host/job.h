@@ -14,6 +14,7 @@
 #include "sfg/host/library_set.h"
 #include "sfg/host/reflect.h"
 #include "sfg/host/shader.h"
+#include "sfg/host/source_map.h"
 #include "sfg/shader_fragment.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -65,6 +66,9 @@ public:
   /// it. Throws AssemblyError.
   ShaderInterface reflect(ShaderStage stage = ShaderStage::pixel,
                           NameStyle names = NameStyle::generated) const;
+  /// Where every character of that shader comes from. The graph is collapsed once more for it. Throws
+  /// AssemblyError.
+  SourceMap mapSources(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
   /// Where a compiler's complaint about a shader that assemble() made comes from: the complaints, each line's
   /// origins behind them.
   std::vector<Diagnostic> explain(const Shader& shader, const CompileError& error) const;
