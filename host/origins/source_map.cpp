@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "host/job/collapse_job.h"
 #include "host/origins/include_places.h"
 #include "host/origins/token_origins.h"
+#include "host/origins/unbalanced.h"
 #include "host/shader/shader_assembly.h"
 #include "sfg/host/diagnostic.h"
 #include "tolmsdk/exception.h"
@@ -69,6 +71,7 @@ struct SourceMap::Impl {
     bodyOrigins = origins.ofBody(body);
     mapPredefines();
     for (std::size_t i = 0; i < sections.size(); ++i) mapSection(i, assembled.reflection);
+    findUnbalanced();
     std::stable_sort(tokens.begin(), tokens.end(), [](const MappedToken& a, const MappedToken& b) {
       return a.token.begin < b.token.begin;
     });
@@ -210,6 +213,35 @@ struct SourceMap::Impl {
     return origin;
   }
 
+  // Brackets.
+
+  void findUnbalanced() {
+    std::set<const FragmentCode*> done;
+    for (std::size_t i = 0; i < record.writers().size(); ++i) {
+      const CollapseRecord::Writer& writer = record.writers()[i];
+      for (const CodePart part : {CodePart::predefine, CodePart::implementation}) {
+        const FragmentCode* const code = codes.find(writer.fragment->key(), writer.profileIndex, part);
+        if (code == nullptr || !done.insert(code).second) continue;
+        const std::optional<Unbalanced> found = host::findUnbalanced(code->text);
+        if (!found) continue;
+        TokenOrigin origin{TokenOrigin::Kind::code, true, i, code, part, found->place, kNotFound};
+        unbalanced = placeOf({{}, origin, 0}, 0);
+        unbalanced.token = toUtf8(found->token);
+        return;
+      }
+    }
+    for (const auto& [section, places] : includes) {
+      const std::size_t begin = sectionBegin(section) + 1;
+      const std::wstring_view content =
+          std::wstring_view(text).substr(0, sectionEnd(section)).substr(begin);
+      const std::optional<Unbalanced> found = host::findUnbalanced(content);
+      if (!found) continue;
+      unbalanced = findInclude(section, begin + found->place);
+      unbalanced.token = toUtf8(found->token);
+      return;
+    }
+  }
+
   // Answers.
 
   SourcePlace find(std::size_t line, std::size_t column) const {
@@ -246,6 +278,9 @@ struct SourceMap::Impl {
     place.line = found.position.line;
     place.column = found.position.column;
     place.isExact = !found.file.empty();
+    const std::size_t end = sectionEnd(section);
+    const CodeTokens here = tokensOf(std::wstring_view(text).substr(0, end), std::min(offset, end));
+    if (!here.empty() && here.front().begin == offset) place.token = toUtf8(here.front().in(text));
     return place;
   }
 
@@ -267,6 +302,8 @@ struct SourceMap::Impl {
       place.file = *origin.code->file;
       place.line = found.line;
       place.column = found.column;
+      if (source < origin.code->tokens.size())
+        place.token = toUtf8(origin.code->tokens[source].in(origin.code->text));
       break;
     }
     case TokenOrigin::Kind::input: {
@@ -332,6 +369,7 @@ struct SourceMap::Impl {
   std::map<const IShaderFragment*, std::size_t> writers;  // the first of each fragment
   std::map<WString, NamedValue> names;
   bool namesAreKnown = false;
+  SourcePlace unbalanced;
 };
 
 SourceMap::SourceMap(const CollapseJob& job, const AssembledShader& assembled)
@@ -339,6 +377,11 @@ SourceMap::SourceMap(const CollapseJob& job, const AssembledShader& assembled)
 SourceMap::SourceMap(SourceMap&& other) noexcept = default;
 SourceMap& SourceMap::operator=(SourceMap&& other) noexcept = default;
 SourceMap::~SourceMap() = default;
+
+const SourcePlace& SourceMap::findUnbalanced() const {
+  static const SourcePlace none;
+  return impl_ ? impl_->unbalanced : none;
+}
 
 SourcePlace SourceMap::find(std::size_t line, std::size_t column) const {
   return impl_ ? impl_->find(line, column) : SourcePlace();

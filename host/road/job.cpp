@@ -1,6 +1,6 @@
 #include "sfg/host/job.h"
 
-#include "host/diagnostics/code_origin.h"
+#include "host/diagnostics/compile_explanation.h"
 #include "host/diagnostics/refusal_place.h"
 #include "host/diagnostics/warnings.h"
 #include "host/documents/diagnose.h"
@@ -102,25 +102,16 @@ SourceMap Job::mapSources(ShaderStage stage, NameStyle names) const {
 
 std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
   const CollapseJob& job = collapsed().job;
-  const AssembledShader assembled = assembleShader(job, shader.stage, shader.names);
-  const bool isOurs = toUtf8(assembled.shader.getCompleteShader()) == shader.text;
-  const std::vector<CompilerMessage>& messages = error.messages();
+  if (error.inAssembledText()) {
+    const AssembledShader assembled = assembleShader(job, shader.stage, shader.names);
+    if (toUtf8(assembled.shader.getCompleteShader()) == shader.text)
+      return explainCompileError(job, assembled, error);
+  }
+  // Another text, or what a compiler made of it: nothing is known of its lines.
   std::vector<Diagnostic> diagnostics{diagnose(Severity::error, job.document().file(), {}, error.what())};
-  std::optional<OriginFinder> origins;
-  for (std::size_t i = 0; i < messages.size(); ++i) {
-    const std::size_t line = error.inAssembledText() ? messages[i].line : 0;
-    diagnostics.push_back({Severity::error, "generated", line, 0, messages[i].text});
-    // Where the line comes from is said once, behind all that is said about it.
-    const bool moreOfTheLine = i + 1 < messages.size() && messages[i + 1].line == messages[i].line;
-    if (!isOurs || line == 0 || moreOfTheLine) continue;
-    if (!origins) origins.emplace(job, assembled);
-    for (Diagnostic& note : origins->find(line)) {
-      if (note.file.empty()) {
-        note.file = "generated";
-        note.line = line;
-      }
-      diagnostics.push_back(std::move(note));
-    }
+  for (const CompilerMessage& message : error.messages()) {
+    const std::size_t line = error.inAssembledText() ? message.line : 0;
+    diagnostics.push_back({Severity::error, "generated", line, 0, message.text});
   }
   return diagnostics;
 }

@@ -69,8 +69,10 @@ public:
   /// Where every character of that shader comes from. The graph is collapsed once more for it. Throws
   /// AssemblyError.
   SourceMap mapSources(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
-  /// Where a compiler's complaint about a shader that assemble() made comes from: the complaints, each line's
-  /// origins behind them.
+  /// What a compiler refused of a shader that assemble() made, in words that lead to the mistake, at its place
+  /// in a library file, an include file or a document; behind it notes: who uses the code, and what the
+  /// compiler said of which line of the text. Messages that only follow from the first are left out. The
+  /// graph is collapsed once more for it.
   std::vector<Diagnostic> explain(const Shader& shader, const CompileError& error) const;
   /// The files that the result was made from: graph, environment, fragment libraries, include files.
   std::vector<std::string> files() const;

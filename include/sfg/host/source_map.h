@@ -44,6 +44,7 @@ struct SourcePlace {
   /// in for: the use that became a call, the call that became a value, the function that was given
   /// parameters.
   bool isExact = false;
+  std::string token;     ///< as the source spells it; empty for nodes, inputs and assembly
   std::string fragment;  ///< whose code or use it is; empty for includes and assembly
   std::string input;     ///< of the kind `input`: its name
   /// Who uses the code; the first is the one for which it was written. Several nodes share equal code.
@@ -65,6 +66,11 @@ public:
   /// The place of a character of the shader's text, both counted from 1, columns in code points. Blanks and
   /// comments are where the next token of their part of the shader is.
   SourcePlace find(std::size_t line, std::size_t column) const;
+
+  /// The first bracket that is not closed, or closes nothing, and the first comment that is not closed, in the
+  /// code of the fragments in use and in the include files: compilers tell such mistakes far behind them. The
+  /// kind is unknown when there is none; the token is the bracket or "/*".
+  const SourcePlace& findUnbalanced() const;
 
   /// For this library's own use. The assembled shader is the job's.
   SourceMap(const CollapseJob& job, const AssembledShader& assembled);
