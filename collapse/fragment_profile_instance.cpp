@@ -59,6 +59,14 @@ bool hasOnlySymbols(const CodeSnippetInstance& code) {
   return true;
 }
 
+/// From the first symbol to behind the last; places of written symbols are counted in it.
+std::wstring_view codeOf(const CodeSnippetInstance& code) {
+  if (code.getNumSymbols() == 0) return {};
+  const ScopedText first = code.getSymbol(0).getText();
+  const ScopedText last = code.getSymbol(code.getNumSymbols() - 1).getText();
+  return {first.text, static_cast<std::size_t>(last.text - first.text) + last.length};
+}
+
 /// Parameters of a profile by name: looked through for the first questions, then sorted once.
 class ParameterFinder {
 public:
@@ -430,6 +438,8 @@ bool FragmentProfileInstance::writeRequirements(AShaderFragmentProfile* target,
     KeywordReplacePattern* const own = findKeywordReplacePattern();
     context.writePredefine(predefines, calls, own != nullptr ? *own : renames);
     if (!renames.empty()) getKeywordReplacePattern() = std::move(renames);
+    if (ICollapseObserver* const observer = context.observer())
+      observer->onPredefines(*this, codeOf(predefines), context.writtenSymbols());
   }
 
   if (target != nullptr) {
@@ -455,6 +465,8 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
   KeywordReplacePattern calls;
   addCalls(calls, profile_->getBodyBuiltinFunctions(), getBuiltinFunctionValueInBody());
   context.writeDefinition(definition, calls, *this);
+  if (ICollapseObserver* const observer = context.observer())
+    observer->onDefinition(*this, codeOf(definition), context.writtenSymbols());
   if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this);
   return true;
 }
@@ -498,7 +510,13 @@ bool FragmentProfileInstance::writeFunctionCall(WString& out, AShaderCollapseCon
                                                 const Array<WString>& outputValues) {
   if (!mustWriteCall(context)) return true;
   if (!profile_) return true;
-  return profile_->writeFunctionCall(out, context, *this, inputValues, outputValues);
+  const std::size_t begin = out.size();
+  if (!profile_->writeFunctionCall(out, context, *this, inputValues, outputValues)) return false;
+  if (ICollapseObserver* const observer = context.observer()) {
+    const WString& body = std::as_const(*context.getResultProfile()).getFunctionBody();
+    observer->onCall(*this, inputValues, std::wstring_view(out).substr(begin), body.size());
+  }
+  return true;
 }
 
 }  // namespace TolmSDK::Graphics::sfg

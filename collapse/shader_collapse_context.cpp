@@ -181,6 +181,17 @@ bool AShaderCollapseContext::writeDeclareVariable(const wchar_t* type, const wch
   return writeCodef(L"    %s %s;\n", type, name);
 }
 
+ICollapseObserver::~ICollapseObserver() = default;
+
+void AShaderCollapseContext::setObserver(ICollapseObserver* observer) {
+  observer_ = observer;
+  if (observer != nullptr) writer_->keepWrittenSymbols();
+}
+
+std::span<const WrittenSymbol> AShaderCollapseContext::writtenSymbols() const noexcept {
+  return writer_->writtenSymbols();
+}
+
 void AShaderCollapseContext::writePredefine(const WString& text) { writer_->writePredefine(text); }
 
 void AShaderCollapseContext::writePredefine(const CodeSnippetInstance& instance,

@@ -21,8 +21,9 @@ CollapseOptions optionsOf(const CollapseSettings& settings) {
 template <class Tool>
 RefPtr<IShaderFragment> collapseWith(const CollapseOptions& settings, const AShaderFragmentGraph& graph,
                                      const ShadingEnvironment& environment, const ShaderOptions& options,
-                                     const LanguageDx11& language) {
+                                     const LanguageDx11& language, ICollapseObserver* observer) {
   const RefPtr<Tool> tool = makeRef<Tool>();
+  tool->setObserver(observer);
   if (!settings.functionName.empty()) tool->setCollpaseFunctionName(fromUtf8(settings.functionName));
   if (!settings.profileName.empty()) tool->setCollapseProfileName(fromUtf8(settings.profileName));
   return RefPtr<IShaderFragment>(tool->collapse(&graph, &environment, &options, &language));
@@ -66,11 +67,20 @@ void CollapseJob::run() {
   if (std::vector<Diagnostic> wires = findCalledExpressions(*this); !wires.empty()) {
     throw CalledExpressionError(std::move(wires));
   }
-  result_ =
-      settings_.tool == CollapseTool::lightLoop
-          ? collapseWith<AShaderCollapseToolLightLoop>(settings_, *graph, *environment_, *options_, language)
-          : collapseWith<AShaderCollapseToolDefault>(settings_, *graph, *environment_, *options_, language);
+  result_ = collapse(*graph, nullptr);
   graph_ = graph;
+}
+
+void CollapseJob::observe(ICollapseObserver& observer) const { collapse(*graph_, &observer); }
+
+RefPtr<IShaderFragment> CollapseJob::collapse(const AShaderFragmentGraph& graph,
+                                              ICollapseObserver* observer) const {
+  const LanguageDx11& language = libraries_->language();
+  if (settings_.tool == CollapseTool::lightLoop)
+    return collapseWith<AShaderCollapseToolLightLoop>(settings_, graph, *environment_, *options_, language,
+                                                      observer);
+  return collapseWith<AShaderCollapseToolDefault>(settings_, graph, *environment_, *options_, language,
+                                                  observer);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

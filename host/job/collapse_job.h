@@ -48,8 +48,12 @@ public:
   /// inputs. A job that has thrown is as it was before.
   void run();
 
+  /// Collapses once more for an observer, with the same result, which is dropped. The job has a result.
+  void observe(ICollapseObserver& observer) const;
+
   const CollapseOptions& settings() const noexcept { return settings_; }
   const LoadedLibraries& libraries() const noexcept { return *libraries_; }
+  const std::shared_ptr<const LoadedLibraries>& shareLibraries() const noexcept { return libraries_; }
   /// The documents that are files.
   const std::vector<std::string>& documentFiles() const noexcept { return documentFiles_; }
   const GraphDocument& document() const noexcept { return *document_; }
@@ -61,6 +65,7 @@ public:
 
 private:
   void readEnvironment(const std::optional<Document>& environment);
+  RefPtr<IShaderFragment> collapse(const AShaderFragmentGraph& graph, ICollapseObserver* observer) const;
 
   CollapseOptions settings_;
   std::shared_ptr<const LoadedLibraries> libraries_;

@@ -4,6 +4,7 @@
 
 #include "host/documents/diagnose.h"
 #include "sfg/host/errors.h"
+#include "tolmsdk/files.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -45,6 +46,15 @@ void LoadedLibraries::loadIncludes() {
     const std::filesystem::path canonical = std::filesystem::canonical(folder, error);
     if (!known.insert(error ? folder : canonical.string()).second) continue;
     includes_.addIncludePath(fromUtf8(folder).c_str());
+    keepIncludes(fromUtf8(folder));
+  }
+}
+
+/// The files that the registry reads of a folder.
+void LoadedLibraries::keepIncludes(const WString& folder) {
+  for (const WString& file : EnumFiles(folder)) {
+    const WString extension = GetExtension(file);
+    if (extension == L"h" || extension == L"H") texts_.addInclude(GetFilename(file), toUtf8(file));
   }
 }
 
@@ -55,6 +65,7 @@ void LoadedLibraries::loadFragments(const std::string& folder) {
   loading.onFile = [&](const WString& file) {
     files_.addFile(file);
     current = toUtf8(file);
+    texts_.add(current);
   };
   loading.onFragment = [&](const WString& file, const WString& name, const IObjectDataNode& object) {
     files_.addFragment(file, name, object);

@@ -8,6 +8,7 @@
 #include "host/documents/port_metadata.h"
 #include "host/library/fragment_files.h"
 #include "host/library/language_dx11.h"
+#include "host/library/source_texts.h"
 #include "sfg/fragment_library.h"
 #include "sfg/host/diagnostic.h"
 #include "sfg/shader_includes.h"
@@ -31,6 +32,8 @@ public:
   const FragmentFiles& files() const noexcept { return files_; }
   /// What the fragments say of their ports and uniforms.
   const LibraryPorts& ports() const noexcept { return ports_; }
+  /// Of all library and include files.
+  const SourceTexts& texts() const noexcept { return texts_; }
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
   /// The include file of that name: in the first of the folders that has it, or empty.
   std::string includeFile(const WString& name) const;
@@ -39,6 +42,7 @@ public:
 
 private:
   void loadIncludes();
+  void keepIncludes(const WString& folder);
   void loadFragments(const std::string& folder);
 
   ShaderIncludes includes_;
@@ -46,6 +50,7 @@ private:
   RefPtr<LanguageDx11> language_;
   FragmentFiles files_;
   LibraryPorts ports_;
+  SourceTexts texts_;
   std::vector<Diagnostic> problems_;
   std::vector<std::string> includeFolders_;
 };

@@ -15,6 +15,7 @@
 #include <sstream>
 
 #include "host/modules/new_operations.h"
+#include "host/modules/token_lines.h"
 #include "host/shader/module_names.h"
 #include "host/shader/shader_target.h"
 
@@ -89,6 +90,12 @@ std::vector<CompilerMessage> readLog(const std::string& log) {
   return placed.empty() ? unplaced : placed;
 }
 
+/// Both messages of one mistake: what they say is the same.
+bool saysTheSame(const std::vector<CompilerMessage>& a, const std::vector<CompilerMessage>& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const CompilerMessage& x, const CompilerMessage& y) { return x.text == y.text; });
+}
+
 /// One parsed and linked shader.
 class Parsed {
 public:
@@ -147,6 +154,36 @@ private:
   glslang::TShader shader_;
   glslang::TProgram program_;
 };
+
+/// The error of a text with the columns of its messages. The front end tells lines only, so it is asked once
+/// more with each token in a line of its own.
+CompileError withColumns(const CompileError& error, const std::string& hlsl, const std::string& entryPoint,
+                         ShaderStage stage) {
+  const TokenLines lines = onTokenLines(hlsl);
+  try {
+    const Parsed again(lines.text, Parsed::Language::hlsl, entryPoint, stage, error.what(), true);
+  } catch (const CompileError& told) {
+    if (!saysTheSame(error.messages(), told.messages())) return error;
+    std::vector<CompilerMessage> messages = error.messages();
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+      const std::size_t line = told.messages()[i].line;
+      if (line == 0 || line > lines.places.size()) continue;
+      messages[i].line = lines.places[line - 1].line;
+      messages[i].column = lines.places[line - 1].column;
+    }
+    return CompileError(error.what(), std::move(messages), true);
+  }
+  return error;
+}
+
+Words parseToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage, bool debug) {
+  try {
+    const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
+    return parsed.toSpirv(stage, debug ? &hlsl : nullptr);
+  } catch (const CompileError& error) {
+    throw withColumns(error, hlsl, entryPoint, stage);
+  }
+}
 
 /// Gathers what the SPIR-V tools say.
 class Complaints {
@@ -497,8 +534,7 @@ bool hasCompilers() noexcept { return true; }
 
 Words compileToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,
                      const CompileOptions& options) {
-  const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
-  const Words unoptimised = parsed.toSpirv(stage, options.debug ? &hlsl : nullptr);
+  const Words unoptimised = parseToSpirv(hlsl, entryPoint, stage, options.debug);
   Words words = nameModuleInterface(legaliseAndOptimise(unoptimised, options));
   validate(words);
   return words;

@@ -1,6 +1,6 @@
 #include "sfg/host/job.h"
 
-#include "host/diagnostics/code_origin.h"
+#include "host/diagnostics/compile_explanation.h"
 #include "host/diagnostics/refusal_place.h"
 #include "host/diagnostics/warnings.h"
 #include "host/documents/diagnose.h"
@@ -118,28 +118,24 @@ ShaderInterface Job::reflect(ShaderStage stage, NameStyle names, const MeshLayou
   return shader;
 }
 
+SourceMap Job::mapSources(ShaderStage stage, NameStyle names) const {
+  State& state = collapsed();
+  return SourceMap(state.job, state.assembled(stage, names));
+}
+
 std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
   State& state = collapsed();
-  const CollapseJob& job = state.job;
-  const AssembledShader& assembled = state.assembled(shader.stage, shader.names);
-  const bool isOurs = toUtf8(assembled.shader.getCompleteShader()) == shader.text;
-  const std::vector<CompilerMessage>& messages = error.messages();
-  std::vector<Diagnostic> diagnostics{diagnose(Severity::error, job.document().file(), {}, error.what())};
-  std::optional<OriginFinder> origins;
-  for (std::size_t i = 0; i < messages.size(); ++i) {
-    const std::size_t line = error.inAssembledText() ? messages[i].line : 0;
-    diagnostics.push_back({Severity::error, "generated", line, 0, messages[i].text});
-    // Where the line comes from is said once, behind all that is said about it.
-    const bool moreOfTheLine = i + 1 < messages.size() && messages[i + 1].line == messages[i].line;
-    if (!isOurs || line == 0 || moreOfTheLine) continue;
-    if (!origins) origins.emplace(job, assembled);
-    for (Diagnostic& note : origins->find(line)) {
-      if (note.file.empty()) {
-        note.file = "generated";
-        note.line = line;
-      }
-      diagnostics.push_back(std::move(note));
-    }
+  if (error.inAssembledText()) {
+    const AssembledShader& assembled = state.assembled(shader.stage, shader.names);
+    if (toUtf8(assembled.shader.getCompleteShader()) == shader.text)
+      return explainCompileError(state.job, assembled, error);
+  }
+  // Another text, or what a compiler made of it: nothing is known of its lines.
+  std::vector<Diagnostic> diagnostics{
+      diagnose(Severity::error, state.job.document().file(), {}, error.what())};
+  for (const CompilerMessage& message : error.messages()) {
+    const std::size_t line = error.inAssembledText() ? message.line : 0;
+    diagnostics.push_back({Severity::error, "generated", line, 0, message.text});
   }
   return diagnostics;
 }

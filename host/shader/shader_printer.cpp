@@ -98,7 +98,8 @@ private:
   void writeParts(const std::vector<std::size_t>& places) {
     for (const std::size_t place : places) {
       const PredefinePart& part = parts_.all()[place];
-      out_.section(part.name.empty() ? Kind::declarations : Kind::symbol, part.name);
+      out_.section(part.name.empty() ? Kind::declarations : Kind::symbol, part.name,
+                   static_cast<std::size_t>(part.text.data() - plan_.predefines.data()));
       out_.write(part.text);
     }
   }

@@ -51,6 +51,7 @@ public:
   }
   const ILanguageTraits* getLanguage() const noexcept { return language_; }
   const AShaderFragmentProfile* getProfile() const noexcept { return profile_; }
+  const AShaderFragment* getFragment() const noexcept { return fragment_; }
 
   const WString& getFunctionName() const;
   void setFunctionName(const WString& name);

@@ -15,6 +15,7 @@
 #include "sfg/host/library_set.h"
 #include "sfg/host/reflect.h"
 #include "sfg/host/shader.h"
+#include "sfg/host/source_map.h"
 #include "sfg/shader_fragment.h"
 #include "tolmsdk/ref_object.h"
 
@@ -80,8 +81,13 @@ public:
   /// Throws AssemblyError.
   ShaderInterface reflect(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated,
                           const MeshLayout& mesh = {}) const;
-  /// Where a compiler's complaint about a shader that assemble() made comes from: the complaints, each line's
-  /// origins behind them.
+  /// Where every character of that shader comes from. The graph is collapsed once more for it. Throws
+  /// AssemblyError.
+  SourceMap mapSources(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
+  /// What a compiler refused of a shader that assemble() made, in words that lead to the mistake, at its
+  /// place in a library file, an include file or a document; behind it notes: who uses the code, and what the
+  /// compiler said of which line of the text. Messages that only follow from the first are left out. The
+  /// graph is collapsed once more for it.
   std::vector<Diagnostic> explain(const Shader& shader, const CompileError& error) const;
   /// The files that the result was made from: graph, environment, fragment libraries, include files.
   std::vector<std::string> files() const;
