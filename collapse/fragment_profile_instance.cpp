@@ -150,6 +150,10 @@ private:
   ParameterFinder outputs_;
 };
 
+constexpr std::size_t kLightsOfAWord = 64;
+
+std::uint64_t bitOf(std::size_t light) { return std::uint64_t{1} << (light % kLightsOfAWord); }
+
 }  // namespace
 
 FragmentProfileInstance::FragmentProfileInstance() = default;
@@ -488,16 +492,21 @@ void FragmentProfileInstance::appendDefinitionKey(WString& key) const {
   }
 }
 
+bool FragmentProfileInstance::isCallWritten(std::size_t light) const {
+  if (!extras_) return false;
+  const auto word = extras_->callWrittenForLights.find(light / kLightsOfAWord);
+  return word != extras_->callWrittenForLights.end() && (word->second & bitOf(light)) != 0;
+}
+
 bool FragmentProfileInstance::mustWriteCall(const AShaderCollapseContext& context) {
   // Inside a shader-function call everything is written, and counts for nothing outside.
   if (inShaderFunctionCall_) return true;
   if (requiresCurrentLight_) {
     const std::size_t light = context.getActiveLightIndex();
     checkTextLength(light);  // so many lights cannot be written
-    Array<bool>& isWritten = extras().callWrittenForLight;
-    if (isWritten.size() <= light) isWritten.resize(light + 1, false);
-    if (isWritten[light]) return false;
-    isWritten[light] = true;
+    std::uint64_t& written = extras().callWrittenForLights[light / kLightsOfAWord];
+    if ((written & bitOf(light)) != 0) return false;
+    written |= bitOf(light);
   } else if (callWritten_ && !isInlineProfile_) {
     return false;
   }
