@@ -1,6 +1,7 @@
 #include "collapse/fragment_walk.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <typeinfo>
 #include <utility>
 
@@ -123,7 +124,8 @@ void FragmentWalk::startProfile(const FragmentInstance& instance) {
 
 // The stack.
 
-bool FragmentWalk::run(Visit first) {
+template <class AnyVisit>
+bool FragmentWalk::run(AnyVisit first) {
   const Run scope(*this);
   if (!enter(std::move(first))) return false;
   while (!scope.isDone()) {
@@ -134,28 +136,30 @@ bool FragmentWalk::run(Visit first) {
   return true;
 }
 
-bool FragmentWalk::enter(Visit visit) {
+template <class AnyVisit>
+bool FragmentWalk::enter(AnyVisit visit) {
   ++visits_;
-  if (!std::visit([this](auto& entered) { return begin(entered); }, visit)) return false;
-  setUnderWay(visit, true);
-  stack_.push_back(std::move(visit));
+  if (!begin(visit)) return false;
+  const FragmentInstance* written = nullptr;
+  if constexpr (std::is_base_of_v<InputValues, AnyVisit>) written = visit.written;
+  stack_.emplace_back(std::move(visit));
+  // A writer may ask for the inputs of the instance that it writes, but not for the instance.
+  if (written != nullptr) recordOf(*written).isUnderWay = true;
   return true;
 }
 
 void FragmentWalk::leave() {
-  setUnderWay(stack_.back(), false);
-  giveBackTexts(stack_.back());
+  std::visit([this](auto& visit) { leave(visit); }, stack_.back());
   stack_.pop_back();
 }
 
-/// A writer may ask for the inputs of the instance that it writes, but not for the instance.
-void FragmentWalk::setUnderWay(const Visit& visit, bool isUnderWay) {
-  std::visit(
-      [&](const auto& entered) {
-        if constexpr (requires { entered.written; })
-          if (entered.written != nullptr) recordOf(*entered.written).isUnderWay = isUnderWay;
-      },
-      visit);
+template <class AnyVisit>
+void FragmentWalk::leave(AnyVisit& visit) {
+  if constexpr (std::is_base_of_v<Findings, AnyVisit>) repeats_.resize(visit.firstRepeat);
+  if constexpr (std::is_base_of_v<InputValues, AnyVisit>) {
+    if (visit.written != nullptr) recordOf(*visit.written).isUnderWay = false;
+    giveBackTexts(visit);
+  }
 }
 
 bool FragmentWalk::canVisit(const InputValues& visit) {
@@ -187,6 +191,7 @@ bool FragmentWalk::begin(Collection& visit) {
 }
 
 void FragmentWalk::start(Findings& findings) {
+  findings.firstRepeat = static_cast<std::uint32_t>(repeats_.size());
   findings.epoch = epoch_;
   findings.start = findings.first = ++time_;
 }
@@ -212,7 +217,7 @@ template <class WalkingVisit>
 FragmentWalk::Step FragmentWalk::visitSource(WalkingVisit& visit) {
   if (visit.source == nullptr) {
     visit.source = findSource(*visit.instance, visit.next);
-    if (visit.source == nullptr || !context_.admit(*visit.source)) return Step::failed;
+    if (visit.source == nullptr) return Step::failed;
     FragmentInstance& source = *visit.source;
     visit.asked = time_;
     recordOf(source).isUsed = true;
@@ -254,7 +259,7 @@ void FragmentWalk::noteSource(WalkingVisit& visit) {
   if (visit.isCalled) {
     findings.first = std::min(findings.first, finishedCall_.first);
     if (finishedCall_.writesAgain)
-      findings.repeats.push_back({RepeatLists::kEmpty, visit.instance, visit.next, finishedCall_.start});
+      repeats_.push_back({RepeatLists::kEmpty, visit.instance, visit.next, finishedCall_.start});
     return;
   }
   const Record& source = recordOf(*visit.source);
@@ -262,8 +267,8 @@ void FragmentWalk::noteSource(WalkingVisit& visit) {
   if (source.changesAtEveryUse) findings.changesAtEveryUse = true;
   if (source.repeats == RepeatLists::kEmpty) return;
   const bool isFirstVisit = source.start > visit.asked;
-  findings.repeats.push_back(isFirstVisit ? RepeatLists::Item{source.repeats, nullptr, 0, 0}
-                                          : lists_.again(source.repeats, time_));
+  repeats_.push_back(isFirstVisit ? RepeatLists::Item{source.repeats, nullptr, 0, 0}
+                                  : lists_.again(source.repeats, time_));
 }
 
 FragmentWalk::Step FragmentWalk::advance(Repetition& visit) {
@@ -313,7 +318,7 @@ bool FragmentWalk::finish(ShaderCall& visit) {
   const std::size_t allocated = context_.getShaderInputTypes().size();
   if (!writer_.writeShaderFunction(*visit.written, visit.values, *visit.uses)) return false;
   const bool allocates = context_.getShaderInputTypes().size() != allocated;
-  finishedCall_ = {allocates || !visit.repeats.empty(), visit.start, visit.first};
+  finishedCall_ = {allocates || !repeatsOf(visit).empty(), visit.start, visit.first};
   return true;
 }
 
@@ -333,7 +338,7 @@ void FragmentWalk::noteEvaluation(const Evaluation& visit) {
   Record& record = recordOf(*visit.written);
   record.choice = profiles_.number();
   record.changesAtEveryUse = active.isInlineProfile() && (visit.changesAtEveryUse || isOwnExpression(active));
-  record.repeats = lists_.add(visit.repeats);
+  record.repeats = lists_.add(repeatsOf(visit));
   if (record.changesAtEveryUse) hasOwnExpressions_ = true;
   // What changed on the way may concern what was visited before.
   const bool isFirst = record.epoch != epoch_;
@@ -449,14 +454,14 @@ FragmentInstance* FragmentWalk::findSource(const FragmentInstance& instance, std
   return fragment != nullptr ? &context_.getFragmentInstance(fragment) : nullptr;
 }
 
-/// Of an instance that the context has admitted.
-FragmentWalk::Record& FragmentWalk::recordOf(const FragmentInstance& instance) {
-  const std::uint32_t number = instance.getNumber();
-  if (records_.size() <= number) {
-    if (records_.empty()) records_.reserve(profiles_.countInstances() + 1);
-    records_.resize(number + std::size_t{1});
-  }
-  return records_[number];
+/// Up to that of an instance.
+void FragmentWalk::makeRecords(const FragmentInstance& last) {
+  if (records_.empty()) records_.reserve(profiles_.countInstances() + 1);
+  records_.resize(last.getNumber() + std::size_t{1});
+}
+
+std::span<const RepeatLists::Item> FragmentWalk::repeatsOf(const Findings& findings) const {
+  return std::span(repeats_).subspan(findings.firstRepeat);
 }
 
 /// The values of a visit are written into the texts of one that is done, which have their memory already.
@@ -469,14 +474,9 @@ void FragmentWalk::takeSpareTexts(InputValues& visit) {
 }
 
 /// Long expressions are not kept.
-void FragmentWalk::giveBackTexts(Visit& visit) {
-  std::visit(
-      [this](auto& left) {
-        if constexpr (requires { left.values; })
-          if (!left.values.empty() && totalCapacity(left.values) <= kLargestSpare)
-            spareTexts_.push_back(std::move(left.values));
-      },
-      visit);
+void FragmentWalk::giveBackTexts(InputValues& visit) {
+  if (!visit.values.empty() && totalCapacity(visit.values) <= kLargestSpare)
+    spareTexts_.push_back(std::move(visit.values));
 }
 
 }  // namespace TolmSDK::Graphics::sfg
