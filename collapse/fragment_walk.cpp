@@ -129,7 +129,7 @@ bool FragmentWalk::run(AnyVisit first) {
   const Run scope(*this);
   if (!enter(std::move(first))) return false;
   while (!scope.isDone()) {
-    const Step step = std::visit([this](auto& visit) { return advance(visit); }, stack_.back());
+    const Step step = advance();
     if (step == Step::failed) return false;
     if (step == Step::done) leave();
   }
@@ -146,6 +146,10 @@ bool FragmentWalk::enter(AnyVisit visit) {
   // A writer may ask for the inputs of the instance that it writes, but not for the instance.
   if (written != nullptr) recordOf(*written).isUnderWay = true;
   return true;
+}
+
+FragmentWalk::Step FragmentWalk::advance() {
+  return std::visit([this](auto& visit) { return advance(visit); }, stack_.back());
 }
 
 void FragmentWalk::leave() {

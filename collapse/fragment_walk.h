@@ -152,6 +152,7 @@ private:
   Step stepInto(AnyVisit visit) {
     return enter(std::move(visit)) ? Step::entered : Step::failed;
   }
+  Step advance();
   void leave();
   template <class AnyVisit>
   void leave(AnyVisit& visit);
