@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <typeinfo>
 #include <utility>
 
@@ -19,6 +20,8 @@ namespace TolmSDK::Graphics::sfg {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 /// A lasting text that says the same, for what short names are as a rule: the profile's number. Null for
 /// others.
 const WString* findDigit(const WString& text) {
@@ -33,12 +36,22 @@ bool isInline(const AShaderFragmentProfile& profile) {
          dynamic_cast<const AShaderFragmentProfileInline*>(&profile) != nullptr;
 }
 
-void appendDeclaration(WString& out, const FragmentProfileInstance& instance, std::size_t output) {
-  out += L"    ";
-  out += instance.getOutputType(output);
+/// Nearly always one digit.
+void appendIndex(WString& out, std::size_t index) {
+  if (index < 10) {
+    out += static_cast<wchar_t>(L'0' + index);
+  } else {
+    appendDecimal(out, index);
+  }
+}
+
+void appendDeclaration(WString& out, const WString& type, const FragmentProfileInstance& instance,
+                       std::size_t output) {
+  out += L"    "sv;
+  out += type;
   out += L' ';
   instance.appendOutputName(out, output);
-  out += L";\n";
+  out += L";\n"sv;
   checkTextLength(out.size());
 }
 
@@ -251,10 +264,10 @@ void FragmentProfileInstance::appendOutputName(WString& out, std::size_t index) 
     out += extras_->outputNames[index];
     return;
   }
-  out += L"result_";
+  out += L"result_"sv;
   out += fragment_->instanceName();
   out += L'_';
-  appendDecimal(out, index);
+  appendIndex(out, index);
   out += *profileShortname_;
 }
 
@@ -321,7 +334,7 @@ bool FragmentProfileInstance::declareOutputs(WString& out) {
   if (outputsDeclared_) return true;
   outputsDeclared_ = true;
   for (std::size_t i = 0; i < numOutputs_; ++i) {
-    if (!getOutputType(i).empty()) appendDeclaration(out, *this, i);
+    if (const WString& type = getOutputType(i); !type.empty()) appendDeclaration(out, type, *this, i);
   }
   return true;
 }
@@ -331,9 +344,10 @@ bool FragmentProfileInstance::declareUnspecifiedOutputs(WString& out, Array<WStr
   if (outputsDeclared_) return true;
   outputsDeclared_ = true;
   for (std::size_t i = 0; i < numOutputs_; ++i) {
-    if (getOutputType(i).empty()) return false;
+    const WString& type = getOutputType(i);
+    if (type.empty()) return false;
     if (!outputValues[i].empty()) continue;
-    appendDeclaration(out, *this, i);
+    appendDeclaration(out, type, *this, i);
     appendOutputName(outputValues[i], i);
   }
   return true;
@@ -419,7 +433,8 @@ bool FragmentProfileInstance::GetShaderFunctions(std::size_t inputIndex, Array<B
 }
 
 bool FragmentProfileInstance::IsShaderInput(std::size_t inputIndex) const {
-  const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
+  if (!profile_ || !profile_->hasShaderFunctions()) return false;
+  const ITextParameterList* parameters = profile_->getFunctionParameters();
   if (parameters == nullptr || inputIndex >= parameters->getNumInputs()) return false;
   return profile_->hasShaderFunctions(parameters->getInputName(inputIndex));
 }

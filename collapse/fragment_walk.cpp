@@ -1,6 +1,7 @@
 #include "collapse/fragment_walk.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <typeinfo>
 #include <utility>
 
@@ -117,39 +118,46 @@ void FragmentWalk::startProfile(const FragmentInstance& instance) {
 
 // The stack.
 
-bool FragmentWalk::run(Visit first) {
+template <class AnyVisit>
+bool FragmentWalk::run(AnyVisit first) {
   const Run scope(*this);
   if (!enter(std::move(first))) return false;
   while (!scope.isDone()) {
-    const Step step = std::visit([this](auto& visit) { return advance(visit); }, stack_.back());
+    const Step step = advance();
     if (step == Step::failed) return false;
     if (step == Step::done) leave();
   }
   return true;
 }
 
-bool FragmentWalk::enter(Visit visit) {
+template <class AnyVisit>
+bool FragmentWalk::enter(AnyVisit visit) {
   ++visits_;
-  if (!std::visit([this](auto& entered) { return begin(entered); }, visit)) return false;
-  setUnderWay(visit, true);
-  stack_.push_back(std::move(visit));
+  if (!begin(visit)) return false;
+  const FragmentInstance* written = nullptr;
+  if constexpr (std::is_base_of_v<InputValues, AnyVisit>) written = visit.written;
+  stack_.emplace_back(std::move(visit));
+  // A writer may ask for the inputs of the instance that it writes, but not for the instance.
+  if (written != nullptr) recordOf(*written).isUnderWay = true;
   return true;
 }
 
+FragmentWalk::Step FragmentWalk::advance() {
+  return std::visit([this](auto& visit) { return advance(visit); }, stack_.back());
+}
+
 void FragmentWalk::leave() {
-  setUnderWay(stack_.back(), false);
-  giveBackTexts(stack_.back());
+  std::visit([this](auto& visit) { leave(visit); }, stack_.back());
   stack_.pop_back();
 }
 
-/// A writer may ask for the inputs of the instance that it writes, but not for the instance.
-void FragmentWalk::setUnderWay(const Visit& visit, bool isUnderWay) {
-  std::visit(
-      [&](const auto& entered) {
-        if constexpr (requires { entered.written; })
-          if (entered.written != nullptr) recordOf(*entered.written).isUnderWay = isUnderWay;
-      },
-      visit);
+template <class AnyVisit>
+void FragmentWalk::leave(AnyVisit& visit) {
+  if constexpr (std::is_base_of_v<Findings, AnyVisit>) repeats_.resize(visit.firstRepeat);
+  if constexpr (std::is_base_of_v<InputValues, AnyVisit>) {
+    if (visit.written != nullptr) recordOf(*visit.written).isUnderWay = false;
+    giveBackTexts(visit);
+  }
 }
 
 bool FragmentWalk::canVisit(const InputValues& visit) {
@@ -182,6 +190,7 @@ bool FragmentWalk::begin(Collection& visit) {
 }
 
 void FragmentWalk::start(Findings& findings) {
+  findings.firstRepeat = static_cast<std::uint32_t>(repeats_.size());
   findings.epoch = epoch_;
   findings.start = findings.first = ++time_;
 }
@@ -207,7 +216,7 @@ template <class WalkingVisit>
 FragmentWalk::Step FragmentWalk::visitSource(WalkingVisit& visit) {
   if (visit.source == nullptr) {
     visit.source = findSource(*visit.instance, visit.next);
-    if (visit.source == nullptr || !context_.admit(*visit.source)) return Step::failed;
+    if (visit.source == nullptr) return Step::failed;
     FragmentInstance& source = *visit.source;
     visit.asked = time_;
     recordOf(source).isUsed = true;
@@ -249,7 +258,7 @@ void FragmentWalk::noteSource(WalkingVisit& visit) {
     noteCall(visit);
     findings.first = std::min(findings.first, finishedCall_.first);
     if (finishedCall_.writesAgain)
-      findings.repeats.push_back({RepeatLists::kEmpty, visit.instance, visit.next, finishedCall_.start});
+      repeats_.push_back({RepeatLists::kEmpty, visit.instance, visit.next, finishedCall_.start});
     return;
   }
   const Record& source = recordOf(*visit.source);
@@ -257,8 +266,8 @@ void FragmentWalk::noteSource(WalkingVisit& visit) {
   if (source.changesAtEveryUse) findings.changesAtEveryUse = true;
   if (source.repeats == RepeatLists::kEmpty) return;
   const bool isFirstVisit = source.start > visit.asked;
-  findings.repeats.push_back(isFirstVisit ? RepeatLists::Item{source.repeats, nullptr, 0, 0}
-                                          : lists_.again(source.repeats, time_));
+  repeats_.push_back(isFirstVisit ? RepeatLists::Item{source.repeats, nullptr, 0, 0}
+                                  : lists_.again(source.repeats, time_));
 }
 
 void FragmentWalk::noteSource(Rewriting& visit) {
@@ -334,7 +343,7 @@ bool FragmentWalk::finish(ShaderCall& visit) {
   if (!writer_.writeShaderFunction(*visit.written, visit.values, *visit.uses)) return false;
   const bool allocates = context_.getShaderInputTypes().size() != allocated;
   const LaterWriters::Call* first = laterWriters_.findFirstCall(*visit.written);
-  finishedCall_ = {allocates || !visit.repeats.empty(), visit.start,
+  finishedCall_ = {allocates || !repeatsOf(visit).empty(), visit.start,
                    first != nullptr ? std::min(visit.first, first->time) : visit.first};
   return true;
 }
@@ -360,7 +369,7 @@ void FragmentWalk::noteEvaluation(const Evaluation& visit) {
   record.changesAtEveryUse = active.isInlineProfile() && (visit.changesAtEveryUse || isOwnExpression(active));
   // Its place is that of the first visit.
   if (record.epoch == epoch_) return;
-  record.repeats = lists_.add(visit.repeats);
+  record.repeats = lists_.add(repeatsOf(visit));
   // What changed on the way may concern what was visited before.
   record.epoch = visit.epoch;
   record.start = visit.start;
@@ -541,14 +550,14 @@ FragmentInstance* FragmentWalk::findSource(const FragmentInstance& instance, std
   return fragment != nullptr ? &context_.getFragmentInstance(fragment) : nullptr;
 }
 
-/// Of an instance that the context has admitted.
-FragmentWalk::Record& FragmentWalk::recordOf(const FragmentInstance& instance) {
-  const std::uint32_t number = instance.getNumber();
-  if (records_.size() <= number) {
-    if (records_.empty()) records_.reserve(profiles_.countInstances() + 1);
-    records_.resize(number + std::size_t{1});
-  }
-  return records_[number];
+/// Up to that of an instance.
+void FragmentWalk::makeRecords(const FragmentInstance& last) {
+  if (records_.empty()) records_.reserve(profiles_.countInstances() + 1);
+  records_.resize(last.getNumber() + std::size_t{1});
+}
+
+std::span<const RepeatLists::Item> FragmentWalk::repeatsOf(const Findings& findings) const {
+  return std::span(repeats_).subspan(findings.firstRepeat);
 }
 
 std::uint32_t& FragmentWalk::choiceOf(const FragmentInstance& instance) {
@@ -570,14 +579,9 @@ void FragmentWalk::takeSpareTexts(InputValues& visit) {
 }
 
 /// Long expressions are not kept.
-void FragmentWalk::giveBackTexts(Visit& visit) {
-  std::visit(
-      [this](auto& left) {
-        if constexpr (requires { left.values; })
-          if (!left.values.empty() && totalCapacity(left.values) <= kLargestSpare)
-            spareTexts_.push_back(std::move(left.values));
-      },
-      visit);
+void FragmentWalk::giveBackTexts(InputValues& visit) {
+  if (!visit.values.empty() && totalCapacity(visit.values) <= kLargestSpare)
+    spareTexts_.push_back(std::move(visit.values));
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <span>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -96,15 +97,15 @@ private:
   struct InputValues {
     const FragmentInstance* instance = nullptr;
     FragmentInstance* written = nullptr;  // the same, unless its inputs are all that is asked for
-    std::size_t next = 0;                 // input
-    FragmentInstance* source = nullptr;   // of that input, once it is found
-    bool isCalled = false;                // is that source
-    std::uint32_t asked = 0;              // the time when it was found
+    FragmentInstance* source = nullptr;   // of the next input, once it is found
     Array<WString> values;
+    std::uint32_t next = 0;   // input
+    std::uint32_t asked = 0;  // the time when its source was found
+    bool isCalled = false;    // is that source
   };
-  /// What a walk over the sources finds out.
+  /// What a walk over the sources finds out. Its repeats are those of the walk from `firstRepeat` on.
   struct Findings {
-    Array<RepeatLists::Item> repeats;
+    std::uint32_t firstRepeat = 0;
     std::uint32_t epoch = 0;
     std::uint32_t start = 0;
     std::uint32_t first = 0;
@@ -159,12 +160,19 @@ private:
   Repetition repetitionOf(FragmentInstance& instance);
 
   // The stack.
-  bool run(Visit first);
-  bool enter(Visit visit);
-  Step stepInto(Visit visit) { return enter(std::move(visit)) ? Step::entered : Step::failed; }
+  template <class AnyVisit>
+  bool run(AnyVisit first);
+  template <class AnyVisit>
+  bool enter(AnyVisit visit);
+  template <class AnyVisit>
+  Step stepInto(AnyVisit visit) {
+    return enter(std::move(visit)) ? Step::entered : Step::failed;
+  }
+  Step advance();
   void leave();
+  template <class AnyVisit>
+  void leave(AnyVisit& visit);
   bool canVisit(const InputValues& visit);
-  void setUnderWay(const Visit& visit, bool isUnderWay);
 
   // What a visit begins with.
   bool begin(Evaluation& visit);
@@ -216,9 +224,15 @@ private:
                              const FragmentInstance& awaitedBy);
   static bool isDone(const PendingWrites::Write& write);
   FragmentInstance* findSource(const FragmentInstance& instance, std::size_t input) const;
-  Record& recordOf(const FragmentInstance& instance);
+  /// Of an instance that the context has admitted.
+  Record& recordOf(const FragmentInstance& instance) {
+    if (records_.size() <= instance.getNumber()) makeRecords(instance);
+    return records_[instance.getNumber()];
+  }
+  void makeRecords(const FragmentInstance& last);
+  std::span<const RepeatLists::Item> repeatsOf(const Findings& findings) const;
   void takeSpareTexts(InputValues& visit);
-  void giveBackTexts(Visit& visit);
+  void giveBackTexts(InputValues& visit);
 
   AShaderCollapseContext& context_;
   SurfaceProfiles& profiles_;
@@ -229,6 +243,7 @@ private:
   std::size_t runs_ = 0;
   std::size_t visits_ = 0;
   FinishedCall finishedCall_;
+  Array<RepeatLists::Item> repeats_;  // of the visits under way, one behind another
   Array<Array<WString>> spareTexts_;
 
   // What is known since the epoch began.

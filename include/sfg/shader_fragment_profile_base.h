@@ -95,7 +95,13 @@ public:
 
   /// Writable body, for the collapse that appends to the result profile's. Nothing is parsed; views of the
   /// text as it was stay valid.
-  WString& getFunctionBody();
+  WString& getFunctionBody() {
+    openDefinition();
+    hasPlainBody_ = false;
+    // A text that built-in calls view stays as it is: the caller gets a copy to write to.
+    if (functionBody_.use_count() > 1) functionBody_ = std::make_shared<WString>(*functionBody_);
+    return *functionBody_;
+  }
   /// Constructs `out` over a snippet of this code, which it then owns; leaves it untouched when the code
   /// holds nothing.
   static void constructOwned(CodeSnippetInstance& out, const WString& code, const Array<WString>& renames);
@@ -111,6 +117,8 @@ public:
   /// The sfg_shader calls whose first argument is `name`; false when there are none, which leaves `out`
   /// alone.
   bool GetShaderFunctions(const WString& name, Array<BuiltinFunction>& out) const;
+  /// Whether there are sfg_shader calls with a first argument, of any name.
+  bool hasShaderFunctions() const noexcept { return !shaderFunctions_.empty(); }
   /// Whether GetShaderFunctions would find any.
   bool hasShaderFunctions(const WString& name) const { return shaderFunctions_.contains(name); }
   /// Rules that remove every sfg_shader call; built at the first call that finds any.
