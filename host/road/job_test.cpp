@@ -286,6 +286,39 @@ TEST_F(JobTest, NamesUniformsAsItIsAsked) {
   EXPECT_EQ(readable.text, expected);
 }
 
+TEST_F(JobTest, CompilesAsItsOptionsSay) {
+  Job job(load(), Document::fromText(kUniformGraph, "graph"));
+  job.collapse();
+  const Shader shader = job.assemble();
+  CompileOptions options;
+  options.glslVersion = GlslVersion::glsl330;
+  options.shaderModel = ShaderModel::sm60;
+  options.optimization = Optimization::none;
+  options.debug = true;
+  EXPECT_EQ(interfaceFor(job.reflect(), ShaderTarget::glsl, options).version, "330");
+  EXPECT_EQ(interfaceFor(job.reflect(), ShaderTarget::essl300).textures.size(), 0u);
+  const ShaderInterface compute = job.reflect(ShaderStage::compute);
+  EXPECT_THROW(interfaceFor(compute, ShaderTarget::essl300), CompileError);
+  EXPECT_NE(refusalOf(ShaderStage::compute, ShaderTarget::essl300), "");
+  if (!hasCompilers()) {
+    EXPECT_THROW(compileToSpirv(shader, options), CompileError);
+    EXPECT_THROW(translateSpirv({}, ShaderStage::pixel, ShaderTarget::essl300, options), CompileError);
+    EXPECT_THROW(compile(shader, ShaderTarget::essl300, options), CompileError);
+    return;
+  }
+  const std::vector<std::uint32_t> module = compileToSpirv(shader, options);
+  EXPECT_GT(module.size(), compileToSpirv(shader).size());
+  EXPECT_EQ(translateSpirv(module, ShaderStage::pixel, ShaderTarget::glsl, options).substr(0, 13),
+            "#version 330\n");
+  EXPECT_EQ(compile(shader, ShaderTarget::essl300, options).substr(0, 16), "#version 300 es\n");
+  EXPECT_NE(compile(shader, ShaderTarget::hlsl, options).find("register(b0, space0)"), std::string::npos);
+  EXPECT_THROW(translateSpirv(module, ShaderStage::compute, ShaderTarget::essl300, options), CompileError);
+  // What is left of attributes that are bound by name.
+  ShaderInterface essl = interfaceFor(job.reflect(), ShaderTarget::essl300);
+  markUsed(essl, module);
+  for (const InterfaceBuffer& buffer : essl.buffers) EXPECT_EQ(buffer.place.isUsed, true) << buffer.name;
+}
+
 TEST_F(JobTest, TellsWhatAShaderTakesAndGives) {
   const std::filesystem::path file = write("graph.json", kUniformGraph);
   write("other.fraglib", "{}");

@@ -127,8 +127,9 @@ struct ShaderInterface {
   /// The files that the shader was made of: documents, the library files of the fragments in use, include
   /// files; each once, as its folder was spelled.
   std::vector<std::string> files;
-  /// Of the assembled text and of everything above but what is used and the files. The same on every machine
-  /// and for every order of folders; equal text and interface, equal hash. 40 hexadecimal digits.
+  /// Of the assembled text and of everything above but what is used and the files, and of the options that
+  /// compile() was given for it. The same on every machine and for every order of folders; equal text,
+  /// interface and options, equal hash. 40 hexadecimal digits.
   std::string hash;
 };
 
