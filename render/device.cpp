@@ -11,19 +11,20 @@ namespace {
 constexpr std::uint64_t kMinute = 60'000'000'000;
 
 std::optional<std::uint32_t> familyFor(vk::PhysicalDevice device, vk::QueueFlagBits work) {
-  const std::vector<vk::QueueFamilyProperties> families = device.getQueueFamilyProperties();
-  for (std::uint32_t i = 0; i < families.size(); ++i) {
-    if (families[i].queueFlags & work) return i;
-  }
-  return std::nullopt;
+  const auto families = device.getQueueFamilyProperties();
+  const auto found = std::find_if(families.begin(), families.end(),
+                                  [work](const auto& f) { return static_cast<bool>(f.queueFlags & work); });
+  if (found == families.end()) return std::nullopt;
+  return static_cast<std::uint32_t>(found - families.begin());
 }
 
 vk::PhysicalDevice chooseDevice(vk::Instance instance, vk::QueueFlagBits work) {
   vk::PhysicalDevice chosen;
   for (const vk::PhysicalDevice device : instance.enumeratePhysicalDevices()) {
     if (!familyFor(device, work)) continue;
-    if (device.getProperties().deviceType == vk::PhysicalDeviceType::eCpu) return device;
-    if (!chosen) chosen = device;
+    const bool isProcessor = device.getProperties().deviceType == vk::PhysicalDeviceType::eCpu;
+    if (!chosen || isProcessor) chosen = device;
+    if (isProcessor) break;
   }
   return chosen;
 }
@@ -76,8 +77,9 @@ Buffer Device::makeBuffer(std::span<const std::byte> bytes, vk::BufferUsageFlags
   return made;
 }
 
-Image Device::makeImage(vk::Format format, vk::Extent2D size, vk::ImageUsageFlags usage,
-                        vk::ImageAspectFlags aspect) const {
+Image Device::makeImage(vk::Format format, vk::Extent2D size, vk::ImageUsageFlags usage) const {
+  const bool isDepth = static_cast<bool>(usage & vk::ImageUsageFlagBits::eDepthStencilAttachment);
+  const auto aspect = isDepth ? vk::ImageAspectFlagBits::eDepth : vk::ImageAspectFlagBits::eColor;
   Image made;
   made.image = device_->createImageUnique({{},
                                            vk::ImageType::e2D,
@@ -100,15 +102,13 @@ void Device::read(const Buffer& buffer, std::span<std::byte> bytes) const {
   device_->unmapMemory(*buffer.memory);
 }
 
-vk::UniqueCommandBuffer Device::begin() const {
-  std::vector<vk::UniqueCommandBuffer> commands =
+void Device::run(const std::function<void(vk::CommandBuffer)>& record) const {
+  const std::vector<vk::UniqueCommandBuffer> made =
       device_->allocateCommandBuffersUnique({*pool_, vk::CommandBufferLevel::ePrimary, 1});
-  commands.front()->begin({vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
-  return std::move(commands.front());
-}
-
-/// What the commands wrote is then there for the processor.
-void Device::finish(vk::CommandBuffer commands) const {
+  const vk::CommandBuffer commands = *made.front();
+  commands.begin({vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
+  record(commands);
+  // What was written is then there for the processor.
   const vk::MemoryBarrier barrier(vk::AccessFlagBits::eMemoryWrite, vk::AccessFlagBits::eHostRead);
   commands.pipelineBarrier(vk::PipelineStageFlagBits::eAllCommands, vk::PipelineStageFlagBits::eHost, {},
                            barrier, {}, {});

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -36,27 +37,18 @@ public:
   /// Throws DeviceError when no device can do such work.
   explicit Device(vk::QueueFlagBits work);
 
-  const vk::Device& operator*() const { return *device_; }
   const vk::Device* operator->() const { return &*device_; }
   std::string name() const { return physical_.getProperties().deviceName.data(); }
 
   /// A buffer with these bytes, which the processor can read and write.
   Buffer makeBuffer(std::span<const std::byte> bytes, vk::BufferUsageFlags usage) const;
-  Image makeImage(vk::Format format, vk::Extent2D size, vk::ImageUsageFlags usage,
-                  vk::ImageAspectFlags aspect) const;
+  Image makeImage(vk::Format format, vk::Extent2D size, vk::ImageUsageFlags usage) const;
   void read(const Buffer& buffer, std::span<std::byte> bytes) const;
 
   /// Records commands, runs them and waits for their end. Throws DeviceError after a minute.
-  template <class Record>
-  void run(const Record& record) const {
-    vk::UniqueCommandBuffer commands = begin();
-    record(*commands);
-    finish(*commands);
-  }
+  void run(const std::function<void(vk::CommandBuffer)>& record) const;
 
 private:
-  vk::UniqueCommandBuffer begin() const;
-  void finish(vk::CommandBuffer commands) const;
   vk::UniqueDeviceMemory allocate(const vk::MemoryRequirements& needs, vk::MemoryPropertyFlags wanted) const;
 
   vk::UniqueInstance instance_;

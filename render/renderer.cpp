@@ -9,28 +9,15 @@ namespace {
 constexpr vk::Format kColor = vk::Format::eR8G8B8A8Srgb;
 constexpr vk::Format kDepth = vk::Format::eD32Sfloat;
 
+vk::AttachmentDescription cleared(vk::Format format, vk::AttachmentStoreOp store, vk::ImageLayout last) {
+  return {{}, format, vk::SampleCountFlagBits::e1, vk::AttachmentLoadOp::eClear, store, {}, {}, {}, last};
+}
+
 vk::UniqueRenderPass makePass(const Device& device) {
   using Layout = vk::ImageLayout;
-  using Load = vk::AttachmentLoadOp;
-  using Store = vk::AttachmentStoreOp;
-  const vk::AttachmentDescription targets[] = {{{},
-                                                kColor,
-                                                vk::SampleCountFlagBits::e1,
-                                                Load::eClear,
-                                                Store::eStore,
-                                                Load::eDontCare,
-                                                Store::eDontCare,
-                                                Layout::eUndefined,
-                                                Layout::eTransferSrcOptimal},
-                                               {{},
-                                                kDepth,
-                                                vk::SampleCountFlagBits::e1,
-                                                Load::eClear,
-                                                Store::eDontCare,
-                                                Load::eDontCare,
-                                                Store::eDontCare,
-                                                Layout::eUndefined,
-                                                Layout::eDepthStencilAttachmentOptimal}};
+  const vk::AttachmentDescription targets[] = {
+      cleared(kColor, vk::AttachmentStoreOp::eStore, Layout::eTransferSrcOptimal),
+      cleared(kDepth, vk::AttachmentStoreOp::eDontCare, Layout::eDepthStencilAttachmentOptimal)};
   const vk::AttachmentReference color(0, Layout::eColorAttachmentOptimal);
   const vk::AttachmentReference depth(1, Layout::eDepthStencilAttachmentOptimal);
   const vk::SubpassDescription subpass({}, vk::PipelineBindPoint::eGraphics, {}, color, {}, &depth);
@@ -72,21 +59,9 @@ vk::UniquePipeline makePipeline(const Device& device, const Triangles& triangles
   vk::PipelineColorBlendAttachmentState target;
   target.colorWriteMask = vk::FlagTraits<vk::ColorComponentFlagBits>::allFlags;
   const vk::PipelineColorBlendStateCreateInfo blend({}, false, vk::LogicOp::eCopy, target);
-  return device
-      ->createGraphicsPipelineUnique({}, {{},
-                                          stages,
-                                          &input,
-                                          &assembly,
-                                          nullptr,
-                                          &view,
-                                          &raster,
-                                          &samples,
-                                          &depth,
-                                          &blend,
-                                          nullptr,
-                                          layout,
-                                          pass})
-      .value;
+  const vk::GraphicsPipelineCreateInfo info({}, stages, &input, &assembly, nullptr, &view, &raster, &samples,
+                                            &depth, &blend, nullptr, layout, pass);
+  return device->createGraphicsPipelineUnique({}, info).value;
 }
 
 }  // namespace
@@ -121,10 +96,8 @@ Picture draw(const Device& device, const Triangles& triangles, std::uint32_t wid
   }
 
   using ImageUsage = vk::ImageUsageFlagBits;
-  const Image color = device.makeImage(kColor, size, ImageUsage::eColorAttachment | ImageUsage::eTransferSrc,
-                                       vk::ImageAspectFlagBits::eColor);
-  const Image depth =
-      device.makeImage(kDepth, size, ImageUsage::eDepthStencilAttachment, vk::ImageAspectFlagBits::eDepth);
+  const Image color = device.makeImage(kColor, size, ImageUsage::eColorAttachment | ImageUsage::eTransferSrc);
+  const Image depth = device.makeImage(kDepth, size, ImageUsage::eDepthStencilAttachment);
   const auto pass = makePass(device);
   const vk::ImageView views[] = {*color.view, *depth.view};
   const auto frame = device->createFramebufferUnique({{}, *pass, views, width, height, 1});

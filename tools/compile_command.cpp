@@ -12,7 +12,8 @@ namespace {
 constexpr const char* kNotes =
     "Example:\n\n"
     "  sfg compile brick.json -L library -I library --target spirv -o brick.spv\n"
-    "  sfg compile brick.json -L library -I library --tool lightloop --environment sun.json --target glsl\n\n"
+    "  sfg compile brick.json -L library -I library --tool lightloop --environment sun.json --target glsl\n"
+    "  sfg compile brick.json -L library -I library --stage vertex -o brick.vert.spv\n\n"
     "The shader is the one that `sfg collapse --names readable` writes. It is compiled to SPIR-V for Vulkan "
     "1.1, legalised, "
     "optimised\n"

@@ -86,7 +86,8 @@ void collapse(const host::CollapseSettings& settings) try {
     return;
   }
   for (const host::Diagnostic& warning : host::findWarnings(job, true)) require(!warning.place().empty());
-  for (const host::ShaderStage stage : {host::ShaderStage::pixel, host::ShaderStage::compute}) {
+  for (const host::ShaderStage stage :
+       {host::ShaderStage::pixel, host::ShaderStage::compute, host::ShaderStage::vertex}) {
     try {
       const host::AssembledShader assembled = host::assembleShader(job, stage);
       std::size_t line = 1;
