@@ -43,28 +43,30 @@ Shader shaderOf(const AssembledShader& assembled, ShaderStage stage, NameStyle n
   return shader;
 }
 
-}  // namespace
-
-struct Job::State {
-  /// Of a stage with names of a style. Made once for those that are asked for in a row.
-  const AssembledShader& assembled(ShaderStage stage, NameStyle names);
-
-  struct Assembled {
-    ShaderStage stage;
-    NameStyle names;
-    AssembledShader shader;
-  };
-  std::shared_ptr<const LibrarySet> libraries;
-  CollapseJob job;
-  std::optional<Assembled> last = std::nullopt;
+/// The shader that a job assembled last.
+struct Assembled {
+  ShaderStage stage;
+  NameStyle names;
+  AssembledShader shader;
 };
 
-const AssembledShader& Job::State::assembled(ShaderStage stage, NameStyle names) {
+/// The shader of the stage with names of the style: the last one, or made anew and then that. When it cannot
+/// be assembled, the last one stays.
+const AssembledShader& assembledOf(const CollapseJob& job, ShaderStage stage, NameStyle names,
+                                   std::optional<Assembled>& last) {
   if (!last || last->stage != stage || last->names != names) {
     last = Assembled{stage, names, assembleShader(job, stage, names)};
   }
   return last->shader;
 }
+
+}  // namespace
+
+struct Job::State {
+  std::shared_ptr<const LibrarySet> libraries;
+  CollapseJob job;
+  std::optional<Assembled> last = std::nullopt;
+};
 
 Job::Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, const CollapseOptions& options,
          const std::optional<Document>& environment) {
@@ -101,12 +103,13 @@ std::vector<Diagnostic> Job::warnings(bool completeShader) const {
 }
 
 Shader Job::assemble(ShaderStage stage, NameStyle names) const {
-  return shaderOf(collapsed().assembled(stage, names), stage, names);
+  State& state = collapsed();
+  return shaderOf(assembledOf(state.job, stage, names, state.last), stage, names);
 }
 
 ShaderInterface Job::reflect(ShaderStage stage, NameStyle names) const {
   State& state = collapsed();
-  ShaderInterface shader = reflectShader(state.assembled(stage, names));
+  ShaderInterface shader = reflectShader(assembledOf(state.job, stage, names, state.last));
   shader.files = sourceFiles(state.job, shader.includes);
   return shader;
 }
@@ -114,7 +117,7 @@ ShaderInterface Job::reflect(ShaderStage stage, NameStyle names) const {
 std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
   State& state = collapsed();
   const CollapseJob& job = state.job;
-  const AssembledShader& assembled = state.assembled(shader.stage, shader.names);
+  const AssembledShader& assembled = assembledOf(job, shader.stage, shader.names, state.last);
   const bool isOurs = toUtf8(assembled.shader.getCompleteShader()) == shader.text;
   const std::vector<CompilerMessage>& messages = error.messages();
   std::vector<Diagnostic> diagnostics{diagnose(Severity::error, job.document().file(), {}, error.what())};
