@@ -278,6 +278,19 @@ TEST_F(CompiledReflectTest, RefusesWhatCannotBeCompiled) {
   EXPECT_EQ(run("reflect graph.json -L lib --target assembled").status, 0);
 }
 
+TEST_F(ReflectTest, SaysThatThereAreNoCompilers) {
+  if (host::hasCompilers()) GTEST_SKIP() << "built with compilers";
+  for (const char* target : {"", " --target spirv", " --target hlsl", " --target glsl", " --target msl"}) {
+    const CommandRun result = run(std::string("reflect graph.json -L lib -o out.json") + target);
+    EXPECT_EQ(result.status, 1) << target;
+    EXPECT_EQ(result.out, "") << target;
+    EXPECT_EQ(result.err, "graph.json: error: this library was built without compilers\n") << target;
+    EXPECT_FALSE(exists("out.json")) << target;
+  }
+  EXPECT_EQ(run("reflect graph.json -L lib -o out.json --target assembled").status, 0);
+  EXPECT_TRUE(exists("out.json"));
+}
+
 TEST_F(CompiledReflectTest, NamesAreThoseOfTheCollapseWhereWanted) {
   EXPECT_THAT(reflect("--names generated"), HasSubstr("\"name\": \"colorn0\",\n          \"type\""));
   const std::string arguments = "compile graph.json -L lib --target glsl --names ";

@@ -3,18 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "host/modules/shader_compiler.h"
-#include "host/shader/interface_names.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
-
-TEST(InterfaceNames, HoldNoUnderscoresInARow) {
-  EXPECT_EQ(attributeName("uv"), "sfg_in_uv");
-  EXPECT_EQ(attributeName("__a___b"), "sfg_in_a_b");
-  EXPECT_EQ(renderTargetName("color"), "sfg_out_color");
-  EXPECT_EQ(blockVariable("sfg_StateUniforms"), "sfg_stateUniforms");
-  EXPECT_EQ(blockVariable("sfg_Uniforms_lamp__x"), "sfg_uniforms_lamp_x");
-}
 
 TEST(ModuleNames, StayWhenGivenAgain) {
   const std::vector<std::uint32_t> module =

@@ -43,29 +43,31 @@ Shader shaderOf(const AssembledShader& assembled, ShaderStage stage, NameStyle n
   return shader;
 }
 
-}  // namespace
-
-struct Job::State {
-  /// Of a stage with names of a style. Made once for those that are asked for in a row.
-  const AssembledShader& assembled(ShaderStage stage, NameStyle names, const MeshLayout& mesh = {});
-
-  struct Assembled {
-    ShaderStage stage;
-    NameStyle names;
-    MeshLayout mesh;
-    AssembledShader shader;
-  };
-  std::shared_ptr<const LibrarySet> libraries;
-  CollapseJob job;
-  std::optional<Assembled> last = std::nullopt;
+/// The shader that a job assembled last.
+struct Assembled {
+  ShaderStage stage;
+  NameStyle names;
+  MeshLayout mesh;
+  AssembledShader shader;
 };
 
-const AssembledShader& Job::State::assembled(ShaderStage stage, NameStyle names, const MeshLayout& mesh) {
+/// The shader of the stage with names of the style: the last one, or made anew and then that. When it cannot
+/// be assembled, the last one stays.
+const AssembledShader& assembledOf(const CollapseJob& job, ShaderStage stage, NameStyle names,
+                                   const MeshLayout& mesh, std::optional<Assembled>& last) {
   if (!last || last->stage != stage || last->names != names || last->mesh != mesh) {
     last = Assembled{stage, names, mesh, assembleShader(job, stage, names, mesh)};
   }
   return last->shader;
 }
+
+}  // namespace
+
+struct Job::State {
+  std::shared_ptr<const LibrarySet> libraries;
+  CollapseJob job;
+  std::optional<Assembled> last = std::nullopt;
+};
 
 Job::Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, const CollapseOptions& options,
          const std::optional<Document>& environment) {
@@ -108,25 +110,26 @@ std::vector<Diagnostic> Job::warnings(bool completeShader) const {
 }
 
 Shader Job::assemble(ShaderStage stage, NameStyle names, const MeshLayout& mesh) const {
-  return shaderOf(collapsed().assembled(stage, names, mesh), stage, names);
+  State& state = collapsed();
+  return shaderOf(assembledOf(state.job, stage, names, mesh, state.last), stage, names);
 }
 
 ShaderInterface Job::reflect(ShaderStage stage, NameStyle names, const MeshLayout& mesh) const {
   State& state = collapsed();
-  ShaderInterface shader = reflectShader(state.assembled(stage, names, mesh));
+  ShaderInterface shader = reflectShader(assembledOf(state.job, stage, names, mesh, state.last));
   shader.files = sourceFiles(state.job, shader.includes);
   return shader;
 }
 
 SourceMap Job::mapSources(ShaderStage stage, NameStyle names) const {
   State& state = collapsed();
-  return SourceMap(state.job, state.assembled(stage, names));
+  return SourceMap(state.job, assembledOf(state.job, stage, names, {}, state.last));
 }
 
 std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
   State& state = collapsed();
   if (error.inAssembledText()) {
-    const AssembledShader& assembled = state.assembled(shader.stage, shader.names);
+    const AssembledShader& assembled = assembledOf(state.job, shader.stage, shader.names, {}, state.last);
     if (toUtf8(assembled.shader.getCompleteShader()) == shader.text)
       return explainCompileError(state.job, assembled, error);
   }

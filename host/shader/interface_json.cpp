@@ -15,9 +15,9 @@ namespace {
 using Json = OrderedJson;
 
 constexpr const char* kAssembled = "assembled";
-constexpr std::string_view kOriginKinds[] = {"node",        "light",       "preprocess",
-                                             "postprocess", "output",      "graphUniform",
-                                             "graphInput",  "graphOutput", "stateVariable", "mesh"};
+constexpr std::string_view kOriginKinds[] = {"node",          "light",        "preprocess", "postprocess",
+                                             "output",        "graphUniform", "graphInput", "graphOutput",
+                                             "stateVariable", "mesh"};
 constexpr std::string_view kBufferKinds[] = {"constant", "input", "output", "sizes"};
 constexpr std::string_view kBuiltins[] = {"fragCoord", "frontFacing", "position"};
 constexpr ShaderTarget kTargets[] = {ShaderTarget::hlsl, ShaderTarget::spirv,   ShaderTarget::glsl,
