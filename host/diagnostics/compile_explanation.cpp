@@ -80,6 +80,7 @@ private:
 
   static std::string wordsOf(const SourcePlace& unbalanced) {
     if (unbalanced.token == "/*") return "the comment is not closed";
+    if (unbalanced.token == "#") return "a conditional is not closed by `#endif`";
     const bool closes = unbalanced.token == ")" || unbalanced.token == "]" || unbalanced.token == "}";
     return inTicks(std::string_view(unbalanced.token)) + (closes ? " closes nothing" : " is not closed");
   }

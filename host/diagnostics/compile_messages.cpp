@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 
 #include "host/documents/document_reader.h"
 #include "tolmsdk/unicode.h"
@@ -45,11 +46,10 @@ bool isValueType(std::string_view name) {
 
 bool isReserved(std::string_view name) {
   static const std::vector<std::string_view> words = {
-      "in",       "out",     "inout",  "const",   "static",   "uniform",   "return",  "if",
-      "else",     "for",     "while",  "do",      "switch",   "case",      "default", "break",
-      "continue", "discard", "struct", "cbuffer", "register", "technique", "pass",    "sampler",
-      "texture",  "matrix",  "vector", "line",    "point",    "triangle",  "sample",  "linear",
-      "centroid", "precise", "string", "true",    "false"};
+      "in",     "out",    "inout",   "const",   "static", "uniform",  "return", "if",     "else",
+      "for",    "while",  "do",      "switch",  "case",   "default",  "break",  "continue", "discard",
+      "struct", "cbuffer", "register", "technique", "pass", "sampler", "texture", "matrix", "vector",
+      "line",   "point",  "triangle", "sample",  "linear", "centroid", "precise", "string", "true", "false"};
   return isValueType(name) || std::find(words.begin(), words.end(), name) != words.end();
 }
 
@@ -107,11 +107,11 @@ std::size_t distanceOf(std::string_view a, std::string_view b) {
 /// What other shading languages call it.
 std::string_view foreignName(std::string_view name) {
   static const std::map<std::string_view, std::string_view> names = {
-      {"vec2", "float2"},       {"vec3", "float3"},   {"vec4", "float4"}, {"mat2", "float2x2"},
-      {"mat3", "float3x3"},     {"mat4", "float4x4"}, {"ivec2", "int2"},  {"ivec3", "int3"},
-      {"ivec4", "int4"},        {"mix", "lerp"},      {"fract", "frac"},  {"mod", "fmod"},
-      {"inversesqrt", "rsqrt"}, {"dFdx", "ddx"},      {"dFdy", "ddy"},    {"color", "float3"},
-      {"fvec2", "float2"},      {"fvec3", "float3"},  {"fvec4", "float4"}};
+      {"vec2", "float2"},       {"vec3", "float3"},     {"vec4", "float4"},      {"mat2", "float2x2"},
+      {"mat3", "float3x3"},     {"mat4", "float4x4"},   {"ivec2", "int2"},       {"ivec3", "int3"},
+      {"ivec4", "int4"},        {"mix", "lerp"},        {"fract", "frac"},       {"mod", "fmod"},
+      {"inversesqrt", "rsqrt"}, {"dFdx", "ddx"},        {"dFdy", "ddy"},         {"color", "float3"},
+      {"fvec2", "float2"},      {"fvec3", "float3"},    {"fvec4", "float4"}};
   const auto found = names.find(name);
   return found != names.end() ? found->second : std::string_view();
 }
@@ -120,15 +120,14 @@ std::string_view foreignName(std::string_view name) {
 
 const std::vector<std::string_view>& languageNames() {
   static const std::vector<std::string_view> names = {
-      "abs",     "acos",        "all",      "any",      "asin",      "atan",     "atan2",   "bool",
-      "ceil",    "clamp",       "clip",     "cos",      "cosh",      "cross",    "ddx",     "ddy",
-      "degrees", "determinant", "distance", "dot",      "exp",       "exp2",     "false",   "float",
-      "float2",  "float2x2",    "float3",   "float3x3", "float4",    "float4x4", "floor",   "fmod",
-      "frac",    "fwidth",      "int",      "int2",     "int3",      "int4",     "isnan",   "ldexp",
-      "length",  "lerp",        "log",      "log10",    "log2",      "max",      "min",     "modf",
-      "mul",     "normalize",   "pow",      "radians",  "rcp",       "reflect",  "refract", "return",
-      "round",   "rsqrt",       "saturate", "sign",     "sin",       "sincos",   "sinh",    "smoothstep",
-      "sqrt",    "step",        "tan",      "tanh",     "transpose", "true",     "trunc",   "uint"};
+      "abs",      "acos",     "all",       "any",      "asin",   "atan",    "atan2",     "bool",    "ceil",
+      "clamp",    "clip",     "cos",       "cosh",     "cross",  "ddx",     "ddy",       "degrees", "determinant",
+      "distance", "dot",      "exp",       "exp2",     "false",  "float",   "float2",    "float2x2", "float3",
+      "float3x3", "float4",   "float4x4",  "floor",    "fmod",   "frac",    "fwidth",    "int",     "int2",
+      "int3",     "int4",     "isnan",     "ldexp",    "length", "lerp",    "log",       "log10",   "log2",
+      "max",      "min",      "modf",      "mul",      "normalize", "pow",  "radians",   "rcp",     "reflect",
+      "refract",  "return",   "round",     "rsqrt",    "saturate", "sign",  "sin",       "sincos",  "sinh",
+      "smoothstep", "sqrt",   "step",      "tan",      "tanh",   "transpose", "true",    "trunc",   "uint"};
   return names;
 }
 
@@ -169,12 +168,15 @@ public:
     if (text.starts_with("cannot convert from")) return conversion();
     if (text == "could not create assignment") return unfitAssignment();
     if (text == "no such field in structure") return say("the structure has no member " + ticks(subject()));
-    if (text == "redefinition") return say(ticks(subject()) + " is declared twice");
-    if (text == "function already has a body")
-      return say("the function " + ticks(subject()) + " is defined twice");
+    if (text == "redefinition") return redefinition();
+    if (text == "function already has a body") return say("the function " + ticks(subject()) + " is defined twice");
     if (text.starts_with("function does not return a value: ")) return noReturn(text);
-    if (text == "void function cannot return a value")
+    if (text == "void function cannot return a value") {
+      goBackTo("return");
       return say("a function of type `void` cannot return a value; assign its `out` parameter");
+    }
+    if (text == "Could not perform requested binary operation") return operands();
+    if (text.find("No function definition (body) found") != std::string::npos) return noBody();
     if (text.starts_with("type does not match, or is not convertible to, the function's return type"))
       return unfitReturn();
     if (text == "not enough data provided for construction") return construction();
@@ -183,8 +185,7 @@ public:
     if (text.starts_with("invalid directive:"))
       return say("there is no directive " + ticks("#" + text.substr(text.find(':') + 2)));
     if (text == "unexpected token") return syntax("unexpected " + ticks(subject()));
-    if (text.starts_with("vector index out of range"))
-      return say("the index" + lastQuoted(text) + " is out of range");
+    if (text.starts_with("vector index out of range")) return say("the index" + lastQuoted(text) + " is out of range");
     std::string words = subject().empty() ? text : ticks(subject()) + ": " + text;
     return say(std::move(words));
   }
@@ -215,9 +216,12 @@ private:
   }
 
   ToldMistake expected() {
-    if (subject() == "loop or switch") return say(ticks(at(token_)) + " stands outside of a loop");
-    const bool isPunctuation = subject() == ";" || subject() == ")" || subject() == "]" || subject() == "(" ||
-                               subject() == ":" || subject() == "}";
+    if (subject() == "loop or switch") {
+      if (token_ != kNotFound && token_ != 0) told_.token = token_ - 1;
+      return say(ticks(at(told_.token)) + " stands outside of a loop");
+    }
+    const bool isPunctuation = subject() == ";" || subject() == ")" || subject() == "]" ||
+                               subject() == "(" || subject() == ":" || subject() == "}";
     const std::string here = at(token_);
     if (isPunctuation && token_ != kNotFound && token_ != 0) {
       const bool isLineEnd = !has(token_) || lineOf(token_) != lineOf(token_ - 1);
@@ -269,8 +273,7 @@ private:
       const std::string types = argumentTypes(token_ + 1, isAnyKnown);
       if (isAnyKnown) text += ": " + types + " given";
     }
-    if (!known.empty())
-      text += (isLanguageSeparator(text) ? ", " : ": ") + parameterTypes(known.front() + 1) + " expected";
+    if (!known.empty()) text += (isLanguageSeparator(text) ? ", " : ": ") + parameterTypes(known.front() + 1) + " expected";
     return say(text);
   }
   static bool isLanguageSeparator(const std::string& text) { return text.ends_with(" given"); }
@@ -396,8 +399,7 @@ private:
     if (value.empty() && !type.empty() && isWhole)
       return say("the value does not fit " + ticks(name) + " of type " + ticks(type));
     if (!value.empty() && !type.empty() && isWhole)
-      return say("a value of type " + ticks(value) + " does not fit " + ticks(name) + " of type " +
-                 ticks(type));
+      return say("a value of type " + ticks(value) + " does not fit " + ticks(name) + " of type " + ticks(type));
     return say("the value does not fit " + ticks(name));
   }
 
@@ -411,10 +413,73 @@ private:
     return say("the function " + ticks(name) + " has an end without `return`");
   }
 
-  ToldMistake unfitReturn() { return say("the value that is returned does not fit the function's type"); }
+  /// To the last token of that text in the same statement.
+  void goBackTo(std::string_view what) {
+    for (std::size_t i = std::min(token_, all_.tokens_.size()); i-- > 0;) {
+      const std::string token = at(i);
+      if (token == what) {
+        told_.token = i;
+        return;
+      }
+      if (token == ";" || token == "{" || token == "}") return;
+    }
+  }
+
+  /// A name behind the end of a line that has no semicolon looks like another declaration.
+  ToldMistake redefinition() {
+    const bool startsLine = token_ != kNotFound && token_ != 0 && has(token_) &&
+                            lineOf(token_) != lineOf(token_ - 1);
+    const std::string before = startsLine ? at(token_ - 1) : std::string();
+    if (!startsLine || before == "," || isReserved(before))
+      return say(ticks(subject()) + " is declared twice");
+    told_.token = token_ - 1;
+    told_.isBehind = true;
+    return syntax("missing `;` behind " + ticks(before));
+  }
+
+  ToldMistake operands() {
+    if (token_ == kNotFound || token_ == 0) return say("the operands do not fit each other");
+    const std::string left = typeOf(token_ - 1, token_);
+    const std::string right = typeOf(token_ + 1, token_ + 2);
+    std::string text = "the operands of " + ticks(at(token_)) + " do not fit each other";
+    if (!left.empty() && !right.empty()) text += ": " + ticks(left) + " and " + ticks(right);
+    return say(text);
+  }
+
+  /// The linker does not say where: the first prototype without a function.
+  ToldMistake noBody() {
+    std::set<std::string> defined;
+    std::vector<std::size_t> prototypes;
+    for (std::size_t i = 1; i + 1 < all_.tokens_.size(); ++i) {
+      if (!isName(i) || !isName(i - 1) || at(i + 1) != "(" || at(i - 1) == "return") continue;
+      const std::string behind = at(behindBrackets(all_.text_, all_.tokens_, i + 1));
+      if (behind == ";") prototypes.push_back(i);
+      if (behind == "{") defined.insert(at(i));
+    }
+    for (const std::size_t name : prototypes) {
+      if (defined.contains(at(name))) continue;
+      told_.token = name;
+      return say("the function " + ticks(at(name)) + " is declared, but has no body");
+    }
+    return say(message_.text);
+  }
+
+  ToldMistake unfitReturn() {
+    goBackTo("return");
+    return say("the value that is returned does not fit the function's type");
+  }
 
   ToldMistake construction() {
-    const std::string type = at(token_);
+    // The message stands behind the closing parenthesis.
+    std::size_t name = token_;
+    std::size_t depth = 0;
+    while (name != kNotFound && name-- > 1) {
+      if (at(name) == ")") ++depth;
+      if (at(name) == "(" && --depth == 0) break;
+      if (depth == 0) break;
+    }
+    const std::string type = name != kNotFound && name != 0 ? at(name - 1) : std::string();
+    if (isValueType(type)) told_.token = name - 1;
     if (isValueType(type)) return say(ticks(type) + " needs more components than it is given");
     return say("a constructor needs more components than it is given");
   }
@@ -435,11 +500,20 @@ std::pair<std::size_t, std::size_t> CompileMessages::placeOf(std::size_t offset)
   return {static_cast<std::size_t>(line - lines_.begin()) + 1, offset - *line + 1};
 }
 
-/// The token at the message's place; without a column the first of its line with the name, or the first.
+/// The token at the message's place; without a column the first of its line with the name, or the first. What
+/// a macro is given is told behind it: the name then stands in front, in the same statement.
 std::size_t CompileMessages::tokenOf(const CompilerMessage& message, std::wstring_view name) const {
   if (message.line == 0 || message.line > lines_.size()) return kNotFound;
   const std::size_t line = lines_[message.line - 1];
-  if (message.column != 0) return tokenAt(tokens_, line + message.column - 1);
+  if (message.column != 0) {
+    const std::size_t told = tokenAt(tokens_, line + message.column - 1);
+    for (std::size_t i = std::min(told + 1, tokens_.size()); i-- > 0 && !name.empty();) {
+      const std::wstring_view token = tokens_[i].in(text_);
+      if (token == name && tokens_[i].isName) return i;
+      if (token == L";" || token == L"{" || token == L"}") break;
+    }
+    return told;
+  }
   const std::size_t end = message.line < lines_.size() ? lines_[message.line] : text_.size();
   const std::size_t first = tokenAt(tokens_, line);
   for (std::size_t i = first; i < tokens_.size() && tokens_[i].begin < end; ++i)
@@ -454,6 +528,8 @@ ToldMistake CompileMessages::describe(const std::vector<CompilerMessage>& messag
     none.isSyntax = true;
     return none;
   }
+  if (messages.front().line == 0 && messages.front().text.find("compilation errors") != std::string::npos)
+    return describe({});
   const Message message = split(messages.front().text);
   return Words(*this, message, tokenOf(messages.front(), fromUtf8(message.subject))).find();
 }

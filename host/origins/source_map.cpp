@@ -274,7 +274,7 @@ struct SourceMap::Impl {
     place.line = found.position.line;
     place.column = found.position.column;
     place.isExact = !found.file.empty();
-    const std::size_t end = sectionEnd(section);
+    const std::size_t end = std::min(text.find(L'\n', std::min(offset, text.size())), text.size());
     const CodeTokens here = tokensOf(std::wstring_view(text).substr(0, end), std::min(offset, end));
     if (!here.empty() && here.front().begin == offset) place.token = toUtf8(here.front().in(text));
     return place;

@@ -48,9 +48,12 @@ public:
   explicit Reader(std::wstring_view code) : code_(code), tokens_(tokensOf(code)) {}
 
   std::optional<Unbalanced> read() {
+    if (hasConditionals()) {
+      if (open_.empty()) return std::nullopt;
+      return at(open_.back().token);
+    }
     for (std::size_t i = 0; i < tokens_.size(); ++i) {
       const wchar_t c = code_[tokens_[i].begin];
-      if (c == L'#' && isConditional(i)) return std::nullopt;
       if (c == L'(' || c == L'[' || c == L'{') {
         if (c == L'{' && hasOpenParenthesis()) return at(open_.back().token);
         open_.push_back({i, i != 0 && tokens_[i - 1].in(code_) == L"for"});
@@ -68,9 +71,18 @@ public:
   }
 
 private:
-  bool isConditional(std::size_t hash) const {
-    const std::wstring_view word = hash + 1 < tokens_.size() ? tokens_[hash + 1].in(code_) : L"";
-    return word == L"if" || word == L"ifdef" || word == L"ifndef";
+  /// Whether there are any; those that are not closed are then the ones that are open.
+  bool hasConditionals() {
+    bool hasAny = false;
+    for (std::size_t i = 0; i + 1 < tokens_.size(); ++i) {
+      if (code_[tokens_[i].begin] != L'#') continue;
+      const std::wstring_view word = tokens_[i + 1].in(code_);
+      const bool opens = word == L"if" || word == L"ifdef" || word == L"ifndef";
+      hasAny = hasAny || opens;
+      if (opens) open_.push_back({i, false});
+      if (word == L"endif" && !open_.empty()) open_.pop_back();
+    }
+    return hasAny;
   }
   wchar_t openedBy(const Open& open) const { return code_[tokens_[open.token].begin]; }
   bool hasOpenParenthesis() const { return !open_.empty() && openedBy(open_.back()) != L'{'; }
