@@ -51,7 +51,7 @@ public:
   }
   const Set<UString>& languages() const override { return languages_; }
   Set<UString>& languages() override { return languages_; }
-  void setLOD(float lod) override { lod_ = lod; }
+  void setLOD(float lod) override;
   float getLOD() const override { return lod_; }
   const WString& getProfilename() const override { return profileName_; }
   const Set<UString>& stateVariables() const override { return stateVariables_; }
@@ -145,6 +145,14 @@ protected:
   /// Safe in several threads.
   const std::shared_ptr<const CodeSnippet>& predefineSnippet() const;
 
+public:
+  // For the fragments, which keep levels of detail in order.
+
+  /// From now on a change of the level is counted.
+  void noteIndexedLevel() const noexcept { isLevelIndexed_.store(true, std::memory_order_relaxed); }
+  /// Changes of such levels, of all profiles.
+  static std::uint64_t countLevelChanges() noexcept;
+
 private:
   void loadPredefines(const IObjectDataNode& lines);
   void registerShaderFunctions(const Array<BuiltinFunction>& uses);
@@ -165,6 +173,7 @@ private:
   Set<UString> stateVariables_;
   Set<WString> customStateVariables_;
   Set<UString> languages_;
+  mutable std::atomic<bool> isLevelIndexed_{false};
   float lod_ = 100.0f;
   Set<WString> includes_;
   WString functionName_;
