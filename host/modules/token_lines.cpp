@@ -63,7 +63,8 @@ private:
 
   std::size_t tokenLength() const {
     const std::string_view rest = text_.substr(pos_);
-    if (isDigit(rest[0]) || (rest[0] == '.' && rest.size() > 1 && isDigit(rest[1]))) return numberLength(rest);
+    if (isDigit(rest[0]) || (rest[0] == '.' && rest.size() > 1 && isDigit(rest[1])))
+      return numberLength(rest);
     if (isWordPart(rest[0])) {
       const auto end = std::find_if_not(rest.begin(), rest.end(), isWordPart);
       return static_cast<std::size_t>(end - rest.begin());

@@ -22,12 +22,14 @@ std::size_t indexOf(const AShaderFragment& fragment, const AShaderFragmentProfil
 }  // namespace
 
 std::size_t CollapseRecord::writerOf(const FragmentProfileInstance& instance) {
-  const auto [known, isNew] =
-      writerNumbers_.emplace(std::pair<const void*, const void*>(instance.getFragment(), instance.getProfile()),
-                             writers_.size());
+  const auto [known, isNew] = writerNumbers_.emplace(
+      std::pair<const void*, const void*>(instance.getFragment(), instance.getProfile()), writers_.size());
   if (!isNew) return known->second;
-  Writer writer{instance.getFragment(), instance.getProfile(),
-                indexOf(*instance.getFragment(), instance.getProfile()), instance.isInlineProfile(), {}};
+  Writer writer{instance.getFragment(),
+                instance.getProfile(),
+                indexOf(*instance.getFragment(), instance.getProfile()),
+                instance.isInlineProfile(),
+                {}};
   if (!writer.isInline) {
     for (std::size_t i = 0; i < instance.getNumOutputs(); ++i)
       instance.appendOutputName(writer.outputs.emplace_back(), i);

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "host/library/loaded_libraries.h"
-#include "host/origins/json_places.h"
 #include "host/origins/code_tokens.h"
+#include "host/origins/json_places.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 

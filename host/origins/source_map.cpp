@@ -122,9 +122,8 @@ struct SourceMap::Impl {
     std::vector<std::size_t> parts;
     for (std::size_t i = 0; i < sections.size(); ++i)
       if (sections[i].predefine != kNotFound) parts.push_back(i);
-    std::sort(parts.begin(), parts.end(), [&](std::size_t a, std::size_t b) {
-      return sections[a].predefine < sections[b].predefine;
-    });
+    std::sort(parts.begin(), parts.end(),
+              [&](std::size_t a, std::size_t b) { return sections[a].predefine < sections[b].predefine; });
     const CodeTokens all = tokensOf(predefines);
     std::size_t next = 0;
     for (const std::size_t part : parts) {
@@ -134,7 +133,7 @@ struct SourceMap::Impl {
                                                   std::wstring_view(text).substr(begin, end - begin)) == 0;
       if (isUnchanged) next = tokenAt(all, sections[part].predefine);
       for (const CodeToken& token : tokensOf(std::wstring_view(text).substr(0, end), begin)) {
-        const std::size_t place = isUnchanged ? sections[part].predefine + (token.begin - begin)
+        const std::size_t place = isUnchanged         ? sections[part].predefine + (token.begin - begin)
                                   : next < all.size() ? all[next].begin
                                                       : kNotFound;
         addToken(token, part, predefineOrigins.find(place));
@@ -232,8 +231,7 @@ struct SourceMap::Impl {
     }
     for (const auto& [section, places] : includes) {
       const std::size_t begin = sectionBegin(section) + 1;
-      const std::wstring_view content =
-          std::wstring_view(text).substr(0, sectionEnd(section)).substr(begin);
+      const std::wstring_view content = std::wstring_view(text).substr(0, sectionEnd(section)).substr(begin);
       const std::optional<Unbalanced> found = host::findUnbalanced(content);
       if (!found) continue;
       unbalanced = findInclude(section, begin + found->place);
@@ -248,16 +246,14 @@ struct SourceMap::Impl {
     if (line == 0 || line > lines.size()) return {};
     const std::size_t lineEnd = line < lines.size() ? lines[line] : text.size();
     const std::size_t offset = std::min(lines[line - 1] + (column == 0 ? 0 : column - 1), lineEnd);
-    const auto section =
-        std::partition_point(sections.begin(), sections.end(),
-                             [&](const Section& known) { return known.lastLine < line; });
+    const auto section = std::partition_point(sections.begin(), sections.end(),
+                                              [&](const Section& known) { return known.lastLine < line; });
     if (section == sections.end() || line < section->firstLine) return {};
     const auto index = static_cast<std::size_t>(section - sections.begin());
     if (section->kind == Section::Kind::include) return findInclude(index, offset);
 
-    const auto token =
-        std::partition_point(tokens.begin(), tokens.end(),
-                             [&](const MappedToken& known) { return known.token.end <= offset; });
+    const auto token = std::partition_point(
+        tokens.begin(), tokens.end(), [&](const MappedToken& known) { return known.token.end <= offset; });
     if (token == tokens.end() || token->section != index) return assemblyPlace();
     const std::size_t inside = offset > token->token.begin ? offset - token->token.begin : 0;
     return placeOf(*token, inside);
@@ -342,9 +338,9 @@ struct SourceMap::Impl {
     add(origin.writer);
     if (origin.record == kNotFound) return;
     const CollapseRecord::Code& code = record.codes()[origin.record];
-    const std::vector<std::size_t>& others =
-        code.isDefinition ? record.callersOf(code.functionName)
-                          : record.usersOf(record.writers()[origin.writer].profile);
+    const std::vector<std::size_t>& others = code.isDefinition
+                                                 ? record.callersOf(code.functionName)
+                                                 : record.usersOf(record.writers()[origin.writer].profile);
     for (const std::size_t writer : others)
       if (writer != origin.writer) add(writer);
   }

@@ -70,9 +70,9 @@ private:
 
   /// Two names where what follows does not fit, but one of them is what follows the other.
   bool isRenameDoubtful() const {
-    const bool fits =
-        i_ + 1 >= source_.last || j_ + 1 >= text_.last || source_.text(i_ + 1) == text_.text(j_ + 1) ||
-        (source_.isName(i_ + 1) && text_.isName(j_ + 1)) || isSpecial(source_.text(i_ + 1));
+    const bool fits = i_ + 1 >= source_.last || j_ + 1 >= text_.last ||
+                      source_.text(i_ + 1) == text_.text(j_ + 1) ||
+                      (source_.isName(i_ + 1) && text_.isName(j_ + 1)) || isSpecial(source_.text(i_ + 1));
     return !fits;
   }
   static bool isSpecial(std::wstring_view name) {

@@ -208,7 +208,8 @@ private:
     if (at == WString::npos) return;
     ++at;
     for (std::size_t input = 0; input < call.inputs.size(); ++input) {
-      while (at < call.text.size() && (call.text[at] == L',' || call.text[at] == L'\n' || call.text[at] == L' '))
+      while (at < call.text.size() &&
+             (call.text[at] == L',' || call.text[at] == L'\n' || call.text[at] == L' '))
         ++at;
       const WString& value = call.inputs[input];
       if (call.text.compare(at, value.size(), value) != 0) break;

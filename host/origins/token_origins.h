@@ -21,7 +21,7 @@ struct TokenOrigin {
   std::size_t writer = 0;              ///< of the record
   const FragmentCode* code = nullptr;  ///< of the kind `code`
   CodePart part = CodePart::implementation;
-  std::size_t offset = 0;  ///< in the code's text; of the kind `input` its number
+  std::size_t offset = 0;          ///< in the code's text; of the kind `input` its number
   std::size_t record = kNotFound;  ///< the record's code that holds it; none in the body
 };
 

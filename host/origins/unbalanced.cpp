@@ -93,9 +93,7 @@ private:
     if (indentOf(code_, tokens_[close].begin) < indentOf(code_, tokens_[open].begin)) suspect_ = open;
   }
 
-  Unbalanced at(std::size_t token) const {
-    return {tokens_[token].begin, tokens_[token].in(code_), false};
-  }
+  Unbalanced at(std::size_t token) const { return {tokens_[token].begin, tokens_[token].in(code_), false}; }
   Unbalanced closing(std::size_t token) const {
     return {tokens_[token].begin, tokens_[token].in(code_), true};
   }

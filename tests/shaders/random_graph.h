@@ -56,7 +56,8 @@ inline std::vector<Usable> usableFragments() {
       for (const Json& port : entry.interface.at("inputs")) entry.inputs.push_back(portOf(port));
       for (const Json& port : entry.interface.at("outputs")) entry.outputs.push_back(portOf(port));
     } else {
-      const TolmSDK::RefPtr<sfg::IShaderFragment> ports = sfg::host::cloneWithPorts(fragment, TolmSDK::WString(), language);
+      const TolmSDK::RefPtr<sfg::IShaderFragment> ports =
+          sfg::host::cloneWithPorts(fragment, TolmSDK::WString(), language);
       for (std::size_t i = 0; i < ports->getNumInputs(); ++i)
         entry.inputs.push_back(portOf(*ports->getInput(i)));
       for (std::size_t i = 0; i < ports->getNumOutputs(); ++i)

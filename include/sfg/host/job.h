@@ -69,8 +69,8 @@ public:
   /// Where every character of that shader comes from. The graph is collapsed once more for it. Throws
   /// AssemblyError.
   SourceMap mapSources(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
-  /// What a compiler refused of a shader that assemble() made, in words that lead to the mistake, at its place
-  /// in a library file, an include file or a document; behind it notes: who uses the code, and what the
+  /// What a compiler refused of a shader that assemble() made, in words that lead to the mistake, at its
+  /// place in a library file, an include file or a document; behind it notes: who uses the code, and what the
   /// compiler said of which line of the text. Messages that only follow from the first are left out. The
   /// graph is collapsed once more for it.
   std::vector<Diagnostic> explain(const Shader& shader, const CompileError& error) const;

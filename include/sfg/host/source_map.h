@@ -67,9 +67,9 @@ public:
   /// comments are where the next token of their part of the shader is.
   SourcePlace find(std::size_t line, std::size_t column) const;
 
-  /// The first bracket that is not closed, or closes nothing, and the first comment that is not closed, in the
-  /// code of the fragments in use and in the include files: compilers tell such mistakes far behind them. The
-  /// kind is unknown when there is none; the token is the bracket or "/*".
+  /// The first bracket that is not closed, or closes nothing, and the first comment that is not closed, in
+  /// the code of the fragments in use and in the include files: compilers tell such mistakes far behind them.
+  /// The kind is unknown when there is none; the token is the bracket or "/*".
   const SourcePlace& findUnbalanced() const;
 
   /// For this library's own use. The assembled shader is the job's.
