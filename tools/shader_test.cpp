@@ -436,14 +436,11 @@ TEST_F(ShaderTest, ComplaintOfACompilerNamesTheFragmentAndItsFile) {
   const CommandRun result = run("compile graph.json -L lib --target spirv -o out.spv");
   EXPECT_EQ(result.status, 1);
   EXPECT_FALSE(exists("out.spv"));
-  EXPECT_THAT(
-      result.err,
-      testing::StartsWith(
-          "graph.json: error: the generated shader does not compile\ngenerated:12: error: 'colour' : "));
-  EXPECT_THAT(result.err,
-              testing::HasSubstr(
-                  "generated:12: note: the line is `result = colour;`\n"
-                  "lib/more.fraglib:2:13: note: function `broken1` is of fragment `broken`, node `bad`\n"));
+  EXPECT_EQ(result.err,
+            "lib/more.fraglib:3:59: error: `colour` is not declared; did you mean `color`?\n"
+            "graph.json:2:16: note: node `bad` uses the fragment `broken`\n"
+            "generated:12:11: note: the compiler says \"'colour' : unknown variable\" of the line `result = "
+            "colour;`\n");
 }
 
 TEST_F(ShaderTest, ComplaintAboutACallNamesTheNodesInIt) {
@@ -453,14 +450,8 @@ TEST_F(ShaderTest, ComplaintAboutACallNamesTheNodesInIt) {
   if (!host::hasCompilers()) GTEST_SKIP() << "built without compilers";
   const CommandRun result = run("compile graph.json -L lib --target spirv -o out.spv");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(
-      result.err,
-      testing::StartsWith(
-          "graph.json: error: the generated shader does not compile\ngenerated:31: error: 'grade1' : "));
-  EXPECT_THAT(result.err,
-              testing::HasSubstr(
-                  "generated:31: note: the line is `grade1(`\n"
-                  "lib/test.fraglib:12:12: note: function `grade1` is of fragment `grade`, node `bad`\n"));
+  EXPECT_THAT(result.err, testing::StartsWith("graph.json:2:16: error: `grade1` takes no such arguments"));
+  EXPECT_THAT(result.err, testing::HasSubstr("lib/test.fraglib:12:12: note: the fragment `grade` is here\n"));
 }
 
 TEST_F(ShaderTest, ComplaintAboutAnIncludeFileNamesIt) {
@@ -472,12 +463,11 @@ TEST_F(ShaderTest, ComplaintAboutAnIncludeFileNamesIt) {
   if (!host::hasCompilers()) GTEST_SKIP() << "built without compilers";
   const CommandRun result = run("compile graph.json -L lib -I inc");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(
+  EXPECT_EQ(
       result.err,
-      testing::StartsWith(
-          "graph.json: error: the generated shader does not compile\ngenerated:3: error: 'nothing' : "));
-  EXPECT_THAT(result.err, testing::HasSubstr("generated:3: note: the line is `float bad() { return nothing; "
-                                             "}`\ninc/bad.h: note: in this include file\n"));
+      "inc/bad.h:1:22: error: `nothing` is not declared\n"
+      "generated:3:22: note: the compiler says \"'nothing' : unknown variable\" of the line `float bad() { "
+      "return nothing; }`\n");
 }
 
 TEST_F(ShaderTest, SaysThatThereAreNoCompilers) {

@@ -72,6 +72,13 @@ private:
     const CodeToken& token = messages_.tokens()[told.token];
     const auto [line, column] = messages_.placeOf(token.begin);
     SourcePlace place = map_.find(line, column);
+    // Of a declaration that the host writes the name tells whose it is.
+    for (std::size_t i = told.token + 1; place.file.empty() && i < messages_.tokens().size(); ++i) {
+      const auto [otherLine, otherColumn] = messages_.placeOf(messages_.tokens()[i].begin);
+      if (otherLine != line) break;
+      const SourcePlace other = map_.find(otherLine, otherColumn);
+      if (other.kind == Kind::input) place = other;
+    }
     if (!told.isBehind || !place.isExact) return place;
     SourcePlace last = map_.find(line, column + token.size() - 1);
     ++last.column;

@@ -46,10 +46,11 @@ bool isValueType(std::string_view name) {
 
 bool isReserved(std::string_view name) {
   static const std::vector<std::string_view> words = {
-      "in",     "out",    "inout",   "const",   "static", "uniform",  "return", "if",     "else",
-      "for",    "while",  "do",      "switch",  "case",   "default",  "break",  "continue", "discard",
-      "struct", "cbuffer", "register", "technique", "pass", "sampler", "texture", "matrix", "vector",
-      "line",   "point",  "triangle", "sample",  "linear", "centroid", "precise", "string", "true", "false"};
+      "in",       "out",     "inout",  "const",   "static",   "uniform",   "return",  "if",
+      "else",     "for",     "while",  "do",      "switch",   "case",      "default", "break",
+      "continue", "discard", "struct", "cbuffer", "register", "technique", "pass",    "sampler",
+      "texture",  "matrix",  "vector", "line",    "point",    "triangle",  "sample",  "linear",
+      "centroid", "precise", "string", "true",    "false"};
   return isValueType(name) || std::find(words.begin(), words.end(), name) != words.end();
 }
 
@@ -89,29 +90,33 @@ std::vector<std::string> quoted(const std::string& text) {
   return found;
 }
 
+/// Characters to add, to leave out, to change or to swap with the next one.
 std::size_t distanceOf(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> before(b.size() + 1);
+  std::vector<std::size_t> last(b.size() + 1);
   std::vector<std::size_t> row(b.size() + 1);
-  for (std::size_t k = 0; k <= b.size(); ++k) row[k] = k;
+  for (std::size_t k = 0; k <= b.size(); ++k) last[k] = k;
   for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = row[0];
     row[0] = i;
     for (std::size_t k = 1; k <= b.size(); ++k) {
-      const std::size_t above = row[k];
-      row[k] = std::min({above + 1, row[k - 1] + 1, diagonal + (a[i - 1] == b[k - 1] ? 0 : 1)});
-      diagonal = above;
+      row[k] = std::min({last[k] + 1, row[k - 1] + 1, last[k - 1] + (a[i - 1] == b[k - 1] ? 0 : 1)});
+      const bool isSwapped = i > 1 && k > 1 && a[i - 1] == b[k - 2] && a[i - 2] == b[k - 1];
+      if (isSwapped) row[k] = std::min(row[k], before[k - 2] + 1);
     }
+    before.swap(last);
+    last.swap(row);
   }
-  return row[b.size()];
+  return last[b.size()];
 }
 
 /// What other shading languages call it.
 std::string_view foreignName(std::string_view name) {
   static const std::map<std::string_view, std::string_view> names = {
-      {"vec2", "float2"},       {"vec3", "float3"},     {"vec4", "float4"},      {"mat2", "float2x2"},
-      {"mat3", "float3x3"},     {"mat4", "float4x4"},   {"ivec2", "int2"},       {"ivec3", "int3"},
-      {"ivec4", "int4"},        {"mix", "lerp"},        {"fract", "frac"},       {"mod", "fmod"},
-      {"inversesqrt", "rsqrt"}, {"dFdx", "ddx"},        {"dFdy", "ddy"},         {"color", "float3"},
-      {"fvec2", "float2"},      {"fvec3", "float3"},    {"fvec4", "float4"}};
+      {"vec2", "float2"},       {"vec3", "float3"},   {"vec4", "float4"}, {"mat2", "float2x2"},
+      {"mat3", "float3x3"},     {"mat4", "float4x4"}, {"ivec2", "int2"},  {"ivec3", "int3"},
+      {"ivec4", "int4"},        {"mix", "lerp"},      {"fract", "frac"},  {"mod", "fmod"},
+      {"inversesqrt", "rsqrt"}, {"dFdx", "ddx"},      {"dFdy", "ddy"},    {"color", "float3"},
+      {"fvec2", "float2"},      {"fvec3", "float3"},  {"fvec4", "float4"}};
   const auto found = names.find(name);
   return found != names.end() ? found->second : std::string_view();
 }
@@ -120,14 +125,15 @@ std::string_view foreignName(std::string_view name) {
 
 const std::vector<std::string_view>& languageNames() {
   static const std::vector<std::string_view> names = {
-      "abs",      "acos",     "all",       "any",      "asin",   "atan",    "atan2",     "bool",    "ceil",
-      "clamp",    "clip",     "cos",       "cosh",     "cross",  "ddx",     "ddy",       "degrees", "determinant",
-      "distance", "dot",      "exp",       "exp2",     "false",  "float",   "float2",    "float2x2", "float3",
-      "float3x3", "float4",   "float4x4",  "floor",    "fmod",   "frac",    "fwidth",    "int",     "int2",
-      "int3",     "int4",     "isnan",     "ldexp",    "length", "lerp",    "log",       "log10",   "log2",
-      "max",      "min",      "modf",      "mul",      "normalize", "pow",  "radians",   "rcp",     "reflect",
-      "refract",  "return",   "round",     "rsqrt",    "saturate", "sign",  "sin",       "sincos",  "sinh",
-      "smoothstep", "sqrt",   "step",      "tan",      "tanh",   "transpose", "true",    "trunc",   "uint"};
+      "abs",     "acos",        "all",      "any",      "asin",      "atan",     "atan2",   "bool",
+      "ceil",    "clamp",       "clip",     "cos",      "cosh",      "cross",    "ddx",     "ddy",
+      "degrees", "determinant", "distance", "dot",      "exp",       "exp2",     "false",   "float",
+      "float2",  "float2x2",    "float3",   "float3x3", "float4",    "float4x4", "floor",   "fmod",
+      "frac",    "fwidth",      "int",      "int2",     "int3",      "int4",     "isnan",   "ldexp",
+      "length",  "lerp",        "log",      "log10",    "log2",      "max",      "min",     "modf",
+      "mul",     "normalize",   "pow",      "radians",  "rcp",       "reflect",  "refract", "return",
+      "round",   "rsqrt",       "saturate", "sign",     "sin",       "sincos",   "sinh",    "smoothstep",
+      "sqrt",    "step",        "tan",      "tanh",     "transpose", "true",     "trunc",   "uint"};
   return names;
 }
 
@@ -169,7 +175,8 @@ public:
     if (text == "could not create assignment") return unfitAssignment();
     if (text == "no such field in structure") return say("the structure has no member " + ticks(subject()));
     if (text == "redefinition") return redefinition();
-    if (text == "function already has a body") return say("the function " + ticks(subject()) + " is defined twice");
+    if (text == "function already has a body")
+      return say("the function " + ticks(subject()) + " is defined twice");
     if (text.starts_with("function does not return a value: ")) return noReturn(text);
     if (text == "void function cannot return a value") {
       goBackTo("return");
@@ -185,7 +192,8 @@ public:
     if (text.starts_with("invalid directive:"))
       return say("there is no directive " + ticks("#" + text.substr(text.find(':') + 2)));
     if (text == "unexpected token") return syntax("unexpected " + ticks(subject()));
-    if (text.starts_with("vector index out of range")) return say("the index" + lastQuoted(text) + " is out of range");
+    if (text.starts_with("vector index out of range"))
+      return say("the index" + lastQuoted(text) + " is out of range");
     std::string words = subject().empty() ? text : ticks(subject()) + ": " + text;
     return say(std::move(words));
   }
@@ -220,8 +228,8 @@ private:
       if (token_ != kNotFound && token_ != 0) told_.token = token_ - 1;
       return say(ticks(at(told_.token)) + " stands outside of a loop");
     }
-    const bool isPunctuation = subject() == ";" || subject() == ")" || subject() == "]" ||
-                               subject() == "(" || subject() == ":" || subject() == "}";
+    const bool isPunctuation = subject() == ";" || subject() == ")" || subject() == "]" || subject() == "(" ||
+                               subject() == ":" || subject() == "}";
     const std::string here = at(token_);
     if (isPunctuation && token_ != kNotFound && token_ != 0) {
       const bool isLineEnd = !has(token_) || lineOf(token_) != lineOf(token_ - 1);
@@ -273,7 +281,8 @@ private:
       const std::string types = argumentTypes(token_ + 1, isAnyKnown);
       if (isAnyKnown) text += ": " + types + " given";
     }
-    if (!known.empty()) text += (isLanguageSeparator(text) ? ", " : ": ") + parameterTypes(known.front() + 1) + " expected";
+    if (!known.empty())
+      text += (isLanguageSeparator(text) ? ", " : ": ") + parameterTypes(known.front() + 1) + " expected";
     return say(text);
   }
   static bool isLanguageSeparator(const std::string& text) { return text.ends_with(" given"); }
@@ -399,7 +408,8 @@ private:
     if (value.empty() && !type.empty() && isWhole)
       return say("the value does not fit " + ticks(name) + " of type " + ticks(type));
     if (!value.empty() && !type.empty() && isWhole)
-      return say("a value of type " + ticks(value) + " does not fit " + ticks(name) + " of type " + ticks(type));
+      return say("a value of type " + ticks(value) + " does not fit " + ticks(name) + " of type " +
+                 ticks(type));
     return say("the value does not fit " + ticks(name));
   }
 
@@ -427,8 +437,8 @@ private:
 
   /// A name behind the end of a line that has no semicolon looks like another declaration.
   ToldMistake redefinition() {
-    const bool startsLine = token_ != kNotFound && token_ != 0 && has(token_) &&
-                            lineOf(token_) != lineOf(token_ - 1);
+    const bool startsLine =
+        token_ != kNotFound && token_ != 0 && has(token_) && lineOf(token_) != lineOf(token_ - 1);
     const std::string before = startsLine ? at(token_ - 1) : std::string();
     if (!startsLine || before == "," || isReserved(before))
       return say(ticks(subject()) + " is declared twice");
@@ -510,7 +520,7 @@ std::size_t CompileMessages::tokenOf(const CompilerMessage& message, std::wstrin
     for (std::size_t i = std::min(told + 1, tokens_.size()); i-- > 0 && !name.empty();) {
       const std::wstring_view token = tokens_[i].in(text_);
       if (token == name && tokens_[i].isName) return i;
-      if (token == L";" || token == L"{" || token == L"}") break;
+      if (i < told && (token == L";" || token == L"{" || token == L"}")) break;
     }
     return told;
   }

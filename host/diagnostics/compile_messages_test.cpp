@@ -24,7 +24,8 @@ TEST(CompileMessagesTest, TellsAMissingSemicolonAtTheEndOfTheLineBefore) {
 TEST(CompileMessagesTest, FindsTheNameWithoutAColumn) {
   EXPECT_EQ(described(L"a;\nb = colour * colour;", {2, "'colour' : unknown variable"}),
             "2:5 `colour` is not declared");
-  EXPECT_EQ(described(L"m(colour), c;", {1, "'colour' : unknown variable", 9}), "1:3 `colour` is not declared");
+  EXPECT_EQ(described(L"m(colour), c;", {1, "'colour' : unknown variable", 9}),
+            "1:3 `colour` is not declared");
 }
 
 TEST(CompileMessagesTest, KeepsWordsThatItDoesNotKnow) {

@@ -6,6 +6,9 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
+/// Code points that are counted one by one at most.
+constexpr std::size_t kStride = 64;
+
 bool continues(char c) { return (static_cast<unsigned char>(c) & 0xC0u) == 0x80u; }
 
 /// Behind the code point at `at`.
@@ -48,14 +51,19 @@ Spelling spellingAt(std::string_view text, std::size_t at) {
 }  // namespace
 
 JsonPlaces::JsonPlaces(std::string_view utf8) : text_(utf8), lines_{0} {
-  for (std::size_t end = utf8.find('\n'); end != utf8.npos; end = utf8.find('\n', end + 1))
-    lines_.push_back(end + 1);
+  std::size_t number = 0;
+  for (std::size_t at = 0; at < utf8.size(); at = nextCodePoint(utf8, at), ++number) {
+    if (number % kStride == 0) strides_.push_back(at);
+    if (utf8[at] == '\n') lines_.push_back(number + 1);
+  }
 }
 
 std::size_t JsonPlaces::byteAt(TextPosition place) const {
-  if (place.line == 0 || place.line > lines_.size()) return text_.size();
-  std::size_t at = lines_[place.line - 1];
-  for (std::size_t column = 1; column < place.column && at < text_.size() && text_[at] != '\n'; ++column)
+  if (place.line == 0 || place.line > lines_.size() || place.column == 0) return text_.size();
+  const std::size_t number = lines_[place.line - 1] + (place.column - 1);
+  if (number / kStride >= strides_.size()) return text_.size();
+  std::size_t at = strides_[number / kStride];
+  for (std::size_t rest = number % kStride; rest != 0 && at < text_.size(); --rest)
     at = nextCodePoint(text_, at);
   return at;
 }

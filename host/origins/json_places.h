@@ -25,7 +25,8 @@ private:
   std::size_t byteAt(TextPosition place) const;
 
   std::string_view text_;
-  std::vector<std::size_t> lines_;
+  std::vector<std::size_t> lines_;    // code points in front of each line
+  std::vector<std::size_t> strides_;  // bytes in front of each code point whose number is a multiple
 };
 
 }  // namespace TolmSDK::Graphics::sfg::host

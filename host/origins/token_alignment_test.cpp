@@ -35,10 +35,10 @@ TEST(TokenAlignmentTest, TakesValuesForBuiltinCalls) {
 }
 
 TEST(TokenAlignmentTest, TakesCallsForShaderUses) {
-  EXPECT_EQ(aligned(L"sfg_shader(a, uv, p, result, c); x = c;",
-                    L"float r_temp; tint1(p, c, r_temp);\n; x = c;"),
-            L"sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ "
-            L"sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ ; x = c ;");
+  EXPECT_EQ(
+      aligned(L"sfg_shader(a, uv, p, result, c); x = c;", L"float r_temp; tint1(p, c, r_temp);\n; x = c;"),
+      L"sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ "
+      L"sfg_shader~ sfg_shader~ sfg_shader~ sfg_shader~ ; x = c ;");
   EXPECT_EQ(aligned(L"sfg_shader(a, uv, p); x = c;", L"; x = c;"), L"; x = c ;");
 }
 
@@ -46,10 +46,11 @@ TEST(TokenAlignmentTest, RepeatsLightBlocks) {
   const std::wstring source =
       L"a; TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN TOLM_SCENE_LIGHTING(b); TOLM_VESSOR_LIGHT_AND_SHADOW_END c;";
   EXPECT_EQ(aligned(source, L"a; c;", 0), L"a ; c ;");
-  EXPECT_EQ(aligned(source, L"a; { TolmSceneLighting0(b); } { TolmSceneLighting1(b); } c;", 2),
-            L"a ; TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN~ TOLM_SCENE_LIGHTING ( b ) ; "
-            L"TOLM_VESSOR_LIGHT_AND_SHADOW_END~ TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN~ TOLM_SCENE_LIGHTING ( b ) ; "
-            L"TOLM_VESSOR_LIGHT_AND_SHADOW_END~ c ;");
+  EXPECT_EQ(
+      aligned(source, L"a; { TolmSceneLighting0(b); } { TolmSceneLighting1(b); } c;", 2),
+      L"a ; TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN~ TOLM_SCENE_LIGHTING ( b ) ; "
+      L"TOLM_VESSOR_LIGHT_AND_SHADOW_END~ TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN~ TOLM_SCENE_LIGHTING ( b ) ; "
+      L"TOLM_VESSOR_LIGHT_AND_SHADOW_END~ c ;");
 }
 
 TEST(TokenAlignmentTest, ComesTogetherBehindOtherText) {

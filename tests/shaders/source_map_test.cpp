@@ -98,7 +98,8 @@ bool isName(const std::string& text) {
 
 /// Names that the generator or the host replaces by others as a whole.
 bool isReplaced(const std::string& name) {
-  return name == "sfg_currentLight" || name.ends_with("Light") || name == "TOLM_SCENE_LIGHTING" || name.starts_with("__");
+  return name == "sfg_currentLight" || name.ends_with("Light") || name == "TOLM_SCENE_LIGHTING" ||
+         name.starts_with("__");
 }
 
 /// What text is put in for: uses of built-in functions, light markers, a function's parameter list.
@@ -322,7 +323,8 @@ protected:
   static std::string compileAlone(const std::filesystem::path& folder, const Usable& fragment) {
     Json outputs = Json::array();
     for (const Usable::Port& port : fragment.outputs)
-      outputs.push_back({{"name", "o_" + port.name}, {"type", port.type}, {"node", "n"}, {"output", port.name}});
+      outputs.push_back(
+          {{"name", "o_" + port.name}, {"type", port.type}, {"node", "n"}, {"output", port.name}});
     const Json graph = {{"outputs", outputs}, {"nodes", {{{"name", "n"}, {"fragment", fragment.name}}}}};
     const std::vector<std::string> libraries = {"library", folder.string()};
     const std::vector<std::string> includes = {"library"};
@@ -338,8 +340,7 @@ protected:
     try {
       sfg::host::compileToSpirv(shader);
     } catch (const sfg::host::CompileError& error) {
-      const std::vector<sfg::host::Diagnostic> told =
-          sfg::host::explainCompileError(job, assembled, error);
+      const std::vector<sfg::host::Diagnostic> told = sfg::host::explainCompileError(job, assembled, error);
       return told.front().place() + ": " + told.front().text;
     }
     return "";
