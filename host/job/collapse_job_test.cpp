@@ -4,6 +4,7 @@
 #include "host/job/collapse_json.h"
 #include "host/job/input_files.h"
 #include "host/test_job_fixture.h"
+#include "tests/support/job_files.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -63,10 +64,10 @@ TEST_F(CollapseJobTest, GivesConstantsToTheCode) {
 
 TEST_F(CollapseJobTest, NamesTheFilesOfItsResult) {
   write("graph.json", kGraph);
-  CollapseSettings settings;
+  JobFiles settings;
   settings.graphFile = path("graph.json");
   settings.libraryFolders = settings.includeFolders = {folder_.string()};
-  CollapseJob fromFiles(settings);
+  CollapseJob fromFiles = makeJob(settings);
   fromFiles.run();
   EXPECT_EQ(inputFiles(fromFiles),
             (std::vector<std::string>{path("graph.json"), path("lib.fraglib"), path("a.h"), path("b.h")}));

@@ -5,6 +5,7 @@
 
 #include "sfg/shader_fragment.h"
 #include "tests/shaders/shader_fixture.h"
+#include "tests/support/job_files.h"
 #include "tolmsdk/state_variables.h"
 #include "tolmsdk/unicode.h"
 
@@ -169,7 +170,7 @@ TEST_P(RandomGraphsTest, Compile) {
   for (unsigned seed = GetParam(); seed < kGraphs; seed += kGroups) {
     RandomGraph random(seed);
     const Json graph = random.make(fragments);
-    sfg::host::CollapseSettings chosen = settings(graph);
+    sfg::host::JobFiles chosen = settings(graph);
     const bool isLightLoop = seed % 3 == 0;
     const unsigned lights = random.pick(5);
     if (isLightLoop) light(chosen, environmentOf(lights));
