@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <vector>
 
 #include "sfg/shader_collapse_context.h"
 #include "tests/support/test_graph.h"
@@ -13,7 +14,7 @@ namespace {
 using test::TestScene;
 
 /// Instances of fragments with profiles of some names, all of which a walk has visited unless it is said
-/// otherwise. A profile named "lit.." requires the current light.
+/// otherwise. A profile named "lit.." requires the current light, "inline" is an expression.
 class LaterWriting : public ::testing::Test {
 protected:
   FragmentInstance& add(std::initializer_list<const wchar_t*> names, const WString& name) {
@@ -21,7 +22,10 @@ protected:
     for (const WString profile : names) {
       const WString body = profile.starts_with(L"lit") ? L"r = sfg_currentLight.x;" : L"r = 1.0;";
       profiles += profiles.empty() ? L"" : L",";
-      profiles += test::namedFunctionJson(profile, L"void f(out float r)\n{\n" + body + L"\n}");
+      profiles +=
+          profile == L"inline"
+              ? WString(LR"({"name":"inline","mode":"inline","language":["dx11"],"implementation":["1.0"]})")
+              : test::namedFunctionJson(profile, L"void f(out float r)\n{\n" + body + L"\n}");
     }
     const auto fragment = test::loadFragment(name, LR"({"profiles":[)" + profiles + L"]}");
     FragmentInstance& instance = instances_.get(name);
@@ -130,29 +134,46 @@ TEST_F(LaterWriting, AreLookedForOnceUnderAChoice) {
   EXPECT_NE(questions_, asked);
 }
 
-TEST_F(LaterWriting, KeepCallsWhileTheirProfilesStay) {
-  FragmentInstance& a = visited({L"default", L"lamp"}, L"a");
+TEST_F(LaterWriting, KeepCallsUnlessWhatIsCalledBecomesAnExpression) {
+  FragmentInstance& a = add({L"default", L"lamp", L"inline"}, L"a");
   choose(L"default");
-  EXPECT_TRUE(find().keepsCalls);
-  writers_.addCall(a);
+  EXPECT_TRUE(writers_.addCalled(a, 1));
+  EXPECT_FALSE(writers_.addCalled(a, 2));
   EXPECT_TRUE(find().keepsCalls);
   choose(L"lamp");
+  EXPECT_TRUE(find().keepsCalls);
+  choose(L"inline");
   EXPECT_FALSE(find().keepsCalls);
   choose(L"default");
   EXPECT_TRUE(find().keepsCalls);
+}
+
+TEST_F(LaterWriting, KeepTheFirstCallOfAnInstance) {
+  FragmentInstance& caller = visited({L"default"}, L"a");
+  FragmentInstance& source = add({L"default"}, L"b");
+  EXPECT_EQ(writers_.findFirstCall(source), nullptr);
+  writers_.addCalled(source, 7);
+  writers_.addCall(source, {&caller, 2, 7, true, true});
+  writers_.addCall(source, {&caller, 3, 9, false, false});
+  const LaterWriters::Call* const first = writers_.findFirstCall(source);
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(first->input, 2u);
+  std::vector<std::size_t> inputs;
+  writers_.forEachCall(caller, [&](const LaterWriters::Call& call) { inputs.push_back(call.input); });
+  EXPECT_EQ(inputs, (std::vector<std::size_t>{2, 3}));
+  writers_.forEachCall(source, [&](const LaterWriters::Call&) { ADD_FAILURE() << "calls nothing"; });
 }
 
 TEST_F(LaterWriting, AreForgotten) {
   FragmentInstance& a = add({L"lit", L"default"}, L"a");
   choose(L"lit");
   visit(a);
-  writers_.addCall(a);
-  choose(L"default");
-  EXPECT_FALSE(find().keepsCalls);
+  writers_.addCalled(a, 1);
+  EXPECT_NE(writers_.findFirstCall(a), nullptr);
   visited_.clear();
   writers_.clear();
   EXPECT_EQ(found(), L"");
-  EXPECT_TRUE(find().keepsCalls);
+  EXPECT_EQ(writers_.findFirstCall(a), nullptr);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "host/shader/shader_assembly.h"
 #include "sfg/host/source_map.h"
 #include "tests/support/cost.h"
+#include "tests/support/job_files.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
@@ -61,11 +62,11 @@ public:
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;
 
-  const CollapseSettings& settings() const { return settings_; }
+  const JobFiles& settings() const { return settings_; }
 
 private:
   fs::path folder_;
-  CollapseSettings settings_;
+  JobFiles settings_;
 };
 
 using MakeDocuments = Documents (*)(std::size_t count);
@@ -226,7 +227,7 @@ double growth(MakeDocuments make, const std::function<std::clock_t(const Scene&)
 class LoadingCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(LoadingCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
-    return test::processorTime([&] { CollapseJob job(scene.settings()); });
+    return test::processorTime([&] { CollapseJob job = makeJob(scene.settings()); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
 }
@@ -238,7 +239,7 @@ INSTANTIATE_TEST_SUITE_P(All, LoadingCostTest,
 class WarningCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(WarningCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
-    const CollapseJob job(scene.settings());
+    const CollapseJob job = makeJob(scene.settings());
     return test::processorTime([&] { EXPECT_EQ(findWarnings(job, true).size(), GetParam().warnings); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
@@ -253,7 +254,7 @@ INSTANTIATE_TEST_SUITE_P(All, WarningCostTest,
 class SurfaceCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(SurfaceCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
-    CollapseJob job(scene.settings());
+    CollapseJob job = makeJob(scene.settings());
     return test::processorTime([&] { EXPECT_TRUE(findCalledExpressions(job).empty()); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
@@ -266,7 +267,7 @@ INSTANTIATE_TEST_SUITE_P(All, SurfaceCostTest,
 class AssemblyCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(AssemblyCostTest, GrowsWithTheShader) {
   const auto time = [](const Scene& scene) {
-    CollapseJob job(scene.settings());
+    CollapseJob job = makeJob(scene.settings());
     job.run();
     return test::processorTime(
         [&] { EXPECT_FALSE(assembleShader(job, ShaderStage::compute).sections.empty()); });
@@ -283,7 +284,7 @@ INSTANTIATE_TEST_SUITE_P(All, AssemblyCostTest,
 class OriginCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(OriginCostTest, GrowsWithTheShaderHoweverManyPlacesAreAsked) {
   const auto time = [](const Scene& scene) {
-    CollapseJob job(scene.settings());
+    CollapseJob job = makeJob(scene.settings());
     job.run();
     const AssembledShader assembled = assembleShader(job, ShaderStage::compute);
     return test::processorTime([&] {

@@ -9,15 +9,6 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-std::optional<Document> environmentOf(const CollapseSettings& settings) {
-  if (settings.environmentFile.empty()) return std::nullopt;
-  return Document::fromFile(settings.environmentFile);
-}
-
-CollapseOptions optionsOf(const CollapseSettings& settings) {
-  return {settings.tool, settings.surfaceLod, settings.lightLod, settings.functionName, settings.profileName};
-}
-
 template <class Tool>
 RefPtr<IShaderFragment> collapseWith(const CollapseOptions& settings, const AShaderFragmentGraph& graph,
                                      const ShadingEnvironment& environment, const ShaderOptions& options,
@@ -30,11 +21,6 @@ RefPtr<IShaderFragment> collapseWith(const CollapseOptions& settings, const ASha
 }
 
 }  // namespace
-
-CollapseJob::CollapseJob(const CollapseSettings& settings)
-    : CollapseJob(std::make_shared<const LoadedLibraries>(settings.libraryFolders, settings.includeFolders,
-                                                          settings.language),
-                  Document::fromFile(settings.graphFile), environmentOf(settings), optionsOf(settings)) {}
 
 CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
                          const std::optional<Document>& environment, const CollapseOptions& settings)

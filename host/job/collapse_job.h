@@ -17,26 +17,10 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// What to read and how to collapse it. Paths and names are UTF-8; an empty name or path is one not given.
-struct CollapseSettings {
-  std::string graphFile;
-  std::vector<std::string> libraryFolders;
-  std::vector<std::string> includeFolders;
-  CollapseTool tool = CollapseTool::standard;
-  std::string environmentFile;
-  std::string language = "dx11";
-  float surfaceLod = 100.0f;
-  float lightLod = 100.0f;
-  std::string functionName;
-  std::string profileName;
-};
-
 /// One collapse, in three steps whose failures differ. Used by one thread.
 class CollapseJob {
 public:
-  /// Reads everything. Throws InputError.
-  explicit CollapseJob(const CollapseSettings& settings);
-  /// The same over libraries that other jobs use, too.
+  /// Reads the documents, over libraries that other jobs use too. Throws InputError.
   CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
               const std::optional<Document>& environment, const CollapseOptions& settings);
   CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const RefPtr<IHostGraph const>& graph,

@@ -1,6 +1,7 @@
 #include "host/job/input_files.h"
 
 #include "host/job/tint_fixture.h"
+#include "tests/support/job_files.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
@@ -9,10 +10,10 @@ class InputFilesTest : public TintFixture {};
 
 TEST_F(InputFilesTest, NameTheFilesOfAResult) {
   write("graph.json", kGraph);
-  CollapseSettings settings;
+  JobFiles settings;
   settings.graphFile = path("graph.json");
   settings.libraryFolders = settings.includeFolders = {folder_.string()};
-  CollapseJob fromFiles(settings);
+  CollapseJob fromFiles = makeJob(settings);
   fromFiles.run();
   EXPECT_EQ(inputFiles(fromFiles),
             (std::vector<std::string>{path("graph.json"), path("lib.fraglib"), path("a.h"), path("b.h")}));

@@ -9,6 +9,7 @@
 #include "host/shader/shader_target.h"
 #include "tests/shaders/interface_facts.h"
 #include "tests/shaders/shader_fixture.h"
+#include "tests/support/job_files.h"
 #include "tolmsdk/unicode.h"
 
 namespace shaders_test {
@@ -67,8 +68,8 @@ Json everyType(bool inputs) {
 
 class InterfaceTest : public ShaderFixture {
 protected:
-  CollapseSettings chosen(bool inputs) const {
-    CollapseSettings settings = this->settings(everyType(inputs));
+  JobFiles chosen(bool inputs) const {
+    JobFiles settings = this->settings(everyType(inputs));
     define(settings, kEveryType);
     return settings;
   }
@@ -77,7 +78,7 @@ protected:
 TEST_F(InterfaceTest, OfEveryTypeIsWhatCompilersRead) {
   for (const bool inputs : {false, true}) {
     for (const ShaderStage stage : {ShaderStage::pixel, ShaderStage::compute}) {
-      CollapseSettings settings = chosen(inputs);
+      JobFiles settings = chosen(inputs);
       EXPECT_EQ(compile(settings, stage, true), "");
       settings.functionName = "main";
       EXPECT_EQ(compile(settings, stage, true), "");
@@ -89,7 +90,7 @@ TEST_F(InterfaceTest, OfEveryTypeIsWhatCompilersRead) {
 
 /// Every number and name of the interface, changed one at a time, is told from the compilers'.
 TEST_F(InterfaceTest, ThatIsWrongIsSeen) {
-  CollapseJob job(chosen(true));
+  CollapseJob job = makeJob(chosen(true));
   job.run();
   const AssembledShader assembled = assembleShader(job, ShaderStage::pixel);
   const std::vector<std::uint32_t> spirv = compileToSpirv(
@@ -148,13 +149,12 @@ TEST_F(InterfaceTest, ThatIsWrongIsSeen) {
 }
 
 TEST_F(InterfaceTest, HashesDifferWithTextTargetAndInterface) {
-  const auto hashOf = [](const CollapseSettings& settings, ShaderStage stage,
-                         std::optional<ShaderTarget> target) {
-    CollapseJob job(settings);
+  const auto hashOf = [](const JobFiles& settings, ShaderStage stage, std::optional<ShaderTarget> target) {
+    CollapseJob job = makeJob(settings);
     job.run();
     return reflectShader(assembleShader(job, stage), target).hash;
   };
-  const CollapseSettings settings = chosen(true);
+  const JobFiles settings = chosen(true);
   const std::string hash = hashOf(settings, ShaderStage::pixel, std::nullopt);
   EXPECT_EQ(hash.size(), 40u);
   EXPECT_EQ(hashOf(settings, ShaderStage::pixel, std::nullopt), hash);
@@ -163,18 +163,17 @@ TEST_F(InterfaceTest, HashesDifferWithTextTargetAndInterface) {
   EXPECT_NE(hashOf(settings, ShaderStage::pixel, ShaderTarget::spirv),
             hashOf(settings, ShaderStage::pixel, ShaderTarget::glsl));
 
-  CollapseSettings otherOrder = settings;
+  JobFiles otherOrder = settings;
   std::reverse(otherOrder.libraryFolders.begin(), otherOrder.libraryFolders.end());
   EXPECT_EQ(hashOf(otherOrder, ShaderStage::pixel, std::nullopt), hash);
 }
 
 TEST_F(InterfaceTest, TellsWhereValuesComeFrom) {
-  CollapseSettings settings =
-      this->settings({{"outputs", {{{"name", "color"}, {"type", "float3"}, {"node", "lit"}}}},
-                      {"nodes", {{{"name", "lit"}, {"fragment", "ggxSurface"}}}}});
+  JobFiles settings = this->settings({{"outputs", {{{"name", "color"}, {"type", "float3"}, {"node", "lit"}}}},
+                                      {"nodes", {{{"name", "lit"}, {"fragment", "ggxSurface"}}}}});
   light(settings,
         {{"lights", {{{"name", "n0"}, {"fragment", "directionalLight"}, {"profile", "sfg_Light"}}}}});
-  CollapseJob job(settings);
+  CollapseJob job = makeJob(settings);
   job.run();
   std::map<std::string, InterfaceOrigin> origins;
   for (const InterfaceBuffer& buffer : assembleShader(job, ShaderStage::pixel).reflection.buffers) {
@@ -209,9 +208,9 @@ TEST_F(InterfaceTest, ReadableNamesChangeNothingElse) {
   for (const auto& file : std::filesystem::directory_iterator("examples/materials")) {
     if (file.path().extension() != ".json") continue;
     std::ifstream stream(file.path());
-    CollapseSettings lit = settings(Json::parse(stream));
+    JobFiles lit = settings(Json::parse(stream));
     light(lit, environmentOf(4));
-    CollapseJob job(lit);
+    CollapseJob job = makeJob(lit);
     job.run();
     std::vector<std::vector<std::uint32_t>> modules;
     for (const NameStyle names : {NameStyle::generated, NameStyle::readable}) {
@@ -300,7 +299,7 @@ TEST_F(InterfaceTest, NamesAreKeywordsOfNoTarget) {
     last["inputs"]["p" + std::to_string(i)] = {{"node", words[i]}};
   }
   graph["nodes"].push_back(last);
-  CollapseSettings settings = this->settings(graph);
+  JobFiles settings = this->settings(graph);
   const auto code = [](const std::string& prototype, const std::string& body) {
     return Json({{"language", {"dx11"}}, {"implementation", {prototype, "{", body, "}"}}});
   };
@@ -316,7 +315,7 @@ TEST_F(InterfaceTest, NamesAreKeywordsOfNoTarget) {
     Json one = {{"outputs", {{{"name", "result"}, {"type", "float"}, {"node", "n"}}}},
                 {"uniforms", {{{"name", word}, {"type", "float"}}}},
                 {"nodes", {{{"name", "n"}, {"fragment", "namesIt"}}}}};
-    CollapseSettings own = this->settings(one);
+    JobFiles own = this->settings(one);
     define(own, {{"namesIt", code("void namesIt(out float result)", std::string("result = ") + word + ";")}});
     EXPECT_EQ(compile(own, ShaderStage::pixel, true), "") << word;
   }
@@ -388,7 +387,7 @@ TEST_F(InterfaceTest, NamesAreNoWordsOfOldVersionsOfGlsl) {
     sum += " + " + name + ".Sample(sampler_" + name + ", float2(0.5, 0.5)).x";
     graph["uniforms"].push_back({{"name", name}, {"type", "sampler2D"}});
   }
-  CollapseSettings settings = this->settings(graph);
+  JobFiles settings = this->settings(graph);
   define(settings, {{"namesThem",
                      {{"language", {"dx11"}},
                       {"implementation", {"void namesThem(out float result)", "{", sum + ";", "}"}}}}});

@@ -16,7 +16,7 @@ TEST_P(RandomGraphsTest, Compile) {
   for (unsigned seed = GetParam(); seed < kGraphs; seed += kGroups) {
     RandomGraph random(seed);
     const Json graph = random.make(fragments);
-    sfg::host::CollapseSettings chosen = settings(graph);
+    sfg::host::JobFiles chosen = settings(graph);
     const bool isLightLoop = seed % 3 == 0;
     const unsigned lights = random.pick(5);
     if (isLightLoop) light(chosen, environmentOf(lights));

@@ -6,6 +6,7 @@
 #include "host/modules/shader_compiler.h"
 #include "host/shader/shader_target.h"
 #include "tests/shaders/interface_facts.h"
+#include "tests/support/job_files.h"
 #include "tolmsdk/unicode.h"
 
 namespace shaders_test {
@@ -92,29 +93,29 @@ ShaderFixture::ShaderFixture() {
 
 ShaderFixture::~ShaderFixture() { fs::remove_all(folder_); }
 
-CollapseSettings ShaderFixture::settings(const Json& graph) const {
+JobFiles ShaderFixture::settings(const Json& graph) const {
   std::ofstream(folder_ / "graph.json") << graph;
-  CollapseSettings settings;
+  JobFiles settings;
   settings.graphFile = (folder_ / "graph.json").string();
   settings.libraryFolders = kLibrary;
   settings.includeFolders = kLibrary;
   return settings;
 }
 
-void ShaderFixture::define(CollapseSettings& settings, const Json& fragments) const {
+void ShaderFixture::define(JobFiles& settings, const Json& fragments) const {
   std::ofstream(folder_ / "test.fraglib") << fragments;
   settings.libraryFolders.push_back(folder_.string());
 }
 
-void ShaderFixture::light(CollapseSettings& settings, const Json& environment) const {
+void ShaderFixture::light(JobFiles& settings, const Json& environment) const {
   std::ofstream(folder_ / "environment.json") << environment;
   settings.environmentFile = (folder_ / "environment.json").string();
   settings.tool = CollapseTool::lightLoop;
 }
 
-std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage stage, bool everyTarget,
+std::string ShaderFixture::compile(const JobFiles& settings, ShaderStage stage, bool everyTarget,
                                    Optimization optimization) try {
-  CollapseJob job(settings);
+  CollapseJob job = makeJob(settings);
   job.run();
   if (job.result() == nullptr) return "the collapse answers null";
   const AssembledShader assembled = assembleShader(job, stage, NameStyle::readable);

@@ -11,6 +11,7 @@
 
 #include "host/job/collapse_job.h"
 #include "host/shader/shader_assembly.h"
+#include "tests/support/job_files.h"
 
 namespace shaders_test {
 
@@ -32,16 +33,16 @@ protected:
   ~ShaderFixture() override;
 
   /// Settings over the standard library for a document of the test.
-  sfg::host::CollapseSettings settings(const Json& graph) const;
+  sfg::host::JobFiles settings(const Json& graph) const;
   /// Adds fragments of the test, as a fragment library file holds them, to those of the standard library.
-  void define(sfg::host::CollapseSettings& settings, const Json& fragments) const;
+  void define(sfg::host::JobFiles& settings, const Json& fragments) const;
   /// Makes it a light loop over an environment document.
-  void light(sfg::host::CollapseSettings& settings, const Json& environment) const;
+  void light(sfg::host::JobFiles& settings, const Json& environment) const;
 
   /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language in all its
   /// versions. With a pixel stage the vertex stage that feeds it. Answers why it cannot, or what the host
   /// warns of.
-  static std::string compile(const sfg::host::CollapseSettings& settings, sfg::host::ShaderStage stage,
+  static std::string compile(const sfg::host::JobFiles& settings, sfg::host::ShaderStage stage,
                              bool everyTarget,
                              sfg::host::Optimization optimization = sfg::host::Optimization::speed);
 

@@ -40,8 +40,8 @@ Json everything() {
 
 class VertexStageTest : public ShaderFixture {
 protected:
-  CollapseSettings chosen() const {
-    CollapseSettings settings = this->settings(everything());
+  JobFiles chosen() const {
+    JobFiles settings = this->settings(everything());
     define(settings, kEverything);
     return settings;
   }
@@ -53,14 +53,14 @@ std::vector<std::uint32_t> moduleOf(const AssembledShader& assembled) {
 }
 
 TEST_F(VertexStageTest, FeedsEverythingInEveryTarget) {
-  CollapseSettings settings = chosen();
+  JobFiles settings = chosen();
   EXPECT_EQ(compile(settings, ShaderStage::pixel, true), "");
   settings.functionName = "main";
   EXPECT_EQ(compile(settings, ShaderStage::pixel, true), "");
 }
 
 TEST_F(VertexStageTest, ThatIsNoPairIsSeen) {
-  CollapseJob job(chosen());
+  CollapseJob job = makeJob(chosen());
   job.run();
   const AssembledShader pixel = assembleShader(job, ShaderStage::pixel);
   const std::vector<std::uint32_t> pixelModule = moduleOf(pixel);
@@ -86,7 +86,7 @@ TEST_F(VertexStageTest, ThatIsNoPairIsSeen) {
 
 /// Every part of a vertex stage's interface is compared with what compilers read.
 TEST_F(VertexStageTest, WhoseInterfaceIsWrongIsSeen) {
-  CollapseJob job(chosen());
+  CollapseJob job = makeJob(chosen());
   job.run();
   const AssembledShader assembled = assembleShader(job, ShaderStage::vertex);
   const std::vector<std::uint32_t> spirv = moduleOf(assembled);
@@ -128,7 +128,7 @@ TEST_F(VertexStageTest, WhoseInterfaceIsWrongIsSeen) {
 
 /// A buffer of the vertex stage and one of the pixel stage are never at the same place.
 TEST_F(VertexStageTest, HasABufferOfItsOwn) {
-  CollapseJob job(chosen());
+  CollapseJob job = makeJob(chosen());
   job.run();
   for (const ShaderTarget target :
        {ShaderTarget::spirv, ShaderTarget::hlsl, ShaderTarget::glsl, ShaderTarget::essl, ShaderTarget::msl}) {
@@ -148,7 +148,7 @@ TEST_F(VertexStageTest, HasABufferOfItsOwn) {
 TEST_F(VertexStageTest, IsTheSameOnEveryRun) {
   std::set<std::string> texts;
   for (int run = 0; run < 3; ++run) {
-    CollapseJob job(chosen());
+    CollapseJob job = makeJob(chosen());
     job.run();
     const AssembledShader assembled = assembleShader(job, ShaderStage::vertex);
     texts.insert(TolmSDK::toUtf8(assembled.shader.getCompleteShader()) + reflectShader(assembled).hash);
