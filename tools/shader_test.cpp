@@ -437,7 +437,7 @@ TEST_F(ShaderTest, ComplaintOfACompilerNamesTheFragmentAndItsFile) {
   EXPECT_EQ(result.status, 1);
   EXPECT_FALSE(exists("out.spv"));
   EXPECT_EQ(result.err,
-            "lib/more.fraglib:3:59: error: `colour` is not declared; did you mean `color`?\n"
+            "lib/more.fraglib:3:68: error: `colour` is not declared; did you mean `color`?\n"
             "graph.json:2:16: note: node `bad` uses the fragment `broken`\n"
             "generated:12:11: note: the compiler says \"'colour' : unknown variable\" of the line `result = "
             "colour;`\n");
