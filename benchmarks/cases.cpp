@@ -6,6 +6,7 @@
 #include "benchmarks/case.h"
 #include "benchmarks/file_cases.h"
 #include "benchmarks/graph_cases.h"
+#include "benchmarks/job_cases.h"
 #include "benchmarks/text_cases.h"
 
 namespace TolmSDK::Graphics::sfg::benchmarks {
@@ -55,6 +56,7 @@ std::vector<Case> makeCases() {
   }
   add("two threads", 0, twoThreads);
 
+  for (const Case& step : jobCases()) cases.push_back(step);
   add("files to shader", 10'000, filesToShader);
   add("- read", 10'000, readFiles);
   add("- build", 10'000, buildFromFiles);
@@ -82,10 +84,19 @@ std::vector<Case> makeCases() {
   addSizes("lit inline chain", {100, 300, 1000, 3000}, makeLitInlineChain);
   addShape("alternating lights", makeAlternatingLights);
   addShape("unknown profile", makeUnknownProfile);
+  addShape("changing caller", makeChangingCaller);
+  addShape("caller profiles", makeCallerProfiles);
+  addShape("called profiles", makeCalledProfiles);
+  addShape("lit profiles", makeLitProfiles);
+  addShape("own expression", makeOwnExpression);
+  addShape("light levels", makeLightLevels);
+  add("find levels", 100'000, findLevels);
   addShape("outputs", makeOutputs);
   addShape("pre-process", makePreprocess);
+  addShape("post-process", makePostprocess);
   // Its text doubles with each rung, so sizes grow slowly.
   addSizes("lit ladder", {6, 9, 12, 15, 18, 20}, makeLitLadder);
+  addSizes("unlit ladder", {6, 9, 12, 15, 18, 20}, makeUnlitLadder);
   add("warn structures", 100'000, warnOfStructures);
   add("warn helpers", 100'000, warnOfHelpers);
   add("warn profiles", 100'000, warnOfProfiles);

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -49,21 +50,22 @@ private:
   std::filesystem::path path_;
 };
 
-/// The files of one collapse, and its settings.
+/// The files of one collapse, and its options.
 struct Files {
   Folder folder;
-  host::CollapseSettings settings;
+  std::string graph;
+  std::optional<host::Document> environment;
+  host::CollapseOptions options;
 };
 
 std::shared_ptr<const Files> writeFiles(const Json& library, const Json& graph, const Json& lights = {}) {
   auto files = std::make_shared<Files>();
   files->folder.write("generated.fraglib", library.dump(1));
-  files->settings.libraryFolders = {files->folder.path().string()};
-  files->settings.graphFile = files->folder.write("graph.json", graph.dump(1));
+  files->graph = files->folder.write("graph.json", graph.dump(1));
   if (!lights.empty()) {
-    files->settings.tool = host::CollapseTool::lightLoop;
-    files->settings.environmentFile =
-        files->folder.write("environment.json", Json{{"lights", lights}}.dump(1));
+    files->options.tool = host::CollapseTool::lightLoop;
+    files->environment =
+        host::Document::fromFile(files->folder.write("environment.json", Json{{"lights", lights}}.dump(1)));
   }
   return files;
 }
@@ -111,8 +113,16 @@ std::shared_ptr<const Files> writeOne(const Json& fragment, const Json& lights =
                     lights);
 }
 
+/// A job that has read libraries and documents.
+std::unique_ptr<host::CollapseJob> makeJob(const Files& files) {
+  const std::vector<std::string> folders = {files.folder.path().string()};
+  return std::make_unique<host::CollapseJob>(
+      std::make_shared<const host::LoadedLibraries>(folders, std::vector<std::string>(), "dx11"),
+      host::Document::fromFile(files.graph), files.environment, files.options);
+}
+
 std::unique_ptr<host::CollapseJob> runJob(const Files& files) {
-  auto job = std::make_unique<host::CollapseJob>(files.settings);
+  std::unique_ptr<host::CollapseJob> job = makeJob(files);
   job->run();
   if (job->result() == nullptr) throw std::runtime_error("the collapse answered null");
   return job;
@@ -355,7 +365,7 @@ Work filesToShader(std::size_t fragments) {
 Work readFiles(std::size_t fragments) {
   const auto files = writeLayers(fragments);
   Work work;
-  work.round = [files] { host::CollapseJob job(files->settings); };
+  work.round = [files] { makeJob(*files); };
   work.fragments = fragments;
   return work;
 }

@@ -101,24 +101,27 @@ Definition makeStep() {
   return makeFunction(L"step", {L"previous", L"gain"}, L"\tresult = previous * gain;\n");
 }
 
-/// A light whose only profile has this name.
-RefPtr<AShaderFragment> makeLight(const WString& profileName) {
+/// A light whose only profile has this name, at so many levels of detail.
+RefPtr<AShaderFragment> makeLight(const WString& profileName, std::size_t levels) {
   const auto light = makeRef<AShaderFragment>();
   light->key() = L"light" + profileName;
-  const auto profile = makeRef<AShaderFragmentProfileFunction>();
-  profile->setFunctionPrototype(L"void light" + profileName + L"(float3 color, out " + profileName +
-                                L" lamp)");
-  addProfile(*light, *profile, profileName,
-             L"\tlamp.color = color;\n\tlamp.direction = float3(0.0, 1.0, 0.0);\n");
+  for (std::size_t i = 0; i < levels; ++i) {
+    const auto profile = makeRef<AShaderFragmentProfileFunction>();
+    profile->setLOD(static_cast<float>(i));
+    profile->setFunctionPrototype(L"void light" + profileName + L"(float3 color, out " + profileName +
+                                  L" lamp)");
+    addProfile(*light, *profile, profileName,
+               L"\tlamp.color = color;\n\tlamp.direction = float3(0.0, 1.0, 0.0);\n");
+  }
   return light;
 }
 
 /// Lights of these profiles by turns.
 class Lights : public RefCounted<IShadingEnvironment> {
 public:
-  Lights(const Names& profiles, std::size_t count) {
+  Lights(const Names& profiles, std::size_t count, std::size_t levels) {
     std::vector<RefPtr<AShaderFragment>> definitions;
-    for (const WString& name : profiles) definitions.push_back(makeLight(name));
+    for (const WString& name : profiles) definitions.push_back(makeLight(name, levels));
     for (std::size_t i = 0; i < count; ++i) {
       lights_.emplace_back(definitions[i % definitions.size()]->clone(formatted(L"light%Iu", i)));
       lights_.back()->addInput(TypeID_fvec3, L"color");
@@ -179,12 +182,13 @@ public:
 
   GraphCase finish(IShaderFragment* last) { return finish(last, {}, 0); }
   /// For the light loop when there are lights.
-  GraphCase finish(IShaderFragment* last, const Names& lightProfiles, std::size_t lights) {
+  GraphCase finish(IShaderFragment* last, const Names& lightProfiles, std::size_t lights,
+                   std::size_t levels = 1) {
     graph_->addOutput(TypeID_float, L"color");
     graph_->setOutputConnection(std::size_t{0}, last, 0);
     GraphCase made;
     made.language = makeRef<host::LanguageDx11>(nullptr);
-    made.environment = makeRef<Lights>(lightProfiles, lights);
+    made.environment = makeRef<Lights>(lightProfiles, lights, levels);
     made.options = makeRef<Options>();
     made.lightLoop = lights != 0;
     made.fragments = graph_->getNumFragments() + lights;
@@ -215,6 +219,52 @@ double addNested(CaseBuilder& builder, IShaderFragment*& last, std::size_t count
   static constexpr double kAdded = 8;  // characters around the placeholder
   last = builder.addChain(makeInline(L"half", {L"a"}, kExpression), count, 1, last);
   return kAdded * static_cast<double>(count) * static_cast<double>(count + 1) / 2;
+}
+
+const WString kCalling = L"\tsfg_shader(f, p, 2.0, result, result);\n";
+const WString kReading = L"\tresult = f;\n";
+
+/// Uses of these, each feeding the next, in the middle of a chain of `count` steps with a lit end, under as
+/// many lights of these profiles.
+GraphCase makeInMiddle(std::size_t count, const std::vector<Definition>& middle, const Names& lightProfiles) {
+  const Definition step = makeStep();
+  CaseBuilder builder;
+  IShaderFragment* last = builder.addChain(step, count / 2);
+  for (const Definition& one : middle) last = builder.add(one, last);
+  last = builder.addChain(step, count - count / 2, 1, last);
+  last = builder.add(makeFunction(L"lit", {L"albedo"}, L"\tresult = albedo * sfg_currentLight.color.x;\n"),
+                     last);
+  return builder.finish(last, lightProfiles, count);
+}
+
+/// An expression of a host's own class, which may be another one at every use.
+class OwnExpression : public AShaderFragmentProfileInline {
+public:
+  bool writeFunctionCall(WString&, AShaderCollapseContext& context, FragmentProfileInstance& instance,
+                         const Array<WString>& inputs, const Array<WString>&) const override {
+    instance.setNumOutputs(1);
+    instance.setOutput(0, WString(),
+                       formatted(L"(%s * lights[%Iu])", inputs[0], context.getActiveLightIndex()));
+    return true;
+  }
+};
+
+/// The rungs of makeLitLadder().
+IShaderFragment* addLitRungs(CaseBuilder& builder, std::size_t count) {
+  const Definition function =
+      makeLitFunction(L"rung", {L"left", L"right"}, L"\tresult = left + right;\n", {kLamp});
+  const Definition caller = makeLitFunction(
+      L"caller", {L"left", L"right", L"f"},
+      L"\tfloat called;\n\tsfg_shader(f, left, left, result, called);\n\tresult = called + right;\n",
+      {kLamp});
+  const Definition expression = makeInline(L"sum", {L"a", L"b"}, L"({{a}} + {{b}})");
+  IShaderFragment* last = builder.add(function);
+  for (std::size_t i = 1; i < count; ++i) {
+    // What a caller calls is no expression.
+    const Definition& next = i % 3 == 1 ? caller : i % 3 == 2 ? expression : function;
+    last = builder.add(next, last, next.inputs.size());
+  }
+  return last;
 }
 
 }  // namespace
@@ -366,6 +416,45 @@ GraphCase makeManyByMany(std::size_t count, const Names& lightProfiles) {
 GraphCase makeAlternatingLights(std::size_t count) { return makeManyByMany(count, {kLamp, kSpot}); }
 GraphCase makeUnknownProfile(std::size_t count) { return makeManyByMany(count, {L"Nobody"}); }
 
+GraphCase makeChangingCaller(std::size_t count) {
+  const Definition caller = define(L"caller", {L"f"});
+  addFunctionProfile(caller, kLamp, kCalling);
+  addFunctionProfile(caller, kSpot, kReading);
+  return makeInMiddle(count, {makeFunction(L"called", {L"p"}, L"\tresult = p;\n"), caller}, {kLamp, kSpot});
+}
+
+GraphCase makeCallerProfiles(std::size_t count) {
+  const Names names = numbered(L"Lamp%Iu", count);
+  const Definition caller = define(L"caller", {L"f"});
+  for (const WString& name : names) addFunctionProfile(caller, name, kCalling);
+  return makeInMiddle(count, {makeFunction(L"called", {L"p"}, L"\tresult = p;\n"), caller}, names);
+}
+
+GraphCase makeCalledProfiles(std::size_t count) {
+  const Names names = numbered(L"Lamp%Iu", count);
+  const Definition called = define(L"called", {L"p"});
+  for (const WString& name : names) addFunctionProfile(called, name, L"\tresult = p;\n");
+  return makeInMiddle(count, {called, makeFunction(L"caller", {L"f"}, kCalling)}, names);
+}
+
+GraphCase makeLitProfiles(std::size_t count) {
+  const Names names = numbered(L"Lamp%Iu", count);
+  return makeInMiddle(count, {makeLitFunction(L"coat", {L"a"}, L"\tresult = a;\n", names)}, names);
+}
+
+GraphCase makeOwnExpression(std::size_t count) {
+  const Definition expression = define(L"expression", {L"a"});
+  addProfile(*expression.fragment, *makeRef<OwnExpression>(), L"default", {});
+  return makeInMiddle(count, {expression}, {kLamp});
+}
+
+GraphCase makeLightLevels(std::size_t count) {
+  CaseBuilder builder;
+  IShaderFragment* last = builder.addChain(makeStep(), count);
+  last = builder.add(makeLitFunction(L"lit", {L"albedo"}, L"\tresult = albedo;\n", {kLamp}), last);
+  return builder.finish(last, {kLamp}, count, count);
+}
+
 GraphCase makeOutputs(std::size_t count) {
   CaseBuilder builder;
   const Definition source = define(L"source", {L"a"}, numbered(L"out%Iu", count));
@@ -393,22 +482,45 @@ GraphCase makePreprocess(std::size_t count) {
   return builder.finish(builder.add(makeStep()));
 }
 
-GraphCase makeLitLadder(std::size_t count) {
-  const Definition function =
-      makeLitFunction(L"rung", {L"left", L"right"}, L"\tresult = left + right;\n", {kLamp});
-  const Definition caller = makeLitFunction(
-      L"caller", {L"left", L"right", L"f"},
-      L"\tfloat called;\n\tsfg_shader(f, left, left, result, called);\n\tresult = called + right;\n",
-      {kLamp});
-  const Definition expression = makeInline(L"sum", {L"a", L"b"}, L"({{a}} + {{b}})");
+GraphCase makePostprocess(std::size_t count) {
+  const Definition step = makeFunction(L"step", {L"x"}, L"\tresult = x * 0.5;\n");
   CaseBuilder builder;
-  IShaderFragment* last = builder.add(function);
-  for (std::size_t i = 1; i < count; ++i) {
-    // What a caller calls is no expression.
-    const Definition& next = i % 3 == 1 ? caller : i % 3 == 2 ? expression : function;
-    last = builder.add(next, last, next.inputs.size());
+  for (std::size_t i = 0; i < count; ++i) {
+    const RefPtr<IShaderFragment> use = makeUse(step, formatted(L"post%Iu", i));
+    if (!builder.graph().addPostprocessFragment(use.get())) throw std::runtime_error("the chain is refused");
   }
+  return builder.finish(builder.add(makeStep()), {kLamp}, 1);
+}
+
+GraphCase makeLitLadder(std::size_t count) {
+  CaseBuilder builder;
+  IShaderFragment* last = addLitRungs(builder, count);
   return builder.finish(last, {kLamp}, 4);
+}
+
+GraphCase makeUnlitLadder(std::size_t count) {
+  CaseBuilder builder;
+  return builder.finish(addLitRungs(builder, count));
+}
+
+Work findLevels(std::size_t count) {
+  const Definition many = define(L"many", {});
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto profile = makeRef<AShaderFragmentProfileFunction>();
+    profile->setFunctionPrototype(prototypeOf(many));
+    profile->setLOD(static_cast<float>(i));
+    addProfile(*many.fragment, *profile, L"default", L"\tresult = 0.0;\n");
+  }
+  Work work;
+  work.round = [many, count] {
+    const UString language(L"dx11");
+    for (std::size_t i = 0; i < count; ++i) {
+      if (many.fragment->findBestProfile(L"default", language, static_cast<float>(i)) !=
+          many.fragment->getProfile(i))
+        throw std::runtime_error("a level was not found");
+    }
+  };
+  return work;
 }
 
 }  // namespace TolmSDK::Graphics::sfg::benchmarks

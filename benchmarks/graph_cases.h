@@ -57,8 +57,23 @@ GraphCase
 makeUnknownProfile(std::size_t count);     ///< `count` lights of a profile that no fragment of the chain has
 GraphCase makeOutputs(std::size_t count);  ///< of one fragment, each read by another
 GraphCase makePreprocess(std::size_t count);  ///< pre-process fragments
+GraphCase
+makePostprocess(std::size_t count);  ///< post-process fragments under a light, each feeding the next
+
+// Under `count` lights, amid a chain of `count`.
+GraphCase makeChangingCaller(std::size_t count);  ///< calls its source under every second light
+GraphCase makeCallerProfiles(std::size_t count);  ///< a caller with a profile for each light
+GraphCase
+makeCalledProfiles(std::size_t count);           ///< a fragment that is called, with a profile for each light
+GraphCase makeLitProfiles(std::size_t count);    ///< a lit fragment with a profile for each light
+GraphCase makeOwnExpression(std::size_t count);  ///< of a host's own class
+GraphCase makeLightLevels(std::size_t count);    ///< lights of one fragment with `count` levels of detail
+
+/// Looks each of the levels of detail of a fragment up.
+Work findLevels(std::size_t count);
 /// Functions, expressions and callers of functions by turns, each reading the one below twice, all reading
 /// the current light, under 4 lights.
 GraphCase makeLitLadder(std::size_t count);
+GraphCase makeUnlitLadder(std::size_t count);  ///< the same without lights, by the other tool
 
 }  // namespace TolmSDK::Graphics::sfg::benchmarks

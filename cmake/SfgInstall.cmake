@@ -12,26 +12,20 @@ install(TARGETS sfg_host EXPORT sfgHost
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(TARGETS sfg_command RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(DIRECTORY include/ platform/include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" FILES_MATCHING PATTERN "*.h")
-install(DIRECTORY library/ DESTINATION "${CMAKE_INSTALL_DATADIR}/sfg/library" OPTIONAL
+install(DIRECTORY library/ DESTINATION "${CMAKE_INSTALL_DATADIR}/sfg/library"
   FILES_MATCHING PATTERN "*.fraglib" PATTERN "*.h")
-# What editors check documents with, as the command writes it.
-install(CODE "
-  file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/sfg/schemas\")
-  foreach(kind IN ITEMS library graph environment)
-    execute_process(COMMAND \"$<TARGET_FILE:sfg_command>\" schema \${kind}
-      -o \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/sfg/schemas/\${kind}.schema.json\"
-      COMMAND_ERROR_IS_FATAL ANY)
-  endforeach()")
+install(DIRECTORY docs/schemas/ DESTINATION "${CMAKE_INSTALL_DATADIR}/sfg/schemas")
 install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
 # find_package(sfg) gives sfg::sfg and sfg::platform, with the component host sfg::host as well. The libraries under
 # platform and host are their own business: they are linked privately, so a user of the package needs none of their
 # headers.
+set(library_folder "${CMAKE_INSTALL_DATADIR}/sfg/library")
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/sfg")
 install(EXPORT sfg NAMESPACE sfg:: FILE sfgTargets.cmake DESTINATION "${package_folder}")
 install(EXPORT sfgHost NAMESPACE sfg:: FILE sfgHostTargets.cmake DESTINATION "${package_folder}")
 configure_package_config_file(cmake/sfgConfig.cmake.in "${PROJECT_BINARY_DIR}/package/sfgConfig.cmake"
-  INSTALL_DESTINATION "${package_folder}")
+  INSTALL_DESTINATION "${package_folder}" PATH_VARS library_folder)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/sfgConfigVersion.cmake"
   COMPATIBILITY SameMinorVersion)
 install(FILES
@@ -47,7 +41,7 @@ else()
     OUTPUT_VARIABLE up)
   set(SFG_PC_PREFIX "\${pcfiledir}/${up}")
 endif()
-foreach(folder IN ITEMS LIBDIR INCLUDEDIR)
+foreach(folder IN ITEMS LIBDIR INCLUDEDIR DATADIR)
   if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
     set(SFG_PC_${folder} "${CMAKE_INSTALL_${folder}}")
   else()

@@ -79,9 +79,7 @@ bool CallWriter::declareOutputs(FragmentInstance& instance, Array<WString>& valu
 // Input values.
 
 bool CallWriter::writeOutputOf(WString& value, const FragmentInstance& source, std::size_t output) {
-  if (!source.hasActiveProfileOutput(output)) return false;
-  source.appendActiveProfileOutput(value, output);
-  return true;
+  return source.appendActiveProfileOutput(value, output);
 }
 
 bool CallWriter::writeCalledInput(WString& value, const FragmentInstance& instance, std::size_t input) {
@@ -93,8 +91,8 @@ bool CallWriter::writeCalledInput(WString& value, const FragmentInstance& instan
 
 bool CallWriter::writeOpenInput(WString& value, const FragmentInstance& instance, std::size_t input) {
   const IShaderFragment& fragment = *instance.getShaderFragment();
-  const IShaderFragmentGraph* graph = fragment.getOwnerGraph();
   const std::size_t graphInput = fragment.getInputConnections()[input].index;
+  const IShaderFragmentGraph* graph = graphInput != kNotFound ? fragment.getOwnerGraph() : nullptr;
   if (graph != nullptr && graphInput < graph->getNumInputs()) {
     if (graph->getInput(graphInput) == nullptr) return false;
     value = graph->getInputName(graphInput);
@@ -108,8 +106,8 @@ bool CallWriter::writeOpenInput(WString& value, const FragmentInstance& instance
 // Calls.
 
 bool CallWriter::write(FragmentInstance& instance, const Array<WString>& inputs) {
-  if (!writeDefinition(instance, inputs.size())) return false;
   FragmentProfileInstance& active = *instance.getActiveProfileInstance();
+  if (!writeDefinition(instance, active, inputs.size())) return false;
   // The names of the outputs are no values for an inline expression, which replaces them while it is written.
   if (active.isInlineProfile()) return writeCall(active, inputs, active.getOutputNames());
 
@@ -127,21 +125,22 @@ bool CallWriter::write(FragmentInstance& instance, const Array<WString>& inputs)
 
 bool CallWriter::write(FragmentInstance& instance, const Array<WString>& inputs,
                        const Array<WString>& outputs) {
-  return writeDefinition(instance, inputs.size()) &&
-         writeCall(*instance.getActiveProfileInstance(), inputs, outputs);
+  FragmentProfileInstance& active = *instance.getActiveProfileInstance();
+  return writeDefinition(instance, active, inputs.size()) && writeCall(active, inputs, outputs);
 }
 
 bool CallWriter::writeCall(FragmentProfileInstance& active, const Array<WString>& inputs,
                            const Array<WString>& outputs) {
+  WString& out = body();
   // An expression checks its own length.
-  if (!active.isInlineProfile()) checkTextLength(body().size() + totalLength(inputs));
-  if (!active.writeFunctionCall(body(), context_, inputs, outputs)) return false;
+  if (!active.isInlineProfile()) checkTextLength(out.size() + totalLength(inputs));
+  if (!active.writeFunctionCall(out, context_, inputs, outputs)) return false;
   checkTextLength(body().size());
   return true;
 }
 
-bool CallWriter::writeDefinition(FragmentInstance& instance, std::size_t inputs) {
-  FragmentProfileInstance& active = *instance.getActiveProfileInstance();
+bool CallWriter::writeDefinition(FragmentInstance& instance, FragmentProfileInstance& active,
+                                 std::size_t inputs) {
   return fitsParameters(active, inputs) && instance.writeRequirements(context_) &&
          active.writeDefinition(context_);
 }
@@ -150,9 +149,10 @@ bool CallWriter::writeDefinition(FragmentInstance& instance, std::size_t inputs)
 
 bool CallWriter::writeShaderFunction(FragmentInstance& instance, Array<WString>& inputs,
                                      const ShaderUses& uses) {
-  if (!writeDefinition(instance, inputs.size())) return false;
+  FragmentProfileInstance& active = *instance.getActiveProfileInstance();
+  if (!writeDefinition(instance, active, inputs.size())) return false;
   allocateShaderInputs(instance, inputs);
-  writeShaderCalls(*instance.getActiveProfileInstance(), inputs, uses);
+  writeShaderCalls(active, inputs, uses);
   return true;
 }
 

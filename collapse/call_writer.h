@@ -47,7 +47,7 @@ public:
   bool writeShaderFunction(FragmentInstance& instance, Array<WString>& inputs, const ShaderUses& uses);
 
 private:
-  bool writeDefinition(FragmentInstance& instance, std::size_t inputs);
+  bool writeDefinition(FragmentInstance& instance, FragmentProfileInstance& active, std::size_t inputs);
   bool writeCall(FragmentProfileInstance& active, const Array<WString>& inputs,
                  const Array<WString>& outputs);
   void allocateShaderInputs(const FragmentInstance& instance, Array<WString>& inputs);

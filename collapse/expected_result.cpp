@@ -1,6 +1,7 @@
 #include "collapse/expected_result.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "sfg/size_limit.h"
 
@@ -19,40 +20,41 @@ constexpr std::size_t kResult = 11;      // the same behind out
 
 }  // namespace
 
+/// The names of what feeds an instance are taken to be as long as its own.
 void ExpectedResult::add(const FragmentInstance& instance) {
-  if (!instance.fragment_) return;
-  const AShaderFragment& fragment = *instance.fragment_;
-  uniforms_ += fragment.getNumUniforms();
-  for (const FragmentInstance::Input& input : instance.inputs())
-    if (input.uniform) ++uniforms_;
-
-  const FragmentProfileInstance* active = instance.activeProfileInstance_;
-  if (active == nullptr || active->isInlineProfile()) return;
-  addCall(instance, *active);
-  // Uniforms have other, longer names in every instance, which makes the function another one.
-  const AShaderFragmentProfile& profile = *active->getProfile();
-  if (fragment.getNumUniforms() != 0) {
-    addDefinition(profile);
-    definitions_ += fragment.getNumUniforms() * fragment.instanceName().size();
-  } else if (&profile != last_) {
-    last_ = &profile;
-    if (profiles_.insert(&profile)) addDefinition(profile);
+  if (instance.getFragment() == nullptr) return;
+  const AShaderFragment& fragment = *instance.getFragment();
+  const std::size_t ownOutput = fragment.instanceName().size() + kOutput;
+  const std::size_t inputs = fragment.getNumInputs();
+  std::size_t arguments = 0;
+  for (std::size_t i = 0; i < inputs; ++i) {
+    const AParameter* uniform = instance.findInputUniform(i);
+    if (uniform != nullptr) ++uniforms_;
+    arguments += kArgument + (uniform != nullptr ? uniform->getName().size() : ownOutput);
   }
+  const std::size_t uniforms = fragment.getNumUniforms();
+  uniforms_ += uniforms;
+
+  const FragmentProfileInstance* active = instance.getActiveProfileInstance();
+  if (active == nullptr || active->isInlineProfile()) return;
+  const AShaderFragmentProfile& profile = *active->getProfile();
+  body_ += kCall + profile.getFunctionName().size() + arguments;
+  for (std::size_t i = 0; i < active->getNumOutputs(); ++i)
+    body_ += kDeclaration + active->getOutputType(i).size() + ownOutput + kArgument + ownOutput;
+
+  // Uniforms have other, longer names in every instance, which makes the function another one.
+  const bool isFirst = isFirstUse(profile);
+  if (isFirst) definitions_ += profile.predefines().size();
+  if (isFirst || uniforms != 0) addDefinition(profile);
+  definitions_ += uniforms * fragment.instanceName().size();
 }
 
-/// The names of what feeds the instance are taken to be as long as its own.
-void ExpectedResult::addCall(const FragmentInstance& instance, const FragmentProfileInstance& active) {
-  const std::size_t ownOutput = instance.fragment_->instanceName().size() + kOutput;
-  body_ += kCall + active.getProfile()->getFunctionName().size();
-  for (std::size_t i = 0; i < active.getNumOutputs(); ++i)
-    body_ += kDeclaration + active.getOutputType(i).size() + ownOutput + kArgument + ownOutput;
-  for (const FragmentInstance::Input& input : instance.inputs())
-    body_ += kArgument + (input.uniform ? input.uniform->getName().size() : ownOutput);
+bool ExpectedResult::isFirstUse(const AShaderFragmentProfile& profile) {
+  return std::exchange(last_, &profile) != &profile && profiles_.insert(&profile);
 }
 
 void ExpectedResult::addDefinition(const AShaderFragmentProfile& profile) {
-  definitions_ += kDefinition + profile.getFunctionName().size() + profile.getFunctionBody().size() +
-                  profile.predefines().size();
+  definitions_ += kDefinition + profile.getFunctionName().size() + profile.getFunctionBody().size();
   const ITextParameterList* parameters = profile.getFunctionParameters();
   if (parameters == nullptr) return;
   for (std::size_t i = 0; i < parameters->getNumInputs(); ++i)

@@ -21,7 +21,7 @@ public:
 
 private:
   static std::size_t withReserve(std::size_t length) noexcept;
-  void addCall(const FragmentInstance& instance, const FragmentProfileInstance& active);
+  bool isFirstUse(const AShaderFragmentProfile& profile);
   void addDefinition(const AShaderFragmentProfile& profile);
 
   std::size_t body_ = 0;

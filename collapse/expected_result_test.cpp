@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "sfg/shader_collapse_context.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_fragment_profile_base.h"
 #include "tests/support/test_graph.h"
@@ -91,6 +92,31 @@ TEST(ExpectedResult, CountsADefinitionForEveryUseThatHasUniforms) {
   const Room room = collapse(scene);
   EXPECT_GE(room.definitions, kLeast);
   EXPECT_LE(room.definitions, kMost);
+}
+
+TEST(ExpectedResult, CountsPredefinesOnceHoweverManyUsesHaveUniforms) {
+  TestScene scene;
+  const WString helper = L"float helper(float x) { return x * " + WString(1000, L'1') + L"; }";
+  const auto tinted = test::loadFragment(
+      L"tinted", test::functionJson(L"void tinted(float previous, out float result)\n"
+                                    L"{\nresult = previous * tint;\n}",
+                                    LR"(,"uniforms":[{"name":"tint","type":"float"}],"predefine":[")" +
+                                        helper + LR"("])"));
+  ExpectedResult one;
+  ExpectedResult two;
+  AShaderCollapseContext context;
+  for (const wchar_t* name : {L"a", L"b"}) {
+    const AShaderFragment* fragment = scene.add(*tinted, name);
+    FragmentInstance& instance = context.getFragmentInstance(fragment);
+    ASSERT_TRUE(instance.create(context, scene.language.get(), fragment));
+    if (two.numUniforms() == 0) one.add(instance);
+    two.add(instance);
+  }
+  EXPECT_EQ(one.numUniforms(), 2u);  // of the code and of the open input
+  EXPECT_EQ(two.numUniforms(), 4u);
+  EXPECT_GT(one.definitionsLength(), 1000u);
+  EXPECT_GT(two.definitionsLength(), one.definitionsLength());
+  EXPECT_LT(two.definitionsLength(), one.definitionsLength() + 1000);
 }
 
 TEST(ExpectedResult, LeavesNoRoomForCodeThatAllFunctionsShare) {

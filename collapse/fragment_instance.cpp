@@ -79,10 +79,10 @@ bool FragmentInstance::create(AShaderCollapseContext& context, const ILanguageTr
   const std::span<Input> inputs = context.arena().makeArray<Input>(fragment->getNumInputs());
   firstInput_ = inputs.data();
   numInputs_ = static_cast<std::uint32_t>(inputs.size());
-  for (std::size_t i = 0; i < fragment->getNumInputs(); ++i) {
+  for (std::size_t i = 0; i < inputs.size(); ++i) {
     // A connected input has its source's value, unless the code calls the source as a function.
     const bool isShaderInput = activeProfileInstance_ != nullptr && activeProfileInstance_->IsShaderInput(i);
-    if (!isInputFed(*fragment, i) || isShaderInput) createInputUniform(context, i);
+    if (isShaderInput || !isInputFed(*fragment, i)) createInputUniform(context, i);
   }
   return true;
 }
@@ -293,13 +293,14 @@ const WString& FragmentInstance::getActiveProfileOutput(std::size_t index) const
   return accumulates() ? extras_->accumulateOutputs[index] : activeProfileInstance_->getOutputName(index);
 }
 
-void FragmentInstance::appendActiveProfileOutput(WString& out, std::size_t index) const {
-  if (!hasActiveProfileOutput(index)) return;
+bool FragmentInstance::appendActiveProfileOutput(WString& out, std::size_t index) const {
+  if (!hasActiveProfileOutput(index)) return false;
   if (accumulates()) {
     out += extras_->accumulateOutputs[index];
   } else {
     activeProfileInstance_->appendOutputName(out, index);
   }
+  return true;
 }
 
 // Evaluation.

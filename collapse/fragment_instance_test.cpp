@@ -346,6 +346,38 @@ TEST_F(Instances, OfOwnExpressionsAreEvaluatedForEveryLight) {
   }
 }
 
+TEST_F(Instances, OfOwnExpressionsAreMadeAnewForWhatIsWrittenUnderAnotherLight) {
+  const auto profile = makeRef<LightNumberProfile>();
+  profile->setProfilename(L"default");
+  profile->languages().insert(UString(L"dx11"));
+  const auto definition = makeRef<AShaderFragment>();
+  definition->registerProfile(profile.get());
+  definition->addOutput(TypeID_float, L"result");
+  const RefPtr<IShaderFragment> light(definition->clone(L"light"));
+  scene.graph->addFragment(light.get());
+  AShaderFragment* twice = scene.addInline(L"t", L"{{a}} * 2", {L"a"});
+  AShaderFragment* lit =
+      scene.addFunction(L"n", L"void lit(float a, out float r)\n{\nr = a * sfg_currentLight.x;\n}");
+  AShaderFragment* last = scene.addFunction(L"m", L"void last(float a, out float r)\n{\nr = a;\n}");
+  ASSERT_TRUE(twice->setInputConnection(std::size_t{0}, light.get(), 0));
+  ASSERT_TRUE(lit->setInputConnection(std::size_t{0}, twice, 0));
+  ASSERT_TRUE(last->setInputConnection(std::size_t{0}, lit, 0));
+  for (const IShaderFragment* fragment :
+       {static_cast<const IShaderFragment*>(light.get()), static_cast<const IShaderFragment*>(twice),
+        static_cast<const IShaderFragment*>(lit)})
+    made(dynamic_cast<const AShaderFragment*>(fragment));
+  FragmentInstance& top = made(last);
+  for (const std::size_t index : {0u, 1u, 2u}) {
+    context.setActiveLightIndex(index);
+    EXPECT_TRUE(top.safeEvaluate(context));
+  }
+  EXPECT_EQ(body(), "    float result_m_01;\n    float result_n_01;\n"
+                    "    lit1(\n        (lights[0] * 2),\n        ,\n        result_n_01);\n"
+                    "    last1(\n        result_n_01,\n        result_m_01);\n"
+                    "    lit1(\n        (lights[1] * 2),\n        ,\n        result_n_01);\n"
+                    "    lit1(\n        (lights[2] * 2),\n        ,\n        result_n_01);\n");
+}
+
 /// An expression that is another one each time it is written.
 class CountingProfile : public AShaderFragmentProfileInline {
 public:

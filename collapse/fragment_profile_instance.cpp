@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <typeinfo>
 #include <utility>
 
@@ -19,6 +20,8 @@ namespace TolmSDK::Graphics::sfg {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 /// A lasting text that says the same, for what short names are as a rule: the profile's number. Null for
 /// others.
 const WString* findDigit(const WString& text) {
@@ -33,12 +36,22 @@ bool isInline(const AShaderFragmentProfile& profile) {
          dynamic_cast<const AShaderFragmentProfileInline*>(&profile) != nullptr;
 }
 
-void appendDeclaration(WString& out, const FragmentProfileInstance& instance, std::size_t output) {
-  out += L"    ";
-  out += instance.getOutputType(output);
+/// Nearly always one digit.
+void appendIndex(WString& out, std::size_t index) {
+  if (index < 10) {
+    out += static_cast<wchar_t>(L'0' + index);
+  } else {
+    appendDecimal(out, index);
+  }
+}
+
+void appendDeclaration(WString& out, const WString& type, const FragmentProfileInstance& instance,
+                       std::size_t output) {
+  out += L"    "sv;
+  out += type;
   out += L' ';
   instance.appendOutputName(out, output);
-  out += L";\n";
+  out += L";\n"sv;
   checkTextLength(out.size());
 }
 
@@ -57,6 +70,14 @@ bool hasOnlySymbols(const CodeSnippetInstance& code) {
     if (!code.getSymbol(i).hasInstanceKey()) return false;
   }
   return true;
+}
+
+/// From the first symbol to behind the last; places of written symbols are counted in it.
+std::wstring_view codeOf(const CodeSnippetInstance& code) {
+  if (code.getNumSymbols() == 0) return {};
+  const ScopedText first = code.getSymbol(0).getText();
+  const ScopedText last = code.getSymbol(code.getNumSymbols() - 1).getText();
+  return {first.text, static_cast<std::size_t>(last.text - first.text) + last.length};
 }
 
 /// Parameters of a profile by name: looked through for the first questions, then sorted once.
@@ -141,6 +162,10 @@ private:
   ParameterFinder inputs_;
   ParameterFinder outputs_;
 };
+
+constexpr std::size_t kLightsOfAWord = 64;
+
+std::uint64_t bitOf(std::size_t light) { return std::uint64_t{1} << (light % kLightsOfAWord); }
 
 }  // namespace
 
@@ -239,10 +264,10 @@ void FragmentProfileInstance::appendOutputName(WString& out, std::size_t index) 
     out += extras_->outputNames[index];
     return;
   }
-  out += L"result_";
+  out += L"result_"sv;
   out += fragment_->instanceName();
   out += L'_';
-  appendDecimal(out, index);
+  appendIndex(out, index);
   out += *profileShortname_;
 }
 
@@ -309,7 +334,7 @@ bool FragmentProfileInstance::declareOutputs(WString& out) {
   if (outputsDeclared_) return true;
   outputsDeclared_ = true;
   for (std::size_t i = 0; i < numOutputs_; ++i) {
-    if (!getOutputType(i).empty()) appendDeclaration(out, *this, i);
+    if (const WString& type = getOutputType(i); !type.empty()) appendDeclaration(out, type, *this, i);
   }
   return true;
 }
@@ -319,9 +344,10 @@ bool FragmentProfileInstance::declareUnspecifiedOutputs(WString& out, Array<WStr
   if (outputsDeclared_) return true;
   outputsDeclared_ = true;
   for (std::size_t i = 0; i < numOutputs_; ++i) {
-    if (getOutputType(i).empty()) return false;
+    const WString& type = getOutputType(i);
+    if (type.empty()) return false;
     if (!outputValues[i].empty()) continue;
-    appendDeclaration(out, *this, i);
+    appendDeclaration(out, type, *this, i);
     appendOutputName(outputValues[i], i);
   }
   return true;
@@ -407,7 +433,8 @@ bool FragmentProfileInstance::GetShaderFunctions(std::size_t inputIndex, Array<B
 }
 
 bool FragmentProfileInstance::IsShaderInput(std::size_t inputIndex) const {
-  const ITextParameterList* parameters = profile_ ? profile_->getFunctionParameters() : nullptr;
+  if (!profile_ || !profile_->hasShaderFunctions()) return false;
+  const ITextParameterList* parameters = profile_->getFunctionParameters();
   if (parameters == nullptr || inputIndex >= parameters->getNumInputs()) return false;
   return profile_->hasShaderFunctions(parameters->getInputName(inputIndex));
 }
@@ -430,6 +457,8 @@ bool FragmentProfileInstance::writeRequirements(AShaderFragmentProfile* target,
     KeywordReplacePattern* const own = findKeywordReplacePattern();
     context.writePredefine(predefines, calls, own != nullptr ? *own : renames);
     if (!renames.empty()) getKeywordReplacePattern() = std::move(renames);
+    if (ICollapseObserver* const observer = context.observer())
+      observer->onPredefines(*this, codeOf(predefines), context.writtenSymbols());
   }
 
   if (target != nullptr) {
@@ -455,6 +484,8 @@ bool FragmentProfileInstance::writeDefinition(AShaderCollapseContext& context) {
   KeywordReplacePattern calls;
   addCalls(calls, profile_->getBodyBuiltinFunctions(), getBuiltinFunctionValueInBody());
   context.writeDefinition(definition, calls, *this);
+  if (ICollapseObserver* const observer = context.observer())
+    observer->onDefinition(*this, codeOf(definition), context.writtenSymbols());
   if (isShared && hasOnlySymbols(definition)) context.rememberWrittenDefinition(*this);
   return true;
 }
@@ -476,16 +507,21 @@ void FragmentProfileInstance::appendDefinitionKey(WString& key) const {
   }
 }
 
+bool FragmentProfileInstance::isCallWritten(std::size_t light) const {
+  if (!extras_) return false;
+  const auto word = extras_->callWrittenForLights.find(light / kLightsOfAWord);
+  return word != extras_->callWrittenForLights.end() && (word->second & bitOf(light)) != 0;
+}
+
 bool FragmentProfileInstance::mustWriteCall(const AShaderCollapseContext& context) {
   // Inside a shader-function call everything is written, and counts for nothing outside.
   if (inShaderFunctionCall_) return true;
   if (requiresCurrentLight_) {
     const std::size_t light = context.getActiveLightIndex();
     checkTextLength(light);  // so many lights cannot be written
-    Array<bool>& isWritten = extras().callWrittenForLight;
-    if (isWritten.size() <= light) isWritten.resize(light + 1, false);
-    if (isWritten[light]) return false;
-    isWritten[light] = true;
+    std::uint64_t& written = extras().callWrittenForLights[light / kLightsOfAWord];
+    if ((written & bitOf(light)) != 0) return false;
+    written |= bitOf(light);
   } else if (callWritten_ && !isInlineProfile_) {
     return false;
   }
@@ -498,7 +534,13 @@ bool FragmentProfileInstance::writeFunctionCall(WString& out, AShaderCollapseCon
                                                 const Array<WString>& outputValues) {
   if (!mustWriteCall(context)) return true;
   if (!profile_) return true;
-  return profile_->writeFunctionCall(out, context, *this, inputValues, outputValues);
+  const std::size_t begin = out.size();
+  if (!profile_->writeFunctionCall(out, context, *this, inputValues, outputValues)) return false;
+  if (ICollapseObserver* const observer = context.observer()) {
+    const WString& body = std::as_const(*context.getResultProfile()).getFunctionBody();
+    observer->onCall(*this, inputValues, std::wstring_view(out).substr(begin), body.size());
+  }
+  return true;
 }
 
 }  // namespace TolmSDK::Graphics::sfg

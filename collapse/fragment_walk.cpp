@@ -1,6 +1,7 @@
 #include "collapse/fragment_walk.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <typeinfo>
 #include <utility>
 
@@ -14,17 +15,13 @@ namespace {
 /// Characters that the values of one visit may hold to be kept for the next.
 constexpr std::size_t kLargestSpare = 4096;
 
+/// Epochs that are kept when they are left. Each holds what is known of every instance.
+constexpr std::size_t kLeftEpochs = 8;
+
 /// Whether the value is an expression that a host's own class writes, which may be another one at every use.
 bool isOwnExpression(const FragmentProfileInstance& instance) {
   const AShaderFragmentProfile& profile = *instance.getProfile();
   return instance.isInlineProfile() && typeid(profile) != typeid(AShaderFragmentProfileInline);
-}
-
-bool callsSources(const FragmentInstance& instance) {
-  const std::size_t inputs = instance.getShaderFragment()->getInputConnections().size();
-  for (std::size_t i = 0; i < inputs; ++i)
-    if (instance.getActiveProfileInstance()->IsShaderInput(i)) return true;
-  return false;
 }
 
 std::size_t totalCapacity(const Array<WString>& texts) {
@@ -63,6 +60,7 @@ private:
 
 bool FragmentWalk::evaluate(FragmentInstance& instance) {
   if (!context_.admit(instance)) return false;
+  updatePending();
   if (!isEvaluated(instance)) return run(evaluationOf(instance));
   if (writesAgain(instance) && !run(repetitionOf(instance))) return false;
   return !isOutdatedExpression(instance) || run(rewritingOf(instance));
@@ -92,24 +90,19 @@ bool FragmentWalk::appendInputValues(const FragmentInstance& instance, Array<WSt
 // What makes second visits write.
 
 void FragmentWalk::startEpoch() noexcept {
-  ++epoch_;
-  time_ = 0;
-  hasOwnExpressions_ = false;
-  laterWriters_.clear();
-  pending_.clear();
-  isPendingKnown_ = true;
+  left_.clear();
+  beginEpoch();
 }
 
 void FragmentWalk::startLight() noexcept {
   isLightUsed_ = false;
   isPendingKnown_ = false;
-  if (hasOwnExpressions_) startEpoch();
 }
 
 /// An expression that reads the light is made once for each light, under whatever choice that is.
 void FragmentWalk::startChoice() noexcept {
   isPendingKnown_ = false;
-  if (hasOwnExpressions_ || isLightUsed_) startEpoch();
+  if (isLightUsed_) startEpoch();
 }
 
 void FragmentWalk::startProfile(const FragmentInstance& instance) {
@@ -118,44 +111,53 @@ void FragmentWalk::startProfile(const FragmentInstance& instance) {
   isPendingKnown_ = false;
   laterWriters_.changeProfile();
   record.epoch = 0;
-  if (record.isUnderWay || record.isUsed) startEpoch();
+  left_.clear();
+  const bool isCalled = laterWriters_.findFirstCall(instance) != nullptr;
+  if (record.isUnderWay || record.isUsed || isCalled) startEpoch();
 }
 
 // The stack.
 
-bool FragmentWalk::run(Visit first) {
+template <class AnyVisit>
+bool FragmentWalk::run(AnyVisit first) {
   const Run scope(*this);
   if (!enter(std::move(first))) return false;
   while (!scope.isDone()) {
-    const Step step = std::visit([this](auto& visit) { return advance(visit); }, stack_.back());
+    const Step step = advance();
     if (step == Step::failed) return false;
     if (step == Step::done) leave();
   }
   return true;
 }
 
-bool FragmentWalk::enter(Visit visit) {
+template <class AnyVisit>
+bool FragmentWalk::enter(AnyVisit visit) {
   ++visits_;
-  if (!std::visit([this](auto& entered) { return begin(entered); }, visit)) return false;
-  setUnderWay(visit, true);
-  stack_.push_back(std::move(visit));
+  if (!begin(visit)) return false;
+  const FragmentInstance* written = nullptr;
+  if constexpr (std::is_base_of_v<InputValues, AnyVisit>) written = visit.written;
+  stack_.emplace_back(std::move(visit));
+  // A writer may ask for the inputs of the instance that it writes, but not for the instance.
+  if (written != nullptr) recordOf(*written).isUnderWay = true;
   return true;
 }
 
+FragmentWalk::Step FragmentWalk::advance() {
+  return std::visit([this](auto& visit) { return advance(visit); }, stack_.back());
+}
+
 void FragmentWalk::leave() {
-  setUnderWay(stack_.back(), false);
-  giveBackTexts(stack_.back());
+  std::visit([this](auto& visit) { leave(visit); }, stack_.back());
   stack_.pop_back();
 }
 
-/// A writer may ask for the inputs of the instance that it writes, but not for the instance.
-void FragmentWalk::setUnderWay(const Visit& visit, bool isUnderWay) {
-  std::visit(
-      [&](const auto& entered) {
-        if constexpr (requires { entered.written; })
-          if (entered.written != nullptr) recordOf(*entered.written).isUnderWay = isUnderWay;
-      },
-      visit);
+template <class AnyVisit>
+void FragmentWalk::leave(AnyVisit& visit) {
+  if constexpr (std::is_base_of_v<Findings, AnyVisit>) repeats_.resize(visit.firstRepeat);
+  if constexpr (std::is_base_of_v<InputValues, AnyVisit>) {
+    if (visit.written != nullptr) recordOf(*visit.written).isUnderWay = false;
+    giveBackTexts(visit);
+  }
 }
 
 bool FragmentWalk::canVisit(const InputValues& visit) {
@@ -176,6 +178,7 @@ bool FragmentWalk::begin(Evaluation& visit) {
 bool FragmentWalk::begin(ShaderCall& visit) {
   if (!canVisit(visit)) return false;
   start(visit);
+  visit.isFirst = laterWriters_.addCalled(*visit.written, visit.start);
   // An expression has no function to call.
   return !visit.written->getActiveProfileInstance()->isInlineProfile() &&
          writer_.declareOutputs(*visit.written);
@@ -187,6 +190,7 @@ bool FragmentWalk::begin(Collection& visit) {
 }
 
 void FragmentWalk::start(Findings& findings) {
+  findings.firstRepeat = static_cast<std::uint32_t>(repeats_.size());
   findings.epoch = epoch_;
   findings.start = findings.first = ++time_;
 }
@@ -212,16 +216,12 @@ template <class WalkingVisit>
 FragmentWalk::Step FragmentWalk::visitSource(WalkingVisit& visit) {
   if (visit.source == nullptr) {
     visit.source = findSource(*visit.instance, visit.next);
-    if (visit.source == nullptr || !context_.admit(*visit.source)) return Step::failed;
+    if (visit.source == nullptr) return Step::failed;
     FragmentInstance& source = *visit.source;
     visit.asked = time_;
     recordOf(source).isUsed = true;
     visit.isCalled = visit.instance->getActiveProfileInstance()->IsShaderInput(visit.next);
-    if (visit.isCalled) {
-      noteCall(*visit.instance);
-      noteCall(source);
-      return stepInto(shaderCallOf(*visit.instance, source, visit.next));
-    }
+    if (visit.isCalled) return stepInto(shaderCallOf(*visit.instance, source, visit.next));
     if (!isEvaluated(source)) return stepInto(evaluationOf(source));
     if (writesAgain(source)) return stepInto(repetitionOf(source));
   }
@@ -230,11 +230,14 @@ FragmentWalk::Step FragmentWalk::visitSource(WalkingVisit& visit) {
 }
 
 FragmentWalk::Step FragmentWalk::visitSource(Rewriting& visit) {
+  if (visit.source != nullptr) return Step::done;
   visit.source = findSource(*visit.instance, visit.next);
   if (visit.source == nullptr) return Step::failed;
+  FragmentInstance& source = *visit.source;
   visit.isCalled = visit.instance->getActiveProfileInstance()->IsShaderInput(visit.next);
-  if (!visit.isCalled && isOutdatedExpression(*visit.source)) return stepInto(rewritingOf(*visit.source));
-  return Step::done;
+  if (visit.isCalled) return Step::done;
+  const bool isMadeAnew = recordOf(source).changesAtEveryUse || isOutdatedExpression(source);
+  return isMadeAnew ? stepInto(rewritingOf(source)) : Step::done;
 }
 
 bool FragmentWalk::takeInputValue(InputValues& visit) {
@@ -252,9 +255,10 @@ template <class WalkingVisit>
 void FragmentWalk::noteSource(WalkingVisit& visit) {
   Findings& findings = visit;
   if (visit.isCalled) {
+    noteCall(visit);
     findings.first = std::min(findings.first, finishedCall_.first);
     if (finishedCall_.writesAgain)
-      findings.repeats.push_back({RepeatLists::kEmpty, visit.instance, visit.next, finishedCall_.start});
+      repeats_.push_back({RepeatLists::kEmpty, visit.instance, visit.next, finishedCall_.start});
     return;
   }
   const Record& source = recordOf(*visit.source);
@@ -262,8 +266,28 @@ void FragmentWalk::noteSource(WalkingVisit& visit) {
   if (source.changesAtEveryUse) findings.changesAtEveryUse = true;
   if (source.repeats == RepeatLists::kEmpty) return;
   const bool isFirstVisit = source.start > visit.asked;
-  findings.repeats.push_back(isFirstVisit ? RepeatLists::Item{source.repeats, nullptr, 0, 0}
-                                          : lists_.again(source.repeats, time_));
+  repeats_.push_back(isFirstVisit ? RepeatLists::Item{source.repeats, nullptr, 0, 0}
+                                  : lists_.again(source.repeats, time_));
+}
+
+void FragmentWalk::noteSource(Rewriting& visit) {
+  if (!visit.isCalled && recordOf(*visit.source).changesAtEveryUse) visit.changesAtEveryUse = true;
+}
+
+// What an epoch's first visits of a caller find out holds for all.
+
+void FragmentWalk::noteCall(const Evaluation& visit) {
+  const bool isFirst = visit.epoch == epoch_ && !isVisited(*visit.instance);
+  if (isFirst) laterWriters_.addCall(*visit.source, finishedCall(visit, true));
+}
+
+void FragmentWalk::noteCall(const ShaderCall& visit) {
+  if (visit.isFirst && visit.epoch == epoch_)
+    laterWriters_.addCall(*visit.source, finishedCall(visit, false));
+}
+
+LaterWriters::Call FragmentWalk::finishedCall(const InputValues& visit, bool isInEvaluation) const {
+  return {visit.written, visit.next, finishedCall_.start, finishedCall_.writesAgain, isInEvaluation};
 }
 
 FragmentWalk::Step FragmentWalk::advance(Repetition& visit) {
@@ -290,10 +314,15 @@ FragmentWalk::Step FragmentWalk::advance(Repetition& visit) {
 /// The next of what is pending in that time.
 FragmentWalk::Step FragmentWalk::writePending(std::uint32_t from, std::uint32_t to) {
   for (std::size_t i = pending_.findFirst(from, to); i != kNotFound; i = pending_.findFirst(from, to)) {
-    FragmentInstance& instance = *pending_[i].instance;
-    const bool isDeclaration = pending_[i].isDeclaration;
+    const PendingWrites::Write write = pending_[i];
+    FragmentInstance& instance = *write.instance;
     pending_.remove(i);
-    if (!isDeclaration) return stepInto(rewritingOf(instance));
+    if (isDone(write)) continue;
+    if (write.awaitedBy != nullptr) {
+      FragmentInstance* source = findSource(instance, write.input);
+      return source != nullptr ? stepInto(shaderCallOf(instance, *source, write.input)) : Step::failed;
+    }
+    if (!write.isDeclaration) return stepInto(rewritingOf(instance));
     ++visits_;
     if (!writer_.declareOutputs(instance)) return Step::failed;
   }
@@ -313,7 +342,9 @@ bool FragmentWalk::finish(ShaderCall& visit) {
   const std::size_t allocated = context_.getShaderInputTypes().size();
   if (!writer_.writeShaderFunction(*visit.written, visit.values, *visit.uses)) return false;
   const bool allocates = context_.getShaderInputTypes().size() != allocated;
-  finishedCall_ = {allocates || !visit.repeats.empty(), visit.start, visit.first};
+  const LaterWriters::Call* first = laterWriters_.findFirstCall(*visit.written);
+  finishedCall_ = {allocates || !repeatsOf(visit).empty(), visit.start,
+                   first != nullptr ? std::min(visit.first, first->time) : visit.first};
   return true;
 }
 
@@ -324,24 +355,27 @@ bool FragmentWalk::finish(Collection& visit) {
 
 bool FragmentWalk::finish(Rewriting& visit) {
   if (!writer_.write(*visit.written, visit.values)) return false;
-  recordOf(*visit.written).choice = profiles_.number();
+  const FragmentProfileInstance& active = *visit.written->getActiveProfileInstance();
+  recordOf(*visit.written).changesAtEveryUse =
+      active.isInlineProfile() && (visit.changesAtEveryUse || isOwnExpression(active));
+  choiceOf(*visit.written) = profiles_.number();
   return true;
 }
 
 void FragmentWalk::noteEvaluation(const Evaluation& visit) {
   const FragmentProfileInstance& active = *visit.written->getActiveProfileInstance();
   Record& record = recordOf(*visit.written);
-  record.choice = profiles_.number();
+  choiceOf(*visit.written) = profiles_.number();
   record.changesAtEveryUse = active.isInlineProfile() && (visit.changesAtEveryUse || isOwnExpression(active));
-  record.repeats = lists_.add(visit.repeats);
-  if (record.changesAtEveryUse) hasOwnExpressions_ = true;
+  // Its place is that of the first visit.
+  if (record.epoch == epoch_) return;
+  record.repeats = lists_.add(repeatsOf(visit));
   // What changed on the way may concern what was visited before.
-  const bool isFirst = record.epoch != epoch_;
   record.epoch = visit.epoch;
   record.start = visit.start;
   record.first = visit.first;
   record.end = ++time_;
-  if (isFirst && record.epoch == epoch_) laterWriters_.add(*visit.written);
+  if (record.epoch == epoch_) laterWriters_.add(*visit.written);
 }
 
 // What is known.
@@ -353,10 +387,23 @@ bool FragmentWalk::isEvaluated(const FragmentInstance& instance) {
   updatePending();
   // What feeds it and was visited before it has been written by now, unless the order is another one this
   // time.
-  const Record& record = recordOf(instance);
-  if (record.first < record.start && pending_.findFirst(record.first, record.start - 1) != kNotFound)
-    startEpoch();
-  return record.epoch == epoch_;
+  if (hasPendingSources(recordOf(instance))) startEpoch();
+  return recordOf(instance).epoch == epoch_;
+}
+
+bool FragmentWalk::hasPendingSources(const Record& record) {
+  if (record.first == record.start) return false;
+  for (;;) {
+    const std::size_t found = pending_.findFirst(record.first, record.start - 1);
+    if (found == kNotFound) return false;
+    if (!isDone(pending_[found])) return true;
+    pending_.remove(found);
+  }
+}
+
+/// Whether another visit has made what the definition waited for.
+bool FragmentWalk::isDone(const PendingWrites::Write& write) {
+  return write.awaitedBy != nullptr && write.awaitedBy->getActiveProfileInstance()->isDefinitionWritten();
 }
 
 bool FragmentWalk::writesAgain(const FragmentInstance& instance) {
@@ -366,50 +413,104 @@ bool FragmentWalk::writesAgain(const FragmentInstance& instance) {
 
 bool FragmentWalk::isOutdatedExpression(const FragmentInstance& source) {
   const FragmentProfileInstance* active = source.getActiveProfileInstance();
-  return active != nullptr && active->isInlineProfile() && recordOf(source).choice != profiles_.number();
+  return active != nullptr && active->isInlineProfile() && choiceOf(source) != profiles_.number();
 }
 
-void FragmentWalk::noteCall(const FragmentInstance& instance) {
-  Record& record = recordOf(instance);
-  if (record.callEpoch == epoch_) return;
-  record.callEpoch = epoch_;
-  laterWriters_.addCall(instance);
-}
-
-/// Finds out what is pending for the active light and the choice in force. Where that cannot be told a new
+/// Finds out what is pending for the active light and the choice in force. Where that cannot be told another
 /// epoch begins.
 void FragmentWalk::updatePending() {
-  if (std::exchange(isPendingKnown_, true)) return;
-  Array<PendingWrites::Write> writes;
-  auto& writers =
-      laterWriters_.find([this](const FragmentInstance& instance) { return isVisited(instance); });
-  bool isKnown = writers.keepsCalls;
-  std::erase_if(writers.instances, [&](FragmentInstance* instance) {
-    bool isDone = false;
-    isKnown = isKnown && addPending(writes, *instance, isDone);
-    return isDone;
-  });
-  if (isKnown)
-    pending_.assign(std::move(writes));
-  else
+  if (std::exchange(isPendingKnown_, true) || findPending()) return;
+  // What is under way belongs to the epoch.
+  if (runs_ != 0) {
     startEpoch();
+  } else if (!returnToEpoch()) {
+    leaveEpoch();
+  }
 }
 
-/// False when the instance has no profile, or one that calls its sources and did not in this epoch. Tells
-/// whether it will never write again.
-bool FragmentWalk::addPending(Array<PendingWrites::Write>& writes, FragmentInstance& instance, bool& isDone) {
+/// False when it cannot be told.
+bool FragmentWalk::findPending() {
+  const auto isEvaluated = [this](const FragmentInstance& instance) { return isVisited(instance); };
+  auto& writers = laterWriters_.find(isEvaluated);
+  if (!writers.keepsCalls) return false;
+  Array<PendingWrites::Write> writes;
+  bool isKnown = true;
+  std::erase_if(writers.instances, [&](FragmentInstance* instance) {
+    isKnown = isKnown && addPending(writes, *instance);
+    return LaterWriters::isDone(*instance, isVisited(*instance));
+  });
+  if (isKnown) pending_.assign(std::move(writes));
+  return isKnown;
+}
+
+/// False when the instance has no profile, or is called by nobody knows whom.
+bool FragmentWalk::addPending(Array<PendingWrites::Write>& writes, FragmentInstance& instance) {
   const FragmentProfileInstance* active = instance.getActiveProfileInstance();
   if (active == nullptr) return false;
-  const Record& record = recordOf(instance);
-  if (!isVisited(instance)) return true;
-  if (record.callEpoch != epoch_ && callsSources(instance)) return false;
-  const bool isWritten = active->isCallWritten();
-  if (!isWritten) writes.push_back({record.start, &instance, true});
-  const bool isPending =
-      !isWritten || (active->writesForEveryLight() && !active->isCallWritten(context_.getActiveLightIndex()));
-  if (isPending) writes.push_back({record.end, &instance, false});
-  isDone = isWritten && !active->writesForEveryLight();
+  if (isVisited(instance)) {
+    const Record& record = recordOf(instance);
+    const bool isWritten = active->isCallWritten();
+    if (!isWritten) {
+      writes.push_back({record.start, &instance, true});
+      laterWriters_.forEachCall(instance, [&](const LaterWriters::Call& call) {
+        if (call.isInEvaluation && !active->isDefinitionWritten()) addPendingCall(writes, call, instance);
+      });
+    }
+    const bool isPending = !isWritten || (active->writesForEveryLight() &&
+                                          !active->isCallWritten(context_.getActiveLightIndex()));
+    if (isPending) writes.push_back({record.end, &instance, false});
+  }
+  const LaterWriters::Call* first = laterWriters_.findFirstCall(instance);
+  return first == nullptr || active->isDefinitionWritten() || addPendingCall(writes, *first, instance);
+}
+
+/// False when the caller is not known.
+bool FragmentWalk::addPendingCall(Array<PendingWrites::Write>& writes, const LaterWriters::Call& call,
+                                  const FragmentInstance& awaitedBy) {
+  if (call.caller == nullptr) return false;
+  if (!call.isRepeated) writes.push_back({call.time, call.caller, false, &awaitedBy, call.input});
   return true;
+}
+
+// Epochs.
+
+void FragmentWalk::beginEpoch() noexcept {
+  epoch_ = ++lastEpoch_;
+  time_ = 0;
+  laterWriters_.clear();
+  pending_.clear();
+  isPendingKnown_ = true;
+}
+
+void FragmentWalk::swapWith(LeftEpoch& left) noexcept {
+  std::swap(epoch_, left.epoch);
+  std::swap(time_, left.time);
+  std::swap(listsEpoch_, left.listsEpoch);
+  std::swap(records_, left.records);
+  std::swap(lists_, left.lists);
+  std::swap(laterWriters_, left.laterWriters);
+}
+
+/// False when the instances call in none of the epochs that were left as they do now.
+bool FragmentWalk::returnToEpoch() {
+  for (std::size_t i = left_.size(); i-- != 0;) {
+    swapWith(*left_[i]);
+    if (findPending()) {
+      std::rotate(left_.begin() + static_cast<std::ptrdiff_t>(i),
+                  left_.begin() + static_cast<std::ptrdiff_t>(i) + 1, left_.end());
+      return true;
+    }
+    swapWith(*left_[i]);
+  }
+  return false;
+}
+
+/// Begins a new epoch. This one is kept, and the one left longest ago forgotten when they are many.
+void FragmentWalk::leaveEpoch() {
+  if (left_.size() == kLeftEpochs) left_.erase(left_.begin());
+  left_.push_back(std::make_unique<LeftEpoch>(LeftEpoch{0, 0, 0, {}, {}, LaterWriters(profiles_)}));
+  swapWith(*left_.back());
+  beginEpoch();
 }
 
 // Parts of the above.
@@ -449,14 +550,23 @@ FragmentInstance* FragmentWalk::findSource(const FragmentInstance& instance, std
   return fragment != nullptr ? &context_.getFragmentInstance(fragment) : nullptr;
 }
 
-/// Of an instance that the context has admitted.
-FragmentWalk::Record& FragmentWalk::recordOf(const FragmentInstance& instance) {
+/// Up to that of an instance.
+void FragmentWalk::makeRecords(const FragmentInstance& last) {
+  if (records_.empty()) records_.reserve(profiles_.countInstances() + 1);
+  records_.resize(last.getNumber() + std::size_t{1});
+}
+
+std::span<const RepeatLists::Item> FragmentWalk::repeatsOf(const Findings& findings) const {
+  return std::span(repeats_).subspan(findings.firstRepeat);
+}
+
+std::uint32_t& FragmentWalk::choiceOf(const FragmentInstance& instance) {
   const std::uint32_t number = instance.getNumber();
-  if (records_.size() <= number) {
-    if (records_.empty()) records_.reserve(profiles_.countInstances() + 1);
-    records_.resize(number + std::size_t{1});
+  if (choices_.size() <= number) {
+    if (choices_.empty()) choices_.reserve(profiles_.countInstances() + 1);
+    choices_.resize(number + std::size_t{1});
   }
-  return records_[number];
+  return choices_[number];
 }
 
 /// The values of a visit are written into the texts of one that is done, which have their memory already.
@@ -469,14 +579,9 @@ void FragmentWalk::takeSpareTexts(InputValues& visit) {
 }
 
 /// Long expressions are not kept.
-void FragmentWalk::giveBackTexts(Visit& visit) {
-  std::visit(
-      [this](auto& left) {
-        if constexpr (requires { left.values; })
-          if (!left.values.empty() && totalCapacity(left.values) <= kLargestSpare)
-            spareTexts_.push_back(std::move(left.values));
-      },
-      visit);
+void FragmentWalk::giveBackTexts(InputValues& visit) {
+  if (!visit.values.empty() && totalCapacity(visit.values) <= kLargestSpare)
+    spareTexts_.push_back(std::move(visit.values));
 }
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -6,8 +6,10 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <span>
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "collapse/call_writer.h"
 #include "collapse/later_writers.h"
@@ -40,8 +42,12 @@ class AShaderCollapseContext;
 /// - An inline expression writes no text of its own. Its value is made again when another choice of profiles
 ///   may have changed it and somebody writes it.
 ///
-/// All this holds as long as instances keep their connections and those that call or are called keep their
-/// profiles. Such a period is an *epoch*; in a new one every instance is visited again.
+/// - A pending instance that calls sources as functions calls them first, each at the time of the first call.
+///   So does the first caller of a function that has another profile.
+///
+/// All this holds as long as instances keep their connections and call the same inputs. Such a period is an
+/// *epoch*; in a new one every instance is visited again. When a choice of profiles makes them call others,
+/// the epoch is left, and comes back with a choice under which they call as they did in it.
 class FragmentWalk {
 public:
   FragmentWalk(AShaderCollapseContext& context, SurfaceProfiles& profiles)
@@ -74,9 +80,7 @@ private:
     std::uint32_t epoch = 0;  // of its evaluation, which was from `start` to `end`
     std::uint32_t start = 0;
     std::uint32_t end = 0;
-    std::uint32_t first = 0;      // start of what feeds it and was evaluated first
-    std::uint32_t choice = 0;     // of profiles, under which its expression was made
-    std::uint32_t callEpoch = 0;  // in which it called or was called
+    std::uint32_t first = 0;  // start of what feeds it and was evaluated first
     bool isUnderWay = false;
     bool isUsed = false;             // by the evaluation of another one
     bool changesAtEveryUse = false;  // an expression of a host's own class, or one that holds such a one
@@ -93,15 +97,15 @@ private:
   struct InputValues {
     const FragmentInstance* instance = nullptr;
     FragmentInstance* written = nullptr;  // the same, unless its inputs are all that is asked for
-    std::size_t next = 0;                 // input
-    FragmentInstance* source = nullptr;   // of that input, once it is found
-    bool isCalled = false;                // is that source
-    std::uint32_t asked = 0;              // the time when it was found
+    FragmentInstance* source = nullptr;   // of the next input, once it is found
     Array<WString> values;
+    std::uint32_t next = 0;   // input
+    std::uint32_t asked = 0;  // the time when its source was found
+    bool isCalled = false;    // is that source
   };
-  /// What a walk over the sources finds out.
+  /// What a walk over the sources finds out. Its repeats are those of the walk from `firstRepeat` on.
   struct Findings {
-    Array<RepeatLists::Item> repeats;
+    std::uint32_t firstRepeat = 0;
     std::uint32_t epoch = 0;
     std::uint32_t start = 0;
     std::uint32_t first = 0;
@@ -115,13 +119,16 @@ private:
   /// Evaluates an instance as the function that its consumer calls.
   struct ShaderCall : InputValues, Findings {
     std::unique_ptr<ShaderUses> uses;  // few instances are called, but many visits are under way
+    bool isFirst = false;              // call of the instance in its epoch
   };
   /// Evaluates the sources of an instance and hands over the values of its inputs.
   struct Collection : InputValues, Findings {
     Array<WString>* out = nullptr;
   };
   /// Writes an instance whose sources are evaluated.
-  struct Rewriting : InputValues {};
+  struct Rewriting : InputValues {
+    bool changesAtEveryUse = false;
+  };
   /// Redoes a repeat list. That of an evaluated instance also writes what is pending below it.
   struct Repetition {
     RepeatLists::Number list = RepeatLists::kEmpty;
@@ -134,6 +141,16 @@ private:
   using Visit = std::variant<Evaluation, ShaderCall, Collection, Rewriting, Repetition>;
   using Visits = std::deque<Visit, StlAllocator<Visit>>;
 
+  /// What is known of an epoch that was left.
+  struct LeftEpoch {
+    std::uint32_t epoch;
+    std::uint32_t time;
+    std::uint32_t listsEpoch;
+    Array<Record> records;
+    RepeatLists lists;
+    LaterWriters laterWriters;
+  };
+
   enum class Step { done, entered, failed };
   class Run;
 
@@ -143,12 +160,19 @@ private:
   Repetition repetitionOf(FragmentInstance& instance);
 
   // The stack.
-  bool run(Visit first);
-  bool enter(Visit visit);
-  Step stepInto(Visit visit) { return enter(std::move(visit)) ? Step::entered : Step::failed; }
+  template <class AnyVisit>
+  bool run(AnyVisit first);
+  template <class AnyVisit>
+  bool enter(AnyVisit visit);
+  template <class AnyVisit>
+  Step stepInto(AnyVisit visit) {
+    return enter(std::move(visit)) ? Step::entered : Step::failed;
+  }
+  Step advance();
   void leave();
+  template <class AnyVisit>
+  void leave(AnyVisit& visit);
   bool canVisit(const InputValues& visit);
-  void setUnderWay(const Visit& visit, bool isUnderWay);
 
   // What a visit begins with.
   bool begin(Evaluation& visit);
@@ -168,7 +192,11 @@ private:
   bool takeInputValue(InputValues& visit);
   template <class WalkingVisit>
   void noteSource(WalkingVisit& visit);
-  void noteSource(Rewriting&) {}
+  void noteSource(Rewriting& visit);
+  void noteCall(const Evaluation& visit);
+  void noteCall(const ShaderCall& visit);
+  void noteCall(const Collection&) {}
+  LaterWriters::Call finishedCall(const InputValues& visit, bool isInEvaluation) const;
   Step writePending(std::uint32_t from, std::uint32_t to);
 
   // What it ends with.
@@ -180,16 +208,31 @@ private:
 
   // What is known.
   bool isEvaluated(const FragmentInstance& instance);
+  bool hasPendingSources(const Record& record);
   bool writesAgain(const FragmentInstance& instance);
   bool isOutdatedExpression(const FragmentInstance& source);
   bool isVisited(const FragmentInstance& instance) { return recordOf(instance).epoch == epoch_; }
-  void noteCall(const FragmentInstance& instance);
+  std::uint32_t& choiceOf(const FragmentInstance& instance);
   void updatePending();
-  bool addPending(Array<PendingWrites::Write>& writes, FragmentInstance& instance, bool& isDone);
+  bool findPending();
+  bool returnToEpoch();
+  void leaveEpoch();
+  void swapWith(LeftEpoch& left) noexcept;
+  void beginEpoch() noexcept;
+  bool addPending(Array<PendingWrites::Write>& writes, FragmentInstance& instance);
+  static bool addPendingCall(Array<PendingWrites::Write>& writes, const LaterWriters::Call& call,
+                             const FragmentInstance& awaitedBy);
+  static bool isDone(const PendingWrites::Write& write);
   FragmentInstance* findSource(const FragmentInstance& instance, std::size_t input) const;
-  Record& recordOf(const FragmentInstance& instance);
+  /// Of an instance that the context has admitted.
+  Record& recordOf(const FragmentInstance& instance) {
+    if (records_.size() <= instance.getNumber()) makeRecords(instance);
+    return records_[instance.getNumber()];
+  }
+  void makeRecords(const FragmentInstance& last);
+  std::span<const RepeatLists::Item> repeatsOf(const Findings& findings) const;
   void takeSpareTexts(InputValues& visit);
-  void giveBackTexts(Visit& visit);
+  void giveBackTexts(InputValues& visit);
 
   AShaderCollapseContext& context_;
   SurfaceProfiles& profiles_;
@@ -200,6 +243,7 @@ private:
   std::size_t runs_ = 0;
   std::size_t visits_ = 0;
   FinishedCall finishedCall_;
+  Array<RepeatLists::Item> repeats_;  // of the visits under way, one behind another
   Array<Array<WString>> spareTexts_;
 
   // What is known since the epoch began.
@@ -208,11 +252,14 @@ private:
   Array<Record> records_;  // by the instances' numbers
   RepeatLists lists_;
   std::uint32_t listsEpoch_ = 1;
-  bool hasOwnExpressions_ = false;
   LaterWriters laterWriters_;
   PendingWrites pending_;
   bool isPendingKnown_ = true;
   bool isLightUsed_ = false;  // something was evaluated under the active light
+
+  std::uint32_t lastEpoch_ = 1;
+  std::vector<std::unique_ptr<LeftEpoch>> left_;  // the one left last comes last
+  Array<std::uint32_t> choices_;  // by the instances' numbers: under which the expression was made last
 };
 
 }  // namespace TolmSDK::Graphics::sfg

@@ -22,6 +22,9 @@ public:
     std::uint32_t time = 0;
     FragmentInstance* instance = nullptr;
     bool isDeclaration = false;  // of its outputs; else all the rest
+    const FragmentInstance* awaitedBy =
+        nullptr;            // whose definition needs the call of the source of an input,
+    std::size_t input = 0;  // which is that one, instead
   };
 
   void assign(Array<Write> writes) {

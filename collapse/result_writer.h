@@ -28,6 +28,10 @@ public:
   void writeDefinition(const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
                        FragmentProfileInstance& instance);
 
+  /// From now on writtenSymbols() are those of the last call that wrote predefines or a definition.
+  void keepWrittenSymbols() { accumulator_.keepWritten(); }
+  const Array<WrittenSymbol>& writtenSymbols() const noexcept { return accumulator_.getWritten(); }
+
   /// Gives the function the name under which another instance wrote it; false when none did. The language
   /// names the types of state.
   bool takeWrittenDefinition(FragmentProfileInstance& instance, const ILanguageTraits* language);

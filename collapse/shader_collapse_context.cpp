@@ -71,20 +71,25 @@ void AShaderCollapseContext::giveBackRoom() {
 bool AShaderCollapseContext::createInstances(const IShaderFragment* fragment, VisitedFragments& visited) {
   struct Visit {
     const IShaderFragment* fragment;
+    std::size_t number;
     std::size_t nextInput;
   };
   Array<Visit> path;
-  if (visited.insert(fragment)) path.push_back({fragment, 0});
+  const auto enter = [&](const IShaderFragment* entered) {
+    const std::size_t number = visited.insert(entered);
+    if (number != kNotFound) path.push_back({entered, number, 0});
+  };
+  enter(fragment);
   while (!path.empty()) {
     Visit& visit = path.back();
     const Array<ShaderFragmentConnection>& connections = visit.fragment->getInputConnections();
     if (visit.nextInput < connections.size()) {
       const IShaderFragment* source = connections[visit.nextInput++].fragment;
-      if (source != nullptr && visited.insert(source)) path.push_back({source, 0});
+      if (source != nullptr) enter(source);
     } else {
       FragmentInstance* instance = createInstance(visit.fragment);
       if (instance == nullptr) return false;
-      visited.setInstance(visit.fragment, instance);
+      visited.setInstance(visit.number, instance);
       instance->setSources(visited);
       path.pop_back();
     }
@@ -179,6 +184,17 @@ bool AShaderCollapseContext::writeCode(std::wstring_view text) {
 
 bool AShaderCollapseContext::writeDeclareVariable(const wchar_t* type, const wchar_t* name) {
   return writeCodef(L"    %s %s;\n", type, name);
+}
+
+ICollapseObserver::~ICollapseObserver() = default;
+
+void AShaderCollapseContext::setObserver(ICollapseObserver* observer) {
+  observer_ = observer;
+  if (observer != nullptr) writer_->keepWrittenSymbols();
+}
+
+std::span<const WrittenSymbol> AShaderCollapseContext::writtenSymbols() const noexcept {
+  return writer_->writtenSymbols();
 }
 
 void AShaderCollapseContext::writePredefine(const WString& text) { writer_->writePredefine(text); }

@@ -6,6 +6,15 @@
 
 namespace TolmSDK::Graphics::sfg {
 
+namespace {
+
+bool isSamePort(const AParameter& a, const AParameter& b) {
+  return a.getType() == b.getType() && a.getName() == b.getName() &&
+         (a.getType() != TypeID_struct || a.getStructName() == b.getStructName());
+}
+
+}  // namespace
+
 StateVariableManager::StateVariableManager() = default;
 StateVariableManager::~StateVariableManager() = default;
 
@@ -64,12 +73,16 @@ void StateVariableManager::registerCustomStateVariable(const WString& type, cons
 
 void StateVariableManager::registerCustomStateVariables(const IShaderFragmentGraph* graph) {
   if (graph == nullptr || !language_) return;
+  const AParameter* last = nullptr;
   for (std::size_t i = 0; i < graph->getNumFragments(); ++i) {
     const IShaderFragment* fragment = graph->getFragment(i);
     if (fragment == nullptr) continue;
     for (std::size_t output = 0; output < fragment->getNumOutputs(); ++output) {
       const AParameter* parameter = fragment->getOutput(output);
       if (parameter == nullptr || !parameter->getSemantic().empty()) continue;
+      // Most fragments are uses of a few, or name their output alike.
+      if (last != nullptr && isSamePort(*last, *parameter)) continue;
+      last = parameter;
       registerCustomStateVariable(typeText(*language_, *parameter), parameter->getName());
     }
   }

@@ -126,5 +126,16 @@ TEST_F(StateVariables, OutputsWithoutASemanticAreRegistered) {
   EXPECT_EQ(parametersOf({}, {L"x", L"bound", L"ray"}), "Ray ray;float3 x;");
 }
 
+TEST_F(StateVariables, TheLastOfOutputsOfOneNameCounts) {
+  test::TestScene scene;
+  const auto bare = makeRef<AShaderFragment>();
+  const auto x = test::parameter(TypeID_float, L"x");
+  scene.addWithPorts(*bare, L"n0", {}, {x, x, test::parameter(TypeID_fvec2, L"x")});
+  scene.addWithPorts(*bare, L"n1", {}, {test::structure(L"Ray", L"ray"), test::structure(L"Beam", L"ray")});
+  scene.addWithPorts(*bare, L"n2", {}, {test::structure(L"Beam", L"y")});
+  manager.registerCustomStateVariables(scene.graph.get());
+  EXPECT_EQ(parametersOf({}, {L"x", L"ray", L"y"}), "Beam ray;float2 x;Beam y;");
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg

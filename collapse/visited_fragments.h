@@ -21,17 +21,14 @@ public:
     visited_.reserve(count);
     index_.reserve(count);
   }
-  /// False when it was visited before.
-  bool insert(const IShaderFragment* fragment) {
-    if (find(fragment) != kNotFound) return false;
+  /// Its number; the not-found value when it was visited before.
+  std::size_t insert(const IShaderFragment* fragment) {
+    if (find(fragment) != kNotFound) return kNotFound;
     visited_.push_back({fragment, nullptr});
     index_.add(hashOf(fragment), visited_.size() - 1);
-    return true;
+    return visited_.size() - 1;
   }
-  /// Of a fragment that was visited.
-  void setInstance(const IShaderFragment* fragment, FragmentInstance* instance) {
-    visited_[find(fragment)].instance = instance;
-  }
+  void setInstance(std::size_t number, FragmentInstance* instance) { visited_[number].instance = instance; }
   /// Null for a fragment without one.
   FragmentInstance* getInstance(const IShaderFragment* fragment) const {
     const std::size_t number = find(fragment);

@@ -36,11 +36,14 @@ public:
   /// The definition of those, as one to be written when it is new. Valid until the next call.
   Definition& get(const AShaderFragmentProfile* profile, const ILanguageTraits* language,
                   std::wstring_view key) {
-    const std::size_t hash = hashOf(profile, key);
-    last_ = index_.find(hash, [&](std::size_t i) {
+    const auto isSought = [&](std::size_t i) {
       const Definition& known = definitions_[i];
       return known.profile == profile && known.language == language && known.key == key;
-    });
+    };
+    // Mostly it is the one of the fragment before.
+    if (last_ < definitions_.size() && isSought(last_)) return definitions_[last_];
+    const std::size_t hash = hashOf(profile, key);
+    last_ = index_.find(hash, isSought);
     if (last_ == kNotFound) {
       last_ = definitions_.size();
       definitions_.push_back({profile, language, keys_.add(key)});

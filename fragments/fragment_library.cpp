@@ -62,7 +62,7 @@ private:
     }
     fragment->key() = name;
     library_.registerResource(name, fragment.get());
-    if (loading_.onLoaded) loading_.onLoaded(path_, node, *fragment);
+    if (loading_.onLoaded) loading_.onLoaded(node, *fragment);
   }
 
   void failFile(std::wstring_view reason) const {

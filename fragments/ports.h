@@ -43,6 +43,7 @@ inline bool isInputFed(const IShaderFragment& fragment, std::size_t input) {
   const Array<ShaderFragmentConnection>& connections = fragment.getInputConnections();
   if (input >= connections.size()) return false;
   if (connections[input].fragment != nullptr) return true;
+  if (!connections[input].isConnected()) return false;
   const IShaderFragmentGraph* graph = fragment.getOwnerGraph();
   return graph != nullptr && connections[input].index < graph->getNumInputs();
 }

@@ -7,6 +7,7 @@
 
 #include "fragments/pointer_set.h"
 #include "fragments/ports.h"
+#include "fragments/profile_levels.h"
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile_base.h"
 #include "tolmsdk/exception.h"
@@ -61,6 +62,9 @@ void AShaderFragment::clear() {
 
 // Profiles
 
+AShaderFragment::ProfileTable::ProfileTable() = default;
+AShaderFragment::ProfileTable::~ProfileTable() = default;
+
 AShaderFragment::Profiles::Profiles() : table_(std::make_shared<ProfileTable>()) {}
 
 AShaderFragment::Profiles::Profiles(const Profiles& other) : table_(other.table_) {
@@ -108,6 +112,7 @@ void AShaderFragment::Profiles::add(IShaderFragmentProfile& profile) {
 void AShaderFragment::Profiles::noteIndices() {
   const Array<IShaderFragmentProfile*>& list = table_->list;
   if (list.size() <= kShortList) return;
+  if (!table_->levels) table_->levels = std::make_unique<ProfileLevels>();
   const std::size_t first = table_->indices.empty() ? 0 : list.size() - 1;
   for (std::size_t i = first; i < list.size(); ++i) table_->indices.try_emplace(list[i], i);
 }
@@ -132,7 +137,9 @@ const IShaderFragmentProfile* AShaderFragment::findBestProfile(const WString& pr
                                                                const UString& language, float lod) const {
   const auto found = profiles_->byNameAndLanguage.find(ProfileKeyView{profileName, language.view()});
   if (found == profiles_->byNameAndLanguage.end() || found->second.empty()) return nullptr;
-  const IShaderFragmentProfile* best = nullptr;
+  const bool isLong = found->second.size() > kShortList;
+  const IShaderFragmentProfile* best = isLong ? profiles_->levels->findBest(found->second, lod) : nullptr;
+  if (best != nullptr) return best;
   float bestDistance = 0.0f;
   for (const IShaderFragmentProfile* profile : found->second) {
     const float distance = std::abs(profile->getLOD() - lod);

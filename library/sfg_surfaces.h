@@ -142,14 +142,20 @@ sfg_Light sfg_lightThroughCoat(sfg_Light light, float3 n, float3 v, float coatRo
     return below;
 }
 
+// What a clear coat reflects, 4 percent where it is seen from the front.
+float3 sfg_shadeClearCoat(sfg_Light light, float3 n, float3 v, float coatRoughness)
+{
+    float3 coatF0 = float3(0.04, 0.04, 0.04);
+    return sfg_ggxSpecular(n, light.direction, v, coatF0, coatRoughness) * sfg_lightIrradiance(light, n) +
+        sfg_ggxAlbedo(coatF0, sfg_alphaOf(coatRoughness), saturate(dot(n, v))) *
+            sfg_lightMirrored(light, reflect(-v, n), coatRoughness);
+}
+
 // Base colour, in part covered by metal flakes, under a clear coat that reflects 4 percent.
 float3 sfg_shadeCarPaint(sfg_Light light, float3 n, float3 flakeNormal, float3 v, float3 baseColor, float3 flakeColor,
     float flakeAmount, float coatRoughness)
 {
-    float3 coatF0 = float3(0.04, 0.04, 0.04);
-    float3 coat = sfg_ggxSpecular(n, light.direction, v, coatF0, coatRoughness) * sfg_lightIrradiance(light, n) +
-        sfg_ggxAlbedo(coatF0, sfg_alphaOf(coatRoughness), saturate(dot(n, v))) *
-            sfg_lightMirrored(light, reflect(-v, n), coatRoughness);
+    float3 coat = sfg_shadeClearCoat(light, n, v, coatRoughness);
     sfg_Light below = sfg_lightThroughCoat(light, n, v, coatRoughness);
     float3 base = sfg_shadeGgx(below, n, v, baseColor, 0.3, 0.5);
     float3 flakes = sfg_shadeGgx(below, flakeNormal, v, flakeColor, 1.0, 0.25);
@@ -161,13 +167,10 @@ float3 sfg_shadeCarPaint(sfg_Light light, float3 n, float3 flakeNormal, float3 v
 float3 sfg_shadeCarPaintSimple(sfg_Light light, float3 n, float3 v, float3 baseColor, float3 flakeColor,
     float flakeAmount, float coatRoughness)
 {
-    float3 coatF0 = float3(0.04, 0.04, 0.04);
-    float3 coat = sfg_ggxSpecular(n, light.direction, v, coatF0, coatRoughness) * sfg_lightIrradiance(light, n) +
-        sfg_ggxAlbedo(coatF0, sfg_alphaOf(coatRoughness), saturate(dot(n, v))) *
-            sfg_lightMirrored(light, reflect(-v, n), coatRoughness);
+    float3 coat = sfg_shadeClearCoat(light, n, v, coatRoughness);
     sfg_Light below = sfg_lightThroughCoat(light, n, v, coatRoughness);
     float share = saturate(flakeAmount);
-    float3 f0 = lerp(lerp(coatF0, baseColor, 0.3), lerp(flakeColor, 1.0, 0.24), share);
+    float3 f0 = lerp(lerp(0.04, baseColor, 0.3), lerp(flakeColor, 1.0, 0.24), share);
     return coat + sfg_shadeGgxOfView(below, n, v, f0, baseColor * (0.7 * (1.0 - share)), 0.66);
 }
 

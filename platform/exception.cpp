@@ -13,7 +13,7 @@ template <class Integer>
 void appendInteger(WString& out, Integer number) {
   char digits[24];
   const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, number);
-  out.append(digits, end.ptr);
+  for (const char* digit = digits; digit != end.ptr; ++digit) out += static_cast<wchar_t>(*digit);
 }
 
 /// A conversion at the start of a text that begins with '%': its length, 0 when it is none that we know.

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "tolmsdk/heap.h"
@@ -68,6 +69,19 @@ TEST(RefPtr, HoldsOneReferenceEach) {
     moved = moved.get();
     EXPECT_EQ(moved->referenceCount(), 2u);
     EXPECT_EQ(destroyed, 0);
+  }
+  EXPECT_EQ(destroyed, 1);
+}
+
+TEST(RefPtr, HandsItsReferenceOnToOneOfABase) {
+  int destroyed = 0;
+  RefPtr<Probe> probe = makeRef<Probe>(&destroyed);
+  const Probe* const object = probe.get();
+  {
+    const RefPtr<IRefObject const> base(std::move(probe));
+    EXPECT_FALSE(probe);
+    EXPECT_EQ(base.get(), object);
+    EXPECT_EQ(object->referenceCount(), 1u);
   }
   EXPECT_EQ(destroyed, 1);
 }

@@ -41,6 +41,8 @@ void dumpNames(const wchar_t* indent, const wchar_t* title, const Names& names, 
   for (const auto& name : names) std::wcout << indent << L"    " << text(name) << std::endl;
 }
 
+std::atomic<std::uint64_t> levelChanges{0};
+
 }  // namespace
 
 AShaderFragmentProfile::AShaderFragmentProfile(EShaderFragmentProfileMode mode)
@@ -57,6 +59,15 @@ RefPtr<AShaderFragmentProfile> AShaderFragmentProfile::loadProfile(const IObject
   return profile;
 }
 
+void AShaderFragmentProfile::setLOD(float lod) {
+  lod_ = lod;
+  if (isLevelIndexed_.load(std::memory_order_relaxed)) levelChanges.fetch_add(1, std::memory_order_relaxed);
+}
+
+std::uint64_t AShaderFragmentProfile::countLevelChanges() noexcept {
+  return levelChanges.load(std::memory_order_relaxed);
+}
+
 void AShaderFragmentProfile::clear() {
   languages_.clear();
   predefines_.clear();
@@ -70,7 +81,7 @@ void AShaderFragmentProfile::clear() {
   predefinesParsed_ = false;
   predefinesLoaded_ = false;
   functionParameters_->clear();
-  lod_ = 100.0f;
+  AShaderFragmentProfile::setLOD(100.0f);
 }
 
 bool AShaderFragmentProfile::load(const IObjectDataNode* node) {
@@ -81,7 +92,7 @@ bool AShaderFragmentProfile::load(const IObjectDataNode* node) {
   profileName_ = name == nullptr ? WString(L"default") : readString(L"name", *name);
 
   const IObjectDataNode* lod = node->member(L"lod");
-  lod_ = lod == nullptr ? 100.0f : readFloat(L"lod", *lod);
+  AShaderFragmentProfile::setLOD(lod == nullptr ? 100.0f : readFloat(L"lod", *lod));
 
   const IObjectDataNode* languages = node->member(L"language");
   if (languages == nullptr) throw Exception(L"Profile doesn't specify the language version. ");
@@ -155,14 +166,6 @@ void AShaderFragmentProfile::setFunctionBody(const WString& body) {
     viewedTexts_.push_back(functionBody_);
   hasPlainBody_ = symbol.getBuiltinFunctions().empty() && symbol.getShaderFunctions().empty() &&
                   isBalancedInBraces(*functionBody_);
-}
-
-WString& AShaderFragmentProfile::getFunctionBody() {
-  openDefinition();
-  hasPlainBody_ = false;
-  // A text that built-in calls view stays as it is: the caller gets a copy to write to.
-  if (functionBody_.use_count() > 1) functionBody_ = std::make_shared<WString>(*functionBody_);
-  return *functionBody_;
 }
 
 void AShaderFragmentProfile::replaceBodyText(const WString& body) {

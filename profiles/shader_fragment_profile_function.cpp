@@ -13,6 +13,8 @@
 
 namespace TolmSDK::Graphics::sfg {
 
+using namespace std::string_view_literals;
+
 AShaderFragmentProfileFunction::AShaderFragmentProfileFunction()
     : AShaderFragmentProfileFunction(EShaderFragmentProfileMode::Function) {}
 
@@ -69,11 +71,11 @@ bool AShaderFragmentProfileFunction::writeFunctionCall(WString& out, AShaderColl
                                                        FragmentProfileInstance& instance,
                                                        const Array<WString>& inputValues,
                                                        const Array<WString>& outputValues) const {
-  out += L"    ";
+  out += L"    "sv;
   instance.appendFunctionName(out);
   out += L'(';
   if (!appendArguments(out, 8, *this, context, inputValues, outputValues)) return false;
-  out += L");\n";
+  out += L");\n"sv;
   return true;
 }
 

@@ -103,6 +103,7 @@ struct CodeAccumulator::Impl {
   Array<std::wstring_view> key;
   Array<std::uint32_t> keyRules;
   ProtectedSpans knownCalls;
+  std::unique_ptr<Array<WrittenSymbol>> kept;  // what the call writes; null when nobody asks
 
   void append(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
               KeywordReplacePattern& renamePattern, std::wstring_view definition);
@@ -129,6 +130,10 @@ private:
   Name& generateName(std::wstring_view own);
   void write(WString& out, const CodeSnippetInstance& code, const KeywordReplacePattern& pattern,
              const KeywordReplacePattern& renamePattern, std::wstring_view definition);
+  void writeSymbol(WString& out, const ShaderSymbolInstance& symbol, const KeywordRules& keywords,
+                   const KeywordReplacePattern& pattern, const KeywordReplacePattern& renamePattern,
+                   std::wstring_view definition);
+  void keep(const CodeSnippetInstance& code, std::size_t symbol, std::size_t begin, std::size_t end);
   void findKnownCalls(const ShaderSymbolInstance& symbol);
 };
 
@@ -150,6 +155,7 @@ void CodeAccumulator::Impl::beginCall(const CodeSnippetInstance& code) {
   decisions.clear();
   keepsTexts = false;
   isKnown.assign(code.getNumSymbols(), false);
+  if (kept) kept->clear();
   for (std::size_t i = 0; i < code.getNumSymbols() && !comparesKeys; ++i)
     if (code.getSymbol(i).hasOwnKey()) compareKeys();
 }
@@ -366,34 +372,41 @@ void CodeAccumulator::Impl::write(WString& out, const CodeSnippetInstance& code,
   KeywordRules keywords;
   keywords.add(pattern);
   keywords.add(renamePattern);
+  for (std::size_t i = 0; i < code.getNumSymbols(); ++i) {
+    if (isKnown[i]) continue;
+    const std::size_t begin = out.size();
+    writeSymbol(out, code.getSymbol(i), keywords, pattern, renamePattern, definition);
+    if (kept) keep(code, i, begin, out.size());
+  }
+}
+
+void CodeAccumulator::Impl::writeSymbol(WString& out, const ShaderSymbolInstance& symbol,
+                                        const KeywordRules& keywords, const KeywordReplacePattern& pattern,
+                                        const KeywordReplacePattern& renamePattern,
+                                        std::wstring_view definition) {
+  if (!symbol.hasInstanceKey()) return appendUnchanged(out, symbol.getText());
+  knownCalls.clear();
+  if (!keywords.empty() && !definition.empty() && symbol.getType() == EShaderSymbolType::function &&
+      symbol.getName().view() == definition)
+    findKnownCalls(symbol);
   const bool hasPositional =
       !pattern.getPositionalReplacements().empty() || !renamePattern.getPositionalReplacements().empty();
-  for (std::size_t i = 0; i < code.getNumSymbols(); ++i) {
-    const ShaderSymbolInstance& symbol = code.getSymbol(i);
-    if (isKnown[i]) continue;
-    if (!symbol.hasInstanceKey()) {
-      appendUnchanged(out, symbol.getText());
-      continue;
-    }
-    knownCalls.clear();
-    if (!keywords.empty() && !definition.empty() && symbol.getType() == EShaderSymbolType::function &&
-        symbol.getName().view() == definition)
-      findKnownCalls(symbol);
-    const PositionalRules& own = symbol.getKeywordReplacePattern().getPositionalReplacements();
-    if (keywords.empty() && own.empty() && !hasPositional) {
-      appendUnchanged(out, symbol.getText());
-      continue;
-    }
-    if (!hasPositional) {
-      appendReplaced(out, symbol.getText(), keywords, own, knownCalls);
-      continue;
-    }
-    // At one span the rule of `renamePattern` wins over the symbol's, and that over the one of `pattern`.
-    PositionalRules positional = renamePattern.getPositionalReplacements();
-    positional.insert(own.begin(), own.end());
-    positional.insert(pattern.getPositionalReplacements().begin(), pattern.getPositionalReplacements().end());
-    appendReplaced(out, symbol.getText(), keywords, positional, knownCalls);
-  }
+  const PositionalRules& own = symbol.getKeywordReplacePattern().getPositionalReplacements();
+  if (keywords.empty() && own.empty() && !hasPositional) return appendUnchanged(out, symbol.getText());
+  if (!hasPositional) return appendReplaced(out, symbol.getText(), keywords, own, knownCalls);
+  // At one span the rule of `renamePattern` wins over the symbol's, and that over the one of `pattern`.
+  PositionalRules positional = renamePattern.getPositionalReplacements();
+  positional.insert(own.begin(), own.end());
+  positional.insert(pattern.getPositionalReplacements().begin(), pattern.getPositionalReplacements().end());
+  appendReplaced(out, symbol.getText(), keywords, positional, knownCalls);
+}
+
+/// Places in the code are counted from its first symbol on.
+void CodeAccumulator::Impl::keep(const CodeSnippetInstance& code, std::size_t symbol, std::size_t begin,
+                                 std::size_t end) {
+  const ScopedText text = code.getSymbol(symbol).getText();
+  const auto codeBegin = static_cast<std::size_t>(text.text - code.getSymbol(0).getText().text);
+  kept->push_back({codeBegin, codeBegin + text.length, begin, end});
 }
 
 /// The names of functions that earlier calls wrote, where a definition calls them behind its parameter list.
@@ -444,6 +457,13 @@ const WString& CodeAccumulator::Impl::getRename(const WString& name) const {
 }
 
 const WString& CodeAccumulator::getRename(const WString& name) const { return impl_->getRename(name); }
+
+void CodeAccumulator::keepWritten() { impl_->kept = std::make_unique<Array<WrittenSymbol>>(); }
+
+const Array<WrittenSymbol>& CodeAccumulator::getWritten() const noexcept {
+  static const Array<WrittenSymbol> none;
+  return impl_->kept ? *impl_->kept : none;
+}
 
 void CodeAccumulator::clear() { impl_ = std::make_unique<Impl>(); }
 

@@ -36,6 +36,7 @@ public:
         app(), "--format", {{"shader", Format::shader}, {"json", Format::json}}, format_,
         "`shader`: a complete shader; `json`: the generated function and what it needs, nothing assembled");
     declareStageOption(app(), stage_);
+    declareMeshOption(app(), mesh_);
     declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
     declareDepfileOptions(app(), depfile_);
@@ -43,7 +44,7 @@ public:
   }
 
   int run(Diagnostics& diagnostics) override {
-    checkDepfile(depfile_, output_);
+    checkOutputs(options_, {output_}, depfile_);
     host::Job job = makeJob(options_, diagnostics);
     switch (collapse(job, format_ == Format::shader, diagnostics)) {
     case Outcome::thrown: return kRefused;
@@ -56,7 +57,7 @@ public:
       writeOutput(output_, job.resultJson());
     } else {
       const std::optional<host::Shader> shader =
-          assemble(job, options_.graphFile, stage_, names_, diagnostics);
+          assemble(job, options_.graphFile, stage_, names_, mesh_, diagnostics);
       if (!shader) return kRefused;
       writeOutput(output_, shader->text);
     }
@@ -68,6 +69,7 @@ private:
   JobOptions options_;
   Format format_ = Format::shader;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
+  host::MeshLayout mesh_;
   host::NameStyle names_ = host::NameStyle::generated;
   std::string output_;
   DepfileOptions depfile_;

@@ -1,11 +1,13 @@
 #include "tools/collapse_options.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "sfg/host/errors.h"
 #include "sfg/host/suggest.h"
 #include "tools/depfile.h"
 #include "tools/output_file.h"
-
-#include "sfg/host/errors.h"
+#include "tools/standard_library.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -24,8 +26,60 @@ std::string checkFinite(const std::string& text) {
   return finite ? std::string() : "`" + text + "` is not a finite number";
 }
 
+struct MeshPart {
+  const char* name;
+  bool host::MeshLayout::*isGiven;
+};
+constexpr MeshPart kMeshParts[] = {
+    {"normal", &host::MeshLayout::normal},       {"tangent", &host::MeshLayout::tangent},
+    {"texCoord0", &host::MeshLayout::texCoord0}, {"texCoord1", &host::MeshLayout::texCoord1},
+    {"texCoord2", &host::MeshLayout::texCoord2}, {"texCoord3", &host::MeshLayout::texCoord3},
+    {"color", &host::MeshLayout::color}};
+
+/// A mesh that has just these parts; "position" goes without saying.
+host::MeshLayout meshOf(const std::vector<std::string>& parts) {
+  host::MeshLayout mesh;
+  for (const MeshPart& part : kMeshParts) mesh.*part.isGiven = false;
+  for (const std::string& name : parts) {
+    const auto* const part = std::find_if(std::begin(kMeshParts), std::end(kMeshParts),
+                                          [&](const MeshPart& known) { return name == known.name; });
+    if (part != std::end(kMeshParts)) {
+      mesh.*part->isGiven = true;
+    } else if (name != "position") {
+      throw CLI::ValidationError("--mesh", "`" + name +
+                                               "` is none of `position`, `normal`, `tangent`, `texCoord0` .. "
+                                               "`texCoord3`, `color`");
+    }
+  }
+  return mesh;
+}
+
 std::vector<std::filesystem::path> pathsOf(const std::vector<std::string>& folders) {
   return {folders.begin(), folders.end()};
+}
+
+void tellFolders(const char* what, const std::vector<std::filesystem::path>& folders,
+                 Diagnostics& diagnostics) {
+  for (const std::filesystem::path& folder : folders) {
+    diagnostics.note(std::string(), std::string(what) + " are read from `" + folder.string() + "`",
+                     "folders-read");
+  }
+}
+
+bool isWanted(const DepfileOptions& options) { return options.wanted || !options.file.empty(); }
+
+std::string fileOf(const DepfileOptions& options, const std::string& output) {
+  return options.file.empty() ? output + ".d" : options.file;
+}
+
+void addFiles(std::vector<std::string>& files, const std::vector<std::string>& folders,
+              const char* extension) {
+  for (const std::string& folder : folders) {
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+      if (entry.path().extension() == extension) files.push_back(entry.path().string());
+    }
+  }
 }
 
 }  // namespace
@@ -43,6 +97,9 @@ void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
   app.add_option("--language", options.language, "language to generate")
       ->type_name("NAME")
       ->capture_default_str();
+  app.add_flag("--no-standard-library", options.withoutStandard,
+               "leave out the fragments and include files that are installed with the command");
+  app.add_flag("-v,--verbose", options.verbose, "say which folders are read");
   declareChoice<Detail>(
       app, "--diagnostics", {{"auto", Detail::standard}, {"short", Detail::brief}, {"full", Detail::full}},
       options.detail,
@@ -53,8 +110,13 @@ void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
                                                       Diagnostics& diagnostics) {
   diagnostics.setDetail(options.detail);
-  auto libraries = host::LibrarySet::load({pathsOf(options.libraryFolders), pathsOf(options.includeFolders)},
-                                          options.language);
+  host::LibraryFolders folders{pathsOf(options.libraryFolders), pathsOf(options.includeFolders)};
+  if (!options.withoutStandard) addStandardLibrary(folders, findStandardLibrary());
+  if (options.verbose) {
+    tellFolders("fragments", folders.libraries, diagnostics);
+    tellFolders("include files", folders.includes, diagnostics);
+  }
+  auto libraries = host::LibrarySet::load(folders, options.language);
   diagnostics.show(libraries->problems());
   return libraries;
 }
@@ -101,8 +163,23 @@ host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics) {
 
 void declareStageOption(CLI::App& app, host::ShaderStage& stage) {
   declareChoice<host::ShaderStage>(
-      app, "--stage", {{"pixel", host::ShaderStage::pixel}, {"compute", host::ShaderStage::compute}}, stage,
-      "stage of the complete shader");
+      app, "--stage",
+      {{"pixel", host::ShaderStage::pixel},
+       {"compute", host::ShaderStage::compute},
+       {"vertex", host::ShaderStage::vertex}},
+      stage,
+      "stage of the complete shader; `vertex`: what feeds the pixel stage of the same graph from a mesh");
+}
+
+void declareMeshOption(CLI::App& app, host::MeshLayout& mesh) {
+  app.add_option_function<std::vector<std::string>>(
+         "--mesh", [&mesh](const std::vector<std::string>& parts) { mesh = meshOf(parts); },
+         "for a vertex stage: what the vertices have besides a position, separated by commas; a graph that "
+         "needs more is refused")
+      ->type_name("PARTS")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->default_str("normal,tangent,texCoord0,texCoord1,texCoord2,texCoord3,color");
 }
 
 void declareNamesOption(CLI::App& app, host::NameStyle& names) {
@@ -128,15 +205,20 @@ void declareDepfileOptions(CLI::App& app, DepfileOptions& options) {
   app.add_option("--MF", options.file, "name of the dependency file (also spelled `-MF`)")->type_name("FILE");
 }
 
-void checkDepfile(const DepfileOptions& options, const std::string& output) {
-  if (options.file.empty() ? options.wanted && output.empty() : output.empty()) {
-    throw host::InputError("a dependency file needs the result's name (`-o`)");
+void checkOutputs(const JobOptions& options, std::vector<std::string> outputs,
+                  const DepfileOptions& depfile) {
+  if (isWanted(depfile)) {
+    if (outputs.front().empty()) throw host::InputError("a dependency file needs the result's name (`-o`)");
+    outputs.push_back(fileOf(depfile, outputs.front()));
   }
+  std::vector<std::string> inputs{options.graphFile, options.environmentFile};
+  addFiles(inputs, options.libraries.libraryFolders, ".fraglib");
+  addFiles(inputs, options.libraries.includeFolders, ".h");
+  checkOutputs(outputs, inputs);
 }
 
 void writeDepfile(const DepfileOptions& options, const std::string& output, const host::Job& job) {
-  if (!options.wanted && options.file.empty()) return;
-  writeOutput(options.file.empty() ? output + ".d" : options.file, writeDepfile(output, job.files()));
+  if (isWanted(options)) writeOutput(fileOf(options, output), writeDepfile(output, job.files()));
 }
 
 Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) {
@@ -157,9 +239,9 @@ Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) 
 
 std::optional<host::Shader> assemble(const host::Job& job, const std::string& graphFile,
                                      host::ShaderStage stage, host::NameStyle names,
-                                     Diagnostics& diagnostics) {
+                                     const host::MeshLayout& mesh, Diagnostics& diagnostics) {
   try {
-    return job.assemble(stage, names);
+    return job.assemble(stage, names, mesh);
   } catch (const host::AssemblyError& error) {
     diagnostics.error(graphFile, error.what(), "incomplete-shader");
     return std::nullopt;

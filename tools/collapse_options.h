@@ -20,9 +20,9 @@ std::string didYouMean(const std::string& word, const std::vector<std::string>& 
 
 /// An option that takes one of a few words, each of which stands for a value; the first is the default.
 template <class Value>
-void declareChoice(CLI::App& app, const std::string& names,
-                   std::vector<std::pair<std::string, Value>> choices, Value& value,
-                   const std::string& help) {
+CLI::Option* declareChoice(CLI::App& app, const std::string& names,
+                           std::vector<std::pair<std::string, Value>> choices, Value& value,
+                           const std::string& help) {
   std::string bar;
   std::string list;
   std::vector<std::string> words;
@@ -32,15 +32,17 @@ void declareChoice(CLI::App& app, const std::string& names,
     list += (list.empty() ? "`" : ", `") + word + "`";
   }
   const std::string standard = choices.front().first;
-  app.add_option_function<std::string>(
-         names,
-         [choices, list, words, names, &value](const std::string& given) {
-           for (const auto& [word, meaning] : choices) {
-             if (word == given) return void(value = meaning);
-           }
-           throw CLI::ValidationError(names, "`" + given + "` is none of " + list + didYouMean(given, words));
-         },
-         help)
+  return app
+      .add_option_function<std::string>(
+          names,
+          [choices, list, words, names, &value](const std::string& given) {
+            for (const auto& [word, meaning] : choices) {
+              if (word == given) return void(value = meaning);
+            }
+            throw CLI::ValidationError(names,
+                                       "`" + given + "` is none of " + list + didYouMean(given, words));
+          },
+          help)
       ->type_name(bar)
       ->default_str(standard);
 }
@@ -50,11 +52,14 @@ struct LibraryOptions {
   std::vector<std::string> libraryFolders;
   std::vector<std::string> includeFolders;
   std::string language = "dx11";
+  bool withoutStandard = false;
+  bool verbose = false;
   Detail detail = Detail::standard;
 };
-/// -L, -I, --language and --diagnostics.
+/// -L, -I, --language, --no-standard-library, -v and --diagnostics.
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options);
-/// The libraries, whose problems are written. Throws InputError.
+/// The libraries, whose problems are written; the installed ones come first, so that others override them.
+/// Throws InputError.
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
                                                       Diagnostics& diagnostics);
 
@@ -72,6 +77,8 @@ host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics);
 
 /// --stage.
 void declareStageOption(CLI::App& app, host::ShaderStage& stage);
+/// --mesh.
+void declareMeshOption(CLI::App& app, host::MeshLayout& mesh);
 /// --names; what it holds is the default.
 void declareNamesOption(CLI::App& app, host::NameStyle& names);
 /// -o.
@@ -84,8 +91,10 @@ struct DepfileOptions {
 };
 /// -MD and -MF.
 void declareDepfileOptions(CLI::App& app, DepfileOptions& options);
-/// Throws InputError when a dependency file is wanted for a result that is in no file.
-void checkDepfile(const DepfileOptions& options, const std::string& output);
+/// Throws InputError when the outputs (empty names are none) or the dependency file of the first one would
+/// replace what is read, or each other, and when a dependency file is wanted for a result that is in no file.
+void checkOutputs(const JobOptions& options, std::vector<std::string> outputs,
+                  const DepfileOptions& depfile = {});
 /// Writes the dependency file, if one is wanted.
 void writeDepfile(const DepfileOptions& options, const std::string& output, const host::Job& job);
 
@@ -100,6 +109,6 @@ Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics);
 /// The complete shader of a job that is done; nothing when it cannot be one, which is then written.
 std::optional<host::Shader> assemble(const host::Job& job, const std::string& graphFile,
                                      host::ShaderStage stage, host::NameStyle names,
-                                     Diagnostics& diagnostics);
+                                     const host::MeshLayout& mesh, Diagnostics& diagnostics);
 
 }  // namespace TolmSDK::Graphics::sfg::tools

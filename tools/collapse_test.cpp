@@ -214,8 +214,43 @@ TEST_F(CollapseTest, TellsThatStandardOutputIsFull) {
   const CommandRun result =
       run("collapse graph.json -L lib --format json >/dev/full 2>err; echo $? >status; true");
   EXPECT_EQ(read("status"), "2\n");
-  EXPECT_EQ(read("err"),
-            "standard output: error: cannot be written: the stream is closed or full [cannot-write]\n");
+  EXPECT_EQ(read("err"), "standard output: error: cannot be written: No space left on device\n");
+}
+
+TEST_F(CollapseTest, EveryCommandTellsThatStandardOutputIsFull) {
+  const std::string start = "standard output: error: cannot be written: ";
+  const std::string written = start + "No space left on device\n";
+  const std::string printed = start + "the stream is closed or full\n";
+  const std::pair<std::string, std::string> rows[] = {
+      {"--help", written},      {"--version", printed},       {"collapse --help", written},
+      {"list -L lib", written}, {"dump -L lib lit", written}, {"completion zsh", written},
+      {"manual", written}};
+  for (const auto& [command, message] : rows) {
+    SCOPED_TRACE(command);
+    run(command + " >/dev/full 2>err; echo $? >status; true");
+    EXPECT_EQ(read("status"), "2\n");
+    EXPECT_EQ(read("err"), message);
+  }
+}
+
+TEST_F(CollapseTest, OverwritesNoInput) {
+  write("graph.json", kTwoNodes);
+  write("scene.json", "{}");
+  write("inc/a.h", "float a;\n");
+  const std::string inputs = "collapse graph.json -L lib -I inc --environment scene.json ";
+  for (const std::string input : {"graph.json", "scene.json", "lib/test.fraglib", "inc/a.h"}) {
+    SCOPED_TRACE(input);
+    const std::string before = read(input);
+    const CommandRun asResult = run(inputs + "-o " + input);
+    EXPECT_EQ(asResult.status, 2);
+    EXPECT_EQ(asResult.err, input + ": error: is read by this command; write to another file\n");
+    EXPECT_EQ(run(inputs + "-o out.hlsl -MF " + input).status, 2);
+    EXPECT_EQ(read(input), before);
+  }
+  const CommandRun twice = run(inputs + "-o out.hlsl -MF ./out.hlsl");
+  EXPECT_EQ(twice.status, 2);
+  EXPECT_EQ(twice.err, "./out.hlsl: error: is named for two results; write to two files\n");
+  EXPECT_FALSE(exists("out.hlsl"));
 }
 
 TEST_F(CollapseTest, MatchesTheSameBytesEveryTime) {

@@ -36,9 +36,12 @@ private:
 std::unique_ptr<Command> makeCollapseCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCompileCommand(CLI::App& parent);
 std::unique_ptr<Command> makeReflectCommand(CLI::App& parent);
+std::unique_ptr<Command> makeSchemaCommand(CLI::App& parent);
 std::unique_ptr<Command> makeListCommand(CLI::App& parent);
 std::unique_ptr<Command> makeDumpCommand(CLI::App& parent);
-std::unique_ptr<Command> makeSchemaCommand(CLI::App& parent);
+std::unique_ptr<Command> makeNewCommand(CLI::App& parent);
+std::unique_ptr<Command> makeCompletionCommand(CLI::App& parent);
+std::unique_ptr<Command> makeManualCommand(CLI::App& parent);
 
 /// All commands, in the order in which help lists them.
 std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& parent);

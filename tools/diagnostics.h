@@ -32,6 +32,10 @@ public:
   void error(const std::string& place, const std::string& text, const std::string& identifier) {
     show(host::Diagnostic{host::Severity::error, place, 0, 0, text, identifier});
   }
+  /// What the command does.
+  void note(const std::string& place, const std::string& text, const std::string& identifier) {
+    show(host::Diagnostic{host::Severity::note, place, 0, 0, text, identifier});
+  }
   /// A line of somebody else, as it stands.
   void plain(const std::string& text);
 

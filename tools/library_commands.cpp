@@ -28,8 +28,10 @@ public:
 
   int run(Diagnostics& diagnostics) override {
     std::vector<std::array<std::string, 3>> rows;
-    if (options_.libraryFolders.empty()) throw host::InputError("no folder of libraries is given (`-L DIR`)");
     const auto libraries = loadLibraries(options_, diagnostics);
+    if (libraries->folders().libraries.empty()) {
+      throw host::InputError("no folder of libraries is given (`-L DIR`)");
+    }
     for (const host::FragmentInfo& fragment : libraries->fragments()) {
       const std::string text = fragment.name + " " + fragment.description;
       if (text.find(word_) == text.npos) continue;

@@ -2,9 +2,12 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <optional>
 
 #include "sfg/host/errors.h"
 
@@ -18,10 +21,15 @@ namespace fs = std::filesystem;
   throw host::InputError(file, TextPosition(), "cannot be written: " + reason, "cannot-write");
 }
 
-bool writeBytes(const fs::path& path, std::string_view bytes) {
+/// The system's words for what went wrong last; the streams do not keep them.
+std::string lastReason() { return std::error_code(errno, std::generic_category()).message(); }
+
+/// Nothing, or why they could not be written.
+std::optional<std::string> writeBytes(const fs::path& path, std::string_view bytes) {
+  errno = 0;
   std::ofstream stream(path, std::ios::binary | std::ios::trunc);
-  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  return stream.flush().good();
+  if (stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size())).flush()) return std::nullopt;
+  return lastReason();
 }
 
 /// Devices and pipes are written in place; only a regular file is replaced, a symbolic link's target
@@ -32,13 +40,17 @@ bool isReplaceable(const fs::path& path) {
   return status.type() == fs::file_type::not_found || status.type() == fs::file_type::regular;
 }
 
+/// Beside the target, under a name of its own that is no longer than a file's may be.
+fs::path temporaryFor(const fs::path& target) {
+  return target.parent_path() / (".sfg-" + std::to_string(getpid()) + ".part");
+}
+
 void replaceFile(const std::string& file, const fs::path& target, std::string_view bytes) {
-  fs::path temporary = target;
-  temporary += ".part" + std::to_string(getpid());
+  const fs::path temporary = temporaryFor(target);
   std::error_code error;
-  if (!writeBytes(temporary, bytes)) {
+  if (const std::optional<std::string> reason = writeBytes(temporary, bytes)) {
     fs::remove(temporary, error);
-    cannotWrite(file, "the folder is missing, not writable or full");
+    cannotWrite(file, *reason);
   }
   const fs::perms permissions = fs::status(target, error).permissions();
   if (!error && fs::exists(target)) fs::permissions(temporary, permissions, error);
@@ -49,18 +61,45 @@ void replaceFile(const std::string& file, const fs::path& target, std::string_vi
   cannotWrite(file, reason);
 }
 
+bool isSameFile(const fs::path& a, const fs::path& b) {
+  std::error_code error;
+  if (fs::exists(a, error) && fs::exists(b, error)) return fs::equivalent(a, b, error);
+  return fs::weakly_canonical(fs::absolute(a), error) == fs::weakly_canonical(fs::absolute(b), error);
+}
+
+/// A file that writing would replace.
+bool isFile(const std::string& name) { return !name.empty() && isReplaceable(name); }
+
 }  // namespace
 
 void writeOutput(const std::string& file, std::string_view bytes) {
   if (file.empty()) {
+    errno = 0;
     std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (!std::cout.flush()) cannotWrite("standard output", "the stream is closed or full");
+    if (!std::cout.flush()) cannotWrite("standard output", lastReason());
   } else if (isReplaceable(file)) {
     std::error_code error;
     const fs::path target = fs::weakly_canonical(file, error);
     replaceFile(file, error ? fs::path(file) : target, bytes);
-  } else if (!writeBytes(file, bytes)) {
-    cannotWrite(file, "it is no file, or not writable");
+  } else if (const std::optional<std::string> reason = writeBytes(file, bytes)) {
+    cannotWrite(file, *reason);
+  }
+}
+
+void checkOutputs(std::span<const std::string> outputs, std::span<const std::string> inputs) {
+  for (auto output = outputs.begin(); output != outputs.end(); ++output) {
+    if (!isFile(*output)) continue;
+    const auto isThis = [&](const std::string& other) {
+      return !other.empty() && isSameFile(*output, other);
+    };
+    if (std::any_of(inputs.begin(), inputs.end(), isThis)) {
+      throw host::InputError(*output, TextPosition(), "is read by this command; write to another file",
+                             "cannot-write");
+    }
+    if (std::any_of(outputs.begin(), output, isThis)) {
+      throw host::InputError(*output, TextPosition(), "is named for two results; write to two files",
+                             "cannot-write");
+    }
   }
 }
 

@@ -2,6 +2,7 @@
 
 // Where a command's result goes.
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -11,5 +12,9 @@ namespace TolmSDK::Graphics::sfg::tools {
 /// replaced as a whole: readers see the old or the new contents, and a failure leaves the old. Throws
 /// InputError when it cannot be written.
 void writeOutput(const std::string& file, std::string_view bytes);
+
+/// Throws InputError when an output is one of the inputs, or is named twice. Empty names are none; a device
+/// or pipe may be named any number of times.
+void checkOutputs(std::span<const std::string> outputs, std::span<const std::string> inputs);
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -54,8 +54,61 @@ TEST_F(OutputFileTest, SaysWhatItCannotWrite) {
     FAIL();
   } catch (const host::InputError& error) {
     EXPECT_EQ(error.place(), path("gone/out"));
-    EXPECT_STREQ(error.what(), "cannot be written: the folder is missing, not writable or full");
+    EXPECT_STREQ(error.what(), "cannot be written: No such file or directory");
   }
+}
+
+TEST_F(OutputFileTest, SaysThatADeviceIsFull) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no full device here";
+  try {
+    writeOutput("/dev/full", "text");
+    FAIL();
+  } catch (const host::InputError& error) {
+    EXPECT_STREQ(error.what(), "cannot be written: No space left on device");
+  }
+}
+
+TEST_F(OutputFileTest, WritesAFileOfTheLongestName) {
+  const std::string longest(255, 'x');
+  writeOutput(path(longest), "text");
+  EXPECT_EQ(read(longest), "text");
+  try {
+    writeOutput(path(longest + "x"), "text");
+    FAIL();
+  } catch (const host::InputError& error) {
+    EXPECT_STREQ(error.what(), "cannot be written: File name too long");
+  }
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 1);
+}
+
+class OutputNamesTest : public OutputFileTest {
+protected:
+  std::string refusal(const std::vector<std::string>& outputs, const std::vector<std::string>& inputs) const {
+    try {
+      checkOutputs(outputs, inputs);
+    } catch (const host::InputError& error) {
+      return error.place().substr(folder_.string().size() + 1) + ": " + error.what();
+    }
+    return std::string();
+  }
+};
+
+TEST_F(OutputNamesTest, AreNoInputs) {
+  writeOutput(path("graph.json"), "{}");
+  fs::create_symlink("graph.json", path("link"));
+  const std::vector<std::string> inputs{path("graph.json"), ""};
+  EXPECT_EQ(refusal({path("graph.json")}, inputs),
+            "graph.json: is read by this command; write to another file");
+  EXPECT_EQ(refusal({path("link")}, inputs), "link: is read by this command; write to another file");
+  EXPECT_EQ(refusal({"", path("./graph.json")}, inputs),
+            "./graph.json: is read by this command; write to another file");
+  EXPECT_EQ(refusal({path("other.json"), ""}, inputs), "");
+}
+
+TEST_F(OutputNamesTest, AreDifferent) {
+  EXPECT_EQ(refusal({path("out"), path("./out")}, {}), "./out: is named for two results; write to two files");
+  EXPECT_EQ(refusal({path("out"), path("out.d")}, {}), "");
+  EXPECT_EQ(refusal({"/dev/null", "/dev/null"}, {"/dev/null"}), "");
 }
 
 }  // namespace

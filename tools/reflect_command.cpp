@@ -3,6 +3,7 @@
 #include "tools/collapse_options.h"
 #include "tools/command.h"
 #include "tools/output_file.h"
+#include "tools/target_options.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -33,16 +34,11 @@ public:
       : Command(*parent.add_subcommand(
             "reflect", "Tell what a shader takes and gives, and where, for the host that feeds it")) {
     declareJobOptions(app(), options_);
-    declareChoice<std::optional<host::ShaderTarget>>(app(), "--target",
-                                                     {{"spirv", host::ShaderTarget::spirv},
-                                                      {"hlsl", host::ShaderTarget::hlsl},
-                                                      {"glsl", host::ShaderTarget::glsl},
-                                                      {"essl", host::ShaderTarget::essl},
-                                                      {"msl", host::ShaderTarget::msl},
-                                                      {"assembled", std::nullopt}},
-                                                     target_,
-                                                     "as for `compile`; `assembled`: before any compiler");
+    TargetChoices targets = compiledTargets();
+    targets.emplace_back("assembled", std::nullopt);
+    declareTargetOptions(app(), targets, "as for `compile`; `assembled`: before any compiler", target_);
     declareStageOption(app(), stage_);
+    declareMeshOption(app(), mesh_);
     declareNamesOption(app(), names_);
     declareOutputOption(app(), output_);
     CLI::Option* const pack =
@@ -66,13 +62,19 @@ public:
   }
 
   int run(Diagnostics& diagnostics) override {
+    checkTargetOptions(target_, stage_);
+    if (const std::string given = givenTargetOption(target_); !packed_.empty() && !given.empty()) {
+      throw host::InputError("`--pack` compiles nothing, and its bytes are the same with `" + given + "`");
+    }
+    checkOutputs(options_, {output_, packed_});
     host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
-    const std::optional<host::Shader> shader = assemble(job, options_.graphFile, stage_, names_, diagnostics);
+    const std::optional<host::Shader> shader =
+        assemble(job, options_.graphFile, stage_, names_, mesh_, diagnostics);
     if (!shader) return kRefused;
     try {
       if (!packed_.empty()) {
-        writeOutput(packed_, pack(job.reflect(stage_, names_)));
+        writeOutput(packed_, pack(job.reflect(stage_, names_, mesh_)));
       } else {
         writeOutput(output_, host::writeInterfaceJson(reflect(job, *shader)));
       }
@@ -95,16 +97,18 @@ private:
   }
 
   host::ShaderInterface reflect(const host::Job& job, const host::Shader& shader) const {
-    host::ShaderInterface assembled = job.reflect(stage_, names_);
-    if (!target_) return assembled;
-    host::ShaderInterface compiled = host::interfaceFor(assembled, *target_);
-    host::markUsed(compiled, host::compileToSpirv(shader));
+    host::ShaderInterface assembled = job.reflect(stage_, names_, mesh_);
+    if (!target_.target) return assembled;
+    const host::CompileOptions options = target_.compileOptions();
+    host::ShaderInterface compiled = host::interfaceFor(assembled, *target_.target, options);
+    host::markUsed(compiled, host::compileToSpirv(shader, options));
     return compiled;
   }
 
   JobOptions options_;
-  std::optional<host::ShaderTarget> target_ = host::ShaderTarget::spirv;
+  TargetOptions target_;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
+  host::MeshLayout mesh_;
   host::NameStyle names_ = host::NameStyle::readable;
   std::string output_;
   std::string packed_;

@@ -256,7 +256,9 @@ TEST_F(CompiledReflectTest, TellsWhatTheCompilersLeftOut) {
 }
 
 TEST_F(CompiledReflectTest, CompileWritesTheSameBesideItsResult) {
-  for (const char* target : {"spirv", "hlsl", "glsl", "essl", "msl"}) {
+  for (const char* target :
+       {"spirv", "hlsl", "glsl", "essl", "msl", "essl300", "glsl --glsl-version 330",
+        "hlsl --shader-model 6.0", "spirv --optimize none", "spirv --optimize size --debug"}) {
     const std::string arguments = std::string("--target ") + target;
     const CommandRun compiled = run("compile graph.json -L lib -o out --reflect out.json " + arguments);
     EXPECT_EQ(compiled.status, 0) << compiled.err;
@@ -274,6 +276,19 @@ TEST_F(CompiledReflectTest, RefusesWhatCannotBeCompiled) {
   EXPECT_EQ(result.out, "");
   EXPECT_THAT(result.err, HasSubstr("nothing"));
   EXPECT_EQ(run("reflect graph.json -L lib --target assembled").status, 0);
+}
+
+TEST_F(ReflectTest, SaysThatThereAreNoCompilers) {
+  if (host::hasCompilers()) GTEST_SKIP() << "built with compilers";
+  for (const char* target : {"", " --target spirv", " --target hlsl", " --target glsl", " --target msl"}) {
+    const CommandRun result = run(std::string("reflect graph.json -L lib -o out.json") + target);
+    EXPECT_EQ(result.status, 1) << target;
+    EXPECT_EQ(result.out, "") << target;
+    EXPECT_EQ(result.err, "graph.json: error: this library was built without compilers\n") << target;
+    EXPECT_FALSE(exists("out.json")) << target;
+  }
+  EXPECT_EQ(run("reflect graph.json -L lib -o out.json --target assembled").status, 0);
+  EXPECT_TRUE(exists("out.json"));
 }
 
 TEST_F(CompiledReflectTest, NamesAreThoseOfTheCollapseWhereWanted) {
@@ -303,12 +318,16 @@ TEST_F(CompiledReflectTest, NotesOnLinesWithReadableNamesKnowTheirFragments) {
       "inputs": [ { "name": "amount", "type": "float" } ], "outputs": [ { "name": "r", "type": "float3" } ] } } ] })");
   const CommandRun result = run("compile graph.json -L lib");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.err, HasSubstr("the line is `color = (nothing(b_amount));`"));
-  EXPECT_THAT(result.err, HasSubstr("uniform `b_amount` is of fragment `odd`, node `b`"));
+  EXPECT_EQ(
+      result.err,
+      "lib/more.fraglib:2:25: error: `nothing` is no function that is declared here\n"
+      "graph.json:2:16: note: node `b` uses the fragment `odd`\n"
+      "generated:12:14: note: the compiler says \"'nothing' : no matching overloaded function found\" of the "
+      "line `color = (nothing(b_amount));`\n");
 }
 
 TEST_F(CompiledReflectTest, NamesInTranslationsAreOurs) {
-  for (const char* target : {"hlsl", "glsl", "essl", "msl"}) {
+  for (const char* target : {"hlsl", "glsl", "essl", "msl", "essl300"}) {
     const std::string text = run(std::string("compile graph.json -L lib --target ") + target).out;
     EXPECT_THAT(text, HasSubstr(std::string(target) == "hlsl" ? "float3 sfg_uniforms_a_color"
                                                               : "sfg_uniforms.a_color"))
@@ -385,6 +404,195 @@ TEST_F(ReflectTest, RefusesToPackWhatIsNotThere) {
   EXPECT_EQ(refusal("--pack out.bin --set a.color"),
             "sfg: error: `a.color` is not of the form `name=value` [bad-setting]\n");
   EXPECT_THAT(refusal("--set a.color=1,2,3"), HasSubstr("--pack"));
+}
+
+TEST_F(ReflectTest, TellsWhatAVertexStageTakesAndGives) {
+  EXPECT_EQ(reflect("--stage vertex --target assembled"), R"({
+  "target": "assembled",
+  "stage": "vertex",
+  "entryPoint": "main",
+  "attributes": [
+    {
+      "name": "sfg_position",
+      "type": "float3",
+      "location": 0,
+      "semantic": "POSITION",
+      "origin": {
+        "kind": "mesh",
+        "name": "position"
+      },
+      "meaning": "position",
+      "space": "object"
+    },
+    {
+      "name": "amount",
+      "type": "float",
+      "location": 1,
+      "semantic": "GRAPHINPUT0",
+      "origin": {
+        "kind": "graphInput",
+        "name": "amount"
+      }
+    }
+  ],
+  "varyings": [
+    {
+      "name": "amount",
+      "type": "float",
+      "location": 0,
+      "semantic": "GRAPHINPUT0",
+      "origin": {
+        "kind": "graphInput",
+        "name": "amount"
+      }
+    },
+    {
+      "name": "sfg_screenPosition",
+      "type": "float4",
+      "builtin": "position",
+      "semantic": "SV_Position",
+      "origin": {
+        "kind": "stateVariable",
+        "name": "sfg_screenPosition"
+      },
+      "meaning": "position of the point",
+      "space": "clip"
+    }
+  ],
+  "buffers": [
+    {
+      "name": "sfg_VertexUniforms",
+      "kind": "constant",
+      "register": "b1",
+      "size": 64,
+      "members": [
+        {
+          "name": "sfg_matWorldViewProj",
+          "type": "float4x4",
+          "offset": 0,
+          "size": 64,
+          "matrixStride": 16,
+          "origin": {
+            "kind": "stateVariable",
+            "name": "sfg_matWorldViewProj"
+          }
+        }
+      ]
+    }
+  ],
+  "textures": [],
+  "samplers": [],
+  "renderTargets": [],
+  "includes": [],
+  "files": [
+    "graph.json",
+    "lib/test.fraglib"
+  ],
+  "hash": "HASH"
+}
+)");
+}
+
+TEST_F(CompiledReflectTest, TellsWhatAVertexStageTakesAndGivesInMetal) {
+  EXPECT_EQ(reflect("--stage vertex --target msl"), R"json({
+  "target": "msl",
+  "stage": "vertex",
+  "entryPoint": "main0",
+  "attributes": [
+    {
+      "name": "sfg_vertex_sfg_position",
+      "type": "float3",
+      "location": 0,
+      "semantic": "attribute(0)",
+      "used": true,
+      "origin": {
+        "kind": "mesh",
+        "name": "position"
+      },
+      "meaning": "position",
+      "space": "object"
+    },
+    {
+      "name": "sfg_vertex_amount",
+      "type": "float",
+      "location": 1,
+      "semantic": "attribute(1)",
+      "used": true,
+      "origin": {
+        "kind": "graphInput",
+        "name": "amount"
+      }
+    }
+  ],
+  "varyings": [
+    {
+      "name": "sfg_in_amount",
+      "type": "float",
+      "location": 0,
+      "semantic": "user(locn0)",
+      "used": true,
+      "origin": {
+        "kind": "graphInput",
+        "name": "amount"
+      }
+    },
+    {
+      "name": "sfg_in_sfg_screenPosition",
+      "type": "float4",
+      "builtin": "position",
+      "semantic": "position",
+      "used": true,
+      "origin": {
+        "kind": "stateVariable",
+        "name": "sfg_screenPosition"
+      },
+      "meaning": "position of the point",
+      "space": "clip"
+    }
+  ],
+  "buffers": [
+    {
+      "name": "sfg_VertexUniforms",
+      "kind": "constant",
+      "variable": "sfg_vertexUniforms",
+      "binding": 1,
+      "used": true,
+      "size": 64,
+      "members": [
+        {
+          "name": "sfg_matWorldViewProj",
+          "type": "float4x4",
+          "offset": 0,
+          "size": 64,
+          "matrixStride": 16,
+          "origin": {
+            "kind": "stateVariable",
+            "name": "sfg_matWorldViewProj"
+          }
+        }
+      ]
+    }
+  ],
+  "textures": [],
+  "samplers": [],
+  "renderTargets": [],
+  "includes": [],
+  "files": [
+    "graph.json",
+    "lib/test.fraglib"
+  ],
+  "hash": "HASH"
+}
+)json");
+}
+
+TEST_F(ReflectTest, PacksTheMatricesOfAVertexStage) {
+  const CommandRun result =
+      run("reflect graph.json -L lib --stage vertex --pack out.bin --buffer sfg_VertexUniforms --set "
+          "sfg_matWorldViewProj=1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(floatsOf(read("out.bin")),
+            (std::vector<float>{1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 4, 8, 12, 16}));
 }
 
 }  // namespace

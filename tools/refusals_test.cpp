@@ -251,9 +251,8 @@ const Refusal kArguments[] = {
      "--help`\n",
      nullptr, "--light-lod inf"},
     {"OutputFolderIsMissing", kRed, 2,
-     "nowhere/out.json: error: cannot be written: the folder is missing, not writable or full "
-     "[cannot-write]\n",
-     nullptr, "-o nowhere/out.json"},
+     "nowhere/out.json: error: cannot be written: No such file or directory [cannot-write]\n", nullptr,
+     "-o nowhere/out.json"},
 };
 
 const Refusal kCollapses[] = {

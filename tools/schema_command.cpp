@@ -1,3 +1,4 @@
+#include "sfg/host/reflect.h"
 #include "sfg/host/schema.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
@@ -7,29 +8,43 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 namespace {
 
+enum class Schema { library, graph, environment, reflection };
+
+std::string textOf(Schema schema) {
+  switch (schema) {
+  case Schema::library: return host::documentSchema(host::DocumentKind::library);
+  case Schema::graph: return host::documentSchema(host::DocumentKind::graph);
+  case Schema::environment: return host::documentSchema(host::DocumentKind::environment);
+  case Schema::reflection: return host::interfaceSchemaJson();
+  }
+  return std::string();
+}
+
 class SchemaCommand : public Command {
 public:
   explicit SchemaCommand(CLI::App& parent)
-      : Command(
-            *parent.add_subcommand("schema", "Write the JSON Schema of a kind of document, for editors")) {
-    using Kind = host::DocumentKind;
-    declareChoice<Kind>(
-        app(), "KIND",
-        {{"library", Kind::library}, {"graph", Kind::graph}, {"environment", Kind::environment}}, kind_,
-        "what to describe");
-    app().get_option("KIND")->required();
+      : Command(*parent.add_subcommand("schema", "Print the JSON Schema of a document")) {
+    declareChoice<Schema>(app(), "DOCUMENT",
+                          {{"library", Schema::library},
+                           {"graph", Schema::graph},
+                           {"environment", Schema::environment},
+                           {"reflection", Schema::reflection}},
+                          schema_,
+                          "what `sfg` reads: `library`, `graph`, `environment`; what `sfg reflect` writes: "
+                          "`reflection`");
+    app().get_option("DOCUMENT")->required()->default_str("");
     declareOutputOption(app(), output_);
     app().footer("Example:\n\n  sfg schema graph -o graph.schema.json\n\n"
                  "An editor follows the key `$schema` of a document: \"$schema\": \"graph.schema.json\".\n");
   }
 
   int run(Diagnostics&) override {
-    writeOutput(output_, host::documentSchema(kind_));
+    writeOutput(output_, textOf(schema_));
     return kDone;
   }
 
 private:
-  host::DocumentKind kind_ = host::DocumentKind::graph;
+  Schema schema_ = Schema::graph;
   std::string output_;
 };
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "sfg/host/reflect.h"
 #include "tools/command_test_support.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
@@ -121,13 +122,15 @@ TEST_F(SchemaTest, RefusesMistypedKeysOfLibraries) {
 
 class SchemaCommandTest : public CommandTest {};
 
-TEST_F(SchemaCommandTest, KnowsThreeKinds) {
+TEST_F(SchemaCommandTest, KnowsFourDocuments) {
   const CommandRun near = run("schema libary");
-  EXPECT_EQ(near.err, "sfg: error: KIND: `libary` is none of `library`, `graph`, `environment`; did you mean "
-                      "`library`? [wrong-usage]\ntry `sfg --help`, or `sfg COMMAND --help`\n");
+  EXPECT_EQ(near.err,
+            "sfg: error: DOCUMENT: `libary` is none of `library`, `graph`, `environment`, `reflection`; "
+            "did you mean `library`? [wrong-usage]\ntry `sfg --help`, or `sfg COMMAND --help`\n");
   EXPECT_EQ(near.status, 2);
   EXPECT_EQ(run("schema").status, 2);
   EXPECT_EQ(run("schema graph").out.substr(0, 2), "{\n");
+  EXPECT_EQ(run("schema reflection").out, host::interfaceSchemaJson());
 }
 
 }  // namespace

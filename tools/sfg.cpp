@@ -1,5 +1,8 @@
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <iostream>
+#include <system_error>
 
 #include "sfg/host/errors.h"
 #include "tools/collapse_options.h"
@@ -81,15 +84,12 @@ int runChosen(const std::vector<std::unique_ptr<tools::Command>>& commands,
   return tools::kRefused;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv, tools::Diagnostics& diagnostics) {
   CLI::App app("Collapses graphs of shader fragments into one shader function.", "sfg");
   app.set_version_flag("--version", tools::versionLine());
   app.footer(kExample);
   app.require_subcommand(0, 1);
   const auto commands = tools::makeCommands(app);
-  tools::Diagnostics diagnostics = tools::Diagnostics::standard();
   try {
     // The parser takes them from the end.
     std::vector<std::string> arguments = spelledForParser(argc, argv);
@@ -101,4 +101,29 @@ int main(int argc, char** argv) {
   if (!app.get_subcommands().empty()) return runChosen(commands, diagnostics);
   std::cout << app.help();
   return tools::kDone;
+}
+
+/// Help, descriptions and dumps go to the standard output stream without looking back.
+void checkStandardOutput() {
+  std::string reason = "the stream is closed or full";
+  errno = 0;
+  if (std::cout.good() && std::cout.flush() && std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+  if (errno != 0) reason = std::error_code(errno, std::generic_category()).message();
+  throw host::InputError("standard output", TolmSDK::TextPosition(), "cannot be written: " + reason,
+                         "cannot-write");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  tools::Diagnostics diagnostics = tools::Diagnostics::standard();
+  const int status = runProgram(argc, argv, diagnostics);
+  if (status != tools::kDone) return status;
+  try {
+    checkStandardOutput();
+  } catch (const host::InputError& error) {
+    diagnostics.show(error.diagnostic());
+    return tools::kWrongUsage;
+  }
+  return status;
 }

@@ -4,8 +4,10 @@
 #include <sfg/host/job.h>
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host = TolmSDK::Graphics::sfg::host;
@@ -16,3 +18,14 @@ host::Environment scene();
 host::Shader shade(const std::shared_ptr<const host::LibrarySet>& libraries);
 std::vector<std::uint32_t> compileOrExplain(const std::shared_ptr<const host::LibrarySet>& libraries);
 std::vector<host::Shader> shadeInThreads(std::shared_ptr<const host::LibrarySet> libraries);
+
+// What the renderer knows, by the names of state variables: matrices row by row, multiplied with columns.
+using State = std::map<std::string, std::vector<double>>;
+struct Stage {
+  std::vector<std::uint32_t> spirv;
+  host::ShaderInterface description;
+  std::map<std::size_t, std::vector<std::uint8_t>> buffers;  // by binding
+};
+Stage feed(const host::Job& job, host::ShaderStage stage, const State& state);
+std::pair<Stage, Stage> feedBoth(const std::shared_ptr<const host::LibrarySet>& libraries,
+                                 const State& state);

@@ -20,7 +20,23 @@ int main(int argc, char** argv) {
     std::cout << "entry point " << shader.entryPoint << ", uniforms";
     for (const std::string& uniform : shader.uniforms) std::cout << ' ' << uniform;
     std::cout << '\n';
-    if (host::hasCompilers() && compileOrExplain(libraries).empty()) return 1;
+    if (!host::hasCompilers()) return 0;
+    if (compileOrExplain(libraries).empty()) return 1;
+    const std::vector<double> same = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    const auto [vertex, pixel] = feedBoth(libraries, {{"sfg_matWorld", same},
+                                                      {"sfg_matWorldInverseTranspose", same},
+                                                      {"sfg_matWorldViewProj", same},
+                                                      {"sfg_eyePosition", {0, 0, 4}}});
+    std::cout << "vertices have";
+    for (const host::InterfaceAttribute& attribute : vertex.description.attributes) {
+      std::cout << ' ' << attribute.origin.name << " at " << *attribute.location;
+    }
+    std::cout << ", buffers are at";
+    for (const auto* stage : {&vertex, &pixel}) {
+      for (const auto& [binding, bytes] : stage->buffers)
+        std::cout << ' ' << binding << " (" << bytes.size() << ')';
+    }
+    std::cout << '\n';
     return 0;
   } catch (const std::exception& error) {
     std::cerr << "error: " << error.what() << '\n';

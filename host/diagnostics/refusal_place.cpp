@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "fragments/profile_choice.h"
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "tolmsdk/unicode.h"
@@ -201,10 +202,12 @@ private:
   }
 
   std::string surfaceWithout(const WString& profile) const {
+    const UString& language = job_.options().getLanguage();
     for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
       const IShaderFragment* const fragment = fragmentOf(document_.node(i));
-      if (fragment == nullptr || hasDefaultProfile(*fragment)) continue;
-      if (fragment->findBestProfile(profile, job_.options().getLanguage(), 100.0f) != nullptr) continue;
+      const bool hasOne =
+          fragment == nullptr || findBestOrDefaultProfile(*fragment, profile, language, 100.0f) != nullptr;
+      if (hasOne) continue;
       return "; " + named(document_.node(i)) + " has neither it nor `default`";
     }
     return std::string();

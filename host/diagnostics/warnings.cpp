@@ -1,5 +1,6 @@
 #include "host/diagnostics/warnings.h"
 
+#include "host/diagnostics/chain_warnings.h"
 #include "host/diagnostics/code_warnings.h"
 #include "host/diagnostics/include_warnings.h"
 #include "host/diagnostics/light_warnings.h"
@@ -15,6 +16,7 @@ std::vector<Diagnostic> findWarnings(const CollapseJob& job, bool completeShader
   if (!completeShader) warnOfGraphInputs(facts, warnings);
   warnOfCode(facts, warnings);
   warnOfInoutPorts(facts, warnings);
+  warnOfChains(facts, warnings);
   std::vector<Diagnostic> all = warnings.take();
   const auto append = [&](const std::vector<Diagnostic>& more) {
     all.insert(all.end(), more.begin(), more.end());

@@ -8,11 +8,12 @@
 #include <ostream>
 #include <string>
 
-#include "host/diagnostics/code_origin.h"
 #include "host/diagnostics/warnings.h"
 #include "host/job/called_expressions.h"
 #include "host/shader/shader_assembly.h"
+#include "sfg/host/source_map.h"
 #include "tests/support/cost.h"
+#include "tests/support/job_files.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
@@ -61,11 +62,11 @@ public:
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;
 
-  const CollapseSettings& settings() const { return settings_; }
+  const JobFiles& settings() const { return settings_; }
 
 private:
   fs::path folder_;
-  CollapseSettings settings_;
+  JobFiles settings_;
 };
 
 using MakeDocuments = Documents (*)(std::size_t count);
@@ -226,7 +227,7 @@ double growth(MakeDocuments make, const std::function<std::clock_t(const Scene&)
 class LoadingCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(LoadingCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
-    return test::processorTime([&] { CollapseJob job(scene.settings()); });
+    return test::processorTime([&] { CollapseJob job = makeJob(scene.settings()); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
 }
@@ -238,7 +239,7 @@ INSTANTIATE_TEST_SUITE_P(All, LoadingCostTest,
 class WarningCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(WarningCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
-    const CollapseJob job(scene.settings());
+    const CollapseJob job = makeJob(scene.settings());
     return test::processorTime([&] { EXPECT_EQ(findWarnings(job, true).size(), GetParam().warnings); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
@@ -253,7 +254,7 @@ INSTANTIATE_TEST_SUITE_P(All, WarningCostTest,
 class SurfaceCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(SurfaceCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
-    CollapseJob job(scene.settings());
+    CollapseJob job = makeJob(scene.settings());
     return test::processorTime([&] { EXPECT_TRUE(findCalledExpressions(job).empty()); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);
@@ -266,7 +267,7 @@ INSTANTIATE_TEST_SUITE_P(All, SurfaceCostTest,
 class AssemblyCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(AssemblyCostTest, GrowsWithTheShader) {
   const auto time = [](const Scene& scene) {
-    CollapseJob job(scene.settings());
+    CollapseJob job = makeJob(scene.settings());
     job.run();
     return test::processorTime(
         [&] { EXPECT_FALSE(assembleShader(job, ShaderStage::compute).sections.empty()); });
@@ -281,18 +282,18 @@ INSTANTIATE_TEST_SUITE_P(All, AssemblyCostTest,
                          testing::PrintToStringParamName());
 
 class OriginCostTest : public testing::TestWithParam<WideCase> {};
-TEST_P(OriginCostTest, GrowsWithTheShaderHoweverManyLinesAreExplained) {
+TEST_P(OriginCostTest, GrowsWithTheShaderHoweverManyPlacesAreAsked) {
   const auto time = [](const Scene& scene) {
-    CollapseJob job(scene.settings());
+    CollapseJob job = makeJob(scene.settings());
     job.run();
     const AssembledShader assembled = assembleShader(job, ShaderStage::compute);
     return test::processorTime([&] {
-      const OriginFinder finder(job, assembled);
-      std::size_t notes = 0;
+      const SourceMap map(job, assembled);
+      std::size_t known = 0;
       for (std::size_t line = 1; line <= assembled.sections.back().lastLine; ++line) {
-        notes += finder.find(line).size();
+        if (map.find(line, 1).kind != SourcePlace::Kind::unknown) ++known;
       }
-      EXPECT_GT(notes, assembled.sections.back().lastLine);
+      EXPECT_EQ(known, assembled.sections.back().lastLine);
     });
   };
   EXPECT_LT(growth(GetParam().make, time, 250), test::kLinearGrowth);

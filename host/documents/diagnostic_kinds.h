@@ -67,6 +67,7 @@ enum class Finding {
   inoutWithoutVariable,
   nameInsideName,
   repeatedStatement,
+  idlePostprocess,
   // Complete shaders and compilers
   incompleteShader,
   compileError,
@@ -75,6 +76,8 @@ enum class Finding {
   // Commands
   wrongUsage,
   cannotWrite,
+  foldersRead,
+  fileWritten,
   outOfMemory,
   failure,
   count

@@ -22,12 +22,6 @@ const char* expectedValue(const TypeID& type) {
   return nullptr;
 }
 
-std::string expectedValueText(const TypeID& type) {
-  if (const char* scalar = expectedValue(type)) return scalar;
-  const bool integers = type.word(0) == TypeID_ivec2.word(0) || type.word(0) == TypeID_uvec2.word(0);
-  return "an array of " + std::to_string(componentCount(type)) + (integers ? " integers" : " numbers");
-}
-
 bool holds(const IObjectDataNode& object, const IObjectDataNode& member) {
   for (std::size_t i = 0; i < object.size(); ++i) {
     if (object.elementOrNull(i) == &member) return true;
@@ -196,8 +190,7 @@ RefPtr<AParameter> DocumentReader::port(const IObjectDataNode& object, const std
   return port;
 }
 
-/// Reads a value as a parameter object does: a boolean or number for one component, an array for any number.
-bool DocumentReader::readValue(const IObjectDataNode& node, AValue& value) {
+bool readValue(const IObjectDataNode& node, AValue& value) {
   const auto setNumber = [&](std::size_t index, const IObjectDataNode& number) {
     return number.kind() == NodeKind::number && value.set(index, number.asNumber());
   };
@@ -220,6 +213,12 @@ void DocumentReader::refuseValue(const IObjectDataNode& node, const AParameter& 
   }
   refuse(Finding::wrongValue, node,
          what + " does not fit the type " + typeText(parameter) + ": expected " + expectedValueText(type));
+}
+
+std::string expectedValueText(const TypeID& type) {
+  if (const char* scalar = expectedValue(type)) return scalar;
+  const bool integers = type.word(0) == TypeID_ivec2.word(0) || type.word(0) == TypeID_uvec2.word(0);
+  return "an array of " + std::to_string(componentCount(type)) + (integers ? " integers" : " numbers");
 }
 
 std::string inTicks(std::string_view utf8) { return "`" + std::string(utf8) + "`"; }

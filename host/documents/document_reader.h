@@ -18,6 +18,12 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
+/// Reads a value of the type that `value` has, as a parameter object does: a boolean or number for one
+/// component, an array for any number. False, and some components changed, when it does not fit.
+bool readValue(const IObjectDataNode& node, AValue& value);
+/// "an array of 3 numbers": what such a value is. Not for a type without components.
+std::string expectedValueText(const TypeID& type);
+
 /// Holds one document; nodes handed out live as long as it. Every operation that cannot read what it is asked
 /// for throws InputError, with the problems() that were found before. A key whose value is null counts as
 /// missing.
@@ -73,7 +79,6 @@ public:
   }
 
 private:
-  static bool readValue(const IObjectDataNode& node, AValue& value);
   [[noreturn]] void refuseValue(const IObjectDataNode& node, const AParameter& parameter,
                                 const std::string& what) const;
 

@@ -19,15 +19,6 @@ namespace {
 
 constexpr std::wstring_view kInputSources[] = {L"node", L"graphInput", L"value", L"constant"};
 
-/// A copy with another default value.
-RefPtr<AParameter const> withValue(const AParameter& original, const AValue& value, bool constant) {
-  const RefPtr<AParameter> copy = makeRef<OverrideNameParameter>(original, original.getName());
-  copy->setDefaultValue(value);
-  const std::uint32_t otherFlags = original.getFlags() & ~AParameter::kConstantFlag;
-  copy->setFlags(otherFlags | (constant ? AParameter::kConstantFlag : 0));
-  return copy;
-}
-
 WString numbered(std::wstring_view prefix, std::size_t number) {
   WString name(prefix);
   appendDecimal(name, number);
@@ -75,8 +66,9 @@ const GraphNode* GraphDocument::findInstance(const WString& instanceName) const 
 /// Reads one document in the order in which its parts refer to each other: ports first, wires afterwards.
 class GraphLoader {
 public:
-  GraphLoader(const Document& document, const ILanguageTraits& language, const WhyUnknown& whyUnknown)
-      : reader_(document), language_(language), whyUnknown_(whyUnknown) {
+  GraphLoader(const Document& document, const ILanguageTraits& language, const LibraryPorts& libraryPorts,
+              const WhyUnknown& whyUnknown)
+      : reader_(document), language_(language), libraryPorts_(libraryPorts), whyUnknown_(whyUnknown) {
     document_->file_ = document.name();
   }
 
@@ -136,8 +128,8 @@ private:
     if (const IObjectDataNode* interface = reader_.optionalObject(object, L"interface")) {
       auto type = std::make_unique<GraphNode::Type>();
       type->fragmentName = fromUtf8(fragment);
-      type->inputs = readPorts(*interface, L"inputs");
-      type->outputs = readPorts(*interface, L"outputs");
+      type->inputs = readPorts(*interface, L"inputs", type->fragmentName);
+      type->outputs = readPorts(*interface, L"outputs", {});
       return keep(std::move(type));
     }
     const GraphNode::Type*& known = types_[fragment];
@@ -150,7 +142,8 @@ private:
     type->fragmentName = fragmentName;
     const IShaderFragment* const fragment = language_.findFragment(fragmentName);
     type->knowsPorts = fragment != nullptr;
-    if (fragment != nullptr) takePorts(*type, *cloneWithPorts(*fragment, WString(), language_));
+    if (fragment != nullptr)
+      takePorts(*type, *cloneWithPorts(*fragment, WString(), language_, libraryPorts_));
     return type;
   }
 
@@ -158,7 +151,9 @@ private:
     return *document_->types_.emplace_back(std::move(type));
   }
 
-  GraphNode::Ports readPorts(const IObjectDataNode& interface, std::wstring_view key) {
+  /// Ports without a value have that of the fragment; outputs are of none.
+  GraphNode::Ports readPorts(const IObjectDataNode& interface, std::wstring_view key,
+                             const WString& fragment) {
     GraphNode::Ports ports;
     Set<std::wstring_view> names;
     const IObjectDataNode* const array = reader_.optionalArray(interface, key);
@@ -169,7 +164,8 @@ private:
         reader_.refuse(Finding::repeatedName, object,
                        "the port name " + inTicks(port->getName()) + " is used twice");
       }
-      ports.push_back(port);
+      const bool hasValue = object.member(L"value") != nullptr;
+      ports.push_back(hasValue ? port : withLibraryValue(*port, fragment, libraryPorts_));
     }
     return ports;
   }
@@ -337,6 +333,7 @@ private:
 
   DocumentReader reader_;
   const ILanguageTraits& language_;
+  const LibraryPorts& libraryPorts_;
   const WhyUnknown& whyUnknown_;
   RefPtr<GraphDocument> document_ = makeRef<GraphDocument>();
   std::unordered_map<std::string_view, const GraphNode::Type*> types_;  // by fragment name
@@ -347,16 +344,17 @@ private:
 };
 
 RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language,
-                                        const WhyUnknown& whyUnknown) {
-  return GraphLoader(document, language, whyUnknown).load();
+                                        const LibraryPorts& libraryPorts, const WhyUnknown& whyUnknown) {
+  return GraphLoader(document, language, libraryPorts, whyUnknown).load();
 }
 
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language) {
   return loadGraphDocument(Document::fromFile(file), language);
 }
 
-RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language) {
-  RefPtr<AShaderFragmentGraph> graph(AShaderFragmentGraphBuilder().build(&language, &document));
+RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language,
+                                        const LibraryPorts& libraryPorts) {
+  RefPtr<AShaderFragmentGraph> graph(AShaderFragmentGraphBuilder().build(&language, &document.accessor()));
 
   for (std::size_t i = 0; i < document.getNumNodes(); ++i) {
     const Array<GraphNode::Wire>& wires = document.node(i).wires();
@@ -368,13 +366,14 @@ RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILa
 
   for (std::size_t i = 0; i < document.preprocess().size(); ++i) {
     const RefPtr<IShaderFragment> clone =
-        cloneWithPorts(*document.preprocess()[i].fragment, numbered(L"pre", i), language);
+        cloneWithPorts(*document.preprocess()[i].fragment, numbered(L"pre", i), language, libraryPorts);
     graph->addPreprocessFragment(clone.get());
     graph->addFragment(clone.get());
   }
   for (std::size_t i = 0; i < document.postprocess().size(); ++i) {
     const GraphDocument::ChainFragment& link = document.postprocess()[i];
-    const RefPtr<IShaderFragment> clone = cloneWithPorts(*link.fragment, numbered(L"post", i), language);
+    const RefPtr<IShaderFragment> clone =
+        cloneWithPorts(*link.fragment, numbered(L"post", i), language, libraryPorts);
     if (!graph->addPostprocessFragment(clone.get())) {
       throw inputError(Finding::chainMismatch, document.file(), link.position,
                        "the inputs of post-process fragment " + inTicks(link.name) +

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/documents/fragment_names.h"
+#include "host/documents/port_metadata.h"
 #include "sfg/host/diagnostic.h"
 #include "sfg/host/document.h"
 #include "sfg/shader_fragment_graph.h"
@@ -16,6 +17,7 @@
 namespace TolmSDK::Graphics::sfg::host {
 
 class GraphLoader;
+class HostGraphReader;
 
 /// One node. Belongs to its document; sources are nodes of the same document.
 class GraphNode : public RefCounted<INodeAccessor> {
@@ -64,6 +66,7 @@ public:
 
 private:
   friend class GraphLoader;
+  friend class HostGraphReader;
 
   const Ports& inputs() const noexcept { return ownInputs_.empty() ? type_->inputs : ownInputs_; }
   /// Where the input's wire is told.
@@ -102,6 +105,8 @@ public:
   const std::string& file() const noexcept { return file_; }
   /// Warnings of keys that nobody reads.
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
+  /// What the graph builder is shown: the host's own graph, or this.
+  const IGraphAccessor& accessor() const noexcept { return accessor_ ? *accessor_ : *this; }
   const GraphNode& node(std::size_t index) const noexcept { return *nodes_[index]; }
   /// The node of a built graph's instance name ("n3"), or null.
   const GraphNode* findInstance(const WString& instanceName) const;
@@ -113,9 +118,11 @@ public:
 
 private:
   friend class GraphLoader;
+  friend class HostGraphReader;
 
   std::string file_;
   std::vector<Diagnostic> problems_;
+  RefPtr<IGraphAccessor const> accessor_;  // null for a document that was loaded
   Array<RefPtr<AParameter const>> inputs_;
   Array<RefPtr<AParameter const>> outputs_;
   Array<GraphNode::Wire> outputWires_;
@@ -129,14 +136,17 @@ private:
 /// Reads a graph document. Throws InputError for a malformed one, a name used twice, an input that does not
 /// hold exactly one source, a wire to a node, port or graph input that is not there, a value that does not
 /// fit its type, a constant of a type without values, and an unknown pre-process or post-process fragment. An
-/// unknown fragment of a node is left to the graph builder: the ports of such a node are not checked.
+/// unknown fragment of a node is left to the graph builder: the ports of such a node are not checked. Inputs
+/// that the document gives no value have that of the libraries.
 RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language,
+                                        const LibraryPorts& libraryPorts = {},
                                         const WhyUnknown& whyUnknown = {});
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language);
 
 /// The fragment graph of the document: built through the graph builder (whose exceptions pass through), then
-/// its inputs wired, uniforms and chains added. Throws InputError for a post-process fragment that the chain
-/// refuses.
-RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language);
+/// its inputs wired, uniforms and chains added, whose inputs have the values of the libraries. Throws
+/// InputError for a post-process fragment that the chain refuses.
+RefPtr<AShaderFragmentGraph> buildGraph(const GraphDocument& document, const ILanguageTraits& language,
+                                        const LibraryPorts& libraryPorts = {});
 
 }  // namespace TolmSDK::Graphics::sfg::host

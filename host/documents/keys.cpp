@@ -6,20 +6,17 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-constexpr std::string_view kKinds[] = {"color",    "direction", "position", "angle",
-                                       "distance", "normal",    "uv",       "factor"};
-constexpr std::string_view kSpaces[] = {"object", "world", "view", "tangent", "linear", "srgb", "data"};
 constexpr std::string_view kModes[] = {"function", "inline", "metaSL"};
 
 constexpr Key kDescription = {"description", Holds::text, "Says in a sentence what it is for."};
 constexpr Key kLabel = {"label", Holds::text, "Names it in user interfaces."};
-constexpr Key kMin = {"min", Holds::number, "Is the least value that an interface offers."};
-constexpr Key kMax = {"max", Holds::number, "Is the greatest value that an interface offers."};
-constexpr Key kStep = {"step", Holds::number, "Is the least change that an interface offers."};
-constexpr Key kKind = {"kind", Holds::word, "Says what the numbers stand for.", false, nullptr, kKinds};
+constexpr Key kMin = {"min", Holds::value, "Is the least value that an interface offers."};
+constexpr Key kMax = {"max", Holds::value, "Is the greatest value that an interface offers."};
+constexpr Key kStep = {"step", Holds::value, "Is the least change that an interface offers."};
+constexpr Key kKind = {"kind", Holds::word, "Says what the numbers stand for.", false, nullptr, kPortKinds};
 constexpr Key kSpace = {
     "space", Holds::word, "Says in which space a vector is, or how a colour or texture is coded.",
-    false,   nullptr,     kSpaces};
+    false,   nullptr,     kPortSpaces};
 
 constexpr Key kPortKeys[] = {
     kDescription,

@@ -59,6 +59,12 @@ const KeyTable& profileKeys() noexcept;
 /// Of an input of a node.
 const KeyTable& nodeInputKeys() noexcept;
 
+/// The words that "kind" and "space" of a port or uniform know, in alphabetical order.
+inline constexpr std::string_view kPortKinds[] = {"angle",  "color",  "direction", "distance",
+                                                  "factor", "normal", "position",  "uv"};
+inline constexpr std::string_view kPortSpaces[] = {"data",    "linear", "object", "srgb",
+                                                   "tangent", "view",   "world"};
+
 /// Comments: keys that nobody reads and nobody is told of.
 template <class Text>
 bool isCommentKey(const Text& key) noexcept {

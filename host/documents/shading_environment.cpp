@@ -26,14 +26,14 @@ const IShaderFragment& requireFragment(const DocumentReader& reader, const IObje
 
 ShadingEnvironment::Light readLight(const DocumentReader& reader, const IObjectDataNode& object,
                                     std::size_t index, const ILanguageTraits& language,
-                                    const WhyUnknown& whyUnknown) {
+                                    const LibraryPorts& libraryPorts, const WhyUnknown& whyUnknown) {
   ShadingEnvironment::Light light;
   light.position = reader.positionOf(object);
   light.name = reader.optionalName(object, L"name").value_or(L"light" + itos(static_cast<long long>(index)));
   const WString fragment = reader.requiredName(object, L"fragment");
   light.fragment =
       cloneWithPorts(requireFragment(reader, *object.member(L"fragment"), fragment, language, whyUnknown),
-                     light.name, language);
+                     light.name, language, libraryPorts);
   light.profile = makeRef<AShaderFragmentProfileFunction>();
   light.profile->setProfilename(reader.optionalName(object, L"profile").value_or(L"default"));
   return light;
@@ -54,7 +54,7 @@ RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILangu
 }
 
 RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language,
-                                           const WhyUnknown& whyUnknown) {
+                                           const LibraryPorts& libraryPorts, const WhyUnknown& whyUnknown) {
   DocumentReader reader(document);
   reader.checkKeys(environmentKeys());
   RefPtr<ShadingEnvironment> environment = makeRef<ShadingEnvironment>();
@@ -69,7 +69,7 @@ RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILang
     }
     for (std::size_t i = 0; i < lights->size(); ++i) {
       const IObjectDataNode& object = reader.objectAt(*lights, i);
-      environment->lights_.push_back(readLight(reader, object, i, language, whyUnknown));
+      environment->lights_.push_back(readLight(reader, object, i, language, libraryPorts, whyUnknown));
       const WString& name = environment->lights_.back().name;
       environment->lightIndex_.emplace(environment->lights_.back().fragment.get(), i);
       if (!names.insert(name).second)
@@ -78,19 +78,42 @@ RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILang
   }
   if (const std::optional<WString> name = reader.optionalName(reader.root(), L"output")) {
     const IObjectDataNode& at = *reader.root().member(L"output");
-    environment->output_ =
-        cloneWithPorts(requireFragment(reader, at, *name, language, whyUnknown), L"output", language);
+    environment->output_ = cloneWithPorts(requireFragment(reader, at, *name, language, whyUnknown), L"output",
+                                          language, libraryPorts);
   }
   return environment;
 }
 
 RefPtr<IShaderFragment> cloneWithPorts(const IShaderFragment& fragment, const WString& instanceName,
-                                       const ILanguageTraits& language) {
+                                       const ILanguageTraits& language, const LibraryPorts& libraryPorts) {
   RefPtr<IShaderFragment> clone(fragment.clone(instanceName));
-  if (auto* const concrete = dynamic_cast<AShaderFragment*>(clone.get())) {
-    concrete->generateAutoInputsOutputs(&language);
+  auto* const concrete = dynamic_cast<AShaderFragment*>(clone.get());
+  if (concrete == nullptr) return clone;
+  concrete->generateAutoInputsOutputs(&language);
+  if (!libraryPorts.contains(fragment.key())) return clone;
+
+  // The inputs of a fragment are added, never replaced.
+  RefPtr<IShaderFragment> filled(fragment.clone(instanceName));
+  for (std::size_t i = 0; i < clone->getNumInputs(); ++i) {
+    filled->addInput(withLibraryValue(*clone->getInput(i), fragment.key(), libraryPorts).get());
   }
-  return clone;
+  for (std::size_t i = 0; i < clone->getNumOutputs(); ++i) filled->addOutput(clone->getOutput(i));
+  return filled;
+}
+
+RefPtr<AParameter const> withValue(const AParameter& original, const AValue& value, bool constant) {
+  const RefPtr<AParameter> copy = makeRef<OverrideNameParameter>(original, original.getName());
+  copy->setDefaultValue(value);
+  const std::uint32_t otherFlags = original.getFlags() & ~AParameter::kConstantFlag;
+  copy->setFlags(otherFlags | (constant ? AParameter::kConstantFlag : 0));
+  return copy;
+}
+
+RefPtr<AParameter const> withLibraryValue(const AParameter& input, const WString& fragment,
+                                          const LibraryPorts& libraryPorts) {
+  const std::optional<AValue> value =
+      portValue(findPort(libraryPorts, fragment, input.getName()), input.getType());
+  return value ? withValue(input, *value, input.isConstant()) : RefPtr<AParameter const>(&input);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/documents/fragment_names.h"
+#include "host/documents/port_metadata.h"
 #include "sfg/host/diagnostic.h"
 #include "sfg/host/document.h"
 #include "sfg/shader_fragment.h"
@@ -43,7 +44,7 @@ public:
 
 private:
   friend RefPtr<ShadingEnvironment> loadEnvironment(const Document&, const ILanguageTraits&,
-                                                    const WhyUnknown&);
+                                                    const LibraryPorts&, const WhyUnknown&);
 
   std::string file_;
   std::vector<Diagnostic> problems_;
@@ -55,11 +56,21 @@ private:
 /// Reads an environment document. Throws InputError for a malformed one, more lights than code can be written
 /// for, a light name used twice and a fragment that the language does not know.
 RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language,
+                                           const LibraryPorts& libraryPorts = {},
                                            const WhyUnknown& whyUnknown = {});
 RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILanguageTraits& language);
 
-/// A clone under an instance name, with the ports of its first profile's function.
+/// A clone under an instance name, with the ports of its first profile's function. Inputs have the values
+/// that the libraries give them.
 RefPtr<IShaderFragment> cloneWithPorts(const IShaderFragment& fragment, const WString& instanceName,
-                                       const ILanguageTraits& language);
+                                       const ILanguageTraits& language,
+                                       const LibraryPorts& libraryPorts = {});
+
+/// A copy of a parameter with another default value.
+RefPtr<AParameter const> withValue(const AParameter& original, const AValue& value, bool constant);
+
+/// The input of a fragment, or a copy that has the value of the libraries.
+RefPtr<AParameter const> withLibraryValue(const AParameter& input, const WString& fragment,
+                                          const LibraryPorts& libraryPorts);
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -1,4 +1,5 @@
 #include "host/job/called_expressions.h"
+#include "tests/support/job_files.h"
 
 #include <gtest/gtest.h>
 
@@ -97,7 +98,7 @@ protected:
   /// "node input" of the wires found, one a line.
   std::string find(const std::string& graph) {
     std::ofstream(settings_.graphFile) << graph;
-    const CollapseJob job(settings_);
+    const CollapseJob job = makeJob(settings_);
     std::string found;
     for (const Diagnostic& wire : findCalledExpressions(job)) {
       found += replaced(wire.place(), settings_.graphFile + ":", "") + ": " + wire.text + "\n";
@@ -105,7 +106,7 @@ protected:
     return found;
   }
 
-  CollapseSettings settings_;
+  JobFiles settings_;
   fs::path folder_;
 };
 
@@ -239,7 +240,7 @@ TEST_F(CalledExpressionsTest, RefusesTheJobBeforeItIsCollapsed) {
   std::ofstream(settings_.graphFile) << graphOf("ask", "half");
   for (const CollapseTool tool : {CollapseTool::standard, CollapseTool::lightLoop}) {
     settings_.tool = tool;
-    CollapseJob job(settings_);
+    CollapseJob job = makeJob(settings_);
     try {
       job.run();
       ADD_FAILURE() << "nothing was thrown";

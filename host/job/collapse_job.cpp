@@ -9,20 +9,12 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-std::optional<Document> environmentOf(const CollapseSettings& settings) {
-  if (settings.environmentFile.empty()) return std::nullopt;
-  return Document::fromFile(settings.environmentFile);
-}
-
-CollapseOptions optionsOf(const CollapseSettings& settings) {
-  return {settings.tool, settings.surfaceLod, settings.lightLod, settings.functionName, settings.profileName};
-}
-
 template <class Tool>
 RefPtr<IShaderFragment> collapseWith(const CollapseOptions& settings, const AShaderFragmentGraph& graph,
                                      const ShadingEnvironment& environment, const ShaderOptions& options,
-                                     const LanguageDx11& language) {
+                                     const LanguageDx11& language, ICollapseObserver* observer) {
   const RefPtr<Tool> tool = makeRef<Tool>();
+  tool->setObserver(observer);
   if (!settings.functionName.empty()) tool->setCollpaseFunctionName(fromUtf8(settings.functionName));
   if (!settings.profileName.empty()) tool->setCollapseProfileName(fromUtf8(settings.profileName));
   return RefPtr<IShaderFragment>(tool->collapse(&graph, &environment, &options, &language));
@@ -30,36 +22,55 @@ RefPtr<IShaderFragment> collapseWith(const CollapseOptions& settings, const ASha
 
 }  // namespace
 
-CollapseJob::CollapseJob(const CollapseSettings& settings)
-    : CollapseJob(std::make_shared<const LoadedLibraries>(settings.libraryFolders, settings.includeFolders,
-                                                          settings.language),
-                  Document::fromFile(settings.graphFile), environmentOf(settings), optionsOf(settings)) {}
-
 CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
                          const std::optional<Document>& environment, const CollapseOptions& settings)
     : settings_(settings), libraries_(std::move(libraries)) {
-  const LanguageDx11& language = libraries_->language();
-  const WhyUnknown whyUnknown = [this](std::string_view name) { return libraries_->whyUnknown(name); };
-  document_ = loadGraphDocument(graph, language, whyUnknown);
-  environment_ =
-      environment ? loadEnvironment(*environment, language, whyUnknown) : makeRef<ShadingEnvironment>();
-  options_ = makeRef<ShaderOptions>(language.getLanguageString(), settings.surfaceLod, settings.lightLod,
-                                    environment_.get());
+  document_ = loadGraphDocument(graph, libraries_->language(), libraries_->ports(), whyUnknown());
   if (graph.isFile()) documentFiles_.push_back(graph.name());
+  readEnvironment(environment);
+}
+
+CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries,
+                         const RefPtr<IHostGraph const>& graph, const std::optional<Document>& environment,
+                         const CollapseOptions& settings)
+    : settings_(settings), libraries_(std::move(libraries)) {
+  document_ = readHostGraph(graph, libraries_->language(), whyUnknown());
+  readEnvironment(environment);
+}
+
+WhyUnknown CollapseJob::whyUnknown() const {
+  return [this](std::string_view name) { return libraries_->whyUnknown(name); };
+}
+
+void CollapseJob::readEnvironment(const std::optional<Document>& environment) {
+  const LanguageDx11& language = libraries_->language();
+  environment_ = environment ? loadEnvironment(*environment, language, libraries_->ports(), whyUnknown())
+                             : makeRef<ShadingEnvironment>();
+  options_ = makeRef<ShaderOptions>(language.getLanguageString(), settings_.surfaceLod, settings_.lightLod,
+                                    environment_.get());
   if (environment && environment->isFile()) documentFiles_.push_back(environment->name());
 }
 
 void CollapseJob::run() {
   const LanguageDx11& language = libraries_->language();
-  const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document_, language);
+  const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document_, language, libraries_->ports());
   if (std::vector<Diagnostic> wires = findCalledExpressions(*this); !wires.empty()) {
     throw CalledExpressionError(std::move(wires));
   }
-  result_ =
-      settings_.tool == CollapseTool::lightLoop
-          ? collapseWith<AShaderCollapseToolLightLoop>(settings_, *graph, *environment_, *options_, language)
-          : collapseWith<AShaderCollapseToolDefault>(settings_, *graph, *environment_, *options_, language);
+  result_ = collapse(*graph, nullptr);
   graph_ = graph;
+}
+
+void CollapseJob::observe(ICollapseObserver& observer) const { collapse(*graph_, &observer); }
+
+RefPtr<IShaderFragment> CollapseJob::collapse(const AShaderFragmentGraph& graph,
+                                              ICollapseObserver* observer) const {
+  const LanguageDx11& language = libraries_->language();
+  if (settings_.tool == CollapseTool::lightLoop)
+    return collapseWith<AShaderCollapseToolLightLoop>(settings_, graph, *environment_, *options_, language,
+                                                      observer);
+  return collapseWith<AShaderCollapseToolDefault>(settings_, graph, *environment_, *options_, language,
+                                                  observer);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

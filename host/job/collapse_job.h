@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/documents/graph_document.h"
+#include "host/documents/host_graph.h"
 #include "host/documents/shading_environment.h"
 #include "host/job/shader_options.h"
 #include "host/library/loaded_libraries.h"
@@ -16,27 +17,13 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// What to read and how to collapse it. Paths and names are UTF-8; an empty name or path is one not given.
-struct CollapseSettings {
-  std::string graphFile;
-  std::vector<std::string> libraryFolders;
-  std::vector<std::string> includeFolders;
-  CollapseTool tool = CollapseTool::standard;
-  std::string environmentFile;
-  std::string language = "dx11";
-  float surfaceLod = 100.0f;
-  float lightLod = 100.0f;
-  std::string functionName;
-  std::string profileName;
-};
-
 /// One collapse, in three steps whose failures differ. Used by one thread.
 class CollapseJob {
 public:
-  /// Reads everything. Throws InputError.
-  explicit CollapseJob(const CollapseSettings& settings);
-  /// The same over libraries that other jobs use, too.
+  /// Reads the documents, over libraries that other jobs use too. Throws InputError.
   CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
+              const std::optional<Document>& environment, const CollapseOptions& settings);
+  CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const RefPtr<IHostGraph const>& graph,
               const std::optional<Document>& environment, const CollapseOptions& settings);
 
   /// Builds the graph and collapses it. Throws InputError (a post-process fragment that does not fit),
@@ -45,8 +32,12 @@ public:
   /// inputs. A job that has thrown is as it was before.
   void run();
 
+  /// Collapses once more for an observer, with the same result, which is dropped. The job has a result.
+  void observe(ICollapseObserver& observer) const;
+
   const CollapseOptions& settings() const noexcept { return settings_; }
   const LoadedLibraries& libraries() const noexcept { return *libraries_; }
+  const std::shared_ptr<const LoadedLibraries>& shareLibraries() const noexcept { return libraries_; }
   /// The documents that are files.
   const std::vector<std::string>& documentFiles() const noexcept { return documentFiles_; }
   const GraphDocument& document() const noexcept { return *document_; }
@@ -57,6 +48,11 @@ public:
   const IShaderFragment* result() const noexcept { return result_.get(); }
 
 private:
+  /// Of this job's libraries.
+  WhyUnknown whyUnknown() const;
+  void readEnvironment(const std::optional<Document>& environment);
+  RefPtr<IShaderFragment> collapse(const AShaderFragmentGraph& graph, ICollapseObserver* observer) const;
+
   CollapseOptions settings_;
   std::shared_ptr<const LoadedLibraries> libraries_;
   std::vector<std::string> documentFiles_;

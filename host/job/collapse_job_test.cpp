@@ -1,28 +1,13 @@
 #include "host/job/collapse_job.h"
 
 #include "host/job/called_expressions.h"
-#include "host/job/collapse_json.h"
-#include "host/job/input_files.h"
-#include "host/test_job_fixture.h"
+#include "host/job/tint_fixture.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
-constexpr const char* kGraph = R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
-  "nodes": [ { "name": "a", "fragment": "tint", "inputs": { "amount": { "constant": 0.5 } } } ] })";
-
-class CollapseJobTest : public JobFixture {
-protected:
-  CollapseJobTest() {
-    writeLibrary("{" +
-                 fragment("tint", "float amount, float3 color, out float3 result", "result = color * amount;",
-                          "\"includes\": [\"b.h\"], ") +
-                 "}");
-    write("a.h", "float a;\n");
-    write("b.h", "#include \"a.h\"\nfloat b;\n");
-  }
-};
+class CollapseJobTest : public TintFixture {};
 
 TEST_F(CollapseJobTest, CollapsesWhatItHasRead) {
   const std::unique_ptr<CollapseJob> made = job(kGraph);
@@ -59,26 +44,6 @@ TEST_F(CollapseJobTest, GivesConstantsToTheCode) {
   EXPECT_EQ(toShaderText(value), L"0.5");
   EXPECT_FALSE(made->options().getConstValue(value, made->document().node(0).getInput(1)));
   EXPECT_FALSE(made->options().getConstValue(value, nullptr));
-}
-
-TEST_F(CollapseJobTest, NamesTheFilesOfItsResult) {
-  write("graph.json", kGraph);
-  CollapseSettings settings;
-  settings.graphFile = path("graph.json");
-  settings.libraryFolders = settings.includeFolders = {folder_.string()};
-  CollapseJob fromFiles(settings);
-  fromFiles.run();
-  EXPECT_EQ(inputFiles(fromFiles),
-            (std::vector<std::string>{path("graph.json"), path("lib.fraglib"), path("a.h"), path("b.h")}));
-}
-
-TEST_F(CollapseJobTest, WritesItsResultAsJson) {
-  const std::unique_ptr<CollapseJob> made = collapsed(kGraph);
-  EXPECT_EQ(writeCollapseJson(nullptr, made->libraries().includes()), "null\n");
-  const std::string json = writeCollapseJson(made->result(), made->libraries().includes());
-  EXPECT_EQ(json.substr(0, 42), "{\n  \"function\": {\n    \"name\": \"CollapsedFu");
-  EXPECT_NE(json.find("  \"flatIncludes\": [\n    \"a.h\",\n    \"b.h\"\n  ],\n"), std::string::npos) << json;
-  EXPECT_NE(json.find("  \"includes\": [\n    \"b.h\"\n  ],\n"), std::string::npos) << json;
 }
 
 }  // namespace

@@ -142,7 +142,7 @@ void LibraryReport::tellEarlierDefinition(const WString& name, const IObjectData
     tell(Finding::repeatedFragment, Severity::warning, object.position(),
          "fragment " + inTicks(name) + " is defined at " + earlier->place() +
              ", too; only the last definition counts");
-  } else {
+  } else if (!standardFiles_.contains(earlier->file)) {
     tell(Finding::hiddenFragment, Severity::note, object.position(),
          "fragment " + inTicks(name) + " replaces the one of an earlier folder, at " + earlier->place());
   }

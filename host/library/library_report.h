@@ -20,10 +20,19 @@ public:
   /// `files` holds the fragments of the files before.
   explicit LibraryReport(const FragmentFiles& files) : files_(files) {}
 
-  void startFolder() { folderFiles_.clear(); }
+  /// Fragments of a standard folder are meant to be replaced.
+  void startFolder(bool isStandard) {
+    if (isStandard_) standardFiles_.merge(folderFiles_);
+    folderFiles_.clear();
+    isStandard_ = isStandard;
+  }
   void startFile(const WString& file);
   /// In front of files_.addFragment().
   void addFragment(const WString& name, const IObjectDataNode& object);
+  /// Of the fragment that was added last.
+  void addPortProblem(Finding kind, TextPosition position, const std::string& text) {
+    tell(kind, Severity::warning, position, text);
+  }
   void addFailure(const FragmentLoadFailure& failure);
   /// Something of a library's name that is no file.
   void addNoFile(const std::string& path, const std::string& fault);
@@ -48,6 +57,8 @@ private:
 
   const FragmentFiles& files_;
   Set<std::string> folderFiles_;
+  Set<std::string> standardFiles_;
+  bool isStandard_ = false;
   std::string file_;
   bool isFirst_ = true;                  ///< whether the file has shown no fragment yet
   std::vector<UnknownKey> unknownKeys_;  ///< of the last fragment

@@ -22,7 +22,7 @@ std::string FragmentInfo::place() const {
 LibrarySet::LibrarySet(LibraryFolders folders, std::string language)
     : folders_(std::move(folders)), languageName_(std::move(language)),
       loaded_(std::make_shared<const LoadedLibraries>(textsOf(folders_.libraries), textsOf(folders_.includes),
-                                                      languageName_)) {}
+                                                      languageName_, folders_.standard.string())) {}
 LibrarySet::~LibrarySet() = default;
 
 std::shared_ptr<const LibrarySet> LibrarySet::load(const LibraryFolders& folders,

@@ -7,6 +7,7 @@
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
 #include "sfg/host/errors.h"
+#include "tolmsdk/files.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -77,20 +78,24 @@ std::vector<std::string> noLibraries(const std::string& folder) {
 }  // namespace
 
 LoadedLibraries::LoadedLibraries(const std::vector<std::string>& libraryFolders,
-                                 const std::vector<std::string>& includeFolders, const std::string& language)
+                                 const std::vector<std::string>& includeFolders, const std::string& language,
+                                 const std::string& standardFolder)
     : includeFolders_(includeFolders) {
   requireLanguage(language);
   for (const std::string& folder : libraryFolders) requireFolder(folder);
   for (const std::string& folder : includeFolders) requireFolder(folder);
 
+  language_ = makeRef<LanguageDx11>(&library_);
   // Includes first: a fragment's hash string holds those of its include files.
   loadIncludes();
   LibraryReport report(files_);
-  for (const std::string& folder : libraryFolders) loadFragments(folder, report);
+  for (const std::string& folder : libraryFolders) {
+    report.startFolder(folder == standardFolder);
+    loadFragments(folder, report);
+  }
   problems_ = report.take();
   failures_ = report.failures();
   lacksFile_ = report.lacksFile();
-  language_ = makeRef<LanguageDx11>(&library_);
 }
 
 /// Each folder once: read again, every file would hold its text twice.
@@ -102,11 +107,19 @@ void LoadedLibraries::loadIncludes() {
     if (!known.insert(error ? folder : canonical.string()).second) continue;
     includes_.addIncludePath(fromUtf8(folder).c_str());
     includeFiles_.addFolder(folder);
+    keepIncludes(fromUtf8(folder));
+  }
+}
+
+/// The files that the registry reads of a folder.
+void LoadedLibraries::keepIncludes(const WString& folder) {
+  for (const WString& file : EnumFiles(folder)) {
+    const WString extension = GetExtension(file);
+    if (extension == L"h" || extension == L"H") texts_.addInclude(GetFilename(file), toUtf8(file));
   }
 }
 
 void LoadedLibraries::loadFragments(const std::string& folder, LibraryReport& report) {
-  report.startFolder();
   for (const std::string& path : noLibraries(folder)) report.addNoFile(path, whyNoFile(path));
 
   FragmentLoading loading;
@@ -114,6 +127,7 @@ void LoadedLibraries::loadFragments(const std::string& folder, LibraryReport& re
   loading.onFile = [&](const WString& file) {
     report.startFile(file);
     files_.addFile(file);
+    texts_.add(toUtf8(file));
   };
   loading.isFragment = [](const WString& name) {
     return !isCommentKey(name) && name != fromUtf8(kSchemaKey);
@@ -122,8 +136,14 @@ void LoadedLibraries::loadFragments(const std::string& folder, LibraryReport& re
     report.addFragment(name, object);
     files_.addFragment(file, name, object);
   };
-  loading.onLoaded = [&](const WString&, const IObjectDataNode& object, const IShaderFragment& fragment) {
+  const TellProblem tell = [&](Finding kind, TextPosition position, const std::string& text) {
+    report.addPortProblem(kind, position, text);
+  };
+  loading.onLoaded = [&](const IObjectDataNode& object, const IShaderFragment& fragment) {
     files_.addCode(object, fragment);
+    FragmentPorts ports = readPorts(object, fragment, *language_, tell);
+    ports_.erase(fragment.key());
+    if (!ports.ports.empty() || !ports.uniforms.empty()) ports_.emplace(fragment.key(), std::move(ports));
   };
   loading.onFailure = [&](const FragmentLoadFailure& failure) { report.addFailure(failure); };
   library_.loadFragments(fromUtf8(folder).c_str(), loading);

@@ -6,10 +6,12 @@
 #include <vector>
 
 #include "host/documents/fragment_names.h"
+#include "host/documents/port_metadata.h"
 #include "host/library/fragment_files.h"
 #include "host/library/include_files.h"
 #include "host/library/language_dx11.h"
 #include "host/library/library_report.h"
+#include "host/library/source_texts.h"
 #include "sfg/fragment_library.h"
 #include "sfg/host/diagnostic.h"
 #include "sfg/shader_includes.h"
@@ -21,9 +23,11 @@ namespace TolmSDK::Graphics::sfg::host {
 class LoadedLibraries {
 public:
   /// Paths and names are UTF-8. Throws InputError for a folder that does not exist and for an unknown
-  /// language. What is wrong inside library files is among the problems().
+  /// language. What is wrong inside library files is among the problems(). Fragments of the standard folder
+  /// are replaced silently.
   LoadedLibraries(const std::vector<std::string>& libraryFolders,
-                  const std::vector<std::string>& includeFolders, const std::string& language);
+                  const std::vector<std::string>& includeFolders, const std::string& language,
+                  const std::string& standardFolder = {});
   LoadedLibraries(const LoadedLibraries&) = delete;
   LoadedLibraries& operator=(const LoadedLibraries&) = delete;
 
@@ -32,6 +36,10 @@ public:
   const LanguageDx11& language() const noexcept { return *language_; }
   const FragmentFiles& files() const noexcept { return files_; }
   /// What is wrong or odd in the files, in their order.
+  /// What the fragments say of their ports and uniforms.
+  const LibraryPorts& ports() const noexcept { return ports_; }
+  /// Of all library and include files.
+  const SourceTexts& texts() const noexcept { return texts_; }
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
   /// Of a name that is no fragment of these: its failure, or which was meant.
   UnknownName whyUnknown(std::string_view name) const;
@@ -44,6 +52,7 @@ public:
 
 private:
   void loadIncludes();
+  void keepIncludes(const WString& folder);
   void loadFragments(const std::string& folder, LibraryReport& report);
 
   ShaderIncludes includes_;
@@ -51,6 +60,8 @@ private:
   RefPtr<LanguageDx11> language_;
   FragmentFiles files_;
   IncludeFiles includeFiles_;
+  LibraryPorts ports_;
+  SourceTexts texts_;
   std::vector<Diagnostic> problems_;
   Map<WString, Diagnostic> failures_;
   bool lacksFile_ = false;

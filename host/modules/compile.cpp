@@ -5,16 +5,18 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-std::vector<std::uint32_t> compileToSpirv(const Shader& shader) {
-  return guarded([&] { return compileToSpirv(shader.text, shader.entryPoint, shader.stage); });
+std::vector<std::uint32_t> compileToSpirv(const Shader& shader, const CompileOptions& options) {
+  return guarded([&] { return compileToSpirv(shader.text, shader.entryPoint, shader.stage, options); });
 }
 
-std::string translateSpirv(const std::vector<std::uint32_t>& spirv, ShaderStage stage, ShaderTarget target) {
-  return guarded([&] { return translate(spirv, stage, target); });
+std::string translateSpirv(const std::vector<std::uint32_t>& spirv, ShaderStage stage, ShaderTarget target,
+                           const CompileOptions& options) {
+  return guarded([&] { return translate(spirv, stage, target, options); });
 }
 
-std::string compile(const Shader& shader, ShaderTarget target) {
-  return guarded([&] { return compileShader(shader.text, shader.entryPoint, shader.stage, target); });
+std::string compile(const Shader& shader, ShaderTarget target, const CompileOptions& options) {
+  return guarded(
+      [&] { return compileShader(shader.text, shader.entryPoint, shader.stage, target, options); });
 }
 
 void markUsed(ShaderInterface& shader, const std::vector<std::uint32_t>& spirv) {

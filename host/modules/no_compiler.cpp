@@ -12,9 +12,17 @@ namespace {
 
 bool hasCompilers() noexcept { return false; }
 
-std::vector<std::uint32_t> compileToSpirv(const std::string&, const std::string&, ShaderStage) { refuse(); }
-std::string translate(const std::vector<std::uint32_t>&, ShaderStage, ShaderTarget) { refuse(); }
-std::string compileShader(const std::string&, const std::string&, ShaderStage, ShaderTarget) { refuse(); }
+std::vector<std::uint32_t> compileToSpirv(const std::string&, const std::string&, ShaderStage,
+                                          const CompileOptions&) {
+  refuse();
+}
+std::string translate(const std::vector<std::uint32_t>&, ShaderStage, ShaderTarget, const CompileOptions&) {
+  refuse();
+}
+std::string compileShader(const std::string&, const std::string&, ShaderStage, ShaderTarget,
+                          const CompileOptions&) {
+  refuse();
+}
 void markUsedParts(ShaderInterface&, const std::vector<std::uint32_t>&) { refuse(); }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -14,6 +14,8 @@
 #include <spirv-tools/optimizer.hpp>
 #include <sstream>
 
+#include "host/modules/new_operations.h"
+#include "host/modules/token_lines.h"
 #include "host/shader/module_names.h"
 #include "host/shader/shader_target.h"
 
@@ -24,9 +26,20 @@ namespace {
 using Words = std::vector<std::uint32_t>;
 
 constexpr spv_target_env kEnvironment = SPV_ENV_VULKAN_1_1;
-constexpr int kOpenGlVersion = 450;
-constexpr int kOpenGlEsVersion = 320;
-constexpr int kShaderModel = 50;
+/// What diagnostics and debuggers call the assembled text.
+constexpr const char* kTextName = "generated";
+
+/// A version of GLSL.
+struct Dialect {
+  const char* name;
+  unsigned number;
+  bool isEmbedded;
+  bool isHighByDefault;  ///< the precision of numbers that say none
+};
+constexpr Dialect kGlsl450 = {"GLSL 4.50", 450, false, false};
+constexpr Dialect kGlsl330 = {"GLSL 3.30", 330, false, false};
+constexpr Dialect kEssl320 = {"GLSL ES 3.20", 320, true, false};
+constexpr Dialect kEssl300 = {"GLSL ES 3.00", 300, true, true};
 
 /// The front end is started once and ended with the process.
 struct FrontEnd {
@@ -37,7 +50,21 @@ struct FrontEnd {
 };
 
 EShLanguage stageOf(ShaderStage stage) {
-  return stage == ShaderStage::pixel ? EShLangFragment : EShLangCompute;
+  switch (stage) {
+  case ShaderStage::compute: return EShLangCompute;
+  case ShaderStage::vertex: return EShLangVertex;
+  case ShaderStage::pixel: break;
+  }
+  return EShLangFragment;
+}
+
+SpvExecutionModel executionModelOf(ShaderStage stage) {
+  switch (stage) {
+  case ShaderStage::compute: return SpvExecutionModelGLCompute;
+  case ShaderStage::vertex: return SpvExecutionModelVertex;
+  case ShaderStage::pixel: break;
+  }
+  return SpvExecutionModelFragment;
 }
 
 /// The complaints of a front end's log, "ERROR: NAME:LINE: TEXT" each in a line, without its summary.
@@ -61,6 +88,12 @@ std::vector<CompilerMessage> readLog(const std::string& log) {
     }
   }
   return placed.empty() ? unplaced : placed;
+}
+
+/// Both messages of one mistake: what they say is the same.
+bool saysTheSame(const std::vector<CompilerMessage>& a, const std::vector<CompilerMessage>& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const CompilerMessage& x, const CompilerMessage& y) { return x.text == y.text; });
 }
 
 /// One parsed and linked shader.
@@ -103,9 +136,15 @@ public:
     }
   }
 
-  Words toSpirv(ShaderStage stage) const {
+  /// `debugText` goes into the module, with the lines of it that instructions come from; null for neither.
+  Words toSpirv(ShaderStage stage, const std::string* debugText) const {
     glslang::SpvOptions options;
     options.disableOptimizer = true;  // legalised below
+    if (debugText != nullptr) {
+      options.generateDebugInfo = true;
+      program_.getIntermediate(stageOf(stage))->setSourceFile(kTextName);
+      program_.getIntermediate(stageOf(stage))->addSourceText(debugText->data(), debugText->size());
+    }
     Words words;
     glslang::GlslangToSpv(*program_.getIntermediate(stageOf(stage)), words, &options);
     return words;
@@ -115,6 +154,36 @@ private:
   glslang::TShader shader_;
   glslang::TProgram program_;
 };
+
+/// The error of a text with the columns of its messages. The front end tells lines only, so it is asked once
+/// more with each token in a line of its own.
+CompileError withColumns(const CompileError& error, const std::string& hlsl, const std::string& entryPoint,
+                         ShaderStage stage) {
+  const TokenLines lines = onTokenLines(hlsl);
+  try {
+    const Parsed again(lines.text, Parsed::Language::hlsl, entryPoint, stage, error.what(), true);
+  } catch (const CompileError& told) {
+    if (!saysTheSame(error.messages(), told.messages())) return error;
+    std::vector<CompilerMessage> messages = error.messages();
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+      const std::size_t line = told.messages()[i].line;
+      if (line == 0 || line > lines.places.size()) continue;
+      messages[i].line = lines.places[line - 1].line;
+      messages[i].column = lines.places[line - 1].column;
+    }
+    return CompileError(error.what(), std::move(messages), true);
+  }
+  return error;
+}
+
+Words parseToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage, bool debug) {
+  try {
+    const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
+    return parsed.toSpirv(stage, debug ? &hlsl : nullptr);
+  } catch (const CompileError& error) {
+    throw withColumns(error, hlsl, entryPoint, stage);
+  }
+}
 
 /// Gathers what the SPIR-V tools say.
 class Complaints {
@@ -130,13 +199,22 @@ private:
   std::vector<CompilerMessage> messages_;
 };
 
-/// What the HLSL front end makes of structures with textures is legal only after these passes.
-Words legaliseAndOptimise(const Words& words) {
+bool isValid(const Words& words) { return spvtools::SpirvTools(kEnvironment).Validate(words); }
+
+void validate(const Words& words) {
+  Complaints complaints;
+  spvtools::SpirvTools tools(kEnvironment);
+  tools.SetMessageConsumer(complaints.consumer());
+  if (!tools.Validate(words)) throw CompileError("the SPIR-V is not valid", complaints.messages(), false);
+}
+
+using Passes = void (*)(spvtools::Optimizer&);
+
+Words runPasses(const Words& words, Passes registerPasses) {
   Complaints complaints;
   spvtools::Optimizer optimizer(kEnvironment);
   optimizer.SetMessageConsumer(complaints.consumer());
-  optimizer.RegisterLegalizationPasses();
-  optimizer.RegisterPerformancePasses();
+  registerPasses(optimizer);
   spvtools::OptimizerOptions options;
   options.set_run_validator(false);
   Words optimised;
@@ -146,11 +224,70 @@ Words legaliseAndOptimise(const Words& words) {
   return optimised;
 }
 
-void validate(const Words& words) {
-  Complaints complaints;
-  spvtools::SpirvTools tools(kEnvironment);
-  tools.SetMessageConsumer(complaints.consumer());
-  if (!tools.Validate(words)) throw CompileError("the SPIR-V is not valid", complaints.messages(), false);
+/// What nothing reaches from the entry point is no part of the shader: translations leave it out, too.
+void registerReached(spvtools::Optimizer& optimizer) {
+  optimizer.RegisterPass(spvtools::CreateEliminateDeadFunctionsPass())
+      .RegisterPass(spvtools::CreateDeadVariableEliminationPass());
+}
+
+/// What the HLSL front end makes of structures with textures is legal only after these passes, which put
+/// every function where it is called.
+void registerLegalization(spvtools::Optimizer& optimizer) { optimizer.RegisterLegalizationPasses(); }
+
+void registerSpeed(spvtools::Optimizer& optimizer) {
+  optimizer.RegisterLegalizationPasses();
+  optimizer.RegisterPerformancePasses();
+}
+
+/// For code whose functions stay. The optimizer's own list for size inlines them, and takes members out of
+/// buffers, which shall be what a host was told.
+void registerSizeOfFunctions(spvtools::Optimizer& optimizer) {
+  using namespace spvtools;
+  optimizer.RegisterPass(CreateEliminateDeadFunctionsPass())
+      .RegisterPass(CreatePrivateToLocalPass())
+      .RegisterPass(CreateMergeReturnPass())
+      .RegisterPass(CreateScalarReplacementPass(0))
+      .RegisterPass(CreateLocalMultiStoreElimPass())
+      .RegisterPass(CreateCCPPass())
+      .RegisterPass(CreateDeadBranchElimPass())
+      .RegisterPass(CreateSimplificationPass())
+      .RegisterPass(CreateScalarReplacementPass(0))
+      .RegisterPass(CreateLocalMultiStoreElimPass())
+      .RegisterPass(CreateIfConversionPass())
+      .RegisterPass(CreateSimplificationPass())
+      .RegisterPass(CreateAggressiveDCEPass())
+      .RegisterPass(CreateBlockMergePass())
+      .RegisterPass(CreateLocalAccessChainConvertPass())
+      .RegisterPass(CreateLocalSingleBlockLoadStoreElimPass())
+      .RegisterPass(CreateAggressiveDCEPass())
+      .RegisterPass(CreateCopyPropagateArraysPass())
+      .RegisterPass(CreateVectorDCEPass())
+      .RegisterPass(CreateDeadInsertElimPass())
+      .RegisterPass(CreateLocalSingleStoreElimPass())
+      .RegisterPass(CreateBlockMergePass())
+      .RegisterPass(CreateLocalMultiStoreElimPass())
+      .RegisterPass(CreateRedundancyEliminationPass())
+      .RegisterPass(CreateSimplificationPass())
+      .RegisterPass(CreateAggressiveDCEPass())
+      .RegisterPass(CreateCFGCleanupPass());
+}
+
+/// The smaller of two ways: with functions where they are called, or once each where that is legal.
+Words optimiseSize(const Words& words, bool debug) {
+  const auto finish = [debug](const Words& module) { return debug ? module : dropLocalNames(module); };
+  Words inlined = finish(runPasses(words, registerSpeed));
+  if (!isValid(words)) return inlined;
+  Words functions = finish(runPasses(words, registerSizeOfFunctions));
+  return functions.size() < inlined.size() ? functions : inlined;
+}
+
+Words legaliseAndOptimise(const Words& words, const CompileOptions& options) {
+  switch (options.optimization) {
+  case Optimization::none: return runPasses(words, isValid(words) ? registerReached : registerLegalization);
+  case Optimization::size: return optimiseSize(words, options.debug);
+  case Optimization::speed: break;
+  }
+  return runPasses(words, registerSpeed);
 }
 
 /// A cross-compilation of one module; everything made from it lives as long as it.
@@ -196,6 +333,7 @@ public:
     SpvId id;
     unsigned binding;
     unsigned location;
+    std::string name;
   };
   std::vector<Resource> resources(spvc_resource_type kind) const {
     spvc_resources all = nullptr;
@@ -206,7 +344,8 @@ public:
     std::vector<Resource> found;
     for (std::size_t i = 0; i < count; ++i) {
       found.push_back({list[i].id, spvc_compiler_get_decoration(compiler_, list[i].id, SpvDecorationBinding),
-                       spvc_compiler_get_decoration(compiler_, list[i].id, SpvDecorationLocation)});
+                       spvc_compiler_get_decoration(compiler_, list[i].id, SpvDecorationLocation),
+                       list[i].name});
     }
     return found;
   }
@@ -285,32 +424,98 @@ private:
   spvc_compiler_options options_ = nullptr;
 };
 
-std::string toHlsl(const Words& words, ShaderStage stage) {
+std::string toHlsl(const Words& words, ShaderStage stage, ShaderModel model) {
   CrossCompiler compiler(words, SPVC_BACKEND_HLSL);
-  compiler.setNumber(SPVC_COMPILER_OPTION_HLSL_SHADER_MODEL, kShaderModel);
+  compiler.setNumber(SPVC_COMPILER_OPTION_HLSL_SHADER_MODEL, model == ShaderModel::sm60 ? 60 : 50);
   compiler.bindAsRegisters();
   std::string text = compiler.compile();
   Parsed(text, Parsed::Language::hlsl, "main", stage, "the translated HLSL", false);
   return text;
 }
 
-std::string toGlsl(const Words& words, ShaderStage stage, bool embedded) {
+std::string toGlsl(const Words& words, ShaderStage stage, const Dialect& dialect) {
   CrossCompiler compiler(words, SPVC_BACKEND_GLSL);
-  compiler.setNumber(SPVC_COMPILER_OPTION_GLSL_VERSION,
-                     static_cast<unsigned>(embedded ? kOpenGlEsVersion : kOpenGlVersion));
-  compiler.setFlag(SPVC_COMPILER_OPTION_GLSL_ES, embedded);
+  compiler.setNumber(SPVC_COMPILER_OPTION_GLSL_VERSION, dialect.number);
+  compiler.setFlag(SPVC_COMPILER_OPTION_GLSL_ES, dialect.isEmbedded);
+  compiler.setFlag(SPVC_COMPILER_OPTION_GLSL_ENABLE_420PACK_EXTENSION, false);
+  compiler.setFlag(SPVC_COMPILER_OPTION_GLSL_ES_DEFAULT_FLOAT_PRECISION_HIGHP, dialect.isHighByDefault);
   compiler.combineTextures();
   std::string text = compiler.compile();
-  Parsed(text, Parsed::Language::glsl, "main", stage,
-         embedded ? "the translated ESSL" : "the translated GLSL", false);
+  Parsed(text, Parsed::Language::glsl, "main", stage, std::string("the translated ") + dialect.name, false);
   return text;
+}
+
+/// What a version that lacks much of the later ones has against a module: in the shader's words where they
+/// are known, else in those of the compiler that refused the text.
+std::vector<CompilerMessage> findObstacles(const Words& words, const std::vector<CompilerMessage>& messages) {
+  std::vector<CompilerMessage> obstacles;
+  const CrossCompiler module(words, SPVC_BACKEND_NONE);
+  for (const auto& buffer : module.resources(SPVC_RESOURCE_TYPE_STORAGE_BUFFER)) {
+    obstacles.push_back({0, "it has no storage buffers: `" + buffer.name + "`"});
+  }
+  for (const auto& image : module.resources(SPVC_RESOURCE_TYPE_STORAGE_IMAGE)) {
+    obstacles.push_back({0, "it has no textures to write to: `" + image.name + "`"});
+  }
+  for (const std::string& name : findNewOperations(words)) {
+    obstacles.push_back({0, "it has no function for `" + name + "`"});
+  }
+  if (!obstacles.empty()) return obstacles;
+  for (const CompilerMessage& message : messages) {
+    if (message.text.find("compilation terminated") == message.text.npos) obstacles.push_back(message);
+  }
+  return obstacles;
+}
+
+/// Extensions are there on some machines only, and in browsers mostly not.
+void refuseExtensions(const std::string& text) {
+  constexpr std::string_view kExtension = "\n#extension ";
+  const std::size_t start = text.find(kExtension);
+  if (start == text.npos) return;
+  const std::size_t name = start + kExtension.size();
+  throw CompileError(
+      "an extension is needed",
+      {{0, "it needs the extension `" + text.substr(name, text.find_first_of(" :\n", name) - name) + "`"}},
+      false);
 }
 
 std::string toMsl(const Words& words, ShaderStage stage) {
   CrossCompiler compiler(words, SPVC_BACKEND_MSL);
-  compiler.bindForMetal(stage == ShaderStage::pixel ? SpvExecutionModelFragment : SpvExecutionModelGLCompute);
+  compiler.bindForMetal(executionModelOf(stage));
   compiler.setNumber(SPVC_COMPILER_OPTION_MSL_VERSION, SPVC_MAKE_MSL_VERSION(2, 1, 0));
   return compiler.compile();
+}
+
+/// ", `hlsl` and `msl`": the targets that have what the module needs, behind the one that is the module
+/// itself.
+std::string targetsOf(const Words& words, ShaderStage stage) {
+  std::vector<std::string> able;
+  const auto add = [&](const char* name, const auto& translate) {
+    try {
+      translate();
+      able.push_back(name);
+    } catch (const CompileError&) {
+    }
+  };
+  add("`hlsl`", [&] { toHlsl(words, stage, ShaderModel::sm50); });
+  add("`glsl` (4.50)", [&] { toGlsl(words, stage, kGlsl450); });
+  add("`essl`", [&] { toGlsl(words, stage, kEssl320); });
+  add("`msl`", [&] { toMsl(words, stage); });
+  std::string text = "`spirv`";
+  for (const std::string& name : able) text += (&name == &able.back() ? " and " : ", ") + name;
+  return (able.empty() ? "the target " : "the targets ") + text + " can";
+}
+
+/// A version that lacks much of the later ones: what it cannot express is told with the targets that can.
+std::string toOldGlsl(const Words& words, ShaderStage stage, const Dialect& dialect) {
+  try {
+    std::string text = toGlsl(words, stage, dialect);
+    refuseExtensions(text);
+    return text;
+  } catch (const CompileError& error) {
+    throw CompileError(std::string("the shader cannot be expressed in ") + dialect.name + "; " +
+                           targetsOf(words, stage),
+                       findObstacles(words, error.messages()), false);
+  }
 }
 
 std::string bytesOf(const Words& words) {
@@ -327,18 +532,26 @@ std::string bytesOf(const Words& words) {
 
 bool hasCompilers() noexcept { return true; }
 
-Words compileToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage) {
-  const Parsed parsed(hlsl, Parsed::Language::hlsl, entryPoint, stage, "the generated shader", true);
-  Words words = nameModuleInterface(legaliseAndOptimise(parsed.toSpirv(stage)));
+Words compileToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,
+                     const CompileOptions& options) {
+  const Words unoptimised = parseToSpirv(hlsl, entryPoint, stage, options.debug);
+  Words words = nameModuleInterface(legaliseAndOptimise(unoptimised, options));
   validate(words);
   return words;
 }
 
-std::string translate(const Words& words, ShaderStage stage, ShaderTarget target) {
+std::string translate(const Words& words, ShaderStage stage, ShaderTarget target,
+                      const CompileOptions& options) {
+  if (const std::string refusal = refusalOf(stage, target, options); !refusal.empty()) {
+    throw CompileError(refusal, {}, false);
+  }
   switch (target) {
-  case ShaderTarget::hlsl: return toHlsl(words, stage);
-  case ShaderTarget::glsl: return toGlsl(words, stage, false);
-  case ShaderTarget::essl: return toGlsl(words, stage, true);
+  case ShaderTarget::hlsl: return toHlsl(words, stage, options.shaderModel);
+  case ShaderTarget::glsl:
+    return options.glslVersion == GlslVersion::glsl330 ? toOldGlsl(words, stage, kGlsl330)
+                                                       : toGlsl(words, stage, kGlsl450);
+  case ShaderTarget::essl: return toGlsl(words, stage, kEssl320);
+  case ShaderTarget::essl300: return toOldGlsl(words, stage, kEssl300);
   case ShaderTarget::msl: return toMsl(words, stage);
   case ShaderTarget::spirv: break;
   }
@@ -361,19 +574,26 @@ void markUsedParts(ShaderInterface& shader, const Words& words) {
   mark(shader.samplers, SPVC_RESOURCE_TYPE_SEPARATE_SAMPLERS, 's', kFirstSamplerBinding);
 
   std::set<std::size_t> locations;
-  for (const auto& input : module.resources(SPVC_RESOURCE_TYPE_STAGE_INPUT)) locations.insert(input.location);
+  std::set<std::string> names;
+  for (const auto& input : module.resources(SPVC_RESOURCE_TYPE_STAGE_INPUT)) {
+    locations.insert(input.location);
+    names.insert(input.name);
+  }
   const std::set<SpvBuiltIn> builtins = module.builtins();
   for (InterfaceAttribute& attribute : shader.attributes) {
-    attribute.isUsed = attribute.location
-                           ? locations.contains(*attribute.location)
+    attribute.isUsed = attribute.location ? locations.contains(*attribute.location)
+                       : attribute.builtin.empty()
+                           ? names.contains(attribute.name)
                            : builtins.contains(attribute.builtin == "fragCoord" ? SpvBuiltInFragCoord
                                                                                 : SpvBuiltInFrontFacing);
   }
+  // Nothing is left out of what a vertex stage gives.
+  for (InterfaceAttribute& varying : shader.varyings) varying.isUsed = true;
 }
 
 std::string compileShader(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,
-                          ShaderTarget target) {
-  return translate(compileToSpirv(hlsl, entryPoint, stage), stage, target);
+                          ShaderTarget target, const CompileOptions& options) {
+  return translate(compileToSpirv(hlsl, entryPoint, stage, options), stage, target, options);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

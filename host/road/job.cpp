@@ -1,6 +1,6 @@
 #include "sfg/host/job.h"
 
-#include "host/diagnostics/code_origin.h"
+#include "host/diagnostics/compile_explanation.h"
 #include "host/diagnostics/refusal_place.h"
 #include "host/diagnostics/warnings.h"
 #include "host/diagnostics/wire_types.h"
@@ -49,15 +49,40 @@ Shader shaderOf(const AssembledShader& assembled, ShaderStage stage, NameStyle n
   return shader;
 }
 
+/// The shader that a job assembled last.
+struct Assembled {
+  ShaderStage stage;
+  NameStyle names;
+  MeshLayout mesh;
+  AssembledShader shader;
+};
+
+/// The shader of the stage with names of the style: the last one, or made anew and then that. When it cannot
+/// be assembled, the last one stays.
+const AssembledShader& assembledOf(const CollapseJob& job, ShaderStage stage, NameStyle names,
+                                   const MeshLayout& mesh, std::optional<Assembled>& last) {
+  if (!last || last->stage != stage || last->names != names || last->mesh != mesh) {
+    last = Assembled{stage, names, mesh, assembleShader(job, stage, names, mesh)};
+  }
+  return last->shader;
+}
+
 }  // namespace
 
 struct Job::State {
   std::shared_ptr<const LibrarySet> libraries;
   CollapseJob job;
+  std::optional<Assembled> last = std::nullopt;
 };
 
 Job::Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, const CollapseOptions& options,
          const std::optional<Document>& environment) {
+  if (!libraries) throw InputError("a job needs a library set");
+  const std::shared_ptr<const LoadedLibraries> loaded = libraries->loaded();
+  state_.reset(new State{std::move(libraries), CollapseJob(loaded, graph, environment, options)});
+}
+Job::Job(std::shared_ptr<const LibrarySet> libraries, RefPtr<IHostGraph const> graph,
+         const CollapseOptions& options, const std::optional<Document>& environment) {
   if (!libraries) throw InputError("a job needs a library set");
   const std::shared_ptr<const LoadedLibraries> loaded = libraries->loaded();
   state_.reset(new State{std::move(libraries), CollapseJob(loaded, graph, environment, options)});
@@ -81,7 +106,7 @@ void Job::collapse() {
 
 bool Job::isCollapsed() const noexcept { return state_->job.result() != nullptr; }
 
-const Job::State& Job::collapsed() const {
+Job::State& Job::collapsed() const {
   if (!isCollapsed()) throw std::logic_error("the job is not collapsed");
   return *state_;
 }
@@ -99,40 +124,37 @@ std::vector<Diagnostic> Job::warnings(bool completeShader) const {
   return findWarnings(collapsed().job, completeShader);
 }
 
-Shader Job::assemble(ShaderStage stage, NameStyle names) const {
-  return shaderOf(assembleShader(collapsed().job, stage, names), stage, names);
+Shader Job::assemble(ShaderStage stage, NameStyle names, const MeshLayout& mesh) const {
+  State& state = collapsed();
+  return shaderOf(assembledOf(state.job, stage, names, mesh, state.last), stage, names);
 }
 
-ShaderInterface Job::reflect(ShaderStage stage, NameStyle names) const {
-  const CollapseJob& job = collapsed().job;
-  ShaderInterface shader = reflectShader(assembleShader(job, stage, names));
-  shader.files = sourceFiles(job, shader.includes);
+ShaderInterface Job::reflect(ShaderStage stage, NameStyle names, const MeshLayout& mesh) const {
+  State& state = collapsed();
+  ShaderInterface shader = reflectShader(assembledOf(state.job, stage, names, mesh, state.last));
+  shader.files = sourceFiles(state.job, shader.includes);
   return shader;
 }
 
+SourceMap Job::mapSources(ShaderStage stage, NameStyle names) const {
+  State& state = collapsed();
+  return SourceMap(state.job, assembledOf(state.job, stage, names, {}, state.last));
+}
+
 std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
-  const CollapseJob& job = collapsed().job;
-  const AssembledShader assembled = assembleShader(job, shader.stage, shader.names);
-  const bool isOurs = toUtf8(assembled.shader.getCompleteShader()) == shader.text;
-  const std::vector<CompilerMessage>& messages = error.messages();
+  State& state = collapsed();
+  if (error.inAssembledText()) {
+    const AssembledShader& assembled = assembledOf(state.job, shader.stage, shader.names, {}, state.last);
+    if (toUtf8(assembled.shader.getCompleteShader()) == shader.text)
+      return explainCompileError(state.job, assembled, error);
+  }
+  // Another text, or what a compiler made of it: nothing is known of its lines.
   std::vector<Diagnostic> diagnostics{
-      diagnose(Finding::compileError, Severity::error, job.document().file(), {}, error.what())};
-  std::optional<OriginFinder> origins;
-  for (std::size_t i = 0; i < messages.size(); ++i) {
-    const std::size_t line = error.inAssembledText() ? messages[i].line : 0;
-    diagnostics.push_back(diagnose(Finding::compileError, Severity::error, "generated", TextPosition{line, 0},
-                                   messages[i].text));
-    // Where the line comes from is said once, behind all that is said about it.
-    const bool moreOfTheLine = i + 1 < messages.size() && messages[i + 1].line == messages[i].line;
-    if (!isOurs || line == 0 || moreOfTheLine) continue;
-    if (!origins) origins.emplace(job, assembled);
-    for (Diagnostic& note : origins->find(line)) {
-      if (note.file.empty()) {
-        note.file = "generated";
-        note.line = line;
-      }
-      diagnostics.push_back(std::move(note));
-    }
+      diagnose(Finding::compileError, Severity::error, state.job.document().file(), {}, error.what())};
+  for (const CompilerMessage& message : error.messages()) {
+    const std::size_t line = error.inAssembledText() ? message.line : 0;
+    diagnostics.push_back(
+        diagnose(Finding::compileError, Severity::error, "generated", {line, 0}, message.text));
   }
   return diagnostics;
 }

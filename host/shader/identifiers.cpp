@@ -10,22 +10,7 @@ bool isIdentifierPart(wchar_t c) noexcept { return isIdentifierStart(c) || (c >=
 
 Set<std::wstring_view> identifiersOf(std::wstring_view code) {
   Set<std::wstring_view> found;
-  std::size_t pos = 0;
-  while (pos < code.size()) {
-    if (code.substr(pos, 2) == L"//") {
-      pos = std::min(code.find(L'\n', pos), code.size());
-    } else if (code.substr(pos, 2) == L"/*") {
-      const std::size_t end = code.find(L"*/", pos + 2);
-      pos = end == code.npos ? code.size() : end + 2;
-    } else if (isIdentifierPart(code[pos])) {
-      std::size_t end = pos;
-      while (end < code.size() && isIdentifierPart(code[end])) ++end;
-      if (isIdentifierStart(code[pos])) found.insert(code.substr(pos, end - pos));
-      pos = end;
-    } else {
-      ++pos;
-    }
-  }
+  forEachIdentifier(code, [&](std::wstring_view identifier) { found.insert(identifier); });
   return found;
 }
 

@@ -29,7 +29,10 @@ const char* kindName(ValueOrigin::Kind kind) {
 }
 
 InterfaceOrigin originOf(const ValueOrigin& origin) {
-  return {kindName(origin.kind), toUtf8(origin.owner), toUtf8(origin.fragment), toUtf8(origin.name)};
+  InterfaceOrigin made{kindName(origin.kind), toUtf8(origin.owner), toUtf8(origin.fragment),
+                       toUtf8(origin.name)};
+  if (origin.port != nullptr) made.port = *origin.port;
+  return made;
 }
 
 InterfaceOrigin originOf(const Varying& varying) {
@@ -49,6 +52,61 @@ const char* textureType(const TypeID& sampler) {
   if (sampler == TypeID_sampler2D) return "texture2D";
   if (sampler == TypeID_sampler3D) return "texture3D";
   return "textureCube";
+}
+
+InterfaceMember memberOf(const BufferMember& planned) {
+  InterfaceMember member;
+  member.name = toUtf8(planned.port.name);
+  member.type = toUtf8(planned.port.typeText);
+  member.offset = planned.offset;
+  member.size = planned.size;
+  member.matrixStride = isMatrix(planned.port.type) ? kRegister : 0;
+  for (std::size_t i = 0; i < planned.value.size(); ++i) member.value.push_back(planned.value.get(i));
+  member.origin = originOf(planned.origin);
+  return member;
+}
+
+InterfaceAttribute attributeOf(const Varying& varying) {
+  InterfaceAttribute attribute;
+  attribute.name = toUtf8(varying.name);
+  attribute.semantic = toUtf8(varying.semantic);
+  if (varying.location != kNotFound) attribute.location = varying.location;
+  if (varying.semantic == L"SV_Position") attribute.builtin = "fragCoord";
+  if (varying.semantic == L"SV_IsFrontFace") attribute.builtin = "frontFacing";
+  const TypeID& type = attribute.builtin.empty() ? carrierType(varying.type) : varying.type;
+  attribute.type = toUtf8(type.toString());
+  attribute.isFlat = attribute.builtin.empty() && isInteger(varying.type);
+  attribute.origin = originOf(varying);
+  if (varying.isState) {
+    const StateMeaning meaning = meaningOf(UString(varying.name));
+    attribute.meaning = meaning.text;
+    attribute.space = meaning.space;
+  }
+  return attribute;
+}
+
+/// What the pixel stage finds in the pixels of the target leaves the vertices in clip space.
+InterfaceAttribute varyingOf(const VertexOutput& output) {
+  InterfaceAttribute varying = attributeOf(output.varying);
+  if (varying.builtin == "fragCoord") {
+    varying.builtin = "position";
+    varying.meaning = "position of the point";
+    varying.space = "clip";
+  }
+  return varying;
+}
+
+InterfaceAttribute attributeOf(const VertexAttribute& planned) {
+  InterfaceAttribute attribute;
+  attribute.name = toUtf8(planned.name);
+  attribute.semantic = toUtf8(planned.semantic);
+  attribute.type = toUtf8(carrierType(planned.type).toString());
+  attribute.meaning = planned.meaning;
+  attribute.space = planned.space;
+  const bool isGraphInput = planned.part.empty();
+  attribute.origin.kind = isGraphInput ? "graphInput" : "mesh";
+  attribute.origin.name = isGraphInput ? attribute.name : toUtf8(planned.part);
+  return attribute;
 }
 
 class InterfaceBuilder {
@@ -84,18 +142,6 @@ private:
       buffer.size = buffer.isComplete ? allocatedSize(last.offset + last.size) : 0;
       shader_.buffers.push_back(std::move(buffer));
     }
-  }
-
-  static InterfaceMember memberOf(const BufferMember& planned) {
-    InterfaceMember member;
-    member.name = toUtf8(planned.port.name);
-    member.type = toUtf8(planned.port.typeText);
-    member.offset = planned.offset;
-    member.size = planned.size;
-    member.matrixStride = isMatrix(planned.port.type) ? kRegister : 0;
-    for (std::size_t i = 0; i < planned.value.size(); ++i) member.value.push_back(planned.value.get(i));
-    member.origin = originOf(planned.origin);
-    return member;
   }
 
   bool layOut(InterfaceMember& member) {
@@ -161,24 +207,7 @@ private:
   }
 
   void addAttributes() {
-    for (const Varying& varying : plan_.varyings) {
-      InterfaceAttribute attribute;
-      attribute.name = toUtf8(varying.name);
-      attribute.semantic = toUtf8(varying.semantic);
-      if (varying.location != kNotFound) attribute.location = varying.location;
-      if (varying.semantic == L"SV_Position") attribute.builtin = "fragCoord";
-      if (varying.semantic == L"SV_IsFrontFace") attribute.builtin = "frontFacing";
-      const TypeID& type = attribute.builtin.empty() ? carrierType(varying.type) : varying.type;
-      attribute.type = toUtf8(type.toString());
-      attribute.isFlat = attribute.builtin.empty() && isInteger(varying.type);
-      attribute.origin = originOf(varying);
-      if (varying.isState) {
-        const StateMeaning meaning = meaningOf(UString(varying.name));
-        attribute.meaning = meaning.text;
-        attribute.space = meaning.space;
-      }
-      shader_.attributes.push_back(std::move(attribute));
-    }
+    for (const Varying& varying : plan_.varyings) shader_.attributes.push_back(attributeOf(varying));
   }
 
   void addRenderTargets() {
@@ -204,5 +233,25 @@ private:
 }  // namespace
 
 ShaderInterface interfaceOf(const ShaderPlan& plan) { return InterfaceBuilder(plan).build(); }
+
+ShaderInterface interfaceOf(const VertexPlan& plan) {
+  ShaderInterface shader;
+  shader.stage = ShaderStage::vertex;
+  shader.entryPoint = "main";
+  for (const VertexAttribute& planned : plan.attributes) {
+    shader.attributes.push_back(attributeOf(planned));
+    shader.attributes.back().location = shader.attributes.size() - 1;
+  }
+  for (const VertexOutput& output : plan.outputs) shader.varyings.push_back(varyingOf(output));
+  for (const ConstantBuffer& planned : plan.buffers) {
+    InterfaceBuffer buffer;
+    buffer.name = toUtf8(planned.name);
+    buffer.place = placeAt('b', planned.number);
+    for (const BufferMember& member : planned.members) buffer.members.push_back(memberOf(member));
+    buffer.size = allocatedSize(buffer.members.back().offset + buffer.members.back().size);
+    shader.buffers.push_back(std::move(buffer));
+  }
+  return shader;
+}
 
 }  // namespace TolmSDK::Graphics::sfg::host

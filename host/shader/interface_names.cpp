@@ -14,6 +14,10 @@ std::string attributeName(std::string_view name) {
   return withSingleUnderscores("sfg_in_" + std::string(name));
 }
 
+std::string vertexAttributeName(std::string_view name) {
+  return withSingleUnderscores("sfg_vertex_" + std::string(name));
+}
+
 std::string renderTargetName(std::string_view name) {
   return withSingleUnderscores("sfg_out_" + std::string(name));
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "host/shader/interface_names.h"
 
@@ -15,8 +16,15 @@ using Words = std::vector<std::uint32_t>;
 constexpr std::size_t kHeader = 5;
 
 // Of the binary form of SPIR-V.
-enum Operation : std::uint32_t { opName = 5, opTypePointer = 32, opVariable = 59 };
-enum StorageClass : std::uint32_t { classInput = 1, classUniform = 2, classOutput = 3 };
+enum Operation : std::uint32_t {
+  opName = 5,
+  opEntryPoint = 15,
+  opTypeStruct = 30,
+  opTypePointer = 32,
+  opVariable = 59
+};
+enum ExecutionModel : std::uint32_t { modelVertex = 0 };
+enum StorageClass : std::uint32_t { classInput = 1, classUniform = 2, classOutput = 3, classFunction = 7 };
 
 struct Instruction {
   std::size_t start;  ///< among the module's words
@@ -64,13 +72,16 @@ Names findNames(const Words& module, const std::vector<Instruction>& instruction
   Names old;
   Names names;
   std::unordered_map<std::uint32_t, std::uint32_t> pointees;
+  bool isVertex = false;
   const auto nameOf = [&](std::uint32_t id) {
     const auto found = old.find(id);
     return found == old.end() ? std::string() : found->second;
   };
   for (const Instruction& i : instructions) {
     const std::uint32_t* const words = &module[i.start];
-    if (i.operation == opName) {
+    if (i.operation == opEntryPoint) {
+      isVertex = words[1] == modelVertex;
+    } else if (i.operation == opName) {
       old[words[1]] = textAt(module, i.start + 2, i.start + i.length);
     } else if (i.operation == opTypePointer) {
       pointees[words[1]] = words[3];
@@ -78,9 +89,13 @@ Names findNames(const Words& module, const std::vector<Instruction>& instruction
       // Members of structures are taken apart: "sfg_in.uv". Blocks have no variable, buffers have.
       const std::string name = nameOf(words[2]);
       const std::size_t dot = name.find('.');
-      if (words[3] == classInput && dot != name.npos) names[words[2]] = attributeName(name.substr(dot + 1));
+      if (words[3] == classInput && dot != name.npos) {
+        const std::string member = name.substr(dot + 1);
+        names[words[2]] = isVertex ? vertexAttributeName(member) : attributeName(member);
+      }
       if (words[3] == classOutput && dot != name.npos) {
-        names[words[2]] = renderTargetName(name.substr(dot + 1));
+        const std::string member = name.substr(dot + 1);
+        names[words[2]] = isVertex ? attributeName(member) : renderTargetName(member);
       }
       if (words[3] == classUniform && name.empty()) {
         names[words[2]] = blockVariable(nameOf(pointees[words[1]]));
@@ -90,18 +105,48 @@ Names findNames(const Words& module, const std::vector<Instruction>& instruction
   return names;
 }
 
+Words headerOf(const Words& module) {
+  return {module.begin(), module.begin() + static_cast<std::ptrdiff_t>(std::min(kHeader, module.size()))};
+}
+
+void append(Words& words, const Words& module, const Instruction& instruction) {
+  const auto first = module.begin() + static_cast<std::ptrdiff_t>(instruction.start);
+  words.insert(words.end(), first, first + static_cast<std::ptrdiff_t>(instruction.length));
+}
+
+/// Structures and variables outside functions.
+std::unordered_set<std::uint32_t> findGlobals(const Words& module,
+                                              const std::vector<Instruction>& instructions) {
+  std::unordered_set<std::uint32_t> globals;
+  for (const Instruction& i : instructions) {
+    const std::uint32_t* const words = &module[i.start];
+    if (i.operation == opTypeStruct && i.length > 1) globals.insert(words[1]);
+    if (i.operation == opVariable && i.length > 3 && words[3] != classFunction) globals.insert(words[2]);
+  }
+  return globals;
+}
+
 }  // namespace
+
+Words dropLocalNames(const Words& module) {
+  const std::vector<Instruction> instructions = instructionsOf(module);
+  const std::unordered_set<std::uint32_t> globals = findGlobals(module, instructions);
+  Words words = headerOf(module);
+  for (const Instruction& i : instructions) {
+    const bool isLocalName = i.operation == opName && i.length > 1 && !globals.contains(module[i.start + 1]);
+    if (!isLocalName) append(words, module, i);
+  }
+  return words;
+}
 
 Words nameModuleInterface(const Words& module) {
   const std::vector<Instruction> instructions = instructionsOf(module);
   const Names names = findNames(module, instructions);
-  Words renamed(module.begin(),
-                module.begin() + static_cast<std::ptrdiff_t>(std::min(kHeader, module.size())));
+  Words renamed = headerOf(module);
   for (const Instruction& i : instructions) {
     const auto found = i.operation == opName ? names.find(module[i.start + 1]) : names.end();
     if (found == names.end()) {
-      const auto first = module.begin() + static_cast<std::ptrdiff_t>(i.start);
-      renamed.insert(renamed.end(), first, first + static_cast<std::ptrdiff_t>(i.length));
+      append(renamed, module, i);
       continue;
     }
     const std::size_t start = renamed.size();

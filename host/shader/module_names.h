@@ -10,4 +10,7 @@ namespace TolmSDK::Graphics::sfg::host {
 /// blocks. Everything else stays. The module is valid.
 std::vector<std::uint32_t> nameModuleInterface(const std::vector<std::uint32_t>& module);
 
+/// Without the names of functions, their parameters, variables and blocks, which no interface needs.
+std::vector<std::uint32_t> dropLocalNames(const std::vector<std::uint32_t>& module);
+
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -78,25 +78,14 @@ WString withNames(std::wstring_view text, const std::unordered_map<std::wstring_
   WString out;
   out.reserve(text.size());
   std::size_t copied = 0;
-  std::size_t pos = 0;
-  while (pos < text.size()) {
-    if (text.substr(pos, 2) == L"//") {
-      pos = std::min(text.find(L'\n', pos), text.size());
-    } else if (text.substr(pos, 2) == L"/*") {
-      const std::size_t end = text.find(L"*/", pos + 2);
-      pos = end == text.npos ? text.size() : end + 2;
-    } else if (isIdentifierPart(text[pos])) {
-      const std::size_t start = pos;
-      while (pos < text.size() && isIdentifierPart(text[pos])) ++pos;
-      const auto found = names.find(text.substr(start, pos - start));
-      if (found == names.end()) continue;
-      out += text.substr(copied, start - copied);
-      out += found->second;
-      copied = pos;
-    } else {
-      ++pos;
-    }
-  }
+  forEachIdentifier(text, [&](std::wstring_view identifier) {
+    const auto found = names.find(identifier);
+    if (found == names.end()) return;
+    const auto start = static_cast<std::size_t>(identifier.data() - text.data());
+    out += text.substr(copied, start - copied);
+    out += found->second;
+    copied = start + identifier.size();
+  });
   out += text.substr(copied);
   return out;
 }

@@ -83,6 +83,8 @@ constexpr std::wstring_view kWords =
     L"textureSize transpose trunc uaddCarry uintBitsToFloat umulExtended unpackHalf2x16 unpackSnorm2x16 "
     L"unpackSnorm4x8 unpackUnorm2x16 unpackUnorm4x8 usubBorrow asdouble asfloat asint asuint countbits "
     L"firstbithigh firstbitlow f16tof32 f32tof16 msad4 dst "
+    L"ftransform EmitVertex EndPrimitive dmat2x2 dmat2x3 dmat2x4 dmat3x2 dmat3x3 dmat3x4 dmat4x2 dmat4x3 "
+    L"dmat4x4 "
     // of complete shaders
     L"State state";
 
@@ -112,12 +114,58 @@ bool isSizedType(std::wstring_view name) {
   return false;
 }
 
+/// Whether the text is a row of such parts, at least one.
+bool isMadeOf(std::wstring_view text, std::initializer_list<std::wstring_view> parts) {
+  std::size_t pos = 0;
+  while (pos < text.size()) {
+    const std::wstring_view rest = text.substr(pos);
+    const auto part =
+        std::find_if(parts.begin(), parts.end(), [&](std::wstring_view p) { return rest.starts_with(p); });
+    if (part == parts.end()) return false;
+    pos += part->size();
+  }
+  return pos != 0;
+}
+
+/// Behind the prefix, or the whole name without it.
+std::wstring_view behind(std::wstring_view name, std::wstring_view prefix) {
+  return name.starts_with(prefix) ? name.substr(prefix.size()) : name;
+}
+
+/// GLSL's types of textures and images, "usampler2DArray", and the functions that read them,
+/// "textureProjLod", "shadow2DProj".
+bool isOfTextures(std::wstring_view name) {
+  const std::wstring_view typed = behind(behind(name, L"i"), L"u");
+  for (const std::wstring_view kind : {L"sampler", L"image", L"texture", L"shadow"}) {
+    for (const std::wstring_view prefixed : {name, typed}) {
+      if (!prefixed.starts_with(kind)) continue;
+      const std::wstring_view rest = prefixed.substr(kind.size());
+      for (const std::wstring_view dimension : {L"1D", L"2D", L"3D", L"Cube", L"Buffer"}) {
+        if (!rest.starts_with(dimension)) continue;
+        const std::wstring_view suffix = rest.substr(dimension.size());
+        if (suffix.empty()) return true;
+        if (isMadeOf(suffix, {L"Rect", L"MS", L"Array", L"Shadow", L"Proj", L"Lod", L"Grad", L"ARB", L"EXT"}))
+          return true;
+      }
+    }
+  }
+  for (const std::wstring_view kind : {L"texture", L"texelFetch"}) {
+    if (!name.starts_with(kind)) continue;
+    if (isMadeOf(name.substr(kind.size()), {L"Proj", L"Lod", L"Grad", L"Offsets", L"Offset", L"Gather",
+                                            L"Size", L"QueryLod", L"QueryLevels", L"Samples"}))
+      return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 bool isReservedWord(std::wstring_view name) {
   static const std::vector<std::wstring_view> words = sortedWords();
-  if (std::binary_search(words.begin(), words.end(), name) || isSizedType(name)) return true;
-  for (const std::wstring_view prefix : {L"gl_", L"sfg_", L"spv", L"SPIRV_Cross_", L"sampler_"}) {
+  if (std::binary_search(words.begin(), words.end(), name) || isSizedType(name) || isOfTextures(name)) {
+    return true;
+  }
+  for (const std::wstring_view prefix : {L"gl_", L"sfg_", L"spv", L"SPIRV_Cross_", L"sampler_", L"webgl_"}) {
     if (name.starts_with(prefix)) return true;
   }
   return name.find(L"__") != name.npos || name.starts_with(L"_");

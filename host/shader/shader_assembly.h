@@ -39,13 +39,17 @@ struct AssembledShader {
 /// inputs that cannot vary (matrices, structures) are in a constant buffer, those of sampler type are
 /// textures.
 ///
+/// A vertex stage holds nothing of this: it computes the attributes of the pixel stage from the vertices of a
+/// mesh and the buffer `sfg_VertexUniforms`.
+///
 /// The job has run and has a result. Throws AssemblyError. The text is the same for the same result.
 AssembledShader assembleShader(const CollapseJob& job, ShaderStage stage,
-                               NameStyle names = NameStyle::generated);
+                               NameStyle names = NameStyle::generated, const MeshLayout& mesh = {});
 
 /// What an assembled shader takes and gives in a target, or as its HLSL text has it, with a hash but without
 /// files.
 ShaderInterface reflectShader(const AssembledShader& assembled,
-                              std::optional<ShaderTarget> target = std::nullopt);
+                              std::optional<ShaderTarget> target = std::nullopt,
+                              const CompileOptions& options = {});
 
 }  // namespace TolmSDK::Graphics::sfg::host

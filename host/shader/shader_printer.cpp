@@ -1,5 +1,6 @@
 #include "host/shader/shader_printer.h"
 
+#include "host/shader/buffer_text.h"
 #include "host/shader/stage_entry.h"
 #include "tolmsdk/state_variables.h"
 
@@ -47,6 +48,7 @@ constexpr StateValue kStateValues[] = {
 std::unique_ptr<StageEntry> makeEntry(const ShaderPlan& plan) {
   switch (plan.stage) {
   case ShaderStage::compute: return makeComputeEntry(plan);
+  case ShaderStage::vertex:  // printed by itself
   case ShaderStage::pixel: break;
   }
   return makePixelEntry(plan);
@@ -96,7 +98,8 @@ private:
   void writeParts(const std::vector<std::size_t>& places) {
     for (const std::size_t place : places) {
       const PredefinePart& part = parts_.all()[place];
-      out_.section(part.name.empty() ? Kind::declarations : Kind::symbol, part.name);
+      out_.section(part.name.empty() ? Kind::declarations : Kind::symbol, part.name,
+                   static_cast<std::size_t>(part.text.data() - plan_.predefines.data()));
       out_.write(part.text);
     }
   }
@@ -118,18 +121,7 @@ private:
 
   void writeConstantBuffers() {
     out_.section(Kind::declarations);
-    for (const ConstantBuffer& buffer : plan_.buffers) {
-      out_.writef(L"\ncbuffer %s : register(b%Iu)\n{\n", buffer.name, buffer.number);
-      for (const BufferMember& member : buffer.members) writeMember(member);
-      out_.write(L"};\n");
-    }
-  }
-
-  void writeMember(const BufferMember& member) {
-    out_.writef(L"    %s %s : packoffset(%s)", member.port.typeText, member.port.name,
-                packOffset(member.offset));
-    if (const WString value = toShaderText(member.value); !value.empty()) out_.writef(L" = %s", value);
-    out_.write(L";\n");
+    for (const ConstantBuffer& buffer : plan_.buffers) writeConstantBuffer(out_, buffer);
   }
 
   void writeTextures() {

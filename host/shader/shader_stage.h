@@ -11,9 +11,14 @@ namespace TolmSDK::Graphics::sfg::host {
 /// Invocations of a group of a compute stage.
 inline constexpr std::size_t kComputeGroupSize = 64;
 
-/// "pixel", "compute".
+/// "pixel", "compute", "vertex".
 constexpr const wchar_t* stageName(ShaderStage stage) noexcept {
-  return stage == ShaderStage::pixel ? L"pixel" : L"compute";
+  switch (stage) {
+  case ShaderStage::compute: return L"compute";
+  case ShaderStage::vertex: return L"vertex";
+  case ShaderStage::pixel: break;
+  }
+  return L"pixel";
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -4,11 +4,12 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-void ShaderText::section(ShaderSection::Kind kind, std::wstring_view name) {
+void ShaderText::section(ShaderSection::Kind kind, std::wstring_view name, std::size_t predefine) {
   closeSection();
   ShaderSection next;
   next.kind = kind;
   next.name = name;
+  next.predefine = predefine;
   next.firstLine = line_;
   sections_.push_back(next);
 }

@@ -20,6 +20,8 @@ struct ShaderSection {
   };
   Kind kind = Kind::declarations;
   WString name;
+  /// Where its text begins in the predefines; the not-found value for text from anywhere else.
+  std::size_t predefine = kNotFound;
   std::size_t firstLine = 0;  ///< counted from 1
   std::size_t lastLine = 0;
 };
@@ -27,7 +29,7 @@ struct ShaderSection {
 /// A text that grows by sections. Each starts a line; one without text leaves no record.
 class ShaderText {
 public:
-  void section(ShaderSection::Kind kind, std::wstring_view name = {});
+  void section(ShaderSection::Kind kind, std::wstring_view name = {}, std::size_t predefine = kNotFound);
 
   /// Text of one or more lines.
   void write(std::wstring_view text);

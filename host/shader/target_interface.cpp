@@ -30,9 +30,14 @@ void changePlaces(ShaderInterface& shader, const Change& change) {
 
 /// What the module calls things holds for all that is translated from it.
 void nameAsModule(ShaderInterface& shader) {
+  const bool isVertex = shader.stage == ShaderStage::vertex;
   for (InterfaceAttribute& attribute : shader.attributes) {
-    attribute.name = attributeName(attribute.name);
+    attribute.name = isVertex ? vertexAttributeName(attribute.name) : attributeName(attribute.name);
     attribute.semantic.clear();
+  }
+  for (InterfaceAttribute& varying : shader.varyings) {
+    varying.name = attributeName(varying.name);
+    varying.semantic.clear();
   }
   for (InterfaceRenderTarget& target : shader.renderTargets) target.name = renderTargetName(target.name);
   for (InterfaceBuffer& buffer : shader.buffers) {
@@ -56,10 +61,12 @@ void toHlsl(ShaderInterface& shader) {
     for (InterfaceMember& member : buffer.members) member.name = buffer.variable + "_" + member.name;
     buffer.variable.clear();
   }
-  for (InterfaceAttribute& attribute : shader.attributes) {
-    attribute.semantic = attribute.location                 ? "TEXCOORD" + std::to_string(*attribute.location)
-                         : attribute.builtin == "fragCoord" ? "SV_Position"
-                                                            : "SV_IsFrontFace";
+  for (auto* const list : {&shader.attributes, &shader.varyings}) {
+    for (InterfaceAttribute& attribute : *list) {
+      attribute.semantic = attribute.location ? "TEXCOORD" + std::to_string(*attribute.location)
+                           : attribute.builtin == "frontFacing" ? "SV_IsFrontFace"
+                                                                : "SV_Position";
+    }
   }
 }
 
@@ -68,6 +75,12 @@ void toEssl(ShaderInterface& shader) {
   for (InterfaceTexture& texture : shader.textures) {
     if (texture.type == "sampler1D") texture.type = "sampler2D";
   }
+}
+
+/// Nothing has a number but render targets.
+void bindByName(ShaderInterface& shader) {
+  changePlaces(shader, [](InterfacePlace& place) { place.binding.reset(); });
+  for (InterfaceAttribute& attribute : shader.attributes) attribute.location.reset();
 }
 
 /// Textures and samplers are one; uniform blocks, textures and buffers are numbered apart.
@@ -96,6 +109,10 @@ InterfaceBuffer sizesBuffer() {
   return buffer;
 }
 
+std::string metalAttribute(const char* start, const InterfaceAttribute& attribute) {
+  return start + std::to_string(*attribute.location) + ")";
+}
+
 /// All buffers are numbered together.
 void toMsl(ShaderInterface& shader) {
   if (shader.entryPoint == "main") shader.entryPoint = "main0";
@@ -108,28 +125,49 @@ void toMsl(ShaderInterface& shader) {
     if (buffer.kind == Kind::output) buffer.place.binding = kMetalOutputBuffer;
   }
   if (shader.stage == ShaderStage::compute) shader.buffers.push_back(sizesBuffer());
+  const bool isVertex = shader.stage == ShaderStage::vertex;
   for (InterfaceAttribute& attribute : shader.attributes) {
-    if (attribute.location) attribute.semantic = "user(locn" + std::to_string(*attribute.location) + ")";
+    if (attribute.location)
+      attribute.semantic = metalAttribute(isVertex ? "attribute(" : "user(locn", attribute);
   }
+  for (InterfaceAttribute& varying : shader.varyings) {
+    varying.semantic = varying.location ? metalAttribute("user(locn", varying) : "position";
+  }
+}
+
+/// What else the compiled bytes depend on: nothing where no option is chosen.
+std::string keyOf(const CompileOptions& options) {
+  std::string key;
+  if (options.optimization == Optimization::size) key += "\nsize";
+  if (options.optimization == Optimization::none) key += "\nnot optimised";
+  if (options.debug) key += "\ndebug";
+  return key;
 }
 
 }  // namespace
 
-ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target) {
+ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target,
+                             const CompileOptions& options) {
+  if (const std::string refusal = refusalOf(assembled.stage, target, options); !refusal.empty()) {
+    throw CompileError(refusal, {}, false);
+  }
   ShaderInterface shader = assembled;
   shader.target = target;
+  shader.version = chosenVersion(target, options);
   nameAsModule(shader);
   switch (target) {
   case ShaderTarget::spirv: toSpirv(shader); break;
   case ShaderTarget::hlsl: toHlsl(shader); break;
   case ShaderTarget::glsl: toGlsl(shader); break;
   case ShaderTarget::essl:
+  case ShaderTarget::essl300:
     toGlsl(shader);
     toEssl(shader);
     break;
   case ShaderTarget::msl: toMsl(shader); break;
   }
-  hashInterface(shader, assembled.hash);
+  if (bindsByName(target, options)) bindByName(shader);
+  hashInterface(shader, assembled.hash + keyOf(options));
   return shader;
 }
 

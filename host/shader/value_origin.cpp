@@ -4,7 +4,7 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-ValueOrigins::ValueOrigins(const CollapseJob& job) {
+ValueOrigins::ValueOrigins(const CollapseJob& job) : libraryPorts_(job.libraries().ports()) {
   using Kind = ValueOrigin::Kind;
   const AShaderFragmentGraph& graph = *job.graph();
   const GraphDocument& document = job.document();
@@ -26,29 +26,30 @@ ValueOrigins::ValueOrigins(const CollapseJob& job) {
     add(*output, Kind::output, output->instanceName());
   }
   for (const RefPtr<AParameter const>& uniform : document.uniforms()) {
-    add(uniform->getName(), *uniform, {Kind::graphUniform, WString(), WString(), uniform->getName()});
+    add(uniform->getName(),
+        {uniform.get(), {Kind::graphUniform, WString(), WString(), uniform->getName()}, true});
   }
 }
 
 void ValueOrigins::add(const IShaderFragment& fragment, ValueOrigin::Kind kind, const WString& owner) {
-  const auto addPort = [&](const AParameter& parameter, WString unique) {
+  const auto addPort = [&](const AParameter& parameter, WString unique, bool isUniform) {
     unique += fragment.instanceName();
-    add(unique, parameter, {kind, owner, fragment.key(), parameter.getName()});
+    add(unique, {&parameter, {kind, owner, fragment.key(), parameter.getName()}, isUniform});
   };
   for (std::size_t i = 0; i < fragment.getNumUniforms(); ++i) {
     const AParameter& uniform = *fragment.getUniform(i);
-    addPort(uniform, uniform.getName());
+    addPort(uniform, uniform.getName(), true);
   }
   for (std::size_t i = 0; i < fragment.getNumInputs(); ++i) {
     const AParameter& input = *fragment.getInput(i);
     WString unique = input.getName();
     std::replace(unique.begin(), unique.end(), L'.', L'_');
-    addPort(input, unique);
+    addPort(input, unique, false);
   }
 }
 
-void ValueOrigins::add(const WString& name, const AParameter& parameter, const ValueOrigin& origin) {
-  candidates_.emplace(name, Candidate{&parameter, origin});
+void ValueOrigins::add(const WString& name, const Candidate& candidate) {
+  candidates_.emplace(name, candidate);
 }
 
 /// Names of two owners can meet; the parameter that the uniform was made from tells them apart.
@@ -56,12 +57,21 @@ ValueOrigin ValueOrigins::find(const AParameter& uniform) const {
   const auto* const renamed = dynamic_cast<const OverrideNameParameter*>(&uniform);
   const AParameter* const original = renamed != nullptr ? renamed->getOriginal() : &uniform;
   const auto [first, last] = candidates_.equal_range(uniform.getName());
-  ValueOrigin found;
+  const Candidate* found = nullptr;
   for (auto at = first; at != last; ++at) {
-    if (at->second.parameter == original) return at->second.origin;
-    found = at->second.origin;
+    found = &at->second;
+    if (found->parameter == original) break;
   }
-  return found;
+  if (found == nullptr) return {};
+  ValueOrigin origin = found->origin;
+  origin.port = describe(*found);
+  return origin;
+}
+
+const PortMetadata* ValueOrigins::describe(const Candidate& found) const {
+  const ValueOrigin& origin = found.origin;
+  return found.isUniform ? findUniform(libraryPorts_, origin.fragment, origin.name)
+                         : findPort(libraryPorts_, origin.fragment, origin.name);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -25,6 +25,8 @@ struct ValueOrigin {
   WString owner;     ///< the node's, light's or instance's name; empty for the graph and state variables
   WString fragment;  ///< the owner's
   WString name;      ///< of the input, uniform or state variable
+  /// What the owner's library says of it; null when it says nothing. Lives as long as the libraries.
+  const PortMetadata* port = nullptr;
 
   /// "owner.name", or the name alone where there is no owner.
   WString path() const { return owner.empty() ? name : owner + L"." + name; }
@@ -41,6 +43,7 @@ private:
   struct Candidate {
     const AParameter* parameter = nullptr;
     ValueOrigin origin;
+    bool isUniform = false;  ///< of the owner's fragment, not an input
   };
   struct Hash {
     std::size_t operator()(const WString& text) const noexcept {
@@ -48,8 +51,10 @@ private:
     }
   };
   void add(const IShaderFragment& fragment, ValueOrigin::Kind kind, const WString& owner);
-  void add(const WString& name, const AParameter& parameter, const ValueOrigin& origin);
+  const PortMetadata* describe(const Candidate& found) const;
+  void add(const WString& name, const Candidate& candidate);
 
+  const LibraryPorts& libraryPorts_;
   /// By the name that a uniform has in the result.
   std::unordered_multimap<WString, Candidate, Hash> candidates_;
 };

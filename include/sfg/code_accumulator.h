@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "sfg/code_snippet.h"
+#include "sfg/collapse_observer.h"
 #include "sfg/export.h"
 #include "sfg/keyword_replace.h"
 #include "tolmsdk/types.h"
@@ -40,6 +41,11 @@ public:
   const WString& appendDefinition(WString& out, const CodeSnippetInstance& code,
                                   const KeywordReplacePattern& pattern, KeywordReplacePattern& renamePattern,
                                   const WString& function);
+
+  /// From now on keeps what each call wrote.
+  void keepWritten();
+  /// What the last call wrote, in order; nothing without keepWritten().
+  const Array<WrittenSymbol>& getWritten() const noexcept;
 
   /// The name last used for `name`; `name` itself when it was never written.
   const WString& getRename(const WString& name) const;

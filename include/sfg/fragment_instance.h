@@ -57,8 +57,9 @@ public:
   /// empty for an index beyond them.
   const WString& getActiveProfileOutput(std::size_t index) const;
   bool hasActiveProfileOutput(std::size_t index) const;
-  /// Appends what getActiveProfileOutput() answers, without making a text of its own for it.
-  void appendActiveProfileOutput(WString& out, std::size_t index) const;
+  /// Appends what getActiveProfileOutput() answers, without making a text of its own for it. False for an
+  /// index beyond them.
+  bool appendActiveProfileOutput(WString& out, std::size_t index) const;
 
   /// Evaluates once, unless the instance accumulates: then true without doing anything.
   bool safeEvaluate(AShaderCollapseContext& context);
@@ -85,6 +86,10 @@ public:
 
   /// The expression used when no fragment feeds the input; null when the instance has no such input.
   const WString* findInputValue(std::size_t input) const;
+  /// The uniform that stands for the input; null without one.
+  const AParameter* findInputUniform(std::size_t input) const noexcept {
+    return input < numInputs_ ? firstInput_[input].uniform.get() : nullptr;
+  }
   /// Makes what stands for a connected input that only the active profile uses as a shader function.
   void createLateInputUniform(AShaderCollapseContext& context, std::size_t input) const;
   /// The instance of the fragment that feeds the input, if that is noted.
@@ -104,8 +109,6 @@ public:
   void activate(const IShaderFragmentProfile* profile) const;
 
 private:
-  friend class ExpectedResult;
-
   /// What was found out about an input when the instance was made.
   struct Input {
     RefPtr<AParameter const> uniform;

@@ -33,9 +33,8 @@ struct FragmentLoading {
   std::function<void(const WString& file, const WString& name, const IObjectDataNode& object)> onFragment;
   /// Whether the object of that name is a fragment; without it each is.
   std::function<bool(const WString& name)> isFragment;
-  /// Each fragment that was loaded, with its object.
-  std::function<void(const WString& file, const IObjectDataNode& object, const IShaderFragment& fragment)>
-      onLoaded;
+  /// Each fragment that did load, with its object, once the library has it.
+  std::function<void(const IObjectDataNode& object, const IShaderFragment& fragment)> onLoaded;
   /// Each line about what is passed over; without it the lines go to the debug log.
   std::function<void(std::wstring_view line)> onProblem;
   /// In place of those lines: what is passed over, as data.

@@ -46,11 +46,11 @@ public:
   bool writesForEveryLight() const noexcept { return requiresCurrentLight_ && !isInlineProfile_; }
   /// Whether a call was written, and whether it was for that light.
   bool isCallWritten() const noexcept { return callWritten_; }
-  bool isCallWritten(std::size_t light) const noexcept {
-    return extras_ && light < extras_->callWrittenForLight.size() && extras_->callWrittenForLight[light];
-  }
+  bool isCallWritten(std::size_t light) const;
+  bool isDefinitionWritten() const noexcept { return definitionWritten_; }
   const ILanguageTraits* getLanguage() const noexcept { return language_; }
   const AShaderFragmentProfile* getProfile() const noexcept { return profile_; }
+  const AShaderFragment* getFragment() const noexcept { return fragment_; }
 
   const WString& getFunctionName() const;
   void setFunctionName(const WString& name);
@@ -155,7 +155,7 @@ private:
     Array<bool> outputIsUnset;   // empty as long as none was added
     Array<WString> uniformOriginal;
     Array<WString> uniformNew;
-    Array<bool> callWrittenForLight;
+    Map<std::size_t, std::uint64_t> callWrittenForLights;  // bits of 64 lights by the first one's number / 64
     Array<WString> builtinFunctionValuesInPredefine;
     Array<WString> builtinFunctionValuesInBody;
   };

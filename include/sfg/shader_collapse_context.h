@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string_view>
 
+#include "sfg/collapse_observer.h"
 #include "sfg/export.h"
 #include "sfg/fragment_instance.h"
 #include "sfg/shader_fragment.h"
@@ -91,8 +93,14 @@ public:
   void writeDefinition(const CodeSnippetInstance& instance, const KeywordReplacePattern& pattern,
                        FragmentProfileInstance& profileInstance);
 
+  /// Is told of what is written from now on; null, as at first, for nobody.
+  void setObserver(ICollapseObserver* observer);
+
   // For the collapse.
 
+  ICollapseObserver* observer() const noexcept { return observer_; }
+  /// What the last call of writePredefine() or writeDefinition() wrote, when there is an observer.
+  std::span<const WrittenSymbol> writtenSymbols() const noexcept;
   /// What evaluates instances.
   FragmentWalk& walk() noexcept { return *walk_; }
   /// What lives as long as the context and is not part of the result.
@@ -124,6 +132,7 @@ private:
   std::unique_ptr<InstanceRegistry> instances_;
   std::unique_ptr<ResultWriter> writer_;
   std::unique_ptr<FragmentWalk> walk_;
+  ICollapseObserver* observer_ = nullptr;
   std::size_t activeLightIndex_ = 0;
   Array<WString> shaderInputTypes_;
 };

@@ -28,6 +28,9 @@ public:
   /// Name of the result's profile; "default" when never set.
   void setCollapseProfileName(const WString& name) { collapseProfileName_ = name; }
 
+  /// Is told what the collapse writes; null, as at first, for nobody.
+  void setObserver(ICollapseObserver* observer) { context_.setObserver(observer); }
+
 protected:
   bool prepareCollapse(const IShaderFragmentGraph* graph, const IShadingEnvironment* environment,
                        const IShaderOptions* options, const ILanguageTraits* language);

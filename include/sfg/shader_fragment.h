@@ -21,6 +21,7 @@ namespace TolmSDK::Graphics::sfg {
 
 class IShaderFragment;
 class IShaderFragmentGraph;
+class ProfileLevels;
 class ShaderIncludes;
 
 /// Where a fragment input or a graph output takes its value from. No reference is held.
@@ -204,9 +205,12 @@ private:
   };
   /// Does not hold the profiles: every fragment that uses the table does, by one reference for each place.
   struct ProfileTable {
+    ProfileTable();
+    ~ProfileTable();
     Map<WString, Array<IShaderFragmentProfile*>, ProfileKeyLess> byNameAndLanguage;
     Array<IShaderFragmentProfile*> list;
     Map<const IShaderFragmentProfile*, std::size_t> indices;  ///< in a long list, of the first use of each
+    std::unique_ptr<ProfileLevels> levels;                    ///< of a long list
     std::atomic<bool> isShared{false};                        ///< by a clone, once: it is never changed again
   };
   /// A fragment's profiles. A copy shares the table and holds the profiles too.

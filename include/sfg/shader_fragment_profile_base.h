@@ -51,7 +51,7 @@ public:
   }
   const Set<UString>& languages() const override { return languages_; }
   Set<UString>& languages() override { return languages_; }
-  void setLOD(float lod) override { lod_ = lod; }
+  void setLOD(float lod) override;
   float getLOD() const override { return lod_; }
   const WString& getProfilename() const override { return profileName_; }
   const Set<UString>& stateVariables() const override { return stateVariables_; }
@@ -95,7 +95,13 @@ public:
 
   /// Writable body, for the collapse that appends to the result profile's. Nothing is parsed; views of the
   /// text as it was stay valid.
-  WString& getFunctionBody();
+  WString& getFunctionBody() {
+    openDefinition();
+    hasPlainBody_ = false;
+    // A text that built-in calls view stays as it is: the caller gets a copy to write to.
+    if (functionBody_.use_count() > 1) functionBody_ = std::make_shared<WString>(*functionBody_);
+    return *functionBody_;
+  }
   /// Constructs `out` over a snippet of this code, which it then owns; leaves it untouched when the code
   /// holds nothing.
   static void constructOwned(CodeSnippetInstance& out, const WString& code, const Array<WString>& renames);
@@ -111,6 +117,8 @@ public:
   /// The sfg_shader calls whose first argument is `name`; false when there are none, which leaves `out`
   /// alone.
   bool GetShaderFunctions(const WString& name, Array<BuiltinFunction>& out) const;
+  /// Whether there are sfg_shader calls with a first argument, of any name.
+  bool hasShaderFunctions() const noexcept { return !shaderFunctions_.empty(); }
   /// Whether GetShaderFunctions would find any.
   bool hasShaderFunctions(const WString& name) const { return shaderFunctions_.contains(name); }
   /// Rules that remove every sfg_shader call; built at the first call that finds any.
@@ -137,6 +145,14 @@ protected:
   /// Safe in several threads.
   const std::shared_ptr<const CodeSnippet>& predefineSnippet() const;
 
+public:
+  // For the fragments, which keep levels of detail in order.
+
+  /// From now on a change of the level is counted.
+  void noteIndexedLevel() const noexcept { isLevelIndexed_.store(true, std::memory_order_relaxed); }
+  /// Changes of such levels, of all profiles.
+  static std::uint64_t countLevelChanges() noexcept;
+
 private:
   void loadPredefines(const IObjectDataNode& lines);
   void registerShaderFunctions(const Array<BuiltinFunction>& uses);
@@ -157,6 +173,7 @@ private:
   Set<UString> stateVariables_;
   Set<WString> customStateVariables_;
   Set<UString> languages_;
+  mutable std::atomic<bool> isLevelIndexed_{false};
   float lod_ = 100.0f;
   Set<WString> includes_;
   WString functionName_;

@@ -29,9 +29,10 @@ report() {
   [ "$bad" -eq 0 ]
 }
 
-# Exported names but weak functions: which of an inline function's copies are kept is the compiler's choice.
+# Exported names but weak functions: which of an inline function's copies are kept is the compiler's choice. So is
+# whether an abstract class has both entries of a constructor, which are told as one.
 symbols() {
-  nm -D --defined-only "$library" | awk '$2 != "W" { print $3 }' | sed 's/@.*//' | LC_ALL=C sort
+  nm -D --defined-only "$library" | awk '$2 != "W" { print $3 }' | sed 's/@.*//; s/C1E/C2E/' | LC_ALL=C sort -u
 }
 
 case "$what" in

@@ -16,6 +16,7 @@
 #include "host/job/collapse_job.h"
 #include "host/shader/shader_assembly.h"
 #include "sfg/host/errors.h"
+#include "tests/support/job_files.h"
 #include "tolmsdk/exception.h"
 
 namespace {
@@ -70,8 +71,8 @@ private:
   fs::path path_;
 };
 
-void collapse(const host::CollapseSettings& settings) try {
-  host::CollapseJob job(settings);
+void collapse(const host::JobFiles& settings) try {
+  host::CollapseJob job = host::makeJob(settings);
   try {
     job.run();
   } catch (const host::CalledExpressionError& refusal) {
@@ -86,7 +87,8 @@ void collapse(const host::CollapseSettings& settings) try {
     return;
   }
   for (const host::Diagnostic& warning : host::findWarnings(job, true)) require(!warning.place().empty());
-  for (const host::ShaderStage stage : {host::ShaderStage::pixel, host::ShaderStage::compute}) {
+  for (const host::ShaderStage stage :
+       {host::ShaderStage::pixel, host::ShaderStage::compute, host::ShaderStage::vertex}) {
     try {
       const host::AssembledShader assembled = host::assembleShader(job, stage);
       std::size_t line = 1;
@@ -109,7 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ofstream graph(folder.file("graph.json"), std::ios::binary | std::ios::trunc);
     for (std::size_t i = 0; i < size; ++i) graph.put(static_cast<char>(data[i]));
   }
-  host::CollapseSettings settings;
+  host::JobFiles settings;
   settings.graphFile = folder.file("graph.json");
   settings.libraryFolders = {folder.path()};
   collapse(settings);

@@ -4,8 +4,9 @@
 #   check_goldens.sh [--write] ROOT SFG GOLDENS
 #
 # SFG collapses each examples/materials/NAME.json of ROOT, lit by the studio; GOLDENS holds what it prints:
-# NAME.json the result as it is, NAME.hlsl the complete shader. With --write the files are brought up to date
-# instead.
+# NAME.json the result as it is, NAME.hlsl the complete shader. Of an include file the shader holds the whole text, which
+# is no generated code: the golden names it in one line, where the shader holds the file to the letter. With --write the
+# files are brought up to date instead.
 set -euo pipefail
 write=false
 if [ "$1" = --write ]; then write=true; shift; fi
@@ -13,7 +14,8 @@ cd "$1"
 sfg=$2
 goldens=$3
 printed=$(mktemp)
-trap 'rm -f "$printed"' EXIT
+cut=$(mktemp)
+trap 'rm -f "$printed" "$cut"' EXIT
 status=0
 
 complain() {
@@ -25,6 +27,10 @@ check() {  # MATERIAL FORMAT GOLDEN
   "$sfg" collapse "$1" -L library -I library --tool lightloop \
     --environment examples/environments/studio.json --format "$2" >"$printed" ||
     { complain "$1: sfg collapse fails"; return; }
+  if [ "$2" = shader ]; then
+    awk -f tests/goldens/cut_includes.awk library/*.h "$printed" >"$cut"
+    mv "$cut" "$printed"
+  fi
   if $write; then
     cat "$printed" >"$3"
   elif [ ! -f "$3" ]; then

@@ -35,3 +35,15 @@ echo >"$folder/brick.hlsl"
 rm "$folder/wood.json"
 "$here/check_goldens.sh" --write "$root" "$sfg" "$folder" 2>/dev/null
 diff -r "$here/materials" "$folder"
+
+# An include file is cut where its whole text stands, and nowhere else.
+cat >"$folder/one.h" <<'END'
+#include "two.h"
+float one;
+
+float last;
+END
+printf '%s\n' 'before' 'float one;' '' 'float last;' 'float one;' '' 'after' >"$folder/shader"
+cut=$(awk -f "$here/cut_includes.awk" "$folder/one.h" "$folder/shader")
+expected=$'before\n// the text of one.h\nfloat one;\n\nafter'
+[ "$cut" = "$expected" ] || { printf 'cuts to:\n%s\n' "$cut" >&2; exit 1; }

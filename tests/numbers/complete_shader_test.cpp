@@ -21,6 +21,7 @@
 #include "tests/numbers/reference_brdf.h"
 #include "tests/numbers/sampler.h"
 #include "tests/numbers/vulkan_compute.h"
+#include "tests/support/job_files.h"
 #include "tolmsdk/unicode.h"
 
 namespace numbers_test {
@@ -147,12 +148,12 @@ struct CompleteShader {
 };
 
 // Collapses and compiles the document. The include files are those of the library.
-CompleteShader compileDocument(std::string const& document, host::CollapseSettings settings) {
+CompleteShader compileDocument(std::string const& document, host::JobFiles settings) {
   TemporaryFile const file(document);
   settings.graphFile = file.path();
   settings.libraryFolders = {"library"};
   settings.includeFolders = {"library"};
-  host::CollapseJob job(settings);
+  host::CollapseJob job = host::makeJob(settings);
   job.run();
   host::AssembledShader assembled = host::assembleShader(job, host::ShaderStage::compute);
   CompleteShader complete;
@@ -242,7 +243,7 @@ TEST(CompleteShaders, AnswerWhatTheReferencesSay) {
         continue;
       }
       ++tried;
-      host::CollapseSettings settings;
+      host::JobFiles settings;
       settings.surfaceLod = static_cast<float>(profile.lod);
       std::vector<std::uint32_t> const spirv =
           compileDocument(graphDocument(profile, function), settings).spirv;
@@ -309,7 +310,7 @@ TEST(CompleteShaders, RepeatTheBlockOfAMetaSlSurfaceForEachLight) {
       "diffuse": {"graphInput": "diffuse"}, "specular": {"graphInput": "specular"},
       "exponent": {"graphInput": "exponent"}, "ambient": {"graphInput": "ambient"}}}]})";
   profilesIn("metasl.fraglib");  // registers the include files
-  host::CollapseSettings settings;
+  host::JobFiles settings;
   settings.tool = host::CollapseTool::lightLoop;
   settings.environmentFile = "tests/numbers/environments/four_msl.json";
   CompleteShader const shader = compileDocument(document, settings);
@@ -405,10 +406,10 @@ TEST(CompleteShaders, ReadThePackedBuffers) {
   folder.write("graph.json", "{\"outputs\": [" + outputs +
                                  "], \"nodes\": [{\"name\": \"n\", \"fragment\": \"echo\", \"inputs\": {"
                                  "\"d\": {\"value\": [101, 102, 103, 104]}}}]}");
-  host::CollapseSettings settings;
+  host::JobFiles settings;
   settings.graphFile = folder.path("graph.json");
   settings.libraryFolders = {folder.path("")};
-  host::CollapseJob job(settings);
+  host::CollapseJob job = host::makeJob(settings);
   job.run();
   host::AssembledShader const assembled =
       host::assembleShader(job, host::ShaderStage::compute, host::NameStyle::readable);

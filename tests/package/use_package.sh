@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # One test of the installed package: use_package.sh TEST BUILD_FOLDER PREFIX WORK_FOLDER VERSION
-# CXX, CXXFLAGS and CMAKE say what to build with, COMPILERS (ON or OFF) what the host library was built with.
+# CXX, CXXFLAGS and CMAKE say what to build with, COMPILERS (ON or OFF) what the host library was built with, DRAW
+# (ON or OFF) whether Vulkan is there to draw with.
 set -euo pipefail
 test=$1 build=$2 prefix=$3 work=$4 version=$5
 # The program is the example that the README shows, so that it is known to work.
@@ -37,8 +38,11 @@ by_pkg_config() {
   LD_LIBRARY_PATH=$(libdir "$installed") expect_output "sfg $version on platform $version" "$work/first"
 }
 
-# The example programs and what they read, away from the source tree.
+# The example programs and what they read, away from the source tree; the renderer lies beside the examples.
 copy_examples() {
+  mkdir "$work/examples"
+  cp -a "$sources/examples/draw_triangles" "$work/examples"
+  cp -a "$sources/render" "$work"
   cp -a "$sources/examples/own_graph" "$sources/examples/compile_material" "$work"
   cp "$sources/examples/materials/brick.json" "$sources/examples/environments/studio.json" "$work"
 }
@@ -47,7 +51,7 @@ copy_examples() {
 expect_examples() {
   local own_graph=$1 compile_material=$2 library=$prefix/share/sfg/library last printed
   cd "$work"
-  last='}'
+  last='// sfg_Uniforms\+[0-9]+: float3 ramp\.high'
   if [ "$COMPILERS" = ON ]; then last='// [0-9]+ words of SPIR-V'; fi
   printed=$("$own_graph" "$library") || fail "own_graph failed, printing: $printed"
   [[ $(tail -1 <<<"$printed") =~ ^$last$ ]] || fail "own_graph printed at its end: $(tail -1 <<<"$printed")"
@@ -55,6 +59,14 @@ expect_examples() {
   if [ "$COMPILERS" = ON ]; then last='material\.glsl: [0-9]+ bytes'; fi
   printed=$("$compile_material" "$library" brick.json studio.json out) || fail "compile_material failed: $printed"
   [[ $(tail -1 <<<"$printed") =~ ^$last$ ]] || fail "compile_material printed at its end: $printed"
+}
+
+# Runs the program that draws, and looks for a picture.
+expect_picture() {
+  rm -f "$work/brick.png"
+  # Graphics drivers keep some memory to the end.
+  ASAN_OPTIONS=detect_leaks=0 "$1" "$prefix/share/sfg/library" "$work/brick.json" "$work/studio.json" "$work/brick.png"
+  [ "$(head -c 4 "$work/brick.png" | tail -c 3)" = PNG ] || fail 'draw_triangles wrote no picture'
 }
 
 case "$test" in
@@ -82,6 +94,12 @@ case "$test" in
     done
     expect_examples "$work/own_graph/build/own_graph" "$work/compile_material/build/compile_material"
     "$work/embedding/build/embedding" "$prefix/share/sfg/library" | grep -q '^entry point main, uniforms '
+    if [ "$DRAW" = ON ]; then
+      "$CMAKE" -S "$work/examples/draw_triangles" -B "$work/draw" -G Ninja -DCMAKE_CXX_COMPILER="$CXX" \
+        -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_PREFIX_PATH="$prefix"
+      "$CMAKE" --build "$work/draw"
+      expect_picture "$work/draw/draw_triangles"
+    fi
     ;;
   ExamplesAreBuiltByPkgConfig)
     copy_examples
@@ -94,6 +112,13 @@ case "$test" in
     LD_LIBRARY_PATH=$(libdir "$prefix")
     export LD_LIBRARY_PATH
     expect_examples "$work/own_graph/program" "$work/compile_material/program"
+    if [ "$DRAW" = ON ]; then
+      # shellcheck disable=SC2046,SC2086
+      "$CXX" -std=c++20 $CXXFLAGS -I "$work/render" "$work/examples/draw_triangles/main.cpp" "$work/render/device.cpp" \
+        "$work/render/renderer.cpp" -o "$work/draw_triangles" $flags -Wl,-rpath-link,"$(libdir "$prefix")" \
+        $(pkg-config --cflags --libs vulkan libpng)
+      expect_picture "$work/draw_triangles"
+    fi
     ;;
   SurvivesAMove)
     cp -a "$prefix" "$work/elsewhere"
@@ -101,6 +126,32 @@ case "$test" in
     ;;
   HasACommandThatRuns)
     expect_output "sfg $version" "$prefix/bin/sfg" --version
+    ;;
+  FindsItsLibrary)
+    cp -a "$prefix" "$work/elsewhere"
+    cd "$work"
+    "$work/elsewhere/bin/sfg" new graph wall
+    for from in "$prefix" "$work/elsewhere"; do
+      "$from/bin/sfg" collapse wall.json -v >"$work/wall.hlsl" 2>"$work/said"
+      printf 'sfg: note: %s are read from `%s`\n' fragments "$from/share/sfg/library" \
+        'include files' "$from/share/sfg/library" | diff "$work/said" -
+      grep -q 'void checkerPattern1(' "$work/wall.hlsl"
+    done
+    ! "$prefix/bin/sfg" collapse wall.json --no-standard-library 2>"$work/said"
+    grep -q 'checkerPattern' "$work/said"
+    # Hosts ask the package.
+    folder=$(PKG_CONFIG_LIBDIR="$(libdir "$prefix")/pkgconfig" pkg-config --variable=librarydir sfg-host)
+    [ -f "$folder/patterns.fraglib" ] || fail "pkg-config says: $folder"
+    printf '%s\n' 'cmake_minimum_required(VERSION 3.25)' 'project(asks LANGUAGES CXX)' 'find_package(sfg REQUIRED)' \
+      'if(NOT EXISTS "${sfg_LIBRARY_DIR}/patterns.fraglib")' '  message(FATAL_ERROR "${sfg_LIBRARY_DIR}")' 'endif()' \
+      >CMakeLists.txt
+    "$CMAKE" -S . -B build -G Ninja -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_PREFIX_PATH="$prefix"
+    ;;
+  DescribesTheCommand)
+    "$prefix/bin/sfg" manual | diff "$prefix/share/man/man1/sfg.1" -
+    "$prefix/bin/sfg" completion bash | diff "$prefix/share/bash-completion/completions/sfg" -
+    "$prefix/bin/sfg" completion zsh | diff "$prefix/share/zsh/site-functions/_sfg" -
+    "$prefix/bin/sfg" completion fish | diff "$prefix/share/fish/vendor_completions.d/sfg.fish" -
     ;;
   HasEveryPublicHeader)
     diff <(cd "$sources" && find include platform/include -name '*.h' | sed -E 's,^(platform/)?include/,,' | sort) \

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "tests/shaders/shader_fixture.h"
+#include "tests/support/job_files.h"
 
 namespace shaders_test {
 namespace {
@@ -16,10 +17,22 @@ TEST_P(ExamplesTest, CompilesForEveryStageAndTarget) {
        {sfg::host::ShaderStage::pixel, sfg::host::ShaderStage::compute}) {
     EXPECT_EQ(compile(settings(graph), stage, true), "") << "without a light loop";
     for (const std::size_t lights : {0u, 1u, 4u}) {
-      sfg::host::CollapseSettings lit = settings(graph);
+      sfg::host::JobFiles lit = settings(graph);
       light(lit, environmentOf(lights));
       EXPECT_EQ(compile(lit, stage, true), "") << lights << " lights";
     }
+  }
+}
+
+/// Optimised otherwise, modules have other parts, which are told as truly.
+TEST_P(ExamplesTest, CompilesWhateverItIsOptimisedFor) {
+  std::ifstream file("examples/materials/" + GetParam() + ".json");
+  sfg::host::JobFiles lit = settings(Json::parse(file));
+  light(lit, environmentOf(4));
+  for (const sfg::host::ShaderStage stage :
+       {sfg::host::ShaderStage::pixel, sfg::host::ShaderStage::compute}) {
+    EXPECT_EQ(compile(lit, stage, true, sfg::host::Optimization::size), "");
+    EXPECT_EQ(compile(lit, stage, true, sfg::host::Optimization::none), "");
   }
 }
 

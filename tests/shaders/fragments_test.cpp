@@ -3,6 +3,7 @@
 #include <set>
 
 #include "tests/shaders/shader_fixture.h"
+#include "tests/support/job_files.h"
 #include "tolmsdk/unicode.h"
 
 namespace shaders_test {
@@ -11,7 +12,7 @@ namespace {
 using sfg::EShaderFragmentProfileMode;
 using sfg::IShaderFragment;
 using sfg::IShaderFragmentProfile;
-using sfg::host::CollapseSettings;
+using sfg::host::JobFiles;
 using sfg::host::ShaderStage;
 using TolmSDK::RefPtr;
 using TolmSDK::toUtf8;
@@ -58,14 +59,14 @@ protected:
     return false;
   }
 
-  std::string compileBothStages(const CollapseSettings& settings) const {
+  std::string compileBothStages(const JobFiles& settings) const {
     const std::string pixel = compile(settings, ShaderStage::pixel, true);
     return !pixel.empty() ? pixel : compile(settings, ShaderStage::compute, true);
   }
 
   std::string compileProfile(const IShaderFragmentProfile& profile) const {
     const std::string name = toUtf8(profile.getProfilename());
-    CollapseSettings chosen;
+    JobFiles chosen;
     if (name == "msl_light") {
       chosen = settings(surface("mslLambertSurface"));
       light(chosen, environmentOfThis("sfg_Light"));
@@ -87,7 +88,7 @@ protected:
     const Json& output = interface.at("outputs").at(0);
     const Json graph = {{"outputs", {{{"name", "color"}, {"type", output.at("type")}, {"node", "alone"}}}},
                         {"nodes", {{{"name", "alone"}, {"fragment", name_}, {"interface", interface}}}}};
-    CollapseSettings chosen = settings(graph);
+    JobFiles chosen = settings(graph);
     // The light loop assigns its outputs by itself, so an expression can be one.
     light(chosen, environmentOf(0));
     return compileBothStages(chosen);
@@ -95,7 +96,7 @@ protected:
 
   /// Its light block is written once for every light.
   std::string compileMetaSL(std::size_t lights) const {
-    CollapseSettings chosen = settings(alone());
+    JobFiles chosen = settings(alone());
     light(chosen, environmentOf(lights));
     return compileBothStages(chosen);
   }

@@ -1,5 +1,6 @@
 #include "tests/shaders/interface_facts.h"
 
+#include <glslang/Include/Types.h>
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
 #include <glslang/SPIRV/GlslangToSpv.h>
@@ -63,6 +64,14 @@ void addMember(Facts& facts, const std::string& path, const InterfaceMember& mem
   for (const InterfaceMember& part : member.members) addMember(facts, name, part, offset, isMetal);
 }
 
+std::string varyingLine(const char* what, const InterfaceAttribute& varying) {
+  return line(what, varying.name,
+              {{"location", optional(varying.location)},
+               {"type", varying.type},
+               {"semantic", varying.semantic},
+               {"flat", varying.isFlat ? "yes" : ""}});
+}
+
 }  // namespace
 
 Facts factsOf(const ShaderInterface& shader) {
@@ -71,14 +80,18 @@ Facts factsOf(const ShaderInterface& shader) {
   facts.insert("entry " + shader.entryPoint);
   for (const InterfaceAttribute& attribute : shader.attributes) {
     if (!attribute.isUsed.value()) continue;
-    if (attribute.location) {
-      facts.insert(line("in", attribute.name,
-                        {{"location", optional(attribute.location)},
-                         {"type", attribute.type},
-                         {"semantic", attribute.semantic},
-                         {"flat", attribute.isFlat ? "yes" : ""}}));
+    if (attribute.builtin.empty()) {
+      facts.insert(varyingLine("in", attribute));
     } else {
       facts.insert("builtin " + attribute.builtin);
+    }
+  }
+  for (const InterfaceAttribute& varying : shader.varyings) {
+    if (!varying.isUsed.value()) continue;
+    if (varying.location) {
+      facts.insert(varyingLine("out", varying));
+    } else {
+      facts.insert(line("builtin", varying.builtin, {{"semantic", varying.semantic}}));
     }
   }
   for (const InterfaceBuffer& buffer : shader.buffers) {
@@ -307,6 +320,11 @@ private:
       if (first[i].builtin == SpvBuiltInFragCoord) facts_.insert("builtin fragCoord");
       if (first[i].builtin == SpvBuiltInFrontFacing) facts_.insert("builtin frontFacing");
     }
+    check(spvc_resources_get_builtin_resource_list_for_type(
+        resources_, SPVC_BUILTIN_RESOURCE_TYPE_STAGE_OUTPUT, &first, &count));
+    for (std::size_t i = 0; i < count && reading_.hasLocations; ++i) {
+      if (first[i].builtin == SpvBuiltInPosition) facts_.insert("builtin position");
+    }
   }
 
   Reading reading_;
@@ -323,7 +341,10 @@ std::vector<std::uint32_t> compileTranslation(const std::string& text, ShaderTar
   static const bool isStarted = glslang::InitializeProcess();
   if (!isStarted) throw std::runtime_error("glslang does not start");
   const bool isHlsl = target == ShaderTarget::hlsl;
-  const EShLanguage language = stage == ShaderStage::pixel ? EShLangFragment : EShLangCompute;
+  const std::map<ShaderStage, EShLanguage> languages = {{ShaderStage::pixel, EShLangFragment},
+                                                        {ShaderStage::compute, EShLangCompute},
+                                                        {ShaderStage::vertex, EShLangVertex}};
+  const EShLanguage language = languages.at(stage);
   glslang::TShader shader(language);
   const char* const strings = text.c_str();
   shader.setStrings(&strings, 1);
@@ -354,6 +375,116 @@ std::vector<std::uint32_t> compileTranslation(const std::string& text, ShaderTar
   return words;
 }
 
+/// Reads a text in a version of GLSL that has no SPIR-V, as glslang understands it: what the text does not
+/// number has no number.
+class OldGlslReader {
+public:
+  explicit OldGlslReader(const std::string& text) : shader_(EShLangFragment) {
+    static const bool isStarted = glslang::InitializeProcess();
+    if (!isStarted) throw std::runtime_error("glslang does not start");
+    const char* const strings = text.c_str();
+    shader_.setStrings(&strings, 1);
+    if (!shader_.parse(GetDefaultResources(), 100, false, EShMsgDefault)) {
+      throw std::runtime_error(shader_.getInfoLog());
+    }
+    program_.addShader(&shader_);
+    if (!program_.link(EShMsgDefault)) throw std::runtime_error(program_.getInfoLog());
+    if (!program_.buildReflection(EShReflectionStrictArraySuffix | EShReflectionAllBlockVariables |
+                                  EShReflectionIntermediateIO | EShReflectionAllIOVariables)) {
+      throw std::runtime_error("no reflection");
+    }
+  }
+
+  Facts read() {
+    facts_.insert("entry main");
+    for (int i = 0; i < program_.getNumUniformBlocks(); ++i) readBlock(program_.getUniformBlock(i));
+    for (int i = 0; i < program_.getNumUniformVariables(); ++i) readUniform(program_.getUniform(i));
+    for (int i = 0; i < program_.getNumPipeInputs(); ++i) readVarying(program_.getPipeInput(i), "in");
+    for (int i = 0; i < program_.getNumPipeOutputs(); ++i) readVarying(program_.getPipeOutput(i), "out");
+    return std::move(facts_);
+  }
+
+private:
+  static std::string bindingOf(const glslang::TObjectReflection& object) {
+    return object.getBinding() < 0 ? "" : " binding=" + std::to_string(object.getBinding());
+  }
+
+  void readBlock(const glslang::TObjectReflection& block) {
+    facts_.insert("block " + block.name + bindingOf(block) + " variable=" + variableOf(block.name) +
+                  " size=" + number((static_cast<std::size_t>(block.size) + 15) / 16 * 16));
+  }
+
+  /// The block's variable, from the tree of what is declared.
+  std::string variableOf(const std::string& block) const {
+    const glslang::TIntermAggregate* const declared =
+        program_.getIntermediate(EShLangFragment)->findLinkerObjects();
+    for (const TIntermNode* node : declared->getSequence()) {
+      const glslang::TIntermSymbol* const symbol = const_cast<TIntermNode*>(node)->getAsSymbolNode();
+      if (symbol == nullptr || symbol->getBasicType() != glslang::EbtBlock) continue;
+      if (symbol->getType().getTypeName() == block.c_str()) return symbol->getName().c_str();
+    }
+    return "(none)";
+  }
+
+  void readUniform(const glslang::TObjectReflection& uniform) {
+    const glslang::TType& type = *uniform.getType();
+    if (type.getBasicType() == glslang::EbtSampler) {
+      const std::map<int, const char*> dimensions = {
+          {glslang::Esd1D, "1D"}, {glslang::Esd2D, "2D"}, {glslang::Esd3D, "3D"}, {glslang::EsdCube, "Cube"}};
+      facts_.insert(std::string("sampler") + dimensions.at(type.getSampler().dim) + " " + uniform.name +
+                    bindingOf(uniform));
+      return;
+    }
+    const std::size_t length = type.isArray() ? static_cast<std::size_t>(type.getOuterArraySize()) : 0;
+    const std::size_t rows = static_cast<std::size_t>(type.getMatrixRows());
+    const std::size_t stride = static_cast<std::size_t>(uniform.arrayStride);
+    const bool isMatrix = type.isMatrix();
+    // Rows of a matrix in HLSL are its columns here, and lie across: all blocks are declared so.
+    const std::size_t one = isMatrix ? 16 * rows : 4 * static_cast<std::size_t>(type.getVectorSize());
+    facts_.insert(line("member", uniform.name,
+                       {{"offset", std::to_string(uniform.offset)},
+                        {"type", typeName(type)},
+                        {"size", number(length == 0 ? one : stride * length)},
+                        {"array", unlessZero(length)},
+                        {"arrayStride", unlessZero(stride)},
+                        {isAcross(type) ? "columnStride" : "rowStride", isMatrix ? "16" : ""}}));
+  }
+
+  static bool isAcross(const glslang::TType& type) {
+    return type.getQualifier().layoutMatrix == glslang::ElmRowMajor;
+  }
+
+  void readVarying(const glslang::TObjectReflection& varying, const std::string& what) {
+    if (varying.name == "gl_FragCoord") return void(facts_.insert("builtin fragCoord"));
+    if (varying.name == "gl_FrontFacing") return void(facts_.insert("builtin frontFacing"));
+    const glslang::TQualifier& qualifier = varying.getType()->getQualifier();
+    facts_.insert(line(what, varying.name,
+                       {{"location", qualifier.hasLocation() ? std::to_string(qualifier.layoutLocation) : ""},
+                        {"type", typeName(*varying.getType())},
+                        {"flat", qualifier.flat ? "yes" : ""}}));
+  }
+
+  static std::string typeName(const glslang::TType& type) {
+    const std::map<glslang::TBasicType, const char*> names = {{glslang::EbtFloat, "float"},
+                                                              {glslang::EbtInt, "int"},
+                                                              {glslang::EbtUint, "uint"},
+                                                              {glslang::EbtBool, "bool"}};
+    std::string name = names.at(type.getBasicType());
+    if (type.isMatrix()) {
+      return name + std::to_string(type.getMatrixCols()) + "x" + std::to_string(type.getMatrixRows());
+    }
+    return type.getVectorSize() > 1 ? name + std::to_string(type.getVectorSize()) : name;
+  }
+
+  glslang::TShader shader_;
+  glslang::TProgram program_;
+  Facts facts_;
+};
+
+bool isOldGlsl(const std::string& text) {
+  return text.starts_with("#version 330\n") || text.starts_with("#version 300 es\n");
+}
+
 /// Attributes and render targets of HLSL, whose locations are semantics.
 void readSemantics(Facts& facts, const std::string& text) {
   static const std::regex kStructure(R"(struct SPIRV_Cross_(Input|Output)\n\{\n([^}]*)\};)");
@@ -364,13 +495,14 @@ void readSemantics(Facts& facts, const std::string& text) {
     for (std::sregex_iterator m(members.begin(), members.end(), kMember); m != end; ++m) {
       const std::string semantic = (*m)[4];
       const std::string digits = semantic.substr(semantic.find_last_not_of("0123456789") + 1);
+      const std::string flat = (*m)[1].matched ? " flat=yes" : "";
       if (semantic == "SV_Position") {
-        facts.insert("builtin fragCoord");
+        facts.insert(isInput ? "builtin fragCoord" : "builtin position semantic=SV_Position");
       } else if (semantic == "SV_IsFrontFace") {
         facts.insert("builtin frontFacing");
-      } else if (semantic.starts_with("TEXCOORD") && isInput) {
-        facts.insert("in " + (*m)[3].str() + " location=" + digits + " type=" + (*m)[2].str() +
-                     " semantic=" + semantic + ((*m)[1].matched ? " flat=yes" : ""));
+      } else if (semantic.starts_with("TEXCOORD")) {
+        facts.insert((isInput ? "in " : "out ") + (*m)[3].str() + " location=" + digits +
+                     " type=" + (*m)[2].str() + " semantic=" + semantic + flat);
       } else if (semantic.starts_with("SV_Target") && !isInput) {
         facts.insert("out " + (*m)[3].str() + " location=" + digits + " type=" + (*m)[2].str());
       }
@@ -387,6 +519,7 @@ Facts factsOfModule(const std::vector<std::uint32_t>& spirv) {
 }
 
 Facts factsOfTranslation(const std::string& text, ShaderTarget target, ShaderStage stage) {
+  if (isOldGlsl(text)) return OldGlslReader(text).read();
   Reading reading;
   if (target == ShaderTarget::hlsl) {
     reading.hasRegisters = true;
@@ -437,13 +570,22 @@ public:
   }
 
   Facts read() {
-    readInterface("_in", "in", R"((\w+) (\w+) \[\[(user\(locn(\d+)\))(?:, (flat))?\]\];)");
-    readInterface("_out", "out", R"((\w+) (\w+) \[\[(color\((\d+)\))()\]\];)");
-    static const std::regex kEntry(R"((?:fragment|kernel) \w+ (\w+)\(([^\n]*)\)\n)");
+    static const std::regex kEntry(R"((fragment|kernel|vertex) \w+ (\w+)\(([^\n]*)\)\n)");
     std::smatch entry;
     if (!std::regex_search(text_, entry, kEntry)) throw std::runtime_error("no entry point");
-    facts_.insert("entry " + entry[1].str());
-    readArguments(entry[2]);
+    const std::string varying = R"((\w+) (\w+) \[\[(user\(locn(\d+)\))(?:, (flat))?\]\];)";
+    if (entry[1] == "vertex") {
+      readInterface("_in", "attribute", R"((\w+) (\w+) \[\[(attribute\((\d+)\))()\]\];)");
+      readInterface("_out", "varying", varying);
+      if (text_.find("gl_Position [[position]];") != text_.npos) {
+        facts_.insert("builtin position semantic=position");
+      }
+    } else {
+      readInterface("_in", "in", varying);
+      readInterface("_out", "out", R"((\w+) (\w+) \[\[(color\((\d+)\))()\]\];)");
+    }
+    facts_.insert("entry " + entry[2].str());
+    readArguments(entry[3]);
     return std::move(facts_);
   }
 
@@ -453,11 +595,13 @@ private:
     for (const auto& [name, members] : structures_) {
       if (name != "main0" + suffix && name != "sfg_main" + suffix) continue;
       for (std::sregex_iterator at(members.begin(), members.end(), member), end; at != end; ++at) {
-        const std::string semantic = what == "in" ? " semantic=" + (*at)[3].str() : "";
+        const bool isVarying = what == "in" || what == "varying";
+        const std::string semantic = what == "out" ? "" : " semantic=" + (*at)[3].str();
         // Metal interpolates no integers.
-        const bool isFlat = what == "in" && ((*at)[5].length() != 0 || (*at)[1].str().find("int") == 0 ||
-                                             (*at)[1].str().find("uint") == 0);
-        facts_.insert(what + " " + (*at)[2].str() + " location=" + (*at)[4].str() +
+        const bool isFlat = isVarying && ((*at)[5].length() != 0 || (*at)[1].str().find("int") == 0 ||
+                                          (*at)[1].str().find("uint") == 0);
+        const bool isTaken = what == "in" || what == "attribute";
+        facts_.insert((isTaken ? "in " : "out ") + (*at)[2].str() + " location=" + (*at)[4].str() +
                       " type=" + (*at)[1].str() + semantic + (isFlat ? " flat=yes" : ""));
       }
     }
@@ -545,6 +689,24 @@ private:
 }  // namespace
 
 Facts factsOfMetal(const std::string& text) { return MetalReader(text).read(); }
+
+std::string pairFaults(const Facts& vertexModule, const Facts& pixelModule, const ShaderInterface& pixel) {
+  const auto linesOf = [](const Facts& facts, const std::string& what) {
+    Facts lines;
+    for (const std::string& fact : facts) {
+      if (fact.starts_with(what + " ")) lines.insert(fact.substr(what.size() + 1));
+    }
+    return lines;
+  };
+  Facts wanted = linesOf(pixelModule, "in");
+  for (const InterfaceAttribute& attribute : pixel.attributes) {
+    if (attribute.location && !attribute.isUsed.value())
+      wanted.insert(varyingLine("in", attribute).substr(3));
+  }
+  std::string faults = difference(wanted, linesOf(vertexModule, "out"));
+  if (!vertexModule.contains("builtin position")) faults += "no position\n";
+  return faults;
+}
 
 std::string difference(const Facts& expected, const Facts& found) {
   std::string text;

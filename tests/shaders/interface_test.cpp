@@ -3,11 +3,13 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "host/modules/shader_compiler.h"
 #include "host/shader/shader_target.h"
 #include "tests/shaders/interface_facts.h"
 #include "tests/shaders/shader_fixture.h"
+#include "tests/support/job_files.h"
 #include "tolmsdk/unicode.h"
 
 namespace shaders_test {
@@ -66,8 +68,8 @@ Json everyType(bool inputs) {
 
 class InterfaceTest : public ShaderFixture {
 protected:
-  CollapseSettings chosen(bool inputs) const {
-    CollapseSettings settings = this->settings(everyType(inputs));
+  JobFiles chosen(bool inputs) const {
+    JobFiles settings = this->settings(everyType(inputs));
     define(settings, kEveryType);
     return settings;
   }
@@ -76,7 +78,7 @@ protected:
 TEST_F(InterfaceTest, OfEveryTypeIsWhatCompilersRead) {
   for (const bool inputs : {false, true}) {
     for (const ShaderStage stage : {ShaderStage::pixel, ShaderStage::compute}) {
-      CollapseSettings settings = chosen(inputs);
+      JobFiles settings = chosen(inputs);
       EXPECT_EQ(compile(settings, stage, true), "");
       settings.functionName = "main";
       EXPECT_EQ(compile(settings, stage, true), "");
@@ -88,7 +90,7 @@ TEST_F(InterfaceTest, OfEveryTypeIsWhatCompilersRead) {
 
 /// Every number and name of the interface, changed one at a time, is told from the compilers'.
 TEST_F(InterfaceTest, ThatIsWrongIsSeen) {
-  CollapseJob job(chosen(true));
+  CollapseJob job = makeJob(chosen(true));
   job.run();
   const AssembledShader assembled = assembleShader(job, ShaderStage::pixel);
   const std::vector<std::uint32_t> spirv = compileToSpirv(
@@ -97,14 +99,17 @@ TEST_F(InterfaceTest, ThatIsWrongIsSeen) {
   const Change changes[] = {
       [](ShaderInterface& s) { s.entryPoint += "x"; },
       [](ShaderInterface& s) { s.attributes.at(0).name += "x"; },
-      [](ShaderInterface& s) { ++*s.attributes.at(0).location; },
+      [](ShaderInterface& s) {
+        std::optional<std::size_t>& location = s.attributes.at(0).location;
+        location = location ? *location + 1 : 0;
+      },
       [](ShaderInterface& s) { s.attributes.at(0).type = "float"; },
       [](ShaderInterface& s) { s.attributes.at(0).isUsed = false; },
       [](ShaderInterface& s) { s.buffers.at(0).name += "x"; },
       [](ShaderInterface& s) { s.buffers.at(0).size += 16; },
       [](ShaderInterface& s) {
         InterfacePlace& place = s.buffers.at(0).place;
-        place.binding ? ++*place.binding : 0;
+        place.binding = place.binding ? *place.binding + 1 : 0;
         if (!place.registerName.empty()) place.registerName = "b9";
       },
       [](ShaderInterface& s) { s.buffers.at(0).members.at(1).offset += 4; },
@@ -118,7 +123,7 @@ TEST_F(InterfaceTest, ThatIsWrongIsSeen) {
       },
       [](ShaderInterface& s) {
         InterfacePlace& place = s.textures.at(0).place;
-        place.binding ? ++*place.binding : 0;
+        place.binding = place.binding ? *place.binding + 1 : 0;
         if (!place.registerName.empty()) place.registerName = "t9";
       },
       [](ShaderInterface& s) { s.textures.at(0).type += "x"; },
@@ -126,31 +131,30 @@ TEST_F(InterfaceTest, ThatIsWrongIsSeen) {
       [](ShaderInterface& s) { ++s.renderTargets.at(0).index; },
       [](ShaderInterface& s) { s.renderTargets.at(0).name += "x"; },
   };
-  for (const ShaderTarget target :
-       {ShaderTarget::spirv, ShaderTarget::hlsl, ShaderTarget::glsl, ShaderTarget::essl, ShaderTarget::msl}) {
-    const std::string text = translate(spirv, ShaderStage::pixel, target);
+  for (const auto& [target, options] : targetVersions(ShaderStage::pixel)) {
+    const std::string text = translate(spirv, ShaderStage::pixel, target, options);
     const Facts found = target == ShaderTarget::spirv ? factsOfModule(spirv)
                         : target == ShaderTarget::msl ? factsOfMetal(text)
                                                       : factsOfTranslation(text, target, ShaderStage::pixel);
-    ShaderInterface right = reflectShader(assembled, target);
+    ShaderInterface right = reflectShader(assembled, target, options);
     markUsed(right, spirv);
     EXPECT_EQ(difference(factsOf(right), found), "") << targetName(target) << text;
     for (std::size_t i = 0; i < std::size(changes); ++i) {
       ShaderInterface wrong = right;
       changes[i](wrong);
-      EXPECT_NE(difference(factsOf(wrong), found), "") << targetName(target) << ", change " << i;
+      EXPECT_NE(difference(factsOf(wrong), found), "")
+          << targetName(target) << " " << right.version << ", change " << i;
     }
   }
 }
 
 TEST_F(InterfaceTest, HashesDifferWithTextTargetAndInterface) {
-  const auto hashOf = [](const CollapseSettings& settings, ShaderStage stage,
-                         std::optional<ShaderTarget> target) {
-    CollapseJob job(settings);
+  const auto hashOf = [](const JobFiles& settings, ShaderStage stage, std::optional<ShaderTarget> target) {
+    CollapseJob job = makeJob(settings);
     job.run();
     return reflectShader(assembleShader(job, stage), target).hash;
   };
-  const CollapseSettings settings = chosen(true);
+  const JobFiles settings = chosen(true);
   const std::string hash = hashOf(settings, ShaderStage::pixel, std::nullopt);
   EXPECT_EQ(hash.size(), 40u);
   EXPECT_EQ(hashOf(settings, ShaderStage::pixel, std::nullopt), hash);
@@ -159,18 +163,17 @@ TEST_F(InterfaceTest, HashesDifferWithTextTargetAndInterface) {
   EXPECT_NE(hashOf(settings, ShaderStage::pixel, ShaderTarget::spirv),
             hashOf(settings, ShaderStage::pixel, ShaderTarget::glsl));
 
-  CollapseSettings otherOrder = settings;
+  JobFiles otherOrder = settings;
   std::reverse(otherOrder.libraryFolders.begin(), otherOrder.libraryFolders.end());
   EXPECT_EQ(hashOf(otherOrder, ShaderStage::pixel, std::nullopt), hash);
 }
 
 TEST_F(InterfaceTest, TellsWhereValuesComeFrom) {
-  CollapseSettings settings =
-      this->settings({{"outputs", {{{"name", "color"}, {"type", "float3"}, {"node", "lit"}}}},
-                      {"nodes", {{{"name", "lit"}, {"fragment", "ggxSurface"}}}}});
+  JobFiles settings = this->settings({{"outputs", {{{"name", "color"}, {"type", "float3"}, {"node", "lit"}}}},
+                                      {"nodes", {{{"name", "lit"}, {"fragment", "ggxSurface"}}}}});
   light(settings,
         {{"lights", {{{"name", "n0"}, {"fragment", "directionalLight"}, {"profile", "sfg_Light"}}}}});
-  CollapseJob job(settings);
+  CollapseJob job = makeJob(settings);
   job.run();
   std::map<std::string, InterfaceOrigin> origins;
   for (const InterfaceBuffer& buffer : assembleShader(job, ShaderStage::pixel).reflection.buffers) {
@@ -205,9 +208,9 @@ TEST_F(InterfaceTest, ReadableNamesChangeNothingElse) {
   for (const auto& file : std::filesystem::directory_iterator("examples/materials")) {
     if (file.path().extension() != ".json") continue;
     std::ifstream stream(file.path());
-    CollapseSettings lit = settings(Json::parse(stream));
+    JobFiles lit = settings(Json::parse(stream));
     light(lit, environmentOf(4));
-    CollapseJob job(lit);
+    CollapseJob job = makeJob(lit);
     job.run();
     std::vector<std::vector<std::uint32_t>> modules;
     for (const NameStyle names : {NameStyle::generated, NameStyle::readable}) {
@@ -217,6 +220,20 @@ TEST_F(InterfaceTest, ReadableNamesChangeNothingElse) {
                                                     assembled.entryPoint, ShaderStage::pixel)));
     }
     EXPECT_TRUE(modules[0] == modules[1]) << file.path();
+  }
+}
+
+/// Whether HLSL refuses a variable of that name.
+bool isWordOfHlsl(const std::string& word) {
+  try {
+    compileToSpirv("cbuffer b { float " + word + "; }; float4 main() : SV_Target { return " + word + "; }",
+                   "main", ShaderStage::pixel);
+    compileToSpirv("Texture2D " + word + "; SamplerState s; float4 main() : SV_Target { return " + word +
+                       ".Sample(s, float2(0.5, 0.5)); }",
+                   "main", ShaderStage::pixel);
+    return false;
+  } catch (const CompileError&) {
+    return true;
   }
 }
 
@@ -282,7 +299,7 @@ TEST_F(InterfaceTest, NamesAreKeywordsOfNoTarget) {
     last["inputs"]["p" + std::to_string(i)] = {{"node", words[i]}};
   }
   graph["nodes"].push_back(last);
-  CollapseSettings settings = this->settings(graph);
+  JobFiles settings = this->settings(graph);
   const auto code = [](const std::string& prototype, const std::string& body) {
     return Json({{"language", {"dx11"}}, {"implementation", {prototype, "{", body, "}"}}});
   };
@@ -298,10 +315,84 @@ TEST_F(InterfaceTest, NamesAreKeywordsOfNoTarget) {
     Json one = {{"outputs", {{{"name", "result"}, {"type", "float"}, {"node", "n"}}}},
                 {"uniforms", {{{"name", word}, {"type", "float"}}}},
                 {"nodes", {{{"name", "n"}, {"fragment", "namesIt"}}}}};
-    CollapseSettings own = this->settings(one);
+    JobFiles own = this->settings(one);
     define(own, {{"namesIt", code("void namesIt(out float result)", std::string("result = ") + word + ";")}});
     EXPECT_EQ(compile(own, ShaderStage::pixel, true), "") << word;
   }
+}
+
+/// Uniforms and textures of the graph, which code names, are called after words of old versions of GLSL: as
+/// many of them as HLSL takes for names.
+TEST_F(InterfaceTest, NamesAreNoWordsOfOldVersionsOfGlsl) {
+  std::istringstream words(
+      "const uniform layout centroid flat smooth break continue do for while switch case default "
+      "if else in out inout float int void bool true false invariant discard return mat2 mat3 "
+      "mat4 mat2x2 mat2x3 mat2x4 mat3x2 mat3x3 mat3x4 mat4x2 mat4x3 mat4x4 vec2 vec3 vec4 ivec2 "
+      "ivec3 ivec4 bvec2 bvec3 bvec4 uint uvec2 uvec3 uvec4 lowp mediump highp precision "
+      "sampler2D sampler3D samplerCube sampler2DShadow samplerCubeShadow sampler2DArray "
+      "sampler2DArrayShadow isampler2D isampler3D isamplerCube isampler2DArray usampler2D "
+      "usampler3D usamplerCube usampler2DArray struct attribute varying coherent volatile "
+      "restrict readonly writeonly resource atomic_uint noperspective patch sample subroutine "
+      "common partition active asm class union enum typedef template this goto inline noinline "
+      "public static extern external interface long short double half fixed unsigned superp input "
+      "output hvec2 hvec3 hvec4 dvec2 dvec3 dvec4 fvec2 fvec3 fvec4 sampler3DRect filter image1D "
+      "image2D image3D imageCube iimage1D iimage2D iimage3D iimageCube uimage1D uimage2D uimage3D "
+      "uimageCube image1DArray image2DArray iimage1DArray iimage2DArray uimage1DArray "
+      "uimage2DArray imageBuffer iimageBuffer uimageBuffer sampler1D sampler1DShadow "
+      "sampler1DArray sampler1DArrayShadow isampler1D isampler1DArray usampler1D usampler1DArray "
+      "sampler2DRect sampler2DRectShadow isampler2DRect usampler2DRect samplerBuffer "
+      "isamplerBuffer usamplerBuffer sampler2DMS isampler2DMS usampler2DMS sampler2DMSArray "
+      "isampler2DMSArray usampler2DMSArray sizeof cast namespace using image1DShadow "
+      "image2DShadow image1DArrayShadow image2DArrayShadow row_major samplerCubeArray "
+      "samplerCubeArrayShadow isamplerCubeArray usamplerCubeArray imageCubeArray iimageCubeArray "
+      "uimageCubeArray image2DRect iimage2DRect uimage2DRect image2DMS iimage2DMS uimage2DMS "
+      "image2DMSArray iimage2DMSArray uimage2DMSArray dmat2 dmat3 dmat4 dmat2x2 dmat2x3 dmat2x4 "
+      "dmat3x2 dmat3x3 dmat3x4 dmat4x2 dmat4x3 dmat4x4 buffer shared precise radians degrees sin "
+      "cos tan asin acos atan sinh cosh tanh asinh acosh atanh pow exp log exp2 log2 sqrt "
+      "inversesqrt abs sign floor trunc round roundEven ceil fract mod modf min max clamp mix "
+      "step smoothstep isnan isinf floatBitsToInt floatBitsToUint intBitsToFloat uintBitsToFloat "
+      "packSnorm2x16 unpackSnorm2x16 packUnorm2x16 unpackUnorm2x16 packHalf2x16 unpackHalf2x16 "
+      "length distance dot cross normalize faceforward reflect refract matrixCompMult "
+      "outerProduct transpose determinant inverse lessThan lessThanEqual greaterThan "
+      "greaterThanEqual equal notEqual any all not textureSize texture textureProj textureLod "
+      "textureOffset texelFetch texelFetchOffset textureProjOffset textureLodOffset "
+      "textureProjLod textureProjLodOffset textureGrad textureGradOffset textureProjGrad "
+      "textureProjGradOffset dFdx dFdy fwidth noise1 noise2 noise3 noise4 ftransform EmitVertex "
+      "EndPrimitive texture1D texture1DProj texture1DLod texture1DProjLod texture2D texture2DProj "
+      "texture2DLod texture2DProjLod texture3D texture3DProj texture3DLod texture3DProjLod "
+      "textureCube textureCubeLod shadow1D shadow2D shadow1DProj shadow2DProj shadow1DLod "
+      "shadow2DLod shadow1DProjLod shadow2DProjLod texture2DGradARB");
+  std::string sum = "result = 0.0";
+  std::vector<std::string> uniforms;
+  std::vector<std::string> textures;
+  for (std::string word; words >> word;) {
+    if (word == "float" || isWordOfHlsl(word)) continue;  // the code has `float` itself
+    // The first letter shares them out, so that textures stay few.
+    if (word[0] == 's' || word[0] == 't') {
+      if (textures.size() < 12) textures.push_back(word);
+    } else {
+      uniforms.push_back(word);
+    }
+  }
+  ASSERT_EQ(textures.size(), 12u);
+  ASSERT_GT(uniforms.size(), 100u);
+  Json graph = {{"outputs", {{{"name", "result"}, {"type", "float"}, {"node", "n"}}}},
+                {"uniforms", Json::array()},
+                {"nodes", {{{"name", "n"}, {"fragment", "namesThem"}}}}};
+  for (const std::string& name : uniforms) {
+    sum += " + " + name;
+    graph["uniforms"].push_back({{"name", name}, {"type", "float"}});
+  }
+  for (const std::string& name : textures) {
+    sum += " + " + name + ".Sample(sampler_" + name + ", float2(0.5, 0.5)).x";
+    graph["uniforms"].push_back({{"name", name}, {"type", "sampler2D"}});
+  }
+  JobFiles settings = this->settings(graph);
+  define(settings, {{"namesThem",
+                     {{"language", {"dx11"}},
+                      {"implementation", {"void namesThem(out float result)", "{", sum + ";", "}"}}}}});
+  EXPECT_EQ(compile(settings, ShaderStage::pixel, true), "");
+  EXPECT_EQ(compile(settings, ShaderStage::pixel, true, Optimization::none), "");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "host/modules/shader_compiler.h"
 #include "host/shader/shader_target.h"
 #include "tests/shaders/interface_facts.h"
+#include "tests/support/job_files.h"
 #include "tolmsdk/unicode.h"
 
 namespace shaders_test {
@@ -21,16 +22,46 @@ const FragmentFiles& libraryFiles() { return standardLibrary().files(); }
 
 /// Compares what the interface says with what is read from the target's module or text.
 std::string checkInterface(const AssembledShader& assembled, const std::vector<std::uint32_t>& spirv,
-                           ShaderTarget target) {
-  ShaderInterface shader = reflectShader(assembled, target);
+                           const TargetVersion& version) {
+  const ShaderTarget target = version.target;
+  ShaderInterface shader = reflectShader(assembled, target, version.options);
   markUsed(shader, spirv);
-  const std::string text = translate(spirv, shader.stage, target);
+  const std::string text = translate(spirv, shader.stage, target, version.options);
   const Facts found = target == ShaderTarget::spirv ? factsOfModule(spirv)
                       : target == ShaderTarget::msl ? factsOfMetal(text)
                                                     : factsOfTranslation(text, target, shader.stage);
   const std::string wrong = difference(factsOf(shader), found);
   if (wrong.empty()) return {};
-  return std::string(targetName(target)) + ":\n" + wrong + (target == ShaderTarget::spirv ? "" : text);
+  return std::string(targetName(target)) + " " + shader.version + ":\n" + wrong +
+         (target == ShaderTarget::spirv ? "" : text);
+}
+
+/// Of every version of every target, or of SPIR-V alone.
+std::string checkVersions(const AssembledShader& assembled, const std::vector<std::uint32_t>& spirv,
+                          Optimization optimization, bool everyTarget) {
+  std::string wrong;
+  for (TargetVersion& version : targetVersions(assembled.reflection.stage)) {
+    version.options.optimization = optimization;
+    wrong += checkInterface(assembled, spirv, version);
+    if (!everyTarget) break;
+  }
+  return wrong;
+}
+
+/// Compiles the vertex stage of a pixel stage, and compares the two modules.
+std::string checkPair(const CollapseJob& job, const AssembledShader& pixel,
+                      const std::vector<std::uint32_t>& pixelModule, Optimization optimization,
+                      bool everyTarget) {
+  CompileOptions options;
+  options.optimization = optimization;
+  const AssembledShader vertex = assembleShader(job, ShaderStage::vertex, NameStyle::readable);
+  const std::vector<std::uint32_t> spirv = compileToSpirv(TolmSDK::toUtf8(vertex.shader.getCompleteShader()),
+                                                          vertex.entryPoint, ShaderStage::vertex, options);
+  std::string wrong = checkVersions(vertex, spirv, optimization, everyTarget);
+  ShaderInterface taken = reflectShader(pixel, ShaderTarget::spirv);
+  markUsed(taken, pixelModule);
+  wrong += pairFaults(factsOfModule(spirv), factsOfModule(pixelModule), taken);
+  return wrong.empty() ? wrong : "vertex stage: " + wrong;
 }
 
 }  // namespace
@@ -62,29 +93,29 @@ ShaderFixture::ShaderFixture() {
 
 ShaderFixture::~ShaderFixture() { fs::remove_all(folder_); }
 
-CollapseSettings ShaderFixture::settings(const Json& graph) const {
+JobFiles ShaderFixture::settings(const Json& graph) const {
   std::ofstream(folder_ / "graph.json") << graph;
-  CollapseSettings settings;
+  JobFiles settings;
   settings.graphFile = (folder_ / "graph.json").string();
   settings.libraryFolders = kLibrary;
   settings.includeFolders = kLibrary;
   return settings;
 }
 
-void ShaderFixture::define(CollapseSettings& settings, const Json& fragments) const {
+void ShaderFixture::define(JobFiles& settings, const Json& fragments) const {
   std::ofstream(folder_ / "test.fraglib") << fragments;
   settings.libraryFolders.push_back(folder_.string());
 }
 
-void ShaderFixture::light(CollapseSettings& settings, const Json& environment) const {
+void ShaderFixture::light(JobFiles& settings, const Json& environment) const {
   std::ofstream(folder_ / "environment.json") << environment;
   settings.environmentFile = (folder_ / "environment.json").string();
   settings.tool = CollapseTool::lightLoop;
 }
 
-std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage stage,
-                                   bool everyTarget) try {
-  CollapseJob job(settings);
+std::string ShaderFixture::compile(const JobFiles& settings, ShaderStage stage, bool everyTarget,
+                                   Optimization optimization) try {
+  CollapseJob job = makeJob(settings);
   job.run();
   if (job.result() == nullptr) return "the collapse answers null";
   const AssembledShader assembled = assembleShader(job, stage, NameStyle::readable);
@@ -92,13 +123,11 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   for (const Diagnostic& warning : findWarnings(job, true)) return warning.place() + ": " + warning.text;
   const std::string hlsl = TolmSDK::toUtf8(assembled.shader.getCompleteShader());
   try {
-    const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage);
-    std::string wrong = checkInterface(assembled, spirv, ShaderTarget::spirv);
-    if (!everyTarget) return wrong;
-    for (const ShaderTarget target :
-         {ShaderTarget::hlsl, ShaderTarget::glsl, ShaderTarget::essl, ShaderTarget::msl}) {
-      wrong += checkInterface(assembled, spirv, target);
-    }
+    CompileOptions options;
+    options.optimization = optimization;
+    const std::vector<std::uint32_t> spirv = compileToSpirv(hlsl, assembled.entryPoint, stage, options);
+    std::string wrong = checkVersions(assembled, spirv, optimization, everyTarget);
+    if (stage == ShaderStage::pixel) wrong += checkPair(job, assembled, spirv, optimization, everyTarget);
     return wrong;
   } catch (const CompileError& error) {
     std::string text = error.what();
@@ -109,6 +138,20 @@ std::string ShaderFixture::compile(const CollapseSettings& settings, ShaderStage
   }
 } catch (const std::exception& error) {
   return error.what();
+}
+
+std::vector<TargetVersion> targetVersions(ShaderStage stage) {
+  CompileOptions other;
+  other.glslVersion = GlslVersion::glsl330;
+  other.shaderModel = ShaderModel::sm60;
+  std::vector<TargetVersion> versions = {{ShaderTarget::spirv, {}},   {ShaderTarget::hlsl, {}},
+                                         {ShaderTarget::hlsl, other}, {ShaderTarget::glsl, {}},
+                                         {ShaderTarget::essl, {}},    {ShaderTarget::msl, {}}};
+  if (stage != ShaderStage::compute) {
+    versions.push_back({ShaderTarget::glsl, other});
+    versions.push_back({ShaderTarget::essl300, {}});
+  }
+  return versions;
 }
 
 Json environmentOf(std::size_t lights) {

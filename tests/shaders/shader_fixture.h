@@ -11,6 +11,7 @@
 
 #include "host/job/collapse_job.h"
 #include "host/shader/shader_assembly.h"
+#include "tests/support/job_files.h"
 
 namespace shaders_test {
 
@@ -32,20 +33,30 @@ protected:
   ~ShaderFixture() override;
 
   /// Settings over the standard library for a document of the test.
-  sfg::host::CollapseSettings settings(const Json& graph) const;
+  sfg::host::JobFiles settings(const Json& graph) const;
   /// Adds fragments of the test, as a fragment library file holds them, to those of the standard library.
-  void define(sfg::host::CollapseSettings& settings, const Json& fragments) const;
+  void define(sfg::host::JobFiles& settings, const Json& fragments) const;
   /// Makes it a light loop over an environment document.
-  void light(sfg::host::CollapseSettings& settings, const Json& environment) const;
+  void light(sfg::host::JobFiles& settings, const Json& environment) const;
 
-  /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language. Answers why
-  /// it cannot, or what the host warns of.
-  static std::string compile(const sfg::host::CollapseSettings& settings, sfg::host::ShaderStage stage,
-                             bool everyTarget);
+  /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language in all its
+  /// versions. With a pixel stage the vertex stage that feeds it. Answers why it cannot, or what the host
+  /// warns of.
+  static std::string compile(const sfg::host::JobFiles& settings, sfg::host::ShaderStage stage,
+                             bool everyTarget,
+                             sfg::host::Optimization optimization = sfg::host::Optimization::speed);
 
 private:
   std::filesystem::path folder_;
 };
+
+/// A target in one of its versions.
+struct TargetVersion {
+  sfg::host::ShaderTarget target;
+  sfg::host::CompileOptions options;
+};
+/// All that shaders of the stage can be compiled for, the module first.
+std::vector<TargetVersion> targetVersions(sfg::host::ShaderStage stage);
 
 /// An environment of that many lights, of all kinds by turns.
 Json environmentOf(std::size_t lights);

@@ -1,11 +1,12 @@
 // Fragments that call another one from their own code.
 
 #include "tests/shaders/shader_fixture.h"
+#include "tests/support/job_files.h"
 
 namespace shaders_test {
 namespace {
 
-using sfg::host::CollapseSettings;
+using sfg::host::JobFiles;
 using sfg::host::ShaderStage;
 
 Json fragment(const Json& implementation) {
@@ -21,13 +22,12 @@ protected:
     consumer.insert(consumer.end(), {"result = a;", "}"});
     const Json source = {"void source(float2 position, out float height, out float slope)", "{",
                          "height = position.x;", "slope = position.y;", "}"};
-    CollapseSettings chosen =
-        settings({{"outputs", {{{"name", "color"}, {"type", "float"}, {"node", "consumer"}}}},
-                  {"nodes",
-                   {{{"name", "source"}, {"fragment", "testSource"}},
-                    {{"name", "consumer"},
-                     {"fragment", "testConsumer"},
-                     {"inputs", {{"source", {{"node", "source"}, {"output", "height"}}}}}}}}});
+    JobFiles chosen = settings({{"outputs", {{{"name", "color"}, {"type", "float"}, {"node", "consumer"}}}},
+                                {"nodes",
+                                 {{{"name", "source"}, {"fragment", "testSource"}},
+                                  {{"name", "consumer"},
+                                   {"fragment", "testConsumer"},
+                                   {"inputs", {{"source", {{"node", "source"}, {"output", "height"}}}}}}}}});
     define(chosen, {{"testSource", fragment(source)}, {"testConsumer", fragment(consumer)}});
     return compile(chosen, ShaderStage::pixel, true);
   }

@@ -89,6 +89,7 @@ public:
 struct CompilerMessage {
   std::size_t line = 0;  ///< of the text compiled, counted from 1; zero when unknown
   std::string text;
+  std::size_t column = 0;  ///< in code points, counted from 1; zero when unknown
 };
 
 /// A compiler refused a text: the assembled shader, or (then a defect here or in a compiler) what was made of

@@ -11,10 +11,13 @@
 #include "sfg/host/document.h"
 #include "sfg/host/errors.h"
 #include "sfg/host/export.h"
+#include "sfg/host/host_graph.h"
 #include "sfg/host/library_set.h"
 #include "sfg/host/reflect.h"
 #include "sfg/host/shader.h"
+#include "sfg/host/source_map.h"
 #include "sfg/shader_fragment.h"
+#include "tolmsdk/ref_object.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -32,13 +35,19 @@ struct CollapseOptions {
 };
 
 /// One collapse over a set, which it keeps. Reads its documents when it is made and nothing later, so that
-/// whatever happens to graph, files and set meanwhile does not reach it. Used by one thread at a time; any
+/// whatever happens to graph, files and set meanwhile does not reach it; only of a graph with node classes of
+/// its own must nothing change until it is collapsed. Used by one thread at a time; any
 /// number of jobs run at once, over one set or several.
 class SFG_HOST_API Job {
 public:
   /// Reads the documents. Throws InputError, without a set too.
   Job(std::shared_ptr<const LibrarySet> libraries, const Document& graph, const CollapseOptions& options = {},
       const std::optional<Document>& environment = std::nullopt);
+  /// The same of a graph with the host's own node classes, which the job keeps and asks again in collapse().
+  /// Throws InputError for what is wrong in it, too: a null node or parameter, a name used twice, a wire from
+  /// what is not there.
+  Job(std::shared_ptr<const LibrarySet> libraries, RefPtr<IHostGraph const> graph,
+      const CollapseOptions& options = {}, const std::optional<Document>& environment = std::nullopt);
   /// `other` may then be destroyed or assigned to, nothing else.
   Job(Job&& other) noexcept;
   Job& operator=(Job&& other) noexcept;
@@ -66,13 +75,25 @@ public:
   /// A pixel stage takes varying state and graph inputs as attributes and writes each graph output to a
   /// target of its own. A compute stage reads element i of the buffer `sfg_inputs` and writes element i of
   /// `sfg_outputs` for each invocation i below the latter's length.
-  Shader assemble(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
+  ///
+  /// A vertex stage computes from the vertices of a mesh what the pixel stage of the same job takes, and the
+  /// position in clip space; graph inputs are handed through. It takes only those parts of a vertex that it
+  /// needs; an AssemblyError names a state variable whose parts `mesh` lacks. The buffer of its matrices,
+  /// `sfg_VertexUniforms`, has the number behind those of the pixel stage. `mesh` means nothing to others.
+  Shader assemble(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated,
+                  const MeshLayout& mesh = {}) const;
   /// What that shader takes and gives, as its HLSL text has it; interfaceFor() tells what compilers make of
-  /// it. Throws AssemblyError.
-  ShaderInterface reflect(ShaderStage stage = ShaderStage::pixel,
-                          NameStyle names = NameStyle::generated) const;
-  /// Where a compiler's complaint about a shader that assemble() made comes from: the complaints, each line's
-  /// origins behind them.
+  /// it. A job keeps the shader that it assembled last: reflecting that, or explaining it, assembles nothing.
+  /// Throws AssemblyError.
+  ShaderInterface reflect(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated,
+                          const MeshLayout& mesh = {}) const;
+  /// Where every character of that shader comes from. The graph is collapsed once more for it. Throws
+  /// AssemblyError.
+  SourceMap mapSources(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
+  /// What a compiler refused of a shader that assemble() made, in words that lead to the mistake, at its
+  /// place in a library file, an include file or a document; behind it notes: who uses the code, and what the
+  /// compiler said of which line of the text. Messages that only follow from the first are left out. The
+  /// graph is collapsed once more for it.
   std::vector<Diagnostic> explain(const Shader& shader, const CompileError& error) const;
   /// The files that the result was made from: graph, environment, fragment libraries, include files.
   std::vector<std::string> files() const;
@@ -84,7 +105,7 @@ public:
 
 private:
   struct State;
-  const State& collapsed() const;
+  State& collapsed() const;
 
   std::unique_ptr<State> state_;
 };

@@ -24,6 +24,9 @@ class LoadedLibraries;
 struct LibraryFolders {
   std::vector<std::filesystem::path> libraries;
   std::vector<std::filesystem::path> includes;
+  /// One of the libraries, as it is spelled there, whose fragments are meant to be replaced by those of later
+  /// folders: nobody is told of it. Empty for none.
+  std::filesystem::path standard = {};
 };
 
 /// A fragment of a set.
@@ -56,7 +59,8 @@ public:
   ~LibrarySet();
 
   const LibraryFolders& folders() const noexcept { return folders_; }
-  /// What was passed over, as the generator's messages, in the order of files. Lives as long as the set.
+  /// What was passed over, as the generator's messages, and warnings of what is said of ports and cannot be
+  /// used, in the order of files. Lives as long as the set.
   std::span<const Diagnostic> problems() const noexcept;
   /// The fragments that did load, in order of names.
   std::vector<FragmentInfo> fragments() const;

@@ -12,20 +12,22 @@
 
 #include "sfg/host/errors.h"
 #include "sfg/host/export.h"
+#include "sfg/host/port_metadata.h"
 #include "sfg/host/shader.h"
+#include "sfg/host/target.h"
 
 namespace TolmSDK::Graphics::sfg::host {
-
-/// What a shader is compiled to.
-enum class ShaderTarget { hlsl, spirv, glsl, essl, msl };
 
 /// What a value stands for in graph and scene.
 struct InterfaceOrigin {
   std::string kind;      ///< "node", "light", "preprocess", "postprocess", "output", "graphUniform",
-                         ///< "graphInput", "graphOutput", "stateVariable"; empty when it is not known
+                         ///< "graphInput", "graphOutput", "stateVariable", "mesh" (a part of a vertex);
+                         ///< empty when it is not known
   std::string owner;     ///< the node's or light's name; empty for the graph and state variables
   std::string fragment;  ///< the owner's
   std::string name;      ///< of the input, uniform, output or state variable
+  /// What the owner's library says of its input or uniform; none when it says nothing.
+  std::optional<PortMetadata> port = std::nullopt;
 
   /// "owner.name", or the name alone where there is no owner: under which values are set.
   std::string path() const { return owner.empty() ? name : owner + "." + name; }
@@ -45,7 +47,8 @@ struct InterfaceMember {
   std::vector<InterfaceMember> members;  ///< of a structure
 };
 
-/// Where a resource is bound. A target has a binding, registers, or both.
+/// Where a resource is bound. A target has a binding, registers, or both; or neither, and it is bound by its
+/// name.
 struct InterfacePlace {
   char kind = 'b';         ///< of the register in HLSL: 'b', 't', 's' or 'u'
   std::size_t number = 0;  ///< of the register
@@ -85,17 +88,18 @@ struct InterfaceSampler {
   InterfaceOrigin origin;
 };
 
-/// A value that varies over a surface.
+/// A value that varies over a surface, or of a vertex.
 struct InterfaceAttribute {
   std::string name;
   std::string semantic;                 ///< in HLSL; in Metal the attribute ("user(locn0)"); else empty
-  std::optional<std::size_t> location;  ///< none for what the stage itself provides
-  std::string builtin;                  ///< "fragCoord" or "frontFacing" then
+  std::optional<std::size_t> location;  ///< none for what the stage itself provides or takes, and where
+                                        ///< stages are linked by names
+  std::string builtin;  ///< "fragCoord" or "frontFacing": the stage's own; "position" leaves a vertex stage
   std::string type;
   bool isFlat = false;  ///< not interpolated
   InterfaceOrigin origin;
-  std::string meaning;  ///< of a state variable
-  std::string space;    ///< "object", "world", "view"; empty for what is in none
+  std::string meaning;  ///< of a state variable or a part of a vertex
+  std::string space;    ///< "object", "world", "view", "clip"; empty for what is in none
   std::optional<bool> isUsed;
 };
 
@@ -109,10 +113,12 @@ struct InterfaceRenderTarget {
 
 struct ShaderInterface {
   std::optional<ShaderTarget> target;  ///< none: the assembled HLSL
+  std::string version;                 ///< of the target's language, "330" or "6.0", where it was chosen
   ShaderStage stage = ShaderStage::pixel;
   std::string entryPoint;
   std::size_t groupSize = 0;  ///< invocations of a compute group
   std::vector<InterfaceAttribute> attributes;
+  std::vector<InterfaceAttribute> varyings;  ///< what a vertex stage hands to the pixel stage
   std::vector<InterfaceBuffer> buffers;
   std::vector<InterfaceTexture> textures;
   std::vector<InterfaceSampler> samplers;
@@ -121,17 +127,23 @@ struct ShaderInterface {
   /// The files that the shader was made of: documents, the library files of the fragments in use, include
   /// files; each once, as its folder was spelled.
   std::vector<std::string> files;
-  /// Of the assembled text and of everything above but what is used and the files. The same on every machine
-  /// and for every order of folders; equal text and interface, equal hash. 40 hexadecimal digits.
+  /// Of the assembled text and of everything above but what is used and the files, and of the options that
+  /// compile() was given for it. The same on every machine and for every order of folders; equal text,
+  /// interface and options, equal hash. 40 hexadecimal digits.
   std::string hash;
 };
 
-/// The same shader as compile() makes it for a target: names, bindings and registers, and a hash of its own.
-/// `assembled` is of no target and has its hash.
-SFG_HOST_API ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target);
+/// The same shader as compile() makes it for a target with these options: names, bindings and registers, and
+/// a hash of its own, which tells options apart, too. `assembled` is of no target and has its hash. Throws
+/// CompileError where refusalOf() has a reason.
+SFG_HOST_API ShaderInterface interfaceFor(const ShaderInterface& assembled, ShaderTarget target,
+                                          const CompileOptions& options = {});
 
 /// As JSON, indented, with a line feed at its end.
 SFG_HOST_API std::string writeInterfaceJson(const ShaderInterface& shader);
+
+/// The JSON Schema (draft 2020-12) of what that writes, in the same form.
+SFG_HOST_API std::string interfaceSchemaJson();
 
 /// What a value of a shader shall be: as many numbers as it has components, rows of a matrix behind one
 /// another, elements of an array too; booleans as 0 and 1.

@@ -8,7 +8,20 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-enum class ShaderStage { pixel, compute };
+enum class ShaderStage { pixel, compute, vertex };
+
+/// What the vertices of a mesh have besides a position.
+struct MeshLayout {
+  bool normal = true;
+  bool tangent = true;  ///< its w is 1, or -1 where the texture lies mirrored
+  bool texCoord0 = true;
+  bool texCoord1 = true;
+  bool texCoord2 = true;
+  bool texCoord3 = true;
+  bool color = true;
+
+  bool operator==(const MeshLayout&) const = default;
+};
 
 /// How a complete shader names its uniforms.
 enum class NameStyle {

@@ -91,6 +91,9 @@ public:
   RefPtr(RefPtr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
   template <class U>
   requires std::is_convertible_v<U*, T*> RefPtr(const RefPtr<U>& other) : RefPtr(other.get()) {}
+  template <class U>
+  requires std::is_convertible_v<U*, T*> RefPtr(RefPtr<U>&& other)
+  noexcept : object_(std::exchange(other.object_, nullptr)) {}
   ~RefPtr() { release(); }
 
   RefPtr& operator=(const RefPtr& other) {
@@ -120,6 +123,9 @@ public:
   }
 
 private:
+  template <class U>
+  friend class RefPtr;
+
   void acquire() const {
     if (object_ != nullptr) object_->AddRef();
   }

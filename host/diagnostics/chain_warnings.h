@@ -1,0 +1,13 @@
+#pragma once
+
+// Warnings about the pre-process and post-process chains.
+
+#include "host/diagnostics/collapse_facts.h"
+#include "host/diagnostics/warning_list.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+/// The default tool evaluates no post-process fragments.
+void warnOfChains(const CollapseFacts& facts, WarningList& warnings);
+
+}  // namespace TolmSDK::Graphics::sfg::host

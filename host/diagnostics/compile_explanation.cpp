@@ -1,0 +1,211 @@
+#include "host/diagnostics/compile_explanation.h"
+
+#include <set>
+#include <utility>
+
+#include "host/diagnostics/compile_messages.h"
+#include "host/documents/diagnose.h"
+#include "host/documents/document_reader.h"
+#include "host/documents/near_name.h"
+#include "sfg/host/source_map.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+using Kind = SourcePlace::Kind;
+
+bool isCode(const SourcePlace& place) {
+  return place.kind == Kind::implementation || place.kind == Kind::predefine || place.kind == Kind::include;
+}
+
+std::string trimmed(std::wstring_view text) {
+  const std::size_t start = text.find_first_not_of(L" \t\r");
+  if (start == text.npos) return std::string();
+  return toUtf8(text.substr(start, text.find_last_not_of(L" \t\r") + 1 - start));
+}
+
+std::string withReplaced(std::string text, const std::string& old, const std::string& now) {
+  for (std::size_t at = text.find(old); at != std::string::npos; at = text.find(old, at + now.size()))
+    text.replace(at, old.size(), now);
+  return text;
+}
+
+/// Names that a text declares: those behind another name.
+void addDeclared(std::set<std::string>& names, std::wstring_view code) {
+  const CodeTokens tokens = tokensOf(code);
+  for (std::size_t i = 1; i < tokens.size(); ++i) {
+    if (tokens[i].isName && tokens[i - 1].isName && tokens[i - 1].in(code) != L"return")
+      names.insert(toUtf8(tokens[i].in(code)));
+  }
+}
+
+class Explainer {
+public:
+  Explainer(const CollapseJob& job, const AssembledShader& assembled, const CompileError& error)
+      : job_(job), error_(error), text_(std::as_const(assembled.shader).getCompleteShader()),
+        messages_(text_), map_(job, assembled) {}
+
+  std::vector<Diagnostic> explain() {
+    ToldMistake told = messages_.describe(error_.messages());
+    const SourcePlace& unbalanced = map_.findUnbalanced();
+    const bool hasPlace = told.token < messages_.tokens().size();
+    if (told.isSyntax && unbalanced.kind != Kind::unknown) {
+      tell(unbalanced, wordsOf(unbalanced));
+    } else if (!hasPlace) {
+      tellDocument(told.text);
+    } else {
+      const SourcePlace place = placeOf(told);
+      tell(place, wordsOf(told, place));
+    }
+    tellLine();
+    return std::move(diagnostics_);
+  }
+
+private:
+  void add(Severity severity, const std::string& file, std::size_t line, std::size_t column,
+           std::string text) {
+    const Finding kind = severity == Severity::error ? Finding::compileError : Finding::codeOrigin;
+    diagnostics_.push_back(diagnose(kind, severity, file, {line, column}, std::move(text)));
+  }
+
+  SourcePlace placeOf(const ToldMistake& told) const {
+    const CodeToken& token = messages_.tokens()[told.token];
+    const auto [line, column] = messages_.placeOf(token.begin);
+    SourcePlace place = map_.find(line, column);
+    // Of a declaration that the host writes the name tells whose it is.
+    for (std::size_t i = told.token + 1; place.file.empty() && i < messages_.tokens().size(); ++i) {
+      const auto [otherLine, otherColumn] = messages_.placeOf(messages_.tokens()[i].begin);
+      if (otherLine != line) break;
+      const SourcePlace other = map_.find(otherLine, otherColumn);
+      if (other.kind == Kind::input) place = other;
+    }
+    if (!told.isBehind || !place.isExact) return place;
+    SourcePlace last = map_.find(line, column + token.size() - 1);
+    ++last.column;
+    return last;
+  }
+
+  static std::string wordsOf(const SourcePlace& unbalanced) {
+    if (unbalanced.token == "/*") return "the comment is not closed";
+    if (unbalanced.token == "#") return "a conditional is not closed by `#endif`";
+    const bool closes = unbalanced.token == ")" || unbalanced.token == "]" || unbalanced.token == "}";
+    return inTicks(std::string_view(unbalanced.token)) + (closes ? " closes nothing" : " is not closed");
+  }
+
+  /// Names as the source spells them, and what may have been meant.
+  std::string wordsOf(const ToldMistake& told, const SourcePlace& place) const {
+    const std::string generated = toUtf8(messages_.tokens()[told.token].in(text_));
+    std::string text = told.text;
+    std::string unknown = told.unknown;
+    if (place.isExact && !place.token.empty() && place.token != generated) {
+      text = withReplaced(std::move(text), inTicks(std::string_view(generated)),
+                          inTicks(std::string_view(place.token)));
+      if (unknown == generated) unknown = place.token;
+    }
+    if (unknown.empty()) return text;
+    return text + didYouMean(meantName(unknown, visibleNames(place)));
+  }
+
+  /// What code at the place can name.
+  std::vector<std::string> visibleNames(const SourcePlace& place) const {
+    std::set<std::string> names;
+    const IShaderFragment* const fragment =
+        job_.libraries().language().findFragment(fromUtf8(place.fragment));
+    if (fragment != nullptr) addNames(names, *fragment);
+    if (place.kind == Kind::include) addDeclared(names, text_);
+    std::vector<std::string> all(names.begin(), names.end());
+    for (const std::string_view name : languageNames()) all.emplace_back(name);
+    return all;
+  }
+
+  void addNames(std::set<std::string>& names, const IShaderFragment& fragment) const {
+    for (std::size_t i = 0; i < fragment.getNumUniforms(); ++i)
+      names.insert(toUtf8(fragment.getUniform(i)->getName()));
+    Set<WString> includes;
+    for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i) {
+      const IShaderFragmentProfile& profile = *fragment.getProfile(i);
+      const ITextParameterList& parameters = *profile.getFunctionParameters();
+      for (std::size_t k = 0; k < parameters.getNumInputs(); ++k)
+        names.insert(toUtf8(parameters.getInputName(k)));
+      for (std::size_t k = 0; k < parameters.getNumOutputs(); ++k)
+        names.insert(toUtf8(parameters.getOutputName(k)));
+      for (const UString& variable : profile.stateVariables()) names.insert(toUtf8(variable.view()));
+      addDeclared(names, profile.predefines());
+      addDeclared(names, profile.getFunctionBody());
+      includes.insert(profile.includes().begin(), profile.includes().end());
+    }
+    const ShaderIncludes& registry = job_.libraries().includes();
+    Array<WString> flat;
+    Set<WString> done;
+    registry.createFlatIncludeArray(flat, done, includes);
+    for (const WString& include : flat) addDeclared(names, registry.getIncludeContent(include.c_str()));
+  }
+
+  void tell(const SourcePlace& place, const std::string& text) {
+    if (place.file.empty()) {
+      const bool isPlaced = !error_.messages().empty() && error_.messages().front().line != 0;
+      if (!isPlaced) return tellDocument(text);
+      add(Severity::error, "generated", error_.messages().front().line, 0, text);
+      return;
+    }
+    add(Severity::error, place.file, place.line, place.column, text);
+    if (!isCode(place)) tellFragment(place);
+    tellUsers(place);
+  }
+
+  void tellDocument(const std::string& text) {
+    add(Severity::error, job_.document().file(), 0, 0, error_.what() + std::string(": ") + text);
+  }
+
+  void tellFragment(const SourcePlace& place) {
+    const FragmentFiles::Entry* const entry = job_.libraries().files().find(fromUtf8(place.fragment));
+    if (entry == nullptr) return;
+    add(Severity::note, entry->file, entry->position.line, entry->position.column,
+        "the fragment " + inTicks(std::string_view(place.fragment)) + " is here");
+  }
+
+  /// Those of code; a node is named by its own place.
+  void tellUsers(const SourcePlace& place) {
+    constexpr std::size_t kMostUsers = 3;
+    if (!isCode(place)) return;
+    for (std::size_t i = 0; i < std::min(place.users.size(), kMostUsers); ++i) {
+      const SourceUser& user = place.users[i];
+      std::string text = user.kind + " " + inTicks(std::string_view(user.name)) + " uses the fragment " +
+                         inTicks(std::string_view(place.fragment));
+      if (i + 1 == kMostUsers && place.users.size() > kMostUsers)
+        text += ", as " + std::to_string(place.users.size() - kMostUsers) + " more do";
+      add(Severity::note, user.file, user.line, user.column, std::move(text));
+    }
+  }
+
+  void tellLine() {
+    if (error_.messages().empty() || error_.messages().front().line == 0) return;
+    const CompilerMessage& first = error_.messages().front();
+    std::wstring_view line = text_;
+    for (std::size_t i = 1; i < first.line && !line.empty(); ++i) {
+      const std::size_t end = line.find(L'\n');
+      line.remove_prefix(end == line.npos ? line.size() : end + 1);
+    }
+    add(Severity::note, "generated", first.line, first.column,
+        "the compiler says \"" + first.text + "\" of the line `" + trimmed(line.substr(0, line.find(L'\n'))) +
+            "`");
+  }
+
+  const CollapseJob& job_;
+  const CompileError& error_;
+  const WString text_;
+  const CompileMessages messages_;
+  const SourceMap map_;
+  std::vector<Diagnostic> diagnostics_;
+};
+
+}  // namespace
+
+std::vector<Diagnostic> explainCompileError(const CollapseJob& job, const AssembledShader& assembled,
+                                            const CompileError& error) {
+  return Explainer(job, assembled, error).explain();
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host

@@ -1,0 +1,4 @@
+#include <vulkan/vulkan.hpp>
+
+#include "device.h"
+#include "sfg/host/job.h"
