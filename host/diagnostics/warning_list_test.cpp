@@ -10,9 +10,10 @@ class WarningListTest : public LitChainFixture {};
 TEST_F(WarningListTest, PutsWarningsWhereTheirSubjectsStand) {
   const auto made = collapsed(chain({"lit"}), CollapseTool::lightLoop, kTwoLamps);
   WarningList warnings(*made);
-  warnings.atGraph(made->document().node(0).position(), named(made->document().node(0)) + " is odd");
-  warnings.atLight(made->environment().lights()[1], "dim");
-  warnings.atFragment(*made->graph()->getFragment(0), "long");
+  warnings.atGraph(Finding::litFeedsLit, made->document().node(0).position(),
+                   named(made->document().node(0)) + " is odd");
+  warnings.atLight(Finding::unofferedProfile, made->environment().lights()[1], "dim");
+  warnings.atFragment(Finding::repeatedStatement, *made->graph()->getFragment(0), "long");
   const std::vector<Diagnostic> told = warnings.take();
   EXPECT_EQ(textOf(told), "graph.json:2:1: node `a` is odd\n"
                           "scene.json:2:3: dim\n" +
@@ -26,7 +27,7 @@ TEST_F(WarningListTest, KnowsNoPlaceOfAFragmentThatNoFileHolds) {
   const RefPtr<AShaderFragment> strange = makeRef<AShaderFragment>();
   strange->key() = L"strange";
   WarningList warnings(*made);
-  warnings.atFragment(*strange, "odd");
+  warnings.atFragment(Finding::repeatedStatement, *strange, "odd");
   EXPECT_EQ(textOf(warnings.take()), ": fragment `strange`: odd\n");
 }
 

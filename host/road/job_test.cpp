@@ -466,8 +466,9 @@ TEST_F(JobTest, TellsOfPortsThatAFragmentDoesNotHave) {
           .string();
   const auto libraries = load();
   ASSERT_EQ(libraries->problems().size(), 1u);
-  EXPECT_EQ(libraries->problems()[0], (Diagnostic{Severity::warning, file, 2, 17,
-                                                  "fragment `one`: it has no port `x`; its ports are `y`"}));
+  EXPECT_EQ(libraries->problems()[0],
+            (Diagnostic{Severity::warning, file, 2, 17,
+                        "fragment `one`: it has no port `x`; its ports are `y`", "unknown-port"}));
   EXPECT_EQ(libraries->fragments().size(), 1u);
 }
 
