@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "host/shader/shader_target.h"
+#include "sfg/host/reflect.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
