@@ -214,13 +214,14 @@ TEST_F(CollapseTest, TellsThatStandardOutputIsFull) {
   const CommandRun result =
       run("collapse graph.json -L lib --format json >/dev/full 2>err; echo $? >status; true");
   EXPECT_EQ(read("status"), "2\n");
-  EXPECT_EQ(read("err"), "standard output: error: cannot be written: No space left on device\n");
+  EXPECT_EQ(read("err"),
+            "standard output: error: cannot be written: No space left on device [cannot-write]\n");
 }
 
 TEST_F(CollapseTest, EveryCommandTellsThatStandardOutputIsFull) {
   const std::string start = "standard output: error: cannot be written: ";
-  const std::string written = start + "No space left on device\n";
-  const std::string printed = start + "the stream is closed or full\n";
+  const std::string written = start + "No space left on device [cannot-write]\n";
+  const std::string printed = start + "the stream is closed or full [cannot-write]\n";
   const std::pair<std::string, std::string> rows[] = {
       {"--help", written},      {"--version", printed},       {"collapse --help", written},
       {"list -L lib", written}, {"dump -L lib lit", written}, {"completion zsh", written},
@@ -243,13 +244,14 @@ TEST_F(CollapseTest, OverwritesNoInput) {
     const std::string before = read(input);
     const CommandRun asResult = run(inputs + "-o " + input);
     EXPECT_EQ(asResult.status, 2);
-    EXPECT_EQ(asResult.err, input + ": error: is read by this command; write to another file\n");
+    EXPECT_EQ(asResult.err,
+              input + ": error: is read by this command; write to another file [cannot-write]\n");
     EXPECT_EQ(run(inputs + "-o out.hlsl -MF " + input).status, 2);
     EXPECT_EQ(read(input), before);
   }
   const CommandRun twice = run(inputs + "-o out.hlsl -MF ./out.hlsl");
   EXPECT_EQ(twice.status, 2);
-  EXPECT_EQ(twice.err, "./out.hlsl: error: is named for two results; write to two files\n");
+  EXPECT_EQ(twice.err, "./out.hlsl: error: is named for two results; write to two files [cannot-write]\n");
   EXPECT_FALSE(exists("out.hlsl"));
 }
 

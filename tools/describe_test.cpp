@@ -85,7 +85,8 @@ TEST_F(DescribeTest, FishOffersWhatIsDeclared) {
 TEST_F(DescribeTest, RefusesAnUnknownShell) {
   const CommandRun result = run("completion csh");
   EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.err, "sfg: error: SHELL: `csh` is none of `bash`, `zsh`, `fish`\ntry `sfg --help`, or "
+  EXPECT_EQ(result.err, "sfg: error: SHELL: `csh` is none of `bash`, `zsh`, `fish`; did you mean `zsh`? "
+                        "[wrong-usage]\ntry `sfg --help`, or "
                         "`sfg COMMAND --help`\n");
 }
 

@@ -14,7 +14,7 @@ protected:
 TEST_F(NewTest, WritesAFragmentThatIsListedAndUsed) {
   const CommandRun made = run("new fragment tint");
   EXPECT_EQ(made.status, 0);
-  EXPECT_EQ(made.err, "tint.fraglib: note: written\n");
+  EXPECT_EQ(made.err, "tint.fraglib: note: written [file-written]\n");
   const CommandRun listed = run("list -L .");
   EXPECT_EQ(listed.err, "");
   EXPECT_EQ(listed.out, "tint  ./tint.fraglib:2:11  What it computes, in a sentence.\n");
@@ -46,7 +46,7 @@ TEST_F(NewTest, OverwritesNothing) {
   write("wall.json", "kept");
   const CommandRun again = run("new graph wall");
   EXPECT_EQ(again.status, 2);
-  EXPECT_EQ(again.err, "wall.json: error: exists already\n");
+  EXPECT_EQ(again.err, "wall.json: error: exists already [cannot-write]\n");
   EXPECT_EQ(read("wall.json"), "kept");
 }
 
@@ -55,8 +55,9 @@ TEST_F(NewTest, RefusesWhatIsNoName) {
     SCOPED_TRACE(name);
     const CommandRun refused = run("new fragment " + name);
     EXPECT_EQ(refused.status, 2);
-    EXPECT_NE(refused.err.find("is no name: expected letters, digits and `_`, a letter first\n"),
-              std::string::npos)
+    EXPECT_NE(
+        refused.err.find("is no name: expected letters, digits and `_`, a letter first [wrong-usage]\n"),
+        std::string::npos)
         << refused.err;
   }
 }
@@ -64,8 +65,9 @@ TEST_F(NewTest, RefusesWhatIsNoName) {
 TEST_F(NewTest, RefusesAnUnknownKind) {
   const CommandRun refused = run("new shader x");
   EXPECT_EQ(refused.status, 2);
-  EXPECT_EQ(refused.err, "sfg: error: KIND: `shader` is none of `fragment`, `graph`, `environment`\n"
-                         "try `sfg --help`, or `sfg COMMAND --help`\n");
+  EXPECT_EQ(refused.err,
+            "sfg: error: KIND: `shader` is none of `fragment`, `graph`, `environment` [wrong-usage]\n"
+            "try `sfg --help`, or `sfg COMMAND --help`\n");
 }
 
 }  // namespace

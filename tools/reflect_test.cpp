@@ -320,10 +320,10 @@ TEST_F(CompiledReflectTest, NotesOnLinesWithReadableNamesKnowTheirFragments) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(
       result.err,
-      "lib/more.fraglib:2:25: error: `nothing` is no function that is declared here\n"
-      "graph.json:2:16: note: node `b` uses the fragment `odd`\n"
+      "lib/more.fraglib:2:25: error: `nothing` is no function that is declared here [compile-error]\n"
+      "graph.json:2:16: note: node `b` uses the fragment `odd` [code-origin]\n"
       "generated:12:14: note: the compiler says \"'nothing' : no matching overloaded function found\" of the "
-      "line `color = (nothing(b_amount));`\n");
+      "line `color = (nothing(b_amount));` [code-origin]\n");
 }
 
 TEST_F(CompiledReflectTest, NamesInTranslationsAreOurs) {

@@ -110,7 +110,9 @@ TEST_F(SchemaTest, RefusesMistypedKeysOfLibraries) {
   EXPECT_EQ(answer("library", fragment(R"(, "implementation": [], "uniforms": [ { "defualt": 1 } ])")),
             "refused\n");
   EXPECT_EQ(
-      answer("library", fragment(R"(, "implementation": [], "ports": { "a": "text", "b": { "min": 0 } })")),
+      answer(
+          "library",
+          fragment(R"(, "implementation": [], "ports": { "a": "text", "b": { "min": 0, "max": [1, 1] } })")),
       "accepted\n");
   EXPECT_EQ(answer("library", fragment(R"(, "implementation": [], "ports": { "b": { "mim": 0 } })")),
             "refused\n");

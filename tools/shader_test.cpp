@@ -670,15 +670,15 @@ TEST_F(ShaderTest, VertexStageNamesWhatTheMeshDoesNotGive) {
   };
   EXPECT_EQ(refusal("position"), "graph.json: error: the state variable `sfg_worldNormal` needs `normal` of "
                                  "the vertices, which the mesh "
-                                 "does not have\n");
+                                 "does not have [incomplete-shader]\n");
   EXPECT_EQ(
       refusal("normal,texCoord2"),
       "graph.json: error: the state variable `sfg_worldBinormal` needs `tangent` of the vertices, which the "
-      "mesh does not have\n");
+      "mesh does not have [incomplete-shader]\n");
   EXPECT_EQ(
       refusal("normal,tangent,texCoord0,texCoord1,texCoord3,color"),
       "graph.json: error: the state variable `sfg_texCoord2` needs `texCoord2` of the vertices, which the "
-      "mesh does not have\n");
+      "mesh does not have [incomplete-shader]\n");
   EXPECT_EQ(refusal("position,normal,tangent,texCoord2"), "");
 
   const CommandRun wrong = run("collapse graph.json -L lib --stage vertex --mesh normal,bone");

@@ -174,8 +174,8 @@ TEST_F(TargetTest, RefusesWhatALanguageLacks) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err,
             "graph.json: error: the shader cannot be expressed in GLSL ES 3.00; the targets `spirv`, "
-            "`hlsl`, `glsl` (4.50), `essl` and `msl` can\n"
-            "generated: error: it has no function for `countbits`\n");
+            "`hlsl`, `glsl` (4.50), `essl` and `msl` can [compile-error]\n"
+            "generated: error: it has no function for `countbits` [compile-error]\n");
   EXPECT_EQ(result.out, "");
   EXPECT_FALSE(exists("out"));
 }
@@ -198,7 +198,7 @@ TEST_P(WrongTargetTest, IsToldWithWhatWouldBeRight) {
   EXPECT_EQ(result.out, "");
   EXPECT_FALSE(exists("out"));
   EXPECT_EQ(result.err.substr(0, result.err.find('\n') + 1),
-            std::string("sfg: error: ") + GetParam().message + "\n");
+            std::string("sfg: error: ") + GetParam().message + " [wrong-usage]\n");
 }
 
 const Wrong kWrong[] = {
@@ -207,7 +207,7 @@ const Wrong kWrong[] = {
     {"ReflectTarget", "reflect", "--target metal",
      "--target: `metal` is none of `spirv`, `hlsl`, `glsl`, `essl`, `msl`, `essl300`, `assembled`"},
     {"GlslVersion", "compile", "--target glsl --glsl-version 440",
-     "--glsl-version: `440` is none of `450`, `330`"},
+     "--glsl-version: `440` is none of `450`, `330`; did you mean `450`?"},
     {"ShaderModel", "compile", "--target hlsl --shader-model 6",
      "--shader-model: `6` is none of `5.0`, `6.0`"},
     {"Optimize", "compile", "--optimize fast", "--optimize: `fast` is none of `speed`, `size`, `none`"},

@@ -239,7 +239,8 @@ INSTANTIATE_TEST_SUITE_P(All, LoadingCostTest,
 class WarningCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(WarningCostTest, GrowsWithTheDocument) {
   const auto time = [](const Scene& scene) {
-    const CollapseJob job = makeJob(scene.settings());
+    CollapseJob job = makeJob(scene.settings());
+    job.run();
     return test::processorTime([&] { EXPECT_EQ(findWarnings(job, true).size(), GetParam().warnings); });
   };
   EXPECT_LT(growth(GetParam().make, time), test::kLinearGrowth);

@@ -84,8 +84,8 @@ TEST_F(PortMetadataReaderTest, TellsOfUnknownPortsWhereTheyStand) {
   EXPECT_EQ(
       told_,
       "2:10: fragment `probe`: it has no port `axes`; its ports are `axis`, `count`, `height`, `image`, "
-      "`light`, `place`, `result`, `turned`\n"
-      "3:11: fragment `probe`: it has no port `hight`\n");
+      "`light`, `place`, `result`, `turned` [unknown-port]\n"
+      "3:11: fragment `probe`: it has no port `hight` [unknown-port]\n");
   EXPECT_TRUE(read.ports.empty());
 }
 
@@ -93,7 +93,7 @@ TEST_F(PortMetadataReaderTest, KeepsWhatIsRightOfAPortThatHoldsMistakes) {
   const FragmentPorts read = this->read(R"json("ports": {
     "count": { "value": 3, "min": 0.5, "label": "Count" } })json");
   EXPECT_EQ(told_, "2:35: port `count` of fragment `probe`: `min` does not fit the type `int`: expected an "
-                   "integer\n");
+                   "integer [wrong-value]\n");
   EXPECT_EQ(read.ports.at(L"count"), (PortMetadata{"Count", "", "", "", {3.0}, {}, {}, {}}));
 }
 
@@ -109,44 +109,46 @@ class PortMistakeTest : public PortMetadataReaderTest, public testing::WithParam
 TEST_P(PortMistakeTest, IsTold) { EXPECT_EQ(problemOf(GetParam().port, GetParam().object), GetParam().told); }
 
 const Mistake kMistakes[] = {
-    {"NoObject", "count", "3", "1:23: fragment `probe`: port `count` must be a text or an object\n"},
-    {"UnknownMember", "count", R"({ "unit": "m" })", "unknown member `unit`\n"},
-    {"MemberOfUniforms", "count", R"({ "type": "int" })", "unknown member `type`\n"},
-    {"NoText", "count", R"({ "label": 1 })", "`label` must be a string that is not empty\n"},
-    {"EmptyText", "count", R"({ "description": "" })", "`description` must be a string that is not empty\n"},
-    {"EmptyDescription", "count", R"("")", "`description` must be a string that is not empty\n"},
+    {"NoObject", "count", "3",
+     "1:23: fragment `probe`: port `count` must be a text or an object [wrong-kind]\n"},
+    {"NoText", "count", R"({ "label": 1 })", "`label` must be a string that is not empty [wrong-kind]\n"},
+    {"EmptyText", "count", R"({ "description": "" })",
+     "`description` must be a string that is not empty [wrong-kind]\n"},
+    {"EmptyDescription", "count", R"("")", "`description` must be a string that is not empty [wrong-kind]\n"},
     {"UnknownKind", "count", R"({ "kind": "mass" })",
      "unknown kind `mass`; known are `angle`, `color`, `direction`, `distance`, `factor`, `normal`, "
      "`position`, "
-     "`uv`\n"},
-    {"UnknownSpace", "axis", R"({ "kind": "normal", "space": "screen" })", "unknown space `screen`\n"},
+     "`uv` [unknown-word]\n"},
+    {"UnknownSpace", "axis", R"({ "kind": "normal", "space": "screen" })",
+     "unknown space `screen` [unknown-word]\n"},
     {"SpaceOfVectorsForAColor", "axis", R"({ "space": "world", "kind": "color" })",
-     "`world` is a space of directions, normals and positions (`kind`)\n"},
+     "`world` is a space of directions, normals and positions (`kind`) [wrong-value]\n"},
     {"SpaceOfColorsForADirection", "axis", R"({ "space": "srgb", "kind": "direction" })",
-     "`srgb` is a space of colors (`kind`) and textures\n"},
+     "`srgb` is a space of colors (`kind`) and textures [wrong-value]\n"},
     {"SpaceOfATexture", "image", R"({ "space": "srgb" })", ""},
-    {"ValueOfAnOutput", "height", R"({ "value": 1 })", "an output takes no value\n"},
+    {"ValueOfAnOutput", "height", R"({ "value": 1 })", "an output takes no value [wrong-value]\n"},
     {"ValueOfATexture", "image", R"({ "value": 1 })",
-     "`value` cannot be given: a texture or structure has no value\n"},
+     "`value` cannot be given: a texture or structure has no value [wrong-value]\n"},
     {"ValueOfAStructure", "light", R"({ "value": 1 })",
-     "`value` cannot be given: a texture or structure has no value\n"},
+     "`value` cannot be given: a texture or structure has no value [wrong-value]\n"},
     {"NumberForAVector", "axis", R"({ "value": 1 })",
-     "`value` does not fit the type `float3`: expected an array of 3 numbers\n"},
+     "`value` does not fit the type `float3`: expected an array of 3 numbers [wrong-value]\n"},
     {"ShortVector", "axis", R"({ "value": [1, 2] })",
-     "`value` does not fit the type `float3`: expected an array of 3 numbers\n"},
+     "`value` does not fit the type `float3`: expected an array of 3 numbers [wrong-value]\n"},
     {"TextForABool", "turned", R"({ "value": "true" })",
-     "`value` does not fit the type `bool`: expected `true` or `false`\n"},
-    {"RangeOfABool", "turned", R"({ "max": 1 })", "a bool has no `max`\n"},
+     "`value` does not fit the type `bool`: expected `true` or `false` [wrong-value]\n"},
+    {"RangeOfABool", "turned", R"({ "max": 1 })", "a bool has no `max` [wrong-value]\n"},
     {"RangeOfATexture", "image", R"({ "max": 1 })",
-     "`max` cannot be given: a texture or structure has no value\n"},
+     "`max` cannot be given: a texture or structure has no value [wrong-value]\n"},
     {"ShortRange", "axis", R"({ "max": [1, 2] })",
-     "`max` does not fit the type `float3`: expected an array of 3 numbers\n"},
+     "`max` does not fit the type `float3`: expected an array of 3 numbers [wrong-value]\n"},
     {"RangeOfAText", "count", R"({ "min": "1" })",
-     "`min` does not fit the type `int`: expected an integer\n"},
-    {"StepOfZero", "axis", R"({ "step": [1, 0, 1] })", "`step` must be above 0\n"},
-    {"MinAboveMax", "axis", R"({ "min": [0, 2, 0], "max": 1 })", "`min` is above `max`\n"},
-    {"ValueBelowMin", "axis", R"({ "min": 0, "value": [0, 0, -1] })", "`value` is below `min`\n"},
-    {"ValueAboveMax", "count", R"({ "max": 4, "value": 5 })", "`value` is above `max`\n"},
+     "`min` does not fit the type `int`: expected an integer [wrong-value]\n"},
+    {"StepOfZero", "axis", R"({ "step": [1, 0, 1] })", "`step` must be above 0 [wrong-value]\n"},
+    {"MinAboveMax", "axis", R"({ "min": [0, 2, 0], "max": 1 })", "`min` is above `max` [wrong-value]\n"},
+    {"ValueBelowMin", "axis", R"({ "min": 0, "value": [0, 0, -1] })",
+     "`value` is below `min` [wrong-value]\n"},
+    {"ValueAboveMax", "count", R"({ "max": 4, "value": 5 })", "`value` is above `max` [wrong-value]\n"},
 };
 
 std::string nameOf(const testing::TestParamInfo<Mistake>& info) { return info.param.name; }
@@ -154,14 +156,13 @@ INSTANTIATE_TEST_SUITE_P(Ports, PortMistakeTest, testing::ValuesIn(kMistakes), n
 
 TEST_F(PortMetadataReaderTest, TellsOfPortsThatAreNoObject) {
   read(R"json("ports": [])json");
-  EXPECT_EQ(told_, "1:12: fragment `probe`: `ports` must be an object\n");
+  EXPECT_EQ(told_, "1:12: fragment `probe`: `ports` must be an object [wrong-kind]\n");
 }
 
 TEST_F(PortMetadataReaderTest, TellsOfUniforms) {
   read(R"json("uniforms": [ { "name": "u", "type": "int", "unit": "m", "min": 0.5 } ])json");
-  EXPECT_EQ(told_, "1:55: uniform `u` of fragment `probe`: unknown member `unit`\n"
-                   "1:67: uniform `u` of fragment `probe`: `min` does not fit the type `int`: expected an "
-                   "integer\n");
+  EXPECT_EQ(told_, "1:67: uniform `u` of fragment `probe`: `min` does not fit the type `int`: expected an "
+                   "integer [wrong-value]\n");
 }
 
 constexpr const char* kExpression =
@@ -181,8 +182,8 @@ TEST_F(PortMetadataReaderTest, TellsThatAnExpressionWithoutInterfaceHasNoTypes) 
   read(R"json("ports": { "a": { "value": 1 }, "c": "product" })json", kExpression);
   EXPECT_EQ(told_,
             "1:30: port `a` of fragment `probe`: `value` needs a type, which the `interface` of an inline "
-            "fragment gives\n"
-            "1:40: fragment `probe`: it has no port `c`; its ports are `a`, `b`\n");
+            "fragment gives [wrong-value]\n"
+            "1:40: fragment `probe`: it has no port `c`; its ports are `a`, `b` [unknown-port]\n");
 }
 
 TEST(PortValueTest, IsOfTheTypeThatIsAskedFor) {

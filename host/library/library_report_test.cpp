@@ -61,6 +61,40 @@ TEST_F(LibraryReportTest, TellsNothingOfASoundLibraryWithComments) {
   EXPECT_EQ(loaded.files().entries().size(), 1u);
 }
 
+TEST_F(LibraryReportTest, TellsOfPortsAndUniformsOnceInTheOrderOfTheText) {
+  write("lib/a.fraglib", R"json({ "f": { "language": ["dx11"], "ports": {
+  "a": { "vaule": 1, "kind": "mass" },
+  "b": "no such port", "// b": 3 },
+  "uniforms": [ { "name": "u", "type": "float", "unit": "m", "min": [1, 2] } ],
+  "implementation": ["void f(float a, out float r)", "{", "}"] } })json");
+  EXPECT_EQ(
+      problems(),
+      "lib/a.fraglib:2:10: warning: unknown key `vaule` of a port; did you mean `value`? [unknown-key]\n"
+      "lib/a.fraglib:2:30: warning: port `a` of fragment `f`: unknown kind `mass`; known are `angle`, "
+      "`color`, `direction`, `distance`, `factor`, `normal`, `position`, `uv` [unknown-word]\n"
+      "lib/a.fraglib:3:8: warning: fragment `f`: it has no port `b`; its ports are `a`, `r` "
+      "[unknown-port]\n"
+      "lib/a.fraglib:4:49: warning: unknown key `unit` of a parameter; its keys are `name`, `type`, "
+      "`struct`, `value`, `constant`, `semantic`, `description`, `label`, `min`, `max`, `step`, `kind`, "
+      "`space` [unknown-key]\n"
+      "lib/a.fraglib:4:69: warning: uniform `u` of fragment `f`: `min` does not fit the type `float`: "
+      "expected a number [wrong-value]\n");
+}
+
+TEST_F(LibraryReportTest, TellsNothingOfStandardFragmentsThatAreReplaced) {
+  write("lib/a.fraglib", std::string(R"({ "f": )") + kSound + " }");
+  write("later/b.fraglib", std::string(R"({ "f": )") + kSound + " }");
+  std::filesystem::create_directories(root_ / "last");
+  write("last/c.fraglib", std::string(R"({ "f": )") + kSound + " }");
+  EXPECT_EQ(LoadedLibraries({path("lib"), path("later")}, {}, "dx11").problems().size(), 1u);
+  EXPECT_TRUE(LoadedLibraries({path("lib"), path("later")}, {}, "dx11", path("lib")).problems().empty());
+  // The fragment that replaced it is a named one.
+  const LoadedLibraries all({path("lib"), path("later"), path("last")}, {}, "dx11", path("lib"));
+  ASSERT_EQ(all.problems().size(), 1u);
+  EXPECT_EQ(all.problems()[0].text,
+            "fragment `f` replaces the one of an earlier folder, at " + path("later/b.fraglib") + ":1:8");
+}
+
 TEST_F(LibraryReportTest, TellsAMistypedImplementationOnce) {
   write("lib/a.fraglib", R"json({ "f": { "language": ["dx11"],
   "implementatoin": ["void f(out float r)", "{", "}"] } })json");

@@ -170,7 +170,8 @@ TEST_F(JobTest, NamesThePlaceInATextAndTheDocumentAloneForPlainData) {
     FAIL();
   } catch (const InputError& error) {
     EXPECT_EQ(error.place(), "material");
-    EXPECT_STREQ(error.what(), "node `red` has no input `colour`; its inputs are `color`, `amount`");
+    EXPECT_STREQ(error.what(),
+                 "node `red` has no input `colour`; did you mean `color`? Its inputs are `color`, `amount`");
   }
 }
 
