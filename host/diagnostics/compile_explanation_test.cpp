@@ -73,9 +73,26 @@ TEST_F(CompileExplanationTest, SpellsUniformsAsTheSourceDoes) {
                fragment("tint", "float3 color, out float3 result", "result = color * gain;",
                         R"("uniforms": [ { "name": "gain", "type": "float" } ], )") +
                "}");
+  const std::string unknown = explained(kOne, "a_gain;\n}", "'a_gain' : unknown variable");
+  EXPECT_EQ(unknown.substr(0, unknown.find('\n')), "error lib.fraglib:1:176: `gain` is not declared");
   EXPECT_EQ(explained(kOne, "a_gain;\n}", "'a_gain' : is odd"), R"(error lib.fraglib:1:176: `gain`: is odd
 note graph.json:2:14: node `a` uses the fragment `tint`
 note generated:13:19: the compiler says "'a_gain' : is odd" of the line `result = color * a_gain;`
+)");
+}
+
+TEST_F(CompileExplanationTest, NamesEachOfThreeUsers) {
+  writeLibrary("{" + fragment("tint", "float3 color, out float3 result", "result = colour;") + "}");
+  EXPECT_EQ(explained(R"({ "outputs": [ { "name": "color", "type": "float3", "node": "c" } ],
+  "nodes": [ { "name": "a", "fragment": "tint" },
+    { "name": "b", "fragment": "tint", "inputs": { "color": { "node": "a" } } },
+    { "name": "c", "fragment": "tint", "inputs": { "color": { "node": "b" } } } ] })",
+                      "colour", "'colour' : unknown variable"),
+            R"(error lib.fraglib:1:115: `colour` is not declared; did you mean `color`?
+note graph.json:2:14: node `a` uses the fragment `tint`
+note graph.json:3:5: node `b` uses the fragment `tint`
+note graph.json:4:5: node `c` uses the fragment `tint`
+note generated:12:11: the compiler says "'colour' : unknown variable" of the line `result = colour;`
 )");
 }
 
