@@ -168,6 +168,14 @@ void AShaderFragmentProfile::setFunctionBody(const WString& body) {
                   isBalancedInBraces(*functionBody_);
 }
 
+WString& AShaderFragmentProfile::getFunctionBody() {
+  openDefinition();
+  hasPlainBody_ = false;
+  // A text that built-in calls view stays as it is: the caller gets a copy to write to.
+  if (functionBody_.use_count() > 1) functionBody_ = std::make_shared<WString>(*functionBody_);
+  return *functionBody_;
+}
+
 void AShaderFragmentProfile::replaceBodyText(const WString& body) {
   functionBody_ = std::make_shared<WString>(body);
   hasPlainBody_ = false;

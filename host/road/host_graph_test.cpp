@@ -32,7 +32,7 @@ RefPtr<OwnGraph> makeGraph() {
   colors.outputs = {port(TypeID_fvec3, L"result")};
   OwnNode& surface = *graph->nodes[2];
   surface.fragment = L"lambertSurface";
-  surface.inputs = {{port(TypeID_fvec3, L"albedo"), &colors}, {port(TypeID_fvec3, L"normal")}};
+  surface.inputs = {{port(TypeID_fvec3, L"albedo"), &colors}, {port(TypeID_fvec3, L"normal", {0, 0, 1})}};
   surface.outputs = {port(TypeID_fvec3, L"result")};
   OwnNode& pixel = *graph->nodes[3];
   pixel.fragment = L"outputColor";

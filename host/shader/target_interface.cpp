@@ -77,10 +77,11 @@ void toEssl(ShaderInterface& shader) {
   }
 }
 
-/// Nothing has a number but render targets.
+/// Nothing has a number but render targets and the parts of a vertex.
 void bindByName(ShaderInterface& shader) {
   changePlaces(shader, [](InterfacePlace& place) { place.binding.reset(); });
-  for (InterfaceAttribute& attribute : shader.attributes) attribute.location.reset();
+  auto& linked = shader.stage == ShaderStage::vertex ? shader.varyings : shader.attributes;
+  for (InterfaceAttribute& attribute : linked) attribute.location.reset();
 }
 
 /// Textures and samplers are one; uniform blocks, textures and buffers are numbered apart.

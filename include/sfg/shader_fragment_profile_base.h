@@ -95,13 +95,7 @@ public:
 
   /// Writable body, for the collapse that appends to the result profile's. Nothing is parsed; views of the
   /// text as it was stay valid.
-  WString& getFunctionBody() {
-    openDefinition();
-    hasPlainBody_ = false;
-    // A text that built-in calls view stays as it is: the caller gets a copy to write to.
-    if (functionBody_.use_count() > 1) functionBody_ = std::make_shared<WString>(*functionBody_);
-    return *functionBody_;
-  }
+  WString& getFunctionBody();
   /// Constructs `out` over a snippet of this code, which it then owns; leaves it untouched when the code
   /// holds nothing.
   static void constructOwned(CodeSnippetInstance& out, const WString& code, const Array<WString>& renames);

@@ -88,7 +88,7 @@ Facts factsOf(const ShaderInterface& shader) {
   }
   for (const InterfaceAttribute& varying : shader.varyings) {
     if (!varying.isUsed.value()) continue;
-    if (varying.location) {
+    if (varying.builtin.empty()) {
       facts.insert(varyingLine("out", varying));
     } else {
       facts.insert(line("builtin", varying.builtin, {{"semantic", varying.semantic}}));
@@ -336,15 +336,21 @@ private:
 
 // --- translations ---
 
+EShLanguage languageOf(ShaderStage stage) {
+  switch (stage) {
+  case ShaderStage::pixel: return EShLangFragment;
+  case ShaderStage::compute: return EShLangCompute;
+  case ShaderStage::vertex: break;
+  }
+  return EShLangVertex;
+}
+
 std::vector<std::uint32_t> compileTranslation(const std::string& text, ShaderTarget target,
                                               ShaderStage stage) {
   static const bool isStarted = glslang::InitializeProcess();
   if (!isStarted) throw std::runtime_error("glslang does not start");
   const bool isHlsl = target == ShaderTarget::hlsl;
-  const std::map<ShaderStage, EShLanguage> languages = {{ShaderStage::pixel, EShLangFragment},
-                                                        {ShaderStage::compute, EShLangCompute},
-                                                        {ShaderStage::vertex, EShLangVertex}};
-  const EShLanguage language = languages.at(stage);
+  const EShLanguage language = languageOf(stage);
   glslang::TShader shader(language);
   const char* const strings = text.c_str();
   shader.setStrings(&strings, 1);
@@ -379,7 +385,9 @@ std::vector<std::uint32_t> compileTranslation(const std::string& text, ShaderTar
 /// number has no number.
 class OldGlslReader {
 public:
-  explicit OldGlslReader(const std::string& text) : shader_(EShLangFragment) {
+  OldGlslReader(const std::string& text, ShaderStage stage)
+      : language_(languageOf(stage)), setsPosition_(text.find("gl_Position = ") != std::string::npos),
+        shader_(language_) {
     static const bool isStarted = glslang::InitializeProcess();
     if (!isStarted) throw std::runtime_error("glslang does not start");
     const char* const strings = text.c_str();
@@ -397,6 +405,7 @@ public:
 
   Facts read() {
     facts_.insert("entry main");
+    if (setsPosition_) facts_.insert("builtin position");
     for (int i = 0; i < program_.getNumUniformBlocks(); ++i) readBlock(program_.getUniformBlock(i));
     for (int i = 0; i < program_.getNumUniformVariables(); ++i) readUniform(program_.getUniform(i));
     for (int i = 0; i < program_.getNumPipeInputs(); ++i) readVarying(program_.getPipeInput(i), "in");
@@ -417,7 +426,7 @@ private:
   /// The block's variable, from the tree of what is declared.
   std::string variableOf(const std::string& block) const {
     const glslang::TIntermAggregate* const declared =
-        program_.getIntermediate(EShLangFragment)->findLinkerObjects();
+        program_.getIntermediate(language_)->findLinkerObjects();
     for (const TIntermNode* node : declared->getSequence()) {
       const glslang::TIntermSymbol* const symbol = const_cast<TIntermNode*>(node)->getAsSymbolNode();
       if (symbol == nullptr || symbol->getBasicType() != glslang::EbtBlock) continue;
@@ -457,6 +466,11 @@ private:
   void readVarying(const glslang::TObjectReflection& varying, const std::string& what) {
     if (varying.name == "gl_FragCoord") return void(facts_.insert("builtin fragCoord"));
     if (varying.name == "gl_FrontFacing") return void(facts_.insert("builtin frontFacing"));
+    // What a vertex stage may read and set by itself is listed whether it does or not.
+    const bool isListedAnyway = varying.name == "gl_Position" || varying.name == "gl_VertexID" ||
+                                varying.name == "gl_InstanceID" ||
+                                varying.getType()->getBasicType() == glslang::EbtBlock;
+    if (isListedAnyway) return;
     const glslang::TQualifier& qualifier = varying.getType()->getQualifier();
     facts_.insert(line(what, varying.name,
                        {{"location", qualifier.hasLocation() ? std::to_string(qualifier.layoutLocation) : ""},
@@ -476,6 +490,8 @@ private:
     return type.getVectorSize() > 1 ? name + std::to_string(type.getVectorSize()) : name;
   }
 
+  EShLanguage language_;
+  bool setsPosition_;
   glslang::TShader shader_;
   glslang::TProgram program_;
   Facts facts_;
@@ -519,7 +535,7 @@ Facts factsOfModule(const std::vector<std::uint32_t>& spirv) {
 }
 
 Facts factsOfTranslation(const std::string& text, ShaderTarget target, ShaderStage stage) {
-  if (isOldGlsl(text)) return OldGlslReader(text).read();
+  if (isOldGlsl(text)) return OldGlslReader(text, stage).read();
   Reading reading;
   if (target == ShaderTarget::hlsl) {
     reading.hasRegisters = true;
