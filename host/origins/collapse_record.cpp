@@ -76,9 +76,10 @@ void CollapseRecord::placeCalls(std::wstring_view body) {
     const std::size_t told = call.place;
     const std::size_t size = call.text.size();
     call.place = kNotFound;
+    if (told > body.size()) continue;
     if (told >= size && body.substr(told - size, size) == call.text) {
       call.place = told - size;
-    } else if (told <= body.size() && body.substr(told, size) == call.text) {
+    } else if (body.substr(told, size) == call.text) {
       call.place = told;
     }
   }

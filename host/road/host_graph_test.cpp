@@ -6,89 +6,12 @@
 
 #include <functional>
 
+#include "host/documents/own_graph_fixture.h"
 #include "sfg/host/compile.h"
 #include "sfg/host/job.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
-
-using Port = RefPtr<AParameter const>;
-
-Port port(const TypeID& type, const wchar_t* name, const std::vector<double>& numbers = {},
-          bool isConstant = false) {
-  const RefPtr<AParameter> parameter = makeRef<AParameter>(type, name);
-  AValue value(type);
-  for (std::size_t i = 0; i < numbers.size(); ++i) value.set(i, numbers[i]);
-  parameter->setDefaultValue(value);
-  if (isConstant) parameter->setFlags(AParameter::kConstantFlag);
-  return parameter;
-}
-
-/// Everything can be set, right or wrong.
-class OwnNode : public RefCounted<INodeAccessor> {
-public:
-  struct Input {
-    Port parameter;
-    const INodeAccessor* source = nullptr;
-    std::size_t output = 0;
-    std::size_t graphInput = IHostGraph::kNotFed;
-  };
-  std::wstring fragment;
-  std::vector<Input> inputs;
-  std::vector<Port> outputs;
-  mutable std::size_t timesAsked = 0;
-
-  const wchar_t* getFragmentName() const override {
-    ++timesAsked;
-    return fragment.c_str();
-  }
-  std::size_t getNumInputs() const override { return inputs.size(); }
-  const AParameter* getInput(std::size_t index) const override { return inputs[index].parameter.get(); }
-  bool getInputConnection(std::size_t index, const INodeAccessor*& source,
-                          std::size_t& output) const override {
-    source = inputs[index].source;
-    output = inputs[index].output;
-    return source != nullptr;
-  }
-  std::size_t getNumOutputs() const override { return outputs.size(); }
-  const AParameter* getOutput(std::size_t index) const override { return outputs[index].get(); }
-};
-
-class OwnGraph : public RefCounted<IHostGraph> {
-public:
-  std::vector<Port> inputs;
-  std::vector<Port> outputs;
-  const INodeAccessor* result = nullptr;
-  std::size_t resultOutput = 0;
-  std::vector<RefPtr<OwnNode>> nodes;
-  std::vector<std::string> names;
-  std::vector<Port> uniforms;
-  std::vector<std::string> preprocess;
-  std::vector<std::string> postprocess;
-
-  std::size_t getNumInputs() const override { return inputs.size(); }
-  const AParameter* getInput(std::size_t index) const override { return inputs[index].get(); }
-  std::size_t getNumOutputs() const override { return outputs.size(); }
-  const AParameter* getOutput(std::size_t index) const override { return outputs[index].get(); }
-  bool getOutputConnection(std::size_t, const INodeAccessor*& source, std::size_t& output) const override {
-    source = result;
-    output = resultOutput;
-    return source != nullptr;
-  }
-  std::size_t getNumNodes() const override { return nodes.size(); }
-  const INodeAccessor* getNode(std::size_t index) const override { return nodes[index].get(); }
-
-  std::string getNodeName(std::size_t node) const override {
-    return names.empty() ? IHostGraph::getNodeName(node) : names[node];
-  }
-  std::size_t getGraphInput(std::size_t node, std::size_t input) const override {
-    return nodes[node]->inputs[input].graphInput;
-  }
-  std::size_t getNumUniforms() const override { return uniforms.size(); }
-  const AParameter* getUniform(std::size_t index) const override { return uniforms[index].get(); }
-  std::vector<std::string> getPreprocess() const override { return preprocess; }
-  std::vector<std::string> getPostprocess() const override { return postprocess; }
-};
 
 /// A checkered, lit surface whose texture coordinates are a graph input.
 RefPtr<OwnGraph> makeGraph() {
@@ -144,19 +67,6 @@ CollapseOptions lit() {
   CollapseOptions options;
   options.tool = CollapseTool::lightLoop;
   return options;
-}
-
-/// Why no job can be made of the graph.
-std::string refusal(const std::function<void(OwnGraph&)>& change) {
-  const RefPtr<OwnGraph> graph = makeGraph();
-  change(*graph);
-  try {
-    Job(library(), RefPtr<IHostGraph const>(graph));
-  } catch (const InputError& error) {
-    EXPECT_EQ(error.file(), "graph");
-    return error.what();
-  }
-  return "(none)";
 }
 
 TEST(HostGraphTest, BecomesTheShaderOfTheSameDocument) {
@@ -217,37 +127,18 @@ TEST(HostGraphTest, NodesHaveNamesWithoutTheHost) {
   EXPECT_EQ(findBuffer(job.reflect(), "sfg_Uniforms").members.at(0).origin.path(), "n0.count");
 }
 
-TEST(HostGraphTest, ThatIsWrongIsRefused) {
-  EXPECT_EQ(refusal([](OwnGraph&) {}), "(none)");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.nodes[1] = nullptr; }), "node 1 is null");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.nodes[1]->inputs[0].parameter = nullptr; }),
-            "input 0 of node `colors` is null");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.nodes[1]->outputs[0] = nullptr; }),
-            "output 0 of node `colors` is null");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.inputs[0] = nullptr; }), "graph input 0 is null");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.outputs[0] = nullptr; }), "graph output 0 is null");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.uniforms = {nullptr}; }), "graph uniform 0 is null");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.names[2] = "tiles"; }), "the node name `tiles` is used twice");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.nodes[2] = g.nodes[1]; }), "node `surface` is there twice");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.outputs = {port(TypeID_fvec4, L"where")}; }),
-            "the name `where` is used twice among graph inputs and outputs");
-  const RefPtr<OwnNode> stranger = makeRef<OwnNode>();
-  EXPECT_EQ(refusal([&](OwnGraph& g) { g.nodes[1]->inputs[2].source = stranger.get(); }),
-            "input `position` of node `colors` comes from a node that is not in the graph");
-  EXPECT_EQ(refusal([&](OwnGraph& g) { g.result = stranger.get(); }),
-            "graph output `color` comes from a node that is not in the graph");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.nodes[1]->inputs[2].output = 1; }),
-            "input `position` of node `colors` comes from output 1 of node `tiles`, which has 1");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.resultOutput = 7; }),
-            "graph output `color` comes from output 7 of node `pixel`, which has 1");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.nodes[1]->inputs[2].graphInput = 0; }),
-            "input `position` of node `colors` is fed by a node and by a graph input");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.nodes[0]->inputs[0].graphInput = 1; }),
-            "input `uv` of node `tiles` is fed by a graph input that is not there");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.preprocess = {"nope"}; }), "unknown fragment `nope`");
-  EXPECT_EQ(refusal([](OwnGraph& g) { g.postprocess = {"nope"}; }), "unknown fragment `nope`");
-  EXPECT_THROW(Job(library(), RefPtr<IHostGraph const>()), InputError);
-  EXPECT_THROW(Job(nullptr, RefPtr<IHostGraph const>(makeGraph())), InputError);
+TEST(HostGraphTest, NeedsAGraphAndALibrary) {
+  const auto refusal = [](const std::shared_ptr<const LibrarySet>& set, const RefPtr<OwnGraph>& graph) {
+    try {
+      Job(set, RefPtr<IHostGraph const>(graph));
+    } catch (const InputError& error) {
+      return std::string(error.what());
+    }
+    return std::string("(none)");
+  };
+  EXPECT_EQ(refusal(library(), makeGraph()), "(none)");
+  EXPECT_EQ(refusal(library(), nullptr), "a job needs a graph");
+  EXPECT_NE(refusal(nullptr, makeGraph()), "(none)");
 }
 
 /// What the generator refuses is told with the host's names.

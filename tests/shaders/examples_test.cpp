@@ -13,9 +13,12 @@ class ExamplesTest : public ShaderFixture, public testing::WithParamInterface<st
 TEST_P(ExamplesTest, CompilesForEveryStageAndTarget) {
   std::ifstream file("examples/materials/" + GetParam() + ".json");
   const Json graph = Json::parse(file);
+  // Only the light loop evaluates the chain, and the host warns of one elsewhere.
+  Json unlit = graph;
+  unlit.erase("postprocess");
   for (const sfg::host::ShaderStage stage :
        {sfg::host::ShaderStage::pixel, sfg::host::ShaderStage::compute}) {
-    EXPECT_EQ(compile(settings(graph), stage, true), "") << "without a light loop";
+    EXPECT_EQ(compile(settings(unlit), stage, true), "") << "without a light loop";
     for (const std::size_t lights : {0u, 1u, 4u}) {
       sfg::host::JobFiles lit = settings(graph);
       light(lit, environmentOf(lights));

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Every source of the host has its test beside it: check_tests.sh ROOT
+# Every source of the host has its test beside it, and every test tests something: check_tests.sh ROOT
 #
 # What is there when compilers are not is tested with what takes its place (compile_test.cpp).
 set -euo pipefail
@@ -12,6 +12,10 @@ for source in host/*/*.cpp; do
   bad=$((bad + 1))
 done
 for test in host/*/*_test.cpp; do
+  if ! grep -qE '^(TYPED_)?TEST' "$test"; then
+    echo "$test: has no test"
+    bad=$((bad + 1))
+  fi
   grep -qE "(^|[ (])$(basename "$test")([ )]|\$)" "$(dirname "$test")/CMakeLists.txt" && continue
   echo "$test: not in $(dirname "$test")/CMakeLists.txt"
   bad=$((bad + 1))

@@ -1,0 +1,1 @@
+// A deliberate fault of the check of tests, or its sound neighbour.
