@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "sfg/host/compile.h"
 #include "tools/command_test_support.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
@@ -20,17 +21,19 @@ TEST_F(NewTest, WritesAFragmentThatIsListedAndUsed) {
   EXPECT_EQ(listed.out, "tint  ./tint.fraglib:2:11  What it computes, in a sentence.\n");
   write("graph.json", R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "t" } ],
     "nodes": [ { "name": "t", "fragment": "tint" } ] })json");
-  const CommandRun compiled = run("compile graph.json -L . --target hlsl");
-  EXPECT_EQ(compiled.status, 0) << compiled.err;
-  EXPECT_NE(compiled.out.find("t_amount"), std::string::npos);
+  const CommandRun used = run("collapse graph.json -L . --names readable");
+  EXPECT_EQ(used.status, 0) << used.err;
+  EXPECT_NE(used.out.find("t_amount"), std::string::npos) << used.out;
 }
 
 TEST_F(NewTest, WritesAGraphThatCompiles) {
   EXPECT_EQ(run("new graph wall").status, 0);
-  const CommandRun compiled = run("compile wall.json --target glsl" + standard());
-  EXPECT_EQ(compiled.status, 0);
-  EXPECT_EQ(compiled.err, "");
-  EXPECT_NE(compiled.out.find("wall_b"), std::string::npos) << compiled.out;
+  const CommandRun collapsed = run("collapse wall.json --names readable" + standard());
+  EXPECT_EQ(collapsed.status, 0);
+  EXPECT_EQ(collapsed.err, "");
+  EXPECT_NE(collapsed.out.find("wall_b"), std::string::npos) << collapsed.out;
+  if (!host::hasCompilers()) return;
+  EXPECT_EQ(run("compile wall.json --target glsl" + standard()).status, 0);
 }
 
 TEST_F(NewTest, WritesAnEnvironmentThatLightsAMaterial) {
