@@ -167,14 +167,6 @@ std::vector<float> VulkanCompute::run(std::span<std::uint32_t const> spirv, std:
   }
 }
 
-}  // namespace numbers_test
-
-// Read by the leak checker of sanitized builds: drivers and their compiler keep some memory to the end.
-extern "C" char const* __lsan_default_suppressions();
-extern "C" char const* __lsan_default_suppressions() { return "leak:libvulkan_\n"; }
-
-namespace numbers_test {
-
 bool isVulkanSkipped() {
   char const* value = std::getenv("SFG_SKIP_VULKAN_TESTS");
   return value != nullptr && *value != '\0' && std::string_view(value) != "0";
