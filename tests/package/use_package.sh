@@ -133,7 +133,7 @@ case "$test" in
     "$work/elsewhere/bin/sfg" new graph wall
     for from in "$prefix" "$work/elsewhere"; do
       "$from/bin/sfg" collapse wall.json -v >"$work/wall.hlsl" 2>"$work/said"
-      printf 'sfg: note: %s are read from `%s`\n' fragments "$from/share/sfg/library" \
+      printf 'sfg: note: %s are read from `%s` [folders-read]\n' fragments "$from/share/sfg/library" \
         'include files' "$from/share/sfg/library" | diff "$work/said" -
       grep -q 'void checkerPattern1(' "$work/wall.hlsl"
     done
