@@ -35,10 +35,9 @@ TEST_F(IncludeWarningsTest, TellNothingOfFilesThatOnlyIncludeOthers) {
 
 TEST_F(IncludeWarningsTest, TellWhoNamesAFileThatIsNowhere) {
   write("noise.h", "float noise() { return 1; }\n");
-  EXPECT_EQ(
-      warningsOf("nosie.h"),
-      "DIR/lib.fraglib:1:46: fragment `one` includes `nosie.h`, which is in no include folder; did you "
-      "mean `noise.h`?\n");
+  EXPECT_EQ(warningsOf("nosie.h"),
+            "DIR/lib.fraglib:1:46: fragment `one` includes `nosie.h`, which is in no include folder; did you "
+            "mean `noise.h`?\n");
 }
 
 TEST_F(IncludeWarningsTest, TellOfFilesThatIncludeOneThatIsNowhere) {
@@ -49,8 +48,7 @@ TEST_F(IncludeWarningsTest, TellOfFilesThatIncludeOneThatIsNowhere) {
 
 TEST_F(IncludeWarningsTest, TellOfEmptyFiles) {
   write("empty.h", "");
-  EXPECT_EQ(warningsOf("empty.h"),
-            "DIR/empty.h: the include file is empty; fragment `one` includes it\n");
+  EXPECT_EQ(warningsOf("empty.h"), "DIR/empty.h: the include file is empty; fragment `one` includes it\n");
 }
 
 }  // namespace
