@@ -35,6 +35,7 @@ private:
 
 std::unique_ptr<Command> makeCollapseCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCompileCommand(CLI::App& parent);
+std::unique_ptr<Command> makeGraphCommand(CLI::App& parent);
 std::unique_ptr<Command> makeReflectCommand(CLI::App& parent);
 std::unique_ptr<Command> makeSchemaCommand(CLI::App& parent);
 std::unique_ptr<Command> makeListCommand(CLI::App& parent);

@@ -5,6 +5,7 @@
 #include "host/diagnostics/warnings.h"
 #include "host/diagnostics/wire_types.h"
 #include "host/documents/diagnose.h"
+#include "host/drawing/dot_text.h"
 #include "host/job/called_expressions.h"
 #include "host/job/collapse_job.h"
 #include "host/job/collapse_json.h"
@@ -165,6 +166,10 @@ const IShaderFragment& Job::result() const { return *collapsed().job.result(); }
 
 std::string Job::resultJson() const {
   return writeCollapseJson(state_->job.result(), state_->job.libraries().includes());
+}
+
+std::string Job::drawing(const std::string& title) const {
+  return writeDot(drawGraph(collapsed().job), title);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -103,6 +103,11 @@ public:
   /// The generated function and what it needs as JSON, nothing assembled; "null\n" before collapse().
   std::string resultJson() const;
 
+  /// The graph as a drawing in the language of Graphviz (`dot`): nodes with ports, types and values, wires in
+  /// the colour of their type, the profiles that wrote code, which nodes are lit or unused, lights and
+  /// chains. `title` stands above it. The graph is collapsed once more for it.
+  std::string drawing(const std::string& title) const;
+
 private:
   struct State;
   State& collapsed() const;
