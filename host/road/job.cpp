@@ -68,6 +68,13 @@ const AssembledShader& assembledOf(const CollapseJob& job, ShaderStage stage, Na
   return last->shader;
 }
 
+/// The same for any mesh: one that has all that a vertex stage needs changes nothing of its text.
+const AssembledShader& assembledOf(const CollapseJob& job, ShaderStage stage, NameStyle names,
+                                   std::optional<Assembled>& last) {
+  const bool isLast = last && last->stage == stage && last->names == names;
+  return assembledOf(job, stage, names, isLast ? last->mesh : MeshLayout(), last);
+}
+
 }  // namespace
 
 struct Job::State {
@@ -139,13 +146,13 @@ ShaderInterface Job::reflect(ShaderStage stage, NameStyle names, const MeshLayou
 
 SourceMap Job::mapSources(ShaderStage stage, NameStyle names) const {
   State& state = collapsed();
-  return SourceMap(state.job, assembledOf(state.job, stage, names, {}, state.last));
+  return SourceMap(state.job, assembledOf(state.job, stage, names, state.last));
 }
 
 std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
   State& state = collapsed();
   if (error.inAssembledText()) {
-    const AssembledShader& assembled = assembledOf(state.job, shader.stage, shader.names, {}, state.last);
+    const AssembledShader& assembled = assembledOf(state.job, shader.stage, shader.names, state.last);
     if (toUtf8(assembled.shader.getCompleteShader()) == shader.text)
       return explainCompileError(state.job, assembled, error);
   }

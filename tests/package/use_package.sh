@@ -114,7 +114,7 @@ case "$test" in
     expect_examples "$work/own_graph/program" "$work/compile_material/program"
     if [ "$DRAW" = ON ]; then
       # shellcheck disable=SC2046,SC2086
-      "$CXX" -std=c++20 $CXXFLAGS -I "$work/render" "$work/examples/draw_triangles/main.cpp" "$work/render/device.cpp" \
+      "$CXX" -std=c++20 $CXXFLAGS -I "$work/render" "$work/examples/draw_triangles/main.cpp" \
         "$work/render/renderer.cpp" -o "$work/draw_triangles" $flags -Wl,-rpath-link,"$(libdir "$prefix")" \
         $(pkg-config --cflags --libs vulkan libpng)
       expect_picture "$work/draw_triangles"

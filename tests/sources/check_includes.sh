@@ -47,7 +47,7 @@ for room in documents library job shader modules origins diagnostics drawing roa
 done
 allow tools "sfg|tolmsdk|tools|CLI|unistd.h"
 # To be copied: nothing of this project.
-allow render 'vulkan|png.h|device.h|renderer.h'
+allow render 'vulkan|png.h|renderer.h'
 
 if [ "$bad" -gt 0 ]; then
   echo "$bad includes that their folder may not have"

@@ -78,8 +78,9 @@ public:
   ///
   /// A vertex stage computes from the vertices of a mesh what the pixel stage of the same job takes, and the
   /// position in clip space; graph inputs are handed through. It takes only those parts of a vertex that it
-  /// needs; an AssemblyError names a state variable whose parts `mesh` lacks. The buffer of its matrices,
-  /// `sfg_VertexUniforms`, has the number behind those of the pixel stage. `mesh` means nothing to others.
+  /// needs, so it is the same for every mesh that has them; an AssemblyError names a state variable whose
+  /// parts `mesh` lacks. The buffer of its matrices, `sfg_VertexUniforms`, has the number behind those of the
+  /// pixel stage. `mesh` means nothing to others.
   Shader assemble(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated,
                   const MeshLayout& mesh = {}) const;
   /// What that shader takes and gives, as its HLSL text has it; interfaceFor() tells what compilers make of
@@ -87,8 +88,8 @@ public:
   /// Throws AssemblyError.
   ShaderInterface reflect(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated,
                           const MeshLayout& mesh = {}) const;
-  /// Where every character of that shader comes from. The graph is collapsed once more for it. Throws
-  /// AssemblyError.
+  /// Where every character of that shader comes from, whatever the mesh. The graph is collapsed once more for
+  /// it. Throws AssemblyError.
   SourceMap mapSources(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
   /// What a compiler refused of a shader that assemble() made, in words that lead to the mistake, at its
   /// place in a library file, an include file or a document; behind it notes: who uses the code, and what the
