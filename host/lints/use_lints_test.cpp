@@ -11,19 +11,19 @@ using UnreadInput = LintFixture;
 
 TEST_F(UnreadInput, IsToldAtItsParameter) {
   EXPECT_EQ(lintsOf(fragment("tint", "float3 color, float amount, out float3 result", "result = color;")),
-            "lib.fraglib:1:79: fragment `tint` never reads its input `amount` [unread-input]\n");
+            "lib.fraglib:1:86: fragment `tint` never reads its input `amount` [unread-input]\n");
 }
 
 TEST_F(UnreadInput, IsToldWhereOnlyACommentAStringOrAMemberHasItsName) {
   EXPECT_EQ(lintsOf(fragment("f", "float3 c, float x, out float r", "r = c.x; // x\", \"/* x */")),
-            "lib.fraglib:1:73: fragment `f` never reads its input `x` [unread-input]\n");
+            "lib.fraglib:1:76: fragment `f` never reads its input `x` [unread-input]\n");
   EXPECT_EQ(lintsOf(fragment("f", "float x, out float r", "printf(\\\"x\\\"); r = 1.0;")),
-            "lib.fraglib:1:63: fragment `f` never reads its input `x` [unread-input]\n");
+            "lib.fraglib:1:66: fragment `f` never reads its input `x` [unread-input]\n");
 }
 
 TEST_F(UnreadInput, IsToldOfOneThatIsOnlyOverwritten) {
   EXPECT_EQ(lintsOf(fragment("f", "float x, out float r", "x = 2.0; r = 1.0;")),
-            "lib.fraglib:1:63: fragment `f` never reads its input `x` [unread-input]\n");
+            "lib.fraglib:1:66: fragment `f` never reads its input `x` [unread-input]\n");
 }
 
 TEST_F(UnreadInput, IsToldOnceOfSeveralProfiles) {
