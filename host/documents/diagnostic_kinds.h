@@ -72,6 +72,7 @@ enum class Finding {
   incompleteShader,
   compileError,
   codeOrigin,
+  notCompiled,
   badSetting,
   // Commands
   wrongUsage,

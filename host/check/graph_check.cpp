@@ -1,0 +1,193 @@
+#include "host/check/graph_check.h"
+
+#include <set>
+
+#include "host/documents/diagnostic_kinds.h"
+#include "host/documents/graph_document.h"
+#include "host/documents/shading_environment.h"
+#include "tolmsdk/unicode.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+namespace {
+
+constexpr const char* kMadeUpGraph = "the check's graph";
+constexpr const char* kMadeUpLights = "the check's lights";
+constexpr const char* kMslLightProfile = "msl_light";
+
+WhyUnknown whyUnknownOf(const LoadedLibraries& libraries) {
+  return [&libraries](std::string_view name) { return libraries.whyUnknown(name); };
+}
+
+/// What decides how a graph is collapsed.
+struct GraphNature {
+  bool isLit = false;           ///< code reads a light
+  bool hasLightBlocks = false;  ///< code is written once for every light
+  bool hasChain = false;        ///< post-process fragments
+  bool hasSeveralSources = false;
+  bool lacksDefault = false;  ///< a fragment has no profile but for lights
+  std::set<std::string> lightProfiles;
+
+  bool needsLightLoop() const { return isLit || hasLightBlocks || hasChain || hasSeveralSources; }
+  /// Of a graph for the light loop.
+  bool isForBoth() const { return !hasLightBlocks && !hasSeveralSources && !lacksDefault; }
+};
+
+void look(GraphNature& nature, const IShaderFragment& fragment, const UString& language) {
+  for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i) {
+    const IShaderFragmentProfile& profile = *fragment.getProfile(i);
+    if (!profile.languages().contains(language)) continue;
+    if (isLit(profile)) {
+      nature.isLit = true;
+      nature.lightProfiles.insert(toUtf8(profile.getProfilename()));
+    }
+    if (hasLightBlocks(profile)) {
+      nature.hasLightBlocks = true;
+      nature.lightProfiles.insert(kMslLightProfile);
+    }
+  }
+  if (fragment.findBestProfile(L"default", language, 100.0f) == nullptr) nature.lacksDefault = true;
+}
+
+GraphNature natureOf(const GraphDocument& graph, const LanguageDx11& language) {
+  GraphNature nature;
+  std::set<const IShaderFragment*> known;
+  for (std::size_t i = 0; i < graph.getNumNodes(); ++i) {
+    const IShaderFragment* const fragment = language.findFragment(graph.node(i).fragmentName());
+    if (fragment != nullptr && known.insert(fragment).second)
+      look(nature, *fragment, language.getLanguageString());
+  }
+  nature.hasChain = !graph.postprocess().empty();
+  std::set<const GraphNode*> sources;
+  for (const GraphNode::Wire& wire : graph.outputWires()) sources.insert(wire.source);
+  nature.hasSeveralSources = sources.size() > 1;
+  return nature;
+}
+
+/// One light of the libraries for each profile that can be had.
+Environment lightsFor(const GraphNature& nature, const ProbeMaker& probes) {
+  Environment environment;
+  for (const std::string& profile : nature.lightProfiles) {
+    const std::string light = probes.lightOf(profile);
+    if (!light.empty()) environment.lights.push_back({"light for " + profile, light, profile});
+  }
+  return environment;
+}
+
+/// Nothing of documents that nobody wrote, but what goes wrong with them is told of the one that was checked.
+void dropMadeUp(std::vector<FindingGroup>& groups, const std::string& document) {
+  const auto isMadeUp = [](const Diagnostic& diagnostic) {
+    return diagnostic.file == kMadeUpGraph || diagnostic.file == kMadeUpLights || diagnostic.file.empty();
+  };
+  std::erase_if(groups, [&](const FindingGroup& group) {
+    return isMadeUp(group.finding) && group.finding.severity != Severity::error;
+  });
+  for (FindingGroup& group : groups) {
+    std::erase_if(group.notes, isMadeUp);
+    if (!isMadeUp(group.finding)) continue;
+    group.finding.file = document;
+    group.finding.line = group.finding.column = 0;
+  }
+}
+
+void append(std::vector<FindingGroup>& groups, std::vector<FindingGroup> more) {
+  std::move(more.begin(), more.end(), std::back_inserter(groups));
+}
+
+std::vector<FindingGroup> refusalOf(const InputError& error) {
+  std::vector<FindingGroup> groups = groupsOf(error.related());
+  append(groups, groupsOf(std::vector<Diagnostic>{error.diagnostic()}));
+  return groups;
+}
+
+/// A lit node, and outputs for the inputs of an output fragment: the first of floats is what is lit.
+Graph litGraphFor(const IShaderFragment* outputFragment) {
+  Graph graph;
+  const auto addLit = [&](std::size_t components, const std::string& output) {
+    graph.nodes.push_back({"lit", litFragment(components), {}, std::nullopt});
+    Parameter parameter;
+    parameter.name = output;
+    parameter.type = components == 1 ? "float" : "float" + std::to_string(components);
+    graph.outputs.push_back({parameter, NodeOutput{"lit", "result"}});
+  };
+  if (outputFragment == nullptr) {
+    addLit(4, "checkedResult");
+    return graph;
+  }
+  bool isLit = false;
+  for (std::size_t i = 0; i < outputFragment->getNumInputs(); ++i) {
+    const AParameter& input = *outputFragment->getInput(i);
+    const std::string name = "checkedResult" + std::to_string(i);
+    const TypeID& type = input.getType();
+    const TypeID floats[] = {TypeID_float, TypeID_fvec2, TypeID_fvec3, TypeID_fvec4};
+    const auto* const found = std::find(std::begin(floats), std::end(floats), type);
+    if (!isLit && found != std::end(floats)) {
+      isLit = true;
+      addLit(static_cast<std::size_t>(found - std::begin(floats)) + 1, name);
+      continue;
+    }
+    Parameter value;
+    value.name = "value";
+    value.type = type == TypeID_struct ? "struct" : toUtf8(type.toString());
+    value.structName = toUtf8(input.getStructName());
+    graph.nodes.push_back({"node" + std::to_string(i), kPassFragment, {}, NodeInterface{{value}, {value}}});
+    Parameter output = value;
+    output.name = name;
+    graph.outputs.push_back({output, NodeOutput{graph.nodes.back().name, "value"}});
+  }
+  if (graph.outputs.empty()) addLit(4, "checkedResult");
+  return graph;
+}
+
+}  // namespace
+
+std::vector<FindingGroup> checkGraph(const CheckTools& tools, const ProbeMaker& probes, const Document& graph,
+                                     std::optional<CollapseTool> tool,
+                                     const std::optional<Document>& environment) {
+  const LoadedLibraries& libraries = *tools.libraries->loaded();
+  GraphNature nature;
+  try {
+    nature =
+        natureOf(*loadGraphDocument(graph, libraries.language(), libraries.ports(), whyUnknownOf(libraries)),
+                 libraries.language());
+  } catch (const InputError& error) {
+    return refusalOf(error);
+  }
+  const Environment lights = lightsFor(nature, probes);
+  const std::optional<Document> scene =
+      environment || lights.lights.empty() ? environment : Document::from(lights, kMadeUpLights);
+
+  CollapseOptions options;
+  options.tool = tool.value_or(nature.needsLightLoop() ? CollapseTool::lightLoop : CollapseTool::standard);
+  std::vector<FindingGroup> groups = findInJob(tools, graph, options, scene);
+  if (!tool && nature.needsLightLoop() && nature.isForBoth() && !hasErrors(groups)) {
+    // What the default tool only warns of is meant for the light loop.
+    options.tool = CollapseTool::standard;
+    for (FindingGroup& group : findInJob(tools, graph, options, std::nullopt))
+      if (group.finding.severity == Severity::error) groups.push_back(std::move(group));
+  }
+  dropMadeUp(groups, graph.name());
+  return groups;
+}
+
+std::vector<FindingGroup> checkEnvironment(const CheckTools& tools, const Document& environment) {
+  const LoadedLibraries& libraries = *tools.libraries->loaded();
+  RefPtr<ShadingEnvironment> scene;
+  try {
+    scene = loadEnvironment(environment, libraries.language(), libraries.ports(), whyUnknownOf(libraries));
+  } catch (const InputError& error) {
+    return refusalOf(error);
+  }
+  CollapseOptions options;
+  options.tool = CollapseTool::lightLoop;
+  const Graph graph = litGraphFor(scene->getOutputFragment());
+  std::vector<FindingGroup> groups =
+      findInJob(tools, Document::from(graph, kMadeUpGraph), options, environment);
+  std::erase_if(groups, [](const FindingGroup& group) {
+    return group.finding.identifier == identifierOf(Finding::unofferedProfile);
+  });
+  dropMadeUp(groups, environment.name());
+  return groups;
+}
+
+}  // namespace TolmSDK::Graphics::sfg::host
