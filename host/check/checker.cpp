@@ -124,6 +124,13 @@ CheckResult resultOf(std::vector<Step>& steps, const CheckCounts& counts) {
 
 }  // namespace
 
+CheckResult withProblems(CheckResult result, std::span<const Diagnostic> problems) {
+  std::vector<FindingGroup> all = groupsOf(result.diagnostics);
+  std::vector<FindingGroup> more = groupsOf(problems);
+  std::move(more.begin(), more.end(), std::back_inserter(all));
+  return {sortedFindings(std::move(all)), result.counts};
+}
+
 Checker::Checker(CheckOptions options) : state_(std::make_unique<const State>(std::move(options))) {}
 Checker::Checker(Checker&& other) noexcept = default;
 Checker& Checker::operator=(Checker&& other) noexcept = default;
@@ -154,6 +161,14 @@ CheckResult Checker::check(const Files& files, std::size_t threads, const OnProg
   const State& state = *state_;
   std::vector<Step> steps;
   CheckCounts counts;
+  if (state.options.compiles && !hasCompilers()) {
+    const char* const text = "this sfg was built without compilers: no code was compiled";
+    steps.push_back({[text] {
+                       return groupsOf(
+                           std::vector{diagnose(Finding::notCompiled, Severity::note, {}, {}, text)});
+                     },
+                     {}});
+  }
   for (const std::string& file : files.libraries) {
     steps.push_back({[&state, file] { return state.problemsOf(file); }, {}});
     for (const WString& name : state.fragmentsOf(file)) {
