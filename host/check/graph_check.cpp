@@ -4,9 +4,13 @@
 #include <iterator>
 #include <set>
 
-#include "host/documents/diagnostic_kinds.h"
+#include "host/documents/diagnose.h"
+#include "host/documents/document_reader.h"
 #include "host/documents/graph_document.h"
+#include "host/documents/shader_names.h"
 #include "host/documents/shading_environment.h"
+#include "host/job/collapse_job.h"
+#include "host/lints/lints.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -71,7 +75,8 @@ Environment lightsFor(const GraphNature& nature, const ProbeMaker& probes) {
   Environment environment;
   for (const std::string& profile : nature.lightProfiles) {
     const std::string light = probes.lightOf(profile);
-    if (!light.empty()) environment.lights.push_back({"checked" + std::to_string(environment.lights.size()), light, profile});
+    if (!light.empty())
+      environment.lights.push_back({"checked" + std::to_string(environment.lights.size()), light, profile});
   }
   return environment;
 }
@@ -96,6 +101,20 @@ void append(std::vector<FindingGroup>& groups, std::vector<FindingGroup> more) {
   std::move(more.begin(), more.end(), std::back_inserter(groups));
 }
 
+/// A light's name becomes part of names in the code.
+std::vector<FindingGroup> findBadNames(const ShadingEnvironment& scene, const Document& environment) {
+  std::vector<FindingGroup> groups;
+  for (const ShadingEnvironment::Light& light : scene.lights()) {
+    const std::string fault = nameFault("light_" + toUtf8(light.name), false);
+    if (fault.empty()) continue;
+    groups.push_back({diagnose(Finding::badName, Severity::error, environment.name(), light.position,
+                               "the name of the light " + inTicks(light.name) +
+                                   " goes into names of the code, which hold letters, digits and `_` only"),
+                      {}});
+  }
+  return groups;
+}
+
 std::vector<FindingGroup> refusalOf(const InputError& error) {
   std::vector<FindingGroup> groups = groupsOf(error.related());
   append(groups, groupsOf(std::vector<Diagnostic>{error.diagnostic()}));
@@ -106,7 +125,8 @@ std::vector<FindingGroup> refusalOf(const InputError& error) {
 /// output fragment.
 class EnvironmentGraph {
 public:
-  explicit EnvironmentGraph(const ShadingEnvironment& environment) : mayBeLit_(environment.getNumLights() > 0) {
+  explicit EnvironmentGraph(const ShadingEnvironment& environment)
+      : mayBeLit_(environment.getNumLights() > 0) {
     if (const IShaderFragment* const taker = environment.getOutputFragment()) {
       for (std::size_t i = 0; i < taker->getNumInputs(); ++i) addOutput(*taker->getInput(i));
     }
@@ -173,6 +193,7 @@ std::vector<FindingGroup> checkGraph(const CheckTools& tools, const ProbeMaker& 
       if (group.finding.severity == Severity::error) groups.push_back(std::move(group));
   }
   dropMadeUp(groups, graph.name());
+  append(groups, std::move(lints));
   return groups;
 }
 
@@ -184,6 +205,7 @@ std::vector<FindingGroup> checkEnvironment(const CheckTools& tools, const Docume
   } catch (const InputError& error) {
     return refusalOf(error);
   }
+  if (std::vector<FindingGroup> bad = findBadNames(*scene, environment); !bad.empty()) return bad;
   CollapseOptions options;
   options.tool = CollapseTool::lightLoop;
   const Graph graph = EnvironmentGraph(*scene).take();
