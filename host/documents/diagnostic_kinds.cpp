@@ -102,6 +102,7 @@ constexpr KindRow kRows[] = {
     {Finding::incompleteShader, {"incomplete-shader", "a result cannot become a complete shader"}},
     {Finding::compileError, {"compile-error", "a compiler refused the shader"}},
     {Finding::codeOrigin, {"code-origin", "where refused code comes from"}},
+    {Finding::notCompiled, {"not-compiled", "code that a check could not compile, and why"}},
     {Finding::badSetting, {"bad-setting", "a value cannot be set in a buffer"}},
     {Finding::wrongUsage, {"wrong-usage", "a command, or a function of the library, is used wrongly"}},
     {Finding::cannotWrite, {"cannot-write", "a result cannot be written"}},

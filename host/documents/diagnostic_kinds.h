@@ -83,6 +83,7 @@ enum class Finding {
   incompleteShader,
   compileError,
   codeOrigin,
+  notCompiled,
   badSetting,
   // Commands
   wrongUsage,
