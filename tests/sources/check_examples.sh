@@ -3,6 +3,7 @@
 #
 #   <!-- file: PATH -->          the block of code that follows is that file
 #   <!-- prints: COMMAND -->     .. is what COMMAND prints, run in ROOT with BIN_FOLDER first in the PATH
+#   <!-- tells: COMMAND -->      what follows, up to <!-- end -->, is what COMMAND prints, run likewise
 #   <!-- writes: NAME -->        .. becomes the file NAME in a folder that is the document's own
 #   <!-- types: COMMAND -->      .. is a terminal in that folder: the command, behind it all that it prints, run
 #                                with a copy of `sfg` that is installed beside the standard library
@@ -31,7 +32,7 @@ type_command() {
   install_command
   mkdir -p "$work/here"
   printf '$ %s\n' "$1"
-  (cd "$work/here" && PATH="$work/prefix/bin:$PATH" bash -c "$1" 2>&1) || true
+  (cd "$work/here" && LC_ALL=C PATH="$work/prefix/bin:$PATH" bash -c "$1" 2>&1) || true
 }
 
 # Prints a document with its marked blocks as they ought to be.
@@ -45,6 +46,13 @@ renew() {
       [ "$line" = '```' ] || continue
       if [ -n "$expected" ]; then printf '%s\n' "$expected"; fi
       state=text
+    elif [ "$state" = told ]; then
+      [ "$line" = '<!-- end -->' ] || continue
+      printf '\n%s\n\n' "$expected"
+      state=text
+    elif [[ $line =~ ^'<!-- tells: '(.*)' -->'$ ]]; then
+      expected=$(bash -c "${BASH_REMATCH[1]}") || { echo "$1: fails: ${BASH_REMATCH[1]}" >&2; return 1; }
+      state=told
     elif [[ $line =~ ^'<!-- writes: '(.*)' -->'$ ]]; then
       name=${BASH_REMATCH[1]}
       mkdir -p "$work/here"
