@@ -33,7 +33,7 @@ CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const
 CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries,
                          const RefPtr<IHostGraph const>& graph, const std::optional<Document>& environment,
                          const CollapseOptions& settings)
-    : settings_(settings), libraries_(std::move(libraries)) {
+    : settings_(settings), libraries_(std::move(libraries)), ownGraph_(graph) {
   document_ = readHostGraph(graph, libraries_->language(), whyUnknown());
   readEnvironment(environment);
 }
@@ -53,6 +53,7 @@ void CollapseJob::readEnvironment(const std::optional<Document>& environment) {
 
 void CollapseJob::run() {
   const LanguageDx11& language = libraries_->language();
+  if (ownGraph_) requireUnchanged(*document_, ownGraph_, language, whyUnknown());
   const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document_, language, libraries_->ports());
   if (std::vector<Diagnostic> wires = findCalledExpressions(*this); !wires.empty()) {
     throw CalledExpressionError(std::move(wires));

@@ -56,6 +56,7 @@ private:
   CollapseOptions settings_;
   std::shared_ptr<const LoadedLibraries> libraries_;
   std::vector<std::string> documentFiles_;
+  RefPtr<IHostGraph const> ownGraph_;  ///< null for a document
   RefPtr<GraphDocument> document_;
   RefPtr<ShadingEnvironment> environment_;
   RefPtr<ShaderOptions> options_;

@@ -60,7 +60,8 @@ public:
   std::vector<Diagnostic> errors() const;
 
   /// Builds the graph and collapses it; a job that is collapsed stays as it is. Throws InputError (a
-  /// post-process fragment that does not fit) and CollapseError; then it may be tried again.
+  /// post-process fragment that does not fit, a host's own graph that has changed since the job was made) and
+  /// CollapseError; then it may be tried again.
   void collapse();
   bool isCollapsed() const noexcept;
 
