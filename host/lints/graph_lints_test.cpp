@@ -88,6 +88,15 @@ TEST_F(UnusedNode, IsNoneOfAGraphWithoutOutputs) {
   EXPECT_EQ(lintsOfGraph(R"json({ "nodes": [ { "name": "n", "fragment": "half" } ] })json"), "");
 }
 
+TEST_F(UnusedNode, IsNoneWhereAnOutputIsWiredToNothing) {
+  EXPECT_EQ(lintsOfGraph(R"json({ "outputs": [ { "name": "o", "type": "float", "node": "gone" } ],
+  "nodes": [ { "name": "n", "fragment": "half" } ] })json"),
+            "");
+  EXPECT_EQ(lintsOfGraph(R"json({ "outputs": [ { "name": "o", "type": "float" } ],
+  "nodes": [ { "name": "n", "fragment": "half" } ] })json"),
+            "");
+}
+
 TEST_F(UnusedNode, IsFoundInLinearTimeWithoutAStack) {
   const auto libraries = load();
   EXPECT_LT(test::costGrowth(
