@@ -35,10 +35,9 @@ struct Frame {
   enum class Kind { block, thenPart, elsePart, loop, doLoop, switchBlock };
   Kind kind = Kind::block;
   State before;
-  State other;             ///< of an `else` the end of the other part; of a `switch` where its breaks meet
+  State other;             ///< of an `else` the end of the other part; else where the `break`s meet
   bool mayNotRun = false;  ///< a loop
   bool isEndless = false;  ///< a loop that only a `break` leaves
-  bool hasBreak = false;
   bool hasDefault = false;
 };
 
@@ -180,6 +179,7 @@ private:
     frames_.back().isEndless =
         conditionBegin == conditionEnd || (conditionEnd == conditionBegin + 1 &&
                                            (isWord(conditionBegin, L"true") || isWord(conditionBegin, L"1")));
+    frames_.back().other.isReachable = false;
     for (std::size_t i = conditionBegin; i < conditionEnd; ++i) {
       if (code_.isFreeName(i) && names_.isUnknownValue(code_.word(i))) frames_.back().mayNotRun = true;
     }
@@ -208,8 +208,7 @@ private:
   void takeBreak() {
     if (breakable_.empty()) return giveUp();
     Frame& frame = frames_[breakable_.back()];
-    frame.hasBreak = true;
-    if (frame.kind == Frame::Kind::switchBlock) frame.other = meet(frame.other, state_);
+    if (frame.kind == Frame::Kind::switchBlock || frame.isEndless) frame.other = meet(frame.other, state_);
   }
 
   void readBlockEnd() {
@@ -249,7 +248,11 @@ private:
         break;
       case Frame::Kind::elsePart: state_ = meet(state_, frame.other); break;
       case Frame::Kind::loop:
-        state_.isReachable = frame.before.isReachable && (!frame.isEndless || frame.hasBreak);
+        if (frame.isEndless) {
+          state_ = frame.other;
+          break;
+        }
+        state_.isReachable = frame.before.isReachable;
         if (frame.mayNotRun) state_ = meet(frame.before, state_);
         break;
       case Frame::Kind::doLoop:

@@ -34,6 +34,8 @@ private:
   void readNext() {
     if (code_.is(next_, L'[')) {
       next_ = behind(next_);
+    } else if (code_.is(next_, L'=')) {
+      skipValue();
     } else if (!code_.isName(next_)) {
       ++next_;
     } else if (isOneOf(code_.word(next_), {L"struct", L"class", L"interface", L"enum"})) {

@@ -1,5 +1,7 @@
 #include "host/lints/graph_lints.h"
 
+#include <algorithm>
+
 #include "tolmsdk/type_id.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -37,7 +39,7 @@ public:
     });
     forEachObject(root_.member(L"nodes"), [&](const IObjectDataNode& node) {
       const WString& name = textOf(node, L"name");
-      if (!name.empty() && hasOutputs_ && !reached_.contains(name)) {
+      if (!name.empty() && knowsOutputs_ && !reached_.contains(name)) {
         lints_.at(Finding::unusedNode, file_, node.member(L"name")->position(),
                   "no output of the graph depends on node " + inTicks(name));
       }
@@ -55,9 +57,11 @@ private:
                     [&](const IObjectDataNode& wire) { graphInputs_.insert(textOf(wire, L"graphInput")); });
     });
     std::vector<std::wstring_view> open;
-    forEachObject(root_.member(L"outputs"), [&](const IObjectDataNode& output) {
-      hasOutputs_ = true;
-      open.push_back(textOf(output, L"node"));
+    forEachObject(root_.member(L"outputs"),
+                  [&](const IObjectDataNode& output) { open.push_back(textOf(output, L"node")); });
+    // A wire that is wrong may have been meant for any of the nodes.
+    knowsOutputs_ = !open.empty() && std::all_of(open.begin(), open.end(), [&](std::wstring_view name) {
+      return nodes.contains(name);
     });
     while (!open.empty()) {
       const std::wstring_view name = open.back();
@@ -147,7 +151,7 @@ private:
   LintList& lints_;
   Set<std::wstring_view> graphInputs_;
   Set<std::wstring_view> reached_;
-  bool hasOutputs_ = false;
+  bool knowsOutputs_ = false;
 };
 
 }  // namespace
