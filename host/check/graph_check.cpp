@@ -172,10 +172,11 @@ std::vector<FindingGroup> checkGraph(const CheckTools& tools, const ProbeMaker& 
                                      const std::optional<Document>& environment) {
   const LoadedLibraries& libraries = *tools.libraries->loaded();
   GraphNature nature;
+  std::vector<FindingGroup> lints;
   try {
-    nature =
-        natureOf(*loadGraphDocument(graph, libraries.language(), libraries.ports(), whyUnknownOf(libraries)),
-                 libraries.language());
+    const CollapseJob job(tools.libraries->loaded(), graph, std::nullopt, {});
+    nature = natureOf(job.document(), libraries.language());
+    lints = groupsOf(lintGraph(job));
   } catch (const InputError& error) {
     return refusalOf(error);
   }
