@@ -45,7 +45,7 @@ for room in documents library job shader modules origins diagnostics road check;
     modules) allow host/modules "$rooms|glslang|spirv-tools|spirv_cross_c.h" ;;
   esac
 done
-allow tools "sfg|tolmsdk|tools|CLI|unistd.h"
+allow tools "sfg|tolmsdk|tools|CLI|unistd.h|nlohmann"
 # To be copied: nothing of this project.
 allow render 'vulkan|png.h|device.h|renderer.h'
 
