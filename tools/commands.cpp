@@ -7,6 +7,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& parent) {
   commands.push_back(makeCollapseCommand(parent));
   commands.push_back(makeCompileCommand(parent));
   commands.push_back(makeReflectCommand(parent));
+  commands.push_back(makeCheckCommand(parent));
   commands.push_back(makeSchemaCommand(parent));
   commands.push_back(makeListCommand(parent));
   commands.push_back(makeDumpCommand(parent));

@@ -66,6 +66,13 @@ RefPtr<IObjectDataNode> load(const Document& document, WString& error) {
   return root;
 }
 
+bool holdsIncludes(const std::string& folder) {
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+    if (hasExtension(entry->path(), ".h")) return true;
+  return false;
+}
+
 /// Gathers files, each once.
 class PathCollector {
 public:
@@ -86,8 +93,10 @@ public:
     for (std::vector<std::string>* const list :
          {&found_.files.libraries, &found_.files.graphs, &found_.files.environments})
       std::sort(list->begin(), list->end());
-    for (const std::string& folder : libraryFolders_) found_.folders.libraries.emplace_back(folder);
-    for (const std::string& folder : includeFolders_) found_.folders.includes.emplace_back(folder);
+    for (const std::string& folder : libraryFolders_) {
+      found_.folders.libraries.emplace_back(folder);
+      if (holdsIncludes(folder)) found_.folders.includes.emplace_back(folder);
+    }
     return std::move(found_);
   }
 
@@ -104,8 +113,6 @@ private:
           folders.push_back(entry->path().string());
         } else if (isLibrary(entry->path()) || hasExtension(entry->path(), ".json")) {
           addFile(entry->path().string(), false);
-        } else if (hasExtension(entry->path(), ".h")) {
-          includeFolders_.insert(next);
         }
       }
       if (error) tell(Finding::unreadableFolder, next, {}, "the folder cannot be read: " + error.message());
@@ -118,8 +125,6 @@ private:
       const fs::path folder = fs::path(file).parent_path();
       libraryFolders_.insert(folder.empty() ? "." : folder.string());
       found_.files.libraries.push_back(folder.empty() ? (fs::path(".") / file).string() : file);
-      if (const std::string fault = whyNoFile(file); !fault.empty() && isNamed) return;
-      addIncludesBeside(folder);
       return;
     }
     if (const std::string fault = whyNoFile(file); !fault.empty())
@@ -141,18 +146,6 @@ private:
     }
   }
 
-  /// The include files that lie beside a library that is named alone.
-  void addIncludesBeside(const fs::path& folder) {
-    std::error_code error;
-    const fs::path path = folder.empty() ? fs::path(".") : folder;
-    for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error)) {
-      if (hasExtension(entry->path(), ".h")) {
-        includeFolders_.insert(path.string());
-        return;
-      }
-    }
-  }
-
   void tell(Finding kind, const std::string& file, TextPosition position, const std::string& text) {
     found_.problems.push_back(diagnose(kind, Severity::error, file, position, text));
   }
@@ -160,7 +153,6 @@ private:
   CheckPaths found_;
   std::set<std::string> known_;
   std::set<std::string> libraryFolders_;
-  std::set<std::string> includeFolders_;
 };
 
 }  // namespace

@@ -2,12 +2,14 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <utility>
 
 #include "host/check/fragment_check.h"
 #include "host/check/graph_check.h"
 #include "host/documents/diagnose.h"
+#include "host/lints/lints.h"
 #include "sfg/host/check.h"
 #include "sfg/host/version.h"
 #include "tolmsdk/sha1.h"
@@ -85,6 +87,25 @@ struct Checker::State {
     return groups;
   }
 
+  Groups lintsOf(const std::vector<std::string>& files) const {
+    std::string key = hash + " lints";
+    for (const std::string& file : files) key.append(" ").append(file);
+    if (const auto known = options.cache->impl().findLibrary(key)) return *known;
+    Groups groups = groupsOf(lintLibraries(*loaded, withIncludes(files)));
+    options.cache->impl().keepLibrary(key, std::make_shared<const Groups>(groups));
+    return groups;
+  }
+
+  /// The library files and the include files in their folders.
+  std::vector<std::string> withIncludes(std::vector<std::string> files) const {
+    std::set<std::filesystem::path> folders;
+    for (const std::string& file : files) folders.insert(std::filesystem::path(file).parent_path());
+    for (const auto& [name, include] : loaded->includeFiles().files()) {
+      if (folders.contains(std::filesystem::path(include.path).parent_path())) files.push_back(include.path);
+    }
+    return files;
+  }
+
   Groups problemsOf(const std::string& file) const {
     const auto found = problems.find(file);
     return found != problems.end() ? groupsOf(found->second) : Groups();
@@ -124,6 +145,13 @@ CheckResult resultOf(std::vector<Step>& steps, const CheckCounts& counts) {
 
 }  // namespace
 
+CheckResult withProblems(CheckResult result, std::span<const Diagnostic> problems) {
+  std::vector<FindingGroup> all = groupsOf(result.diagnostics);
+  std::vector<FindingGroup> more = groupsOf(problems);
+  std::move(more.begin(), more.end(), std::back_inserter(all));
+  return {sortedFindings(std::move(all)), result.counts};
+}
+
 Checker::Checker(CheckOptions options) : state_(std::make_unique<const State>(std::move(options))) {}
 Checker::Checker(Checker&& other) noexcept = default;
 Checker& Checker::operator=(Checker&& other) noexcept = default;
@@ -157,6 +185,16 @@ CheckResult Checker::check(const Files& files, std::size_t threads, const OnProg
   const State& state = *state_;
   std::vector<Step> steps;
   CheckCounts counts;
+  if (state.options.compiles && !hasCompilers()) {
+    const char* const text = "this sfg was built without compilers: no code was compiled";
+    steps.push_back({[text] {
+                       return groupsOf(
+                           std::vector{diagnose(Finding::notCompiled, Severity::note, {}, {}, text)});
+                     },
+                     {}});
+  }
+  if (!files.libraries.empty())
+    steps.push_back({[&state, &files] { return state.lintsOf(files.libraries); }, {}});
   for (const std::string& file : files.libraries) {
     steps.push_back({[&state, file] { return state.problemsOf(file); }, {}});
     for (const WString& name : state.fragmentsOf(file)) {

@@ -1,10 +1,16 @@
 #include "host/check/graph_check.h"
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 
-#include "host/documents/diagnostic_kinds.h"
+#include "host/documents/diagnose.h"
+#include "host/documents/document_reader.h"
 #include "host/documents/graph_document.h"
+#include "host/documents/shader_names.h"
 #include "host/documents/shading_environment.h"
+#include "host/job/collapse_job.h"
+#include "host/lints/lints.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -69,7 +75,8 @@ Environment lightsFor(const GraphNature& nature, const ProbeMaker& probes) {
   Environment environment;
   for (const std::string& profile : nature.lightProfiles) {
     const std::string light = probes.lightOf(profile);
-    if (!light.empty()) environment.lights.push_back({"light for " + profile, light, profile});
+    if (!light.empty())
+      environment.lights.push_back({"checked" + std::to_string(environment.lights.size()), light, profile});
   }
   return environment;
 }
@@ -94,50 +101,69 @@ void append(std::vector<FindingGroup>& groups, std::vector<FindingGroup> more) {
   std::move(more.begin(), more.end(), std::back_inserter(groups));
 }
 
+/// A light's name becomes part of names in the code.
+std::vector<FindingGroup> findBadNames(const ShadingEnvironment& scene, const Document& environment) {
+  std::vector<FindingGroup> groups;
+  for (const ShadingEnvironment::Light& light : scene.lights()) {
+    const std::string fault = nameFault("light_" + toUtf8(light.name), false);
+    if (fault.empty()) continue;
+    groups.push_back({diagnose(Finding::badName, Severity::error, environment.name(), light.position,
+                               "the name of the light " + inTicks(light.name) +
+                                   " goes into names of the code, which hold letters, digits and `_` only"),
+                      {}});
+  }
+  return groups;
+}
+
 std::vector<FindingGroup> refusalOf(const InputError& error) {
   std::vector<FindingGroup> groups = groupsOf(error.related());
   append(groups, groupsOf(std::vector<Diagnostic>{error.diagnostic()}));
   return groups;
 }
 
-/// A lit node, and outputs for the inputs of an output fragment: the first of floats is what is lit.
-Graph litGraphFor(const IShaderFragment* outputFragment) {
-  Graph graph;
-  const auto addLit = [&](std::size_t components, const std::string& output) {
-    graph.nodes.push_back({"lit", litFragment(components), {}, std::nullopt});
-    Parameter parameter;
-    parameter.name = output;
-    parameter.type = components == 1 ? "float" : "float" + std::to_string(components);
-    graph.outputs.push_back({parameter, NodeOutput{"lit", "result"}});
-  };
-  if (outputFragment == nullptr) {
-    addLit(4, "checkedResult");
-    return graph;
-  }
-  bool isLit = false;
-  for (std::size_t i = 0; i < outputFragment->getNumInputs(); ++i) {
-    const AParameter& input = *outputFragment->getInput(i);
-    const std::string name = "checkedResult" + std::to_string(i);
-    const TypeID& type = input.getType();
-    const TypeID floats[] = {TypeID_float, TypeID_fvec2, TypeID_fvec3, TypeID_fvec4};
-    const auto* const found = std::find(std::begin(floats), std::end(floats), type);
-    if (!isLit && found != std::end(floats)) {
-      isLit = true;
-      addLit(static_cast<std::size_t>(found - std::begin(floats)) + 1, name);
-      continue;
+/// A graph for an environment: a lit node, unless there is no light, and an output for each input of the
+/// output fragment.
+class EnvironmentGraph {
+public:
+  explicit EnvironmentGraph(const ShadingEnvironment& environment)
+      : mayBeLit_(environment.getNumLights() > 0) {
+    if (const IShaderFragment* const taker = environment.getOutputFragment()) {
+      for (std::size_t i = 0; i < taker->getNumInputs(); ++i) addOutput(*taker->getInput(i));
     }
+    if (graph_.outputs.empty()) addOutput(*makeRef<AParameter>(TypeID_fvec4, WString()));
+  }
+
+  Graph take() { return std::move(graph_); }
+
+private:
+  void addOutput(const AParameter& taker) {
+    constexpr TypeID kFloats[] = {TypeID_float, TypeID_fvec2, TypeID_fvec3, TypeID_fvec4};
     Parameter value;
     value.name = "value";
-    value.type = type == TypeID_struct ? "struct" : toUtf8(type.toString());
-    value.structName = toUtf8(input.getStructName());
-    graph.nodes.push_back({"node" + std::to_string(i), kPassFragment, {}, NodeInterface{{value}, {value}}});
+    value.type = taker.getType() == TypeID_struct ? "struct" : toUtf8(taker.getType().toString());
+    value.structName = toUtf8(taker.getStructName());
     Parameter output = value;
-    output.name = name;
-    graph.outputs.push_back({output, NodeOutput{graph.nodes.back().name, "value"}});
+    output.name = "checkedResult" + std::to_string(graph_.outputs.size());
+    Node node;
+    node.name = "node" + std::to_string(graph_.nodes.size());
+    NodeOutput source{node.name, "value"};
+    const auto* const found = std::find(std::begin(kFloats), std::end(kFloats), taker.getType());
+    if (mayBeLit_ && found != std::end(kFloats)) {
+      // One is enough, and lit nodes may not be several of one result.
+      mayBeLit_ = false;
+      node.fragment = litFragment(static_cast<std::size_t>(found - std::begin(kFloats)) + 1);
+      source.output = "result";
+    } else {
+      node.fragment = kPassFragment;
+      node.ports = NodeInterface{{value}, {value}};
+    }
+    graph_.nodes.push_back(std::move(node));
+    graph_.outputs.push_back({std::move(output), std::move(source)});
   }
-  if (graph.outputs.empty()) addLit(4, "checkedResult");
-  return graph;
-}
+
+  bool mayBeLit_;
+  Graph graph_;
+};
 
 }  // namespace
 
@@ -167,6 +193,7 @@ std::vector<FindingGroup> checkGraph(const CheckTools& tools, const ProbeMaker& 
       if (group.finding.severity == Severity::error) groups.push_back(std::move(group));
   }
   dropMadeUp(groups, graph.name());
+  append(groups, std::move(lints));
   return groups;
 }
 
@@ -178,9 +205,10 @@ std::vector<FindingGroup> checkEnvironment(const CheckTools& tools, const Docume
   } catch (const InputError& error) {
     return refusalOf(error);
   }
+  if (std::vector<FindingGroup> bad = findBadNames(*scene, environment); !bad.empty()) return bad;
   CollapseOptions options;
   options.tool = CollapseTool::lightLoop;
-  const Graph graph = litGraphFor(scene->getOutputFragment());
+  const Graph graph = EnvironmentGraph(*scene).take();
   std::vector<FindingGroup> groups =
       findInJob(tools, Document::from(graph, kMadeUpGraph), options, environment);
   std::erase_if(groups, [](const FindingGroup& group) {

@@ -68,6 +68,17 @@ enum class Finding {
   nameInsideName,
   repeatedStatement,
   idlePostprocess,
+  // Lints
+  unassignedOutput,
+  unreadInput,
+  unusedUniform,
+  twoStructures,
+  unusedInclude,
+  unreachableProfile,
+  repeatedLevel,
+  interfaceMismatch,
+  unusedGraphInput,
+  unusedNode,
   // Complete shaders and compilers
   incompleteShader,
   compileError,

@@ -173,6 +173,15 @@ void LoadedLibraries::addOwnFragments(std::string_view library) {
   library_.loadText(L"own.fraglib", fromUtf8(library), loading);
 }
 
+std::shared_ptr<const void>
+LoadedLibraries::derived(const std::string& file,
+                         const std::function<std::shared_ptr<const void>()>& make) const {
+  const std::lock_guard<std::mutex> lock(derivedMutex_);
+  const auto known = derived_.find(file);
+  if (known != derived_.end()) return known->second;
+  return derived_.emplace(file, make()).first->second;
+}
+
 UnknownName LoadedLibraries::whyUnknown(std::string_view name) const {
   const auto failure = failures_.find(fromUtf8(name));
   if (failure != failures_.end()) {

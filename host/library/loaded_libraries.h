@@ -2,7 +2,10 @@
 
 // What a library set holds.
 
+#include <functional>
 #include <map>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,6 +60,11 @@ public:
   /// As they were given.
   const std::vector<std::string>& includeFolders() const noexcept { return includeFolders_; }
 
+  /// What somebody makes of a library file's text and keeps here for others; made once, when it is asked for
+  /// first. One kind of thing only.
+  std::shared_ptr<const void> derived(const std::string& file,
+                                      const std::function<std::shared_ptr<const void>()>& make) const;
+
 private:
   void loadIncludes();
   void keepIncludes(const WString& folder);
@@ -74,6 +82,8 @@ private:
   Map<WString, Diagnostic> failures_;
   bool lacksFile_ = false;
   std::vector<std::string> includeFolders_;
+  mutable std::mutex derivedMutex_;
+  mutable std::map<std::string, std::shared_ptr<const void>> derived_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -16,17 +16,6 @@ struct FragmentCodes::File {
 
 namespace {
 
-/// The objects that a fragment's profiles are loaded from, in order.
-const IObjectDataNode* profileObject(const IObjectDataNode& fragment, std::size_t index) {
-  std::vector<const IObjectDataNode*> profiles;
-  if (const IObjectDataNode* const list = fragment.member(L"profiles")) {
-    for (std::size_t i = 0; i < list->size(); ++i)
-      if (const IObjectDataNode* const profile = list->element(i)) profiles.push_back(profile);
-  }
-  if (profiles.empty()) profiles.push_back(&fragment);
-  return index < profiles.size() ? profiles[index] : nullptr;
-}
-
 void addLine(FragmentCode& code, const IObjectDataNode& line) {
   code.starts.push_back(code.text.size());
   code.literals.push_back(line.position());
@@ -35,6 +24,34 @@ void addLine(FragmentCode& code, const IObjectDataNode& line) {
 }
 
 }  // namespace
+
+std::vector<const IObjectDataNode*> profileObjects(const IObjectDataNode& fragment) {
+  std::vector<const IObjectDataNode*> profiles;
+  if (const IObjectDataNode* const list = fragment.member(L"profiles")) {
+    for (std::size_t i = 0; i < list->size(); ++i)
+      if (const IObjectDataNode* const profile = list->element(i)) profiles.push_back(profile);
+  }
+  if (profiles.empty()) profiles.push_back(&fragment);
+  return profiles;
+}
+
+std::unique_ptr<FragmentCode> readCode(const IObjectDataNode& fragment, const IObjectDataNode& profile,
+                                       CodePart part, const std::string& file, const JsonPlaces& places) {
+  const IObjectDataNode* const lines =
+      profile.member(part == CodePart::predefine ? L"predefine" : L"implementation");
+  if (lines == nullptr) return nullptr;
+
+  auto code = std::make_unique<FragmentCode>();
+  code->file = &file;
+  code->places = &places;
+  code->profile = profile.position();
+  code->fragment = fragment.position();
+  if (lines->kind() == NodeKind::string) addLine(*code, *lines);
+  for (std::size_t i = 0; i < lines->size(); ++i)
+    if (const IObjectDataNode* const line = lines->element(i)) addLine(*code, *line);
+  code->tokens = tokensOf(code->text);
+  return code;
+}
 
 TextPosition FragmentCode::placeOf(std::size_t offset) const {
   const auto next = std::upper_bound(starts.begin(), starts.end(), offset);
@@ -47,8 +64,12 @@ const FragmentCodes::File* FragmentCodes::fileOf(const std::string& name) {
   const auto found = files_.find(name);
   if (found != files_.end()) return found->second.get();
   const std::string* const text = libraries_.texts().find(name);
-  return files_.emplace(name, text != nullptr ? std::make_shared<const File>(*text) : nullptr)
-      .first->second.get();
+  std::shared_ptr<const File> file;
+  if (text != nullptr) {
+    file = std::static_pointer_cast<const File>(
+        libraries_.derived(name, [text] { return std::make_shared<const File>(*text); }));
+  }
+  return files_.emplace(name, std::move(file)).first->second.get();
 }
 
 const FragmentCode* FragmentCodes::find(const WString& fragment, std::size_t index, CodePart part) {
@@ -61,22 +82,10 @@ std::unique_ptr<FragmentCode> FragmentCodes::read(const WString& fragment, std::
   const FragmentFiles::Entry* const entry = libraries_.files().find(fragment);
   const File* const file = entry != nullptr ? fileOf(entry->file) : nullptr;
   const IObjectDataNode* const object = file != nullptr ? file->document->member(fragment) : nullptr;
-  const IObjectDataNode* const profile = object != nullptr ? profileObject(*object, index) : nullptr;
-  if (profile == nullptr) return nullptr;
-  const IObjectDataNode* const lines =
-      profile->member(part == CodePart::predefine ? L"predefine" : L"implementation");
-  if (lines == nullptr) return nullptr;
-
-  auto code = std::make_unique<FragmentCode>();
-  code->file = &entry->file;
-  code->places = &file->places;
-  code->profile = profile->position();
-  code->fragment = object->position();
-  if (lines->kind() == NodeKind::string) addLine(*code, *lines);
-  for (std::size_t i = 0; i < lines->size(); ++i)
-    if (const IObjectDataNode* const line = lines->element(i)) addLine(*code, *line);
-  code->tokens = tokensOf(code->text);
-  return code;
+  if (object == nullptr) return nullptr;
+  const std::vector<const IObjectDataNode*> profiles = profileObjects(*object);
+  if (index >= profiles.size()) return nullptr;
+  return readCode(*object, *profiles[index], part, entry->file, file->places);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

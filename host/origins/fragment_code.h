@@ -33,7 +33,14 @@ struct FragmentCode {
   TextPosition placeOf(std::size_t offset) const;
 };
 
-/// Reads the kept texts of library files again, each once, when it is asked for. Used by one thread.
+/// The objects that a fragment's profiles are loaded from, in order.
+std::vector<const IObjectDataNode*> profileObjects(const IObjectDataNode& fragment);
+
+/// The code of a profile's object, and its file's name and places, which live longer; null without that part.
+std::unique_ptr<FragmentCode> readCode(const IObjectDataNode& fragment, const IObjectDataNode& profile,
+                                       CodePart part, const std::string& file, const JsonPlaces& places);
+
+/// Reads the kept texts of library files again, each once for all that ask. Used by one thread.
 class FragmentCodes {
 public:
   explicit FragmentCodes(const LoadedLibraries& libraries) : libraries_(libraries) {}

@@ -124,7 +124,7 @@ SFG_HOST_API std::optional<DocumentKind> documentKindOf(const Document& document
 /// What lies at some paths.
 struct CheckPaths {
   Checker::Files files;
-  LibraryFolders folders;  ///< of the library and include files that were found
+  LibraryFolders folders;  ///< of the libraries that were found, and of include files beside them
   /// What is named like a document and cannot be one: a link to nothing, a device, a file that cannot be
   /// read, a file that is named and is of no kind.
   std::vector<Diagnostic> problems;
@@ -132,6 +132,9 @@ struct CheckPaths {
 /// Files are taken as they are, folders with all that lies in them, in the order of paths. Links to folders
 /// are not followed. Throws InputError for a path that does not exist.
 SFG_HOST_API CheckPaths findCheckPaths(std::span<const std::string> paths);
+
+/// The result with these findings at their places among the others.
+SFG_HOST_API CheckResult withProblems(CheckResult result, std::span<const Diagnostic> problems);
 
 /// The result as JSON: documented in docs/manual.md.
 SFG_HOST_API std::string toJson(const CheckResult& result);

@@ -1,0 +1,12 @@
+#pragma once
+
+// Inputs and uniforms that no code uses.
+
+#include "host/lints/lint_list.h"
+
+namespace TolmSDK::Graphics::sfg::host {
+
+void lintInputs(const LintedFile& file, const LintedFragment& fragment, LintList& lints);
+void lintUniforms(const LintedFile& file, const LintedFragment& fragment, LintList& lints);
+
+}  // namespace TolmSDK::Graphics::sfg::host
