@@ -6,7 +6,7 @@ namespace TolmSDK::Graphics::sfg::tools::lsp {
 
 void Inbox::put(Message message) {
   if (message.method != "$/cancelRequest") return add(std::move(message));
-  const Json id = memberOf(message.params, "id");
+  const Json& id = memberOf(message.params, "id");
   const std::lock_guard lock(mutex_);
   for (Event& event : events_) {
     auto* const waiting = std::get_if<Message>(&event);

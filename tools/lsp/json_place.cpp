@@ -60,7 +60,8 @@ JsonPlace findLiteral(const JsonScan& scan, std::size_t offset, Test&& test) {
 
 JsonPath pathOf(const JsonScan& scan, std::uint32_t item) {
   JsonPath path;
-  for (; item != JsonScan::kNone && scan[item].parent != JsonScan::kNone; item = scan[item].parent)
+  for (; item != JsonScan::kNone && scan[item].parent != JsonScan::kNone && path.size() <= kLongestPath;
+       item = scan[item].parent)
     path.push_back(scan[item].hasKey() ? scan.keyOf(item) : "*");
   std::reverse(path.begin(), path.end());
   return path;

@@ -14,6 +14,9 @@ namespace TolmSDK::Graphics::sfg::tools::lsp {
 /// Members by name, elements as "*": from the root to a value.
 using JsonPath = std::vector<std::string>;
 
+/// What lies deeper has a path of one step more, which is that of nothing.
+inline constexpr std::size_t kLongestPath = 64;
+
 /// Of an item, itself included.
 JsonPath pathOf(const JsonScan& scan, std::uint32_t item);
 /// "nodes/*/name": "*" stands for any step.

@@ -87,7 +87,7 @@ local function work()
   place("blend")
   vim.lsp.buf.definition()
   wait("the definition", function() return vim.api.nvim_get_current_buf() ~= graph end)
-  say("definition", vim.fn.expand("%:t"), vim.fn.line("."), vim.fn.expand("<cword>"))
+  say("definition", vim.fn.expand("%:t"), vim.fn.line("."), vim.fn.expand("<cword>"), vim.bo.filetype)
 end
 
 vim.defer_fn(function()
@@ -136,7 +136,7 @@ TEST_F(NeovimTest, WorksOnAGraph) {
             "hover Squares of 0 and 1.\n"
             "completion blend(float3 a, float3 b, float amount) -> float3 result "
             "checker(float2 uv) -> float result\n"
-            "definition first.fraglib 8 blend\n"
+            "definition first.fraglib 8 blend json\n"
             "done\n")
       << read("out");
   std::string expected = kGraph;

@@ -21,9 +21,6 @@ Subject findRenamed(const View& view, Position position) {
   return subject;
 }
 
-/// In front of a value of a graph there are at most this many steps to what may be named.
-constexpr std::size_t kLongestPath = 5;
-
 /// Calls `use(role, item)` for each text that names a node or graph input.
 template <class Use>
 void forEachName(const View& view, Use&& use) {
@@ -33,10 +30,6 @@ void forEachName(const View& view, Use&& use) {
     if (scan[i].kind != JsonScan::Kind::string || !scan[i].hasKey()) continue;
     const std::string key = scan.keyOf(i);
     if (key != "name" && key != "node" && key != "graphInput") continue;
-    std::size_t depth = 0;
-    for (std::uint32_t up = i; up != JsonScan::kNone && depth <= kLongestPath + 1; up = scan[up].parent)
-      ++depth;
-    if (depth > kLongestPath + 1) continue;
     use(roleOf(view.kind, false, pathOf(scan, i)), i);
   }
 }

@@ -68,6 +68,11 @@ bool flagOf(const Json& object, const char* key) {
   return member.is_boolean() && member.get<bool>();
 }
 
+const Json& elementsOf(const Json& value) {
+  static const Json kEmpty = Json::array();
+  return value.is_array() ? value : kEmpty;
+}
+
 const std::string& requiredString(const Json& object, const char* key) {
   const Json& member = memberOf(object, key);
   if (!member.is_string()) {

@@ -60,6 +60,9 @@ std::string textOf(const Json& message);
 const Json& memberOf(const Json& object, const char* key);
 std::string stringOf(const Json& object, const char* key, const std::string& otherwise = {});
 bool flagOf(const Json& object, const char* key);
+/// The value itself when it is an array, else an empty one. Never a copy: that of a value that is nested
+/// deeply would take stack in proportion.
+const Json& elementsOf(const Json& value);
 /// The same along several keys.
 template <class... Keys>
 const Json& memberOf(const Json& object, const char* key, const char* next, Keys... rest) {

@@ -34,6 +34,16 @@ TEST(RpcTest, RefusesWhatIsNoMessage) {
   EXPECT_EQ(parsed(std::string(1000000, '[') + std::string(1000000, ']')), "-32600");
 }
 
+TEST(RpcTest, ReadsMembersOfAnything) {
+  const Json object = {{"a", {{"b", true}}}, {"c", "x"}};
+  EXPECT_EQ(memberOf(object, "a", "b"), true);
+  EXPECT_TRUE(memberOf(object, "c", "b").is_null());
+  EXPECT_TRUE(flagOf(memberOf(object, "a"), "b"));
+  EXPECT_EQ(stringOf(object, "a", "none"), "none");
+  EXPECT_EQ(elementsOf(object).size(), 0u);
+  EXPECT_THROW(requiredString(object, "a"), RequestError);
+}
+
 TEST(RpcTest, WritesMessages) {
   EXPECT_EQ(textOf(makeResponse(1, nullptr)), R"({"id":1,"jsonrpc":"2.0","result":null})");
   EXPECT_EQ(textOf(makeError(nullptr, ErrorCode::parseError, "no")),

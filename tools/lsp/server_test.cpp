@@ -67,6 +67,23 @@ TEST(ServerTest, AnswersWhatIsMalformed) {
                 error(-32700, "a message of 99999999999 bytes; at most 67108864 are read")}));
 }
 
+TEST(ServerTest, TakesNoStackForDepth) {
+  const std::string deep = std::string(200000, '[') + std::string(200000, ']');
+  std::string bytes;
+  for (
+      const std::string& message :
+      {R"({"id":1,"method":"initialize","params":{"workspaceFolders":)" + deep +
+           R"(,"capabilities":{"general":{"positionEncodings":)" + deep + R"(}},"initializationOptions":)" +
+           deep + "}}",
+       R"({"method":"$/cancelRequest","params":{"id":)" + deep + "}}",
+       R"({"method":"textDocument/didOpen","params":{"textDocument":{"uri":"file:///a.json","text":")" +
+           deep + R"("}}})",
+       R"({"id":2,"method":"textDocument/hover","params":{"textDocument":{"uri":"file:///a.json"},"position":)"
+       R"({"line":0,"character":200000}}})"})
+    bytes += framed(message);
+  EXPECT_EQ(talk(bytes).answers.size(), 2u);
+}
+
 TEST(ServerTest, ClosesWhileADocumentWaitsForItsCheck) {
   const Json text = {{"uri", "file:///nowhere/graph.json"},
                      {"languageId", "json"},

@@ -24,7 +24,7 @@ constexpr int kErrorMessage = 1;
 
 /// The first of the editor's encodings that is one of ours.
 Encoding chooseEncoding(const Json& offered) {
-  for (const Json& name : offered.is_array() ? offered : Json::array()) {
+  for (const Json& name : elementsOf(offered)) {
     if (name == "utf-8") return Encoding::utf8;
     if (name == "utf-16") return Encoding::utf16;
     if (name == "utf-32") return Encoding::utf32;
@@ -51,8 +51,7 @@ void addPath(std::vector<fs::path>& paths, const Json& uri) {
 
 std::vector<fs::path> rootsOf(const Json& params) {
   std::vector<fs::path> roots;
-  const Json& folders = memberOf(params, "workspaceFolders");
-  for (const Json& folder : folders.is_array() ? folders : Json::array())
+  for (const Json& folder : elementsOf(memberOf(params, "workspaceFolders")))
     addPath(roots, memberOf(folder, "uri"));
   if (roots.empty()) addPath(roots, memberOf(params, "rootUri"));
   return roots;
@@ -126,6 +125,8 @@ void Session::note(const Message& message) {
     (this->*method->second)(message.params);
   } catch (const RequestError&) {
     // Nobody waits for an answer, and nothing was changed.
+  } catch (const std::exception& error) {
+    log(error.what());
   }
 }
 
@@ -270,9 +271,7 @@ void Session::moveFolders(const Json& params) {
   const Json& event = memberOf(params, "event");
   const auto pathsOf = [&](const char* list) {
     std::vector<fs::path> paths;
-    const Json& folders = memberOf(event, list);
-    for (const Json& folder : folders.is_array() ? folders : Json::array())
-      addPath(paths, memberOf(folder, "uri"));
+    for (const Json& folder : elementsOf(memberOf(event, list))) addPath(paths, memberOf(folder, "uri"));
     return paths;
   };
   for (const fs::path& gone : pathsOf("removed")) std::erase(roots, gone);
@@ -328,7 +327,12 @@ void Session::startCheck() {
   waiting_.erase(waiting_.begin());
   const auto document = documents_.find(uri);
   if (document == documents_.end()) return;
-  auto check = makeCheck(document->second, workspace_);
+  std::function<std::vector<host::Diagnostic>()> check;
+  try {
+    check = makeCheck(document->second, workspace_);
+  } catch (const std::exception& error) {
+    return log(error.what());
+  }
   showProblem();
   if (!check) {
     tell(document->second, {});
@@ -343,11 +347,7 @@ void Session::take(const CheckResult& result) {
   const auto document = documents_.find(result.uri);
   // A later text waits for its own check.
   if (document == documents_.end() || document->second.version() != result.version) return;
-  if (!result.failure.empty()) {
-    send_(makeNotification("window/logMessage",
-                           Json::object({{"type", kErrorMessage}, {"message", result.failure}})));
-    return;
-  }
+  if (!result.failure.empty()) return log(result.failure);
   tell(document->second, result.diagnostics);
 }
 
@@ -410,6 +410,10 @@ void Session::publish(const std::string& uri) {
   if (const auto document = documents_.find(uri); document != documents_.end())
     params["version"] = document->second.version();
   send_(makeNotification("textDocument/publishDiagnostics", std::move(params)));
+}
+
+void Session::log(const std::string& text) {
+  send_(makeNotification("window/logMessage", Json::object({{"type", kErrorMessage}, {"message", text}})));
 }
 
 /// That a folder is not there is said once.

@@ -85,6 +85,7 @@ private:
   void tellElsewhere(const std::string& owner, std::map<std::string, std::vector<ToldFinding>> found);
   void publish(const std::string& uri);
   void showProblem();
+  void log(const std::string& text);
 
   Settings settings_;
   Send send_;
