@@ -42,6 +42,7 @@ std::unique_ptr<Command> makeReferenceCommand(CLI::App& parent);
 std::unique_ptr<Command> makeSchemaCommand(CLI::App& parent);
 std::unique_ptr<Command> makeListCommand(CLI::App& parent);
 std::unique_ptr<Command> makeDumpCommand(CLI::App& parent);
+std::unique_ptr<Command> makeLspCommand(CLI::App& parent);
 std::unique_ptr<Command> makeNewCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCompletionCommand(CLI::App& parent);
 std::unique_ptr<Command> makeManualCommand(CLI::App& parent);

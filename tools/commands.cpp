@@ -13,6 +13,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& parent) {
   commands.push_back(makeReferenceCommand(parent));
   commands.push_back(makeListCommand(parent));
   commands.push_back(makeDumpCommand(parent));
+  commands.push_back(makeLspCommand(parent));
   commands.push_back(makeNewCommand(parent));
   commands.push_back(makeCompletionCommand(parent));
   commands.push_back(makeManualCommand(parent));

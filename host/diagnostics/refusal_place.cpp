@@ -28,7 +28,8 @@ public:
         }
         return at(unknown.kind, node.position(),
                   named(node) + " uses the fragment " + inTicks(node.fragmentName()) +
-                      ", which no library has" + unknown.hint);
+                      ", which no library has" + unknown.hint,
+                  unknown.meant);
       }
     }
     return std::nullopt;
@@ -176,8 +177,9 @@ private:
   static std::string name(const AParameter* parameter) { return inTicks(parameter->getName()); }
 
   Diagnostic atFile(Finding kind, const std::string& text) const { return at(kind, TextPosition(), text); }
-  Diagnostic at(Finding kind, TextPosition position, const std::string& text) const {
-    return diagnose(kind, Severity::note, document_.file(), position, text);
+  Diagnostic at(Finding kind, TextPosition position, const std::string& text,
+                const std::string& meant = {}) const {
+    return diagnose(kind, Severity::note, document_.file(), position, text, meant);
   }
   Diagnostic atLight(Finding kind, const ShadingEnvironment::Light& light, const std::string& text) const {
     return diagnose(kind, Severity::note, job_.environment().file(), light.position, text);

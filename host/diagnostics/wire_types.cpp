@@ -206,7 +206,8 @@ public:
         errors.push_back(diagnose(Finding::unknownPortType, severity, entry->file, place.position,
                                   "fragment " + inTicks(name) + ": the type " + inTicks(type) + " of " +
                                       inTicks(place.parameter) + " is none of the language, and nothing " +
-                                      "declares it as a structure" + didYouMean(meantType(type))));
+                                      "declares it as a structure" + didYouMean(meantType(type)),
+                                  std::string(meantType(type))));
       }
     }
     return errors;

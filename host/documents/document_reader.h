@@ -44,12 +44,14 @@ public:
   /// Warnings of what was found.
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
 
-  /// Where a key is missing, a mistyped one that is near is refused in its stead.
-  [[noreturn]] void refuse(Finding kind, const IObjectDataNode& at, const std::string& reason) const;
+  /// Where a key is missing, a mistyped one that is near is refused in its stead. `suggestion`: what was
+  /// meant in place of the text there.
+  [[noreturn]] void refuse(Finding kind, const IObjectDataNode& at, const std::string& reason,
+                           std::string_view suggestion = {}) const;
 
   /// At the key of the member.
   [[noreturn]] void refuseMember(Finding kind, const IObjectDataNode& object, std::size_t index,
-                                 const std::string& reason) const;
+                                 const std::string& reason, std::string_view suggestion = {}) const;
 
   /// A non-empty string.
   WString requiredName(const IObjectDataNode& object, std::wstring_view key) const;

@@ -220,7 +220,8 @@ private:
     if (port == kNotFound) {
       reader_.refuseMember(Finding::unknownPort, inputs, index,
                            "node " + inTicks(node.name_) + " has no input " + inTicks(name) +
-                               listed("its inputs are", node.inputs(), toUtf8(name)));
+                               listed("its inputs are", node.inputs(), toUtf8(name)),
+                           nearestPort(toUtf8(name), node.inputs()));
     }
     if (source == L"node") {
       node.wire(port) = readSource(object);
@@ -262,7 +263,7 @@ private:
     const auto found = nodes_.find(name);
     if (found == nodes_.end()) {
       reader_.refuse(Finding::unknownNode, *object.member(L"node"),
-                     "unknown node " + inTicks(name) + didYouMean(nearestNode(name)));
+                     "unknown node " + inTicks(name) + didYouMean(nearestNode(name)), nearestNode(name));
     }
     wire.source = found->second;
     const GraphNode::Type& type = *wire.source->type_;
@@ -270,7 +271,8 @@ private:
     if (wire.output < type.outputs.size() || !type.knowsPorts) return wire;
     const std::string wanted = output.empty() ? std::string("no outputs") : "no output " + inTicks(output);
     reader_.refuse(Finding::unknownPort, output.empty() ? object : *object.member(L"output"),
-                   "node " + inTicks(name) + " has " + wanted + outputsHint(*wire.source, output));
+                   "node " + inTicks(name) + " has " + wanted + outputsHint(*wire.source, output),
+                   nearestPort(output, type.outputs));
   }
 
   std::size_t readGraphInput(const IObjectDataNode& object) {
@@ -279,7 +281,8 @@ private:
     if (found == graphInputs_.end()) {
       reader_.refuse(Finding::unknownGraphInput, *object.member(L"graphInput"),
                      "unknown graph input " + inTicks(name) +
-                         listed("the graph inputs are", document_->inputs_, toUtf8(name)));
+                         listed("the graph inputs are", document_->inputs_, toUtf8(name)),
+                     nearestPort(toUtf8(name), document_->inputs_));
     }
     return found->second;
   }
@@ -298,12 +301,18 @@ private:
     return listed("its outputs are", node.type_->outputs, wanted);
   }
 
+  static std::string nearestPort(std::string_view wanted, const GraphNode::Ports& ports) {
+    std::vector<std::string> names;
+    for (const RefPtr<AParameter const>& port : ports) names.push_back(toUtf8(port->getName()));
+    return std::string(nearestName(wanted, names));
+  }
+
   /// What was meant, and what there is.
   static std::string listed(const std::string& intro, const GraphNode::Ports& ports,
                             std::string_view wanted) {
     std::vector<std::string> names;
     for (const RefPtr<AParameter const>& port : ports) names.push_back(toUtf8(port->getName()));
-    const std::string hint = didYouMean(nearestName(wanted, names));
+    const std::string hint = didYouMean(nearestPort(wanted, ports));
     std::string text = hint.empty() ? "; " + intro : hint + " " + upperFirst(intro);
     if (names.empty()) return text + " none";
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -325,7 +334,7 @@ private:
       link.fragment = language_.findFragment(link.name);
       if (!link.fragment) {
         const UnknownName unknown = unknownFragment(whyUnknown_, toUtf8(link.name));
-        reader_.refuse(unknown.kind, at, unknown.text + unknown.hint);
+        reader_.refuse(unknown.kind, at, unknown.text + unknown.hint, unknown.meant);
       }
       chain.push_back(link);
     }

@@ -19,7 +19,7 @@ const IShaderFragment& requireFragment(const DocumentReader& reader, const IObje
   const IShaderFragment* const fragment = language.findFragment(name);
   if (fragment == nullptr) {
     const UnknownName unknown = unknownFragment(whyUnknown, toUtf8(name));
-    reader.refuse(unknown.kind, at, unknown.text + unknown.hint);
+    reader.refuse(unknown.kind, at, unknown.text + unknown.hint, unknown.meant);
   }
   return *fragment;
 }

@@ -195,7 +195,7 @@ UnknownName LoadedLibraries::whyUnknown(std::string_view name) const {
   for (const auto& [known, entry] : files_.entries()) search.offer(names.emplace_back(toUtf8(known)));
   std::string hint = didYouMean(search.nearest());
   if (hint.empty() && lacksFile_) hint = "; not all libraries could be read";
-  return {Finding::unknownFragment, "unknown fragment " + inTicks(name), hint};
+  return {Finding::unknownFragment, "unknown fragment " + inTicks(name), hint, std::string(search.nearest())};
 }
 
 std::string LoadedLibraries::includeFile(const WString& name) const {

@@ -251,8 +251,9 @@ TEST_F(JobTest, ExplainsWhatACompilerRefuses) {
   } catch (const CompileError& error) {
     const std::vector<Diagnostic> told = job.explain(shader, error);
     ASSERT_EQ(told.size(), 2u);
-    EXPECT_EQ(told[0], (Diagnostic{Severity::error, (folder_ / "tone.h").string(), 3, 10,
-                                   "`colour` is not declared; did you mean `color`?", "compile-error"}));
+    EXPECT_EQ(told[0],
+              (Diagnostic{Severity::error, (folder_ / "tone.h").string(), 3, 10,
+                          "`colour` is not declared; did you mean `color`?", "compile-error", "color"}));
     EXPECT_EQ(told[1], (Diagnostic{Severity::note, "generated", 5, 10,
                                    "the compiler says \"'colour' : unknown variable\" of the line `return "
                                    "colour;`",

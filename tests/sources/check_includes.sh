@@ -45,7 +45,10 @@ for room in documents library job shader modules origins diagnostics lints drawi
     modules) allow host/modules "$rooms|glslang|spirv-tools|spirv_cross_c.h" ;;
   esac
 done
+other='tools/lsp/'
 allow tools "sfg|tolmsdk|tools|CLI|unistd.h"
+other=
+allow tools/lsp "sfg|tolmsdk|tools|nlohmann"
 # To be copied: nothing of this project.
 allow render 'vulkan|png.h|renderer.h'
 

@@ -41,12 +41,15 @@ public:
   /// What was found in the same document before, and may be why. Lives as long as the error.
   std::span<const Diagnostic> related() const noexcept { return related_; }
   void setRelated(std::vector<Diagnostic> related) { related_ = std::move(related); }
+  /// What diagnostic() suggests.
+  void setSuggestion(std::string suggestion) { suggestion_ = std::move(suggestion); }
 
 private:
   std::string file_;
   TextPosition position_;
   std::string identifier_;
   std::vector<Diagnostic> related_;
+  std::string suggestion_;
 };
 
 /// A graph that cannot be collapsed. what() is the generator's message; the diagnostics begin with it and
