@@ -117,7 +117,7 @@ std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& opti
     tellFolders("include files", folders.includes, diagnostics);
   }
   auto libraries = host::LibrarySet::load(folders, options.language);
-  diagnostics.show(libraries->problems());
+  diagnostics.hold(libraries->problems());
   return libraries;
 }
 
@@ -222,7 +222,7 @@ void writeDepfile(const DepfileOptions& options, const std::string& output, cons
 }
 
 Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) {
-  diagnostics.show(job.problems());
+  diagnostics.hold(job.problems());
   if (const std::vector<host::Diagnostic> errors = job.errors(); completeShader && !errors.empty()) {
     diagnostics.show(errors);
     return Outcome::thrown;

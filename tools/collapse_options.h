@@ -58,8 +58,8 @@ struct LibraryOptions {
 };
 /// -L, -I, --language, --no-standard-library, -v and --diagnostics.
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options);
-/// The libraries, whose problems are written; the installed ones come first, so that others override them.
-/// Throws InputError.
+/// The libraries, whose problems are told with what follows; the installed ones come first, so that others
+/// override them. Throws InputError.
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
                                                       Diagnostics& diagnostics);
 
