@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/diagnostics/interface_check.h"
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
@@ -266,10 +267,18 @@ Fit fitOf(const AParameter& source, const AParameter& taker, bool isWritten) {
 std::vector<Diagnostic> findTypeErrors(const CollapseJob& job, Severity severity) {
   DeclarationCheck declarations(job);
   std::vector<Diagnostic> errors = declarations.run(severity);
+  Set<const AParameter*> mismatched;
+  for (MismatchedPort& found : findMismatchedPorts(job, severity)) {
+    mismatched.insert(found.port);
+    errors.push_back(std::move(found.told));
+  }
+  const auto isTold = [&](const AParameter& port) {
+    return declarations.isTold(port) || mismatched.contains(&port);
+  };
   TypeCheck check(job);
   check.forEachWire([&](const WireEnds& ends) {
     // A type that is told itself fits nothing.
-    if (declarations.isTold(*ends.source) || declarations.isTold(*ends.taker)) return;
+    if (isTold(*ends.source) || isTold(*ends.taker)) return;
     if (fitOf(*ends.source, *ends.taker, ends.isWritten) == Fit::not_)
       errors.push_back(check.describeError(ends, severity));
   });

@@ -94,6 +94,22 @@ void DocumentReader::refuse(Finding kind, const IObjectDataNode& at, const std::
   fail(placed(describe(*cause, Severity::error, file_)));
 }
 
+bool DocumentReader::isMistyped(const IObjectDataNode& object, std::string_view key) const {
+  return std::any_of(unknownKeys_.begin(), unknownKeys_.end(),
+                     [&](const UnknownKey& found) { return found.object == &object && found.meant == key; });
+}
+
+void DocumentReader::refuse(const UnknownName& unknown, const IObjectDataNode& at) const {
+  const Diagnostic told =
+      diagnose(unknown.kind, Severity::error, file_, positionOf(at), unknown.text + unknown.hint);
+  InputError error(told.file, positionOf(at), told.text, told.identifier);
+  error.setSuggestion(unknown.meant);
+  std::vector<Diagnostic> before = problems_;
+  if (unknown.cause) before.push_back(*unknown.cause);
+  error.setRelated(std::move(before));
+  throw error;
+}
+
 void DocumentReader::refuseMember(Finding kind, const IObjectDataNode& object, std::size_t index,
                                   const std::string& reason, std::string_view suggestion) const {
   fail(placed(

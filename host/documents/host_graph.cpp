@@ -156,7 +156,9 @@ private:
       link.fragment = language_.findFragment(link.name);
       if (!link.fragment) {
         const UnknownName unknown = unknownFragment(whyUnknown_, name);
-        refuse(unknown.kind, unknown.text + unknown.hint);
+        InputError error = inputError(unknown.kind, document_->file_, {}, unknown.text + unknown.hint);
+        if (unknown.cause) error.setRelated({*unknown.cause});
+        throw error;
       }
       chain.push_back(link);
     }

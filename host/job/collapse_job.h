@@ -48,6 +48,7 @@ public:
   const IShaderFragment* result() const noexcept { return result_.get(); }
 
 private:
+  void checkSettings() const;
   /// Of this job's libraries.
   WhyUnknown whyUnknown() const;
   void readEnvironment(const std::optional<Document>& environment);

@@ -168,8 +168,8 @@ void LibraryReport::tellProfile(const IObjectDataNode& profile) {
   const IObjectDataNode& first = *languages->elementOrNull(0);
   if (first.kind() != NodeKind::string) return;
   tell(Finding::unknownLanguage, Severity::warning, first.position(),
-       "the profile is for no language that is known: " + inTicks(first.asUtf8()) + "; known is " +
-           inTicks(known));
+       "the profile is for no language that is known: " + inTicks(first.asUtf8()) +
+           knownNameHint(first.asUtf8(), known));
 }
 
 void LibraryReport::tellIgnoredKeys(const IObjectDataNode& object) {
@@ -231,6 +231,8 @@ Diagnostic LibraryReport::describe(const FragmentLoadFailure& failure) {
     kind = Finding::notLoaded;
     const IObjectDataNode* const code = profile != nullptr ? profile->member(L"implementation") : nullptr;
     const IObjectDataNode* const line = code != nullptr ? code->elementOrNull(0) : nullptr;
+    if (code != nullptr && code->kind() == NodeKind::array && line == nullptr)
+      reason = "`implementation` is empty";
     position = line != nullptr      ? line->position()
                : code != nullptr    ? code->position()
                : profile != nullptr ? profile->position()

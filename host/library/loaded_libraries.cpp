@@ -50,10 +50,10 @@ void requireFolder(const std::string& folder) {
 }
 
 void requireLanguage(const std::string& language) {
-  const std::vector<std::string> known = {toUtf8(LanguageDx11::kName)};
-  if (language == known.front()) return;
+  const std::string known = toUtf8(LanguageDx11::kName);
+  if (language == known) return;
   throw inputError(Finding::unknownLanguage, std::string(), {},
-                   "unknown language " + inTicks(language) + "; known is " + inTicks(known.front()));
+                   "unknown language " + inTicks(language) + knownNameHint(language, known));
 }
 
 bool isLibraryName(const fs::path& file) {
@@ -187,7 +187,9 @@ UnknownName LoadedLibraries::whyUnknown(std::string_view name) const {
   if (failure != failures_.end()) {
     return {Finding::notLoaded,
             "the fragment " + inTicks(name) + " cannot be loaded: see " + failure->second.place(),
-            {}};
+            {},
+            {},
+            failure->second};
   }
   NearName search(name);
   std::vector<std::string> names;

@@ -2,6 +2,7 @@
 
 #include "host/diagnostics/compile_explanation.h"
 #include "host/diagnostics/refusal_place.h"
+#include "host/diagnostics/shader_arguments.h"
 #include "host/diagnostics/warnings.h"
 #include "host/diagnostics/wire_types.h"
 #include "host/documents/diagnose.h"
@@ -18,23 +19,32 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
+/// Whether the error is no more than where the graph was when it happened.
+bool isOnlyAPlace(const std::vector<Diagnostic>& found) {
+  return found.front().identifier == identifierOf(Finding::collapsePlace);
+}
+
+/// The generator's words stand behind the cause, where it is known.
 [[noreturn]] void throwRefused(const CollapseJob& job, const Exception& refusal) {
   const std::string message = toUtf8(refusal.getMessage());
-  Diagnostic place = findRefusalPlace(job, refusal.getMessage());
-  // What is wrong with the library is told among its problems; this follows from it.
-  if (place.identifier == identifierOf(Finding::notLoaded)) {
-    throw CollapseError(CollapseError::Reason::refused, message, {std::move(place)});
+  std::vector<Diagnostic> told = findRefusalPlace(job, refusal.getMessage());
+  if (isOnlyAPlace(told)) {
+    told.insert(told.begin(), diagnose(Finding::generator, Severity::message, std::string(), {}, message));
+  } else if (told.back().identifier != identifierOf(Finding::notLoaded)) {
+    const Diagnostic& last = told.back();
+    told.push_back(diagnose(Finding::generator, Severity::note, last.file, {last.line, last.column},
+                            "the generator says \"" + message + "\""));
   }
-  throw CollapseError(
-      CollapseError::Reason::refused, message,
-      {diagnose(Finding::generator, Severity::message, std::string(), {}, message), std::move(place)});
+  throw CollapseError(CollapseError::Reason::refused, message, std::move(told));
 }
 
 [[noreturn]] void throwNoResult(const CollapseJob& job) {
   const std::string reason = "the graph cannot be collapsed: an output cannot be evaluated";
-  throw CollapseError(CollapseError::Reason::noResult, reason,
-                      {diagnose(Finding::noResult, Severity::error, std::string(), {}, reason),
-                       findRefusalPlace(job, std::wstring_view())});
+  std::vector<Diagnostic> told = findRefusalPlace(job, std::wstring_view());
+  if (isOnlyAPlace(told)) {
+    told.insert(told.begin(), diagnose(Finding::noResult, Severity::error, std::string(), {}, reason));
+  }
+  throw CollapseError(CollapseError::Reason::noResult, reason, std::move(told));
 }
 
 Shader shaderOf(const AssembledShader& assembled, ShaderStage stage, NameStyle names) {
@@ -126,7 +136,12 @@ std::vector<Diagnostic> Job::problems() const {
   return problems;
 }
 
-std::vector<Diagnostic> Job::errors() const { return findTypeErrors(state_->job, Severity::error); }
+std::vector<Diagnostic> Job::errors() const {
+  std::vector<Diagnostic> errors = findTypeErrors(state_->job, Severity::error);
+  const std::vector<Diagnostic> arguments = findShaderArguments(state_->job, Severity::error);
+  errors.insert(errors.end(), arguments.begin(), arguments.end());
+  return errors;
+}
 
 std::vector<Diagnostic> Job::warnings(bool completeShader) const {
   return findWarnings(collapsed().job, completeShader);

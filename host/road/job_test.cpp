@@ -147,21 +147,22 @@ TEST_F(JobTest, NamesThePlaceInATextAndTheDocumentAloneForPlainData) {
   const std::string text =
       "{ \"outputs\": [ { \"name\": \"color\", \"type\": \"float3\" } ],\n  \"nodes\": [] }";
   Job placed(libraries, Document::fromText(text, "editor"));
-  const std::string message = "sfgError : Graph output must has connection!";
-  const Diagnostic note{Severity::note,  "editor", 1, 16, "graph output `color` has no `node`",
-                        "unwired-output"};
+  const Diagnostic error{Severity::error, "editor", 1, 16, "graph output `color` has no `node`",
+                         "unwired-output"};
   const std::vector<Diagnostic> found = refusal(placed);
   ASSERT_EQ(found.size(), 2u);
-  EXPECT_EQ(found[0].severity, Severity::message);
-  EXPECT_EQ(found[1], note);
+  EXPECT_EQ(found[0], error);
+  EXPECT_EQ(found[0].place(), "editor:1:16");
+  EXPECT_EQ(found[1].severity, Severity::note);
   EXPECT_EQ(found[1].place(), "editor:1:16");
+  EXPECT_EQ(found[1].identifier, "generator");
 
   Graph graph = makeGraph();
   graph.outputs[0].source = {};
   Job plain(libraries, Document::from(graph, "material"));
   const std::vector<Diagnostic> unplaced = refusal(plain);
   ASSERT_EQ(unplaced.size(), 2u);
-  EXPECT_EQ(unplaced[1], (Diagnostic{Severity::note, "material", 0, 0, "graph output `color` has no `node`",
+  EXPECT_EQ(unplaced[0], (Diagnostic{Severity::error, "material", 0, 0, "graph output `color` has no `node`",
                                      "unwired-output"}));
 
   graph.nodes[0].inputs[0].name = "colour";

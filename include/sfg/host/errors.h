@@ -52,8 +52,8 @@ private:
   std::string suggestion_;
 };
 
-/// A graph that cannot be collapsed. what() is the generator's message; the diagnostics begin with it and
-/// name the places in the documents.
+/// A graph that cannot be collapsed. what() is the generator's message; the diagnostics name the places in
+/// the documents, each cause in front of what follows from it, and quote the message.
 class SFG_HOST_API CollapseError : public std::runtime_error {
 public:
   enum class Reason {

@@ -29,7 +29,7 @@ struct CollapseOptions {
   CollapseTool tool = CollapseTool::standard;
   float surfaceLod = 100.0f;
   float lightLod = 100.0f;
-  /// Empty names are the tool's own. The light loop takes neither.
+  /// Empty names are the tool's own. The light loop takes neither. A function's name can stand in code.
   std::string functionName;
   std::string profileName;
 };
@@ -56,7 +56,8 @@ public:
   /// What is odd in the documents: keys that nobody reads, and keys that stand twice. Collapsed or not.
   std::vector<Diagnostic> problems() const;
   /// What keeps any result from becoming a right shader, at its place: wires between types of which one does
-  /// not become the other, and types that nothing declares. Collapsed or not; collapse() does not mind.
+  /// not become the other, types that nothing declares, interfaces that contradict their code, and arguments
+  /// of `sfg_shader` that do not arrive as they are written. Collapsed or not; collapse() does not mind.
   std::vector<Diagnostic> errors() const;
 
   /// Builds the graph and collapses it; a job that is collapsed stays as it is. Throws InputError (a
