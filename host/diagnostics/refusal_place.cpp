@@ -35,7 +35,8 @@ public:
       } else {
         found.push_back(at(unknown.kind, node.fragmentPosition(),
                            named(node) + " uses the fragment " + inTicks(node.fragmentName()) +
-                               ", which no library has" + unknown.hint, unknown.meant));
+                               ", which no library has" + unknown.hint,
+                           unknown.meant));
       }
     }
     return found;
