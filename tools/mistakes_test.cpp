@@ -284,7 +284,7 @@ const Mistake kMistakes[] = {
     {"WireFloat2IntoFloat3", "collapse", "", "graph.json", R"json("color": { "node": "ramp" })json",
      R"json("color": { "graphInput": "uv" })json", 1,
      "graph.json:10:68: error: graph input `uv` of type `float2` does not fit input `color` of node `lines` "
-     "of type `float3`; fragments that convert are `directionFromUv`, `brickColor`, `extendFloat3` "
+     "of type `float3`; fragments that convert are `directionFromUv`, `extendFloat3` "
      "[wire-type]\n"},
     {"WireFloat3IntoFloat", "collapse", "", "graph.json",
      R"json("position": { "node": "clouds", "output": "result" })json",
@@ -323,17 +323,17 @@ const Mistake kMistakes[] = {
     {"WireTypeIsAWarningInJson", "collapse", "--format json", "graph.json",
      R"json("color": { "node": "ramp" })json", R"json("color": { "graphInput": "uv" })json", 0,
      "graph.json:10:68: warning: graph input `uv` of type `float2` does not fit input `color` of node "
-     "`lines` of type `float3`; fragments that convert are `directionFromUv`, `brickColor`, `extendFloat3` "
+     "`lines` of type `float3`; fragments that convert are `directionFromUv`, `extendFloat3` "
      "[wire-type]\n"},
     {"WireTypeBeforeCompiling", "compile", "", "graph.json", R"json("color": { "node": "ramp" })json",
      R"json("color": { "graphInput": "uv" })json", 1,
      "graph.json:10:68: error: graph input `uv` of type `float2` does not fit input `color` of node `lines` "
-     "of type `float3`; fragments that convert are `directionFromUv`, `brickColor`, `extendFloat3` "
+     "of type `float3`; fragments that convert are `directionFromUv`, `extendFloat3` "
      "[wire-type]\n"},
     {"WireTypeBeforeReflecting", "reflect", "", "graph.json", R"json("color": { "node": "ramp" })json",
      R"json("color": { "graphInput": "uv" })json", 1,
      "graph.json:10:68: error: graph input `uv` of type `float2` does not fit input `color` of node `lines` "
-     "of type `float3`; fragments that convert are `directionFromUv`, `brickColor`, `extendFloat3` "
+     "of type `float3`; fragments that convert are `directionFromUv`, `extendFloat3` "
      "[wire-type]\n"},
     {"FragmentKeyImplementation", "collapse", "", "own/own.fraglib", R"json("implementation")json",
      R"json("implementaton")json", 1,

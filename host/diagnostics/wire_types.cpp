@@ -36,7 +36,7 @@ WString codeText(const AParameter& parameter) {
   return parameter.getType() == TypeID_struct ? parameter.getStructName() : parameter.getType().toString();
 }
 
-/// The fragments of a library by what they make of their one input, and by what they make of one of several.
+/// The fragments of a library by what they make of their one input, and by what they make of the first of two.
 class Converters {
 public:
   explicit Converters(const LoadedLibraries& libraries) {
@@ -45,7 +45,9 @@ public:
       if (fragment == nullptr || fragment->getNumProfiles() == 0) continue;
       const ITextParameterList& list = *fragment->getProfile(0)->getFunctionParameters();
       if (list.getNumInputs() == 0 || list.getNumOutputs() == 0) continue;
-      auto& converters = list.getNumInputs() == 1 ? alone_ : besideOthers_;
+      const bool isAlone = list.getNumInputs() == 1;
+      if (!isAlone && (list.getNumInputs() != 2 || list.getNumOutputs() != 1)) continue;
+      auto& converters = isAlone ? alone_ : besideAnother_;
       const std::pair<WString, WString> types(list.getInputType(0), list.getOutputType(0));
       if (types.first == types.second) continue;
       std::vector<WString>& names = converters[types];
@@ -56,7 +58,7 @@ public:
   /// "; a fragment that converts is `x`", or nothing.
   std::string hint(const WString& from, const WString& to) const {
     std::vector<WString> names;
-    for (const auto* const converters : {&alone_, &besideOthers_}) {
+    for (const auto* const converters : {&alone_, &besideAnother_}) {
       const auto found = converters->find({from, to});
       if (found != converters->end()) names.insert(names.end(), found->second.begin(), found->second.end());
     }
@@ -70,7 +72,7 @@ public:
 private:
   using ByTypes = std::map<std::pair<WString, WString>, std::vector<WString>>;
   ByTypes alone_;
-  ByTypes besideOthers_;
+  ByTypes besideAnother_;
 };
 
 /// A wire with what stands at its ends.
