@@ -61,8 +61,8 @@ TEST_F(CheckTest, ErrorIsStatusOne) {
   const CommandRun checked = run("check lib");
   EXPECT_EQ(checked.status, 1);
   EXPECT_EQ(checked.err,
-            "lib/wrong.fraglib:4:17: error: undefined name `b` [compile-error]\n"
-            "lib/wrong.fraglib:4:17: note: the compiler says \"'b' : unknown variable\" of the line "
+            "lib/wrong.fraglib:4:19: error: `b` is not declared [compile-error]\n"
+            "lib/wrong.fraglib:4:19: note: the compiler says \"'b' : unknown variable\" of the line "
             "`result = a * b;` [code-origin]\n");
   EXPECT_EQ(checked.out, "1 profile of 1 fragment, 0 graphs, 0 environments: 1 error, 0 warnings\n");
 }

@@ -55,7 +55,10 @@ TEST_F(CheckPathsTest, BrokenJsonAndWhatIsNoFileIsTold) {
   ASSERT_EQ(mkfifo(path("pipe.json").c_str(), 0600), 0);
   std::filesystem::create_symlink("nowhere", path("link.json"));
   std::filesystem::create_directory(path("folder.json"));
-  EXPECT_EQ(shownProblems(find()), "");
+  EXPECT_EQ(shownProblems(find()),
+            "broken.json:2:13: error: expected a value or `]`, found `,` [malformed-json]\n"
+            "link.json: error: it cannot be read: it is a link to nothing [unreadable-file]\n"
+            "pipe.json: error: it cannot be read: it is a pipe [unreadable-file]\n");
 }
 
 TEST_F(CheckPathsTest, NamedFileOfNoKindIsTold) {

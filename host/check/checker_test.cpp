@@ -57,11 +57,10 @@ TEST_F(CheckerTest, TextsStandInForFiles) {
   write("a.fraglib", R"json({"f": {"languge": ["dx11"]}})json");
   CheckOptions given = options();
   given.texts[path("a.fraglib")] =
-      R"json({"f": {"language": ["dx11"], "implementation": ["void f_(out float result)", "{ result = 1.0; }"], "tpyo": 1
-}
-})json";
+      R"json({"f": {"language": ["dx11"], "implementation": ["void f_(out float result)", "{ result = 1.0; }"],
+  "lodd": 1}})json";
   EXPECT_EQ(textOf(Checker(given).checkLibrary(path("a.fraglib"))),
-            "a.fraglib:1:98: error: unknown key `tpyo` of a fragment [unknown-key]\n");
+            "a.fraglib:2:3: error: unknown key `lodd` of a fragment; did you mean `lod`? [unknown-key]\n");
 }
 
 TEST_F(CheckerTest, SecondCheckOfAnUnchangedLibraryCompilesNothing) {
@@ -85,14 +84,12 @@ TEST_F(CheckerTest, ChangedFragmentAloneIsCompiledAgain) {
 }
 
 TEST_F(CheckerTest, WithoutCompilingEverythingElseIsTold) {
-  write("a.fraglib", R"json({"f": {"language": ["dx11"], "tpyo": 1,
-    "implementation": ["void f_(out float result)", "{ result = wrong; }"]
-}
-})json");
+  write("a.fraglib", R"json({"f": {"language": ["dx11"], "lodd": 1,
+    "implementation": ["void f_(out float result)", "{ result = wrong; }"]}})json");
   CheckOptions given = options();
   given.compiles = false;
   EXPECT_EQ(textOf(Checker(given).checkLibrary(path("a.fraglib"))),
-            "a.fraglib:1:32: error: unknown key `tpyo` of a fragment [unknown-key]\n");
+            "a.fraglib:1:30: error: unknown key `lodd` of a fragment; did you mean `lod`? [unknown-key]\n");
 }
 
 TEST_F(CheckerTest, RefusesFoldersThatAreNotThere) {

@@ -118,21 +118,12 @@ TEST_F(ProfileProbesTest, SaysWhyThereAreNone) {
 
 TEST_F(ProfileProbesTest, LightsAreOfTheStructureThatTheirProfileNames) {
   plan(R"json({
-    "a": {"profiles": [{"name": "Lamp", "language": ["dx11"], "implementation": ["void a_(out float x)", "{ x = 1.0; }"]}]
-}
-, "b" : {
-  "profiles" : [
-    {"name" : "Lamp", "language" : ["dx11"], "implementation" : [ "void b_(out Lamp x)",
-                                                                  "{ x = (Lamp)0; }" ]}
-  ]
-},
-        "c" : {
-  "profiles" : [ {
-    "name" : "Lamp",
-    "language" : ["dx11"],
-    "implementation" : [ "void c_(out Lamp x)", "{ x = sfg_currentLight; }" ]
-  } ]
-}
+  "a": {"profiles": [{"name": "Lamp", "language": ["dx11"],
+    "implementation": ["void a_(out float x)", "{ x = 1.0; }"]}]},
+  "b": {"profiles": [{"name": "Lamp", "language": ["dx11"],
+    "implementation": ["void b_(out Lamp x)", "{ x = (Lamp)0; }"]}]},
+  "c": {"profiles": [{"name": "Lamp", "language": ["dx11"],
+    "implementation": ["void c_(out Lamp x)", "{ x = sfg_currentLight; }"]}]}
 })json",
        L"a");
   EXPECT_EQ(maker_->lightOf("Lamp"), "b");
