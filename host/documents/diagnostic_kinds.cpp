@@ -101,8 +101,6 @@ constexpr KindRow kRows[] = {
     {Finding::unusedInclude, {"unused-include", "an include file is named, but nothing of it is used"}},
     {Finding::unreachableProfile, {"unreachable-profile", "a profile that can never be chosen"}},
     {Finding::repeatedLevel, {"repeated-level", "a level of detail has the code of another one"}},
-    {Finding::interfaceMismatch,
-     {"interface-mismatch", "the `interface` of a node contradicts its fragment's code"}},
     {Finding::unusedGraphInput, {"unused-graph-input", "nothing is wired to an input of the graph"}},
     {Finding::unusedNode, {"unused-node", "no output of the graph depends on a node"}},
     {Finding::incompleteShader, {"incomplete-shader", "a result cannot become a complete shader"}},

@@ -79,7 +79,6 @@ enum class Finding {
   unusedInclude,
   unreachableProfile,
   repeatedLevel,
-  interfaceMismatch,
   unusedGraphInput,
   unusedNode,
   // Complete shaders and compilers
