@@ -36,7 +36,8 @@ WString codeText(const AParameter& parameter) {
   return parameter.getType() == TypeID_struct ? parameter.getStructName() : parameter.getType().toString();
 }
 
-/// The fragments of a library by what they make of their one input, and by what they make of the first of two.
+/// The fragments of a library by what they make of their one input, and by what they make of the first of
+/// two.
 class Converters {
 public:
   explicit Converters(const LoadedLibraries& libraries) {

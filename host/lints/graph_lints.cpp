@@ -82,19 +82,17 @@ private:
     const ITextParameterList& code = *profile.getFunctionParameters();
     const bool isInline = profile.getMode() == EShaderFragmentProfileMode::Inline;
     std::vector<WString> inputs;
-    for (std::size_t i = 0; i < code.getNumInputs(); ++i)
-      inputs.push_back(code.getInputName(i));
+    for (std::size_t i = 0; i < code.getNumInputs(); ++i) inputs.push_back(code.getInputName(i));
     comparePorts(interface->member(L"inputs"), inputs, isInline, "input", name);
     // An expression has one output of any name.
     if (isInline) return;
     std::vector<WString> outputs;
-    for (std::size_t i = 0; i < code.getNumOutputs(); ++i)
-      outputs.push_back(code.getOutputName(i));
+    for (std::size_t i = 0; i < code.getNumOutputs(); ++i) outputs.push_back(code.getOutputName(i));
     comparePorts(interface->member(L"outputs"), outputs, false, "output", name);
   }
 
-  /// Ports take the place of the code's in their order; other types, and more or fewer ports, are errors of the
-  /// job.
+  /// Ports take the place of the code's in their order; other types, and more or fewer ports, are errors of
+  /// the job.
   void comparePorts(const IObjectDataNode* list, const std::vector<WString>& ports, bool isInline,
                     const std::string& kind, const WString& fragment) {
     if (list == nullptr || list->size() != ports.size()) return;
