@@ -42,6 +42,14 @@ TEST(FindingListTest, OfCompileErrorsAtOnePlaceTheFirst) {
   EXPECT_EQ(textsOf(sortedFindings(groupsOf(given))), "cause other ");
 }
 
+TEST(FindingListTest, ErrorCountsWhereTheSameIsAWarningToo) {
+  const std::vector<Diagnostic> given = {at("a", 1, 1, "x"),
+                                         at("a", 1, 1, "x", "unknown-key", Severity::error)};
+  const std::vector<Diagnostic> sorted = sortedFindings(groupsOf(given));
+  ASSERT_EQ(sorted.size(), 1u);
+  EXPECT_EQ(sorted[0].severity, Severity::error);
+}
+
 TEST(FindingListTest, RaisesUnknownKeysOnly) {
   std::vector<FindingGroup> groups =
       groupsOf(std::vector{at("a", 1, 1, "x"), at("a", 1, 2, "y", "repeated-key")});

@@ -96,9 +96,9 @@ TEST_F(FragmentCheckTest, LitProfileUnderALightOfTheLibrary) {
   "matte": {"profiles": [
     {"language": ["dx11"], "implementation": ["void matte1(out float3 result)", "{ result = 0.5; }"]},
     {"name": "Lamp", "language": ["dx11"], "includes": ["lamp.h"],
-     "implementation": ["void matte1(out float3 result)", "{ result = sfg_currentLight.colr; }"]}]}
+     "implementation": ["void matte1(out float3 result)", "{ Lamp lamp = sfg_currentLight; result = lamp.colr; }"]}]}
 })json")),
-            "lib.fraglib:8:88: error: the structure has no member `colr` [compile-error]\n");
+            "lib.fraglib:8:106: error: the structure has no member `colr` [compile-error]\n");
 }
 
 TEST_F(FragmentCheckTest, LitProfileWithoutAnyLightIsTold) {

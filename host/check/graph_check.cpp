@@ -226,7 +226,7 @@ std::vector<FindingGroup> checkGraph(const CheckTools& tools, const ProbeMaker& 
   try {
     const CollapseJob job(tools.libraries->loaded(), graph, std::nullopt, {});
     nature = natureOf(job.document(), libraries.language());
-    lints = groupsOf(lintGraph(job));
+    lints = groupsOf(lintGraph(libraries, graph));
   } catch (const InputError& error) {
     return refusalOf(error);
   }

@@ -100,7 +100,7 @@ TEST_F(GraphCheckTest, LintsOfTheGraphAreTold) {
   EXPECT_EQ(checkGraph(R"json({"outputs": [{"name": "color", "type": "float3", "node": "n"}], "nodes": [
  {"name": "n", "fragment": "matte", "inputs": {"albedo": {"value": [1, 1, 1]}}},
  {"name": "idle", "fragment": "two"}]})json"),
-            "graph.json:3:2: warning: no output of the graph depends on node `idle` [unused-node]\n");
+            "graph.json:3:11: warning: no output of the graph depends on node `idle` [unused-node]\n");
 }
 
 TEST_F(GraphCheckTest, EnvironmentIsCompiledWithALitNode) {
