@@ -1,5 +1,5 @@
-// Compiles a graph for Vulkan and tells what the shader wants to be fed: wall GRAPH FRAGMENTS, with the folder of
-// the standard fragments in SFG_LIBRARY.
+// Compiles a graph for Vulkan and tells what the shader wants to be fed: wall GRAPH FRAGMENTS, with the
+// folder of the standard fragments in SFG_LIBRARY.
 
 #include <sfg/host/compile.h>
 #include <sfg/host/job.h>
@@ -33,7 +33,8 @@ int main(int argc, char** argv) try {
   }
   return 0;
 } catch (const host::CollapseError& error) {
-  for (const host::Diagnostic& told : error.diagnostics()) std::cerr << told.place() << ": " << told.text << '\n';
+  for (const host::Diagnostic& told : error.diagnostics())
+    std::cerr << told.place() << ": " << told.text << '\n';
   return 1;
 } catch (const std::exception& error) {
   std::cerr << "error: " << error.what() << '\n';

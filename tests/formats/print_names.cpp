@@ -1,4 +1,5 @@
-// Prints the names that documents and code may use, for the page that lists them: a line each, columns behind tabs.
+// Prints the names that documents and code may use, for the page that lists them: a line each, columns behind
+// tabs.
 //
 //   print_names types     names in documents, number of components, value without one
 //   print_names state     name, type, how it reaches the code
@@ -19,8 +20,8 @@ using namespace TolmSDK::Graphics;
 void printTypes() {
   for (const TypeID& type : allTypes()) {
     const AValue value(type);
-    std::cout << toUtf8(type.toString()) << '\t' << toUtf8(ITypeTraits::getTypeName(type)) << '\t' << value.size()
-              << '\t' << toUtf8(toShaderText(value)) << '\n';
+    std::cout << toUtf8(type.toString()) << '\t' << toUtf8(ITypeTraits::getTypeName(type)) << '\t'
+              << value.size() << '\t' << toUtf8(toShaderText(value)) << '\n';
   }
 }
 
@@ -36,8 +37,8 @@ const char* wayOf(StateVariableKind kind) {
 
 void printStateVariables() {
   for (const StateVariableInfo& state : allStateVariables()) {
-    std::cout << toUtf8(state.name.view()) << '\t' << toUtf8(state.type.toString()) << '\t' << wayOf(state.kind)
-              << '\n';
+    std::cout << toUtf8(state.name.view()) << '\t' << toUtf8(state.type.toString()) << '\t'
+              << wayOf(state.kind) << '\n';
   }
 }
 
