@@ -32,18 +32,18 @@ TEST_F(ShaderArgumentsTest, TakesNamesNumbersAndTextWithoutBlanks) {
 TEST_F(ShaderArgumentsTest, TellsArgumentsThatAreCut) {
   EXPECT_EQ(
       told("sfg_shader(image, uv, uv + p, result, result);"),
-      "167: fragment `blur`: the argument `uv + p` of `sfg_shader` is cut at its blanks and commas; it must "
+      "194: fragment `blur`: the argument `uv + p` of `sfg_shader` is cut at its blanks and commas; it must "
       "be one name or number\n");
   EXPECT_EQ(
       told("sfg_shader(image, uv, float2(1,0), result, result);"),
-      "167: fragment `blur`: the argument `float2(1,0)` of `sfg_shader` is cut at its blanks and commas; it "
+      "194: fragment `blur`: the argument `float2(1,0)` of `sfg_shader` is cut at its blanks and commas; it "
       "must be one name or number\n");
 }
 
 TEST_F(ShaderArgumentsTest, TellsUniformsAndStateThatTheCodeDoesNotReadElsewhere) {
   EXPECT_EQ(told("sfg_shader(image, a, spread, b, p.spread, c, sfg_time, result, result);"),
-            "166: fragment `blur`: the uniform `spread` is not known among the arguments of `sfg_shader`\n"
-            "187: fragment `blur`: the state variable `sfg_time` is not known among the arguments of "
+            "193: fragment `blur`: the uniform `spread` is not known among the arguments of `sfg_shader`\n"
+            "217: fragment `blur`: the state variable `sfg_time` is not known among the arguments of "
             "`sfg_shader`\n");
   EXPECT_EQ(told("sfg_shader(image, a, sfg_time, result, result); result *= sfg_time;"), "");
 }
@@ -54,12 +54,12 @@ TEST_F(ShaderArgumentsTest, ReadsNoNamesOfPortsAndNoComments) {
 
 TEST_F(ShaderArgumentsTest, ReadsPredefinesToo) {
   EXPECT_EQ(told("result = 0;", R"("predefine": ["float f() { sfg_shader(image, uv, spread); }"], )"),
-            "133: fragment `blur`: the uniform `spread` is not known among the arguments of `sfg_shader`\n");
+            "138: fragment `blur`: the uniform `spread` is not known among the arguments of `sfg_shader`\n");
 }
 
 TEST_F(ShaderArgumentsTest, EndsWithTheTextWhereACallIsNotClosed) {
   EXPECT_EQ(told("sfg_shader(image, uv, spread"),
-            "167: fragment `blur`: the uniform `spread` is not known among the arguments of `sfg_shader`\n");
+            "194: fragment `blur`: the uniform `spread` is not known among the arguments of `sfg_shader`\n");
 }
 
 }  // namespace
