@@ -22,9 +22,10 @@ public:
     std::uint32_t time = 0;
     FragmentInstance* instance = nullptr;
     bool isDeclaration = false;  // of its outputs; else all the rest
-    const FragmentInstance* awaitedBy =
-        nullptr;            // whose definition needs the call of the source of an input,
-    std::size_t input = 0;  // which is that one, instead
+    /// Not null: the write is a call of the source of this instance's input `input`, for which the definition
+    /// of the instance waits.
+    const FragmentInstance* awaitedBy = nullptr;
+    std::size_t input = 0;
   };
 
   void assign(Array<Write> writes) {

@@ -2,8 +2,6 @@
 #ifndef SFG_COLOR_H
 #define SFG_COLOR_H
 
-#include "sfg_math.h"
-
 // Relative luminance (ITU-R BT.709).
 float sfg_luminance(float3 rgb)
 {

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <set>
 
+#include "host/check/finding_list.h"
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/documents/keys.h"
@@ -97,6 +98,7 @@ public:
       found_.folders.libraries.emplace_back(folder);
       if (holdsIncludes(folder)) found_.folders.includes.emplace_back(folder);
     }
+    found_.problems = sortedFindings(groupsOf(found_.problems));
     return std::move(found_);
   }
 

@@ -55,7 +55,7 @@ public:
   void check(std::size_t index, const std::optional<NodeInterface>& ports) {
     const ProfilePlan plan = probes_.plan(fragment_, index, ports);
     if (plan.areGuesses) return guess(plan, index);
-    for (const Probe& probe : plan.probes) add(place(run(probe), index));
+    for (const Probe& probe : plan.probes) add(place(run(probe), index, probe));
     if (plan.probes.empty() && isLit(*fragment_.getProfile(index))) tellNotChecked(index, plan.whyNone);
   }
 
@@ -71,7 +71,7 @@ private:
   void guess(const ProfilePlan& plan, std::size_t index) {
     std::optional<std::vector<FindingGroup>> first;
     for (const Probe& probe : plan.probes) {
-      std::vector<FindingGroup> found = place(run(probe), index);
+      std::vector<FindingGroup> found = place(run(probe), index, probe);
       if (!hasErrors(found)) return add(std::move(found));
       if (!first) first = std::move(found);
     }
@@ -84,22 +84,25 @@ private:
     groups_.push_back({std::move(note), {}});
   }
 
-  /// Of the profile's object.
-  TextPosition placeOf(std::size_t index) {
+  /// Of the profile's object, or of its code.
+  TextPosition placeOf(std::size_t index, bool isOfCode = false) {
     FragmentCodes codes(libraries_);
     const FragmentCode* const code = codes.find(fragment_.key(), index, CodePart::implementation);
-    return code != nullptr ? code->profile : entry_.position;
+    if (code == nullptr) return entry_.position;
+    return isOfCode ? code->placeOf(0) : code->profile;
   }
 
   /// Errors that are told of what the check puts around the profile are the profile's; other findings there
   /// are nobody's.
-  std::vector<FindingGroup> place(std::vector<FindingGroup> found, std::size_t index) {
+  std::vector<FindingGroup> place(std::vector<FindingGroup> found, std::size_t index, const Probe& probe) {
     std::vector<FindingGroup> placed;
     for (FindingGroup& group : found) {
       Diagnostic& finding = group.finding;
       if (isMadeUp(finding)) {
         if (finding.severity != Severity::error) continue;
-        const TextPosition position = placeOf(index);
+        const TextPosition position =
+            placeOf(index, finding.identifier == identifierOf(Finding::compileError));
+        finding.text = sourceNames(std::move(finding.text), probe);
         finding.file = entry_.file;
         finding.line = position.line;
         finding.column = position.column;

@@ -7,9 +7,11 @@
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/documents/graph_document.h"
+#include "host/documents/near_name.h"
 #include "host/documents/shader_names.h"
 #include "host/documents/shading_environment.h"
 #include "host/job/collapse_job.h"
+#include "host/job/evaluated_surface.h"
 #include "host/lints/lints.h"
 #include "tolmsdk/unicode.h"
 
@@ -101,19 +103,67 @@ void append(std::vector<FindingGroup>& groups, std::vector<FindingGroup> more) {
   std::move(more.begin(), more.end(), std::back_inserter(groups));
 }
 
-/// A light's name becomes part of names in the code.
-std::vector<FindingGroup> findBadNames(const ShadingEnvironment& scene, const Document& environment) {
-  std::vector<FindingGroup> groups;
-  for (const ShadingEnvironment::Light& light : scene.lights()) {
-    const std::string fault = nameFault("light_" + toUtf8(light.name), false);
-    if (fault.empty()) continue;
-    groups.push_back({diagnose(Finding::badName, Severity::error, environment.name(), light.position,
-                               "the name of the light " + inTicks(light.name) +
-                                   " goes into names of the code, which hold letters, digits and `_` only"),
-                      {}});
+/// What is wrong with single lights of an environment that was read.
+class LightCheck {
+public:
+  LightCheck(const Document& document, const UString& language) : document_(document), language_(language) {
+    root_ = createJsonNode();
+    if (document.isFile()) {
+      root_->loadFromFile(fromUtf8(document.name()));
+    } else {
+      root_->loadFromText(fromUtf8(*document.text()));
+    }
   }
-  return groups;
-}
+
+  std::vector<FindingGroup> check(const ShadingEnvironment& environment) {
+    for (std::size_t i = 0; i < environment.getNumLights(); ++i) {
+      checkName(environment.lights()[i], i);
+      checkProfile(environment.lights()[i], i);
+    }
+    return std::move(groups_);
+  }
+
+private:
+  /// Of the value under the key, or of the light.
+  TextPosition placeOf(const ShadingEnvironment::Light& light, std::size_t index,
+                       std::wstring_view key) const {
+    const IObjectDataNode* const lights = root_->member(L"lights");
+    const IObjectDataNode* const object = lights != nullptr ? lights->element(index) : nullptr;
+    const IObjectDataNode* const value = object != nullptr ? object->member(key) : nullptr;
+    return value != nullptr ? value->position() : light.position;
+  }
+
+  /// It becomes part of names in the code.
+  void checkName(const ShadingEnvironment::Light& light, std::size_t index) {
+    if (nameFault("light_" + toUtf8(light.name), false).empty()) return;
+    tell(Finding::badName, Severity::error, placeOf(light, index, L"name"),
+         "the name of the light " + inTicks(light.name) +
+             " goes into names of the code, which hold letters, digits and `_` only");
+  }
+
+  void checkProfile(const ShadingEnvironment::Light& light, std::size_t index) {
+    const WString& wanted = light.profile->getProfilename();
+    const Set<WString> offered = offeredProfileNames(*light.fragment, language_);
+    if (offered.contains(wanted)) return;
+    std::vector<std::string> names;
+    for (const WString& name : offered) names.push_back(toUtf8(name));
+    const bool hasDefault = offered.contains(L"default");
+    tell(Finding::lightProfile, hasDefault ? Severity::warning : Severity::error,
+         placeOf(light, index, L"profile"),
+         "the fragment " + inTicks(light.fragment->key()) + " has no profile " + inTicks(wanted) +
+             (hasDefault ? "; its default profile is taken" : "") +
+             didYouMean(nearestName(toUtf8(wanted), names)));
+  }
+
+  void tell(Finding kind, Severity severity, TextPosition position, std::string text) {
+    groups_.push_back({diagnose(kind, severity, document_.name(), position, std::move(text)), {}});
+  }
+
+  const Document& document_;
+  const UString& language_;
+  RefPtr<IObjectDataNode> root_;
+  std::vector<FindingGroup> groups_;
+};
 
 std::vector<FindingGroup> refusalOf(const InputError& error) {
   std::vector<FindingGroup> groups = groupsOf(error.related());
@@ -172,10 +222,11 @@ std::vector<FindingGroup> checkGraph(const CheckTools& tools, const ProbeMaker& 
                                      const std::optional<Document>& environment) {
   const LoadedLibraries& libraries = *tools.libraries->loaded();
   GraphNature nature;
+  std::vector<FindingGroup> lints;
   try {
-    nature =
-        natureOf(*loadGraphDocument(graph, libraries.language(), libraries.ports(), whyUnknownOf(libraries)),
-                 libraries.language());
+    const CollapseJob job(tools.libraries->loaded(), graph, std::nullopt, {});
+    nature = natureOf(job.document(), libraries.language());
+    lints = groupsOf(lintGraph(libraries, graph));
   } catch (const InputError& error) {
     return refusalOf(error);
   }
@@ -205,12 +256,16 @@ std::vector<FindingGroup> checkEnvironment(const CheckTools& tools, const Docume
   } catch (const InputError& error) {
     return refusalOf(error);
   }
-  if (std::vector<FindingGroup> bad = findBadNames(*scene, environment); !bad.empty()) return bad;
+  std::vector<FindingGroup> groups =
+      LightCheck(environment, libraries.language().getLanguageString()).check(*scene);
+  if (hasErrors(groups)) {
+    append(groups, groupsOf(scene->problems()));
+    return groups;
+  }
   CollapseOptions options;
   options.tool = CollapseTool::lightLoop;
   const Graph graph = EnvironmentGraph(*scene).take();
-  std::vector<FindingGroup> groups =
-      findInJob(tools, Document::from(graph, kMadeUpGraph), options, environment);
+  append(groups, findInJob(tools, Document::from(graph, kMadeUpGraph), options, environment));
   std::erase_if(groups, [](const FindingGroup& group) {
     return group.finding.identifier == identifierOf(Finding::unofferedProfile);
   });

@@ -15,17 +15,21 @@ void append(std::vector<FindingGroup>& groups, std::vector<FindingGroup> more) {
   std::move(more.begin(), more.end(), std::back_inserter(groups));
 }
 
-/// The generator's message has no place: it becomes an error where the note behind it leads to.
+/// What the generator says has no place, and the note behind it tells place and cause: the note becomes the
+/// error, and what the generator says its note; or, where the note knows the place only, the other way round.
 std::vector<FindingGroup> refusalOf(const CollapseError& refusal) {
   std::vector<FindingGroup> groups = groupsOf(refusal.diagnostics());
   for (FindingGroup& group : groups) {
     Diagnostic& finding = group.finding;
     finding.severity = Severity::error;
     if (!finding.file.empty() || group.notes.empty()) continue;
-    const Diagnostic& place = group.notes.front();
+    Diagnostic& place = group.notes.front();
     finding.file = place.file;
     finding.line = place.line;
     finding.column = place.column;
+    if (place.identifier == identifierOf(Finding::collapsePlace)) continue;
+    std::swap(finding, place);
+    std::swap(finding.severity, place.severity);
   }
   return groups;
 }

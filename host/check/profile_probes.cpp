@@ -49,6 +49,13 @@ std::string declaredType(std::wstring_view code, std::wstring_view name, const I
   return std::string();
 }
 
+/// "a" of "{{a}}".
+std::string placeholderName(const std::string& text) {
+  const std::size_t start = text.find_first_not_of("{ \t");
+  const std::size_t end = text.find_last_not_of("} \t");
+  return start == text.npos || end == text.npos ? text : text.substr(start, end + 1 - start);
+}
+
 std::string textOf(const ScopedText& text) { return toUtf8(text.view()); }
 
 }  // namespace
@@ -58,6 +65,19 @@ bool hasLightBlocks(const IShaderFragmentProfile& profile) {
   return profile.getMode() == EShaderFragmentProfileMode::MetaSL &&
          (profile.getFunctionBody().find(kCall) != WString::npos ||
           profile.predefines().find(kCall) != WString::npos);
+}
+
+std::string sourceNames(std::string text, const Probe& probe) {
+  for (std::size_t i = 0; i < probe.graph.nodes.size(); ++i) {
+    const Node& node = probe.graph.nodes[i];
+    if (node.name != kChecked) continue;
+    for (const Parameter& input : node.ports->inputs) {
+      const std::string generated = "`" + input.name + "n" + std::to_string(i) + "`";
+      for (std::size_t at = text.find(generated); at != text.npos; at = text.find(generated, at + 1))
+        text.replace(at, generated.size(), "`" + input.name + "`");
+    }
+  }
+  return text;
 }
 
 bool isLit(const IShaderFragmentProfile& profile) {
@@ -306,7 +326,7 @@ struct ProbeMaker::PlanWriter {
       return port;
     };
     for (std::size_t i = 0; i < parameters.getNumInputs(); ++i)
-      ports.inputs.push_back(typed(toUtf8(parameters.getInputName(i))));
+      ports.inputs.push_back(typed(placeholderName(toUtf8(parameters.getInputName(i)))));
     ports.outputs.push_back(typed("result"));
   }
 };

@@ -61,6 +61,8 @@ private:
   std::map<const IShaderFragmentProfile*, std::map<std::size_t, SourceFragment>> sources_;
 };
 
+/// The text with the names of inputs as the code spells them, where it names uniforms of the probe.
+std::string sourceNames(std::string text, const Probe& probe);
 /// Whether the code has blocks that are written once for every light.
 bool hasLightBlocks(const IShaderFragmentProfile& profile);
 /// Whether the code reads the light that shines.

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "host/diagnostics/contained_names.h"
+#include "host/diagnostics/raw_statements.h"
 #include "host/documents/document_reader.h"
 #include "host/shader/identifiers.h"
 #include "sfg/code_snippet.h"
@@ -12,34 +13,16 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-/// Where raw text holds more than comments, preprocessor lines and blanks, or its end.
-std::size_t findStatement(const ScopedText& raw) {
-  std::size_t pos = 0;
-  while (pos < raw.length) {
-    const std::size_t start = pos;
-    skipWhitespaces(raw, pos);
-    if (pos < raw.length && raw.text[pos] == L'#') skipLine(raw, pos);
-    if (pos == start) break;
-  }
-  return pos;
-}
-
 /// The line of the predefines in which a raw statement starts, or nothing.
 std::optional<std::string> rawStatement(const IShaderFragmentProfile& profile) {
   CodeSnippet snippet;
   snippet.addCode(profile.predefines());
   snippet.parse();
+  const std::optional<std::size_t> place = findRawStatement(snippet);
+  if (!place) return std::nullopt;
   const std::wstring_view code = snippet.getCode();
-  for (std::size_t i = 0; i < snippet.getNumSymbols(); ++i) {
-    const ShaderSymbol& symbol = snippet.getSymbol(i);
-    if (symbol.getType() != EShaderSymbolType::unknown) continue;
-    const std::size_t statement = findStatement(symbol.getRange());
-    if (statement == symbol.getRange().length) continue;
-    const std::size_t place = static_cast<std::size_t>(symbol.getRange().text - code.data()) + statement;
-    const std::size_t start = code.rfind(L'\n', place) + 1;
-    return toUtf8(code.substr(start, code.find(L'\n', place) - start));
-  }
-  return std::nullopt;
+  const std::size_t start = code.rfind(L'\n', *place) + 1;
+  return toUtf8(code.substr(start, code.find(L'\n', *place) - start));
 }
 
 /// Names of the functions, structures and variables that the predefines declare.

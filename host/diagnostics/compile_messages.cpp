@@ -254,10 +254,10 @@ private:
       if (isAnyKnown) text += ": " + types + " given";
     }
     if (!known.empty())
-      text += (isLanguageSeparator(text) ? ", " : ": ") + parameterTypes(known.front() + 1) + " expected";
+      text += (endsWithGivenTypes(text) ? ", " : ": ") + parameterTypes(known.front() + 1) + " expected";
     return say(text);
   }
-  static bool isLanguageSeparator(const std::string& text) { return text.ends_with(" given"); }
+  static bool endsWithGivenTypes(const std::string& text) { return text.ends_with(" given"); }
 
   std::string parameterTypes(std::size_t open) const {
     const std::size_t end = behindBrackets(all_.text_, all_.tokens_, open);

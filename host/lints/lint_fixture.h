@@ -17,7 +17,9 @@ protected:
     writeLibrary("{ " + fragments + " }");
     return lints();
   }
-  std::string lintsOfGraph(const std::string& graph) const { return linesOf(lintGraph(*job(graph))); }
+  std::string lintsOfGraph(const std::string& graph) const {
+    return linesOf(lintGraph(*load(), Document::fromText(graph, "graph.json")));
+  }
 
 private:
   std::string linesOf(const std::vector<Diagnostic>& lints) const {

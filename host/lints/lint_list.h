@@ -19,6 +19,7 @@ public:
   void at(Finding kind, const std::string& file, TextPosition position, std::string text) {
     lints_.push_back(diagnose(kind, Severity::warning, file, position, std::move(text)));
   }
+  void add(Diagnostic lint) { lints_.push_back(std::move(lint)); }
   /// In the order of files, in each in that of its text.
   std::vector<Diagnostic> take();
 

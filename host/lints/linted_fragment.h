@@ -8,24 +8,12 @@
 #include <vector>
 
 #include "host/library/loaded_libraries.h"
+#include "host/lints/code_parameters.h"
 #include "host/lints/plain_code.h"
 #include "host/origins/fragment_code.h"
 #include "sfg/shader_fragment_profile.h"
 
 namespace TolmSDK::Graphics::sfg::host {
-
-/// A parameter of a profile's function. Tokens are those of the implementation's plain code.
-struct CodeParameter {
-  std::wstring_view type;  ///< its first word: "Texture2D" of `Texture2D<float4>`
-  std::wstring_view name;
-  std::size_t token = 0;  ///< of the name
-  bool isOutput = false;  ///< `out`; an `inout` parameter is an input
-  bool isInout = false;
-  bool isArray = false;
-};
-
-/// The parameters between the parenthesis at `open` and the one that closes it.
-std::vector<CodeParameter> readParameters(const PlainCode& code, std::size_t open, std::size_t close);
 
 /// One text of a profile.
 struct LintedCode {

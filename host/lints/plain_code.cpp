@@ -46,6 +46,7 @@ private:
 
   void takeDirective() {
     PlainCode::Directive directive;
+    directive.begin = tokens_[next_].begin;
     const std::size_t end = endOfLine(text_, tokens_[next_].begin);
     ++next_;
     if (next_ < tokens_.size() && tokens_[next_].isName && tokens_[next_].begin < end)

@@ -14,6 +14,7 @@ struct PlainCode {
   struct Directive {
     std::wstring_view name;  ///< "define"; empty for a lone `#`
     CodeTokens tokens;       ///< behind the name
+    std::size_t begin = 0;   ///< of the `#` in the text
   };
 
   std::wstring_view text;

@@ -23,11 +23,14 @@ bool isOverwritten(const PlainCode& code, std::size_t token, std::size_t begin) 
 }
 
 /// What the function of a profile reads, or may read through a macro.
-Names readNames(const LintedProfile& profile) {
+Names readNames(const LintedProfile& profile, const IncludeIndex& includes) {
   const PlainCode& code = profile.implementation.plain;
   Names names;
   for (std::size_t i = profile.bodyBegin; i < profile.bodyEnd; ++i) {
-    if (code.isFreeName(i) && !isOverwritten(code, i, profile.bodyBegin)) names.insert(code.word(i));
+    if (!code.isFreeName(i) || isOverwritten(code, i, profile.bodyBegin)) continue;
+    names.insert(code.word(i));
+    if (const Declarations::Macro* const macro = includes.findMacro(code.word(i)))
+      names.insert(macro->names.begin(), macro->names.end());
   }
   addDirectiveNames(code, names);
   addDirectiveNames(profile.predefine.plain, names);
@@ -52,12 +55,13 @@ bool hasGivenParameters(const LintedProfile& profile) { return profile.name == "
 
 }  // namespace
 
-void lintInputs(const LintedFile& file, const LintedFragment& fragment, LintList& lints) {
+void lintInputs(const LintedFile& file, const LintedFragment& fragment, const IncludeIndex& includes,
+                LintList& lints) {
   if (!isCertain(fragment)) return;
   // A cheaper profile may do without an input that another reads.
   Names done;
   for (const LintedProfile& profile : fragment.profiles) {
-    const Names read = readNames(profile);
+    const Names read = readNames(profile, includes);
     for (const CodeParameter& parameter : profile.parameters)
       if (hasGivenParameters(profile) || read.contains(parameter.name)) done.insert(parameter.name);
   }

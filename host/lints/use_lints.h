@@ -2,11 +2,13 @@
 
 // Inputs and uniforms that no code uses.
 
+#include "host/lints/include_index.h"
 #include "host/lints/lint_list.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
-void lintInputs(const LintedFile& file, const LintedFragment& fragment, LintList& lints);
+void lintInputs(const LintedFile& file, const LintedFragment& fragment, const IncludeIndex& includes,
+                LintList& lints);
 void lintUniforms(const LintedFile& file, const LintedFragment& fragment, LintList& lints);
 
 }  // namespace TolmSDK::Graphics::sfg::host

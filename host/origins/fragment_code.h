@@ -28,7 +28,6 @@ struct FragmentCode {
   std::vector<TextPosition> literals;
   TextPosition profile;   ///< of the profile's object
   TextPosition fragment;  ///< of the fragment's object
-  std::string language;   ///< the first of the profile's
 
   TextPosition placeOf(std::size_t offset) const;
 };

@@ -41,6 +41,8 @@ std::vector<std::size_t> startsOfLines(std::wstring_view text) {
   return starts;
 }
 
+using InputNumbers = std::map<WString, std::size_t>;
+
 /// What declares or fills a value of the interface.
 struct NamedValue {
   const IShaderFragment* fragment = nullptr;
@@ -194,10 +196,18 @@ struct SourceMap::Impl {
   void addName(const std::string& name, const InterfaceOrigin& origin) {
     const auto owner = owners.find({origin.kind, fromUtf8(origin.owner)});
     if (owner == owners.end()) return;
-    NamedValue value{owner->second, kNotFound};
-    for (std::size_t i = 0; i < owner->second->getNumInputs(); ++i)
-      if (owner->second->getInputName(i) == fromUtf8(origin.name)) value.input = i;
-    names.emplace(fromUtf8(name), value);
+    const InputNumbers& numbers = inputsOf(*owner->second);
+    const auto input = numbers.find(fromUtf8(origin.name));
+    names.emplace(fromUtf8(name),
+                  NamedValue{owner->second, input != numbers.end() ? input->second : kNotFound});
+  }
+
+  /// Of equal names the last counts.
+  const InputNumbers& inputsOf(const IShaderFragment& fragment) {
+    const auto [found, isNew] = inputNumbers.try_emplace(&fragment);
+    for (std::size_t i = 0; isNew && i < fragment.getNumInputs(); ++i)
+      found->second[fragment.getInputName(i)] = i;
+    return found->second;
   }
 
   TokenOrigin originOf(const NamedValue& value) const {
@@ -287,43 +297,43 @@ struct SourceMap::Impl {
     SourcePlace place;
     place.fragment = toUtf8(writer.fragment->key());
     place.isExact = origin.isExact;
-    switch (origin.kind) {
-    case TokenOrigin::Kind::code: {
-      place.kind = origin.part == CodePart::predefine ? SourcePlace::Kind::predefine
-                                                      : SourcePlace::Kind::implementation;
-      const std::size_t source = tokenAt(origin.code->tokens, origin.offset);
-      const bool isSame = source < origin.code->tokens.size() &&
-                          origin.code->tokens[source].in(origin.code->text) == mapped.token.in(text);
-      const TextPosition found = origin.code->placeOf(origin.offset + (isSame ? inside : 0));
-      place.file = *origin.code->file;
-      place.line = found.line;
-      place.column = found.column;
-      if (source < origin.code->tokens.size())
-        place.token = toUtf8(origin.code->tokens[source].in(origin.code->text));
-      break;
+    if (origin.kind == TokenOrigin::Kind::code) {
+      setCode(place, mapped, inside);
+    } else {
+      setUse(place, writer.fragment, origin);
     }
-    case TokenOrigin::Kind::input: {
-      place.kind = SourcePlace::Kind::input;
-      if (origin.offset < writer.fragment->getNumInputs())
-        place.input = toUtf8(writer.fragment->getInputName(origin.offset));
-      [[fallthrough]];
-    }
-    default: setUse(place, writer.fragment, origin); break;
-    }
-    if (place.kind == SourcePlace::Kind::unknown) place.kind = SourcePlace::Kind::node;
     addUsers(place, origin);
     return place;
   }
 
+  void setCode(SourcePlace& place, const MappedToken& mapped, std::size_t inside) const {
+    const TokenOrigin& origin = mapped.origin;
+    const FragmentCode& code = *origin.code;
+    place.kind =
+        origin.part == CodePart::predefine ? SourcePlace::Kind::predefine : SourcePlace::Kind::implementation;
+    place.file = *code.file;
+    const std::size_t source = tokenAt(code.tokens, origin.offset);
+    const bool isToken = source < code.tokens.size();
+    const std::wstring_view token = isToken ? code.tokens[source].in(code.text) : std::wstring_view();
+    const bool isSame = isToken && token == mapped.token.in(text);
+    const TextPosition found = code.placeOf(origin.offset + (isSame ? inside : 0));
+    place.line = found.line;
+    place.column = found.column;
+    place.token = toUtf8(token);
+  }
+
   void setUse(SourcePlace& place, const IShaderFragment* fragment, const TokenOrigin& origin) const {
+    const bool isInput = origin.kind == TokenOrigin::Kind::input;
+    place.kind = isInput ? SourcePlace::Kind::input : SourcePlace::Kind::node;
+    if (isInput && origin.offset < fragment->getNumInputs())
+      place.input = toUtf8(fragment->getInputName(origin.offset));
     const auto use = uses.find(fragment);
     if (use == uses.end()) return;
     place.file = use->second.user.file;
     place.line = use->second.user.line;
     place.column = use->second.user.column;
-    const bool isWired = origin.kind == TokenOrigin::Kind::input &&
-                         origin.offset < use->second.wires.size() &&
-                         use->second.wires[origin.offset].line != 0;
+    const bool isWired =
+        isInput && origin.offset < use->second.wires.size() && use->second.wires[origin.offset].line != 0;
     if (!isWired) return;
     place.line = use->second.wires[origin.offset].line;
     place.column = use->second.wires[origin.offset].column;
@@ -363,6 +373,7 @@ struct SourceMap::Impl {
   std::map<const IShaderFragment*, Use> uses;
   std::map<std::pair<std::string, WString>, const IShaderFragment*> owners;
   std::map<const IShaderFragment*, std::size_t> writers;  // the first of each fragment
+  std::map<const IShaderFragment*, InputNumbers> inputNumbers;
   std::map<WString, NamedValue> names;
   bool namesAreKnown = false;
   SourcePlace unbalanced;
