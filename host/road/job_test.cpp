@@ -147,11 +147,11 @@ TEST_F(JobTest, NamesThePlaceInATextAndTheDocumentAloneForPlainData) {
   const std::string text =
       "{ \"outputs\": [ { \"name\": \"color\", \"type\": \"float3\" } ],\n  \"nodes\": [] }";
   Job placed(libraries, Document::fromText(text, "editor"));
-  const Diagnostic error{Severity::error, "editor", 1, 16, "graph output `color` has no `node`",
+  const Diagnostic expected{Severity::error, "editor", 1, 16, "graph output `color` has no `node`",
                          "unwired-output"};
   const std::vector<Diagnostic> found = refusal(placed);
   ASSERT_EQ(found.size(), 2u);
-  EXPECT_EQ(found[0], error);
+  EXPECT_EQ(found[0], expected);
   EXPECT_EQ(found[0].place(), "editor:1:16");
   EXPECT_EQ(found[1].severity, Severity::note);
   EXPECT_EQ(found[1].place(), "editor:1:16");

@@ -78,8 +78,9 @@ TEST(ServerTest, TakesNoStackForDepth) {
        R"({"method":"$/cancelRequest","params":{"id":)" + deep + "}}",
        R"({"method":"textDocument/didOpen","params":{"textDocument":{"uri":"file:///a.json","text":")" +
            deep + R"("}}})",
-       R"({"id":2,"method":"textDocument/hover","params":{"textDocument":{"uri":"file:///a.json"},"position":)"
-       R"({"line":0,"character":200000}}})"})
+       std::string(
+           R"({"id":2,"method":"textDocument/hover","params":{"textDocument":{"uri":"file:///a.json"},"position":)"
+           R"({"line":0,"character":200000}}})")})
     bytes += framed(message);
   EXPECT_EQ(talk(bytes).answers.size(), 2u);
 }
