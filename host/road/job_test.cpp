@@ -148,7 +148,7 @@ TEST_F(JobTest, NamesThePlaceInATextAndTheDocumentAloneForPlainData) {
       "{ \"outputs\": [ { \"name\": \"color\", \"type\": \"float3\" } ],\n  \"nodes\": [] }";
   Job placed(libraries, Document::fromText(text, "editor"));
   const Diagnostic expected{Severity::error, "editor", 1, 16, "graph output `color` has no `node`",
-                         "unwired-output"};
+                            "unwired-output"};
   const std::vector<Diagnostic> found = refusal(placed);
   ASSERT_EQ(found.size(), 2u);
   EXPECT_EQ(found[0], expected);
