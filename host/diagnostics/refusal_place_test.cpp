@@ -36,7 +36,7 @@ TEST_F(RefusalPlaceTest, NamesWhatTheMessageIsAbout) {
   EXPECT_EQ(placeOf(R"({ "outputs": [ { "name": "o", "type": "float" } ] })"),
             "graph.json:1:16: graph output `o` has no `node`\n");
   EXPECT_EQ(placeOf(withNodes("\n{ \"name\": \"a\", \"fragment\": \"gone\" }")),
-            "graph.json:2:29: node `a` uses the fragment `gone`, which no library has\n");
+            "graph.json:2:28: node `a` uses the fragment `gone`, which no library has\n");
   EXPECT_EQ(placeOf(withNodes(
                 "\n{ \"name\": \"a\", \"fragment\": \"pass\", \"inputs\": { \"x\": { \"node\": \"a\" } } }")),
             "graph.json:2:53: input `x` of node `a` closes a loop through node `a`\n");
@@ -52,8 +52,8 @@ TEST_F(RefusalPlaceTest, NamesTheFileAtLeast) {
 TEST_F(RefusalPlaceTest, NamesEachUnknownFragmentOnce) {
   EXPECT_EQ(placeOf(withNodes(R"({ "name": "a", "fragment": "pas" }, { "name": "b", "fragment": "gone" },
 { "name": "c", "fragment": "pas" })")),
-            "graph.json:1:109: node `a` uses the fragment `pas`, which no library has; did you mean `pass`?\n"
-            "graph.json:1:143: node `b` uses the fragment `gone`, which no library has\n");
+            "graph.json:1:102: node `a` uses the fragment `pas`, which no library has; did you mean `pass`?\n"
+            "graph.json:1:138: node `b` uses the fragment `gone`, which no library has\n");
 }
 
 TEST_F(RefusalPlaceTest, TellsTheCauseOfAFragmentThatDidNotLoadInFrontOfItsNode) {
@@ -64,7 +64,7 @@ TEST_F(RefusalPlaceTest, TellsTheCauseOfAFragmentThatDidNotLoadInFrontOfItsNode)
   const std::string cause = path("lib.fraglib") + ":1:27";
   EXPECT_EQ(textOf(told), cause +
                               ": fragment `broken`: `language` must be an array of strings, not a number\n" +
-                              "graph.json:1:109: for node `a`, the fragment `broken` cannot be loaded: see " +
+                              "graph.json:1:102: for node `a`, the fragment `broken` cannot be loaded: see " +
                               cause + "\n");
   EXPECT_EQ(told.front().severity, Severity::error);
   EXPECT_EQ(told.back().severity, Severity::note);
