@@ -45,8 +45,19 @@ private:
     for (std::size_t i = 0; i < std::min(node.getNumOutputs(), code.getNumOutputs()); ++i) {
       const AParameter& port = *node.getOutput(i);
       const bool isSame = fitOf(port, *code.getOutput(i), true) == Fit::fits;
-      if (!isSame) tell(node, "output ", port, *code.getOutput(i), node.outputPlaces()[i]);
+      if (!isSame && !isOutputOfAProfile(code, i, port))
+        tell(node, "output ", port, *code.getOutput(i), node.outputPlaces()[i]);
     }
+  }
+
+  /// Profiles for other lights may have outputs of other types.
+  static bool isOutputOfAProfile(const IShaderFragment& code, std::size_t output, const AParameter& port) {
+    const WString type = port.getType() == TypeID_struct ? port.getStructName() : port.getType().toString();
+    for (std::size_t i = 1; i < code.getNumProfiles(); ++i) {
+      const ITextParameterList& list = *code.getProfile(i)->getFunctionParameters();
+      if (output < list.getNumOutputs() && list.getOutputType(output) == type) return true;
+    }
+    return false;
   }
 
   void tell(const GraphNode& node, const std::string& role, const AParameter& port, const AParameter& code,

@@ -47,6 +47,16 @@ TEST_F(InterfaceCheckTest, TellsOutputsOfAnyOtherType) {
       "code of fragment `tint`\n");
 }
 
+TEST_F(InterfaceCheckTest, TakesOutputsOfTheProfilesForOtherLights) {
+  writeLibrary(R"json({ "lamp": { "profiles": [
+    { "language": ["dx11"], "implementation": ["void lamp(out float3 light)", "{", "light = 1;", "}"] },
+    { "name": "Ray", "language": ["dx11"], "implementation": ["void lamp(out Ray light)", "{", "}"] } ] } })json");
+  EXPECT_EQ(told("lamp", "", R"({ "name": "light", "type": "struct", "struct": "Ray" })"), "");
+  EXPECT_EQ(told("lamp", "", port("light", "float2")), "graph.json:3:40: output `light` of node `a` is of "
+                                                       "type `float2` here, but of type `float3` in the code "
+                                                       "of fragment `lamp`\n");
+}
+
 TEST_F(InterfaceCheckTest, LeavesTheNumberOfPortsToTheCollapse) {
   EXPECT_EQ(told("tint", port("color", "float3"), port("result", "float3") + "," + port("s", "float")), "");
 }
