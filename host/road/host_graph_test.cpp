@@ -158,8 +158,8 @@ TEST(HostGraphTest, RefusalsNameTheHostsNodes) {
     return text;
   };
   EXPECT_EQ(told([](OwnGraph& g) { g.nodes[1]->fragment = L"nope"; }),
-            ": sfgError : Failed to create fragment: nope!\n"
-            "graph: node `colors` uses the fragment `nope`, which no library has\n");
+            "graph: node `colors` uses the fragment `nope`, which no library has\n"
+            "graph: the generator says \"sfgError : Failed to create fragment: nope!\"\n");
   EXPECT_NE(told([](OwnGraph& g) { g.nodes[1]->inputs[0].source = g.nodes[3].get(); }).find("circular loop"),
             std::string::npos);
 }

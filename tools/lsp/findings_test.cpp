@@ -29,8 +29,8 @@ std::string mended(const host::Diagnostic& diagnostic) {
 TEST(FindingsTest, UnderlinesWhatStandsAtThePlace) {
   EXPECT_EQ(underlined(at(2, 3)), "\"nodes\"");
   EXPECT_EQ(underlined(at(2, 14)), "{");
-  EXPECT_EQ(underlined(at(3, 18)), "farc");
-  EXPECT_EQ(underlined(at(3, 22)), "(");
+  EXPECT_EQ(underlined(at(3, 17)), "farc");
+  EXPECT_EQ(underlined(at(3, 21)), "(");
   EXPECT_EQ(underlined(at(4, 8)), "12");
   EXPECT_EQ(underlined(at(0, 0)), "");
   EXPECT_EQ(underlined(at(99, 1)), "");
@@ -38,10 +38,10 @@ TEST(FindingsTest, UnderlinesWhatStandsAtThePlace) {
 
 TEST(FindingsTest, MendsTheNameThatIsNear) {
   EXPECT_EQ(mended(at(2, 28, "checker")), "\"chekcer\" -> checker");
-  EXPECT_EQ(mended(at(2, 16, "checker")), "\"chekcer\" -> checker");
+  EXPECT_EQ(mended(at(2, 14, "checker")), "\"chekcer\" -> checker");
   EXPECT_EQ(mended(at(2, 3, "node")), "\"nodes\" -> node");
-  EXPECT_EQ(mended(at(3, 18, "frac")), "farc -> frac");
-  EXPECT_EQ(mended(at(3, 18, "other")), "-");
+  EXPECT_EQ(mended(at(3, 17, "frac")), "farc -> frac");
+  EXPECT_EQ(mended(at(3, 17, "other")), "-");
   EXPECT_EQ(mended(at(2, 28)), "-");
   EXPECT_EQ(mended(at(0, 0, "checker")), "-");
 }

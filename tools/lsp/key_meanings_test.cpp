@@ -19,7 +19,7 @@ TEST(KeyMeaningsTest, KnowsTheKeysOfEachObject) {
             "description inputs outputs uniforms nodes preprocess postprocess $schema");
   EXPECT_EQ(keys(DocumentKind::graph, {"nodes", "*"}), "name! fragment! inputs interface");
   EXPECT_EQ(keys(DocumentKind::graph, {"nodes", "*", "inputs", "a"}),
-            "node output graphInput value constant");
+            "node! output graphInput! value! constant!");
   EXPECT_EQ(keys(DocumentKind::graph, {"nodes", "*", "inputs"}), "");
   EXPECT_EQ(keys(DocumentKind::graph, {"nothing"}), "");
   EXPECT_EQ(keys(DocumentKind::environment, {"lights", "*"}), "name fragment! profile");

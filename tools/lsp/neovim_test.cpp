@@ -130,7 +130,7 @@ TEST_F(NeovimTest, WorksOnAGraph) {
       "graph.json -c 'luafile work.lua' >out 2>&1";
   EXPECT_EQ(std::system(command.c_str()), 0) << read("out");
   EXPECT_EQ(read("answers"),
-            "diagnostic 5:33 node `tiles` uses the fragment `chekcer`, which no library has; "
+            "diagnostic 5:36 node `tiles` uses the fragment `chekcer`, which no library has; "
             "did you mean `checker`? unknown-fragment\n"
             "mended\n"
             "hover Squares of 0 and 1.\n"
