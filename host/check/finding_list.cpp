@@ -44,8 +44,10 @@ void raiseForCheck(std::vector<FindingGroup>& groups) {
 }
 
 std::vector<Diagnostic> sortedFindings(std::vector<FindingGroup> groups) {
-  std::stable_sort(groups.begin(), groups.end(),
-                   [](const FindingGroup& a, const FindingGroup& b) { return placeOf(a) < placeOf(b); });
+  // Of one thing that is told as an error and as a warning the error counts.
+  std::stable_sort(groups.begin(), groups.end(), [](const FindingGroup& a, const FindingGroup& b) {
+    return placeOf(a) != placeOf(b) ? placeOf(a) < placeOf(b) : a.finding.severity < b.finding.severity;
+  });
   std::vector<Diagnostic> sorted;
   std::set<std::pair<std::string, std::string>> told;
   for (std::size_t i = 0; i < groups.size(); ++i) {
