@@ -33,7 +33,7 @@ TEST_F(CheckerTest, EqualFindingsForAnyNumberOfThreads) {
   EXPECT_EQ(one.counts.profiles, 40u);
   EXPECT_EQ(one.counts.graphs, 1u);
   EXPECT_EQ(one.counts.environments, 1u);
-  for (const std::size_t threads : {2, 3, 8}) {
+  for (const std::size_t threads : {2u, 3u, 8u}) {
     CheckOptions fresh = options();
     fresh.cache = nullptr;
     EXPECT_EQ(textOf(Checker(fresh).check(files, threads)), textOf(one));
