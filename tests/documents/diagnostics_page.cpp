@@ -1,6 +1,7 @@
 #include "tests/documents/diagnostics_page.h"
 
 #include <sstream>
+#include <utility>
 
 namespace TolmSDK::test {
 
