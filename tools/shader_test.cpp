@@ -485,7 +485,7 @@ TEST_F(ShaderTest, SaysThatThereAreNoCompilers) {
   write("graph.json", kTinted);
   const CommandRun result = run("compile graph.json -L lib -o out.spv");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "graph.json: error: this library was built without compilers\n");
+  EXPECT_EQ(result.err, "graph.json: error: this library was built without compilers [compile-error]\n");
   EXPECT_FALSE(exists("out.spv"));
 }
 
