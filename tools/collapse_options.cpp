@@ -135,7 +135,7 @@ host::LibraryFolders foldersOf(const LibraryOptions& options, const host::Librar
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
                                                       Diagnostics& diagnostics) {
   auto libraries = host::LibrarySet::load(foldersOf(options, {}, diagnostics), options.language);
-  diagnostics.show(libraries->problems());
+  diagnostics.hold(libraries->problems());
   return libraries;
 }
 
@@ -240,7 +240,7 @@ void writeDepfile(const DepfileOptions& options, const std::string& output, cons
 }
 
 Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) {
-  diagnostics.show(job.problems());
+  diagnostics.hold(job.problems());
   if (const std::vector<host::Diagnostic> errors = job.errors(); completeShader && !errors.empty()) {
     diagnostics.show(errors);
     return Outcome::thrown;

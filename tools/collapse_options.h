@@ -62,8 +62,8 @@ void declareLibraryOptions(CLI::App& app, LibraryOptions& options);
 /// diagnostics show is set, too.
 host::LibraryFolders foldersOf(const LibraryOptions& options, const host::LibraryFolders& more,
                                Diagnostics& diagnostics);
-/// The libraries, whose problems are written; the installed ones come first, so that others override them.
-/// Throws InputError.
+/// The libraries, whose problems are told with what follows; the installed ones come first, so that others
+/// override them. Throws InputError.
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
                                                       Diagnostics& diagnostics);
 

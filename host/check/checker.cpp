@@ -157,6 +157,9 @@ Checker::Checker(Checker&& other) noexcept = default;
 Checker& Checker::operator=(Checker&& other) noexcept = default;
 Checker::~Checker() = default;
 
+const std::shared_ptr<const LibrarySet>& Checker::libraries() const noexcept {
+  return state_->tools.libraries;
+}
 std::vector<std::string> Checker::libraryFiles() const { return state_->loaded->files().files(); }
 
 CheckResult Checker::checkLibrary(const std::string& file) const { return check({{file}, {}, {}}); }

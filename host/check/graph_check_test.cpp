@@ -67,8 +67,9 @@ TEST_F(GraphCheckTest, GivenEnvironmentLightsTheGraph) {
   given.environment =
       Document::fromText(R"json({"lights": [{"fragment": "lamp", "profile": "Other"}]})json", "scene.json");
   EXPECT_EQ(textOf(Checker(given).checkGraph(Document::fromText(kMatte, "graph.json"))),
-            "scene.json:1:13: error: light `light0` asks for the profile `Other` [light-profile]\n"
-            "scene.json:1:13: note: Failed to set light profile Other. [generator]\n");
+            "scene.json:1:45: error: light `light0` asks for the profile `Other`, which its fragment `lamp` "
+            "does not have; known are `Lamp` [light-profile]\n"
+            "scene.json:1:45: note: the generator says \"Failed to set light profile Other.\" [generator]\n");
 }
 
 TEST_F(GraphCheckTest, OnlyTheGivenTool) {
@@ -88,7 +89,7 @@ TEST_F(GraphCheckTest, LoopIsToldAtTheWireThatClosesIt) {
  {"name": "a", "fragment": "matte", "inputs": {"albedo": {"node": "b"}}},
  {"name": "b", "fragment": "matte", "inputs": {"albedo": {"node": "a"}}}]})json"),
             "graph.json:3:58: error: input `albedo` of node `b` closes a loop through node `a` [loop]\n"
-            "graph.json:3:58: note: sfgError : circular loop: matte! [generator]\n");
+            "graph.json:3:58: note: the generator says \"sfgError : circular loop: matte!\" [generator]\n");
 }
 
 TEST_F(GraphCheckTest, BrokenDocumentIsOneError) {

@@ -52,8 +52,8 @@ TEST_F(JobFindingsTest, RefusedDocumentEndsTheJobWithWhatWasFoundBefore) {
 TEST_F(JobFindingsTest, PlaceOfARefusalIsTheErrorAndTheMessageItsNote) {
   EXPECT_EQ(
       find("{}", kGraph),
-      "graph.json:2:12: error: node `n` uses the fragment `f`, which no library has [unknown-fragment]\n"
-      "graph.json:2:12: note: sfgError : Failed to create fragment: f! [generator]\n");
+      "graph.json:2:38: error: node `n` uses the fragment `f`, which no library has [unknown-fragment]\n"
+      "graph.json:2:38: note: the generator says \"sfgError : Failed to create fragment: f!\" [generator]\n");
 }
 
 }  // namespace

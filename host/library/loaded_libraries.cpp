@@ -50,10 +50,10 @@ void requireFolder(const std::string& folder) {
 }
 
 void requireLanguage(const std::string& language) {
-  const std::vector<std::string> known = {toUtf8(LanguageDx11::kName)};
-  if (language == known.front()) return;
+  const std::string known = toUtf8(LanguageDx11::kName);
+  if (language == known) return;
   throw inputError(Finding::unknownLanguage, std::string(), {},
-                   "unknown language " + inTicks(language) + "; known is " + inTicks(known.front()));
+                   "unknown language " + inTicks(language) + knownNameHint(language, known));
 }
 
 bool isLibraryName(const fs::path& file) {
@@ -187,7 +187,9 @@ UnknownName LoadedLibraries::whyUnknown(std::string_view name) const {
   if (failure != failures_.end()) {
     return {Finding::notLoaded,
             "the fragment " + inTicks(name) + " cannot be loaded: see " + failure->second.place(),
-            {}};
+            {},
+            {},
+            failure->second};
   }
   NearName search(name);
   std::vector<std::string> names;
@@ -195,7 +197,7 @@ UnknownName LoadedLibraries::whyUnknown(std::string_view name) const {
   for (const auto& [known, entry] : files_.entries()) search.offer(names.emplace_back(toUtf8(known)));
   std::string hint = didYouMean(search.nearest());
   if (hint.empty() && lacksFile_) hint = "; not all libraries could be read";
-  return {Finding::unknownFragment, "unknown fragment " + inTicks(name), hint};
+  return {Finding::unknownFragment, "unknown fragment " + inTicks(name), hint, std::string(search.nearest())};
 }
 
 std::string LoadedLibraries::includeFile(const WString& name) const {

@@ -85,6 +85,8 @@ public:
   Checker& operator=(Checker&& other) noexcept;
   ~Checker();
 
+  /// What was loaded: with the texts in place of files. Lives as long as it is held.
+  const std::shared_ptr<const LibrarySet>& libraries() const noexcept;
   /// The library files of the folders, in the order in which they were loaded.
   std::vector<std::string> libraryFiles() const;
 
