@@ -5,6 +5,7 @@
 
 #include "host/job/collapse_job.h"
 #include "host/shader/shader_assembly.h"
+#include "sfg/host/check.h"
 #include "sfg/host/compile.h"
 #include "tolmsdk/unicode.h"
 
@@ -69,6 +70,36 @@ Case allOf(const std::string& name, const std::vector<Step>& steps) {
           }};
 }
 
+/// Every profile of the standard fragments, compiled alone by one thread.
+Case checkOfLibrary() {
+  return {"check", {0}, [](std::size_t) {
+            host::CheckOptions options;
+            options.folders = {{"library"}, {"library"}};
+            const auto files = std::make_shared<host::Checker::Files>();
+            files->libraries = host::Checker(options).libraryFiles();
+            Work work;
+            work.fragments = host::Checker(options).check(*files).counts.fragments;
+            work.round = [options, files] { host::Checker(options).check(*files); };
+            return work;
+          }};
+}
+
+/// The same again, as an editor asks for it after each key: the cache has all.
+Case checkAgain() {
+  return {"check: again", {0}, [](std::size_t) {
+            host::CheckOptions options;
+            options.folders = {{"library"}, {"library"}};
+            options.cache = std::make_shared<host::CheckCache>();
+            const auto checker = std::make_shared<host::Checker>(options);
+            const auto files = std::make_shared<host::Checker::Files>();
+            files->libraries = checker->libraryFiles();
+            Work work;
+            work.fragments = checker->check(*files).counts.fragments;
+            work.round = [checker, files] { checker->check(*files); };
+            return work;
+          }};
+}
+
 }  // namespace
 
 std::vector<Case> jobCases() {
@@ -88,6 +119,10 @@ std::vector<Case> jobCases() {
     cases.push_back(lastOf(name, taken));
   }
   cases.insert(cases.begin(), allOf("job", taken));
+  if (host::hasCompilers()) {
+    cases.push_back(checkOfLibrary());
+    cases.push_back(checkAgain());
+  }
   return cases;
 }
 

@@ -10,7 +10,8 @@ namespace TolmSDK::Graphics::sfg::benchmarks {
 
 /// "job", all of it over a library set that is loaded, and below it its steps, each over what the steps
 /// before it made: read, collapse, assemble, reflect; with compilers compile (to SPIR-V) and translate (to
-/// GLSL). None when the working folder is not the repository's root.
+/// GLSL). Then "check", the standard fragments with every profile compiled alone, and the same again with a
+/// cache. None when the working folder is not the repository's root.
 std::vector<Case> jobCases();
 
 }  // namespace TolmSDK::Graphics::sfg::benchmarks

@@ -32,14 +32,24 @@ public:
   void load() const {
     if (loading_.onFile) loading_.onFile(path_);
     const RefPtr<IObjectDataNode> document(createJsonNode());
-    if (!document->loadFromFile(path_)) return failFile(document->getLoadError());
-    if (document->kind() != NodeKind::object)
-      return failFile(L"a fragment library is an object of fragments");
-    for (std::size_t i = 0, count = document->size(); i < count; ++i)
-      if (const IObjectDataNode* node = document->element(i)) loadFragment(document->memberName(i), *node, i);
+    const WString* const text = loading_.textOf ? loading_.textOf(path_) : nullptr;
+    load(*document, text != nullptr ? document->loadFromText(*text) : document->loadFromFile(path_));
+  }
+
+  void loadText(std::wstring_view text) const {
+    if (loading_.onFile) loading_.onFile(path_);
+    const RefPtr<IObjectDataNode> document(createJsonNode());
+    load(*document, document->loadFromText(text));
   }
 
 private:
+  void load(const IObjectDataNode& root, bool isRead) const {
+    if (!isRead) return failFile(root.getLoadError());
+    if (root.kind() != NodeKind::object) return failFile(L"a fragment library is an object of fragments");
+    for (std::size_t i = 0, count = root.size(); i < count; ++i)
+      if (const IObjectDataNode* node = root.element(i)) loadFragment(root.memberName(i), *node, i);
+  }
+
   void loadFragment(const WString& name, const IObjectDataNode& node, std::size_t index) const {
     if (loading_.isFragment && !loading_.isFragment(name)) return;
     if (loading_.onFragment) loading_.onFragment(path_, name, node);
@@ -113,6 +123,10 @@ bool FragmentLibrary::loadFragments(const wchar_t* folder, const FragmentLoading
   for (const WString& path : EnumFiles(folder))
     if (isLibraryFile(path)) LibraryFileLoader(*this, path, loading).load();
   return true;
+}
+
+void FragmentLibrary::loadText(const WString& name, std::wstring_view text, const FragmentLoading& loading) {
+  LibraryFileLoader(*this, name, loading).loadText(text);
 }
 
 bool FragmentLibrary::addFragment(const wchar_t* name, const wchar_t* prototype, const wchar_t* body,

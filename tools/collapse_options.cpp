@@ -58,6 +58,17 @@ std::vector<std::filesystem::path> pathsOf(const std::vector<std::string>& folde
   return {folders.begin(), folders.end()};
 }
 
+/// Those that are among the others, under whatever name, are left to them.
+void addFolders(std::vector<std::filesystem::path>& folders, const std::vector<std::filesystem::path>& more) {
+  std::erase_if(folders, [&](const std::filesystem::path& folder) {
+    std::error_code error;
+    return std::any_of(more.begin(), more.end(), [&](const std::filesystem::path& other) {
+      return std::filesystem::equivalent(folder, other, error);
+    });
+  });
+  folders.insert(folders.end(), more.begin(), more.end());
+}
+
 void tellFolders(const char* what, const std::vector<std::filesystem::path>& folders,
                  Diagnostics& diagnostics) {
   for (const std::filesystem::path& folder : folders) {
@@ -107,17 +118,24 @@ void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
       "full on a terminal");
 }
 
-std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
-                                                      Diagnostics& diagnostics) {
+host::LibraryFolders foldersOf(const LibraryOptions& options, const host::LibraryFolders& more,
+                               Diagnostics& diagnostics) {
   diagnostics.setDetail(options.detail);
   host::LibraryFolders folders{pathsOf(options.libraryFolders), pathsOf(options.includeFolders)};
+  addFolders(folders.libraries, more.libraries);
+  addFolders(folders.includes, more.includes);
   if (!options.withoutStandard) addStandardLibrary(folders, findStandardLibrary());
   if (options.verbose) {
     tellFolders("fragments", folders.libraries, diagnostics);
     tellFolders("include files", folders.includes, diagnostics);
   }
-  auto libraries = host::LibrarySet::load(folders, options.language);
-  diagnostics.show(libraries->problems());
+  return folders;
+}
+
+std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
+                                                      Diagnostics& diagnostics) {
+  auto libraries = host::LibrarySet::load(foldersOf(options, {}, diagnostics), options.language);
+  diagnostics.hold(libraries->problems());
   return libraries;
 }
 
@@ -222,7 +240,7 @@ void writeDepfile(const DepfileOptions& options, const std::string& output, cons
 }
 
 Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) {
-  diagnostics.show(job.problems());
+  diagnostics.hold(job.problems());
   if (const std::vector<host::Diagnostic> errors = job.errors(); completeShader && !errors.empty()) {
     diagnostics.show(errors);
     return Outcome::thrown;

@@ -58,8 +58,12 @@ struct LibraryOptions {
 };
 /// -L, -I, --language, --no-standard-library, -v and --diagnostics.
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options);
-/// The libraries, whose problems are written; the installed ones come first, so that others override them.
-/// Throws InputError.
+/// The folders that the options name, `more` behind them, the installed ones in front of all. How much the
+/// diagnostics show is set, too.
+host::LibraryFolders foldersOf(const LibraryOptions& options, const host::LibraryFolders& more,
+                               Diagnostics& diagnostics);
+/// The libraries, whose problems are told with what follows; the installed ones come first, so that others
+/// override them. Throws InputError.
 std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& options,
                                                       Diagnostics& diagnostics);
 

@@ -35,10 +35,14 @@ private:
 
 std::unique_ptr<Command> makeCollapseCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCompileCommand(CLI::App& parent);
+std::unique_ptr<Command> makeGraphCommand(CLI::App& parent);
 std::unique_ptr<Command> makeReflectCommand(CLI::App& parent);
+std::unique_ptr<Command> makeCheckCommand(CLI::App& parent);
+std::unique_ptr<Command> makeReferenceCommand(CLI::App& parent);
 std::unique_ptr<Command> makeSchemaCommand(CLI::App& parent);
 std::unique_ptr<Command> makeListCommand(CLI::App& parent);
 std::unique_ptr<Command> makeDumpCommand(CLI::App& parent);
+std::unique_ptr<Command> makeLspCommand(CLI::App& parent);
 std::unique_ptr<Command> makeNewCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCompletionCommand(CLI::App& parent);
 std::unique_ptr<Command> makeManualCommand(CLI::App& parent);

@@ -15,26 +15,26 @@ namespace fs = std::filesystem;
 
 constexpr const char* kLibrary = R"json({
   "tint": { "language": ["dx11"], "implementation": [
-    "void tint(float3 color, float amount, out float3 result)", "{", "result = color * amount;", "}" ] },
+    "void tint(float3 color, float amount, out float3 result)", "{", "result = color * amount;", "}" ], "ports": { "color": { "value": [0, 0, 0] }, "amount": { "value": 0 } } },
   "pick": { "language": ["dx11"], "implementation": [
     "void pick(sfg_sampler2D image, float2 uv, out float4 result)", "{",
-    "result = image.image.Sample(image.filtering, uv);", "}" ] },
+    "result = image.image.Sample(image.filtering, uv);", "}" ], "ports": { "uv": { "value": [0, 0] } } },
   "measure": { "language": ["dx11"], "predefine": ["struct Patch { float size; };"], "implementation": [
-    "void measure(Patch patch, inout float seed, out float result)", "{", "result = patch.size + seed;", "}" ] },
+    "void measure(Patch patch, inout float seed, out float result)", "{", "result = patch.size + seed;", "}" ], "ports": { "seed": { "value": 0 } } },
   "twice": { "mode": "inline", "language": ["dx11"], "implementation": ["{{a}} * 2.0"] },
   "sum": { "mode": "inline", "language": ["dx11"], "implementation": ["{{a}} + {{b}}"] },
   "clock": { "language": ["dx11"], "implementation": ["void clock(out float ticks)", "{", "ticks = sfg_time;", "}"] },
   "grade": { "language": ["dx11"], "implementation": [
-    "void grade(float3 color, out float3 result)", "{", "result = color;", "}" ] },
+    "void grade(float3 color, out float3 result)", "{", "result = color;", "}" ], "ports": { "color": { "value": [0, 0, 0] } } },
   "frame": { "language": ["dx11"], "implementation": [
-    "void frame(float4 color, out float4 result)", "{", "result = color;", "}" ] },
+    "void frame(float4 color, out float4 result)", "{", "result = color;", "}" ], "ports": { "color": { "value": [0, 0, 0, 0] } } },
   "lamp": { "name": "Lamp", "language": ["dx11"], "predefine": ["struct Lamp { float3 color; };"], "implementation": [
     "void lamp(out Lamp light)", "{", "light.color = float3(1, 1, 1);", "}" ] },
   "lit": { "profiles": [
     { "name": "default", "language": ["dx11"], "implementation": [
       "void lit(float3 albedo, out float3 result)", "{", "result = albedo;", "}" ] },
     { "name": "Lamp", "language": ["dx11"], "implementation": [
-      "void lit(float3 albedo, out float3 result)", "{", "result = albedo * sfg_currentLight.color;", "}" ] } ] }
+      "void lit(float3 albedo, out float3 result)", "{", "result = albedo * sfg_currentLight.color;", "}" ] } ], "ports": { "albedo": { "value": [0, 0, 0] } } }
 })json";
 
 std::string readFile(const fs::path& path) {

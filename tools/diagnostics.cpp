@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
@@ -37,12 +38,29 @@ Diagnostics Diagnostics::standard() {
   return Diagnostics(std::cerr, wantsColours(), isatty(STDERR_FILENO) != 0);
 }
 
-void Diagnostics::show(std::span<const host::Diagnostic> diagnostics) {
-  for (const host::Diagnostic& diagnostic : diagnostics) show(diagnostic);
+void Diagnostics::hold(std::span<const host::Diagnostic> diagnostics) {
+  held_.insert(held_.end(), diagnostics.begin(), diagnostics.end());
 }
 
-void Diagnostics::show(const host::Diagnostic& diagnostic) {
-  if (diagnostic.severity == host::Severity::message) return plain(diagnostic.text);
+void Diagnostics::release(std::span<const host::Diagnostic> next) {
+  for (const host::Diagnostic& held : held_) {
+    if (std::find(next.begin(), next.end(), held) == next.end()) write(held);
+  }
+  held_.clear();
+}
+
+void Diagnostics::show(std::span<const host::Diagnostic> diagnostics) {
+  release(diagnostics);
+  for (const host::Diagnostic& diagnostic : diagnostics) write(diagnostic);
+}
+
+void Diagnostics::show(const host::Diagnostic& diagnostic) { show({&diagnostic, 1}); }
+
+void Diagnostics::write(const host::Diagnostic& diagnostic) {
+  if (diagnostic.severity == host::Severity::message) {
+    out_ << diagnostic.text << '\n' << std::flush;
+    return;
+  }
   const Kind& kind = kindOf(diagnostic.severity);
   const std::string place = diagnostic.place();
   const std::string start = (place.empty() ? std::string("sfg") : place) + ": ";
@@ -60,6 +78,9 @@ void Diagnostics::show(const host::Diagnostic& diagnostic) {
   out_ << std::flush;
 }
 
-void Diagnostics::plain(const std::string& text) { out_ << text << '\n' << std::flush; }
+void Diagnostics::plain(const std::string& text) {
+  release({});
+  out_ << text << '\n' << std::flush;
+}
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -6,6 +6,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "sfg/host/diagnostic.h"
 #include "tools/source_view.h"
@@ -22,10 +23,16 @@ class Diagnostics {
 public:
   Diagnostics(std::ostream& out, bool colours, bool isTerminal = false)
       : out_(out), colours_(colours), isTerminal_(isTerminal) {}
+  Diagnostics(const Diagnostics&) = delete;
+  Diagnostics& operator=(const Diagnostics&) = delete;
+  ~Diagnostics() { release({}); }
   /// The standard error stream.
   static Diagnostics standard();
 
   void setDetail(Detail detail) { detail_ = detail; }
+  /// What is shown at once when something else is, in front of it, unless that tells the same again: then
+  /// only there, beside what follows from it.
+  void hold(std::span<const host::Diagnostic> diagnostics);
   void show(const host::Diagnostic& diagnostic);
   void show(std::span<const host::Diagnostic> diagnostics);
   /// An error of the command itself.
@@ -40,10 +47,14 @@ public:
   void plain(const std::string& text);
 
 private:
+  void release(std::span<const host::Diagnostic> next);
+  void write(const host::Diagnostic& diagnostic);
+
   std::ostream& out_;
   bool colours_;
   bool isTerminal_;
   Detail detail_ = Detail::standard;
+  std::vector<host::Diagnostic> held_;
   std::set<std::string> shown_;
   SourceView sources_;
 };

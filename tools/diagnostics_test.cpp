@@ -39,6 +39,20 @@ TEST(DiagnosticsTest, ShowsNothingTwice) {
   EXPECT_EQ(out.str(), "a.json:3:4: error: wrong [wrong-kind]\na.json: warning: odd [unknown-key]\n");
 }
 
+TEST(DiagnosticsTest, ShowsWhatIsHeldInFrontOfWhatFollows) {
+  std::ostringstream out;
+  {
+    Diagnostics diagnostics(out, false);
+    diagnostics.hold(std::span(kEach).first(2));
+    EXPECT_EQ(out.str(), "");
+    // The first is told again, beside what follows from it.
+    diagnostics.show(std::vector{kEach[0], kEach[2]});
+    diagnostics.hold(std::span(kEach).last(1));
+  }
+  EXPECT_EQ(out.str(), "a.json: warning: odd [unknown-key]\na.json:3:4: error: wrong [wrong-kind]\n"
+                       "sfg: note: so [loop]\nsfgError : as it is!\n");
+}
+
 class DetailTest : public CommandTest {};
 
 TEST_F(DetailTest, ShowsTheSourceInFullOrOnATerminal) {

@@ -86,7 +86,14 @@ TEST_F(CompiledReflectTest, TellsAttributesBuffersAndRenderTargets) {
             "kind": "node",
             "owner": "a",
             "name": "color",
-            "fragment": "tint"
+            "fragment": "tint",
+            "port": {
+              "value": [
+                0,
+                0,
+                0
+              ]
+            }
           }
         }
       ]
@@ -143,7 +150,14 @@ TEST_F(ReflectTest, TellsTheElementsOfAComputeStage) {
             "kind": "node",
             "owner": "a",
             "name": "color",
-            "fragment": "tint"
+            "fragment": "tint",
+            "port": {
+              "value": [
+                0,
+                0,
+                0
+              ]
+            }
           }
         }
       ]
@@ -315,7 +329,8 @@ TEST_F(CompiledReflectTest, NotesOnLinesWithReadableNamesKnowTheirFragments) {
     "implementation": ["nothing({{amount}})"] } })json");
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "b" } ],
     "nodes": [ { "name": "b", "fragment": "odd", "interface": {
-      "inputs": [ { "name": "amount", "type": "float" } ], "outputs": [ { "name": "r", "type": "float3" } ] } } ] })");
+      "inputs": [ { "name": "amount", "type": "float", "value": 0 } ],
+      "outputs": [ { "name": "r", "type": "float3" } ] } } ] })");
   const CommandRun result = run("compile graph.json -L lib");
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(

@@ -22,24 +22,24 @@ std::ostream& operator<<(std::ostream& out, const Refusal& refusal) { return out
 constexpr const char* kCallers = R"json({
   "lerp3": { "mode": "inline", "language": ["dx11"], "implementation": ["lerp({{x}}, {{y}}, 0.5)"] },
   "blend3": { "language": ["dx11"], "implementation": [
-    "void blend3(float3 x, float3 y, out float3 result)", "{", "result = x + y;", "}" ] },
+    "void blend3(float3 x, float3 y, out float3 result)", "{", "result = x + y;", "}" ], "ports": { "x": { "value": [0, 0, 0] }, "y": { "value": [0, 0, 0] } } },
   "coarse3": { "profiles": [
     { "language": ["dx11"], "lod": 100, "implementation": [
       "void coarse3(float3 x, float3 y, out float3 result)", "{", "result = x + y;", "}" ] },
-    { "language": ["dx11"], "lod": 10, "mode": "inline", "implementation": ["lerp({{x}}, {{y}}, 0.5)"] } ] },
+    { "language": ["dx11"], "lod": 10, "mode": "inline", "implementation": ["lerp({{x}}, {{y}}, 0.5)"] } ], "ports": { "x": { "value": [0, 0, 0] }, "y": { "value": [0, 0, 0] } } },
   "shade": { "language": ["dx11"], "implementation": [
     "void shade(float3 a, out float3 result)", "{", "float3 called;", "sfg_shader(a, result, called);",
-    "result = called;", "}" ] },
+    "result = called;", "}" ], "ports": { "a": { "value": [0, 0, 0] } } },
   "shadeEarly": { "language": ["dx11"],
     "predefine": ["float3 early() { float3 called; sfg_shader(a, result, called); return called; }"],
-    "implementation": ["void shadeEarly(float3 a, out float3 result)", "{", "result = early();", "}"] },
+    "implementation": ["void shadeEarly(float3 a, out float3 result)", "{", "result = early();", "}"], "ports": { "a": { "value": [0, 0, 0] } } },
   "shadeInComment": { "language": ["dx11"], "implementation": [
-    "void shadeInComment(float3 a, out float3 result)", "{", "// sfg_shader(a, result, result);", "result = a;", "}" ] },
+    "void shadeInComment(float3 a, out float3 result)", "{", "// sfg_shader(a, result, result);", "result = a;", "}" ], "ports": { "a": { "value": [0, 0, 0] } } },
   "shadeLit": { "profiles": [
     { "language": ["dx11"], "implementation": ["void shadeLit(float3 a, out float3 result)", "{", "result = a;", "}"] },
     { "name": "Lamp", "language": ["dx11"], "implementation": [
       "void shadeLit(float3 a, out float3 result)", "{", "float3 called;", "sfg_shader(a, result, called);",
-      "result = called * sfg_currentLight.color;", "}" ] } ] }
+      "result = called * sfg_currentLight.color;", "}" ] } ], "ports": { "a": { "value": [0, 0, 0] } } }
 })json";
 
 /// In place of DOUBLING: forty nodes, each an expression of twice the length of the one before.
@@ -232,15 +232,16 @@ const Refusal kArguments[] = {
      nullptr, "-I nowhere"},
     {"EnvironmentIsMissing", kRed, 2, "nowhere.json: error: no such file [unreadable-file]\n", nullptr,
      "--environment nowhere.json"},
-    {"UnknownLanguage", kRed, 2, "sfg: error: unknown language `dx12`; known is `dx11` [unknown-language]\n",
-     nullptr, "--language dx12"},
+    {"UnknownLanguage", kRed, 2,
+     "sfg: error: unknown language `dx12`; did you mean `dx11`? [unknown-language]\n", nullptr,
+     "--language dx12"},
     {"UnknownTool", kRed, 2,
      "sfg: error: --tool: `fast` is none of `default`, `lightloop` [wrong-usage]\ntry `sfg --help`, or `sfg "
      "COMMAND --help`\n",
      nullptr, "--tool fast"},
     {"UnknownOption", kRed, 2,
-     "sfg: error: the following argument was not expected: --fast [wrong-usage]\ntry `sfg --help`, or `sfg "
-     "COMMAND --help`\n",
+     "sfg: error: unknown option `--fast` of `sfg collapse` [wrong-usage]\n"
+     "try `sfg --help`, or `sfg COMMAND --help`\n",
      nullptr, "--fast"},
     {"LevelOfDetailIsNoNumber", kRed, 2,
      "sfg: error: --surface-lod: `fine` is not a finite number [wrong-usage]\ntry `sfg --help`, or `sfg "
@@ -261,62 +262,70 @@ const Refusal kCollapses[] = {
   "nodes": [
     { "name": "a", "fragment": "paint", "inputs": { "whatever": { "value": 3 } } } ] })",
      1,
-     "sfgError : Failed to create fragment: paint!\ngraph.json:3:5: note: node `a` uses the fragment "
-     "`paint`, which no library has [unknown-fragment]\n"},
+     "graph.json:3:32: error: node `a` uses the fragment `paint`, which no library has [unknown-fragment]\n"
+     "graph.json:3:32: note: the generator says \"sfgError : Failed to create fragment: paint!\" "
+     "[generator]\n"},
     {"Loop", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "grade", "inputs": { "color": { "node": "b" } } },
     { "name": "b", "fragment": "tint", "inputs": { "color": { "node": "c" } } },
     { "name": "c", "fragment": "grade", "inputs": { "color": { "node": "a" } } } ] })",
      1,
-     "sfgError : circular loop: grade!\ngraph.json:4:62: note: input `color` of node `c` closes a loop "
-     "through node `a` [loop]\n"},
+     "graph.json:4:62: error: input `color` of node `c` closes a loop through node `a` [loop]\n"
+     "graph.json:4:62: note: the generator says \"sfgError : circular loop: grade!\" [generator]\n"},
     {"LoopToItself", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "grade", "inputs": { "color": { "node": "a" } } } ] })",
      1,
-     "sfgError : circular loop: grade!\ngraph.json:2:71: note: input `color` of node `a` closes a loop "
-     "through node `a` [loop]\n"},
+     "graph.json:2:71: error: input `color` of node `a` closes a loop through node `a` [loop]\n"
+     "graph.json:2:71: note: the generator says \"sfgError : circular loop: grade!\" [generator]\n"},
     {"NoOutputs", R"({ "nodes": [ { "name": "a", "fragment": "tint" } ] })", 1,
-     "sfgError : the graph should has at least one output!\ngraph.json: note: the graph has no `outputs` "
-     "[no-output]\n"},
+     "graph.json: error: the graph has no `outputs` [no-output]\n"
+     "graph.json: note: the generator says \"sfgError : the graph should has at least one output!\" "
+     "[generator]\n"},
     {"UnwiredOutput", R"({ "outputs": [ { "name": "color", "type": "float3" } ] })", 1,
-     "Graph output must be connected to a fragment!\ngraph.json:1:16: note: graph output `color` has no "
-     "`node` [unwired-output]\n"},
+     "graph.json:1:16: error: graph output `color` has no `node` [unwired-output]\n"
+     "graph.json:1:16: note: the generator says \"Graph output must be connected to a fragment!\" "
+     "[generator]\n"},
     {"UnwiredOutputOfLightLoop", R"({ "outputs": [ { "name": "color", "type": "float3" } ] })", 1,
-     "Graph output must have connection!\ngraph.json:1:16: note: graph output `color` has no `node` "
-     "[unwired-output]\n",
+     "graph.json:1:16: error: graph output `color` has no `node` [unwired-output]\n"
+     "graph.json:1:16: note: the generator says \"Graph output must have connection!\" [generator]\n",
      nullptr, "--tool lightloop"},
     {"PreprocessWithInputs", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "tint" } ], "preprocess": [ "clock", "grade" ] })",
      1,
-     "sfgError : pre-process fragment should has no inputs!\ngraph.json:2:78: note: pre-process fragment "
-     "`grade` has the input `color` [preprocess-input]\n"},
+     "graph.json:2:78: error: pre-process fragment `grade` has the input `color` [preprocess-input]\n"
+     "graph.json:2:78: note: the generator says \"sfgError : pre-process fragment should has no inputs!\" "
+     "[generator]\n"},
     {"PostprocessDoesNotFitGraph", R"({ "outputs": [ { "name": "size", "type": "float", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "measure" } ], "postprocess": [ "grade" ] })",
      1,
-     "sfgError : the graph outputs should be the same as the output fragment inputs!\ngraph.json:1:16: note: "
-     "graph output `size` of type `float` feeds input `color` of post-process fragment `grade` of type "
-     "`float3` [chain-mismatch]\n"},
+     "graph.json:1:16: error: graph output `size` of type `float` feeds input `color` of post-process "
+     "fragment `grade` of type `float3` [chain-mismatch]\n"
+     "graph.json:1:16: note: the generator says \"sfgError : the graph outputs should be the same as the "
+     "output fragment inputs!\" [generator]\n"},
     {"OutputFragmentDoesNotFitGraph", R"({ "outputs": [ { "name": "size", "type": "int", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "measure" } ] })",
      1,
-     "sfgError : the graph outputs should be the same as the output fragment inputs!\ngraph.json:1:16: note: "
-     "graph output `size` of type `int` feeds input `color` of output fragment `frame` of type `float4` "
-     "[chain-mismatch]\n",
+     "graph.json:1:16: error: graph output `size` of type `int` feeds input `color` of output fragment "
+     "`frame` of type `float4` [chain-mismatch]\n"
+     "graph.json:1:16: note: the generator says \"sfgError : the graph outputs should be the same as the "
+     "output fragment inputs!\" [generator]\n",
      R"({ "output": "frame" })"},
     {"OutputsOfSeveralNodes", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" },
     { "name": "y", "type": "float3", "node": "b" } ],
   "nodes": [ { "name": "a", "fragment": "tint" }, { "name": "b", "fragment": "tint" } ] })",
      1,
-     "Failed to evaluate fragment!\ngraph.json:2:5: note: graph output `y` comes from node `b` and `x` from "
-     "node `a`; without a light loop all outputs come from one node [several-sources]\n"},
+     "graph.json:2:5: error: graph output `y` comes from node `b` and `x` from node `a`; without a light "
+     "loop all outputs come from one node [several-sources]\n"
+     "graph.json:2:5: note: the generator says \"Failed to evaluate fragment!\" [generator]\n"},
     {"InlineFragmentWithTooManyInputs", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "b" } ],
   "nodes": [ { "name": "a", "fragment": "twice", "interface": {
     "inputs": [ { "name": "a", "type": "float" }, { "name": "b", "type": "float" } ],
     "outputs": [ { "name": "r", "type": "float" } ] } },
   { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "a" } } } ] })",
      1,
-     "Inline body parameter count is not equal to the node input count!\ngraph.json:2:14: note: node `a` has "
-     "2 inputs, its fragment `twice` 1 [port-count]\n"},
+     "graph.json:2:14: error: node `a` has 2 inputs, its fragment `twice` 1 [port-count]\n"
+     "graph.json:2:14: note: the generator says \"Inline body parameter count is not equal to the node input "
+     "count!\" [generator]\n"},
     {"OutputOfUnknownType", R"({ "outputs": [ { "name": "x", "type": "Lamp", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
      2,
@@ -327,9 +336,8 @@ const Refusal kCollapses[] = {
      R"({ "outputs": [ { "name": "x", "type": "struct", "struct": "Lamp", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
      1,
-     "sfg: error: the graph cannot be collapsed: an output cannot be evaluated [no-result]\ngraph.json:2:14: "
-     "note: node `a` uses the fragment `lamp`, which has no profile `default` for the language `dx11` "
-     "[no-profile]\n"},
+     "graph.json:2:14: error: node `a` uses the fragment `lamp`, which has no profile `default` for the "
+     "language `dx11` [no-profile]\n"},
     {"CodeThatGrowsTooLarge", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "b" } ],
   "nodes": [ DOUBLING
   { "name": "b", "fragment": "tint", "inputs": { "amount": { "node": "d39" } } } ] })",
@@ -341,46 +349,51 @@ const Refusal kCollapses[] = {
     "inputs": [ { "name": "color", "type": "float3" } ],
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })",
      1,
-     "Failed to evaluate fragment!\ngraph.json:2:14: note: node `a` has 1 inputs, its fragment `tint` 2 "
-     "[port-count]\n"},
+     "graph.json:2:14: error: node `a` has 1 inputs, its fragment `tint` 2 [port-count]\n"
+     "graph.json:2:14: note: the generator says \"Failed to evaluate fragment!\" [generator]\n"},
     {"FunctionWithTooManyOutputsUnderLightLoop",
      R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a", "output": "s" } ],
   "nodes": [ { "name": "a", "fragment": "grade", "interface": {
     "inputs": [ { "name": "color", "type": "float3" } ],
     "outputs": [ { "name": "r", "type": "float3" }, { "name": "s", "type": "float3" } ] } } ] })",
-     1,
-     "sfg: error: the graph cannot be collapsed: an output cannot be evaluated [no-result]\ngraph.json:2:14: "
-     "note: node `a` has 2 outputs, its fragment `grade` 1 [port-count]\n",
-     nullptr, "--tool lightloop"},
+     1, "graph.json:2:14: error: node `a` has 2 outputs, its fragment `grade` 1 [port-count]\n", nullptr,
+     "--tool lightloop"},
     {"PreprocessWithoutDefaultProfile", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "tint" } ], "preprocess": [ "lamp" ] })",
      1,
-     "The fragment lamp doesn't have a default profile\ngraph.json:2:69: note: the chain uses the fragment "
-     "`lamp`, which has no profile `default` for the language `dx11` [no-profile]\n"},
+     "graph.json:2:69: error: the chain uses the fragment `lamp`, which has no profile `default` for the "
+     "language `dx11` [no-profile]\n"
+     "graph.json:2:69: note: the generator says \"The fragment lamp doesn't have a default profile\" "
+     "[generator]\n"},
     {"PostprocessThatWantsMore", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "tint" } ], "postprocess": [ "tint" ] })",
      1,
-     "sfgError : the graph outputs should be the same as the output fragment inputs!\ngraph.json: note: the "
-     "graph has no output for input `amount` of post-process fragment `tint` [chain-mismatch]\n"},
+     "graph.json: error: the graph has no output for input `amount` of post-process fragment `tint` "
+     "[chain-mismatch]\n"
+     "graph.json: note: the generator says \"sfgError : the graph outputs should be the same as the output "
+     "fragment inputs!\" [generator]\n"},
     {"SurfaceWithoutDefaultProfileAndNoLight",
      R"({ "outputs": [ { "name": "x", "type": "struct", "struct": "Lamp", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
      1,
-     "Failed to set default profile.\ngraph.json:2:14: note: node `a` uses the fragment `lamp`, which has no "
-     "profile `default` for the language `dx11` [no-profile]\n",
+     "graph.json:2:14: error: node `a` uses the fragment `lamp`, which has no profile `default` for the "
+     "language `dx11` [no-profile]\n"
+     "graph.json:2:14: note: the generator says \"Failed to set default profile.\" [generator]\n",
      nullptr, "--tool lightloop"},
     {"SurfaceWithoutTheLightsProfile",
      R"({ "outputs": [ { "name": "x", "type": "struct", "struct": "Lamp", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lamp" } ] })",
      1,
-     "Failed to set light profile Neon.\nscene.json:1:15: note: light `key` asks for the profile `Neon`; "
-     "node `a` has neither it nor `default` [light-profile]\n",
+     "graph.json:2:14: error: node `a` uses the fragment `lamp`, which has neither the profile `Neon`, which "
+     "light `key` asks for, nor `default` for the language `dx11` [no-profile]\n"
+     "graph.json:2:14: note: the generator says \"Failed to set light profile Neon.\" [generator]\n",
      R"({ "lights": [ { "name": "key", "fragment": "lit", "profile": "Neon" } ] })", "--tool lightloop"},
     {"LightWithoutProfile", R"({ "outputs": [ { "name": "x", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "lit" } ] })",
      1,
-     "Failed to set light profile Neon.\nscene.json:1:15: note: light `key` asks for the profile `Neon` "
-     "[light-profile]\n",
+     "scene.json:1:63: error: light `key` asks for the profile `Neon`, which its fragment `lamp` does not "
+     "have; known are `Lamp` [light-profile]\n"
+     "scene.json:1:63: note: the generator says \"Failed to set light profile Neon.\" [generator]\n",
      R"({ "lights": [ { "name": "key", "fragment": "lamp", "profile": "Neon" } ] })", "--tool lightloop"},
 };
 
@@ -389,43 +402,43 @@ constexpr const char* kCalledExpression =
     R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
   "nodes": [ { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
   { "name": "mix", "fragment": "lerp3", "interface": {
-    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "inputs": [ { "name": "x", "type": "float3", "value": [0, 0, 0] }, { "name": "y", "type": "float3", "value": [0, 0, 0] } ],
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
 constexpr const char* kCalledFunction =
     R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
   "nodes": [ { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
   { "name": "mix", "fragment": "blend3", "interface": {
-    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "inputs": [ { "name": "x", "type": "float3", "value": [0, 0, 0] }, { "name": "y", "type": "float3", "value": [0, 0, 0] } ],
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
 constexpr const char* kCalledCoarse =
     R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
   "nodes": [ { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
   { "name": "mix", "fragment": "coarse3", "interface": {
-    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "inputs": [ { "name": "x", "type": "float3", "value": [0, 0, 0] }, { "name": "y", "type": "float3", "value": [0, 0, 0] } ],
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
 constexpr const char* kCalledEarly =
     R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
   "nodes": [ { "name": "shade", "fragment": "shadeEarly", "inputs": { "a": { "node": "mix" } } },
   { "name": "mix", "fragment": "lerp3", "interface": {
-    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "inputs": [ { "name": "x", "type": "float3", "value": [0, 0, 0] }, { "name": "y", "type": "float3", "value": [0, 0, 0] } ],
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
 constexpr const char* kCalledInComment =
     R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
   "nodes": [ { "name": "shade", "fragment": "shadeInComment", "inputs": { "a": { "node": "mix" } } },
   { "name": "mix", "fragment": "lerp3", "interface": {
-    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "inputs": [ { "name": "x", "type": "float3", "value": [0, 0, 0] }, { "name": "y", "type": "float3", "value": [0, 0, 0] } ],
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
 constexpr const char* kCalledLit = R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
   "nodes": [ { "name": "shade", "fragment": "shadeLit", "inputs": { "a": { "node": "mix" } } },
   { "name": "mix", "fragment": "lerp3", "interface": {
-    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "inputs": [ { "name": "x", "type": "float3", "value": [0, 0, 0] }, { "name": "y", "type": "float3", "value": [0, 0, 0] } ],
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
 constexpr const char* kCalledUnreachable =
     R"({ "outputs": [ { "name": "color", "type": "float3", "node": "red" } ],
   "nodes": [ { "name": "red", "fragment": "tint" },
   { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
   { "name": "mix", "fragment": "lerp3", "interface": {
-    "inputs": [ { "name": "x", "type": "float3" }, { "name": "y", "type": "float3" } ],
+    "inputs": [ { "name": "x", "type": "float3", "value": [0, 0, 0] }, { "name": "y", "type": "float3", "value": [0, 0, 0] } ],
     "outputs": [ { "name": "r", "type": "float3" } ] } } ] })";
 
 const Refusal kCalls[] = {

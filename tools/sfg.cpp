@@ -37,31 +37,40 @@ std::vector<std::string> spelledForParser(int argc, char** argv) {
   return arguments;
 }
 
-/// Of an argument that nobody expects, the option or command that was meant.
-std::string nearOption(const CLI::App& app, const CLI::ParseError& error) {
-  if (error.get_name() != "ExtrasError") return std::string();
-  const std::string message = error.what();
-  std::size_t start = message.find(" --");
-  start = start == message.npos ? message.rfind(' ') + 1 : start + 1;
-  const std::string word = message.substr(start, message.find_first_of(" \n", start) - start);
+/// The first of the arguments that nobody expects, options in front of others: what follows an unknown option
+/// may belong to it.
+std::string unexpected(const std::vector<std::string>& arguments) {
+  const auto option = std::find_if(arguments.begin(), arguments.end(),
+                                   [](const std::string& argument) { return argument.starts_with("-"); });
+  return option != arguments.end() ? option->substr(0, option->find('=')) : arguments.front();
+}
+
+/// What is unknown, and what was meant.
+std::string describeUnexpected(const CLI::App& app) {
+  const auto chosen = app.get_subcommands();
+  const CLI::App& owner = chosen.empty() ? app : *chosen.front();
+  std::vector<std::string> rest = app.remaining(true);
+  if (rest.empty()) return "an argument was not expected";
+  const std::string word = unexpected(rest);
   std::vector<std::string> known;
-  const auto addOptions = [&](const CLI::App& owner) {
+  if (word.starts_with("-")) {
     for (const CLI::Option* const option : owner.get_options()) {
       for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
     }
-  };
-  const auto chosen = app.get_subcommands();
-  addOptions(chosen.empty() ? app : *chosen.front());
-  if (chosen.empty()) {
-    for (const CLI::App* const command : app.get_subcommands({})) known.push_back(command->get_name());
+    return "unknown option `" + word + "` of `sfg" + (chosen.empty() ? "" : " " + owner.get_name()) + "`" +
+           tools::didYouMean(word, known);
   }
-  return tools::didYouMean(word.substr(0, word.find('=')), known);
+  if (!chosen.empty()) return "`" + word + "` was not expected behind the other arguments";
+  for (const CLI::App* const command : app.get_subcommands({})) known.push_back(command->get_name());
+  return "unknown command `" + word + "`" + tools::didYouMean(word, known);
 }
 
 /// Help and version leave through the parser's exceptions, too.
 int answerParseError(const CLI::App& app, const CLI::ParseError& error, tools::Diagnostics& diagnostics) {
   if (error.get_exit_code() == 0) return app.exit(error, std::cout, std::cerr);
-  diagnostics.error(std::string(), asDiagnostic(error.what()) + nearOption(app, error), "wrong-usage");
+  const bool isUnexpected = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+  diagnostics.error(std::string(), isUnexpected ? describeUnexpected(app) : asDiagnostic(error.what()),
+                    "wrong-usage");
   diagnostics.plain("try `sfg --help`, or `sfg COMMAND --help`");
   return tools::kWrongUsage;
 }
@@ -73,8 +82,9 @@ int runChosen(const std::vector<std::unique_ptr<tools::Command>>& commands,
   }
   return tools::kWrongUsage;
 } catch (const host::InputError& error) {
-  diagnostics.show(error.related());
-  diagnostics.show(error.diagnostic());
+  std::vector<host::Diagnostic> told(error.related().begin(), error.related().end());
+  told.push_back(error.diagnostic());
+  diagnostics.show(told);
   return tools::kWrongUsage;
 } catch (const std::bad_alloc&) {
   diagnostics.error(std::string(), "out of memory", "out-of-memory");

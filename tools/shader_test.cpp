@@ -432,7 +432,8 @@ TEST_F(ShaderTest, WarnsOfAnIncludeFileThatIsNowhere) {
 TEST_F(ShaderTest, ComplaintOfACompilerNamesTheFragmentAndItsFile) {
   write("lib/more.fraglib", R"json({
   "broken": { "language": ["dx11"], "implementation": [
-    "void broken(float3 color, out float3 result)", "{", "result = colour;", "}" ] } })json");
+    "void broken(float3 color, out float3 result)", "{", "result = colour;", "}" ],
+    "ports": { "color": { "value": [0, 0, 0] } } } })json");
   write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "bad" } ],
     "nodes": [ { "name": "bad", "fragment": "broken" } ] })");
   if (!host::hasCompilers()) GTEST_SKIP() << "built without compilers";
@@ -447,17 +448,20 @@ TEST_F(ShaderTest, ComplaintOfACompilerNamesTheFragmentAndItsFile) {
 }
 
 TEST_F(ShaderTest, ComplaintAboutACallNamesTheNodesInIt) {
-  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float", "node": "bad" } ],
-    "nodes": [ { "name": "bad", "fragment": "grade", "interface": {
-      "inputs": [ { "name": "color", "type": "float3" } ], "outputs": [ { "name": "r", "type": "float" } ] },
-      "inputs": { "color": { "node": "source" } } },
+  // Ports are those of the first profile; the second one takes something else.
+  write("lib/more.fraglib", R"json({ "shifty": { "profiles": [
+    { "language": ["dx11"], "implementation": ["void shifty(float3 color, out float3 result)", "{", "result = color;", "}"] },
+    { "language": ["dx11"], "lod": 10,
+      "implementation": ["void shifty(float2x2 color, out float3 result)", "{", "result = color[0].xyy;", "}"] } ] } })json");
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "bad" } ],
+    "nodes": [ { "name": "bad", "fragment": "shifty", "inputs": { "color": { "node": "source" } } },
       { "name": "source", "fragment": "tint" } ] })");
   if (!host::hasCompilers()) GTEST_SKIP() << "built without compilers";
-  const CommandRun result = run("compile graph.json -L lib --target spirv -o out.spv");
+  const CommandRun result = run("compile graph.json -L lib --surface-lod 10 --target spirv -o out.spv");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.err, testing::StartsWith("graph.json:2:16: error: `grade1` takes no such arguments"));
+  EXPECT_THAT(result.err, testing::StartsWith("graph.json:2:16: error: `shifty2` takes no such arguments"));
   EXPECT_THAT(result.err, testing::HasSubstr(
-                              "lib/test.fraglib:12:12: note: the fragment `grade` is here [code-origin]\n"));
+                              "lib/more.fraglib:1:13: note: the fragment `shifty` is here [code-origin]\n"));
 }
 
 TEST_F(ShaderTest, ComplaintAboutAnIncludeFileNamesIt) {

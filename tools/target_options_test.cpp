@@ -19,9 +19,9 @@ constexpr const char* kTextured = R"({ "inputs": [ { "name": "uv", "type": "floa
 
 constexpr const char* kTinted = R"json({ "tinted": { "language": ["dx11"], "includes": ["sfg_samplers.h"],
   "implementation": ["void tinted(sfg_sampler2D image, float2 uv, float4 color, out float4 result)", "{",
-    "float4 read = sfg_sampleLevel2D(image, uv, 0.0);", "result = read * color;", "}"] },
+    "float4 read = sfg_sampleLevel2D(image, uv, 0.0);", "result = read * color;", "}"], "ports": { "uv": { "value": [0, 0] }, "color": { "value": [0, 0, 0, 0] } } },
   "counted": { "language": ["dx11"], "implementation": ["void counted(float4 color, out float4 result)", "{",
-    "result = color * countbits(uint(color.x));", "}"] } })json";
+    "result = color * countbits(uint(color.x));", "}"], "ports": { "color": { "value": [0, 0, 0, 0] } } } })json";
 
 class TargetOptionsTest : public CommandTest {
 protected:

@@ -27,7 +27,7 @@ constexpr const char* kFragments = R"json({
     { "language": ["dx11"], "predefine": ["struct Glow { float3 c; };"], "implementation": [
       "void glow(float3 albedo, out Glow result)", "{", "result.c = albedo;", "}" ] },
     { "name": "Lamp", "language": ["dx11"], "predefine": ["struct Glow { float3 c; };"], "implementation": [
-      "void glow(float3 albedo, out Glow result)", "{", "result.c = albedo * sfg_currentLight.color;", "}" ] } ] },
+      "void glow(float3 albedo, out Glow result)", "{", "result.c = albedo * sfg_currentLight.color;", "}" ] } ], "ports": { "albedo": { "value": [0, 0, 0] } } },
   "unglow": { "language": ["dx11"], "predefine": ["struct Glow { float3 c; };"], "implementation": [
     "void unglow(Glow glow, out float3 result)", "{", "result = glow.c;", "}" ] },
   "always": { "language": ["dx11"], "implementation": [
@@ -39,11 +39,11 @@ constexpr const char* kFragments = R"json({
   "textured": { "language": ["dx11"], "uniforms": [ { "name": "picture", "type": "sampler2D" } ], "implementation": [
     "void textured(out float3 result)", "{", "result = picture.SampleLevel(sampler_picture, float2(0, 0), 0).rgb;", "}" ] },
   "raw": { "language": ["dx11"], "predefine": ["// a constant", "#define RAW 1", "static const float rawConstant = 1.0;"],
-    "implementation": [ "void raw(float3 color, out float3 result)", "{", "result = color * rawConstant;", "}" ] },
+    "implementation": [ "void raw(float3 color, out float3 result)", "{", "result = color * rawConstant;", "}" ], "ports": { "color": { "value": [0, 0, 0] } } },
   "buffered": { "language": ["dx11"], "predefine": ["cbuffer Own : register(b7) { float own; };"],
-    "implementation": [ "void buffered(float3 color, out float3 result)", "{", "result = color * own;", "}" ] },
+    "implementation": [ "void buffered(float3 color, out float3 result)", "{", "result = color * own;", "}" ], "ports": { "color": { "value": [0, 0, 0] } } },
   "filtered": { "language": ["dx11"], "predefine": ["SamplerState filterState : register(s7);"],
-    "implementation": [ "void filtered(float3 color, out float3 result)", "{", "result = color;", "}" ] },
+    "implementation": [ "void filtered(float3 color, out float3 result)", "{", "result = color;", "}" ], "ports": { "color": { "value": [0, 0, 0] } } },
   "msl": { "mode": "metaSL", "language": ["dx11"], "implementation": [
     "void msl(out float3 result)", "{", "result = float3(0, 0, 0);", "}" ] },
   "dimmed": { "uniforms": [ { "name": "dim", "type": "float" }, { "name": "unread", "type": "float" } ], "profiles": [
@@ -51,7 +51,7 @@ constexpr const char* kFragments = R"json({
     { "name": "msl_light", "language": ["dx11"], "implementation": [
       "void dimmedLight(float3 Pw, float3 Nw, out Light_iterator light)", "{", "light.msl_shadow = dim;", "}" ] } ] },
   "macro": { "language": ["dx11"], "predefine": ["// only a macro", "#define MACRO 1"],
-    "implementation": [ "void macro(float3 color, out float3 result)", "{", "result = color * MACRO;", "}" ] }
+    "implementation": [ "void macro(float3 color, out float3 result)", "{", "result = color * MACRO;", "}" ], "ports": { "color": { "value": [0, 0, 0] } } }
 })json";
 
 class WarningTest : public CommandTest, public testing::WithParamInterface<WarningCase> {};
@@ -76,8 +76,8 @@ constexpr const char* kTwoLights = R"({ "lights": [ { "name": "key", "fragment":
 constexpr const char* kLoop = "--tool lightloop";
 
 constexpr const char* kInlineAtOutput = R"({ "outputs": [ { "name": "x", "type": "float", "node": "a" } ],
-  "nodes": [ { "name": "a", "fragment": "twice", "interface": { "inputs": [ { "name": "a", "type": "float" } ],
-    "outputs": [ { "name": "r", "type": "float" } ] } } ] })";
+  "nodes": [ { "name": "a", "fragment": "twice", "interface": {
+    "inputs": [ { "name": "a", "type": "float", "value": 0 } ], "outputs": [ { "name": "r", "type": "float" } ] } } ] })";
 constexpr const char* kUnlitBetween = R"({ "outputs": [ { "name": "x", "type": "float3", "node": "c" } ],
   "nodes": [ { "name": "a", "fragment": "lit" },
     { "name": "b", "fragment": "grade", "inputs": { "color": { "node": "a" } } },

@@ -8,16 +8,14 @@
 
 #include <cmath>
 #include <iostream>
-#include <map>
 #include <numbers>
 
 #include "renderer.h"
 
 namespace host = TolmSDK::Graphics::sfg::host;
+using Numbers = std::vector<double>;
 
 namespace {
-
-using Numbers = std::vector<double>;
 
 // The scene: a sphere of radius 1, moved by `kWorld`, before an eye that looks along the negative z axis.
 // Matrices are given row by row and multiplied with columns.
@@ -35,102 +33,91 @@ Numbers operator*(const Numbers& a, const Numbers& b) {
   return product;
 }
 
-const std::map<std::string, Numbers> kState = {{"sfg_matWorld", kWorld},
-                                               {"sfg_matWorldInverseTranspose", kNormals},
-                                               {"sfg_matView", kView},
-                                               {"sfg_matWorldView", kView* kWorld},
-                                               {"sfg_matViewProj", kProjection* kView},
-                                               {"sfg_matWorldViewProj", kProjection* kView* kWorld},
-                                               {"sfg_eyePosition", {0, 0, kEye}},
-                                               {"sfg_time", {0}}};
+constexpr vk::Extent2D kSize(256, 256);
+const std::map<std::string, Numbers> kState = {
+    {"sfg_matWorld", kWorld},
+    {"sfg_matWorldInverse", {kCos / 1.2, 0, -kSin / 1.2, 0, 0, 1 / 0.9, 0, 0, kSin, 0, kCos, 0, 0, 0, 0, 1}},
+    {"sfg_matWorldInverseTranspose", kNormals},
+    {"sfg_matView", kView},
+    {"sfg_matViewInverse", {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, kEye, 0, 0, 0, 1}},
+    {"sfg_matWorldViewProj", kProjection* kView* kWorld},
+    {"sfg_eyePosition", {0, 0, kEye}},
+    {"sfg_viewportSize", {kSize.width, kSize.height}},
+    {"sfg_orthographic", {0}},
+    {"sfg_time", {0}}};
 
-/// The parts of the vertices, by the names that the library calls them by.
+/// The vertices' parts, by the names that the library tells.
 std::map<std::string, std::vector<float>> makeSphere(int rows, int columns) {
   std::map<std::string, std::vector<float>> mesh;
-  const auto add = [&mesh](const char* part, std::initializer_list<double> values) {
-    for (const double value : values) mesh[part].push_back(static_cast<float>(value));
+  const auto add = [&mesh](const char* part, const Numbers& values) {
+    mesh[part].insert(mesh[part].end(), values.begin(), values.end());
   };
   constexpr int kCorners[6][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 0}, {1, 1}, {0, 1}};
   for (int i = 0; i < rows * columns * 6; ++i) {
     const double u = static_cast<double>(i / 6 % columns + kCorners[i % 6][0]) / columns;
     const double v = static_cast<double>(i / 6 / columns + kCorners[i % 6][1]) / rows;
     const double around = 2 * std::numbers::pi * u, up = std::numbers::pi * (v - 0.5);
-    for (const char* part : {"position", "normal"}) {
-      add(part, {std::cos(up) * std::sin(around), std::sin(up), std::cos(up) * std::cos(around)});
-    }
+    add("position", {std::cos(up) * std::sin(around), std::sin(up), std::cos(up) * std::cos(around)});
     add("tangent", {std::cos(around), 0, -std::sin(around), 1});
-    for (const char* part : {"texCoord0", "texCoord1", "texCoord2", "texCoord3"}) add(part, {u, v});
+    add("texCoord0", {u, v});
     add("color", {u, v, 1, 1});
   }
+  mesh["normal"] = mesh["position"];
+  for (const char* part : {"texCoord1", "texCoord2", "texCoord3"}) mesh[part] = mesh["texCoord0"];
   return mesh;
 }
 
-/// The bytes of a stage's buffers: state from the scene, everything else as graph and settings say.
+/// Adds the bytes of a stage's buffers: state from the scene, everything else as graph and settings say.
 void addUniforms(render::Triangles& triangles, const host::ShaderInterface& stage,
                  const std::vector<host::ValueSetting>& changed) {
   if (!stage.textures.empty()) throw std::runtime_error("this program binds no textures");
   for (const host::InterfaceBuffer& buffer : stage.buffers) {
-    std::vector<host::ValueSetting> settings;
-    if (buffer.name == "sfg_Uniforms") settings = changed;
+    auto settings = buffer.name == "sfg_Uniforms" ? changed : std::vector<host::ValueSetting>();
     for (const host::InterfaceMember& member : buffer.members) {
-      if (member.origin.kind == "stateVariable") settings.push_back({member.name, kState.at(member.name)});
+      if (member.origin.kind != "stateVariable") continue;
+      const auto known = kState.find(member.name);
+      if (known == kState.end()) throw std::runtime_error("the scene has no `" + member.name + "`");
+      settings.push_back({member.name, known->second});
     }
-    triangles.uniforms.push_back(
-        {static_cast<std::uint32_t>(*buffer.place.binding), host::packBuffer(buffer, settings)});
+    triangles.uniforms[static_cast<std::uint32_t>(*buffer.place.binding)] =
+        host::packBuffer(buffer, settings);
   }
 }
 
-void run(const std::vector<std::string>& arguments) {
-  const auto libraries = host::LibrarySet::load({{arguments[0]}, {arguments[0]}});
+}  // namespace
+
+int main(int argc, char** argv) try {
+  if (argc < 5) throw std::runtime_error("needs LIBRARY GRAPH ENVIRONMENT PICTURE.png [node.input=1,2,3]...");
   host::CollapseOptions options;
   options.tool = host::CollapseTool::lightLoop;
-  host::Job job(libraries, host::Document::fromFile(arguments[1]), options,
-                host::Document::fromFile(arguments[2]));
+  host::Job job(host::LibrarySet::load({{argv[1]}, {argv[1]}}), host::Document::fromFile(argv[2]), options,
+                host::Document::fromFile(argv[3]));
   job.collapse();
   std::vector<host::ValueSetting> changed;
-  for (std::size_t i = 4; i < arguments.size(); ++i) changed.push_back(host::parseSetting(arguments[i]));
+  for (int i = 5; i < argc; ++i) changed.push_back(host::parseSetting(argv[i]));
 
   // Both stages, compiled, and what they are to be fed with.
-  const auto reflect = [&job](host::ShaderStage stage) {
-    return host::interfaceFor(job.reflect(stage, host::NameStyle::readable), host::ShaderTarget::spirv);
-  };
-  const auto compile = [&job](host::ShaderStage stage) {
-    return host::compileToSpirv(job.assemble(stage, host::NameStyle::readable));
-  };
   render::Triangles triangles;
-  triangles.vertexStage = compile(host::ShaderStage::vertex);
-  triangles.pixelStage = compile(host::ShaderStage::pixel);
-  addUniforms(triangles, reflect(host::ShaderStage::pixel), changed);
-  const host::ShaderInterface vertex = reflect(host::ShaderStage::vertex);
+  triangles.vertexStage = host::compileToSpirv(job.assemble(host::ShaderStage::vertex));
+  const auto vertex = host::interfaceFor(job.reflect(host::ShaderStage::vertex), host::ShaderTarget::spirv);
+  triangles.pixelStage = host::compileToSpirv(job.assemble(host::ShaderStage::pixel));
+  const auto pixel = host::interfaceFor(job.reflect(host::ShaderStage::pixel), host::ShaderTarget::spirv);
   addUniforms(triangles, vertex, {});
+  addUniforms(triangles, pixel, changed);
 
   const auto mesh = makeSphere(64, 128);
   triangles.vertices = static_cast<std::uint32_t>(mesh.at("position").size() / 3);
   for (const host::InterfaceAttribute& attribute : vertex.attributes) {
     const auto part = mesh.find(attribute.origin.name);
-    if (attribute.origin.kind != "mesh" || part == mesh.end()) {
+    if (attribute.origin.kind != "mesh" || part == mesh.end())
       throw std::runtime_error("the sphere has no `" + attribute.origin.name + "`");
-    }
-    const auto components = static_cast<std::uint32_t>(part->second.size() / triangles.vertices);
-    triangles.streams.push_back({static_cast<std::uint32_t>(*attribute.location), components, part->second});
+    triangles.attributes[static_cast<std::uint32_t>(*attribute.location)] = part->second;
   }
-  const render::Device device(vk::QueueFlagBits::eGraphics);
-  render::writePng(render::draw(device, triangles, 256, 256), arguments[3]);
-  std::cout << arguments[3] << ": " << triangles.vertices / 3 << " triangles on " << device.name() << '\n';
-}
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  if (argc < 5) {
-    std::cerr << "usage: draw_triangles LIBRARY GRAPH ENVIRONMENT PICTURE.png [node.input=1,2,3]...\n";
-    return 2;
-  }
-  try {
-    run({argv + 1, argv + argc});
-    return 0;
-  } catch (const std::exception& error) {
-    std::cerr << "error: " << error.what() << '\n';
-  }
+  const render::Device device;
+  render::writePng(render::draw(device, triangles, kSize), kSize, argv[4]);
+  std::cout << argv[4] << ": " << triangles.vertices / 3 << " triangles on " << device.name() << '\n';
+} catch (const std::exception& error) {
+  std::cerr << "error: " << error.what() << '\n';
   return 1;
 }

@@ -155,6 +155,10 @@ TEST_F(PicturesTest, ShowsNormalsAndTextureCoordinatesOfTheSphere) {
         return Vector{p.u * 0.5 + 0.25, p.v * 0.5 + 0.25, p.world[0] * 0.25 + 0.5};
       },
       2);
+
+  write("probe.fraglib", probe("mul(sfg_matWorldInverse, float4(sfg_worldPosition, 1.0)).xyz * 0.5 + 0.5"));
+  draw(folder_.string(), graph, "examples/environments/no_lights.json");
+  expectPixels([](const Point& p) { return p.object * 0.5 + Vector{0.5, 0.5, 0.5}; }, 2);
 }
 
 /// Light reflected in all directions alike: albedo times the cosine, where the irradiance is pi.
@@ -187,6 +191,12 @@ TEST_F(PicturesTest, RefusesWhatItCannotFeed) {
                                 .string();
   EXPECT_NE(run("library", graph, "examples/environments/no_lights.json", ""), 0);
   EXPECT_EQ(printed(), "error: the sphere has no `heat`\n");
+  const std::string probed = write("probe.json", kProbe).string();
+  write("probe.fraglib", probe("sfg_matProj[0].xyz"));
+  EXPECT_NE(run(folder_.string(), probed, "examples/environments/no_lights.json", ""), 0);
+  EXPECT_EQ(printed(), "error: the scene has no `sfg_matProj`\n");
+  EXPECT_NE(run("", "", "", ""), 0);
+  EXPECT_EQ(printed(), "error: needs LIBRARY GRAPH ENVIRONMENT PICTURE.png [node.input=1,2,3]...\n");
 }
 
 }  // namespace

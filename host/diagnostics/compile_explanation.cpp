@@ -57,7 +57,10 @@ public:
       tellDocument(told.text);
     } else {
       const SourcePlace place = placeOf(told);
-      tell(place, wordsOf(told, place));
+      const std::size_t first = diagnostics_.size();
+      const Words words = wordsOf(told, place);
+      tell(place, words.text);
+      if (diagnostics_.size() > first) diagnostics_[first].suggestion = words.meant;
     }
     tellLine();
     return std::move(diagnostics_);
@@ -94,8 +97,13 @@ private:
     return inTicks(std::string_view(unbalanced.token)) + (closes ? " closes nothing" : " is not closed");
   }
 
+  struct Words {
+    std::string text;
+    std::string meant;
+  };
+
   /// Names as the source spells them, and what may have been meant.
-  std::string wordsOf(const ToldMistake& told, const SourcePlace& place) const {
+  Words wordsOf(const ToldMistake& told, const SourcePlace& place) const {
     const std::string generated = toUtf8(messages_.tokens()[told.token].in(text_));
     std::string text = told.text;
     std::string unknown = told.unknown;
@@ -104,8 +112,9 @@ private:
                           inTicks(std::string_view(place.token)));
       if (unknown == generated) unknown = place.token;
     }
-    if (unknown.empty()) return text;
-    return text + didYouMean(meantName(unknown, visibleNames(place)));
+    if (unknown.empty()) return {text, std::string()};
+    const std::string meant(meantName(unknown, visibleNames(place)));
+    return {text + didYouMean(meant), meant};
   }
 
   /// What code at the place can name.

@@ -46,13 +46,15 @@ public:
 private:
   Diagnostic missing(const WString& name) const {
     const Namer namer = findNamer(name).value_or(Namer{job_.document().file(), {}, "the result"});
+    std::string meant;
     std::string text = namer.who + " includes " + inTicks(name) + ", which is in no include folder";
     if (libraries_.includeFolders().empty()) {
       text += "; none is given (see -I)";
     } else {
-      text += didYouMean(nearName(toUtf8(name)));
+      meant = nearName(toUtf8(name));
+      text += didYouMean(meant);
     }
-    return diagnose(Finding::missingInclude, Severity::warning, namer.file, namer.position, text);
+    return diagnose(Finding::missingInclude, Severity::warning, namer.file, namer.position, text, meant);
   }
 
   std::string nearName(const std::string& name) const {

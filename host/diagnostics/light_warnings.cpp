@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "host/documents/document_reader.h"
+#include "host/documents/near_name.h"
 #include "host/shader/identifiers.h"
+#include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -22,6 +24,7 @@ public:
     litWithoutLights();
     lightUniformsNobodyDeclares();
     profileNobodyOffers();
+    lightsOfAnotherProfile();
   }
 
 private:
@@ -117,8 +120,23 @@ private:
       if (offered.contains(name) || (hasLitDefault && isOfType(light, name))) continue;
       if (!told.insert(name).second) continue;
       const std::string text = "light " + inTicks(light.name) + " asks for the profile " + inTicks(name) +
-                               ", which no fragment of the graph has";
+                               ", which no fragment of the graph has" + nearOffered(offered, name);
       warnings_.atLight(Finding::unofferedProfile, light, text);
+    }
+  }
+
+  /// Their profile `default` is taken, whatever it gives.
+  void lightsOfAnotherProfile() {
+    if (!facts_.isLightLoop() || !hasLitProfile()) return;
+    const Set<WString> wanted = offeredNames();
+    for (const ShadingEnvironment::Light& light : facts_.lights()) {
+      const WString& name = light.profile->getProfilename();
+      if (name == L"default" || !wanted.contains(name) || isOfType(light, name)) continue;
+      if (offeredProfileNames(*light.fragment, facts_.language()).contains(name)) continue;
+      warnings_.atLight(Finding::lightProfile, light,
+                        "light " + inTicks(light.name) + " asks for the profile " + inTicks(name) +
+                            ", but its fragment " + inTicks(light.fragment->key()) +
+                            " has only `default`, which gives no " + inTicks(name));
     }
   }
 
@@ -132,6 +150,12 @@ private:
       }
       return false;
     });
+  }
+
+  static std::string nearOffered(const Set<WString>& offered, const WString& name) {
+    std::vector<std::string> names;
+    for (const WString& known : offered) names.push_back(toUtf8(known));
+    return didYouMean(nearestName(toUtf8(name), names));
   }
 
   Set<WString> offeredNames() const {

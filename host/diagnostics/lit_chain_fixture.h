@@ -22,11 +22,11 @@ inline constexpr const char* kTwoLamps =
 class LitChainFixture : public JobFixture {
 protected:
   LitChainFixture() {
-    writeLibrary(
-        "{" + std::string(kLit) + fragment("pass", "float x, out float result", "result = x;") + "," +
-        fragment("change", "inout float x, out float result", "result = x;") + "," +
-        fragment("helped", "float x, out float result", "result = x;", "\"predefine\": [\"int n = 3;\"], ") +
-        "}");
+    writeLibrary("{" + std::string(kLit) + fragment("pass", "float x, out float result", "result = x;") +
+                 "," + fragment("change", "inout float x, out float result", "result = x;") + "," +
+                 fragment("helped", "float x, out float result", "result = x;",
+                          "\"ports\": { \"x\": { \"value\": 0 } }, \"predefine\": [\"int n = 3;\"], ") +
+                 "}");
   }
 };
 

@@ -5,6 +5,8 @@
 #include "fragments/profile_choice.h"
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
+#include "host/documents/near_name.h"
+#include "host/job/evaluated_surface.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -18,20 +20,26 @@ class RefusalSearch {
 public:
   explicit RefusalSearch(const CollapseJob& job) : job_(job), document_(job.document()) {}
 
-  Found unknownFragment() const {
+  /// Each fragment that no node can have, at the first node that wants it.
+  std::vector<Diagnostic> unknownFragments() const {
+    std::vector<Diagnostic> found;
+    Set<WString> told;
     for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
       const GraphNode& node = document_.node(i);
-      if (fragmentOf(node) == nullptr) {
-        const UnknownName unknown = job_.libraries().whyUnknown(toUtf8(node.fragmentName()));
-        if (unknown.kind == Finding::notLoaded) {
-          return at(unknown.kind, node.position(), "for " + named(node) + ", " + unknown.text);
-        }
-        return at(unknown.kind, node.position(),
-                  named(node) + " uses the fragment " + inTicks(node.fragmentName()) +
-                      ", which no library has" + unknown.hint);
+      if (fragmentOf(node) != nullptr || !told.insert(node.fragmentName()).second) continue;
+      const UnknownName unknown = job_.libraries().whyUnknown(toUtf8(node.fragmentName()));
+      if (unknown.cause) {
+        found.push_back(*unknown.cause);
+        found.push_back(diagnose(unknown.kind, Severity::note, document_.file(), node.fragmentPosition(),
+                                 "for " + named(node) + ", " + unknown.text));
+      } else {
+        found.push_back(at(unknown.kind, node.fragmentPosition(),
+                           named(node) + " uses the fragment " + inTicks(node.fragmentName()) +
+                               ", which no library has" + unknown.hint,
+                           unknown.meant));
       }
     }
-    return std::nullopt;
+    return found;
   }
 
   /// The first wire, in the order in which they are made, that closes a loop.
@@ -146,16 +154,18 @@ public:
     return std::nullopt;
   }
 
-  /// The light that the message names by its name or its profile's.
+  /// Why the light that the message names by its name or its profile's does not get its profile.
   Found light(std::wstring_view message) const {
     for (const ShadingEnvironment::Light& light : job_.environment().lights()) {
       const WString& profile = light.profile->getProfilename();
       const bool named = message.find(L" of light " + light.name + L":") != message.npos ||
                          message.find(L" of light " + light.name + L".") != message.npos;
       if (!named && message.find(L"light profile " + profile + L".") == message.npos) continue;
-      return atLight(Finding::lightProfile, light,
-                     "light " + inTicks(light.name) + " asks for the profile " + inTicks(profile) +
-                         surfaceWithout(profile));
+      if (Found found = surfaceWithout(light)) return found;
+      const std::string asks = "light " + inTicks(light.name) + " asks for the profile " + inTicks(profile);
+      if (hasProfile(*light.fragment, profile)) return atProfile(light, asks);
+      return atProfile(light, asks + ", which its fragment " + inTicks(light.fragment->key()) +
+                                  " does not have" + knownProfiles(*light.fragment, profile));
     }
     return std::nullopt;
   }
@@ -163,12 +173,15 @@ public:
   Diagnostic outputOrFile() const {
     for (const GraphNode::Wire& wire : document_.outputWires()) {
       if (wire.source != nullptr) {
-        return at(Finding::collapsePlace, wire.position,
-                  "on the way to " + named(*wire.source) + ", output " +
-                      name(wire.source->getOutput(wire.output)));
+        return place(wire.position, "on the way to " + named(*wire.source) + ", output " +
+                                        name(wire.source->getOutput(wire.output)));
       }
     }
-    return atFile(Finding::collapsePlace, "while this graph was collapsed");
+    return place({}, "while this graph was collapsed");
+  }
+  /// Where nothing better is known.
+  Diagnostic place(TextPosition position, const std::string& text) const {
+    return diagnose(Finding::collapsePlace, Severity::note, document_.file(), position, text);
   }
 
 private:
@@ -176,11 +189,16 @@ private:
   static std::string name(const AParameter* parameter) { return inTicks(parameter->getName()); }
 
   Diagnostic atFile(Finding kind, const std::string& text) const { return at(kind, TextPosition(), text); }
-  Diagnostic at(Finding kind, TextPosition position, const std::string& text) const {
-    return diagnose(kind, Severity::note, document_.file(), position, text);
+  Diagnostic at(Finding kind, TextPosition position, const std::string& text,
+                const std::string& meant = {}) const {
+    return diagnose(kind, Severity::error, document_.file(), position, text, meant);
   }
   Diagnostic atLight(Finding kind, const ShadingEnvironment::Light& light, const std::string& text) const {
-    return diagnose(kind, Severity::note, job_.environment().file(), light.position, text);
+    return diagnose(kind, Severity::error, job_.environment().file(), light.position, text);
+  }
+  Diagnostic atProfile(const ShadingEnvironment::Light& light, const std::string& text) const {
+    return diagnose(Finding::lightProfile, Severity::error, job_.environment().file(), light.profilePosition,
+                    text);
   }
 
   const IShaderFragment* fragmentOf(const GraphNode& node) const {
@@ -201,16 +219,32 @@ private:
            inTicks(job_.options().getLanguage().view());
   }
 
-  std::string surfaceWithout(const WString& profile) const {
-    const UString& language = job_.options().getLanguage();
+  bool hasProfile(const IShaderFragment& fragment, const WString& profile) const {
+    return findBestOrDefaultProfile(fragment, profile, job_.options().getLanguage(), 100.0f) != nullptr;
+  }
+
+  /// The first node that can do nothing for the light.
+  Found surfaceWithout(const ShadingEnvironment::Light& light) const {
+    const WString& profile = light.profile->getProfilename();
     for (std::size_t i = 0; i < document_.getNumNodes(); ++i) {
-      const IShaderFragment* const fragment = fragmentOf(document_.node(i));
-      const bool hasOne =
-          fragment == nullptr || findBestOrDefaultProfile(*fragment, profile, language, 100.0f) != nullptr;
-      if (hasOne) continue;
-      return "; " + named(document_.node(i)) + " has neither it nor `default`";
+      const GraphNode& node = document_.node(i);
+      const IShaderFragment* const fragment = fragmentOf(node);
+      if (fragment == nullptr || hasProfile(*fragment, profile)) continue;
+      return at(Finding::noProfile, node.position(),
+                named(node) + " uses the fragment " + inTicks(fragment->key()) +
+                    ", which has neither the profile " + inTicks(profile) + ", which light " +
+                    inTicks(light.name) + " asks for, nor `default` for the language " +
+                    inTicks(job_.options().getLanguage().view()));
     }
-    return std::string();
+    return std::nullopt;
+  }
+
+  /// "; did you mean `sfg_Light`? Known are `msl_light`, `sfg_Light`"
+  std::string knownProfiles(const IShaderFragment& fragment, const WString& profile) const {
+    std::vector<std::string> names;
+    for (const WString& name : offeredProfileNames(fragment, job_.options().getLanguage()))
+      names.push_back(toUtf8(name));
+    return knownNamesHint(toUtf8(profile), names);
   }
 
   Found mismatchedPorts(const GraphNode& node, const IShaderFragmentProfile& profile) const {
@@ -286,7 +320,6 @@ private:
 
 Found findByMessage(const RefusalSearch& search, std::wstring_view message) {
   const auto says = [message](std::wstring_view words) { return message.find(words) != message.npos; };
-  if (says(L"Failed to create fragment")) return search.unknownFragment();
   if (says(L"circular loop")) return search.loop();
   if (says(L"Graph output must")) return search.unwiredOutput();
   if (says(L"at least one output")) return search.noOutput();
@@ -301,18 +334,20 @@ Found findByMessage(const RefusalSearch& search, std::wstring_view message) {
 
 }  // namespace
 
-Diagnostic findRefusalPlace(const CollapseJob& job, std::wstring_view message) {
+std::vector<Diagnostic> findRefusalPlace(const CollapseJob& job, std::wstring_view message) {
   const RefusalSearch search(job);
-  if (Found found = findByMessage(search, message)) return *found;
+  if (message.find(L"Failed to create fragment") != message.npos) {
+    if (std::vector<Diagnostic> unknown = search.unknownFragments(); !unknown.empty()) return unknown;
+  }
+  if (Found found = findByMessage(search, message)) return {*found};
   // Something could not be evaluated: the usual causes, most exact first.
   if (message.empty() || message.find(L"evaluate") != message.npos) {
-    if (Found found = search.nodeWithoutDefaultProfile()) return *found;
-    if (Found found = search.outputsOfSeveralNodes()) return *found;
-    if (Found found = search.mismatchedPorts()) return *found;
-    return search.outputOrFile();
+    if (Found found = search.nodeWithoutDefaultProfile()) return {*found};
+    if (Found found = search.outputsOfSeveralNodes()) return {*found};
+    if (Found found = search.mismatchedPorts()) return {*found};
+    return {search.outputOrFile()};
   }
-  return diagnose(Finding::collapsePlace, Severity::note, job.document().file(), {},
-                  "while this graph was collapsed");
+  return {search.place({}, "while this graph was collapsed")};
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

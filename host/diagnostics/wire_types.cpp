@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/diagnostics/interface_check.h"
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
@@ -35,7 +36,8 @@ WString codeText(const AParameter& parameter) {
   return parameter.getType() == TypeID_struct ? parameter.getStructName() : parameter.getType().toString();
 }
 
-/// The fragments of a library by what they make of their one input, and by what they make of one of several.
+/// The fragments of a library by what they make of their one input, and by what they make of the first of
+/// two.
 class Converters {
 public:
   explicit Converters(const LoadedLibraries& libraries) {
@@ -44,7 +46,9 @@ public:
       if (fragment == nullptr || fragment->getNumProfiles() == 0) continue;
       const ITextParameterList& list = *fragment->getProfile(0)->getFunctionParameters();
       if (list.getNumInputs() == 0 || list.getNumOutputs() == 0) continue;
-      auto& converters = list.getNumInputs() == 1 ? alone_ : besideOthers_;
+      const bool isAlone = list.getNumInputs() == 1;
+      if (!isAlone && (list.getNumInputs() != 2 || list.getNumOutputs() != 1)) continue;
+      auto& converters = isAlone ? alone_ : besideAnother_;
       const std::pair<WString, WString> types(list.getInputType(0), list.getOutputType(0));
       if (types.first == types.second) continue;
       std::vector<WString>& names = converters[types];
@@ -55,7 +59,7 @@ public:
   /// "; a fragment that converts is `x`", or nothing.
   std::string hint(const WString& from, const WString& to) const {
     std::vector<WString> names;
-    for (const auto* const converters : {&alone_, &besideOthers_}) {
+    for (const auto* const converters : {&alone_, &besideAnother_}) {
       const auto found = converters->find({from, to});
       if (found != converters->end()) names.insert(names.end(), found->second.begin(), found->second.end());
     }
@@ -69,7 +73,7 @@ public:
 private:
   using ByTypes = std::map<std::pair<WString, WString>, std::vector<WString>>;
   ByTypes alone_;
-  ByTypes besideOthers_;
+  ByTypes besideAnother_;
 };
 
 /// A wire with what stands at its ends.
@@ -206,7 +210,8 @@ public:
         errors.push_back(diagnose(Finding::unknownPortType, severity, entry->file, place.position,
                                   "fragment " + inTicks(name) + ": the type " + inTicks(type) + " of " +
                                       inTicks(place.parameter) + " is none of the language, and nothing " +
-                                      "declares it as a structure" + didYouMean(meantType(type))));
+                                      "declares it as a structure" + didYouMean(meantType(type)),
+                                  std::string(meantType(type))));
       }
     }
     return errors;
@@ -265,10 +270,18 @@ Fit fitOf(const AParameter& source, const AParameter& taker, bool isWritten) {
 std::vector<Diagnostic> findTypeErrors(const CollapseJob& job, Severity severity) {
   DeclarationCheck declarations(job);
   std::vector<Diagnostic> errors = declarations.run(severity);
+  Set<const AParameter*> mismatched;
+  for (MismatchedPort& found : findMismatchedPorts(job, severity)) {
+    mismatched.insert(found.port);
+    errors.push_back(std::move(found.told));
+  }
+  const auto isTold = [&](const AParameter& port) {
+    return declarations.isTold(port) || mismatched.contains(&port);
+  };
   TypeCheck check(job);
   check.forEachWire([&](const WireEnds& ends) {
     // A type that is told itself fits nothing.
-    if (declarations.isTold(*ends.source) || declarations.isTold(*ends.taker)) return;
+    if (isTold(*ends.source) || isTold(*ends.taker)) return;
     if (fitOf(*ends.source, *ends.taker, ends.isWritten) == Fit::not_)
       errors.push_back(check.describeError(ends, severity));
   });

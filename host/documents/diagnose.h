@@ -13,9 +13,14 @@
 namespace TolmSDK::Graphics::sfg::host {
 
 inline Diagnostic diagnose(Finding kind, Severity severity, std::string file, TextPosition position,
-                           std::string text) {
-  return {severity,        std::move(file), position.line,
-          position.column, std::move(text), std::string(identifierOf(kind))};
+                           std::string text, std::string suggestion = {}) {
+  return {severity,
+          std::move(file),
+          position.line,
+          position.column,
+          std::move(text),
+          std::string(identifierOf(kind)),
+          std::move(suggestion)};
 }
 
 inline InputError inputError(Finding kind, std::string file, TextPosition position,

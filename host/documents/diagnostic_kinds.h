@@ -43,6 +43,8 @@ enum class Finding {
   wireType,
   droppedComponents,
   calledExpression,
+  interfaceMismatch,
+  shaderArgument,
   // Refusals of the generator
   generator,
   noResult,
@@ -65,6 +67,7 @@ enum class Finding {
   unofferedProfile,
   undeclaredGraphInput,
   inoutWithoutVariable,
+  unconnectedInput,
   nameInsideName,
   repeatedStatement,
   idlePostprocess,
@@ -76,13 +79,13 @@ enum class Finding {
   unusedInclude,
   unreachableProfile,
   repeatedLevel,
-  interfaceMismatch,
   unusedGraphInput,
   unusedNode,
   // Complete shaders and compilers
   incompleteShader,
   compileError,
   codeOrigin,
+  notCompiled,
   badSetting,
   // Commands
   wrongUsage,

@@ -73,7 +73,8 @@ Diagnostic DocumentReader::placed(Diagnostic diagnostic) const {
   return diagnostic;
 }
 
-void DocumentReader::refuse(Finding kind, const IObjectDataNode& at, const std::string& reason) const {
+void DocumentReader::refuse(Finding kind, const IObjectDataNode& at, const std::string& reason,
+                            std::string_view suggestion) const {
   // What is missing may stand there under a mistyped key, which then is the cause.
   const auto isCause = [&](const UnknownKey& found) {
     if (found.object == root_.get()) {
@@ -88,13 +89,31 @@ void DocumentReader::refuse(Finding kind, const IObjectDataNode& at, const std::
                         kind == Finding::outputWithoutNode;
   const auto cause =
       lacksKey ? std::find_if(unknownKeys_.begin(), unknownKeys_.end(), isCause) : unknownKeys_.end();
-  if (cause == unknownKeys_.end()) fail(diagnose(kind, Severity::error, file_, positionOf(at), reason));
+  if (cause == unknownKeys_.end())
+    fail(diagnose(kind, Severity::error, file_, positionOf(at), reason, std::string(suggestion)));
   fail(placed(describe(*cause, Severity::error, file_)));
 }
 
+bool DocumentReader::isMistyped(const IObjectDataNode& object, std::string_view key) const {
+  return std::any_of(unknownKeys_.begin(), unknownKeys_.end(),
+                     [&](const UnknownKey& found) { return found.object == &object && found.meant == key; });
+}
+
+void DocumentReader::refuse(const UnknownName& unknown, const IObjectDataNode& at) const {
+  const Diagnostic told =
+      diagnose(unknown.kind, Severity::error, file_, positionOf(at), unknown.text + unknown.hint);
+  InputError error(told.file, positionOf(at), told.text, told.identifier);
+  error.setSuggestion(unknown.meant);
+  std::vector<Diagnostic> before = problems_;
+  if (unknown.cause) before.push_back(*unknown.cause);
+  error.setRelated(std::move(before));
+  throw error;
+}
+
 void DocumentReader::refuseMember(Finding kind, const IObjectDataNode& object, std::size_t index,
-                                  const std::string& reason) const {
-  fail(placed(diagnose(kind, Severity::error, file_, object.memberPosition(index), reason)));
+                                  const std::string& reason, std::string_view suggestion) const {
+  fail(placed(
+      diagnose(kind, Severity::error, file_, object.memberPosition(index), reason, std::string(suggestion))));
 }
 
 /// With the problems that were found before; the cause is no longer one of them.
@@ -107,6 +126,7 @@ void DocumentReader::fail(const Diagnostic& cause) const {
   }
   InputError error(cause.file, TextPosition{cause.line, cause.column}, cause.text, cause.identifier);
   error.setRelated(std::move(others));
+  error.setSuggestion(cause.suggestion);
   throw error;
 }
 
@@ -170,7 +190,7 @@ RefPtr<AParameter> DocumentReader::parameter(const IObjectDataNode& object) cons
   if (!parameter->load(&object)) {
     const LoadError error = parameterError(toUtf8(parameter->getLoadError()));
     if (error.kind == Finding::missingKey || error.position.line == 0) refuse(error.kind, object, error.text);
-    fail(placed(diagnose(error.kind, Severity::error, file_, error.position, error.text)));
+    fail(placed(diagnose(error.kind, Severity::error, file_, error.position, error.text, error.suggestion)));
   }
   if (parameter->isConstant() && componentCount(parameter->getType()) == 0) {
     refuse(Finding::wrongValue, object,

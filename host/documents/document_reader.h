@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/documents/diagnostic_kinds.h"
+#include "host/documents/fragment_names.h"
 #include "host/documents/key_check.h"
 #include "sfg/host/document.h"
 #include "sfg/host/errors.h"
@@ -41,15 +42,22 @@ public:
 
   /// Looks for keys that the root object, or one that it holds, does not know, and for repeated ones.
   void checkKeys(const KeyTable& table);
+  /// Whether an unknown key of the object is near to this one.
+  bool isMistyped(const IObjectDataNode& object, std::string_view key) const;
   /// Warnings of what was found.
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
 
-  /// Where a key is missing, a mistyped one that is near is refused in its stead.
-  [[noreturn]] void refuse(Finding kind, const IObjectDataNode& at, const std::string& reason) const;
+  /// Where a key is missing, a mistyped one that is near is refused in its stead. `suggestion`: what was
+  /// meant in place of the text there.
+  [[noreturn]] void refuse(Finding kind, const IObjectDataNode& at, const std::string& reason,
+                           std::string_view suggestion = {}) const;
+
+  /// A name of no fragment, behind what is the matter with the fragment.
+  [[noreturn]] void refuse(const UnknownName& unknown, const IObjectDataNode& at) const;
 
   /// At the key of the member.
   [[noreturn]] void refuseMember(Finding kind, const IObjectDataNode& object, std::size_t index,
-                                 const std::string& reason) const;
+                                 const std::string& reason, std::string_view suggestion = {}) const;
 
   /// A non-empty string.
   WString requiredName(const IObjectDataNode& object, std::wstring_view key) const;

@@ -27,7 +27,7 @@ InputError::~InputError() = default;
 std::string InputError::place() const { return placeOf(file_, position_.line, position_.column); }
 
 Diagnostic InputError::diagnostic() const {
-  return {Severity::error, file_, position_.line, position_.column, what(), identifier_};
+  return {Severity::error, file_, position_.line, position_.column, what(), identifier_, suggestion_};
 }
 
 CollapseError::CollapseError(Reason reason, const std::string& what, std::vector<Diagnostic> diagnostics)

@@ -14,6 +14,13 @@ TEST(ErrorsTest, PlacesNameAsMuchAsIsKnown) {
   EXPECT_EQ(InputError("why").place(), "");
 }
 
+TEST(ErrorsTest, HandOnWhatWasMeant) {
+  InputError error("a.json", {3, 14}, "unknown node `tiels`; did you mean `tiles`?", "unknown-node");
+  EXPECT_EQ(error.diagnostic().suggestion, "");
+  error.setSuggestion("tiles");
+  EXPECT_EQ(error.diagnostic().suggestion, "tiles");
+}
+
 TEST(ErrorsTest, KeepWhatTheyAreMadeOf) {
   const CollapseError refused(CollapseError::Reason::noResult, "why",
                               {{Severity::note, "a", 1, 2, "b", "c"}});

@@ -44,6 +44,11 @@ bool GraphNode::getInputConnection(std::size_t index, const INodeAccessor*& sour
   return true;
 }
 
+bool GraphNode::hasValue(std::size_t input) const {
+  if (lacksInputs_ || input >= type_->hasValues.size() || type_->hasValues[input]) return true;
+  return !ownInputs_.empty() && ownInputs_[input] != type_->inputs[input];
+}
+
 GraphDocument::GraphDocument() = default;
 GraphDocument::~GraphDocument() = default;
 
@@ -114,7 +119,9 @@ private:
       const RefPtr<GraphNode> node = makeRef<GraphNode>(typeOf(object));
       node->index_ = i;
       node->position_ = reader_.positionOf(object);
+      node->fragmentPosition_ = reader_.positionOf(*object.member(L"fragment"));
       node->name_ = fromUtf8(name);
+      node->lacksInputs_ = reader_.isMistyped(object, "inputs");
       document_->nodes_.push_back(node);
       if (!nodes_.emplace(name, node.get()).second) {
         reader_.refuse(Finding::repeatedName, object,
@@ -128,8 +135,7 @@ private:
     if (const IObjectDataNode* interface = reader_.optionalObject(object, L"interface")) {
       auto type = std::make_unique<GraphNode::Type>();
       type->fragmentName = fromUtf8(fragment);
-      type->inputs = readPorts(*interface, L"inputs", type->fragmentName);
-      type->outputs = readPorts(*interface, L"outputs", {});
+      readInterface(*type, *interface);
       return keep(std::move(type));
     }
     const GraphNode::Type*& known = types_[fragment];
@@ -142,8 +148,12 @@ private:
     type->fragmentName = fragmentName;
     const IShaderFragment* const fragment = language_.findFragment(fragmentName);
     type->knowsPorts = fragment != nullptr;
-    if (fragment != nullptr)
-      takePorts(*type, *cloneWithPorts(*fragment, WString(), language_, libraryPorts_));
+    if (fragment == nullptr) return type;
+    takePorts(*type, *cloneWithPorts(*fragment, WString(), language_, libraryPorts_));
+    for (const RefPtr<AParameter const>& input : type->inputs) {
+      const PortMetadata* const port = findPort(libraryPorts_, fragmentName, input->getName());
+      type->hasValues.push_back(portValue(port, input->getType()).has_value());
+    }
     return type;
   }
 
@@ -151,9 +161,24 @@ private:
     return *document_->types_.emplace_back(std::move(type));
   }
 
-  /// Ports without a value have that of the fragment; outputs are of none.
+  /// Inputs without a value have that of the fragment.
+  void readInterface(GraphNode::Type& type, const IObjectDataNode& interface) {
+    type.inputs = readPorts(interface, L"inputs", type.inputPlaces, [&](const IObjectDataNode& object) {
+      type.hasValues.push_back(object.member(L"value") != nullptr);
+    });
+    for (std::size_t i = 0; i < type.inputs.size(); ++i) {
+      if (type.hasValues[i]) continue;
+      const RefPtr<AParameter const> given =
+          withLibraryValue(*type.inputs[i], type.fragmentName, libraryPorts_);
+      type.hasValues[i] = given != type.inputs[i];
+      type.inputs[i] = given;
+    }
+    type.outputs = readPorts(interface, L"outputs", type.outputPlaces, [](const IObjectDataNode&) {});
+  }
+
+  template <class Visit>
   GraphNode::Ports readPorts(const IObjectDataNode& interface, std::wstring_view key,
-                             const WString& fragment) {
+                             Array<TextPosition>& places, Visit&& visit) {
     GraphNode::Ports ports;
     Set<std::wstring_view> names;
     const IObjectDataNode* const array = reader_.optionalArray(interface, key);
@@ -164,8 +189,9 @@ private:
         reader_.refuse(Finding::repeatedName, object,
                        "the port name " + inTicks(port->getName()) + " is used twice");
       }
-      const bool hasValue = object.member(L"value") != nullptr;
-      ports.push_back(hasValue ? port : withLibraryValue(*port, fragment, libraryPorts_));
+      ports.push_back(port);
+      places.push_back(reader_.positionOf(*object.member(L"type")));
+      visit(object);
     }
     return ports;
   }
@@ -220,7 +246,8 @@ private:
     if (port == kNotFound) {
       reader_.refuseMember(Finding::unknownPort, inputs, index,
                            "node " + inTicks(node.name_) + " has no input " + inTicks(name) +
-                               listed("its inputs are", node.inputs(), toUtf8(name)));
+                               listed("its inputs are", node.inputs(), toUtf8(name)),
+                           nearestPort(toUtf8(name), node.inputs()));
     }
     if (source == L"node") {
       node.wire(port) = readSource(object);
@@ -262,7 +289,7 @@ private:
     const auto found = nodes_.find(name);
     if (found == nodes_.end()) {
       reader_.refuse(Finding::unknownNode, *object.member(L"node"),
-                     "unknown node " + inTicks(name) + didYouMean(nearestNode(name)));
+                     "unknown node " + inTicks(name) + didYouMean(nearestNode(name)), nearestNode(name));
     }
     wire.source = found->second;
     const GraphNode::Type& type = *wire.source->type_;
@@ -270,7 +297,8 @@ private:
     if (wire.output < type.outputs.size() || !type.knowsPorts) return wire;
     const std::string wanted = output.empty() ? std::string("no outputs") : "no output " + inTicks(output);
     reader_.refuse(Finding::unknownPort, output.empty() ? object : *object.member(L"output"),
-                   "node " + inTicks(name) + " has " + wanted + outputsHint(*wire.source, output));
+                   "node " + inTicks(name) + " has " + wanted + outputsHint(*wire.source, output),
+                   nearestPort(output, type.outputs));
   }
 
   std::size_t readGraphInput(const IObjectDataNode& object) {
@@ -279,7 +307,8 @@ private:
     if (found == graphInputs_.end()) {
       reader_.refuse(Finding::unknownGraphInput, *object.member(L"graphInput"),
                      "unknown graph input " + inTicks(name) +
-                         listed("the graph inputs are", document_->inputs_, toUtf8(name)));
+                         listed("the graph inputs are", document_->inputs_, toUtf8(name)),
+                     nearestPort(toUtf8(name), document_->inputs_));
     }
     return found->second;
   }
@@ -298,12 +327,18 @@ private:
     return listed("its outputs are", node.type_->outputs, wanted);
   }
 
+  static std::string nearestPort(std::string_view wanted, const GraphNode::Ports& ports) {
+    std::vector<std::string> names;
+    for (const RefPtr<AParameter const>& port : ports) names.push_back(toUtf8(port->getName()));
+    return std::string(nearestName(wanted, names));
+  }
+
   /// What was meant, and what there is.
   static std::string listed(const std::string& intro, const GraphNode::Ports& ports,
                             std::string_view wanted) {
     std::vector<std::string> names;
     for (const RefPtr<AParameter const>& port : ports) names.push_back(toUtf8(port->getName()));
-    const std::string hint = didYouMean(nearestName(wanted, names));
+    const std::string hint = didYouMean(nearestPort(wanted, ports));
     std::string text = hint.empty() ? "; " + intro : hint + " " + upperFirst(intro);
     if (names.empty()) return text + " none";
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -323,10 +358,7 @@ private:
       const IObjectDataNode& at = *array->elementOrNull(i);
       GraphDocument::ChainFragment link{nullptr, reader_.nameAt(*array, i), reader_.positionOf(at)};
       link.fragment = language_.findFragment(link.name);
-      if (!link.fragment) {
-        const UnknownName unknown = unknownFragment(whyUnknown_, toUtf8(link.name));
-        reader_.refuse(unknown.kind, at, unknown.text + unknown.hint);
-      }
+      if (!link.fragment) reader_.refuse(unknownFragment(whyUnknown_, toUtf8(link.name)), at);
       chain.push_back(link);
     }
   }

@@ -37,6 +37,11 @@ public:
     WString fragmentName;
     Ports inputs;
     Ports outputs;
+    /// Of the types that an interface of the node's own gives; none without one.
+    Array<TextPosition> inputPlaces;
+    Array<TextPosition> outputPlaces;
+    /// One per input: whether it has a value without the node.
+    Array<bool> hasValues;
     bool knowsPorts = true;  ///< false for an unknown fragment
   };
 
@@ -60,7 +65,15 @@ public:
     return input < wires_.size() &&
            (wires_[input].source != nullptr || wires_[input].graphInput != kNotFound);
   }
+  /// Whether the node, its interface or the library gives the input a value. A host's own graph gives all,
+  /// and so, perhaps, does a mistyped key.
+  bool hasValue(std::size_t input) const;
+  /// Where an interface of the node's own gives the types of its ports; empty without one.
+  const Array<TextPosition>& inputPlaces() const noexcept { return type_->inputPlaces; }
+  const Array<TextPosition>& outputPlaces() const noexcept { return type_->outputPlaces; }
   TextPosition position() const noexcept { return position_; }
+  /// Of the fragment's name.
+  TextPosition fragmentPosition() const noexcept { return fragmentPosition_; }
   /// Position in the document, and so in the built graph.
   std::size_t index() const noexcept { return index_; }
 
@@ -77,6 +90,8 @@ private:
   Ports ownInputs_;   // with the values that the node gives; empty when it gives none
   Array<Wire> wires_;
   TextPosition position_;
+  TextPosition fragmentPosition_;
+  bool lacksInputs_ = false;  ///< they stand under a mistyped key
   std::size_t index_ = 0;
 };
 

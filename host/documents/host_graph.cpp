@@ -1,5 +1,6 @@
 #include "host/documents/host_graph.h"
 
+#include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -155,7 +156,9 @@ private:
       link.fragment = language_.findFragment(link.name);
       if (!link.fragment) {
         const UnknownName unknown = unknownFragment(whyUnknown_, name);
-        refuse(unknown.kind, unknown.text + unknown.hint);
+        InputError error = inputError(unknown.kind, document_->file_, {}, unknown.text + unknown.hint);
+        if (unknown.cause) error.setRelated({*unknown.cause});
+        throw error;
       }
       chain.push_back(link);
     }
@@ -167,6 +170,58 @@ private:
   RefPtr<GraphDocument> document_ = makeRef<GraphDocument>();
   std::unordered_map<const INodeAccessor*, std::size_t> places_;
 };
+
+namespace {
+
+std::size_t indexOf(const GraphNode* node) { return node != nullptr ? node->index() : kNotFound; }
+
+bool areSame(const Array<GraphNode::Wire>& a, const Array<GraphNode::Wire>& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const GraphNode::Wire& left, const GraphNode::Wire& right) {
+                      return indexOf(left.source) == indexOf(right.source) && left.output == right.output &&
+                             left.graphInput == right.graphInput;
+                    });
+}
+
+template <class Ports>
+bool areSamePorts(const Ports& a, const Ports& b, std::size_t (Ports::*count)() const,
+                  const AParameter* (Ports::*port)(std::size_t) const) {
+  if ((a.*count)() != (b.*count)()) return false;
+  for (std::size_t i = 0; i < (a.*count)(); ++i)
+    if ((a.*port)(i) != (b.*port)(i)) return false;
+  return true;
+}
+
+bool areSame(const GraphNode& a, const GraphNode& b) {
+  return a.name() == b.name() && a.fragmentName() == b.fragmentName() && areSame(a.wires(), b.wires()) &&
+         areSamePorts(a, b, &GraphNode::getNumInputs, &GraphNode::getInput) &&
+         areSamePorts(a, b, &GraphNode::getNumOutputs, &GraphNode::getOutput);
+}
+
+bool areSame(const GraphDocument& a, const GraphDocument& b) {
+  using Link = GraphDocument::ChainFragment;
+  const auto isSameLink = [](const Link& left, const Link& right) { return left.name == right.name; };
+  const auto areSameChains = [&isSameLink](const Array<Link>& left, const Array<Link>& right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(), isSameLink);
+  };
+  if (a.getNumNodes() != b.getNumNodes() || a.uniforms() != b.uniforms() ||
+      !areSame(a.outputWires(), b.outputWires()) || !areSameChains(a.preprocess(), b.preprocess()) ||
+      !areSameChains(a.postprocess(), b.postprocess()) ||
+      !areSamePorts(a, b, &GraphDocument::getNumInputs, &GraphDocument::getInput) ||
+      !areSamePorts(a, b, &GraphDocument::getNumOutputs, &GraphDocument::getOutput))
+    return false;
+  for (std::size_t i = 0; i < a.getNumNodes(); ++i)
+    if (!areSame(a.node(i), b.node(i))) return false;
+  return true;
+}
+
+}  // namespace
+
+void requireUnchanged(const GraphDocument& before, const RefPtr<IHostGraph const>& graph,
+                      const ILanguageTraits& language, const WhyUnknown& whyUnknown) {
+  if (areSame(before, *readHostGraph(graph, language, whyUnknown))) return;
+  throw inputError(Finding::wrongUsage, before.file(), {}, "the graph has changed since the job was made");
+}
 
 RefPtr<GraphDocument> readHostGraph(const RefPtr<IHostGraph const>& graph, const ILanguageTraits& language,
                                     const WhyUnknown& whyUnknown) {

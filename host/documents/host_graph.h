@@ -12,4 +12,9 @@ namespace TolmSDK::Graphics::sfg::host {
 RefPtr<GraphDocument> readHostGraph(const RefPtr<IHostGraph const>& graph, const ILanguageTraits& language,
                                     const WhyUnknown& whyUnknown = {});
 
+/// Reads the graph again. Throws InputError when it is not as it was when `before` was read of it, and as
+/// readHostGraph() does: the builder would find what nobody has checked.
+void requireUnchanged(const GraphDocument& before, const RefPtr<IHostGraph const>& graph,
+                      const ILanguageTraits& language, const WhyUnknown& whyUnknown = {});
+
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -89,7 +89,8 @@ Diagnostic describe(const UnknownKey& found, Severity severity, const std::strin
       text.append(&key == found.table->keys.data() ? "`" : ", `").append(key.name).append("`");
     }
   }
-  return diagnose(Finding::unknownKey, severity, file, found.position, std::move(text));
+  return diagnose(Finding::unknownKey, severity, file, found.position, std::move(text),
+                  std::string(found.meant));
 }
 
 Diagnostic describe(const RepeatedMember& repeated, const std::string& file) {

@@ -58,6 +58,7 @@ LoadError parameterError(std::string_view message) {
   if (error.kind == Finding::unknownType && error.text.ends_with('`')) {
     const std::string name = error.text.substr(kNoType.size(), error.text.size() - kNoType.size() - 1);
     error.text += typeHint(name);
+    error.suggestion = meantType(name);
   }
   return error;
 }

@@ -14,6 +14,7 @@ struct LoadError {
   Finding kind = Finding::wrongValue;
   TextPosition position;  ///< nowhere when the message tells none
   std::string text;
+  std::string suggestion = {};  ///< in place of what stands there
 };
 
 /// Of "line 3, column 4: expected a value", for a document that is no JSON or cannot be read.

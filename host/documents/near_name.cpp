@@ -111,6 +111,12 @@ std::string didYouMean(std::string_view nearest) {
   return text;
 }
 
+std::string knownNameHint(std::string_view name, std::string_view known) {
+  NearName search(name);
+  search.offer(known);
+  return search.nearest().empty() ? "; known is `" + std::string(known) + "`" : didYouMean(known);
+}
+
 std::string knownNamesHint(const std::string& name, const std::vector<std::string>& known) {
   const std::string_view nearest = nearestName(name, known);
   std::string hint = didYouMean(nearest);

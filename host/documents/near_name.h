@@ -54,6 +54,8 @@ std::string_view nearestName(std::string_view name, const Names& known) {
 /// "; did you mean `octaves`?", or nothing for an empty name.
 std::string didYouMean(std::string_view nearest);
 
+/// Of a name that is not the only known one: that, if it is near, or what is known.
+std::string knownNameHint(std::string_view name, std::string_view known);
 /// Of a name that is not among the known ones: the nearest of them if it is near, and all of them, a dozen at
 /// most.
 std::string knownNamesHint(const std::string& name, const std::vector<std::string>& known);

@@ -35,6 +35,12 @@ public:
   std::vector<OwnPort> outputs;
   mutable std::size_t timesAsked = 0;
 
+  /// A node that is in no graph.
+  static const OwnNode* stray() {
+    static const RefPtr<OwnNode> node = makeRef<OwnNode>();
+    return node.get();
+  }
+
   const wchar_t* getFragmentName() const override {
     ++timesAsked;
     return fragment.c_str();

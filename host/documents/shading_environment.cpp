@@ -17,10 +17,7 @@ const IShaderFragment& requireFragment(const DocumentReader& reader, const IObje
                                        const WString& name, const ILanguageTraits& language,
                                        const WhyUnknown& whyUnknown) {
   const IShaderFragment* const fragment = language.findFragment(name);
-  if (fragment == nullptr) {
-    const UnknownName unknown = unknownFragment(whyUnknown, toUtf8(name));
-    reader.refuse(unknown.kind, at, unknown.text + unknown.hint);
-  }
+  if (fragment == nullptr) reader.refuse(unknownFragment(whyUnknown, toUtf8(name)), at);
   return *fragment;
 }
 
@@ -35,6 +32,8 @@ ShadingEnvironment::Light readLight(const DocumentReader& reader, const IObjectD
       cloneWithPorts(requireFragment(reader, *object.member(L"fragment"), fragment, language, whyUnknown),
                      light.name, language, libraryPorts);
   light.profile = makeRef<AShaderFragmentProfileFunction>();
+  const IObjectDataNode* const profile = object.member(L"profile");
+  light.profilePosition = reader.positionOf(profile != nullptr ? *profile : object);
   light.profile->setProfilename(reader.optionalName(object, L"profile").value_or(L"default"));
   return light;
 }

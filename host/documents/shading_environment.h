@@ -25,6 +25,7 @@ public:
     /// Only its name counts: the light profile that the options give.
     RefPtr<IShaderFragmentProfile> profile;
     TextPosition position;
+    TextPosition profilePosition;  ///< of the profile's name, or of the light
   };
 
   ShadingEnvironment();

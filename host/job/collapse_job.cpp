@@ -1,5 +1,7 @@
 #include "host/job/collapse_job.h"
 
+#include "host/documents/diagnose.h"
+#include "host/documents/shader_names.h"
 #include "host/job/called_expressions.h"
 #include "sfg/shader_collapse_tool_default.h"
 #include "sfg/shader_collapse_tool_light_loop.h"
@@ -25,6 +27,7 @@ RefPtr<IShaderFragment> collapseWith(const CollapseOptions& settings, const ASha
 CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const Document& graph,
                          const std::optional<Document>& environment, const CollapseOptions& settings)
     : settings_(settings), libraries_(std::move(libraries)) {
+  checkSettings();
   document_ = loadGraphDocument(graph, libraries_->language(), libraries_->ports(), whyUnknown());
   if (graph.isFile()) documentFiles_.push_back(graph.name());
   readEnvironment(environment);
@@ -33,9 +36,18 @@ CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const
 CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries,
                          const RefPtr<IHostGraph const>& graph, const std::optional<Document>& environment,
                          const CollapseOptions& settings)
-    : settings_(settings), libraries_(std::move(libraries)) {
+    : settings_(settings), libraries_(std::move(libraries)), ownGraph_(graph) {
+  checkSettings();
   document_ = readHostGraph(graph, libraries_->language(), whyUnknown());
   readEnvironment(environment);
+}
+
+void CollapseJob::checkSettings() const {
+  if (settings_.functionName.empty()) return;
+  const std::string fault = nameFault(settings_.functionName, false);
+  if (!fault.empty())
+    throw inputError(Finding::badName, std::string(), {},
+                     "the function's name cannot stand in code: " + fault);
 }
 
 WhyUnknown CollapseJob::whyUnknown() const {
@@ -53,6 +65,7 @@ void CollapseJob::readEnvironment(const std::optional<Document>& environment) {
 
 void CollapseJob::run() {
   const LanguageDx11& language = libraries_->language();
+  if (ownGraph_) requireUnchanged(*document_, ownGraph_, language, whyUnknown());
   const RefPtr<AShaderFragmentGraph> graph = buildGraph(*document_, language, libraries_->ports());
   if (std::vector<Diagnostic> wires = findCalledExpressions(*this); !wires.empty()) {
     throw CalledExpressionError(std::move(wires));

@@ -48,6 +48,7 @@ public:
   const IShaderFragment* result() const noexcept { return result_.get(); }
 
 private:
+  void checkSettings() const;
   /// Of this job's libraries.
   WhyUnknown whyUnknown() const;
   void readEnvironment(const std::optional<Document>& environment);
@@ -56,6 +57,7 @@ private:
   CollapseOptions settings_;
   std::shared_ptr<const LoadedLibraries> libraries_;
   std::vector<std::string> documentFiles_;
+  RefPtr<IHostGraph const> ownGraph_;  ///< null for a document
   RefPtr<GraphDocument> document_;
   RefPtr<ShadingEnvironment> environment_;
   RefPtr<ShaderOptions> options_;

@@ -95,8 +95,9 @@ void LibraryReport::finishFile() {
   fileStart_ = fragmentStart_ = problems_.size();
 }
 
-void LibraryReport::tell(Finding kind, Severity severity, TextPosition position, std::string text) {
-  problems_.push_back(diagnose(kind, severity, file_, position, std::move(text)));
+void LibraryReport::tell(Finding kind, Severity severity, TextPosition position, std::string text,
+                         std::string suggestion) {
+  problems_.push_back(diagnose(kind, severity, file_, position, std::move(text), std::move(suggestion)));
 }
 
 void LibraryReport::addNoFile(const std::string& path, const std::string& fault) {
@@ -155,7 +156,8 @@ void LibraryReport::tellProfile(const IObjectDataNode& profile) {
     const std::string_view meant = nearestName(name, kModes);
     tell(Finding::unknownWord, Severity::warning, mode->position(),
          "`mode` is none of `function`, `inline`, `metaSL`: " + inTicks(name) + didYouMean(meant) +
-             (meant.empty() ? "; it is taken" : " It is taken") + " for `function`");
+             (meant.empty() ? "; it is taken" : " It is taken") + " for `function`",
+         std::string(meant));
   }
   const IObjectDataNode* const languages = profile.member(L"language");
   if (languages == nullptr || languages->kind() != NodeKind::array || languages->size() == 0) return;
@@ -166,8 +168,8 @@ void LibraryReport::tellProfile(const IObjectDataNode& profile) {
   const IObjectDataNode& first = *languages->elementOrNull(0);
   if (first.kind() != NodeKind::string) return;
   tell(Finding::unknownLanguage, Severity::warning, first.position(),
-       "the profile is for no language that is known: " + inTicks(first.asUtf8()) + "; known is " +
-           inTicks(known));
+       "the profile is for no language that is known: " + inTicks(first.asUtf8()) +
+           knownNameHint(first.asUtf8(), known));
 }
 
 void LibraryReport::tellIgnoredKeys(const IObjectDataNode& object) {
@@ -229,6 +231,8 @@ Diagnostic LibraryReport::describe(const FragmentLoadFailure& failure) {
     kind = Finding::notLoaded;
     const IObjectDataNode* const code = profile != nullptr ? profile->member(L"implementation") : nullptr;
     const IObjectDataNode* const line = code != nullptr ? code->elementOrNull(0) : nullptr;
+    if (code != nullptr && code->kind() == NodeKind::array && line == nullptr)
+      reason = "`implementation` is empty";
     position = line != nullptr      ? line->position()
                : code != nullptr    ? code->position()
                : profile != nullptr ? profile->position()

@@ -46,7 +46,8 @@ public:
 
 private:
   void finishFile();
-  void tell(Finding kind, Severity severity, TextPosition position, std::string text);
+  void tell(Finding kind, Severity severity, TextPosition position, std::string text,
+            std::string suggestion = {});
   void tellRepeatedMembers(const IObjectDataNode& object);
   void tellEarlierDefinition(const WString& name, const IObjectDataNode& object);
   void tellProfile(const IObjectDataNode& profile);

@@ -19,15 +19,22 @@ std::string FragmentInfo::place() const {
   return Diagnostic{Severity::note, file, line, column, {}, {}}.place();
 }
 
-LibrarySet::LibrarySet(LibraryFolders folders, std::string language)
-    : folders_(std::move(folders)), languageName_(std::move(language)),
-      loaded_(std::make_shared<const LoadedLibraries>(textsOf(folders_.libraries), textsOf(folders_.includes),
-                                                      languageName_, folders_.standard.string())) {}
+LibrarySet::LibrarySet(LibraryFolders folders, std::string language,
+                       std::shared_ptr<const LoadedLibraries> loaded)
+    : folders_(std::move(folders)), languageName_(std::move(language)), loaded_(std::move(loaded)) {}
 LibrarySet::~LibrarySet() = default;
 
 std::shared_ptr<const LibrarySet> LibrarySet::load(const LibraryFolders& folders,
                                                    const std::string& language) {
-  return std::shared_ptr<const LibrarySet>(new LibrarySet(folders, language));
+  return from(std::make_shared<const LoadedLibraries>(textsOf(folders.libraries), textsOf(folders.includes),
+                                                      language, folders.standard.string()),
+              folders, language);
+}
+
+std::shared_ptr<const LibrarySet> LibrarySet::from(std::shared_ptr<const LoadedLibraries> loaded,
+                                                   const LibraryFolders& folders,
+                                                   const std::string& language) {
+  return std::shared_ptr<const LibrarySet>(new LibrarySet(folders, language, std::move(loaded)));
 }
 
 std::shared_ptr<const LibrarySet> LibrarySet::reload() const { return load(folders_, languageName_); }

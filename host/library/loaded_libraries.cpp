@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <stdexcept>
 
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
@@ -49,10 +50,10 @@ void requireFolder(const std::string& folder) {
 }
 
 void requireLanguage(const std::string& language) {
-  const std::vector<std::string> known = {toUtf8(LanguageDx11::kName)};
-  if (language == known.front()) return;
+  const std::string known = toUtf8(LanguageDx11::kName);
+  if (language == known) return;
   throw inputError(Finding::unknownLanguage, std::string(), {},
-                   "unknown language " + inTicks(language) + "; known is " + inTicks(known.front()));
+                   "unknown language " + inTicks(language) + knownNameHint(language, known));
 }
 
 bool isLibraryName(const fs::path& file) {
@@ -79,7 +80,8 @@ std::vector<std::string> noLibraries(const std::string& folder) {
 
 LoadedLibraries::LoadedLibraries(const std::vector<std::string>& libraryFolders,
                                  const std::vector<std::string>& includeFolders, const std::string& language,
-                                 const std::string& standardFolder)
+                                 const std::string& standardFolder,
+                                 const std::map<std::string, std::string>& texts)
     : includeFolders_(includeFolders) {
   requireLanguage(language);
   for (const std::string& folder : libraryFolders) requireFolder(folder);
@@ -91,7 +93,7 @@ LoadedLibraries::LoadedLibraries(const std::vector<std::string>& libraryFolders,
   LibraryReport report(files_);
   for (const std::string& folder : libraryFolders) {
     report.startFolder(folder == standardFolder);
-    loadFragments(folder, report);
+    loadFragments(folder, report, texts);
   }
   problems_ = report.take();
   failures_ = report.failures();
@@ -119,15 +121,28 @@ void LoadedLibraries::keepIncludes(const WString& folder) {
   }
 }
 
-void LoadedLibraries::loadFragments(const std::string& folder, LibraryReport& report) {
+void LoadedLibraries::loadFragments(const std::string& folder, LibraryReport& report,
+                                    const std::map<std::string, std::string>& texts) {
   for (const std::string& path : noLibraries(folder)) report.addNoFile(path, whyNoFile(path));
 
   FragmentLoading loading;
   loading.includes = &includes_;
+  WString given;
+  loading.textOf = [&](const WString& file) -> const WString* {
+    const auto text = texts.find(toUtf8(file));
+    if (text == texts.end()) return nullptr;
+    given = fromUtf8(text->second);
+    return &given;
+  };
   loading.onFile = [&](const WString& file) {
     report.startFile(file);
     files_.addFile(file);
-    texts_.add(toUtf8(file));
+    const std::string path = toUtf8(file);
+    if (const auto text = texts.find(path); text != texts.end()) {
+      texts_.add(path, text->second);
+    } else {
+      texts_.add(path);
+    }
   };
   loading.isFragment = [](const WString& name) {
     return !isCommentKey(name) && name != fromUtf8(kSchemaKey);
@@ -149,12 +164,32 @@ void LoadedLibraries::loadFragments(const std::string& folder, LibraryReport& re
   library_.loadFragments(fromUtf8(folder).c_str(), loading);
 }
 
+void LoadedLibraries::addOwnFragments(std::string_view library) {
+  FragmentLoading loading;
+  loading.includes = &includes_;
+  loading.onFailure = [](const FragmentLoadFailure& failure) {
+    throw std::logic_error("the host's own fragments: " + toUtf8(failure.reason));
+  };
+  library_.loadText(L"own.fraglib", fromUtf8(library), loading);
+}
+
+std::shared_ptr<const void>
+LoadedLibraries::derived(const std::string& file,
+                         const std::function<std::shared_ptr<const void>()>& make) const {
+  const std::lock_guard<std::mutex> lock(derivedMutex_);
+  const auto known = derived_.find(file);
+  if (known != derived_.end()) return known->second;
+  return derived_.emplace(file, make()).first->second;
+}
+
 UnknownName LoadedLibraries::whyUnknown(std::string_view name) const {
   const auto failure = failures_.find(fromUtf8(name));
   if (failure != failures_.end()) {
     return {Finding::notLoaded,
             "the fragment " + inTicks(name) + " cannot be loaded: see " + failure->second.place(),
-            {}};
+            {},
+            {},
+            failure->second};
   }
   NearName search(name);
   std::vector<std::string> names;
@@ -162,7 +197,7 @@ UnknownName LoadedLibraries::whyUnknown(std::string_view name) const {
   for (const auto& [known, entry] : files_.entries()) search.offer(names.emplace_back(toUtf8(known)));
   std::string hint = didYouMean(search.nearest());
   if (hint.empty() && lacksFile_) hint = "; not all libraries could be read";
-  return {Finding::unknownFragment, "unknown fragment " + inTicks(name), hint};
+  return {Finding::unknownFragment, "unknown fragment " + inTicks(name), hint, std::string(search.nearest())};
 }
 
 std::string LoadedLibraries::includeFile(const WString& name) const {

@@ -2,7 +2,12 @@
 
 // What a library set holds.
 
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/documents/fragment_names.h"
@@ -24,22 +29,27 @@ class LoadedLibraries {
 public:
   /// Paths and names are UTF-8. Throws InputError for a folder that does not exist and for an unknown
   /// language. What is wrong inside library files is among the problems(). Fragments of the standard folder
-  /// are replaced silently.
+  /// are replaced silently. `texts` are read in place of the library files of those paths.
   LoadedLibraries(const std::vector<std::string>& libraryFolders,
                   const std::vector<std::string>& includeFolders, const std::string& language,
-                  const std::string& standardFolder = {});
+                  const std::string& standardFolder = {},
+                  const std::map<std::string, std::string>& texts = {});
   LoadedLibraries(const LoadedLibraries&) = delete;
   LoadedLibraries& operator=(const LoadedLibraries&) = delete;
+
+  /// Fragments of this host's own, of which nobody is told: `library` (JSON) must load. For who makes these
+  /// libraries, before anybody else has them.
+  void addOwnFragments(std::string_view library);
 
   const FragmentLibrary& library() const noexcept { return library_; }
   const ShaderIncludes& includes() const noexcept { return includes_; }
   const LanguageDx11& language() const noexcept { return *language_; }
   const FragmentFiles& files() const noexcept { return files_; }
-  /// What is wrong or odd in the files, in their order.
   /// What the fragments say of their ports and uniforms.
   const LibraryPorts& ports() const noexcept { return ports_; }
   /// Of all library and include files.
   const SourceTexts& texts() const noexcept { return texts_; }
+  /// What is wrong or odd in the files, in their order.
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
   /// Of a name that is no fragment of these: its failure, or which was meant.
   UnknownName whyUnknown(std::string_view name) const;
@@ -50,10 +60,16 @@ public:
   /// As they were given.
   const std::vector<std::string>& includeFolders() const noexcept { return includeFolders_; }
 
+  /// What somebody makes of a library file's text and keeps here for others; made once, when it is asked for
+  /// first. One kind of thing only.
+  std::shared_ptr<const void> derived(const std::string& file,
+                                      const std::function<std::shared_ptr<const void>()>& make) const;
+
 private:
   void loadIncludes();
   void keepIncludes(const WString& folder);
-  void loadFragments(const std::string& folder, LibraryReport& report);
+  void loadFragments(const std::string& folder, LibraryReport& report,
+                     const std::map<std::string, std::string>& texts);
 
   ShaderIncludes includes_;
   FragmentLibrary library_;
@@ -66,6 +82,8 @@ private:
   Map<WString, Diagnostic> failures_;
   bool lacksFile_ = false;
   std::vector<std::string> includeFolders_;
+  mutable std::mutex derivedMutex_;
+  mutable std::map<std::string, std::shared_ptr<const void>> derived_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -127,7 +127,8 @@ TEST_F(LoadedLibrariesTest, RefusesFoldersThatAreNoneAndUnknownLanguages) {
   const std::string file = write("file", "") + "/file";
   EXPECT_EQ(refusal({path("gone")}, {}, "dx11"), "the folder `" + path("gone") + "` does not exist");
   EXPECT_EQ(refusal({}, {file}, "dx11"), "`" + file + "` is not a folder");
-  EXPECT_EQ(refusal({}, {}, "dx12"), "unknown language `dx12`; known is `dx11`");
+  EXPECT_EQ(refusal({}, {}, "dx12"), "unknown language `dx12`; did you mean `dx11`?");
+  EXPECT_EQ(refusal({}, {}, "glsl"), "unknown language `glsl`; known is `dx11`");
 }
 
 }  // namespace

@@ -32,6 +32,11 @@ void SourceTexts::add(const std::string& file) {
   if (std::optional<std::string> bytes = readBytes(file)) texts_.insert_or_assign(file, std::move(*bytes));
 }
 
+void SourceTexts::add(const std::string& file, std::string text) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+  texts_.insert_or_assign(file, std::move(text));
+}
+
 void SourceTexts::addInclude(const WString& name, const std::string& file) {
   add(file);
   if (texts_.contains(file)) includes_[name].push_back(file);

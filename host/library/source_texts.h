@@ -15,11 +15,15 @@ class SourceTexts {
 public:
   /// A file that cannot be read is left out.
   void add(const std::string& file);
+  /// The same with another text than the file's.
+  void add(const std::string& file, std::string text);
   /// An include file, found by name from now on; those of one name are kept in order.
   void addInclude(const WString& name, const std::string& file);
 
   /// Without a byte-order mark; null for a file that was not added.
   const std::string* find(const std::string& file) const;
+  /// By file.
+  const Map<std::string, std::string>& all() const noexcept { return texts_; }
   /// The files whose texts are behind each other under that name.
   const std::vector<std::string>& includeFiles(const WString& name) const;
 

@@ -81,38 +81,30 @@ private:
     const IShaderFragmentProfile& profile = *fragment->getProfile(0);
     const ITextParameterList& code = *profile.getFunctionParameters();
     const bool isInline = profile.getMode() == EShaderFragmentProfileMode::Inline;
-    std::vector<Port> inputs;
-    for (std::size_t i = 0; i < code.getNumInputs(); ++i)
-      inputs.push_back({code.getInputName(i), code.getInputType(i)});
+    std::vector<WString> inputs;
+    for (std::size_t i = 0; i < code.getNumInputs(); ++i) inputs.push_back(code.getInputName(i));
     comparePorts(interface->member(L"inputs"), inputs, isInline, "input", name);
     // An expression has one output of any name.
     if (isInline) return;
-    std::vector<Port> outputs;
-    for (std::size_t i = 0; i < code.getNumOutputs(); ++i)
-      outputs.push_back({code.getOutputName(i), code.getOutputType(i)});
+    std::vector<WString> outputs;
+    for (std::size_t i = 0; i < code.getNumOutputs(); ++i) outputs.push_back(code.getOutputName(i));
     comparePorts(interface->member(L"outputs"), outputs, false, "output", name);
   }
 
-  struct Port {
-    WString name;
-    WString type;
-  };
-
-  /// Ports take the place of the code's in their order; more or fewer of them are told by the collapse.
-  void comparePorts(const IObjectDataNode* list, const std::vector<Port>& ports, bool isInline,
+  /// Ports take the place of the code's in their order; other types, and more or fewer ports, are errors of
+  /// the job.
+  void comparePorts(const IObjectDataNode* list, const std::vector<WString>& ports, bool isInline,
                     const std::string& kind, const WString& fragment) {
     if (list == nullptr || list->size() != ports.size()) return;
     for (std::size_t i = 0; i < ports.size(); ++i) {
       const IObjectDataNode* const port = list->element(i);
       if (port == nullptr || port->member(L"name") == nullptr) continue;
       const WString& name = port->member(L"name")->asString();
-      const WString expected = isInline ? placeholderName(ports[i].name) : ports[i].name;
+      const WString expected = isInline ? placeholderName(ports[i]) : ports[i];
       if (name != expected) {
         lints_.at(Finding::interfaceMismatch, file_, port->member(L"name")->position(),
                   kind + " " + std::to_string(i + 1) + " of the code of fragment " + inTicks(fragment) +
                       " is called " + inTicks(expected) + ", not " + inTicks(name));
-      } else if (!isInline) {
-        compareType(*port, ports[i], kind, fragment);
       }
     }
   }
@@ -122,27 +114,6 @@ private:
     constexpr std::size_t kBraces = 2;
     const bool isWhole = placeholder.size() > 2 * kBraces;
     return isWhole ? placeholder.substr(kBraces, placeholder.size() - 2 * kBraces) : placeholder;
-  }
-
-  void compareType(const IObjectDataNode& port, const Port& code, const std::string& kind,
-                   const WString& fragment) {
-    constexpr std::wstring_view kInout = L"inout ";
-    const IObjectDataNode* const type = port.member(L"type");
-    if (type == nullptr) return;
-    WString inCode = code.type;
-    if (inCode.starts_with(kInout)) inCode.erase(0, kInout.size());
-    const WString& given = type->asString();
-    const TypeID known = ITypeTraits::findType(given);
-    if (known == TypeID_nil) return;
-    const TypeID wanted = libraries_.language().getTypeID(inCode);
-    const bool isStructure = wanted == TypeID_nil || wanted == TypeID_struct;
-    const WString& structure = textOf(port, L"struct");
-    const bool isSame = isStructure ? known == TypeID_struct && structure == inCode : known == wanted;
-    if (isSame) return;
-    lints_.at(Finding::interfaceMismatch, file_, type->position(),
-              kind + " " + inTicks(code.name) + " of the code of fragment " + inTicks(fragment) +
-                  " is of type " + inTicks(inCode) + ", not " +
-                  inTicks(structure.empty() ? given : structure));
   }
 
   const LoadedLibraries& libraries_;

@@ -126,20 +126,6 @@ TEST_F(InterfaceMismatch, IsToldOfAName) {
             "[interface-mismatch]\n");
 }
 
-TEST_F(InterfaceMismatch, IsToldOfAType) {
-  EXPECT_EQ(interfaceOf("half", R"json({ "inputs": [ { "name": "x", "type": "float3" } ],
-"outputs": [ { "name": "r", "type": "float" } ] })json"),
-            "graph.json:3:38: input `x` of the code of fragment `half` is of type `float`, not `float3` "
-            "[interface-mismatch]\n");
-}
-
-TEST_F(InterfaceMismatch, IsToldOfAStructure) {
-  EXPECT_EQ(interfaceOf("glow", R"json({ "inputs": [ { "name": "uv", "type": "fvec2" },
- { "name": "tint", "type": "fvec3" } ], "outputs": [ { "name": "r", "type": "struct", "struct": "Glo" } ] })json"),
-            "graph.json:4:77: output `r` of the code of fragment `glow` is of type `Glow`, not `Glo` "
-            "[interface-mismatch]\n");
-}
-
 TEST_F(InterfaceMismatch, IsToldOfPlaceholdersInAnotherOrder) {
   EXPECT_EQ(
       interfaceOf("twice", R"json({ "inputs": [ { "name": "b", "type": "float" },

@@ -64,8 +64,12 @@ const FragmentCodes::File* FragmentCodes::fileOf(const std::string& name) {
   const auto found = files_.find(name);
   if (found != files_.end()) return found->second.get();
   const std::string* const text = libraries_.texts().find(name);
-  return files_.emplace(name, text != nullptr ? std::make_shared<const File>(*text) : nullptr)
-      .first->second.get();
+  std::shared_ptr<const File> file;
+  if (text != nullptr) {
+    file = std::static_pointer_cast<const File>(
+        libraries_.derived(name, [text] { return std::make_shared<const File>(*text); }));
+  }
+  return files_.emplace(name, std::move(file)).first->second.get();
 }
 
 const FragmentCode* FragmentCodes::find(const WString& fragment, std::size_t index, CodePart part) {

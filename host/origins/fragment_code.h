@@ -39,7 +39,7 @@ std::vector<const IObjectDataNode*> profileObjects(const IObjectDataNode& fragme
 std::unique_ptr<FragmentCode> readCode(const IObjectDataNode& fragment, const IObjectDataNode& profile,
                                        CodePart part, const std::string& file, const JsonPlaces& places);
 
-/// Reads the kept texts of library files again, each once, when it is asked for. Used by one thread.
+/// Reads the kept texts of library files again, each once for all that ask. Used by one thread.
 class FragmentCodes {
 public:
   explicit FragmentCodes(const LoadedLibraries& libraries) : libraries_(libraries) {}

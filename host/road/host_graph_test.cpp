@@ -158,10 +158,83 @@ TEST(HostGraphTest, RefusalsNameTheHostsNodes) {
     return text;
   };
   EXPECT_EQ(told([](OwnGraph& g) { g.nodes[1]->fragment = L"nope"; }),
-            ": sfgError : Failed to create fragment: nope!\n"
-            "graph: node `colors` uses the fragment `nope`, which no library has\n");
+            "graph: node `colors` uses the fragment `nope`, which no library has\n"
+            "graph: the generator says \"sfgError : Failed to create fragment: nope!\"\n");
   EXPECT_NE(told([](OwnGraph& g) { g.nodes[1]->inputs[0].source = g.nodes[3].get(); }).find("circular loop"),
             std::string::npos);
+}
+
+TEST(HostGraphTest, RefusesAGraphThatChangesUnderItsJob) {
+  const std::vector<std::pair<std::string, std::function<void(OwnGraph&)>>> changes = {
+      {"no nodes", [](OwnGraph& g) { g.nodes.clear(); }},
+      {"a node less", [](OwnGraph& g) { g.nodes.erase(g.nodes.begin()); }},
+      {"a node more",
+       [](OwnGraph& g) {
+         g.nodes.push_back(makeRef<OwnNode>());
+         g.names.push_back("more");
+       }},
+      {"other order", [](OwnGraph& g) { std::swap(g.nodes[0], g.nodes[3]); }},
+      {"a null node", [](OwnGraph& g) { g.nodes[1] = nullptr; }},
+      {"another name", [](OwnGraph& g) { g.names[1] = "other"; }},
+      {"another fragment", [](OwnGraph& g) { g.nodes[1]->fragment = L"colorRampThree"; }},
+      {"no inputs", [](OwnGraph& g) { g.nodes[1]->inputs.clear(); }},
+      {"an input more", [](OwnGraph& g) { g.nodes[1]->inputs.push_back({port(TypeID_float, L"more")}); }},
+      {"a null input", [](OwnGraph& g) { g.nodes[1]->inputs[0].parameter = nullptr; }},
+      {"another input", [](OwnGraph& g) { g.nodes[1]->inputs[0].parameter = port(TypeID_fvec3, L"x"); }},
+      {"no outputs", [](OwnGraph& g) { g.nodes[1]->outputs.clear(); }},
+      {"another output", [](OwnGraph& g) { g.nodes[1]->outputs[0] = port(TypeID_fvec3, L"x"); }},
+      {"a wire less", [](OwnGraph& g) { g.nodes[2]->inputs[0].source = nullptr; }},
+      {"a wire more", [](OwnGraph& g) { g.nodes[1]->inputs[0].source = g.nodes[0].get(); }},
+      {"a wire from another output", [](OwnGraph& g) { g.nodes[2]->inputs[0].output = 7; }},
+      {"a wire from nowhere", [](OwnGraph& g) { g.nodes[2]->inputs[0].source = OwnNode::stray(); }},
+      {"no result", [](OwnGraph& g) { g.result = nullptr; }},
+      {"another result", [](OwnGraph& g) { g.result = g.nodes[2].get(); }},
+      {"no graph inputs", [](OwnGraph& g) { g.inputs.clear(); }},
+      {"another graph input", [](OwnGraph& g) { g.nodes[0]->inputs[0].graphInput = IHostGraph::kNotFed; }},
+      {"more graph outputs", [](OwnGraph& g) { g.outputs.push_back(port(TypeID_float, L"more")); }},
+      {"a uniform", [](OwnGraph& g) { g.uniforms.push_back(port(TypeID_float, L"more")); }},
+      {"a chain before", [](OwnGraph& g) { g.preprocess.push_back("checkerPattern"); }},
+      {"a chain behind", [](OwnGraph& g) { g.postprocess.push_back("postContrast"); }},
+  };
+  for (const auto& [name, change] : changes) {
+    SCOPED_TRACE(name);
+    const RefPtr<OwnGraph> graph = makeGraph();
+    Job job(library(), RefPtr<IHostGraph const>(graph));
+    change(*graph);
+    EXPECT_THROW(job.collapse(), InputError);
+    EXPECT_FALSE(job.isCollapsed());
+    EXPECT_THROW(job.collapse(), InputError);
+  }
+  // What was collapsed needs the graph no more.
+  const RefPtr<OwnGraph> graph = makeGraph();
+  Job job(library(), RefPtr<IHostGraph const>(graph));
+  job.collapse();
+  const std::string text = job.assemble().text;
+  graph->nodes.clear();
+  job.collapse();
+  static_cast<void>(job.assemble(ShaderStage::vertex));
+  EXPECT_EQ(job.assemble().text, text);
+  static_cast<void>(job.mapSources());
+}
+
+TEST(HostGraphTest, CollapsesAGraphThatIsChangedBack) {
+  const RefPtr<OwnGraph> graph = makeGraph();
+  Job job(library(), RefPtr<IHostGraph const>(graph));
+  const OwnNode::Input last = graph->nodes[1]->inputs.back();
+  graph->nodes[1]->inputs.pop_back();
+  try {
+    job.collapse();
+    FAIL();
+  } catch (const InputError& error) {
+    EXPECT_EQ(error.diagnostic(),
+              (Diagnostic{Severity::error, "graph", 0, 0, "the graph has changed since the job was made",
+                          "wrong-usage"}));
+  }
+  graph->nodes[1]->inputs.push_back(last);
+  job.collapse();
+  Job other(library(), RefPtr<IHostGraph const>(makeGraph()));
+  other.collapse();
+  EXPECT_EQ(job.assemble().text, other.assemble().text);
 }
 
 }  // namespace

@@ -2,9 +2,11 @@
 
 #include "host/diagnostics/compile_explanation.h"
 #include "host/diagnostics/refusal_place.h"
+#include "host/diagnostics/shader_arguments.h"
 #include "host/diagnostics/warnings.h"
 #include "host/diagnostics/wire_types.h"
 #include "host/documents/diagnose.h"
+#include "host/drawing/dot_text.h"
 #include "host/job/called_expressions.h"
 #include "host/job/collapse_job.h"
 #include "host/job/collapse_json.h"
@@ -17,23 +19,32 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
+/// Whether the error is no more than where the graph was when it happened.
+bool isOnlyAPlace(const std::vector<Diagnostic>& found) {
+  return found.front().identifier == identifierOf(Finding::collapsePlace);
+}
+
+/// The generator's words stand behind the cause, where it is known.
 [[noreturn]] void throwRefused(const CollapseJob& job, const Exception& refusal) {
   const std::string message = toUtf8(refusal.getMessage());
-  Diagnostic place = findRefusalPlace(job, refusal.getMessage());
-  // What is wrong with the library is told among its problems; this follows from it.
-  if (place.identifier == identifierOf(Finding::notLoaded)) {
-    throw CollapseError(CollapseError::Reason::refused, message, {std::move(place)});
+  std::vector<Diagnostic> told = findRefusalPlace(job, refusal.getMessage());
+  if (isOnlyAPlace(told)) {
+    told.insert(told.begin(), diagnose(Finding::generator, Severity::message, std::string(), {}, message));
+  } else if (told.back().identifier != identifierOf(Finding::notLoaded)) {
+    const Diagnostic& last = told.back();
+    told.push_back(diagnose(Finding::generator, Severity::note, last.file, {last.line, last.column},
+                            "the generator says \"" + message + "\""));
   }
-  throw CollapseError(
-      CollapseError::Reason::refused, message,
-      {diagnose(Finding::generator, Severity::message, std::string(), {}, message), std::move(place)});
+  throw CollapseError(CollapseError::Reason::refused, message, std::move(told));
 }
 
 [[noreturn]] void throwNoResult(const CollapseJob& job) {
   const std::string reason = "the graph cannot be collapsed: an output cannot be evaluated";
-  throw CollapseError(CollapseError::Reason::noResult, reason,
-                      {diagnose(Finding::noResult, Severity::error, std::string(), {}, reason),
-                       findRefusalPlace(job, std::wstring_view())});
+  std::vector<Diagnostic> told = findRefusalPlace(job, std::wstring_view());
+  if (isOnlyAPlace(told)) {
+    told.insert(told.begin(), diagnose(Finding::noResult, Severity::error, std::string(), {}, reason));
+  }
+  throw CollapseError(CollapseError::Reason::noResult, reason, std::move(told));
 }
 
 Shader shaderOf(const AssembledShader& assembled, ShaderStage stage, NameStyle names) {
@@ -65,6 +76,13 @@ const AssembledShader& assembledOf(const CollapseJob& job, ShaderStage stage, Na
     last = Assembled{stage, names, mesh, assembleShader(job, stage, names, mesh)};
   }
   return last->shader;
+}
+
+/// The same for any mesh: one that has all that a vertex stage needs changes nothing of its text.
+const AssembledShader& assembledOf(const CollapseJob& job, ShaderStage stage, NameStyle names,
+                                   std::optional<Assembled>& last) {
+  const bool isLast = last && last->stage == stage && last->names == names;
+  return assembledOf(job, stage, names, isLast ? last->mesh : MeshLayout(), last);
 }
 
 }  // namespace
@@ -118,7 +136,12 @@ std::vector<Diagnostic> Job::problems() const {
   return problems;
 }
 
-std::vector<Diagnostic> Job::errors() const { return findTypeErrors(state_->job, Severity::error); }
+std::vector<Diagnostic> Job::errors() const {
+  std::vector<Diagnostic> errors = findTypeErrors(state_->job, Severity::error);
+  const std::vector<Diagnostic> arguments = findShaderArguments(state_->job, Severity::error);
+  errors.insert(errors.end(), arguments.begin(), arguments.end());
+  return errors;
+}
 
 std::vector<Diagnostic> Job::warnings(bool completeShader) const {
   return findWarnings(collapsed().job, completeShader);
@@ -138,13 +161,13 @@ ShaderInterface Job::reflect(ShaderStage stage, NameStyle names, const MeshLayou
 
 SourceMap Job::mapSources(ShaderStage stage, NameStyle names) const {
   State& state = collapsed();
-  return SourceMap(state.job, assembledOf(state.job, stage, names, {}, state.last));
+  return SourceMap(state.job, assembledOf(state.job, stage, names, state.last));
 }
 
 std::vector<Diagnostic> Job::explain(const Shader& shader, const CompileError& error) const {
   State& state = collapsed();
   if (error.inAssembledText()) {
-    const AssembledShader& assembled = assembledOf(state.job, shader.stage, shader.names, {}, state.last);
+    const AssembledShader& assembled = assembledOf(state.job, shader.stage, shader.names, state.last);
     if (toUtf8(assembled.shader.getCompleteShader()) == shader.text)
       return explainCompileError(state.job, assembled, error);
   }
@@ -165,6 +188,10 @@ const IShaderFragment& Job::result() const { return *collapsed().job.result(); }
 
 std::string Job::resultJson() const {
   return writeCollapseJson(state_->job.result(), state_->job.libraries().includes());
+}
+
+std::string Job::drawing(const std::string& title) const {
+  return writeDot(drawGraph(collapsed().job), title);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

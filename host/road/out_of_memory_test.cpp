@@ -199,5 +199,50 @@ TEST_F(OutOfMemoryTest, WhileAJobNamesUniformsReadably) {
   EXPECT_EQ(text, expected);
 }
 
+TEST_F(OutOfMemoryTest, WhileAJobTellsOfItsDocuments) {
+  const Job job(libraries_,
+                Document::fromText(R"({ "nodes": [], "node": 1, "inputs": [], "inputs": [] })", "graph"));
+  const std::vector<Diagnostic> expected = job.problems();
+  EXPECT_EQ(expected.size(), 2u);
+  std::vector<Diagnostic> told;
+  const std::size_t failures = failEverywhere(
+      [&] {
+        told = job.problems();
+        static_cast<void>(job.errors());
+      },
+      [&](bool failed) { ASSERT_TRUE(failed || told == expected); });
+  EXPECT_GT(failures, 2u);
+  EXPECT_EQ(told, expected);
+}
+
+TEST_F(OutOfMemoryTest, WhileAJobExplains) {
+  Job job(libraries_, Document::fromText(kGraph, "graph"));
+  job.collapse();
+  const Shader shader = job.assemble();
+  const CompileError refusal("refused", {{3, "wrong"}}, true);
+  const std::vector<Diagnostic> expected = job.explain(shader, refusal);
+  EXPECT_GT(expected.size(), 1u);
+  std::vector<Diagnostic> told;
+  const std::size_t failures = failEverywhere([&] { told = job.explain(shader, refusal); },
+                                              [&](bool failed) { ASSERT_TRUE(failed || told == expected); });
+  EXPECT_GT(failures, 100u);
+  EXPECT_EQ(told, expected);
+  EXPECT_EQ(job.assemble().text, shader.text);
+}
+
+TEST_F(OutOfMemoryTest, WhileABufferIsPacked) {
+  Job job(libraries_, Document::fromText(kGraph, "graph"));
+  job.collapse();
+  const ShaderInterface told = job.reflect();
+  const InterfaceBuffer& buffer = findBuffer(told, "sfg_Uniforms");
+  const std::vector<ValueSetting> settings = {{"first.gain", {2}}};
+  const std::vector<std::uint8_t> expected = packBuffer(buffer, settings);
+  std::vector<std::uint8_t> bytes;
+  const std::size_t failures = failEverywhere([&] { bytes = packBuffer(buffer, settings); },
+                                              [&](bool failed) { ASSERT_TRUE(failed || bytes == expected); });
+  EXPECT_GT(failures, 1u);
+  EXPECT_EQ(bytes, expected);
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -16,7 +18,7 @@ namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
 constexpr std::size_t kThreads = 8;
-constexpr std::size_t kRounds = 4;
+constexpr std::size_t kRounds = 3;
 
 /// The set that new jobs take: exchanged by one thread, taken by all.
 class CurrentSet {
@@ -36,39 +38,98 @@ private:
   std::shared_ptr<const LibrarySet> set_;
 };
 
-/// The whole road; the shader, and its module's size where there are compilers.
-std::string travel(const std::shared_ptr<const LibrarySet>& libraries, const std::string& material) {
+/// A folder with a fragment that no compiler takes.
+class BrokenFolder {
+public:
+  BrokenFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "sfg_threads_XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+    std::ofstream(path_ / "broken.fraglib") << R"json({ "broken": { "language": ["dx11"],
+  "implementation": [ "void broken(out float4 result)", "{", "result = colour;", "}" ] } })json";
+  }
+  ~BrokenFolder() { std::filesystem::remove_all(path_); }
+  BrokenFolder(const BrokenFolder&) = delete;
+  BrokenFolder& operator=(const BrokenFolder&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+
+private:
+  std::filesystem::path path_;
+};
+
+constexpr const char* kBroken = R"({ "outputs": [ { "name": "color", "type": "float4", "node": "bad" } ],
+  "nodes": [ { "name": "bad", "fragment": "broken" } ] })";
+
+std::string textOf(const std::vector<Diagnostic>& diagnostics) {
+  std::string text;
+  for (const Diagnostic& told : diagnostics) text += told.place() + ": " + told.text + "\n";
+  return text;
+}
+
+/// What a compiler has against the shader, and where that comes from.
+std::string explained(const Job& job, const Shader& shader) {
+  try {
+    if (!hasCompilers()) throw CompileError("refused", {{5, "wrong"}}, true);
+    compileToSpirv(shader);
+    return "compiles";
+  } catch (const CompileError& error) {
+    return textOf(job.explain(shader, error));
+  }
+}
+
+/// The whole road: all that a job tells of a material, its modules and their interfaces.
+std::string travel(const std::shared_ptr<const LibrarySet>& libraries, const Document& graph) {
   CollapseOptions options;
-  options.tool = CollapseTool::lightLoop;
-  Job job(libraries, Document::fromFile("examples/materials/" + material), options,
-          Document::fromFile("examples/environments/studio.json"));
+  options.tool = graph.isFile() ? CollapseTool::lightLoop : CollapseTool::standard;
+  Job job(libraries, graph, options, Document::fromFile("examples/environments/studio.json"));
   job.collapse();
-  std::string result;
-  for (const Diagnostic& warning : job.warnings()) result += warning.place() + ": " + warning.text + "\n";
-  const Shader shader = job.assemble();
-  result += shader.text + job.resultJson();
-  if (hasCompilers()) result += std::to_string(compileToSpirv(shader).size());
+  std::string result = textOf(job.problems()) + textOf(job.errors()) + textOf(job.warnings());
+  result += job.resultJson();
+  for (const ShaderStage stage : {ShaderStage::pixel, ShaderStage::vertex}) {
+    const Shader shader = job.assemble(stage, NameStyle::readable);
+    ShaderInterface told = interfaceFor(job.reflect(stage, NameStyle::readable), ShaderTarget::glsl);
+    result += shader.text;
+    for (const InterfaceBuffer& buffer : told.buffers) {
+      for (const std::uint8_t byte : packBuffer(buffer, {})) result += static_cast<char>(byte);
+    }
+    if (hasCompilers() && graph.isFile()) {
+      const std::vector<std::uint32_t> module = compileToSpirv(shader);
+      result += translateSpirv(module, stage, ShaderTarget::glsl);
+      markUsed(told, module);
+    }
+    result += writeInterfaceJson(told) + explained(job, shader);
+    result += job.mapSources(stage, NameStyle::readable).find(5, 5).place();
+  }
   return result;
 }
 
 TEST(ThreadsTest, JobsGoOnWhileLibrariesAreLoadedAnew) {
-  const LibraryFolders folders{{"library"}, {"library"}};
+  const BrokenFolder broken;
+  const LibraryFolders folders{{"library", broken.path()}, {"library"}};
   CurrentSet current(LibrarySet::load(folders));
-  const std::vector<std::string> materials = {"marble.json", "checker_unlit.json"};
+  const std::vector<Document> graphs = {Document::fromFile("examples/materials/marble.json"),
+                                        Document::fromFile("examples/materials/checker_unlit.json"),
+                                        Document::fromText(kBroken, "broken.json")};
   std::vector<std::string> expected;
-  for (const std::string& material : materials) expected.push_back(travel(current.get(), material));
+  for (const Document& graph : graphs) expected.push_back(travel(current.get(), graph));
+  if (hasCompilers()) {
+    EXPECT_NE(expected[2].find("`colour` is not declared"), std::string::npos) << expected[2];
+  }
 
   std::atomic<bool> done = false;
+  std::atomic<std::size_t> loaded = 0;
   std::atomic<std::size_t> same = 0;
   std::thread loader([&] {
-    while (!done) current.exchange(current.get()->reload());
+    do {
+      current.exchange(current.get()->reload());
+      ++loaded;
+    } while (!done);
   });
   std::vector<std::thread> threads;
   for (std::size_t i = 0; i < kThreads; ++i) {
     threads.emplace_back([&, i] {
       for (std::size_t round = 0; round < kRounds; ++round) {
-        const std::size_t material = (i + round) % materials.size();
-        if (travel(current.get(), materials[material]) == expected[material]) ++same;
+        const std::size_t graph = (i + round) % graphs.size();
+        if (travel(current.get(), graphs[graph]) == expected[graph]) ++same;
       }
     });
   }
@@ -76,6 +137,7 @@ TEST(ThreadsTest, JobsGoOnWhileLibrariesAreLoadedAnew) {
   done = true;
   loader.join();
   EXPECT_EQ(same, kThreads * kRounds);
+  EXPECT_GT(loaded, 0u);
 }
 
 }  // namespace

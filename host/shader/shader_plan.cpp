@@ -210,15 +210,22 @@ private:
   }
 
   /// State variables in the order of the table, so that shaders that use the same variables have the same
-  /// interface.
+  /// interface. Direct3D links stages by the order of what they hand over: in a pixel stage the facing, which
+  /// no vertex stage gives, stands behind all else.
   void findVaryings() {
     Set<UString> varying;
     for (const UString& name : usedVariables_) {
       if (!language_.getStateVariableParameterName(name).empty()) varying.insert(name);
     }
     if (plan_.state.isDeclared) varying.insert(stateSources().begin(), stateSources().end());
+    const StateVariableInfo* facing = nullptr;
     for (const StateVariableInfo& info : allStateVariables()) {
-      if (varying.contains(info.name)) addVarying(info.type, info.name.str(), semanticOf(info.name), true);
+      if (!varying.contains(info.name)) continue;
+      if (plan_.stage == ShaderStage::pixel && info.name == StateVariable_frontFacing) {
+        facing = &info;
+      } else {
+        addStateVarying(info);
+      }
     }
     std::size_t number = 0;
     for (const UsedInput& input : plan_.graphInputs) {
@@ -227,6 +234,11 @@ private:
       appendDecimal(semantic, number++);
       addVarying(input.port.type, input.port.name, semantic, false);
     }
+    if (facing != nullptr) addStateVarying(*facing);
+  }
+
+  void addStateVarying(const StateVariableInfo& info) {
+    addVarying(info.type, info.name.str(), semanticOf(info.name), true);
   }
 
   void addVarying(const TypeID& type, const WString& name, const WString& semantic, bool isState) {

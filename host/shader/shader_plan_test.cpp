@@ -71,6 +71,27 @@ output o
   EXPECT_FALSE(plan.inputsAreVariables);
 }
 
+/// Direct3D links stages by the order of what they hand over, and nobody hands this over.
+TEST_F(ShaderPlanTest, TakesTheFacingBehindWhatAVertexStageGives) {
+  writeLibrary("{" +
+               fragment("facing", "float a, out float result",
+                        "result = sfg_frontFacing ? a : sfg_screenPosition.x * sfg_texCoord0.x;") +
+               "}");
+  const auto job = collapsed(R"({ "inputs": [ { "name": "x", "type": "float" } ],
+    "outputs": [ { "name": "o", "type": "float", "node": "n" } ],
+    "nodes": [ { "name": "n", "fragment": "facing", "inputs": { "a": { "graphInput": "x" } } } ] })");
+  const auto varyings = [&job](ShaderStage stage) {
+    std::string names;
+    for (const Varying& varying : planShader(*job, stage, NameStyle::generated).varyings) {
+      names += toUtf8(varying.name) + " ";
+      if (varying.location != kNotFound) names += std::to_string(varying.location) + " ";
+    }
+    return names;
+  };
+  EXPECT_EQ(varyings(ShaderStage::pixel), "sfg_texCoord0 0 sfg_screenPosition x 1 sfg_frontFacing ");
+  EXPECT_EQ(varyings(ShaderStage::compute), "sfg_texCoord0 0 sfg_screenPosition sfg_frontFacing x 1 ");
+}
+
 TEST_F(ShaderPlanTest, RefusesWhatAStageCannotHave) {
   const std::string three = R"({ "outputs": [ { "name": "a", "type": "float4x4", "node": "n" },
     { "name": "b", "type": "float4x4", "node": "n", "output": "b" },

@@ -27,6 +27,9 @@ struct FragmentLoadFailure {
 struct FragmentLoading {
   /// Include files for the fragments' hashes; null for the process's registry.
   ShaderIncludes* includes = nullptr;
+  /// The text in place of a library file's, or null: of a file that is open in an editor. It outlives the
+  /// call.
+  std::function<const WString*(const WString& file)> textOf;
   /// Each library file, before it is read.
   std::function<void(const WString& file)> onFile;
   /// Each fragment object of a file, before it is loaded, whether it loads or not.
@@ -52,6 +55,8 @@ public:
   bool loadFragments(const wchar_t* folder);
   /// The same; what the functions of `loading` throw passes through.
   bool loadFragments(const wchar_t* folder, const FragmentLoading& loading);
+  /// Loads a library that is in memory; `name` stands for its file.
+  void loadText(const WString& name, std::wstring_view text, const FragmentLoading& loading);
   /// Creates and registers a fragment with one MetaSL profile ("default", "dx11", level of detail 100).
   /// Options: "include:NAME", "predefine:TEXT" and "nonconsolidatable"; any other is ignored. Always true;
   /// the exceptions of a malformed prototype pass through.

@@ -24,8 +24,8 @@ DiagnosticsPage thePage() {
 }
 
 /// What only a broken machine or a program can deserve.
-const std::set<std::string> kWithoutExample = {"unreadable-folder", "too-many-lights", "out-of-memory",
-                                               "failure"};
+const std::set<std::string> kWithoutExample = {"unreadable-folder", "too-many-lights", "no-result",
+                                               "out-of-memory", "failure"};
 
 /// What can be told of sound documents, and so has an example that does not deserve it.
 const std::set<std::string> kLints = {

@@ -79,11 +79,11 @@ void collapse(const host::JobFiles& settings) try {
     require(!refusal.wires().empty());
     return;
   } catch (const Exception& refusal) {
-    require(!host::findRefusalPlace(job, refusal.getMessage()).text.empty());
+    require(!host::findRefusalPlace(job, refusal.getMessage()).empty());
     return;
   }
   if (job.result() == nullptr) {
-    require(!host::findRefusalPlace(job, std::wstring_view()).text.empty());
+    require(!host::findRefusalPlace(job, std::wstring_view()).empty());
     return;
   }
   for (const host::Diagnostic& warning : host::findWarnings(job, true)) require(!warning.place().empty());

@@ -43,7 +43,7 @@ copy_examples() {
   mkdir "$work/examples"
   cp -a "$sources/examples/draw_triangles" "$work/examples"
   cp -a "$sources/render" "$work"
-  cp -a "$sources/examples/own_graph" "$sources/examples/compile_material" "$work"
+  cp -a "$sources/examples/own_graph" "$sources/examples/compile_material" "$sources/examples/embedding" "$work"
   cp "$sources/examples/materials/brick.json" "$sources/examples/environments/studio.json" "$work"
 }
 
@@ -59,6 +59,15 @@ expect_examples() {
   if [ "$COMPILERS" = ON ]; then last='material\.glsl: [0-9]+ bytes'; fi
   printed=$("$compile_material" "$library" brick.json studio.json out) || fail "compile_material failed: $printed"
   [[ $(tail -1 <<<"$printed") =~ ^$last$ ]] || fail "compile_material printed at its end: $printed"
+}
+
+# Runs the programs of the guide; they end well where the last says so.
+expect_guide() {
+  local printed
+  printed=$("$1" "$prefix/share/sfg/library" "$work") || fail "embedding failed, printing: $printed"
+  [[ $printed == 'entry point main, uniforms '* ]] || fail "embedding printed: $printed"
+  [ "$COMPILERS" = OFF ] || [ "$(tail -1 <<<"$printed")" = '4 bytes change with tiles.count' ] || fail "embedding printed: $printed"
+  grep -q '"nodes"' "$work/graph.schema.json"
 }
 
 # Runs the program that draws, and looks for a picture.
@@ -86,14 +95,13 @@ case "$test" in
     ;;
   ExamplesAreBuiltByCMake)
     copy_examples
-    cp -a "$sources/examples/embedding" "$work"
     for example in own_graph compile_material embedding; do
       "$CMAKE" -S "$work/$example" -B "$work/$example/build" -G Ninja -DCMAKE_CXX_COMPILER="$CXX" \
         -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_PREFIX_PATH="$prefix"
       "$CMAKE" --build "$work/$example/build"
     done
     expect_examples "$work/own_graph/build/own_graph" "$work/compile_material/build/compile_material"
-    "$work/embedding/build/embedding" "$prefix/share/sfg/library" | grep -q '^entry point main, uniforms '
+    expect_guide "$work/embedding/build/embedding"
     if [ "$DRAW" = ON ]; then
       "$CMAKE" -S "$work/examples/draw_triangles" -B "$work/draw" -G Ninja -DCMAKE_CXX_COMPILER="$CXX" \
         -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_PREFIX_PATH="$prefix"
@@ -109,12 +117,15 @@ case "$test" in
       "$CXX" -std=c++20 $CXXFLAGS "$work/$example/main.cpp" -o "$work/$example/program" $flags \
         -Wl,-rpath-link,"$(libdir "$prefix")"
     done
+    # shellcheck disable=SC2086
+    (cd "$work/embedding" && "$CXX" -std=c++20 $CXXFLAGS -pthread *.cpp -o program $flags -Wl,-rpath-link,"$(libdir "$prefix")")
     LD_LIBRARY_PATH=$(libdir "$prefix")
     export LD_LIBRARY_PATH
     expect_examples "$work/own_graph/program" "$work/compile_material/program"
+    expect_guide "$work/embedding/program"
     if [ "$DRAW" = ON ]; then
       # shellcheck disable=SC2046,SC2086
-      "$CXX" -std=c++20 $CXXFLAGS -I "$work/render" "$work/examples/draw_triangles/main.cpp" "$work/render/device.cpp" \
+      "$CXX" -std=c++20 $CXXFLAGS -I "$work/render" "$work/examples/draw_triangles/main.cpp" \
         "$work/render/renderer.cpp" -o "$work/draw_triangles" $flags -Wl,-rpath-link,"$(libdir "$prefix")" \
         $(pkg-config --cflags --libs vulkan libpng)
       expect_picture "$work/draw_triangles"

@@ -41,7 +41,7 @@ protected:
 
   /// Compiles for the stage: a valid SPIR-V module and, with `everyTarget`, every other language in all its
   /// versions. With a pixel stage the vertex stage that feeds it. Answers why it cannot, or what the host
-  /// warns of.
+  /// warns of but for inputs without a value.
   static std::string compile(const sfg::host::JobFiles& settings, sfg::host::ShaderStage stage,
                              bool everyTarget,
                              sfg::host::Optimization optimization = sfg::host::Optimization::speed);

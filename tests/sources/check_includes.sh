@@ -37,17 +37,20 @@ allow collapse "$generator|text|profiles|fragments|collapse"
 
 # The host's rooms, and the headers of the generator that hold nothing but inline functions.
 rooms="sfg|tolmsdk|text/ascii.h|text/hash_index.h|fragments/profile_choice.h"
-for room in documents library job shader modules origins diagnostics lints road; do
+for room in documents library job shader modules origins diagnostics lints drawing road check; do
   rooms="$rooms|host/$room"
   case "$room" in
-    library | origins | diagnostics | lints | road) allow "host/$room" "$rooms" ;;
-    documents | job | shader) allow "host/$room" "$rooms|nlohmann" ;;
+    library | origins | diagnostics | lints | drawing | road) allow "host/$room" "$rooms" ;;
+    documents | job | shader | check) allow "host/$room" "$rooms|nlohmann" ;;
     modules) allow host/modules "$rooms|glslang|spirv-tools|spirv_cross_c.h" ;;
   esac
 done
+other='tools/lsp/'
 allow tools "sfg|tolmsdk|tools|CLI|unistd.h"
+other=
+allow tools/lsp "sfg|tolmsdk|tools|nlohmann"
 # To be copied: nothing of this project.
-allow render 'vulkan|png.h|device.h|renderer.h'
+allow render 'vulkan|png.h|renderer.h'
 
 if [ "$bad" -gt 0 ]; then
   echo "$bad includes that their folder may not have"

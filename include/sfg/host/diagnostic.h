@@ -25,6 +25,9 @@ struct Diagnostic {
   std::string text;
   /// What kind of thing is told, "unknown-key": one of diagnosticKinds(), the same in every version.
   std::string identifier;
+  /// The name that was meant in place of the one at the place, for who mends it; the text says it, too. Empty
+  /// where none comes to mind.
+  std::string suggestion = {};
 
   /// "graph.json:3:14", "generated:3", "graph.json", or empty.
   SFG_HOST_API std::string place() const;

@@ -41,16 +41,19 @@ public:
   /// What was found in the same document before, and may be why. Lives as long as the error.
   std::span<const Diagnostic> related() const noexcept { return related_; }
   void setRelated(std::vector<Diagnostic> related) { related_ = std::move(related); }
+  /// What diagnostic() suggests.
+  void setSuggestion(std::string suggestion) { suggestion_ = std::move(suggestion); }
 
 private:
   std::string file_;
   TextPosition position_;
   std::string identifier_;
   std::vector<Diagnostic> related_;
+  std::string suggestion_;
 };
 
-/// A graph that cannot be collapsed. what() is the generator's message; the diagnostics begin with it and
-/// name the places in the documents.
+/// A graph that cannot be collapsed. what() is the generator's message; the diagnostics name the places in
+/// the documents, each cause in front of what follows from it, and quote the message.
 class SFG_HOST_API CollapseError : public std::runtime_error {
 public:
   enum class Reason {

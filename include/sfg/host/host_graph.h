@@ -15,8 +15,8 @@ namespace TolmSDK::Graphics::sfg::host {
 /// are told apart by address, parameters are shared: an input that nothing feeds becomes a uniform that
 /// starts with its parameter's default value, or a constant of the code where its flag says so.
 ///
-/// Asked when a job is made of it and again while that collapses; in between it stays as it is. Several jobs
-/// may ask it at once. All texts are UTF-8.
+/// Asked when a job is made of it and again while that collapses; in between it stays as it is, or the job
+/// refuses it. Several jobs may ask it at once. All texts are UTF-8.
 class SFG_HOST_API IHostGraph : public IGraphAccessor {
 public:
   static constexpr std::size_t kNotFed = static_cast<std::size_t>(-1);

@@ -29,7 +29,7 @@ struct CollapseOptions {
   CollapseTool tool = CollapseTool::standard;
   float surfaceLod = 100.0f;
   float lightLod = 100.0f;
-  /// Empty names are the tool's own. The light loop takes neither.
+  /// Empty names are the tool's own. The light loop takes neither. A function's name can stand in code.
   std::string functionName;
   std::string profileName;
 };
@@ -56,11 +56,13 @@ public:
   /// What is odd in the documents: keys that nobody reads, and keys that stand twice. Collapsed or not.
   std::vector<Diagnostic> problems() const;
   /// What keeps any result from becoming a right shader, at its place: wires between types of which one does
-  /// not become the other, and types that nothing declares. Collapsed or not; collapse() does not mind.
+  /// not become the other, types that nothing declares, interfaces that contradict their code, and arguments
+  /// of `sfg_shader` that do not arrive as they are written. Collapsed or not; collapse() does not mind.
   std::vector<Diagnostic> errors() const;
 
   /// Builds the graph and collapses it; a job that is collapsed stays as it is. Throws InputError (a
-  /// post-process fragment that does not fit) and CollapseError; then it may be tried again.
+  /// post-process fragment that does not fit, a host's own graph that has changed since the job was made) and
+  /// CollapseError; then it may be tried again.
   void collapse();
   bool isCollapsed() const noexcept;
 
@@ -78,8 +80,9 @@ public:
   ///
   /// A vertex stage computes from the vertices of a mesh what the pixel stage of the same job takes, and the
   /// position in clip space; graph inputs are handed through. It takes only those parts of a vertex that it
-  /// needs; an AssemblyError names a state variable whose parts `mesh` lacks. The buffer of its matrices,
-  /// `sfg_VertexUniforms`, has the number behind those of the pixel stage. `mesh` means nothing to others.
+  /// needs, so it is the same for every mesh that has them; an AssemblyError names a state variable whose
+  /// parts `mesh` lacks. The buffer of its matrices, `sfg_VertexUniforms`, has the number behind those of the
+  /// pixel stage. `mesh` means nothing to others.
   Shader assemble(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated,
                   const MeshLayout& mesh = {}) const;
   /// What that shader takes and gives, as its HLSL text has it; interfaceFor() tells what compilers make of
@@ -87,8 +90,8 @@ public:
   /// Throws AssemblyError.
   ShaderInterface reflect(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated,
                           const MeshLayout& mesh = {}) const;
-  /// Where every character of that shader comes from. The graph is collapsed once more for it. Throws
-  /// AssemblyError.
+  /// Where every character of that shader comes from, whatever the mesh. The graph is collapsed once more for
+  /// it. Throws AssemblyError.
   SourceMap mapSources(ShaderStage stage = ShaderStage::pixel, NameStyle names = NameStyle::generated) const;
   /// What a compiler refused of a shader that assemble() made, in words that lead to the mistake, at its
   /// place in a library file, an include file or a document; behind it notes: who uses the code, and what the
@@ -102,6 +105,11 @@ public:
 
   /// The generated function and what it needs as JSON, nothing assembled; "null\n" before collapse().
   std::string resultJson() const;
+
+  /// The graph as a drawing in the language of Graphviz (`dot`): nodes with ports, types and values, wires in
+  /// the colour of their type, the profiles that wrote code, which nodes are lit or unused, lights and
+  /// chains. `title` stands above it. The graph is collapsed once more for it.
+  std::string drawing(const std::string& title) const;
 
 private:
   struct State;

@@ -71,10 +71,12 @@ public:
   const ILanguageTraits& language() const noexcept;
 
   /// For this library's own use.
+  static std::shared_ptr<const LibrarySet> from(std::shared_ptr<const LoadedLibraries> loaded,
+                                                const LibraryFolders& folders, const std::string& language);
   const std::shared_ptr<const LoadedLibraries>& loaded() const noexcept { return loaded_; }
 
 private:
-  LibrarySet(LibraryFolders folders, std::string language);
+  LibrarySet(LibraryFolders folders, std::string language, std::shared_ptr<const LoadedLibraries> loaded);
 
   LibraryFolders folders_;
   std::string languageName_;

@@ -1,4 +1,4 @@
 #include <vulkan/vulkan.hpp>
 
-#include "device.h"
+#include "renderer.h"
 #include "sfg/host/job.h"
