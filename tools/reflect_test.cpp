@@ -298,7 +298,8 @@ TEST_F(ReflectTest, SaysThatThereAreNoCompilers) {
     const CommandRun result = run(std::string("reflect graph.json -L lib -o out.json") + target);
     EXPECT_EQ(result.status, 1) << target;
     EXPECT_EQ(result.out, "") << target;
-    EXPECT_EQ(result.err, "graph.json: error: this library was built without compilers [compile-error]\n") << target;
+    EXPECT_EQ(result.err, "graph.json: error: this library was built without compilers [compile-error]\n")
+        << target;
     EXPECT_FALSE(exists("out.json")) << target;
   }
   EXPECT_EQ(run("reflect graph.json -L lib -o out.json --target assembled").status, 0);
