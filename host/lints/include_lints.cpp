@@ -38,8 +38,10 @@ void tellMissing(const LoadedLibraries& libraries, const std::string& who, const
 
 /// Whether the line of the name ends with the comment "// keep": whoever includes the file may count on it.
 bool isKept(const IncludeIndex::File& file, const IncludeFiles::Named& name) {
+  if (name.position.line > file.lines.size()) return false;  // the file was changed meanwhile
   const std::size_t begin = file.lines[name.position.line - 1];
-  const std::wstring_view line = std::wstring_view(file.text).substr(begin, file.text.find(L'\n', begin) - begin);
+  const std::wstring_view line =
+      std::wstring_view(file.text).substr(begin, file.text.find(L'\n', begin) - begin);
   constexpr std::wstring_view kMark = L"// keep";
   const std::size_t end = line.find_last_not_of(L" \t\r") + 1;
   return line.substr(0, end).ends_with(kMark);

@@ -1,7 +1,8 @@
 #pragma once
 
-// How names enter and leave shared libraries on this system, and how a part of an exported class stays inside.
-// Other libraries build their own export macros on these, so that only this header asks which system it is.
+// How names enter and leave shared libraries on this system, and how a part of an exported class stays
+// inside. Other libraries build their own export macros on these, so that only this header asks which system
+// it is.
 
 #if defined(_WIN32)
 #define TOLMSDK_DLL_EXPORT __declspec(dllexport)
