@@ -29,6 +29,7 @@ struct Collapsed {
   std::string text;
   std::size_t visits = 0;
   std::size_t written = 0;  ///< statements of the body and symbols in front of it
+  bool isRefused = false;   ///< what was written till then is not known
 };
 
 template <class Tool>
@@ -41,6 +42,7 @@ Collapsed collapse(const TestScene& scene) {
     collapsed.text = result != nullptr ? model::describe(model::read(*result)) : "null";
   } catch (const Exception& exception) {
     collapsed.text = exception.what();
+    collapsed.isRefused = true;
   }
   collapsed.visits = tool->visits();
   collapsed.written =
@@ -87,7 +89,10 @@ TEST_P(WalkUnderManyLights, WritesWhatTheModelWrites) {
   const char* alone = std::getenv("SFG_SEED");
   const unsigned first =
       alone != nullptr ? static_cast<unsigned>(std::atoi(alone)) : 1 + GetParam() * kSeedsOfAShare;
-  const unsigned count = alone != nullptr ? 1 : kSeedsOfAShare;
+  const char* seeds = std::getenv("SFG_SEEDS");
+  const unsigned count = seeds != nullptr   ? static_cast<unsigned>(std::atoi(seeds))
+                         : alone != nullptr ? 1
+                                            : kSeedsOfAShare;
   std::size_t texts = 0;
   for (unsigned seed = first; seed < first + count; ++seed) {
     const RandomScene random(seed);
@@ -95,7 +100,9 @@ TEST_P(WalkUnderManyLights, WritesWhatTheModelWrites) {
     addLights(random.scene, choice);
     const Collapsed real = collapse<AShaderCollapseToolLightLoop>(random.scene);
     ASSERT_EQ(real.text, model::collapseByModel(ToolKind::lightLoop, random.scene)) << "SFG_SEED=" << seed;
-    EXPECT_LE(real.visits, kVisits * (real.written + sizeOf(random.scene))) << "SFG_SEED=" << seed;
+    if (!real.isRefused) {
+      EXPECT_LE(real.visits, kVisits * (real.written + sizeOf(random.scene))) << "SFG_SEED=" << seed;
+    }
     texts += real.text.size() > 500 ? 1 : 0;
   }
   EXPECT_GE(texts, count / 3);
