@@ -1,0 +1,300 @@
+#!/usr/bin/env python3
+"""Writes the fragments of library/materialx from the tables beside this script: generate.py [--check]
+
+definitions.txt  node by node its definitions: NAME: INPUTS -> OUTPUTS. An input is NAME TYPE=VALUE, or NAME TYPE@SOURCE
+                 when an unwired one is read from the geometry; {a|b} are the names of an enumeration's values.
+nodes.txt        what a node computes: [NODE] FILE, or [NODE = DEFINITION...] for some of its definitions, then lines
+                 "> description", "source: ...", "includes: ...", and the code. In it port names stand for themselves,
+                 $NAME for the port widened to the type of the first output, $T for that type, $0, $1 for its numbers,
+                 $rows for all inputs,
+                 $N for the number of its components where that is not 1, $first for as many first components.
+ports.txt        NAME or NODE.NAME: description | least greatest step | kind space
+
+With --check nothing is written, and files that differ are told.
+"""
+
+import json
+import pathlib
+import re
+import sys
+
+HERE = pathlib.Path(__file__).resolve().parent
+LIBRARY = HERE.parent.parent / "library" / "materialx"
+
+TYPES = {
+    "float": "float", "integer": "int", "boolean": "bool", "color3": "float3", "color4": "float4", "vector2": "float2",
+    "vector3": "float3", "vector4": "float4", "matrix33": "float3x3", "matrix44": "float4x4", "string": "int",
+    "filename": "sfg_sampler2D", "BSDF": "float3", "EDF": "float3",
+}
+COMPONENTS = {"float": 1, "int": 1, "bool": 1, "float2": 2, "float3": 3, "float4": 4, "float3x3": 9, "float4x4": 16}
+# Names that the shader language keeps for itself.
+KEYWORDS = {"in", "out", "default", "min", "max", "line", "point", "sample", "pass"}
+# What an unwired input is read from.
+GEOMETRY = {
+    "UV0": "sfg_texCoord0",
+    "Pobject": "sfg_objectPosition",
+    "Nobject": "sfg_objectNormal",
+    "Nworld": "sfg_safeNormalize(sfg_worldNormal)",
+    "Tworld": "sfg_safeNormalize(sfg_worldTangent)",
+    "Bworld": "sfg_safeNormalize(sfg_worldBinormal)",
+    "Vworld": "sfg_safeNormalize(sfg_worldPosition - sfg_eyePosition)",
+}
+GEOMETRY_WORDS = {
+    "UV0": "the first texture coordinates", "Pobject": "the position in object space",
+    "Nobject": "the normal in object space", "Nworld": "the world normal", "Tworld": "the world tangent",
+    "Bworld": "the world binormal", "Vworld": "the direction from the eye to the point",
+}
+
+
+class Port:
+    def __init__(self, text, node):
+        names = re.search(r" \{(.*)\}$", text)
+        self.choices = names.group(1).split("|") if names else []
+        text = text[: names.start()] if names else text
+        self.name, kind = text.split(" ", 1)
+        self.given = None
+        self.source = None
+        if "@" in kind:
+            kind, self.source = kind.split("@")
+        elif "=" in kind:
+            kind, self.given = kind.split("=", 1)
+        self.kind = kind
+        self.node = node
+        self.type = TYPES[kind]
+        self.code = self.name + "_" if self.name in KEYWORDS else self.name
+
+    def value(self):
+        if self.given is None:
+            return None
+        if self.kind == "boolean":
+            return self.given == "true"
+        if self.kind == "string":
+            return self.choices.index(self.given)
+        if self.kind == "integer":
+            return int(self.given)
+        numbers = [float(number) for number in self.given.split(",")]
+        return numbers[0] if len(numbers) == 1 else numbers
+
+
+class Definition:
+    def __init__(self, node, line):
+        self.node = node
+        self.name, ports = line.split(": ", 1)
+        inputs, outputs = ports.split("->")
+        self.inputs = [Port(text, node) for text in inputs.strip().split("; ") if text]
+        self.outputs = [Port(text, node) for text in outputs.strip().split("; ")]
+
+
+def sections(file):
+    """The blocks of a table, each with its header's text."""
+    header, lines = None, []
+    for line in (HERE / file).read_text().splitlines():
+        if line.startswith("#"):
+            continue
+        start = re.match(r"\[(.*?)\](.*)$", line)
+        if start:
+            if header:
+                yield header, lines
+            header, lines = (start.group(1), start.group(2).strip()), []
+        elif line.strip() and header:
+            lines.append(line)
+    yield header, lines
+
+
+class Node:
+    def __init__(self, file, lines):
+        self.file = file
+        self.description = " ".join(line[2:] for line in lines if line.startswith("> "))
+        self.keys = dict(line.split(": ", 1) for line in lines if re.match(r"(source|includes): ", line))
+        self.code = [line for line in lines if not re.match(r"> |(source|includes): ", line)]
+
+
+def read_nodes():
+    """By node the file and what is computed, by definition what differs."""
+    nodes, definitions, file = {}, {}, None
+    for (name, rest), lines in sections("nodes.txt"):
+        file = rest or file
+        if " = " in name:
+            for definition in name.split(" = ")[1].split():
+                definitions[definition] = Node(file, lines)
+        else:
+            nodes[name] = Node(file, lines)
+    return nodes, definitions
+
+
+def read_ports():
+    ports = {}
+    for line in (HERE / "ports.txt").read_text().splitlines():
+        if line and not line.startswith("#"):
+            name, rest = line.split(": ", 1)
+            ports[name] = [part.strip() for part in rest.split("|")]
+    return ports
+
+
+def splat(type_name, text):
+    count = COMPONENTS[type_name]
+    return text if count == 1 else f"{type_name}({', '.join([text] * count)})"
+
+
+def number(value):
+    if isinstance(value, bool):
+        return "true" if value else "false"
+    if isinstance(value, list):
+        return "[" + ", ".join(number(item) for item in value) + "]"
+    return str(value)
+
+
+def code_of(definition, node):
+    """The lines of the implementation."""
+    ports = {port.name: port for port in definition.inputs + definition.outputs}
+    result = definition.outputs[0].type
+    locals_ = {}
+    for port in definition.inputs:
+        if port.source:
+            locals_[port.name] = port.code + "_here"
+
+    def written(name):
+        return locals_.get(name, ports[name].code)
+
+    def replace(match):
+        word = match.group(0)
+        if word == "$T":
+            return result
+        if word == "$rows":
+            return ", ".join(port.code for port in definition.inputs)
+        if word == "$first":
+            return {1: ".x", 2: ".xy", 3: ""}[COMPONENTS[result]]
+        if word[0] == "$" and word[1:].isdigit():
+            return splat(result, word[1:] + (".0" if result not in ("int", "bool") else ""))
+        if word[0] == "$":
+            port = ports[word[1:]]
+            isWide = port.type == result
+            return written(port.name) if isWide else splat(result, written(port.name))
+        return written(word) if word in ports else word
+
+    text = "\n".join(node.code)
+    text = text.replace("$N", {1: "", 2: "2", 3: "3", 4: "4"}.get(COMPONENTS[result], ""))
+    body = re.sub(r"(?<![.$\w])\$?\w+|\$first", replace, text).split("\n")
+    used = [port for port in definition.inputs if port.source and re.search(rf"\b{locals_[port.name]}\b", "\n".join(body))]
+    head = [
+        f"  {port.type} {locals_[port.name]} = sfg_isConnected({port.code}) ? {port.code} : {GEOMETRY[port.source]};"
+        for port in used
+    ]
+    parameters = [f"{port.type} {port.code}" for port in definition.inputs]
+    parameters += [f"out {port.type} {port.code}" for port in definition.outputs]
+    signature = f"void mtlx_{definition.name}({', '.join(parameters)})"
+    if len(signature) > 116:
+        lines = [f"void mtlx_{definition.name}("] + [f"    {text}," for text in parameters]
+        lines[-1] = lines[-1][:-1] + ")"
+    else:
+        lines = [signature]
+    return lines + ["{"] + head + ["  " + line for line in body] + ["}"]
+
+
+def describe(port, isInput, texts):
+    """The port's line of "ports", or nothing."""
+    says = texts.get(f"{port.node}.{port.name}") or texts.get(port.name)
+    if not says:
+        raise SystemExit(f"ports.txt: no description of {port.node}.{port.name}")
+    description = says[0]
+    if port.source:
+        description = f"{description}; unconnected: {GEOMETRY_WORDS[port.source]}"
+    if port.choices:
+        values = ", ".join(f"{index} {name}" for index, name in enumerate(port.choices))
+        description = f"{description}: {values}"
+    members = [("description", json.dumps(description, ensure_ascii=False))]
+    if port.code != port.name:
+        members.append(("label", json.dumps(port.name)))
+    if isInput and port.value() is not None:
+        members.append(("value", number(port.value())))
+    limits = says[1].split() if len(says) > 1 else []
+    if port.choices:
+        limits = ["0", str(len(port.choices) - 1), "1"]
+    if isInput and limits and port.type in ("float", "int", "float2", "float3", "float4"):
+        # A value beyond the usual range widens it.
+        values = port.value() if isinstance(port.value(), list) else [port.value() or 0]
+        limits[0] = limits[0] if float(limits[0]) <= min(values) else number(min(values))
+        limits[1] = limits[1] if float(limits[1]) >= max(values) else number(max(values))
+        members += list(zip(("min", "max", "step"), limits))
+    kinds = says[2].split() if len(says) > 2 else []
+    if port.kind in ("color3", "color4"):
+        kinds = ["color", "linear"]
+    if port.source == "UV0":
+        kinds = ["uv"]
+    if port.source in ("Nworld",):
+        kinds = ["normal", "world"]
+    if port.source in ("Tworld", "Bworld", "Vworld"):
+        kinds = ["direction", "world"]
+    if port.source == "Pobject":
+        kinds = ["position", "object"]
+    if port.source == "Nobject":
+        kinds = ["normal", "object"]
+    members += [(key, json.dumps(word)) for key, word in zip(("kind", "space"), kinds)]
+    if len(members) == 1:
+        return f"{json.dumps(port.code)}: {members[0][1]}"
+    text = ", ".join(f"{json.dumps(key)}: {value}" for key, value in members)
+    return f"{json.dumps(port.code)}: {{ {text} }}"
+
+
+def fragment(definition, node, texts):
+    ports = [describe(port, True, texts) for port in definition.inputs]
+    ports += [describe(port, False, texts) for port in definition.outputs]
+    code = code_of(definition, node)
+    text = "\n".join(code)
+    includes = node.keys.get("includes", "").split()
+    if any(port.kind == "filename" for port in definition.inputs):
+        includes.append("sfg_mtlx_textures.h")
+    if "sfg_safeNormalize" in text and not includes:
+        includes.append("sfg_math.h")
+    lines = [f'  "mtlx_{definition.name}": {{', f'    "description": {json.dumps(node.description)},']
+    if "source" in node.keys:
+        lines.append(f'    "source": {json.dumps(node.keys["source"])},')
+    lines.append('    "ports": {')
+    lines += [f"      {port}," for port in ports]
+    lines[-1] = lines[-1][:-1]
+    lines.append("    },")
+    lines.append('    "language": ["dx11"],')
+    if includes:
+        lines.append(f'    "includes": {json.dumps(sorted(set(includes)))},')
+    lines.append('    "implementation": [')
+    lines += [f"      {json.dumps(line)}," for line in code]
+    lines[-1] = lines[-1][:-1]
+    lines += ["    ]", "  }"]
+    return "\n".join(lines)
+
+
+def make_files():
+    nodes, exceptions = read_nodes()
+    texts = read_ports()
+    files = {}
+    missing = []
+    for (name, _), lines in sections("definitions.txt"):
+        for line in lines:
+            definition = Definition(name, line)
+            node = exceptions.get(definition.name) or nodes.get(name)
+            if not node:
+                missing.append(definition.name)
+                continue
+            files.setdefault(node.file, []).append(fragment(definition, node, texts))
+    made = {f"{file}.fraglib": "{\n" + ",\n\n".join(texts) + "\n}\n" for file, texts in files.items()}
+    return made, missing
+
+
+def main():
+    made, missing = make_files()
+    if "--missing" in sys.argv[1:]:
+        print("\n".join(missing))
+        return
+    if "--check" in sys.argv[1:]:
+        there = {path.name for path in LIBRARY.glob("*.fraglib")}
+        different = [name for name, text in made.items() if name not in there or (LIBRARY / name).read_text() != text]
+        different += sorted(there - set(made))
+        if different:
+            sys.exit("not as scripts/materialx/generate.py writes them: " + ", ".join(sorted(different)))
+        return
+    for name, text in made.items():
+        (LIBRARY / name).write_text(text)
+
+
+if __name__ == "__main__":
+    main()
