@@ -7,12 +7,15 @@ nodes.txt        what a node computes: [NODE] FILE, or [NODE = DEFINITION...] fo
                  "> description", "source: ...", "includes: ...", and the code. In it port names stand for themselves,
                  $NAME for the port widened to the type of the first output, $T for that type, $0, $1 for its numbers,
                  $rows for all inputs,
-                 $N for the number of its components where that is not 1, $first for as many first components.
+                 $light for the light that is added up, $N for the number of its components where that is not 1, $first for as many first components.
+                 Behind a line "throughput:" or "emission:" stands the code of a second fragment of the same inputs,
+                 NAME_throughput or NAME_emission. These and what is lit have only the ports that their code names.
 ports.txt        NAME or NODE.NAME: description | least greatest step | kind space
 
 With --check nothing is written, and files that differ are told.
 """
 
+import copy
 import json
 import pathlib
 import re
@@ -58,6 +61,9 @@ class Port:
             kind, self.source = kind.split("@")
         elif "=" in kind:
             kind, self.given = kind.split("=", 1)
+        # A closure comes with what it lets through.
+        self.isLayered = kind.endswith("+")
+        kind = kind.rstrip("+")
         self.kind = kind
         self.node = node
         self.type = TYPES[kind]
@@ -76,12 +82,20 @@ class Port:
         return numbers[0] if len(numbers) == 1 else numbers
 
 
+def ports_of(texts, node):
+    for text in texts:
+        port = Port(text, node)
+        yield port
+        if port.isLayered:
+            yield Port(f"{port.name}_throughput color3=1,1,1", node)
+
+
 class Definition:
     def __init__(self, node, line):
         self.node = node
         self.name, ports = line.split(": ", 1)
         inputs, outputs = ports.split("->")
-        self.inputs = [Port(text, node) for text in inputs.strip().split("; ") if text]
+        self.inputs = list(ports_of([text for text in inputs.strip().split("; ") if text], node))
         self.outputs = [Port(text, node) for text in outputs.strip().split("; ")]
 
 
@@ -106,7 +120,22 @@ class Node:
         self.file = file
         self.description = " ".join(line[2:] for line in lines if line.startswith("> "))
         self.keys = dict(line.split(": ", 1) for line in lines if re.match(r"(source|includes): ", line))
-        self.code = [line for line in lines if not re.match(r"> |(source|includes): ", line)]
+        code = [line for line in lines if not re.match(r"> |(source|includes): ", line)]
+        # By what is appended to the fragment's name.
+        self.codes = {"": []}
+        for line in code:
+            companion = re.match(r"(throughput|emission):$", line)
+            if companion:
+                part = "_" + companion.group(1)
+                self.codes[part] = []
+            elif len(self.codes) == 1:
+                self.codes[""].append(line)
+            else:
+                self.codes[part].append(line)
+        self.isLit = any("$light" in line for line in self.codes[""])
+
+    def isClosure(self):
+        return self.isLit or len(self.codes) > 1
 
 
 def read_nodes():
@@ -144,7 +173,23 @@ def number(value):
     return str(value)
 
 
-def code_of(definition, node):
+def reduced(definition, code):
+    """The definition with the ports that the code names."""
+    made = copy.copy(definition)
+    text = "\n".join(code)
+
+    def isNamed(port):
+        return re.search(rf"(?<![.\w])\$?{port.name}\b", text) is not None
+
+    made.inputs = [port for port in definition.inputs if isNamed(port)]
+    made.outputs = [port for port in definition.outputs if isNamed(port)]
+    return made
+
+
+LIGHTS = {"default": "sfg_makeHeadLight(sfg_eyePosition, sfg_worldPosition)", "sfg_Light": "sfg_currentLight"}
+
+
+def code_of(definition, code, light=""):
     """The lines of the implementation."""
     ports = {port.name: port for port in definition.inputs + definition.outputs}
     result = definition.outputs[0].type
@@ -172,7 +217,7 @@ def code_of(definition, node):
             return written(port.name) if isWide else splat(result, written(port.name))
         return written(word) if word in ports else word
 
-    text = "\n".join(node.code)
+    text = "\n".join(code).replace("$light", light)
     text = text.replace("$N", {1: "", 2: "2", 3: "3", 4: "4"}.get(COMPONENTS[result], ""))
     body = re.sub(r"(?<![.$\w])\$?\w+|\$first", replace, text).split("\n")
     used = [port for port in definition.inputs if port.source and re.search(rf"\b{locals_[port.name]}\b", "\n".join(body))]
@@ -236,31 +281,64 @@ def describe(port, isInput, texts):
     return f"{json.dumps(port.code)}: {{ {text} }}"
 
 
-def fragment(definition, node, texts):
+COMPANIONS = {
+    "": "", "_throughput": " What it lets through to the layers below.", "_emission": " What it emits, and its coverage.",
+}
+
+
+def implementation(code, includes, indent):
+    lines = [f'{indent}"language": ["dx11"],']
+    if includes:
+        lines.append(f'{indent}"includes": {json.dumps(includes)},')
+    lines.append(f'{indent}"implementation": [')
+    lines += [f"{indent}  {json.dumps(line)}," for line in code]
+    lines[-1] = lines[-1][:-1]
+    lines.append(f"{indent}]")
+    return lines
+
+
+def fragments(definition, node, texts):
+    """The fragment, and those that stand beside it."""
+    for part, code in node.codes.items():
+        yield fragment(definition, node, part, code, texts)
+
+
+def fragment(definition, node, part, lines_of_code, texts):
+    if node.isClosure():
+        definition = reduced(definition, lines_of_code)
+    definition = copy.copy(definition)
+    definition.name += part
     ports = [describe(port, True, texts) for port in definition.inputs]
     ports += [describe(port, False, texts) for port in definition.outputs]
-    code = code_of(definition, node)
-    text = "\n".join(code)
+    isLit = any("$light" in line for line in lines_of_code)
+    codes = {name: code_of(definition, lines_of_code, light) for name, light in LIGHTS.items()} if isLit else {
+        "default": code_of(definition, lines_of_code)}
+    text = "\n".join(codes["default"])
     includes = node.keys.get("includes", "").split()
+    if "sfg_mtlx_bsdf.h" in includes and not re.search(r"sfg_(mtlx|Mtlx)[A-Z]\w*", text):
+        includes.remove("sfg_mtlx_bsdf.h")
+    if "sfg_stage.h" in includes and "sfg_dd" not in text:
+        includes.remove("sfg_stage.h")
     if any(port.kind == "filename" for port in definition.inputs):
         includes.append("sfg_mtlx_textures.h")
     if "sfg_safeNormalize" in text and not includes:
         includes.append("sfg_math.h")
-    lines = [f'  "mtlx_{definition.name}": {{', f'    "description": {json.dumps(node.description)},']
+    includes = sorted(set(includes))
+    description = node.description + COMPANIONS[part]
+    lines = [f'  "mtlx_{definition.name}": {{', f'    "description": {json.dumps(description)},']
     if "source" in node.keys:
         lines.append(f'    "source": {json.dumps(node.keys["source"])},')
     lines.append('    "ports": {')
     lines += [f"      {port}," for port in ports]
     lines[-1] = lines[-1][:-1]
     lines.append("    },")
-    lines.append('    "language": ["dx11"],')
-    if includes:
-        lines.append(f'    "includes": {json.dumps(sorted(set(includes)))},')
-    lines.append('    "implementation": [')
-    lines += [f"      {json.dumps(line)}," for line in code]
-    lines[-1] = lines[-1][:-1]
-    lines += ["    ]", "  }"]
-    return "\n".join(lines)
+    if not isLit:
+        return "\n".join(lines + implementation(codes["default"], includes, "    ") + ["  }"])
+    lines.append('    "profiles": [')
+    for name, code in codes.items():
+        lines += ["      {", f'        "name": {json.dumps(name)},'] + implementation(code, includes, "        ") + ["      },"]
+    lines[-1] = "      }"
+    return "\n".join(lines + ["    ]", "  }"])
 
 
 def make_files():
@@ -275,7 +353,7 @@ def make_files():
             if not node:
                 missing.append(definition.name)
                 continue
-            files.setdefault(node.file, []).append(fragment(definition, node, texts))
+            files.setdefault(node.file, []).extend(fragments(definition, node, texts))
     made = {f"{file}.fraglib": "{\n" + ",\n\n".join(texts) + "\n}\n" for file, texts in files.items()}
     return made, missing
 
