@@ -6,6 +6,7 @@
 
 #include "sfg_brdf.h"
 #include "sfg_lights.h"
+#include "sfg_stage.h"
 
 struct sfg_MtlxBsdf
 {
@@ -50,6 +51,22 @@ float sfg_mtlxCosine(float3 a, float3 b)
 float sfg_mtlxLuminance(float3 color)
 {
     return dot(color, float3(0.2722287, 0.6740818, 0.0536895));
+}
+
+// A tangent turned about the normal, clockwise, by degrees.
+float3 sfg_mtlxTurned(float3 tangent, float3 axis, float degree)
+{
+    float turn = -radians(degree);
+    return sfg_safeNormalize(tangent * cos(turn) + cross(axis, tangent) * sin(turn) +
+        axis * (dot(axis, tangent) * (1.0 - cos(turn))));
+}
+
+// Complex refractive index of a metal by its colours from the front and at the edge (Gulbrandsen 2014).
+void sfg_mtlxArtisticIor(float3 reflectivity, float3 edge, out float3 n, out float3 k)
+{
+    float3 r = clamp(reflectivity, 0.0, 0.99);
+    n = lerp((1.0 + sqrt(r)) / (1.0 - sqrt(r)), (1.0 - r) / (1.0 + r), edge);
+    k = sqrt(max(((n + 1.0) * (n + 1.0) * r - (n - 1.0) * (n - 1.0)) / (1.0 - r), 0.0));
 }
 
 // How a surface reflects by the angle: the five numbers of the general Schlick term, or a complex refractive index,
@@ -407,6 +424,15 @@ float3 sfg_mtlxWandered(float cosine, float radius, float3 freePath)
         whole += profile;
     }
     return lit / whole;
+}
+
+// Radius of the sphere that is as curved as the surface, from the derivatives over the screen; 1 without them.
+float sfg_mtlxBend(float3 normal, float3 position)
+{
+    float3 turned = abs(sfg_ddx(normal)) + abs(sfg_ddy(normal));
+    float3 moved = abs(sfg_ddx(position)) + abs(sfg_ddy(position));
+    float bend = length(turned);
+    return bend > 0.0 ? length(moved) / bend : 1.0;
 }
 
 sfg_MtlxBsdf sfg_mtlxSubsurface(

@@ -286,6 +286,16 @@ COMPANIONS = {
 }
 
 
+BRING_MATH = ["sfg_mtlx_bsdf.h", "sfg_mtlx_geometry.h", "sfg_mtlx_noise.h"]
+
+
+def uses(text, header):
+    """Whether code names something that the include file declares."""
+    file = next(path for path in (LIBRARY / header, LIBRARY.parent / header) if path.exists())
+    declared = re.findall(r"^(?:\w+ (\w+)\(|struct (\w+)|#define (\w+))", file.read_text(), re.MULTILINE)
+    return any(name in text for names in declared for name in names if name)
+
+
 def implementation(code, includes, indent):
     lines = [f'{indent}"language": ["dx11"],']
     if includes:
@@ -314,14 +324,10 @@ def fragment(definition, node, part, lines_of_code, texts):
     codes = {name: code_of(definition, lines_of_code, light) for name, light in LIGHTS.items()} if isLit else {
         "default": code_of(definition, lines_of_code)}
     text = "\n".join(codes["default"])
-    includes = node.keys.get("includes", "").split()
-    if "sfg_mtlx_bsdf.h" in includes and not re.search(r"sfg_(mtlx|Mtlx)[A-Z]\w*", text):
-        includes.remove("sfg_mtlx_bsdf.h")
-    if "sfg_stage.h" in includes and "sfg_dd" not in text:
-        includes.remove("sfg_stage.h")
+    includes = [name for name in node.keys.get("includes", "").split() if uses(text, name)]
     if any(port.kind == "filename" for port in definition.inputs):
         includes.append("sfg_mtlx_textures.h")
-    if "sfg_safeNormalize" in text and not includes:
+    if uses(text, "sfg_math.h") and not any(name in includes for name in BRING_MATH):
         includes.append("sfg_math.h")
     includes = sorted(set(includes))
     description = node.description + COMPANIONS[part]
