@@ -218,8 +218,7 @@ float3 sfg_mtlxAiry(float cosine, sfg_MtlxFresnel fresnel)
         sfg_mtlxFresnelConductor(below, n, k, r23p, r23s);
     }
     float brewster = cos(atan(film / outer));
-    float2 phase21 = float2(cosine < brewster ? SFG_PI : 0.0, SFG_PI);
-    phase21 = SFG_PI - float2(cosine < brewster ? 0.0 : SFG_PI, 0.0);
+    float2 phase21 = float2(cosine < brewster ? 0.0 : SFG_PI, 0.0);
     float3 phase23p;
     float3 phase23s;
     if (fresnel.model == 1)
@@ -257,11 +256,10 @@ float3 sfg_mtlxAiry(float cosine, sfg_MtlxFresnel fresnel)
         for (int order = 1; order <= 2; ++order)
         {
             amount *= root;
-            total += 0.5 * amount * 2.0 *
-                sfg_mtlxRgbOfXyz(sfg_mtlxSensitivity(float(order) * path, float(order) * shift));
+            total += amount * sfg_mtlxSensitivity(float(order) * path, float(order) * shift);
         }
     }
-    return saturate(total);
+    return saturate(sfg_mtlxRgbOfXyz(total));
 }
 
 float3 sfg_mtlxFresnel(float cosine, sfg_MtlxFresnel fresnel)
@@ -286,19 +284,15 @@ float3 sfg_mtlxGgxAlbedo(float cosine, float alpha, float3 f0, float3 f90)
     return saturate(f0 * (1.0 - loss - grazing) + f90 * grazing);
 }
 
-// Albedo of a rough surface with what one bounce loses.
+// Albedo of a rough surface with what one bounce loses; a thin film is left out.
 float3 sfg_mtlxFacetAlbedo(float3 n, float3 v, sfg_MtlxFresnel fresnel, float2 width)
 {
-    float2 alpha = clamp(width, 0.0001, 1.0);
+    float2 alpha = clamp(width, 0.000001, 1.0);
     float mean = sqrt(alpha.x * alpha.y);
     float nDotV = sfg_mtlxCosine(n, v);
     float one = 1.0 - sfg_ggxLoss(mean, nDotV);
-    bool isFilm = fresnel.filmThickness > 0.0;
-    float3 seen = fresnel.f0;
-    if (isFilm)
-        seen = sfg_mtlxAiry(nDotV, fresnel);
-    float3 albedo = sfg_mtlxGgxAlbedo(nDotV, mean, seen, isFilm ? seen : fresnel.f90);
-    return saturate(albedo * (1.0 + seen * (1.0 - one) / max(one, 0.001)));
+    float3 albedo = sfg_mtlxGgxAlbedo(nDotV, mean, fresnel.f0, fresnel.f90);
+    return saturate(albedo * (1.0 + fresnel.f0 * (1.0 - one) / max(one, 0.001)));
 }
 
 // A rough surface with facets (GGX, Smith with correlated heights), what one bounce loses made good by the reflectance
@@ -306,7 +300,7 @@ float3 sfg_mtlxFacetAlbedo(float3 n, float3 v, sfg_MtlxFresnel fresnel, float2 w
 sfg_MtlxBsdf sfg_mtlxFacets(sfg_Light light, float3 n, float3 x, float3 v, sfg_MtlxFresnel fresnel, float2 width,
     float3 tint, float weight, bool isRetroreflective)
 {
-    float2 alpha = clamp(width, 0.0001, 1.0);
+    float2 alpha = clamp(width, 0.000001, 1.0);
     float mean = sqrt(alpha.x * alpha.y);
     float3 t = sfg_safeNormalize(x - n * dot(x, n));
     float3 b = cross(n, t);
@@ -317,10 +311,9 @@ sfg_MtlxBsdf sfg_mtlxFacets(sfg_Light light, float3 n, float3 x, float3 v, sfg_M
     float nDotV = sfg_mtlxCosine(n, v);
     float vDotH = sfg_mtlxCosine(eye, h);
     float2 slope = float2(dot(h, t), dot(h, b)) / alpha;
-    float3 over = cross(n, h);
     float nDotH = dot(n, h);
     float d = dot(slope, slope) + nDotH * nDotH;
-    float facets = 1.0 / (SFG_PI * alpha.x * alpha.y * max(d * d, 0.0000000001));
+    float facets = 1.0 / (SFG_PI * alpha.x * alpha.y * d * d);
     float3 reflected = sfg_mtlxFresnel(vDotH, fresnel);
     float one = 1.0 - sfg_ggxLoss(mean, nDotV);
     float3 again = 1.0 + reflected * (1.0 - one) / max(one, 0.001);

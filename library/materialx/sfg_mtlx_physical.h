@@ -18,6 +18,14 @@ float2 sfg_mtlxEvenRoughness(float roughness, float anisotropy)
     return float2(along, across * along);
 }
 
+// The same with an anisotropy from -1 to 1 that moves the roughness across the tangent alone, to smooth or to rough.
+float2 sfg_mtlxStretchedRoughness(float roughness, float anisotropy)
+{
+    float way = anisotropy >= 0.0 ? 1.0 - roughness : roughness;
+    float across = saturate(roughness + anisotropy * way);
+    return max(float2(roughness * roughness, across * across), 0.000001);
+}
+
 // Longitudinal variance and azimuthal scale of the lobes of hair (Chiang et al. 2016).
 float2 sfg_mtlxHairVariance(float longitudinal, float azimuthal)
 {
