@@ -1,16 +1,9 @@
 // Reads of textures with the address modes of material documents. Texture coordinates have v upwards, and the first row
-// of a texture is at v = 1. The mode `periodic` is left to the sampler, which repeats.
+// of a texture is at v = 1. Modes and filters need the size of the texture, which not every language can ask for.
 #ifndef SFG_MTLX_TEXTURES_H
 #define SFG_MTLX_TEXTURES_H
 
 #include "sfg_samplers.h"
-
-float2 sfg_mtlxTextureSize(sfg_sampler2D source)
-{
-    float2 size;
-    source.image.GetDimensions(size.x, size.y);
-    return size;
-}
 
 // One coordinate brought into the texture. Between the middles of the outermost texels a linear filter reads nothing
 // but the texture. Modes: 0 constant, 1 clamp, 2 periodic, 3 mirror.
@@ -26,10 +19,11 @@ float sfg_mtlxCoverage(float coordinate, float size, int mode)
     return mode == 0 ? saturate(coordinate * size + 0.5) * saturate((1.0 - coordinate) * size + 0.5) : 1.0;
 }
 
-// Filters: 0 closest, 1 linear, 2 cubic, which is read as linear.
-float4 sfg_mtlxRead(sfg_sampler2D source, float4 border, float2 uv, int uMode, int vMode, int filter)
+// Filters: 0 closest, 1 linear, 2 cubic, which is read as linear. With a size of 0 the sampler does all of it.
+float4 sfg_mtlxRead(sfg_sampler2D source, float2 size, float4 border, float2 uv, int uMode, int vMode, int filter)
 {
-    float2 size = sfg_mtlxTextureSize(source);
+    if (size.x <= 0.0)
+        return sfg_sample2D(source, float2(uv.x, 1.0 - uv.y));
     float2 place = filter == 0 ? (floor(uv * size) + 0.5) / size : uv;
     float inside = sfg_mtlxCoverage(place.x, size.x, uMode) * sfg_mtlxCoverage(place.y, size.y, vMode);
     float2 p = float2(sfg_mtlxAddress(place.x, size.x, uMode), 1.0 - sfg_mtlxAddress(place.y, size.y, vMode));
@@ -39,24 +33,24 @@ float4 sfg_mtlxRead(sfg_sampler2D source, float4 border, float2 uv, int uMode, i
     return lerp(border, texel, inside);
 }
 
-float sfg_mtlxImage(sfg_sampler2D source, float border, float2 uv, int uMode, int vMode, int filter)
+float sfg_mtlxImage(sfg_sampler2D source, float2 size, float border, float2 uv, int uMode, int vMode, int filter)
 {
-    return sfg_mtlxRead(source, float4(border, border, border, border), uv, uMode, vMode, filter).x;
+    return sfg_mtlxRead(source, size, float4(border, border, border, border), uv, uMode, vMode, filter).x;
 }
 
-float2 sfg_mtlxImage(sfg_sampler2D source, float2 border, float2 uv, int uMode, int vMode, int filter)
+float2 sfg_mtlxImage(sfg_sampler2D source, float2 size, float2 border, float2 uv, int uMode, int vMode, int filter)
 {
-    return sfg_mtlxRead(source, float4(border, 0.0, 1.0), uv, uMode, vMode, filter).xy;
+    return sfg_mtlxRead(source, size, float4(border, 0.0, 1.0), uv, uMode, vMode, filter).xy;
 }
 
-float3 sfg_mtlxImage(sfg_sampler2D source, float3 border, float2 uv, int uMode, int vMode, int filter)
+float3 sfg_mtlxImage(sfg_sampler2D source, float2 size, float3 border, float2 uv, int uMode, int vMode, int filter)
 {
-    return sfg_mtlxRead(source, float4(border, 1.0), uv, uMode, vMode, filter).xyz;
+    return sfg_mtlxRead(source, size, float4(border, 1.0), uv, uMode, vMode, filter).xyz;
 }
 
-float4 sfg_mtlxImage(sfg_sampler2D source, float4 border, float2 uv, int uMode, int vMode, int filter)
+float4 sfg_mtlxImage(sfg_sampler2D source, float2 size, float4 border, float2 uv, int uMode, int vMode, int filter)
 {
-    return sfg_mtlxRead(source, border, uv, uMode, vMode, filter);
+    return sfg_mtlxRead(source, size, border, uv, uMode, vMode, filter);
 }
 
 // Texture coordinates of one side of a box in space, with the axis that points upwards.
