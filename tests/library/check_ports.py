@@ -15,7 +15,10 @@ import sys
 WITHOUT_RANGE = {
     "a", "b", "x", "y", "z", "w", "low", "high", "edge", "factor", "condition", "whenBelow", "whenAbove", "fromLow",
     "fromHigh", "toLow", "toHigh", "frequency", "amplitude", "position", "height", "constant_number",
-}
+    # of the nodes of material documents
+    "in_", "iny", "inx", "value", "value1", "value2", "fg", "bg", "default_", "min_", "max_", "inlow", "inhigh",
+    "outlow", "outhigh", "valuel", "valuer", "valuet", "valueb", "valuetl", "valuetr", "valuebl", "valuebr",
+} | {f"in{i}" for i in range(1, 11)}
 NUMBER = re.compile(r"(float|int|uint|bool)([234]?)(x[234])?")
 
 
