@@ -280,10 +280,20 @@ float3 sfg_ggxSpecularFast(float3 n, float3 l, float3 v, float3 f0, float roughn
     return sfg_fresnelSchlick(f0, vDotH) * (sfg_ggxLobe(alpha, n, h) * sfg_smithVisibilityFast(alpha, nDotL, nDotV));
 }
 
-// A direction by its parts along `tangent` made perpendicular to n, the binormal and n.
+// A unit vector across the unit vector n (Duff et al. 2017).
+float3 sfg_anyTangent(float3 n)
+{
+    float side = n.z < 0.0 ? -1.0 : 1.0;
+    float a = -1.0 / (side + n.z);
+    return float3(1.0 + side * n.x * n.x * a, side * n.x * n.y * a, -side * n.x);
+}
+
+// A direction by its parts along `tangent` made perpendicular to n, the binormal and n. A tangent that is zero or
+// along n gives way to any other.
 float3 sfg_inFrame(float3 n, float3 tangent, float3 direction)
 {
-    float3 t = sfg_safeNormalize(tangent - n * dot(n, tangent));
+    float3 across = tangent - n * dot(n, tangent);
+    float3 t = dot(across, across) > 0.00000001 * dot(tangent, tangent) ? sfg_safeNormalize(across) : sfg_anyTangent(n);
     return float3(dot(t, direction), dot(cross(n, t), direction), dot(n, direction));
 }
 

@@ -31,9 +31,11 @@ float3 sfg_linearToSrgb(float3 value)
     return float3(sfg_linearToSrgb1(value.r), sfg_linearToSrgb1(value.g), sfg_linearToSrgb1(value.b));
 }
 
-// Hue, saturation and value in [0, 1] (Smith 1978). The hue of a grey is 0.
-float3 sfg_rgbToHsv(float3 rgb)
+// Hue in [0, 1), saturation in [0, 1] and value, the largest channel (Smith 1978). The hue of a grey is 0; negative
+// channels count as 0.
+float3 sfg_rgbToHsv(float3 color)
 {
+    float3 rgb = max(color, float3(0.0, 0.0, 0.0));
     float high = max(rgb.r, max(rgb.g, rgb.b));
     float low = min(rgb.r, min(rgb.g, rgb.b));
     float range = high - low;
@@ -47,7 +49,7 @@ float3 sfg_rgbToHsv(float3 rgb)
         else
             hue = 4.0 + (rgb.r - rgb.g) / range;
     }
-    return float3(frac(hue / 6.0), high > 0.0 ? range / high : 0.0, high);
+    return float3(sfg_fraction(hue / 6.0), high > 0.0 ? range / high : 0.0, high);
 }
 
 // Inverse of sfg_rgbToHsv; the hue repeats with period 1.
@@ -56,6 +58,41 @@ float3 sfg_hsvToRgb(float3 hsv)
     float sextant = frac(hsv.x) * 6.0;
     float3 pure = saturate(float3(abs(sextant - 3.0) - 1.0, 2.0 - abs(sextant - 2.0), 2.0 - abs(sextant - 4.0)));
     return hsv.z * lerp(float3(1.0, 1.0, 1.0), pure, hsv.y);
+}
+
+// Blending after Compositing and Blending Level 1 (W3C 2015), which is made for [0, 1]. Above it, what lies below
+// keeps its excess and no mode turns round.
+float3 sfg_screen(float3 under, float3 over)
+{
+    return under + over - saturate(under) * saturate(over);
+}
+
+float3 sfg_hardLight(float3 under, float3 over)
+{
+    float3 dark = 2.0 * under * max(over, float3(0.0, 0.0, 0.0));
+    return lerp(dark, sfg_screen(under, 2.0 * over - 1.0), step(float3(0.5, 0.5, 0.5), over));
+}
+
+float3 sfg_overlay(float3 under, float3 over)
+{
+    float3 inside = saturate(under);
+    return sfg_hardLight(over, inside) + (under - inside);
+}
+
+float sfg_softLight1(float under, float over)
+{
+    float inside = saturate(under);
+    float amount = saturate(over);
+    float curve = inside <= 0.25 ? ((16.0 * inside - 12.0) * inside + 4.0) * inside : sqrt(inside);
+    float change = amount <= 0.5 ? (2.0 * amount - 1.0) * inside * (1.0 - inside) :
+        (2.0 * amount - 1.0) * (curve - inside);
+    return under + change;
+}
+
+float3 sfg_softLight(float3 under, float3 over)
+{
+    return float3(
+        sfg_softLight1(under.r, over.r), sfg_softLight1(under.g, over.g), sfg_softLight1(under.b, over.b));
 }
 
 // Filmic curve without its exposure and white scale (Hable 2010).

@@ -31,6 +31,24 @@ float3 sfg_safePower3(float3 a, float b)
     return float3(sfg_safePower(a.x, b), sfg_safePower(a.y, b), sfg_safePower(a.z, b));
 }
 
+// The part behind the point, in [0, 1): x - floor(x) rounds to 1 for tiny negative numbers.
+float sfg_fraction(float x)
+{
+    return min(x - floor(x), 0.99999994);
+}
+
+// Where a lies between low (0) and high (1), clamped; a step where the two are the same.
+float sfg_rampPosition(float low, float high, float a)
+{
+    return high == low ? step(low, a) : saturate((a - low) / (high - low));
+}
+
+// Angle of the direction (x, y) in (-pi, pi]; 0 for no direction.
+float sfg_angleOf(float y, float x)
+{
+    return x == 0.0 && y == 0.0 ? 0.0 : atan2(y, x);
+}
+
 // Smoothed step with zero first and second derivative at both ends (Perlin 2002).
 float sfg_fade(float t)
 {
@@ -52,6 +70,16 @@ float2 sfg_uvOnY(float3 p, float side)
 float2 sfg_uvOnZ(float3 p, float side)
 {
     return float2(side < 0.0 ? -p.x : p.x, -p.y);
+}
+
+// Shares of the three projections above, adding up to 1, for a normal of any length (Geiss 2007). By the largest
+// component, so that none of them gets lost in a high power.
+float3 sfg_projectionShares(float3 n, float sharpness)
+{
+    float3 size = abs(n);
+    float most = max(size.x, max(size.y, size.z));
+    float3 shares = most > 0.0 ? sfg_safePower3(size / most, max(sharpness, 0.0)) : float3(1.0, 1.0, 1.0);
+    return shares / (shares.x + shares.y + shares.z);
 }
 
 // The side that the normal faces most.

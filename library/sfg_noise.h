@@ -43,15 +43,21 @@ float sfg_hashToUnit(uint h)
     return float(h >> 8u) * (1.0 / 16777216.0);
 }
 
-// The lattice cell that holds p, as hash input. Negative cells wrap to large unsigned numbers.
+// The lattice cell that holds p, as hash input. Negative cells wrap to large unsigned numbers; beyond the range of
+// whole numbers all is one cell.
+uint sfg_cell1(float p)
+{
+    return uint(int(clamp(floor(p), -2147483648.0, 2147483520.0)));
+}
+
 uint2 sfg_cell2(float2 p)
 {
-    return uint2(int2(floor(p)));
+    return uint2(sfg_cell1(p.x), sfg_cell1(p.y));
 }
 
 uint3 sfg_cell3(float3 p)
 {
-    return uint3(int3(floor(p)));
+    return uint3(sfg_cell1(p.x), sfg_cell1(p.y), sfg_cell1(p.z));
 }
 
 // One number in [0, 1) per lattice cell.
@@ -220,7 +226,8 @@ float3 sfg_turned3(float3 p)
     return turned * (1.0 / 9.0) + float3(0.37, 0.71, 0.53);
 }
 
-// Fractal sums: octave i has the frequency lacunarity^i and the weight gain^i; at most 12 octaves.
+// Fractal sums: octave i has the frequency lacunarity^i and the weight gain^i (a negative gain
+// counts as 0); at most 12 octaves.
 // The sum is divided by the sum of the weights, so that it stays in the range of the noise, most of it near the middle.
 // Musgrave, in Ebert et al. 1994.
 float sfg_fbm2(float2 p, int octaves, float lacunarity, float gain)
@@ -233,7 +240,7 @@ float sfg_fbm2(float2 p, int octaves, float lacunarity, float gain)
         p = sfg_turned2(p);
         total += weight * sfg_perlinNoise2(p);
         weights += weight;
-        weight *= gain;
+        weight *= max(gain, 0.0);
         p *= lacunarity;
     }
     return weights > 0.0 ? total / weights : 0.0;
@@ -249,7 +256,7 @@ float sfg_fbm3(float3 p, int octaves, float lacunarity, float gain)
         p = sfg_turned3(p);
         total += weight * sfg_perlinNoise3(p);
         weights += weight;
-        weight *= gain;
+        weight *= max(gain, 0.0);
         p *= lacunarity;
     }
     return weights > 0.0 ? total / weights : 0.0;
@@ -266,7 +273,7 @@ float sfg_turbulence3(float3 p, int octaves, float lacunarity, float gain)
         p = sfg_turned3(p);
         total += weight * abs(sfg_perlinNoise3(p));
         weights += weight;
-        weight *= gain;
+        weight *= max(gain, 0.0);
         p *= lacunarity;
     }
     return weights > 0.0 ? total / weights : 0.0;

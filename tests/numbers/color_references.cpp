@@ -23,6 +23,8 @@ double encodeSrgb(double v) {
 // ITU-R BT.709.
 double luminanceOf(Vec3 c) { return 0.2126 * c.x + 0.7152 * c.y + 0.0722 * c.z; }
 
+double notNegative(double v) { return std::max(v, 0.0); }
+
 double chromaOf(Vec3 c) { return std::max({c.x, c.y, c.z}) - std::min({c.x, c.y, c.z}); }
 
 // Smith 1978: the hexcone. The hue in sixths grows red, yellow, green, cyan, blue, magenta.
@@ -167,13 +169,15 @@ std::vector<Row> adjustmentRows() {
       {"desaturate",
        {vector3("color", 0, 2), number("amount", -1, 1)},
        rounding(8, 2),
-       [](Sample const& in) { return Result(mix(in.vec3(0), splat(luminanceOf(in.vec3(0))), in(1))); }},
+       [](Sample const& in) {
+         return Result(each(mix(in.vec3(0), splat(luminanceOf(in.vec3(0))), in(1)), notNegative));
+       }},
       {"brightnessContrast",
        {vector3("color", 0, 1), number("brightness", -1, 1), number("contrast", 0, 3)},
        rounding(4, 3),
        [](Sample const& in) {
          return Result(
-             each(in.vec3(0), [&](double v) { return std::max(0.5 + (v - 0.5) * in(2) + in(1), 0.0); }));
+             each(in.vec3(0), [&](double v) { return notNegative(0.18 + (v - 0.18) * in(2) + in(1)); }));
        }},
       {"invertColor",
        {vector3("color", 0, 1)},
@@ -200,7 +204,8 @@ std::vector<Row> adjustmentRows() {
        {0x1p-11, 0.0, "Vulkan's cosine is off by up to 2^-11"},
        [](Sample const& in) {
          Vec3 const angle = (in.vec3(2) * in(4) + in.vec3(3)) * (2.0 * kPi);
-         return Result(in.vec3(0) + in.vec3(1) * each(angle, [](double v) { return std::cos(v); }));
+         Vec3 const waves = each(angle, [](double v) { return std::cos(v); });
+         return Result(each(in.vec3(0) + in.vec3(1) * waves, notNegative));
        }},
   };
 }

@@ -31,8 +31,8 @@ Result flipbook(Sample const& in) {
   int const rows = static_cast<int>(in(2));
   int const count = columns * rows;
   int const frame = ((static_cast<int>(std::floor(in(3))) % count) + count) % count;
-  return Result((clamp01(in.vec2(0).x) + frame % columns) / columns,
-                (clamp01(in.vec2(0).y) + frame / columns) / rows);
+  return Result((std::clamp(in.vec2(0).x, 0.0, 0.9999) + frame % columns) / columns,
+                (std::clamp(in.vec2(0).y, 0.0, 0.9999) + frame / columns) / rows);
 }
 
 Result boxProjection(Vec3 p, Vec3 n) {

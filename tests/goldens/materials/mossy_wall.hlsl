@@ -112,7 +112,7 @@ void blendMultiply1(
     out float3 result)
 {
 	float3 blended = backdrop * layer;
-	result = lerp(backdrop, blended, opacity);
+	result = lerp(backdrop, blended, saturate(opacity));
 }
 void objectPosition1(
     inout float3 sfg_objectPosition,
@@ -142,7 +142,7 @@ void smoothstepFloat1(
     float a,
     out float result)
 {
-	float t = saturate(sfg_safeDivide(a - low, high - low));
+	float t = sfg_rampPosition(low, high, a);
 	result = t * t * (3.0 - 2.0 * t);
 }
 void mixFloat31(

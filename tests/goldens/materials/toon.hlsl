@@ -85,7 +85,7 @@ void smoothstepFloat1(
     float a,
     out float result)
 {
-	float t = saturate(sfg_safeDivide(a - low, high - low));
+	float t = sfg_rampPosition(low, high, a);
 	result = t * t * (3.0 - 2.0 * t);
 }
 void outputColor1(
