@@ -2,7 +2,6 @@
 #include "sfg/host/reflect.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
-#include "tools/embedded_header.h"
 #include "tools/output_file.h"
 #include "tools/target_options.h"
 
@@ -14,9 +13,7 @@ constexpr const char* kNotes =
     "Example:\n\n"
     "  sfg compile brick.json -L library -I library --target spirv -o brick.spv\n"
     "  sfg compile brick.json -L library -I library --tool lightloop --environment sun.json --target glsl\n"
-    "  sfg compile brick.json -L library -I library --stage vertex -o brick.vert.spv\n"
-    "  sfg compile brick.json -L library -I library --embed brick.h --embed-as materials::brick -o "
-    "brick.spv\n\n"
+    "  sfg compile brick.json -L library -I library --stage vertex -o brick.vert.spv\n\n"
     "The shader is the one that `sfg collapse --names readable` writes. It is compiled to SPIR-V for Vulkan "
     "1.1, legalised, "
     "optimised\n"
@@ -27,9 +24,6 @@ constexpr const char* kNotes =
     "Bindings in SPIR-V: constant buffer N is N, texture N is 16 + N, sampler N is 48 + N, output buffer N "
     "is 80 + N;\n"
     "`sfg reflect` tells them all, for every target.\n\n"
-    "The header that `--embed` writes has three constants in its namespace: `bytes`, what the compiler made; "
-    "`hash` and\n"
-    "`reflection`, what `sfg reflect` says of the shader, but for the files that it was made of.\n\n"
     "Exit status: 0 done; 1 the collapse or a compiler refused; 2 wrong usage or unreadable input.\n";
 
 class CompileCommand : public Command {
@@ -48,27 +42,13 @@ public:
     app()
         .add_option("--reflect", reflection_, "also write what the shader takes and gives, as `reflect` does")
         ->type_name("FILE");
-    CLI::Option* const embed =
-        app()
-            .add_option("--embed", embedded_,
-                        "also write a C++ header with the result's bytes, its hash and what the shader takes "
-                        "and gives")
-            ->type_name("FILE");
-    app()
-        .add_option("--embed-as", scope_, "the namespace in that header; else the header's name")
-        ->type_name("NAME")
-        ->needs(embed);
     declareDepfileOptions(app(), depfile_);
     app().footer(kNotes);
   }
 
   int run(Diagnostics& diagnostics) override {
     checkTargetOptions(target_, stage_);
-    if (scope_.empty()) scope_ = namespaceFor(embedded_);
-    if (!isNamespaceName(scope_)) {
-      throw host::InputError("`--embed-as`: C++ has no namespace `" + scope_ + "`");
-    }
-    checkOutputs(options_, {output_, reflection_, embedded_}, depfile_);
+    checkOutputs(options_, {output_, reflection_}, depfile_);
     host::Job job = makeJob(options_, diagnostics);
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
     const std::optional<host::Shader> shader =
@@ -77,10 +57,8 @@ public:
     try {
       const host::CompileOptions options = target_.compileOptions();
       const std::vector<std::uint32_t> spirv = host::compileToSpirv(*shader, options);
-      const std::string bytes = host::translateSpirv(spirv, stage_, *target_.target, options);
-      writeOutput(output_, bytes);
-      if (!reflection_.empty()) writeOutput(reflection_, host::writeInterfaceJson(reflect(job, spirv)));
-      if (!embedded_.empty()) writeEmbedded(bytes, reflect(job, spirv));
+      writeOutput(output_, host::translateSpirv(spirv, stage_, *target_.target, options));
+      if (!reflection_.empty()) writeReflection(job, spirv);
     } catch (const host::CompileError& error) {
       diagnostics.show(job.explain(*shader, error));
       return kRefused;
@@ -90,18 +68,11 @@ public:
   }
 
 private:
-  host::ShaderInterface reflect(const host::Job& job, const std::vector<std::uint32_t>& spirv) const {
+  void writeReflection(const host::Job& job, const std::vector<std::uint32_t>& spirv) const {
     host::ShaderInterface shader =
         host::interfaceFor(job.reflect(stage_, names_, mesh_), *target_.target, target_.compileOptions());
     host::markUsed(shader, spirv);
-    return shader;
-  }
-
-  /// Paths would make the header another on every machine.
-  void writeEmbedded(const std::string& bytes, host::ShaderInterface shader) const {
-    shader.files.clear();
-    writeOutput(embedded_,
-                writeEmbeddedHeader({scope_, bytes, shader.hash, host::writeInterfaceJson(shader)}));
+    writeOutput(reflection_, host::writeInterfaceJson(shader));
   }
 
   JobOptions options_;
@@ -111,8 +82,6 @@ private:
   host::NameStyle names_ = host::NameStyle::readable;
   std::string output_;
   std::string reflection_;
-  std::string embedded_;
-  std::string scope_;
   DepfileOptions depfile_;
 };
 

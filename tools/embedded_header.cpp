@@ -1,7 +1,6 @@
 #include "tools/embedded_header.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -33,12 +32,6 @@ bool isKeyword(std::string_view word) {
 bool isReserved(std::string_view word) {
   return word.find("__") != word.npos ||
          (word.size() > 1 && word[0] == '_' && word[1] >= 'A' && word[1] <= 'Z');
-}
-
-bool isName(std::string_view word) {
-  const auto isPart = [](char c) { return isLetter(c) || isDigit(c); };
-  return !word.empty() && !isDigit(word.front()) && std::all_of(word.begin(), word.end(), isPart) &&
-         !isKeyword(word) && !isReserved(word);
 }
 
 void writeByte(std::string& out, unsigned char byte) {
@@ -74,6 +67,12 @@ void writeCharacter(std::string& out, char c) {
   }
 }
 
+std::string writeLiteral(std::string_view text) {
+  std::string literal = "\"";
+  for (const char c : text) writeCharacter(literal, c);
+  return literal.append("\"");
+}
+
 /// One literal for each line of the text, and more for a long one.
 std::string writeLiterals(std::string_view text) {
   std::string literals = "\n    \"";
@@ -91,32 +90,49 @@ std::string writeLiterals(std::string_view text) {
 }  // namespace
 
 bool isNamespaceName(std::string_view text) {
-  for (std::size_t at = text.find("::"); at != text.npos; at = text.find("::")) {
-    if (!isName(text.substr(0, at))) return false;
-    text.remove_prefix(at + 2);
-  }
-  return isName(text);
+  const auto isPart = [](char c) { return isLetter(c) || isDigit(c); };
+  return !text.empty() && !isDigit(text.front()) && std::all_of(text.begin(), text.end(), isPart) &&
+         !isKeyword(text) && !isReserved(text);
 }
 
 std::string namespaceFor(const std::string& file) {
-  std::string name = std::filesystem::path(file).filename().string();
-  if (const std::size_t dot = name.find('.', 1); dot != name.npos) name.resize(dot);
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return !isLetter(c) && !isDigit(c); }, '_');
-  for (std::size_t at = name.find("__"); at != name.npos; at = name.find("__", at)) name.erase(at, 1);
-  if (isName(name)) return name;
+  std::string name;
+  for (const char c : file) {
+    const char part = isLetter(c) || isDigit(c) ? c : '_';
+    if (part != '_' || !name.ends_with('_')) name.push_back(part);
+  }
+  if (isNamespaceName(name)) return name;
   return name.insert(0, name.starts_with('_') ? "shader" : "shader_");
 }
 
-std::string writeEmbeddedHeader(const EmbeddedShader& shader) {
+std::string writeEmbeddedHeader(const std::string& scope, const EmbeddedShader& shader) {
+  const std::string name = scope + "::" + namespaceFor(shader.file);
   std::string text =
       "#pragma once\n\n// Written by sfg; do not edit.\n\n#include <string_view>\n\nnamespace ";
-  text.append(shader.scope).append(" {\n\n/// Equal shader text, interface and options, equal hash.\n");
+  text.append(name).append(" {\n\n/// Equal shader text, interface and options, equal hash.\n");
   text.append("inline constexpr std::string_view hash = \"").append(shader.hash).append("\";\n\n");
   text.append("alignas(4) inline constexpr unsigned char bytes[] = {").append(writeBytes(shader.bytes));
   text.append("\n};\n\n/// What the shader takes and gives, as JSON.\n");
   text.append("inline constexpr std::string_view reflection =").append(writeLiterals(shader.reflection));
-  return text.append(";\n\n}  // namespace ").append(shader.scope).append("\n");
+  return text.append(";\n\n}  // namespace ").append(name).append("\n");
+}
+
+std::string writeCollectingHeader(const std::string& scope, const std::vector<std::string>& files) {
+  std::string text = "#pragma once\n\n// Written by sfg; do not edit.\n\n#include <array>\n#include "
+                     "<span>\n#include <string_view>\n\n";
+  for (const std::string& file : files) {
+    text.append("#include \"").append(scope).append("/").append(file).append(".h\"\n");
+  }
+  text.append("\nnamespace ").append(scope).append(" {\n\nstruct Shader {\n  std::string_view file;\n");
+  text.append("  std::span<const unsigned char> bytes;\n  std::string_view hash;\n");
+  text.append("  std::string_view reflection;  ///< JSON\n};\n\ninline constexpr std::array<Shader, ");
+  text.append(std::to_string(files.size())).append("> all = {{\n");
+  for (const std::string& file : files) {
+    const std::string name = namespaceFor(file);
+    text.append("    {").append(writeLiteral(file)).append(", ").append(name).append("::bytes, ");
+    text.append(name).append("::hash, ").append(name).append("::reflection},\n");
+  }
+  return text.append("}};\n\n}  // namespace ").append(scope).append("\n");
 }
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -2,14 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "sfg/host/version.h"
-#include "tools/command_test_support.h"
-
 namespace TolmSDK::Graphics::sfg::tools {
 namespace {
 
 TEST(EmbeddedHeaderTest, HoldsBytesHashAndReflection) {
-  EXPECT_EQ(writeEmbeddedHeader({"materials::brick", std::string("\0\x7f\xff", 3) + std::string(14, 'a'),
+  EXPECT_EQ(writeEmbeddedHeader("materials",
+                                {"walls/brick.spv", std::string("\0\x7f\xff", 3) + std::string(14, 'a'),
                                  "0a1b", "{\n  \"name\": \"a\\b\x01\xc3\xa9\"\n}\n"}),
             R"(#pragma once
 
@@ -17,7 +15,7 @@ TEST(EmbeddedHeaderTest, HoldsBytesHashAndReflection) {
 
 #include <string_view>
 
-namespace materials::brick {
+namespace materials::walls_brick_spv {
 
 /// Equal shader text, interface and options, equal hash.
 inline constexpr std::string_view hash = "0a1b";
@@ -33,64 +31,64 @@ inline constexpr std::string_view reflection =
     "  \"name\": \"a\\b\001\303\251\"\n"
     "}\n";
 
-}  // namespace materials::brick
+}  // namespace materials::walls_brick_spv
 )");
 }
 
 TEST(EmbeddedHeaderTest, CutsLongLinesOfTheReflection) {
-  const std::string text = writeEmbeddedHeader({"a", "b", "c", std::string(100, 'x')});
+  const std::string text = writeEmbeddedHeader("a", {"a.spv", "b", "c", std::string(100, 'x')});
   EXPECT_NE(text.find("    \"" + std::string(90, 'x') + "\"\n    \"" + std::string(10, 'x') + "\";\n"),
             text.npos)
       << text;
 }
 
+TEST(EmbeddedHeaderTest, CollectsShaders) {
+  EXPECT_EQ(writeCollectingHeader("materials", {"brick.spv", "walls/2\"d.spv"}), R"(#pragma once
+
+// Written by sfg; do not edit.
+
+#include <array>
+#include <span>
+#include <string_view>
+
+#include "materials/brick.spv.h"
+#include "materials/walls/2"d.spv.h"
+
+namespace materials {
+
+struct Shader {
+  std::string_view file;
+  std::span<const unsigned char> bytes;
+  std::string_view hash;
+  std::string_view reflection;  ///< JSON
+};
+
+inline constexpr std::array<Shader, 2> all = {{
+    {"brick.spv", brick_spv::bytes, brick_spv::hash, brick_spv::reflection},
+    {"walls/2\"d.spv", walls_2_d_spv::bytes, walls_2_d_spv::hash, walls_2_d_spv::reflection},
+}};
+
+}  // namespace materials
+)");
+}
+
 TEST(EmbeddedHeaderTest, KnowsNamesOfNamespaces) {
-  for (const char* const name : {"a", "brick_2", "materials::brick", "_x", "a::b::c"}) {
-    EXPECT_TRUE(isNamespaceName(name)) << name;
-  }
-  for (const char* const name : {"", "2a", "a:b", "a::", "::a", "a::::b", "a b", "a-b", "class", "a::new",
-                                 "a__b", "_A", "linux", "std", "\xc3\xa9"}) {
+  for (const char* const name : {"a", "brick_2", "_x"}) EXPECT_TRUE(isNamespaceName(name)) << name;
+  for (const char* const name :
+       {"", "2a", "a:b", "a::b", "a b", "a-b", "class", "a__b", "_A", "linux", "std", "\xc3\xa9"}) {
     EXPECT_FALSE(isNamespaceName(name)) << name;
   }
 }
 
 TEST(EmbeddedHeaderTest, MakesANamespaceOfAnyFile) {
-  EXPECT_EQ(namespaceFor("out/brick-wall.vert.spv"), "brick_wall");
-  EXPECT_EQ(namespaceFor("2d.h"), "shader_2d");
-  EXPECT_EQ(namespaceFor("new.h"), "shader_new");
-  EXPECT_EQ(namespaceFor("a - b.h"), "a_b");
-  EXPECT_EQ(namespaceFor("__A.h"), "shader_A");
+  EXPECT_EQ(namespaceFor("out/brick-wall.vert.spv"), "out_brick_wall_vert_spv");
+  EXPECT_EQ(namespaceFor("2d.spv"), "shader_2d_spv");
+  EXPECT_EQ(namespaceFor("new"), "shader_new");
+  EXPECT_EQ(namespaceFor("a - b"), "a_b");
+  EXPECT_EQ(namespaceFor("__A"), "shader_A");
   for (const char* const file : {"", ".h", "..", "_", "-A", "\xc3\xa9.h", "class"}) {
     EXPECT_TRUE(isNamespaceName(namespaceFor(file))) << file << ": " << namespaceFor(file);
   }
-}
-
-class EmbedTest : public CommandTest {
-protected:
-  EmbedTest() {
-    writeLibrary();
-    write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
-      "nodes": [ { "name": "a", "fragment": "tint" } ] })");
-  }
-};
-
-TEST_F(EmbedTest, HoldsWhatTheOtherResultsHold) {
-  if (!host::hasCompilers()) GTEST_SKIP() << "without shader compilers";
-  const CommandRun result =
-      run("compile graph.json -L lib --target glsl -o a.glsl --reflect a.json --embed a.h --embed-as of::a");
-  ASSERT_EQ(result.status, 0) << result.err;
-  std::string reflection = read("a.json");
-  const std::size_t files = reflection.find("  \"files\": [") + std::string_view("  \"files\": [").size();
-  reflection.erase(files, reflection.find(']', files) - files);
-  const std::size_t hash = reflection.find("\"hash\": \"") + std::string_view("\"hash\": \"").size();
-  EXPECT_EQ(read("a.h"),
-            writeEmbeddedHeader({"of::a", read("a.glsl"), reflection.substr(hash, 40), reflection}));
-}
-
-TEST_F(EmbedTest, RefusesWhatIsNoNamespace) {
-  const CommandRun result = run("compile graph.json -L lib -o a.spv --embed a.h --embed-as a-b");
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.err, "sfg: error: `--embed-as`: C++ has no namespace `a-b` [wrong-usage]\n");
 }
 
 }  // namespace
