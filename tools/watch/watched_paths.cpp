@@ -2,8 +2,10 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 namespace TolmSDK::Graphics::sfg::tools {
@@ -15,6 +17,16 @@ namespace fs = std::filesystem;
 constexpr std::int64_t kNanoseconds = 1'000'000'000;
 
 std::int64_t nanoseconds(const timespec& time) { return time.tv_sec * kNanoseconds + time.tv_nsec; }
+
+bool isSameLetter(char a, char b) {
+  const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return small(a) == small(b);
+}
+
+bool endsWith(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() &&
+         std::equal(end.begin(), end.end(), text.substr(text.size() - end.size()).begin(), isSameLetter);
+}
 
 /// Nothing for what is not there.
 std::optional<FileState> stateOf(const std::string& file) {
@@ -68,7 +80,7 @@ HoldingFolders foldersOf(const WatchedPaths& paths) {
   for (const auto& [folder, end] : paths.kinds) {
     addFolder(wanted, folder);
     visitEntries(folder, [&, &last = end](const std::string& path) {
-      if (path.ends_with(last)) addParents(wanted, path);
+      if (endsWith(path, last)) addParents(wanted, path);
     });
   }
   HoldingFolders found;
@@ -90,7 +102,7 @@ FileStates look(const WatchedPaths& paths) {
     std::error_code error;
     if (fs::is_directory(folder, error)) states.emplace(folder, FileState());
     visitEntries(folder, [&, &wanted = end](const std::string& path) {
-      if (path.ends_with(wanted)) addFile(states, path);
+      if (endsWith(path, wanted)) addFile(states, path);
     });
   }
   for (const std::string& folder : paths.folders) {

@@ -17,7 +17,8 @@ struct WatchedPaths {
   std::set<std::string> files;
   /// The names in these folders count.
   std::set<std::string> folders;
-  /// Of these folders, files count by name and contents whose names end so: folder and end.
+  /// Of these folders, files count by name and contents whose names end so, in small or capital letters:
+  /// folder and end.
   std::set<std::pair<std::string, std::string>> kinds;
 
   bool operator==(const WatchedPaths&) const = default;

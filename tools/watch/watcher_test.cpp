@@ -107,8 +107,8 @@ TEST_P(WatcherTest, KeepsToTheFilesItWatches) {
   write("lib/a.fraglib~", "1");
   write("lib/.a.fraglib.swp", "1");
   EXPECT_EQ(toldSoon(watcher), Paths());
-  write("lib/b.fraglib", "1");
-  EXPECT_EQ(told(watcher), Paths{"lib/b.fraglib"});
+  write("lib/b.FragLib", "1");
+  EXPECT_EQ(told(watcher), Paths{"lib/b.FragLib"});
 }
 
 TEST_P(WatcherTest, TellsNamesThatComeAndGo) {
