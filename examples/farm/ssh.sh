@@ -5,8 +5,7 @@
 #
 # MACHINES is a file with a machine a line, as ssh knows it (`:` is this one; `2/name` takes two shards at a time). The
 # machines share the folders of the manifest, of what it names and of CACHE under the same paths, and have sfg. A shard
-# that fails because its machine does is given to another one, three times at most; a shard with errors in its
-# materials has status 1 and is not tried again by itself.
+# that fails is given to another machine, three times at most; what it has done is not done again.
 set -euo pipefail
 [ $# -ge 4 ] || { sed -n '2,/^set/s/^# \{0,1\}//p' "$0" | sed '$d' >&2; exit 2; }
 machines=$1 shards=$2 manifest=$3 cache=$4

@@ -16,7 +16,7 @@ using Troubles = std::map<std::string, std::vector<host::Diagnostic>>;
 bool hasErrors(const std::vector<host::Diagnostic>& diagnostics);
 
 struct TroubleNews {
-  std::vector<host::Diagnostic> come;  ///< each once, in the order of `now`
+  std::vector<host::Diagnostic> come;  ///< all of things of which something new is told
   std::vector<std::string> gone;       ///< things that had errors and have none
 };
 TroubleNews compareTroubles(const Troubles& before, const Troubles& now);
