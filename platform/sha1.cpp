@@ -54,22 +54,37 @@ void update(EVP_MD_CTX* context, std::wstring_view text) {
   require(EVP_DigestUpdate(context, bytes.data(), used) == 1);
 }
 
+EVP_MD_CTX* start() {
+  EVP_MD_CTX* const context = threadContext();
+  require(EVP_DigestInit_ex2(context, algorithm(), nullptr) == 1);
+  return context;
+}
+
+template <class Text>
+Text finish(EVP_MD_CTX* context) {
+  std::array<unsigned char, kDigestSize> digest;
+  require(EVP_DigestFinal_ex(context, digest.data(), nullptr) == 1);
+  Text out;
+  out.reserve(2 * kDigestSize);
+  for (const unsigned byte : digest) {
+    out += static_cast<typename Text::value_type>("0123456789abcdef"[byte >> 4]);
+    out += static_cast<typename Text::value_type>("0123456789abcdef"[byte & 15]);
+  }
+  return out;
+}
+
 }  // namespace
 
 WString SHA1_GetStringHash(std::wstring_view text) {
-  EVP_MD_CTX* const context = threadContext();
-  require(EVP_DigestInit_ex2(context, algorithm(), nullptr) == 1);
+  EVP_MD_CTX* const context = start();
   update(context, text);
-  std::array<unsigned char, kDigestSize> digest;
-  require(EVP_DigestFinal_ex(context, digest.data(), nullptr) == 1);
+  return finish<WString>(context);
+}
 
-  WString out;
-  out.reserve(2 * kDigestSize);
-  for (const unsigned byte : digest) {
-    out += L"0123456789abcdef"[byte >> 4];
-    out += L"0123456789abcdef"[byte & 15];
-  }
-  return out;
+std::string SHA1_GetBytesHash(std::string_view bytes) {
+  EVP_MD_CTX* const context = start();
+  require(EVP_DigestUpdate(context, bytes.data(), bytes.size()) == 1);
+  return finish<std::string>(context);
 }
 
 }  // namespace TolmSDK

@@ -1,7 +1,5 @@
 #include "tools/output_file.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -10,6 +8,7 @@
 #include <optional>
 
 #include "sfg/host/errors.h"
+#include "sfg/host/output.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -40,27 +39,6 @@ bool isReplaceable(const fs::path& path) {
   return status.type() == fs::file_type::not_found || status.type() == fs::file_type::regular;
 }
 
-/// Beside the target, under a name of its own that is no longer than a file's may be.
-fs::path temporaryFor(const fs::path& target) {
-  return target.parent_path() / (".sfg-" + std::to_string(getpid()) + ".part");
-}
-
-void replaceFile(const std::string& file, const fs::path& target, std::string_view bytes) {
-  const fs::path temporary = temporaryFor(target);
-  std::error_code error;
-  if (const std::optional<std::string> reason = writeBytes(temporary, bytes)) {
-    fs::remove(temporary, error);
-    cannotWrite(file, *reason);
-  }
-  const fs::perms permissions = fs::status(target, error).permissions();
-  if (!error && fs::exists(target)) fs::permissions(temporary, permissions, error);
-  fs::rename(temporary, target, error);
-  if (!error) return;
-  const std::string reason = error.message();
-  fs::remove(temporary, error);
-  cannotWrite(file, reason);
-}
-
 bool isSameFile(const fs::path& a, const fs::path& b) {
   std::error_code error;
   if (fs::exists(a, error) && fs::exists(b, error)) return fs::equivalent(a, b, error);
@@ -80,7 +58,8 @@ void writeOutput(const std::string& file, std::string_view bytes) {
   } else if (isReplaceable(file)) {
     std::error_code error;
     const fs::path target = fs::weakly_canonical(file, error);
-    replaceFile(file, error ? fs::path(file) : target, bytes);
+    const auto reason = host::replaceFile(error ? fs::path(file) : target, bytes);
+    if (reason) cannotWrite(file, *reason);
   } else if (const std::optional<std::string> reason = writeBytes(file, bytes)) {
     cannotWrite(file, *reason);
   }

@@ -18,6 +18,7 @@ public:
                          {{"library", Topic::library},
                           {"graph", Topic::graph},
                           {"environment", Topic::environment},
+                          {"manifest", Topic::manifest},
                           {"types", Topic::types},
                           {"state", Topic::state}},
                          topic_, "a document, `types`, or the `state` that code reads");

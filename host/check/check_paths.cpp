@@ -4,10 +4,9 @@
 
 #include "host/check/finding_list.h"
 #include "host/documents/diagnose.h"
+#include "host/documents/document_kind.h"
 #include "host/documents/document_reader.h"
-#include "host/documents/keys.h"
 #include "host/documents/load_error.h"
-#include "host/documents/near_name.h"
 #include "host/library/include_files.h"
 #include "sfg/host/check.h"
 #include "tolmsdk/unicode.h"
@@ -26,37 +25,11 @@ bool hasExtension(const fs::path& file, std::string_view extension) {
 }
 bool isLibrary(const fs::path& file) { return hasExtension(file, ".fraglib"); }
 
-/// How many keys of the root are those of the table, and how many are near ones.
-struct Likeness {
-  std::size_t known = 0;
-  std::size_t near = 0;
-  bool operator>(const Likeness& other) const {
-    return known != other.known ? known > other.known : near > other.near;
-  }
-};
-
-Likeness likenessOf(const IObjectDataNode& root, const KeyTable& table) {
-  std::vector<std::string> names;
-  for (const Key& key : table.keys) names.emplace_back(key.name);
-  Likeness likeness;
-  for (std::size_t i = 0; i < root.size(); ++i) {
-    const std::string key = toUtf8(root.memberName(i));
-    if (table.find(key) != nullptr) {
-      ++likeness.known;
-    } else if (!nearestName(key, names).empty()) {
-      ++likeness.near;
-    }
-  }
-  return likeness;
-}
-
 std::optional<DocumentKind> kindOf(const IObjectDataNode& root) {
   if (root.kind() != NodeKind::object) return std::nullopt;
-  const Likeness graph = likenessOf(root, graphKeys());
-  const Likeness environment = likenessOf(root, environmentKeys());
-  if (environment > graph) return DocumentKind::environment;
-  if (graph > Likeness()) return DocumentKind::graph;
-  return std::nullopt;
+  std::vector<std::string> keys;
+  for (std::size_t i = 0; i < root.size(); ++i) keys.push_back(toUtf8(root.memberName(i)));
+  return kindOfKeys(keys);
 }
 
 RefPtr<IObjectDataNode> load(const Document& document, WString& error) {

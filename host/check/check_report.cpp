@@ -4,6 +4,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "host/check/diagnostic_json.h"
 #include "host/check/finding_list.h"
 #include "sfg/host/check.h"
 #include "sfg/host/version.h"
@@ -15,28 +16,9 @@ namespace {
 /// Members in the order in which they are added.
 using Json = nlohmann::ordered_json;
 
-const char* nameOf(Severity severity) {
-  switch (severity) {
-  case Severity::warning: return "warning";
-  case Severity::note: return "note";
-  case Severity::error:
-  case Severity::message: break;
-  }
-  return "error";
-}
-
 /// Ill-formed UTF-8 becomes U+FFFD, as in files.
 std::string textOf(const Json& json) {
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
-Json jsonOf(const Diagnostic& diagnostic) {
-  return {{"file", diagnostic.file},
-          {"line", diagnostic.line},
-          {"column", diagnostic.column},
-          {"severity", nameOf(diagnostic.severity)},
-          {"identifier", diagnostic.identifier},
-          {"text", diagnostic.text}};
 }
 
 std::size_t countOf(const CheckResult& result, Severity severity) {

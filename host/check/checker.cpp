@@ -1,14 +1,12 @@
 #include <algorithm>
-#include <atomic>
-#include <exception>
 #include <mutex>
 #include <set>
-#include <thread>
 #include <utility>
 
 #include "host/check/fragment_check.h"
 #include "host/check/graph_check.h"
 #include "host/documents/diagnose.h"
+#include "host/job/run_all.h"
 #include "host/lints/lints.h"
 #include "sfg/host/check.h"
 #include "sfg/host/version.h"
@@ -31,29 +29,6 @@ std::string hashOf(const LoadedLibraries& libraries, const CheckOptions& options
   for (const auto& [file, text] : libraries.texts().all())
     all.append(file).append("\n").append(std::to_string(text.size())).append("\n").append(text);
   return toUtf8(SHA1_GetStringHash(fromUtf8(all)));
-}
-
-/// Calls `run(i)` for each i below `count`, in several threads. What one throws is thrown when all are done.
-template <class Run>
-void runAll(std::size_t count, std::size_t threads, const Run& run) {
-  std::atomic<std::size_t> next{0};
-  std::mutex mutex;
-  std::exception_ptr failure;
-  const auto work = [&] {
-    for (std::size_t i = next++; i < count; i = next++) {
-      try {
-        run(i);
-      } catch (...) {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (!failure) failure = std::current_exception();
-      }
-    }
-  };
-  std::vector<std::thread> others;
-  for (std::size_t i = 1; i < std::min(threads, count); ++i) others.emplace_back(work);
-  work();
-  for (std::thread& other : others) other.join();
-  if (failure) std::rethrow_exception(failure);
 }
 
 }  // namespace

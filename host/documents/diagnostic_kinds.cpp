@@ -110,6 +110,7 @@ constexpr KindRow kRows[] = {
     {Finding::badSetting, {"bad-setting", "a value cannot be set in a buffer"}},
     {Finding::wrongUsage, {"wrong-usage", "a command, or a function of the library, is used wrongly"}},
     {Finding::cannotWrite, {"cannot-write", "a result cannot be written"}},
+    {Finding::cacheTrouble, {"cache-trouble", "the cache of builds, or an entry of it, cannot be used"}},
     {Finding::foldersRead, {"folders-read", "which folders are read"}},
     {Finding::fileWritten, {"file-written", "a file was written"}},
     {Finding::outOfMemory, {"out-of-memory", "there is not enough memory"}},

@@ -90,6 +90,7 @@ enum class Finding {
   // Commands
   wrongUsage,
   cannotWrite,
+  cacheTrouble,
   foldersRead,
   fileWritten,
   outOfMemory,

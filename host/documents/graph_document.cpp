@@ -77,7 +77,7 @@ public:
     document_->file_ = document.name();
   }
 
-  RefPtr<GraphDocument> load() {
+  RefPtr<GraphDocument> load(std::span<const NodeConstant> constants) {
     reader_.checkKeys(graphKeys());
     document_->problems_ = reader_.problems();
     readGraphInputs();
@@ -85,6 +85,7 @@ public:
     readNodes();
     readGraphOutputs();
     wireNodes();
+    for (const NodeConstant& constant : constants) setConstant(constant);
     readChain(L"preprocess", document_->preprocess_);
     readChain(L"postprocess", document_->postprocess_);
     return document_;
@@ -264,6 +265,54 @@ private:
     }
   }
 
+  void setConstant(const NodeConstant& constant) {
+    const auto found = nodes_.find(constant.node);
+    if (found == nodes_.end()) {
+      reader_.refuse(Finding::unknownNode, reader_.root(),
+                     "a constant is given to the unknown node " + inTicks(constant.node) +
+                         didYouMean(nearestNode(constant.node)),
+                     nearestNode(constant.node));
+    }
+    GraphNode& node = *found->second;
+    const std::size_t port = portFinder_.find(node.type_->inputs, fromUtf8(constant.input));
+    if (port == kNotFound && !node.type_->knowsPorts) return;
+    if (port == kNotFound) {
+      reader_.refuse(Finding::unknownPort, reader_.root(),
+                     "a constant is given to node " + inTicks(node.name_) + ", which has no input " +
+                         inTicks(constant.input) + listed("its inputs are", node.inputs(), constant.input),
+                     nearestPort(constant.input, node.inputs()));
+    }
+    const AParameter& parameter = *node.inputs()[port];
+    AValue value(parameter.getType());
+    if (!setValue(value, constant.value)) {
+      const std::string input = "the constant of input " + inTicks(constant.input) + " of node " +
+                                inTicks(node.name_) + " does not fit the type " + typeText(parameter);
+      const bool hasText = componentCount(parameter.getType()) != 0;
+      reader_.refuse(Finding::wrongValue, reader_.root(),
+                     input +
+                         (hasText ? ": expected " + expectedValueText(parameter.getType()) : std::string()));
+    }
+    if (node.ownInputs_.empty()) node.ownInputs_ = node.type_->inputs;
+    node.ownInputs_[port] = withValue(parameter, value, true);
+    if (!node.wires_.empty()) node.wires_[port] = GraphNode::Wire();
+  }
+
+  static bool setValue(AValue& value, const Value& given) {
+    if (const bool* const boolean = std::get_if<bool>(&given))
+      return value.type() == TypeID_bool && value.set(0, *boolean ? 1.0 : 0.0);
+    std::vector<double> numbers;
+    if (const double* const number = std::get_if<double>(&given)) {
+      numbers.push_back(*number);
+    } else {
+      numbers = std::get<std::vector<double>>(given);
+    }
+    if (value.size() == 0 || numbers.size() != value.size()) return false;
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+      if (!value.set(i, numbers[i])) return false;
+    }
+    return true;
+  }
+
   /// The one of the keys that the object holds; empty for none and for several.
   static std::wstring_view onlySource(const IObjectDataNode& object) {
     std::wstring_view found;
@@ -376,8 +425,9 @@ private:
 };
 
 RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language,
-                                        const LibraryPorts& libraryPorts, const WhyUnknown& whyUnknown) {
-  return GraphLoader(document, language, libraryPorts, whyUnknown).load();
+                                        const LibraryPorts& libraryPorts, const WhyUnknown& whyUnknown,
+                                        std::span<const NodeConstant> constants) {
+  return GraphLoader(document, language, libraryPorts, whyUnknown).load(constants);
 }
 
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language) {

@@ -3,6 +3,7 @@
 // The graph document: the host's own graph, which the graph builder sees through its accessors.
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -152,10 +153,12 @@ private:
 /// hold exactly one source, a wire to a node, port or graph input that is not there, a value that does not
 /// fit its type, a constant of a type without values, and an unknown pre-process or post-process fragment. An
 /// unknown fragment of a node is left to the graph builder: the ports of such a node are not checked. Inputs
-/// that the document gives no value have that of the libraries.
+/// that the document gives no value have that of the libraries. Constants whose node or input is not there,
+/// and whose value does not fit, are refused, too.
 RefPtr<GraphDocument> loadGraphDocument(const Document& document, const ILanguageTraits& language,
                                         const LibraryPorts& libraryPorts = {},
-                                        const WhyUnknown& whyUnknown = {});
+                                        const WhyUnknown& whyUnknown = {},
+                                        std::span<const NodeConstant> constants = {});
 RefPtr<GraphDocument> loadGraphDocument(const std::string& file, const ILanguageTraits& language);
 
 /// The fragment graph of the document: built through the graph builder (whose exceptions pass through), then

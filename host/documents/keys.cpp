@@ -147,6 +147,53 @@ constexpr Key kFragmentKeys[] = {
 constexpr KeyTable kFragment = {
     "a fragment", "A piece of shader code with inputs and outputs.", kFragmentKeys, {}, "profiles"};
 
+// Manifests
+
+constexpr Key kConstantsKeys[] = {
+    {"name", Holds::name, "Is what file names call these constants.", true},
+    {"values", Holds::namedValues, "Gives by `node.input` the values that are written into the code.", true}};
+constexpr KeyTable kConstants = {
+    "a set of constants", "Values of node inputs, in place of what the graphs give them.", kConstantsKeys};
+
+constexpr Key kShadersKeys[] = {
+    kDescription,
+    {"graphs", Holds::names,
+     "Names graphs: files, patterns (`*`, `?`, `**`), or folders with all graphs in them.", true},
+    {"environments", Holds::names, "Names environments; an empty text stands for none."},
+    {"constants", Holds::objects, "Are sets of values, each of which makes shaders of its own.", false,
+     &kConstants},
+    {"surfaceLods", Holds::numbers, "Are levels of detail of surface fragments; without it 100."},
+    {"lightLods", Holds::numbers, "Are levels of detail of light fragments; without it 100."},
+    {"stages", Holds::words, "Are the stages; without it `pixel`.", false, nullptr, kStageWords},
+    {"targets", Holds::words,
+     "Are what shaders are compiled to; without it `spirv`. `assembled` is HLSL that is not compiled.", false,
+     nullptr, kTargetWords},
+    {"tool", Holds::word, "Is what collapses the graphs; without it `default`.", false, nullptr, kToolWords},
+    {"optimize", Holds::word, "Is what modules are optimised for; without it `speed`.", false, nullptr,
+     kOptimizationWords},
+    {"debug", Holds::boolean, "Keeps names and lines in modules of the target `spirv`."},
+    {"uniformNames", Holds::word, "Is how uniforms are named; without it `readable`.", false, nullptr,
+     kUniformNameWords},
+    {"mesh", Holds::words, "Is what vertices have, for the stage `vertex`; without it everything.", false,
+     nullptr, kMeshWords},
+    {"reflection", Holds::boolean, "Also writes beside each shader what it takes and gives."},
+    {"name", Holds::name,
+     "Is the pattern of the outputs' names: `{graph}.{stage}.{extension}`, for example."}};
+constexpr KeyTable kShaders = {"a set of shaders",
+                               "Graphs, and in which variants they are made: every environment with every "
+                               "set of constants, level, stage and target.",
+                               kShadersKeys};
+
+constexpr Key kManifestKeys[] = {
+    kDescription,
+    {"libraries", Holds::names, "Names folders of fragment libraries, later ones before earlier ones."},
+    {"includes", Holds::names, "Names folders of include files; without it those of the libraries."},
+    {"output", Holds::name, "Names the folder of the results; without it `shaders`."},
+    {"shaders", Holds::objects, "Are the shaders to make.", true, &kShaders},
+    {kSchemaKey, Holds::text, "Names the schema, for editors."}};
+constexpr KeyTable kManifest = {
+    "a manifest", "Shaders that are made together. Paths are relative to its file.", kManifestKeys};
+
 }  // namespace
 
 const Key* KeyTable::find(std::string_view name) const {
@@ -157,6 +204,7 @@ const Key* KeyTable::find(std::string_view name) const {
 const KeyTable& graphKeys() noexcept { return kGraph; }
 const KeyTable& nodeInputKeys() noexcept { return kNodeInput; }
 const KeyTable& environmentKeys() noexcept { return kEnvironment; }
+const KeyTable& manifestKeys() noexcept { return kManifest; }
 const KeyTable& fragmentKeys() noexcept { return kFragment; }
 const KeyTable& profileKeys() noexcept { return kProfile; }
 

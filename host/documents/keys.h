@@ -1,6 +1,6 @@
 #pragma once
 
-// The keys of the three documents: what readers know, and what is told of the others.
+// The keys of the documents: what readers know, and what is told of the others.
 
 #include <span>
 #include <string_view>
@@ -12,6 +12,8 @@ enum class Holds {
   name,          ///< a string that is not empty
   text,          ///< a string
   names,         ///< an array of strings
+  words,         ///< an array of a few words
+  numbers,       ///< an array of numbers
   number,        ///< a number
   level,         ///< a number, or a string that is one
   boolean,       ///< true or false
@@ -21,7 +23,8 @@ enum class Holds {
   object,        ///< an object
   objects,       ///< an array of objects
   namedObjects,  ///< an object of any names, each of which holds an object
-  namedTexts     ///< the same, where a text may stand in place of an object
+  namedTexts,    ///< the same, where a text may stand in place of an object
+  namedValues    ///< an object of any names, each of which holds a value
 };
 
 struct KeyTable;
@@ -52,6 +55,7 @@ struct KeyTable {
 /// The root objects. That of a library holds fragments under any names: this is the table of each.
 const KeyTable& graphKeys() noexcept;
 const KeyTable& environmentKeys() noexcept;
+const KeyTable& manifestKeys() noexcept;
 const KeyTable& fragmentKeys() noexcept;
 /// Of one of a fragment's "profiles"; its keys are keys of a fragment without "profiles", too.
 const KeyTable& profileKeys() noexcept;
@@ -64,6 +68,16 @@ inline constexpr std::string_view kPortKinds[] = {"angle",  "color",  "direction
                                                   "factor", "normal", "position",  "uv"};
 inline constexpr std::string_view kPortSpaces[] = {"data",    "linear", "object", "srgb",
                                                    "tangent", "view",   "world"};
+
+/// Words of a manifest.
+inline constexpr std::string_view kToolWords[] = {"default", "lightloop"};
+inline constexpr std::string_view kStageWords[] = {"pixel", "compute", "vertex"};
+inline constexpr std::string_view kTargetWords[] = {"assembled", "spirv", "hlsl",    "hlsl60", "glsl",
+                                                    "glsl330",   "essl",  "essl300", "msl"};
+inline constexpr std::string_view kOptimizationWords[] = {"speed", "size", "none"};
+inline constexpr std::string_view kUniformNameWords[] = {"readable", "generated"};
+inline constexpr std::string_view kMeshWords[] = {"position",  "normal",    "tangent",   "texCoord0",
+                                                  "texCoord1", "texCoord2", "texCoord3", "color"};
 
 /// Comments: keys that nobody reads and nobody is told of.
 template <class Text>

@@ -51,12 +51,22 @@ public:
 
 private:
   static const KeyTable& rootOf(DocumentKind kind) {
-    if (kind == DocumentKind::library) return fragmentKeys();
-    return kind == DocumentKind::graph ? graphKeys() : environmentKeys();
+    switch (kind) {
+    case DocumentKind::graph: return graphKeys();
+    case DocumentKind::environment: return environmentKeys();
+    case DocumentKind::manifest: return manifestKeys();
+    case DocumentKind::library: break;
+    }
+    return fragmentKeys();
   }
   static const char* titleOf(DocumentKind kind) {
-    if (kind == DocumentKind::library) return "Fragment library of sfg";
-    return kind == DocumentKind::graph ? "Graph of sfg" : "Environment of sfg";
+    switch (kind) {
+    case DocumentKind::graph: return "Graph of sfg";
+    case DocumentKind::environment: return "Environment of sfg";
+    case DocumentKind::manifest: return "Manifest of sfg";
+    case DocumentKind::library: break;
+    }
+    return "Fragment library of sfg";
   }
 
   static Json comments() { return {{"^//", true}}; }
@@ -109,22 +119,16 @@ private:
     case Holds::name: return {{"type", "string"}, {"minLength", 1}};
     case Holds::text: return {{"type", "string"}};
     case Holds::names: return {{"type", "array"}, {"items", {{"type", "string"}}}};
+    case Holds::numbers: return {{"type", "array"}, {"items", {{"type", "number"}}}};
+    case Holds::words: return {{"type", "array"}, {"items", {{"enum", wordsOf(key)}}}};
     case Holds::number: return {{"type", "number"}};
     case Holds::level:
       return {{"anyOf", Json::array({{{"type", "number"}},
                                      {{"type", "string"}, {"pattern", "^-?[0-9.]+([eE][-+]?[0-9]+)?$"}}})}};
     case Holds::boolean: return {{"type", "boolean"}};
-    case Holds::value:
-      return {
-          {"anyOf", Json::array({{{"type", "boolean"}},
-                                 {{"type", "number"}},
-                                 {{"type", "array"}, {"items", {{"type", "number"}}}, {"maxItems", 16}}})}};
+    case Holds::value: return anyValue();
     case Holds::type: return {{"enum", typeNames()}};
-    case Holds::word: {
-      Json words = Json::array();
-      for (const std::string_view word : key.words) words.push_back(word);
-      return {{"enum", std::move(words)}};
-    }
+    case Holds::word: return {{"enum", wordsOf(key)}};
     case Holds::object: return reference(*key.table);
     case Holds::objects: return {{"type", "array"}, {"items", reference(*key.table)}};
     case Holds::namedObjects:
@@ -136,8 +140,21 @@ private:
           {"type", "object"},
           {"patternProperties", comments()},
           {"additionalProperties", {{"anyOf", Json::array({{{"type", "string"}}, reference(*key.table)})}}}};
+    case Holds::namedValues:
+      return {{"type", "object"}, {"patternProperties", comments()}, {"additionalProperties", anyValue()}};
     }
     return Json::object();
+  }
+
+  static Json anyValue() {
+    return {{"anyOf", Json::array({{{"type", "boolean"}},
+                                   {{"type", "number"}},
+                                   {{"type", "array"}, {"items", {{"type", "number"}}}, {"maxItems", 16}}})}};
+  }
+  static Json wordsOf(const Key& key) {
+    Json words = Json::array();
+    for (const std::string_view word : key.words) words.push_back(word);
+    return words;
   }
 
   Json definitions_ = Json::object();

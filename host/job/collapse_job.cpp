@@ -28,7 +28,8 @@ CollapseJob::CollapseJob(std::shared_ptr<const LoadedLibraries> libraries, const
                          const std::optional<Document>& environment, const CollapseOptions& settings)
     : settings_(settings), libraries_(std::move(libraries)) {
   checkSettings();
-  document_ = loadGraphDocument(graph, libraries_->language(), libraries_->ports(), whyUnknown());
+  document_ = loadGraphDocument(graph, libraries_->language(), libraries_->ports(), whyUnknown(),
+                                settings_.constants);
   if (graph.isFile()) documentFiles_.push_back(graph.name());
   readEnvironment(environment);
 }

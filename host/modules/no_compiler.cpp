@@ -23,6 +23,7 @@ std::string compileShader(const std::string&, const std::string&, ShaderStage, S
                           const CompileOptions&) {
   refuse();
 }
+std::string compilerVersions() { return "none"; }
 void markUsedParts(ShaderInterface&, const std::vector<std::uint32_t>&) { refuse(); }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -558,6 +558,19 @@ std::string translate(const Words& words, ShaderStage stage, ShaderTarget target
   return bytesOf(words);
 }
 
+std::string compilerVersions() {
+  const glslang::Version front = glslang::GetVersion();
+  unsigned major = 0;
+  unsigned minor = 0;
+  unsigned patch = 0;
+  spvc_get_version(&major, &minor, &patch);
+  std::ostringstream text;
+  text << "glslang " << front.major << '.' << front.minor << '.' << front.patch << front.flavor << ", "
+       << spvSoftwareVersionDetailsString() << ", SPIRV-Cross " << major << '.' << minor << '.' << patch
+       << ' ' << spvc_get_commit_revision_and_timestamp();
+  return text.str();
+}
+
 void markUsedParts(ShaderInterface& shader, const Words& words) {
   const CrossCompiler module(words, SPVC_BACKEND_NONE);
   const auto mark = [&](auto& things, spvc_resource_type resources, char kind, unsigned first) {

@@ -24,6 +24,9 @@ std::string translate(const std::vector<std::uint32_t>& spirv, ShaderStage stage
 std::string compileShader(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,
                           ShaderTarget target, const CompileOptions& options = {});
 
+/// "glslang 11.13.0, ..": what the texts and modules of compilers may differ with; "none" without compilers.
+std::string compilerVersions();
+
 /// Marks what the module, made from the shader of this interface, still has. Throws CompileError.
 void markUsedParts(ShaderInterface& shader, const std::vector<std::uint32_t>& spirv);
 

@@ -33,6 +33,8 @@ std::string kindOf(const Key& key) {
   case Holds::name: return "text, not empty";
   case Holds::text: return "text";
   case Holds::names: return "list of texts";
+  case Holds::words: return "list of " + wordsOf(key);
+  case Holds::numbers: return "list of numbers";
   case Holds::number: return "number";
   case Holds::level: return "number, or text that is one";
   case Holds::boolean: return "`true` or `false`";
@@ -42,6 +44,8 @@ std::string kindOf(const Key& key) {
   case Holds::object: return linkTo(*key.table);
   case Holds::objects: return "list, each " + linkTo(*key.table);
   case Holds::namedObjects: return "object, under each name " + linkTo(*key.table);
+  case Holds::namedValues:
+    return "object, under each name a value: `true` or `false`, number, or list of numbers";
   case Holds::namedTexts: return "object, under each name a text or " + linkTo(*key.table);
   }
   return std::string();
@@ -140,6 +144,7 @@ std::string referenceText(ReferenceTopic topic) {
   case ReferenceTopic::library: return documentText(fragmentKeys());
   case ReferenceTopic::graph: return documentText(graphKeys());
   case ReferenceTopic::environment: return documentText(environmentKeys());
+  case ReferenceTopic::manifest: return documentText(manifestKeys());
   case ReferenceTopic::types: return typesText();
   case ReferenceTopic::state: return stateText();
   }

@@ -37,11 +37,11 @@ allow collapse "$generator|text|profiles|fragments|collapse"
 
 # The host's rooms, and the headers of the generator that hold nothing but inline functions.
 rooms="sfg|tolmsdk|text/ascii.h|text/hash_index.h|fragments/profile_choice.h"
-for room in documents library job shader modules origins diagnostics lints drawing road check; do
+for room in documents library job shader modules origins diagnostics lints drawing road check build; do
   rooms="$rooms|host/$room"
   case "$room" in
     library | origins | diagnostics | lints | drawing | road) allow "host/$room" "$rooms" ;;
-    documents | job | shader | check) allow "host/$room" "$rooms|nlohmann" ;;
+    documents | job | shader | check | build) allow "host/$room" "$rooms|nlohmann" ;;
     modules) allow host/modules "$rooms|glslang|spirv-tools|spirv_cross_c.h" ;;
   esac
 done

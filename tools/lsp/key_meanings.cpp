@@ -63,8 +63,10 @@ const KeyMeanings& KeyMeanings::of(host::DocumentKind kind) {
   static const KeyMeanings library(host::DocumentKind::library);
   static const KeyMeanings graph(host::DocumentKind::graph);
   static const KeyMeanings environment(host::DocumentKind::environment);
+  static const KeyMeanings manifest(host::DocumentKind::manifest);
   switch (kind) {
   case host::DocumentKind::library: return library;
+  case host::DocumentKind::manifest: return manifest;
   case host::DocumentKind::graph: return graph;
   case host::DocumentKind::environment: return environment;
   }

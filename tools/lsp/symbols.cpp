@@ -126,6 +126,7 @@ Json documentSymbols(const View& view, bool isTree) {
     symbols = outline.ofObjects(root, {"lights", kEvent, "fragment"}, "light");
     break;
   case host::DocumentKind::library: symbols = outline.ofFragments(); break;
+  case host::DocumentKind::manifest: break;
   }
   if (isTree) return symbols;
   Json list = Json::array();

@@ -47,6 +47,15 @@ struct NodeInput {
   std::variant<NodeOutput, GraphInput, Value, Constant> source;
 };
 
+/// A value in place of what a graph gives an input of a node, a wire too; written into the code.
+struct NodeConstant {
+  std::string node;
+  std::string input;
+  Value value;
+
+  bool operator==(const NodeConstant&) const = default;
+};
+
 /// Ports of a node in place of those of its fragment's function; an inline fragment needs them.
 struct NodeInterface {
   std::vector<Parameter> inputs;

@@ -32,6 +32,11 @@ struct CollapseOptions {
   /// Empty names are the tool's own. The light loop takes neither. A function's name can stand in code.
   std::string functionName;
   std::string profileName;
+  /// A node or input that is not there, and a value that does not fit, are InputErrors of the job. Only for
+  /// documents: a host's own graph gives its constants itself.
+  std::vector<NodeConstant> constants;
+
+  bool operator==(const CollapseOptions&) const = default;
 };
 
 /// One collapse over a set, which it keeps. Reads its documents when it is made and nothing later, so that

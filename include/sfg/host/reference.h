@@ -8,7 +8,7 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-enum class ReferenceTopic { library, graph, environment, types, state };
+enum class ReferenceTopic { library, graph, environment, types, state, manifest };
 
 /// Markdown, UTF-8: of a document a table of keys for each kind of object, made of the tables that the
 /// readers use; all types; all state variables.

@@ -8,7 +8,7 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-enum class DocumentKind { library, graph, environment };
+enum class DocumentKind { library, graph, environment, manifest };
 
 /// The JSON Schema (draft 2020-12, UTF-8) of a kind of document, made of the tables that the readers use: it
 /// refuses keys that no reader knows, and values of another kind than they take. Keys that begin with "//"
