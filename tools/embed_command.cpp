@@ -96,8 +96,8 @@ private:
                              "cannot-read");
     }
     reflection.erase("files");
-    return writeEmbeddedHeader(
-        scope_, {file, readShader(task.output), reflection["hash"].get<std::string>(), reflection.dump(2) + "\n"});
+    return writeEmbeddedHeader(scope_, {file, readShader(task.output), reflection["hash"].get<std::string>(),
+                                        reflection.dump(2) + "\n"});
   }
 
   BuildCommandOptions options_;

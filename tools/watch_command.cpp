@@ -12,6 +12,7 @@
 #include "sfg/host/build.h"
 #include "tools/build_options.h"
 #include "tools/command.h"
+#include "tools/watch/build_inputs.h"
 #include "tools/watch/troubles.h"
 #include "tools/watch/watcher.h"
 
@@ -44,23 +45,6 @@ extern "C" void endWatch(int) { isEnded = true; }
 constexpr const char* kPlan = "the list of shaders";
 constexpr const char* kLibraries = "the libraries";
 constexpr const char* kBuild = "the build";
-
-/// What decides about the shaders of a plan.
-WatchedPaths pathsOf(const host::BuildPlan& plan) {
-  WatchedPaths paths;
-  paths.files.insert(plan.files.begin(), plan.files.end());
-  for (const host::BuildTask& task : plan.tasks) {
-    paths.files.insert(task.graph);
-    if (!task.environment.empty()) paths.files.insert(task.environment);
-  }
-  for (const std::string& folder : plan.searched) {
-    paths.folders.insert(folder);
-    if (folder != plan.outputFolder) paths.kinds.emplace(folder, ".json");
-  }
-  for (const auto& folder : plan.folders.libraries) paths.kinds.emplace(folder.string(), ".fraglib");
-  for (const auto& folder : plan.folders.includes) paths.kinds.emplace(folder.string(), ".h");
-  return paths;
-}
 
 /// "brick.json", or "brick.json and 3 more".
 std::string namesOf(const std::vector<std::string>& paths) {
@@ -163,7 +147,7 @@ private:
       try {
         plan = readPlan();
         now[kPlan] = plan->problems;
-        paths = pathsOf(*plan);
+        paths = buildInputs(*plan);
       } catch (const host::InputError& error) {
         now[kPlan] = diagnosticsOf(error);
       }
