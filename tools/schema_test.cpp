@@ -27,7 +27,7 @@ protected:
     if (std::system("/usr/bin/python3 -c 'import jsonschema' >/dev/null 2>&1") != 0)
       GTEST_SKIP() << "the package python3-jsonschema is not installed";
     write("validate.py", kValidate);
-    for (const char* kind : {"library", "graph", "environment"}) {
+    for (const char* kind : {"library", "graph", "environment", "manifest"}) {
       const CommandRun made = run(std::string("schema ") + kind + " -o " + kind + ".json");
       ASSERT_EQ(made.status, 0) << made.err;
     }
@@ -96,6 +96,20 @@ TEST_F(SchemaTest, RefusesMistypedKeysOfEnvironments) {
   EXPECT_EQ(answer("environment", R"({ "lights": [ { "fragment": "f" } ], "output": "o" })"), "accepted\n");
   EXPECT_EQ(answer("environment", R"({ "ligths": [] })"), "refused\n");
   EXPECT_EQ(answer("environment", R"({ "lights": [ { "fragmnet": "f" } ] })"), "refused\n");
+}
+
+TEST_F(SchemaTest, RefusesMistypedKeysAndWordsOfManifests) {
+  const auto shaders = [](const std::string& members) {
+    return R"({ "libraries": ["l"], "shaders": [ { "graphs": ["g"])" + members + " } ] }";
+  };
+  EXPECT_EQ(answer("manifest", shaders(R"(, "targets": ["spirv", "glsl330"], "surfaceLods": [1, 2.5],
+    "constants": [ { "name": "c", "values": { "a.b": [1, 2] } } ])")),
+            "accepted\n");
+  EXPECT_EQ(answer("manifest", shaders(R"(, "target": ["spirv"])")), "refused\n");
+  EXPECT_EQ(answer("manifest", shaders(R"(, "targets": ["spriv"])")), "refused\n");
+  EXPECT_EQ(answer("manifest", shaders(R"(, "surfaceLods": ["high"])")), "refused\n");
+  EXPECT_EQ(answer("manifest", shaders(R"(, "constants": [ { "values": {} } ])")), "refused\n");
+  EXPECT_EQ(answer("manifest", R"({ "libraries": ["l"] })"), "refused\n");
 }
 
 TEST_F(SchemaTest, RefusesMistypedKeysOfLibraries) {

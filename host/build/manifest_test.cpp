@@ -48,45 +48,51 @@ TEST_F(Manifest, NamesTellVariantsApart) {
 
 TEST_F(Manifest, FaultsAreToldAtTheirPlace) {
   EXPECT_EQ(refused(R"("graphs": ["nothing/*.json"])"),
-            "build.json:1:68: the folder `nothing` cannot be read: No such file or directory "
+            "build.json:1:65: the folder `nothing` cannot be read: No such file or directory "
             "[unreadable-file]");
   EXPECT_EQ(refused(R"("graphs": ["graphs/x*"])"),
-            "build.json:1:68: no graph matches `graphs/x*` [unreadable-file]");
+            "build.json:1:65: no graph matches `graphs/x*` [unreadable-file]");
   EXPECT_EQ(refused(R"("graphs": ["graphs/x.json"])"),
-            "build.json:1:68: `graphs/x.json` does not exist [unreadable-file]");
+            "build.json:1:65: `graphs/x.json` does not exist [unreadable-file]");
   EXPECT_EQ(refused(R"("graphs": ["graphs"], "environments": ["sum.json"])"),
-            "build.json:1:96: `sum.json` does not exist [unreadable-file]");
+            "build.json:1:93: `sum.json` does not exist [unreadable-file]");
   EXPECT_EQ(refused(R"("graphs": ["graphs"], "stages": ["compute"], "targets": ["essl300"])").substr(0, 33),
-            "build.json:1:113: GLSL ES 3.00 ha");
+            "build.json:1:110: GLSL ES 3.00 ha");
   EXPECT_EQ(refused(R"("graphs": ["graphs"], "constants": [{"name": "x", "values": {"a": 1}}])"),
-            "build.json:1:118: `a` names no input of a node; expected `node.input` [bad-name]");
-  EXPECT_EQ(refused(R"("grahps": ["graphs"])"),
-            "build.json:1:57: unknown key `grahps` of a set of shaders; did you mean `graphs`? [unknown-key]");
+            "build.json:1:115: `a` names no input of a node; expected `node.input` [bad-name]");
+  EXPECT_EQ(
+      refused(R"("grahps": ["graphs"])"),
+      "build.json:1:54: unknown key `grahps` of a set of shaders; did you mean `graphs`? [unknown-key]");
   EXPECT_EQ(refusedManifest(R"({"shaders": [],})").substr(0, 16), "build.json:1:16:");
-  EXPECT_EQ(refusedManifest(R"({"libraries": ["lib"]})"), "build.json:1:1: `shaders` is missing [missing-key]");
+  EXPECT_EQ(refusedManifest(R"({"libraries": ["lib"]})"),
+            "build.json:1:1: `shaders` is missing [missing-key]");
   EXPECT_EQ(refusedManifest(R"({"shaders": []})"), "build.json:1:13: no shaders are asked for [wrong-value]");
   EXPECT_EQ(refusedManifest(R"({"libraries": ["lob"], "shaders": []})"),
             "build.json:1:16: there is no folder `lob` [unknown-folder]");
 }
 
 TEST_F(Manifest, MistypedWordsAreToldWithWhatWasMeant) {
-  EXPECT_EQ(refused(R"("graphs": ["graphs"], "targets": ["spriv"])"),
-            "build.json:1:91: `spriv` is not known here; did you mean `spirv`? [unknown-word]");
-  EXPECT_EQ(refused(R"("graphs": ["graphs"], "name": "{grpah}.spv")"),
-            "build.json:1:87: `grpah` stands for nothing in a name; did you mean `graph`? [unknown-word]");
+  EXPECT_EQ(
+      refused(R"("graphs": ["graphs"], "targets": ["spriv"])"),
+      "build.json:1:88: `spriv` is not known here; did you mean `spirv`? Known are `assembled`, `spirv`, "
+      "`hlsl`, `hlsl60`, `glsl`, `glsl330`, `essl`, `essl300`, `msl` [unknown-word]");
+  EXPECT_EQ(
+      refused(R"("graphs": ["graphs"], "name": "{grpah}.spv")"),
+      "build.json:1:84: `grpah` stands for nothing in a name; did you mean `graph`? Known are `graph`, "
+      "`environment`, `constants`, `surfaceLod`, `lightLod`, `stage`, `target`, `extension` [unknown-word]");
 }
 
 TEST_F(Manifest, TwoShadersOfOneOutputAreRefused) {
   EXPECT_EQ(refused(R"("graphs": ["graphs/a.json", "graphs"])"),
-            "build.json:1:56: two shaders of `graphs/a.json` have the output `out/a.spv`; `name` tells them "
+            "build.json:1:53: two shaders of `graphs/a.json` have the output `out/a.spv`; `name` tells them "
             "apart [repeated-name]");
   EXPECT_EQ(refused(R"("graphs": ["graphs"], "name": "x")"),
-            "build.json:1:87: a shader of `graphs/a.json` and one of `graphs/deep/b.json` have the output "
+            "build.json:1:84: a shader of `graphs/a.json` and one of `graphs/deep/b.json` have the output "
             "`out/x`; `name` tells them apart [repeated-name]");
   EXPECT_EQ(refused(R"("graphs": ["graphs"], "name": "../{graph}")"),
-            "build.json:1:87: the output name `../a` leads out of the output folder [bad-name]");
+            "build.json:1:84: the output name `../a` leads out of the output folder [bad-name]");
   EXPECT_EQ(refused(R"("graphs": ["graphs"], "name": ".sfg-build/{graph}")"),
-            "build.json:1:87: the output name `.sfg-build/a` lies in a folder that builds keep for "
+            "build.json:1:84: the output name `.sfg-build/a` lies in a folder that builds keep for "
             "themselves [bad-name]");
 }
 
