@@ -21,14 +21,16 @@ install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 # platform and host are their own business: they are linked privately, so a user of the package needs none of their
 # headers.
 set(library_folder "${CMAKE_INSTALL_DATADIR}/sfg/library")
+set(command_file "${CMAKE_INSTALL_BINDIR}/sfg${CMAKE_EXECUTABLE_SUFFIX}")
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/sfg")
 install(EXPORT sfg NAMESPACE sfg:: FILE sfgTargets.cmake DESTINATION "${package_folder}")
 install(EXPORT sfgHost NAMESPACE sfg:: FILE sfgHostTargets.cmake DESTINATION "${package_folder}")
 configure_package_config_file(cmake/sfgConfig.cmake.in "${PROJECT_BINARY_DIR}/package/sfgConfig.cmake"
-  INSTALL_DESTINATION "${package_folder}" PATH_VARS library_folder)
+  INSTALL_DESTINATION "${package_folder}" PATH_VARS library_folder command_file)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/sfgConfigVersion.cmake"
   COMPATIBILITY SameMinorVersion)
 install(FILES
+  "${PROJECT_SOURCE_DIR}/cmake/SfgShaders.cmake"
   "${PROJECT_BINARY_DIR}/package/sfgConfig.cmake"
   "${PROJECT_BINARY_DIR}/package/sfgConfigVersion.cmake"
   DESTINATION "${package_folder}")

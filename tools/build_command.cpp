@@ -14,6 +14,9 @@
 #include "sfg/host/check.h"
 #include "tools/build_options.h"
 #include "tools/command.h"
+#include "tools/depfile.h"
+#include "tools/output_file.h"
+#include "tools/watch/build_inputs.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -133,11 +136,22 @@ public:
     declareChoice<bool>(app(), "--format", {{"text", false}, {"json", true}}, isJson_,
                         "`text`: progress on the standard error stream, then a report; `json`: a line for "
                         "each shader when it is done, and one for the report");
+    CLI::Option* const depfile =
+        app()
+            .add_option("--MF", depfile_,
+                        "also write a dependency file for Make or Ninja (also spelled `-MF`): all that the "
+                        "shaders follow from, folders included")
+            ->type_name("FILE");
+    app()
+        .add_option("--MT", target_, "the file in it that depends on them (also spelled `-MT`)")
+        ->type_name("FILE")
+        ->needs(depfile);
     app().footer(kNotes);
   }
 
   int run(Diagnostics& diagnostics) override {
     const host::BuildPlan plan = makePlan(options_, diagnostics);
+    if (!depfile_.empty()) writeDependencies(plan);
     host::BuildOptions options = options_.buildOptions();
     std::signal(SIGINT, interrupt);
     options.stop = &isInterrupted;
@@ -165,6 +179,13 @@ public:
   }
 
 private:
+  /// In front of the build, so that one that fails is tried again when something has changed.
+  void writeDependencies(const host::BuildPlan& plan) const {
+    std::vector<std::string> files;
+    for (const auto& [file, unused] : look(buildInputs(plan))) files.push_back(file);
+    writeOutput(depfile_, writeDepfile(target_.empty() ? plan.outputFolder : target_, files));
+  }
+
   /// Whoever started this shall see that it was interrupted.
   static void endAsInterrupted() {
     std::signal(SIGINT, SIG_DFL);
@@ -173,6 +194,8 @@ private:
 
   BuildCommandOptions options_;
   bool isJson_ = false;
+  std::string depfile_;
+  std::string target_;
 };
 
 }  // namespace

@@ -62,9 +62,9 @@ std::string givenWord(const host::ManifestWords& words) {
 
 host::Document documentOf(const BuildCommandOptions& options) {
   std::error_code error;
-  const bool isManifest = !fs::is_directory(options.manifest, error) &&
-                          host::documentKindOf(host::Document::fromFile(options.manifest)) !=
-                              host::DocumentKind::graph;
+  const bool isManifest =
+      !fs::is_directory(options.manifest, error) &&
+      host::documentKindOf(host::Document::fromFile(options.manifest)) != host::DocumentKind::graph;
   if (isManifest) {
     if (const std::string given = givenWord(options.words); !given.empty()) {
       throw host::InputError("`" + given + "` is for graphs and folders; a manifest says it itself");
@@ -114,8 +114,7 @@ void declareBuildOptions(CLI::App& app, BuildCommandOptions& options) {
          "--shard", [&options](const std::string& text) { options.shard = shardOf(text); },
          "build the I-th of N parts; all parts together are the whole")
       ->type_name("I/N");
-  app.add_option("--cache", options.cacheFolder,
-                 "folder of the cache, which machines may share")
+  app.add_option("--cache", options.cacheFolder, "folder of the cache, which machines may share")
       ->type_name("DIR")
       ->default_str("$XDG_CACHE_HOME/sfg, or ~/.cache/sfg");
   app.add_option_function<std::string>(

@@ -33,7 +33,9 @@ protected:
 
   /// The first line of the report, without the time.
   static std::string countsOf(const CommandRun& run) { return run.out.substr(0, run.out.find(';')); }
-  CommandRun build(const std::string& options = "--no-cache") const { return run("build build.json " + options); }
+  CommandRun build(const std::string& options = "--no-cache") const {
+    return run("build build.json " + options);
+  }
   int shell(const std::string& command) const {
     return std::system(("cd '" + path(".") + "' && " + command + " >.out 2>.err </dev/null").c_str());
   }
@@ -77,7 +79,8 @@ TEST_F(BuildTest, FailureIsStatusOneAndTheRestIsThere) {
 }
 
 TEST_F(BuildTest, FaultsOfTheManifestAreStatusTwo) {
-  write("build.json", "{\"libraries\": [\"lib\"],\n  \"shaders\": [{\"graphs\": [\"graphs\"], \"targets\": [\"x\"]}]}");
+  write("build.json",
+        "{\"libraries\": [\"lib\"],\n  \"shaders\": [{\"graphs\": [\"graphs\"], \"targets\": [\"x\"]}]}");
   const CommandRun run = build();
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err.substr(0, 42), "build.json:2:48: error: `x` is not known h");

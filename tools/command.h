@@ -44,6 +44,8 @@ std::unique_ptr<Command> makeSchemaCommand(CLI::App& parent);
 std::unique_ptr<Command> makeListCommand(CLI::App& parent);
 std::unique_ptr<Command> makeDumpCommand(CLI::App& parent);
 std::unique_ptr<Command> makeLspCommand(CLI::App& parent);
+std::unique_ptr<Command> makeWatchCommand(CLI::App& parent);
+std::unique_ptr<Command> makeEmbedCommand(CLI::App& parent);
 std::unique_ptr<Command> makeNewCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCompletionCommand(CLI::App& parent);
 std::unique_ptr<Command> makeManualCommand(CLI::App& parent);

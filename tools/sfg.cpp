@@ -32,7 +32,7 @@ std::string asDiagnostic(std::string text) {
 std::vector<std::string> spelledForParser(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   for (std::string& argument : arguments) {
-    if (argument == "-MD" || argument == "-MF") argument.insert(0, "-");
+    if (argument == "-MD" || argument == "-MF" || argument == "-MT") argument.insert(0, "-");
   }
   return arguments;
 }

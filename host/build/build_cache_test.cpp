@@ -55,9 +55,10 @@ TEST_F(Cache, CacheOfAnotherVersionIsLeftAlone) {
   BuildCache cache(path("cache"));
   cache.keep(kKey, "bytes");
   EXPECT_EQ(cache.find(kKey), std::nullopt);
-  EXPECT_EQ(problemsOf(cache),
-            "cache: the cache is one of another version of sfg, and is left alone: nothing is reused or kept; "
-            "another folder can be named with `--cache` [cache-trouble]\n");
+  EXPECT_EQ(
+      problemsOf(cache),
+      "cache: the cache is one of another version of sfg, and is left alone: nothing is reused or kept; "
+      "another folder can be named with `--cache` [cache-trouble]\n");
   EXPECT_EQ(read(entry()), "theirs");
 }
 

@@ -95,7 +95,8 @@ TEST_F(Build, ConstantsMakeShadersOfTheirOwn) {
 TEST_F(Build, ConstantsThatDoNotFitAreToldWithTheGraph) {
   const auto told = [&](const std::string& values) {
     build(plan(R"("graphs": ["graphs/one.json"], "targets": ["assembled"],
-      "constants": [{"name": "x", "values": {)" + values + "}}]"));
+      "constants": [{"name": "x", "values": {)" +
+               values + "}}]"));
     return this->told();
   };
   EXPECT_EQ(told(R"("b.amount": 1)"),
@@ -114,7 +115,8 @@ TEST_F(Build, FailureLeavesTheOthersAlone) {
   write("graphs/broken.json", R"({"nodes": [)");
   const BuildPlan plan = assembledPlan();
   EXPECT_EQ(build(plan), "3 built, 0 reused, 0 unchanged, 2 failed");
-  EXPECT_NE(told().find("node `a` uses the fragment `nothing`, which no library has"), std::string::npos) << told();
+  EXPECT_NE(told().find("node `a` uses the fragment `nothing`, which no library has"), std::string::npos)
+      << told();
   EXPECT_NE(told().find("graphs/broken.json:1:12"), std::string::npos) << told();
   EXPECT_EQ(contents("out").size(), 3u);
   EXPECT_EQ(build(plan), "0 built, 0 reused, 3 unchanged, 2 failed");

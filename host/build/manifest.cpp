@@ -113,8 +113,7 @@ private:
     const std::vector<fs::path> libraries = folders(L"libraries");
     const bool hasIncludes = reader_.root().member(L"includes") != nullptr;
     append(plan_.folders.libraries, libraries, options_.folders.libraries);
-    append(plan_.folders.includes, hasIncludes ? folders(L"includes") : libraries,
-           options_.folders.includes);
+    append(plan_.folders.includes, hasIncludes ? folders(L"includes") : libraries, options_.folders.includes);
   }
 
   std::vector<fs::path> folders(std::wstring_view key) const {

@@ -60,22 +60,26 @@ TEST_F(Manifest, FaultsAreToldAtTheirPlace) {
             "build.json:1:110: GLSL ES 3.00 ha");
   EXPECT_EQ(refused(R"("graphs": ["graphs"], "constants": [{"name": "x", "values": {"a": 1}}])"),
             "build.json:1:115: `a` names no input of a node; expected `node.input` [bad-name]");
-  EXPECT_EQ(refused(R"("grahps": ["graphs"])"),
-            "build.json:1:54: unknown key `grahps` of a set of shaders; did you mean `graphs`? [unknown-key]");
+  EXPECT_EQ(
+      refused(R"("grahps": ["graphs"])"),
+      "build.json:1:54: unknown key `grahps` of a set of shaders; did you mean `graphs`? [unknown-key]");
   EXPECT_EQ(refusedManifest(R"({"shaders": [],})").substr(0, 16), "build.json:1:16:");
-  EXPECT_EQ(refusedManifest(R"({"libraries": ["lib"]})"), "build.json:1:1: `shaders` is missing [missing-key]");
+  EXPECT_EQ(refusedManifest(R"({"libraries": ["lib"]})"),
+            "build.json:1:1: `shaders` is missing [missing-key]");
   EXPECT_EQ(refusedManifest(R"({"shaders": []})"), "build.json:1:13: no shaders are asked for [wrong-value]");
   EXPECT_EQ(refusedManifest(R"({"libraries": ["lob"], "shaders": []})"),
             "build.json:1:16: there is no folder `lob` [unknown-folder]");
 }
 
 TEST_F(Manifest, MistypedWordsAreToldWithWhatWasMeant) {
-  EXPECT_EQ(refused(R"("graphs": ["graphs"], "targets": ["spriv"])"),
-            "build.json:1:88: `spriv` is not known here; did you mean `spirv`? Known are `assembled`, `spirv`, "
-            "`hlsl`, `hlsl60`, `glsl`, `glsl330`, `essl`, `essl300`, `msl` [unknown-word]");
-  EXPECT_EQ(refused(R"("graphs": ["graphs"], "name": "{grpah}.spv")"),
-            "build.json:1:84: `grpah` stands for nothing in a name; did you mean `graph`? Known are `graph`, "
-            "`environment`, `constants`, `surfaceLod`, `lightLod`, `stage`, `target`, `extension` [unknown-word]");
+  EXPECT_EQ(
+      refused(R"("graphs": ["graphs"], "targets": ["spriv"])"),
+      "build.json:1:88: `spriv` is not known here; did you mean `spirv`? Known are `assembled`, `spirv`, "
+      "`hlsl`, `hlsl60`, `glsl`, `glsl330`, `essl`, `essl300`, `msl` [unknown-word]");
+  EXPECT_EQ(
+      refused(R"("graphs": ["graphs"], "name": "{grpah}.spv")"),
+      "build.json:1:84: `grpah` stands for nothing in a name; did you mean `graph`? Known are `graph`, "
+      "`environment`, `constants`, `surfaceLod`, `lightLod`, `stage`, `target`, `extension` [unknown-word]");
 }
 
 TEST_F(Manifest, TwoShadersOfOneOutputAreRefused) {

@@ -131,6 +131,15 @@ case "$test" in
       expect_picture "$work/draw_triangles"
     fi
     ;;
+  AddsShaders)
+    target=assembled extension=hlsl
+    if [ "$COMPILERS" = ON ]; then target=spirv extension=spv; fi
+    for generator in Ninja 'Unix Makefiles'; do
+      mkdir "$work/${generator% *}"
+      "$sources/tests/package/shaders/count_rebuilds.sh" "$work/${generator% *}" "$prefix" "$generator" $target $extension
+      target=assembled extension=hlsl
+    done
+    ;;
   SurvivesAMove)
     cp -a "$prefix" "$work/elsewhere"
     by_pkg_config "$work/elsewhere"

@@ -36,6 +36,7 @@ Check makeCheck(const OpenDocument& document, Workspace& workspace) {
     return [checker, text = std::move(text)] { return checker->checkGraph(text).diagnostics; };
   case DocumentKind::environment:
     return [checker, text = std::move(text)] { return checker->checkEnvironment(text).diagnostics; };
+  case DocumentKind::manifest: break;
   }
   return {};
 }
