@@ -103,8 +103,7 @@ bool givesType(const Definition& definition, std::string_view type) {
 std::size_t agreement(const Definition& definition, const Element& node) {
   std::size_t count = 0;
   for (const Element* const child : node.children) {
-    const DefinedPort* const port =
-        child->category == "input" ? definition.input(child->name) : nullptr;
+    const DefinedPort* const port = child->category == "input" ? definition.input(child->name) : nullptr;
     count += port != nullptr && port->type == child->attribute("type") ? 1 : 0;
   }
   return count;
@@ -220,8 +219,8 @@ void Definitions::connectGraphs(const Element& root) {
 }
 
 bool Definitions::isNode(const Element& element) {
-  constexpr std::string_view kOthers[] = {"nodedef", "implementation", "look", "typedef", "unitdef",
-                                          "unittypedef", "geompropdef", "output", "token", "collection"};
+  constexpr std::string_view kOthers[] = {"nodedef",     "implementation", "look",   "typedef", "unitdef",
+                                          "unittypedef", "geompropdef",    "output", "token",   "collection"};
   return std::find(std::begin(kOthers), std::end(kOthers), element.category) == std::end(kOthers);
 }
 

@@ -37,8 +37,8 @@ struct Definition {
   bool isDefault = true;
   std::vector<DefinedPort> inputs;
   std::vector<DefinedPort> outputs;
-  std::string fragment;             ///< of a standard definition
-  const Element* graph = nullptr;   ///< that implements a document's own one
+  std::string fragment;            ///< of a standard definition
+  const Element* graph = nullptr;  ///< that implements a document's own one
   const Element* element = nullptr;
 
   const DefinedPort* input(std::string_view portName) const;

@@ -65,6 +65,7 @@ struct BuiltNode {
   const Scope* scope = nullptr;
   std::vector<BuiltInput> inputs;
   std::string colorSpace;  ///< of its colours, when it is not the working one
+  bool isTwin = false;     ///< another fragment for what a node already is
 };
 
 const FragmentPorts::Port* findPort(const std::vector<FragmentPorts::Port>& ports, const std::string& name) {
@@ -181,8 +182,8 @@ private:
       tellOnce(place, "`" + graph.name + "` has no output", "unknown-port");
     } else if (!name.empty() && (names.size() > 1 || name != "out")) {
       if (told_.insert(&place).second) {
-        reports_.error(place, "`" + graph.name + "` has no output `" + std::string(name) + "`", "unknown-port",
-                       host::suggest(name, names));
+        reports_.error(place, "`" + graph.name + "` has no output `" + std::string(name) + "`",
+                       "unknown-port", host::suggest(name, names));
       }
       return nullptr;
     }
@@ -241,9 +242,12 @@ private:
     const Element* target = findNamed(*scope->container, *at, name);
     if (target == nullptr && scope->container != &root_) {
       target = findNamed(root_, *at, name);
-      const bool isGraph = target != nullptr && (target->category == "nodegraph" || target->category == "output");
-      if (isGraph) scope = &rootScope_;
-      else target = nullptr;
+      const bool isGraph =
+          target != nullptr && (target->category == "nodegraph" || target->category == "output");
+      if (isGraph)
+        scope = &rootScope_;
+      else
+        target = nullptr;
     }
     if (target == nullptr) {
       tellUnknown(*at, name, *scope->container);
@@ -355,8 +359,7 @@ private:
   /// A node that no fragment computes is what its definition names in its place.
   bool passThrough(const Element*& at, const Element& node, const Definition& definition,
                    const DefinedPort& port, Source& reached) {
-    const Element* const passed =
-        port.passedInput.empty() ? nullptr : node.child("input", port.passedInput);
+    const Element* const passed = port.passedInput.empty() ? nullptr : node.child("input", port.passedInput);
     const bool isPlain = node.category == "dot";
     if (!isPlain) {
       warnOnce(node, "nothing computes the node `" + node.category + "` for `" + port.type + "`",
@@ -525,9 +528,13 @@ private:
     for (const DefinedPort& port : definition->inputs) {
       const auto child = given.find(port.name);
       const Element* const at = child == given.end() ? nullptr : child->second;
+      if (isClosure(port.type)) {
+        connectClosure(index, port, at);
+        continue;
+      }
       const FragmentPorts::Port* const fragmentPort = findPort(ports.inputs, port.name);
       if (fragmentPort == nullptr) {
-        if (at != nullptr && at->attribute("value") != port.value) {
+        if (at != nullptr && !nodes_[index].isTwin && at->attribute("value") != port.value) {
           warnOnce(*at, "`" + port.name + "` of `" + element.category + "` is left out", "cannot-import");
         }
         continue;
@@ -539,6 +546,107 @@ private:
       }
       connect(index, *fragmentPort, port, std::move(source), at == nullptr ? element : *at);
     }
+  }
+
+  // --- closures
+
+  /// The node once more, as another fragment that says more of it; kNone without one.
+  std::size_t twinOf(std::size_t index, const std::string& suffix) {
+    const std::string fragment = nodes_[index].fragment + suffix;
+    const FragmentPorts* const ports = options_.fragments(fragment);
+    if (ports == nullptr || ports->outputs.empty() || nodes_[index].definition == nullptr) return kNone;
+    const auto [entry, isNew] = twins_.try_emplace({index, suffix}, kNone);
+    if (!isNew) return entry->second;
+    const std::size_t twin =
+        addNode(nodes_[index].name + "." + suffix.substr(1), fragment, *nodes_[index].element);
+    nodes_[twin].definition = nodes_[index].definition;
+    nodes_[twin].scope = nodes_[index].scope;
+    nodes_[twin].isTwin = true;
+    return entry->second = twin;
+  }
+
+  static Source outputOfNode(std::size_t node, std::string output, std::string type) {
+    Source source;
+    source.kind = Source::Kind::node;
+    source.type = std::move(type);
+    source.node = node;
+    source.output = std::move(output);
+    return source;
+  }
+
+  struct Surface {
+    Source color;
+    Source alpha;
+  };
+
+  /// Colour and coverage of a surface: a shading model's emission comes from a fragment of its own.
+  Surface surfaceOf(const Source& source, const Element& place) {
+    const std::size_t emission = twinOf(source.node, "_emission");
+    const std::size_t teller = emission == kNone ? source.node : emission;
+    Surface surface;
+    surface.color = outputOfNode(source.node, source.output, "color3");
+    if (const FragmentPorts::Port* const alpha = findPort(nodes_[teller].ports->outputs, "out_alpha")) {
+      surface.alpha = outputOfNode(teller, alpha->name, "float");
+    }
+    const FragmentPorts* const sum = options_.fragments("mtlx_add_color3");
+    if (emission == kNone || sum == nullptr || sum->inputs.size() < 2 || sum->outputs.empty()) return surface;
+    const auto [entry, isNew] = sums_.try_emplace(source.node, kNone);
+    if (isNew) {
+      entry->second = addNode(nodes_[source.node].name + ".sum", "mtlx_add_color3", place);
+      std::vector<BuiltInput>& inputs = nodes_[entry->second].inputs;
+      inputs.push_back({sum->inputs[0].name, surface.color, &place});
+      inputs.push_back({sum->inputs[1].name,
+                        outputOfNode(emission, nodes_[emission].ports->outputs.front().name, "color3"),
+                        &place});
+    }
+    surface.color = outputOfNode(entry->second, sum->outputs.front().name, "color3");
+    return surface;
+  }
+
+  /// What a layer or mixture takes of a closure or surface: its light, and beside it what it lets through or
+  /// covers. An unwired one is nothing.
+  void connectClosure(std::size_t index, const DefinedPort& port, const Element* at) {
+    const Source source = at == nullptr ? Source() : follow(nodes_[index].scope, at);
+    if (source.kind != Source::Kind::node) return leaveDark(index, port);
+    if (source.type != port.type) {
+      tellOnce(*at, "`" + port.name + "` takes `" + port.type + "`, not `" + source.type + "`", "wire-type");
+      return leaveDark(index, port);
+    }
+    const bool isSurface = port.type == "surfaceshader";
+    const Surface surface = isSurface ? surfaceOf(source, *at) : Surface{source, {}};
+    const FragmentPorts& ports = *nodes_[index].ports;
+    if (const FragmentPorts::Port* const light = findPort(ports.inputs, port.name)) {
+      nodes_[index].inputs.push_back({light->name, surface.color, at});
+    }
+    const FragmentPorts::Port* const beside =
+        findPort(ports.inputs, port.name + (isSurface ? "_alpha" : "_throughput"));
+    if (beside == nullptr) return;
+    Source more = surface.alpha;
+    if (!isSurface) {
+      const std::size_t twin = twinOf(source.node, "_throughput");
+      if (twin != kNone) more = outputOfNode(twin, nodes_[twin].ports->outputs.front().name, "color3");
+    }
+    if (more.kind == Source::Kind::nothing) return leaveUnwired(index, *beside, 1.0);
+    nodes_[index].inputs.push_back({beside->name, more, at});
+  }
+
+  void leaveDark(std::size_t index, const DefinedPort& port) {
+    const FragmentPorts& ports = *nodes_[index].ports;
+    if (const auto* const light = findPort(ports.inputs, port.name)) leaveUnwired(index, *light, 0.0);
+    if (const auto* const beside = findPort(ports.inputs, port.name + "_throughput")) {
+      leaveUnwired(index, *beside, 1.0);
+    }
+    if (const auto* const beside = findPort(ports.inputs, port.name + "_alpha")) {
+      leaveUnwired(index, *beside, 0.0);
+    }
+  }
+
+  void leaveUnwired(std::size_t index, const FragmentPorts::Port& port, double number) {
+    const std::string_view type = typeOfShader(port.type);
+    if (type.empty()) return;
+    const std::vector<double> numbers(componentCount(type), number);
+    nodes_[index].inputs.push_back(
+        {port.name, valueSource(type, valueOf(type, numbers)), nodes_[index].element});
   }
 
   void checkInputs(const Element& element, const std::map<std::string_view, const Element*>& given,
@@ -578,6 +686,11 @@ private:
       source = port.geomprop.empty() || port.element != nullptr ? defaultOf(port) : Source();
     }
     if (source.kind == Source::Kind::text) source = parsed(source, port, index, fragmentPort.name);
+    const bool readsGeometry = !port.geomprop.empty() && port.element == nullptr;
+    if (readsGeometry && source.kind == Source::Kind::value) {  // only a wire replaces what it reads
+      source = throughNode(std::move(source), "mtlx_constant_" + port.type,
+                           nodes_[index].name + "." + fragmentPort.name + ".value", place);
+    }
     if (source.kind == Source::Kind::nothing) {
       const std::string_view type = typeOfShader(fragmentPort.type);
       if (type.empty()) return;
@@ -587,8 +700,8 @@ private:
   }
 
   static std::string_view typeOfShader(std::string_view type) {
-    for (const std::string_view known : {"float", "integer", "boolean", "vector2", "vector3", "vector4",
-                                         "matrix33", "matrix44"}) {
+    for (const std::string_view known :
+         {"float", "integer", "boolean", "vector2", "vector3", "vector4", "matrix33", "matrix44"}) {
       if (shaderType(known) == type) return known;
     }
     return {};
@@ -673,7 +786,8 @@ private:
       if (node.ends_with(behind)) known.push_back(node.substr(0, node.size() - behind.size()));
     }
     if (told_.insert(&place).second) {
-      reports_.warning(place, "`" + space + "` is no colour space", "unknown-word", host::suggest(space, known));
+      reports_.warning(place, "`" + space + "` is no colour space", "unknown-word",
+                       host::suggest(space, known));
     }
     return {};
   }
@@ -854,8 +968,7 @@ private:
         source = inWorkingSpace(valueSource(source.type, *value), source.place->scope->colorSpace,
                                 *source.place, nodes_[index].name + "." + port);
       }
-      const std::string name =
-          nodes_[index].name + "." + port + "." + std::to_string(channels.rend() - step);
+      const std::string name = nodes_[index].name + "." + port + "." + std::to_string(channels.rend() - step);
       source = swizzled(source, *step, name, place);
     }
     return source;
@@ -935,7 +1048,7 @@ private:
     if (source.kind == Source::Kind::nothing) {
       return warnOnce(element, "`" + wanted.name + "` is left out: nothing feeds it", "cannot-import");
     }
-    if (isClosure(source.type)) return bringSurface(source);
+    if (isClosure(source.type) && source.kind == Source::Kind::node) return bringSurface(source, element);
     source = asNode(std::move(source), type, wanted.name, element);
     if (source.kind != Source::Kind::node) {
       return warnOnce(element, "`" + wanted.name + "` is left out: it has no numbers", "cannot-import");
@@ -943,22 +1056,22 @@ private:
     if (source.type != type) {
       tellOnce(element, "`" + wanted.name + "` takes `" + type + "`, not `" + source.type + "`", "wire-type");
     }
-    addOutput(wanted.name, source.node, source.output);
+    addOutput("out_" + identifierOf(wanted.name), source.node, source.output);
   }
 
-  /// Every output of the surface's fragment.
-  void bringSurface(const Source& source) {
-    for (const FragmentPorts::Port& port : nodes_[source.node].ports->outputs) {
-      std::string name = port.name;
-      if (name.ends_with('_')) name.pop_back();
-      addOutput(name, source.node, port.name);
+  void bringSurface(const Source& source, const Element& place) {
+    const Surface surface = surfaceOf(source, place);
+    addOutput("color", surface.color.node, surface.color.output);
+    if (surface.alpha.kind == Source::Kind::node) {
+      addOutput("alpha", surface.alpha.node, surface.alpha.output);
     }
+    isLit_ = true;
   }
 
   void addOutput(const std::string& name, std::size_t node, const std::string& port) {
     const FragmentPorts::Port* const found = findPort(nodes_[node].ports->outputs, port);
     if (found == nullptr) return;
-    outputs_.push_back({"out_" + identifierOf(name), found->type, node, port});
+    outputs_.push_back({name, found->type, node, port});
   }
 
   /// The source as the output of a node: values and graph inputs go through one that hands them on.
@@ -1032,6 +1145,7 @@ private:
       imported.graph.outputs.push_back(graphOutput);
     }
     imported.textures = std::move(textures_);
+    imported.isLit = isLit_;
     return imported;
   }
 
@@ -1065,6 +1179,8 @@ private:
   std::map<Scoped, std::unique_ptr<Scope>> scopes_;
   std::map<Scoped, std::size_t> instances_;
   std::map<std::string, std::size_t> geometry_;
+  std::map<std::pair<std::size_t, std::string>, std::size_t> twins_;
+  std::map<std::size_t, std::size_t> sums_;
   std::map<std::string, std::string> graphInputs_;
   std::unordered_map<const Element*, std::unordered_map<std::string, const Element*>> members_;
   std::set<const Element*> told_;
@@ -1072,6 +1188,7 @@ private:
   std::vector<BuiltNode> nodes_;
   std::vector<BuiltOutput> outputs_;
   std::vector<ImportedTexture> textures_;
+  bool isLit_ = false;
 };
 
 }  // namespace

@@ -40,6 +40,7 @@ struct ImportedTexture {
 struct ImportedGraph {
   host::Graph graph;
   std::vector<ImportedTexture> textures;
+  bool isLit = false;  ///< a surface, which the light loop collapses
 };
 
 /// An output to bring: an `output` element of a graph or of the document, or an input of a material.
@@ -56,8 +57,8 @@ struct GraphImportOptions {
   std::vector<std::string> folders;
 };
 
-/// The nodes that these outputs need. What cannot be brought is told at its line, and its default value stands
-/// in its place. Time and memory go with the nodes brought, of which there are 100,000 at most.
+/// The nodes that these outputs need. What cannot be brought is told at its line, and its default value
+/// stands in its place. Time and memory go with the nodes brought, of which there are 100,000 at most.
 ImportedGraph importGraph(const Element& root, const std::vector<WantedOutput>& outputs,
                           Definitions& definitions, StandardDefinitions& standard,
                           const GraphImportOptions& options, Reports& reports);

@@ -52,13 +52,6 @@ bool isMaterial(const Element& element) {
   return element.category == "surfacematerial" || element.attribute("type") == "material";
 }
 
-bool hasOutput(const Element& graph) {
-  for (const Element* const child : graph.children) {
-    if (child->category == "output") return true;
-  }
-  return false;
-}
-
 bool fileExists(const std::string& file) {
   std::error_code error;
   return std::filesystem::is_regular_file(file, error);
@@ -123,9 +116,11 @@ std::vector<MaterialName> MaterialDocument::materials() const {
   }
   if (!names.empty()) return names;
   for (const Element* const element : state_->tree.root().children) {
-    const bool isGraph =
-        element->category == "nodegraph" && !element->has("nodedef") && hasOutput(*element);
-    if (isGraph || element->category == "output") names.push_back({element->name, false});
+    if (element->category == "output") names.push_back({element->name, false});
+    if (element->category != "nodegraph" || element->has("nodedef")) continue;
+    for (const Element* const child : element->children) {
+      if (child->category == "output") names.push_back({element->name + "/" + child->name, false});
+    }
   }
   return names;
 }
@@ -200,10 +195,11 @@ ImportedMaterial MaterialDocument::import(const std::string& name) {
   }
   const std::vector<WantedOutput> outputs = outputsOf(state_->tree.root(), imported.name, state_->reports);
   if (outputs.empty()) {
-    host::InputError error(state_->file.string(), {}, "there is no material `" + imported.name + "`" +
-                           (host::suggest(imported.name, names).empty()
-                                ? std::string()
-                                : "; did you mean `" + host::suggest(imported.name, names) + "`?"),
+    host::InputError error(state_->file.string(), {},
+                           "there is no material `" + imported.name + "`" +
+                               (host::suggest(imported.name, names).empty()
+                                    ? std::string()
+                                    : "; did you mean `" + host::suggest(imported.name, names) + "`?"),
                            "unknown-material");
     error.setSuggestion(host::suggest(imported.name, names));
     throw error;
@@ -216,6 +212,7 @@ ImportedMaterial MaterialDocument::import(const std::string& name) {
                                     options, state_->reports);
   imported.graph = std::move(graph.graph);
   imported.textures = std::move(graph.textures);
+  imported.isLit = graph.isLit;
   imported.diagnostics = state_->reports.take();
   return imported;
 }

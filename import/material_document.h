@@ -17,7 +17,7 @@ namespace TolmSDK::Graphics::sfg::materialx {
 /// What a document can be brought as.
 struct MaterialName {
   std::string name;
-  bool isMaterial = false;  ///< else a node graph, or one of its outputs ("graph/output")
+  bool isMaterial = false;  ///< else an output, of the document or of a graph ("graph/output")
 };
 
 /// Which geometry a look gives a material.
@@ -31,6 +31,7 @@ struct ImportedMaterial {
   std::string name;
   host::Graph graph;
   std::vector<ImportedTexture> textures;
+  bool isLit = false;  ///< a surface, which the light loop collapses
   /// What could not be brought, each at its line.
   std::vector<host::Diagnostic> diagnostics;
 };
@@ -60,11 +61,12 @@ public:
   const std::vector<host::Diagnostic>& diagnostics() const;
   /// The document, and every file that it includes.
   std::vector<std::string> files() const;
-  /// The materials in the order of the document; the graphs with outputs when there is no material.
+  /// The materials in the order of the document; the outputs of its graphs when there is no material.
   std::vector<MaterialName> materials() const;
   std::vector<MaterialAssignment> assignments() const;
-  /// A material by name, or a node graph, or an output as "graph/output". An empty name is the only one
-  /// there is. Throws host::InputError when there is none, or several.
+  /// A material by name, or an output of a graph as "graph/output", or a graph with all its outputs, which a
+  /// collapse takes when one node gives them all. An empty name is the only one there is. Throws
+  /// host::InputError when there is none, or several.
   ImportedMaterial import(const std::string& name);
 
 private:

@@ -34,9 +34,8 @@ void swapInputs(const Element& node, std::string_view one, std::string_view othe
 }
 
 void dropInput(Element& node, std::string_view name) {
-  std::erase_if(node.children, [&](const Element* child) {
-    return child->category == "input" && child->name == name;
-  });
+  std::erase_if(node.children,
+                [&](const Element* child) { return child->category == "input" && child->name == name; });
 }
 
 struct Renamed {
@@ -46,9 +45,9 @@ struct Renamed {
 
 // Up to 1.37.
 constexpr Renamed kOldCategories[] = {
-    {"parameter", "input"},     {"opgraph", "nodegraph"}, {"geomattrvalue", "geompropvalue"},
+    {"parameter", "input"},         {"opgraph", "nodegraph"}, {"geomattrvalue", "geompropvalue"},
     {"geomattrdef", "geompropdef"}, {"scale", "multiply"},    {"log", "ln"},
-    {"bindparam", "input"},     {"bindinput", "input"},   {"bindtoken", "token"},
+    {"bindparam", "input"},         {"bindinput", "input"},   {"bindtoken", "token"},
 };
 constexpr Renamed kOldTypes[] = {{"vector", "vector3"}, {"color", "color3"}, {"color2", "vector2"}};
 

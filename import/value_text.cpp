@@ -13,9 +13,9 @@ struct TypeRow {
   std::size_t components;
 };
 constexpr TypeRow kTypes[] = {
-    {"float", "float", 1},     {"integer", "int", 1},    {"boolean", "bool", 1},
-    {"color3", "float3", 3},   {"color4", "float4", 4},  {"vector2", "float2", 2},
-    {"vector3", "float3", 3},  {"vector4", "float4", 4}, {"matrix33", "float3x3", 9},
+    {"float", "float", 1},        {"integer", "int", 1},    {"boolean", "bool", 1},
+    {"color3", "float3", 3},      {"color4", "float4", 4},  {"vector2", "float2", 2},
+    {"vector3", "float3", 3},     {"vector4", "float4", 4}, {"matrix33", "float3x3", 9},
     {"matrix44", "float4x4", 16},
 };
 
@@ -31,9 +31,9 @@ struct UnitRow {
   double factor;
 };
 constexpr UnitRow kUnits[] = {
-    {"nanometer", 1e-9}, {"micron", 1e-6}, {"millimeter", 1e-3}, {"centimeter", 1e-2}, {"inch", 0.0254},
-    {"foot", 0.3048},    {"yard", 0.9144}, {"meter", 1.0},       {"kilometer", 1e3},   {"mile", 1609.344},
-    {"degree", 1.0},     {"radian", 57.29577951308232},
+    {"nanometer", 1e-9}, {"micron", 1e-6},   {"millimeter", 1e-3}, {"centimeter", 1e-2},
+    {"inch", 0.0254},    {"foot", 0.3048},   {"yard", 0.9144},     {"meter", 1.0},
+    {"kilometer", 1e3},  {"mile", 1609.344}, {"degree", 1.0},      {"radian", 57.29577951308232},
 };
 
 std::string_view trimmed(std::string_view text) {

@@ -108,9 +108,9 @@ private:
             const std::string& nameSpace) {
     Element& top = add(tree_.root(), root, source);
     top.category = "materialx";
-    top.scope = &tree_.addScope(
-        {std::string(top.attribute("fileprefix")), std::string(top.attribute("colorspace")),
-         top.has("namespace") ? std::string(top.attribute("namespace")) : nameSpace});
+    top.scope =
+        &tree_.addScope({std::string(top.attribute("fileprefix")), std::string(top.attribute("colorspace")),
+                         top.has("namespace") ? std::string(top.attribute("namespace")) : nameSpace});
     Element* parent = &top;
     pugi::xml_node node = root.first_child();
     for (int depth = 1; node || depth > 1;) {
@@ -128,8 +128,8 @@ private:
       Element& element = add(*parent, node, source);
       if (element.category == "xi:include") {
         parent->children.pop_back();
-        waiting_.push_back({&element, std::string(element.attribute("href")), folder,
-                            element.scope->nameSpace});
+        waiting_.push_back(
+            {&element, std::string(element.attribute("href")), folder, element.scope->nameSpace});
       } else if (node.first_child() && depth < kDeepest) {
         nodes_.push_back(node);
         parent = &element;

@@ -180,8 +180,10 @@ host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics) {
   if (!options.environmentFile.empty()) environment = host::Document::fromFile(options.environmentFile);
   if (isMaterialDocument(options.graphFile)) {
     const auto libraries = loadMaterialLibraries(options.libraries, diagnostics);
-    return host::Job(libraries, importGraph(options.graphFile, options.material, libraries, diagnostics),
-                     options.collapse, environment);
+    const MaterialGraph graph = importGraph(options.graphFile, options.material, libraries, diagnostics);
+    host::CollapseOptions collapse = options.collapse;
+    if (graph.isLit) collapse.tool = host::CollapseTool::lightLoop;
+    return host::Job(libraries, graph.document, collapse, environment);
   }
   if (!options.material.empty()) {
     throw host::InputError("`--material` is for a MaterialX document (*.mtlx)");

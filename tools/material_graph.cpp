@@ -37,14 +37,14 @@ std::shared_ptr<const host::LibrarySet> loadMaterialLibraries(const LibraryOptio
   return libraries;
 }
 
-host::Document importGraph(const std::string& file, const std::string& material,
-                           const std::shared_ptr<const host::LibrarySet>& libraries,
-                           Diagnostics& diagnostics) {
+MaterialGraph importGraph(const std::string& file, const std::string& material,
+                          const std::shared_ptr<const host::LibrarySet>& libraries,
+                          Diagnostics& diagnostics) {
   materialx::MaterialDocument document(file, libraries, {});
   diagnostics.show(document.diagnostics());
   const materialx::ImportedMaterial imported = document.import(material);
   diagnostics.show(imported.diagnostics);
-  return host::Document::from(imported.graph, file);
+  return {host::Document::from(imported.graph, file), imported.isLit};
 }
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -22,9 +22,13 @@ void declareMaterialOption(CLI::App& app, std::string& material);
 /// As loadLibraries(), with the folder `materialx` of every folder that has one.
 std::shared_ptr<const host::LibrarySet> loadMaterialLibraries(const LibraryOptions& options,
                                                               Diagnostics& diagnostics);
-/// The material as a graph; what cannot be brought is told. Throws InputError.
-host::Document importGraph(const std::string& file, const std::string& material,
-                           const std::shared_ptr<const host::LibrarySet>& libraries,
-                           Diagnostics& diagnostics);
+/// The material as a graph, which the light loop collapses when it is a surface; what cannot be brought is
+/// told. Throws InputError.
+struct MaterialGraph {
+  host::Document document;
+  bool isLit = false;
+};
+MaterialGraph importGraph(const std::string& file, const std::string& material,
+                          const std::shared_ptr<const host::LibrarySet>& libraries, Diagnostics& diagnostics);
 
 }  // namespace TolmSDK::Graphics::sfg::tools
