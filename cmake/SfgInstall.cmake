@@ -13,7 +13,7 @@ install(TARGETS sfg_host EXPORT sfgHost
 install(TARGETS sfg_command RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(DIRECTORY include/ platform/include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY library/ DESTINATION "${CMAKE_INSTALL_DATADIR}/sfg/library"
-  FILES_MATCHING PATTERN "*.fraglib" PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.fraglib" PATTERN "*.h" PATTERN "definitions.json")
 install(DIRECTORY docs/schemas/ DESTINATION "${CMAKE_INSTALL_DATADIR}/sfg/schemas")
 install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 

@@ -6,6 +6,7 @@
 #include "sfg/host/errors.h"
 #include "sfg/host/suggest.h"
 #include "tools/depfile.h"
+#include "tools/material_graph.h"
 #include "tools/output_file.h"
 #include "tools/standard_library.h"
 
@@ -140,9 +141,11 @@ std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& opti
 }
 
 void declareJobOptions(CLI::App& app, JobOptions& options) {
-  app.add_option("GRAPH", options.graphFile, "graph document (JSON) to collapse")
+  app.add_option("GRAPH", options.graphFile,
+                 "graph document (JSON) to collapse, or a MaterialX document (*.mtlx)")
       ->type_name("FILE")
       ->required();
+  declareMaterialOption(app, options.material);
   declareLibraryOptions(app, options.libraries);
   declareChoice<host::CollapseTool>(
       app, "--tool",
@@ -175,6 +178,16 @@ void declareJobOptions(CLI::App& app, JobOptions& options) {
 host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics) {
   std::optional<host::Document> environment;
   if (!options.environmentFile.empty()) environment = host::Document::fromFile(options.environmentFile);
+  if (isMaterialDocument(options.graphFile)) {
+    const auto libraries = loadMaterialLibraries(options.libraries, diagnostics);
+    const MaterialGraph graph = importGraph(options.graphFile, options.material, libraries, diagnostics);
+    host::CollapseOptions collapse = options.collapse;
+    if (graph.isLit) collapse.tool = host::CollapseTool::lightLoop;
+    return host::Job(libraries, graph.document, collapse, environment);
+  }
+  if (!options.material.empty()) {
+    throw host::InputError("`--material` is for a MaterialX document (*.mtlx)");
+  }
   return host::Job(loadLibraries(options.libraries, diagnostics), host::Document::fromFile(options.graphFile),
                    options.collapse, environment);
 }

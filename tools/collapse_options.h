@@ -70,6 +70,7 @@ std::shared_ptr<const host::LibrarySet> loadLibraries(const LibraryOptions& opti
 /// What to collapse, and how; an empty path is one not given.
 struct JobOptions {
   std::string graphFile;
+  std::string material;  ///< of a MaterialX document
   LibraryOptions libraries;
   std::string environmentFile;
   host::CollapseOptions collapse;

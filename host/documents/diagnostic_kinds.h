@@ -28,6 +28,10 @@ enum class Finding {
   unknownFragment,
   outputWithoutNode,
   tooManyLights,
+  // Documents of other systems
+  malformedXml,
+  unknownMaterial,
+  cannotImport,
   // Libraries and include files
   unknownFolder,
   unreadableFolder,

@@ -74,7 +74,8 @@ std::vector<std::string> differentFragments(const std::string& file) {
   std::ifstream stream(file);
   std::set<std::string> descriptions;
   std::vector<std::string> names;
-  for (const auto& [name, fragment] : Json::parse(stream).items())
+  const Json fragments = Json::parse(stream);
+  for (const auto& [name, fragment] : fragments.items())
     if (descriptions.insert(fragment.at("description")).second) names.push_back(name);
   return names;
 }

@@ -45,8 +45,9 @@ for room in documents library job shader modules origins diagnostics lints drawi
     modules) allow host/modules "$rooms|glslang|spirv-tools|spirv_cross_c.h" ;;
   esac
 done
+allow import 'sfg|tolmsdk|import|nlohmann|pugixml.hpp'
 other='tools/lsp/'
-allow tools "sfg|tolmsdk|tools|CLI|unistd.h"
+allow tools "sfg|tolmsdk|tools|import|CLI|unistd.h"
 other=
 allow tools/lsp "sfg|tolmsdk|tools|nlohmann"
 # To be copied: nothing of this project.

@@ -1,0 +1,108 @@
+#include "tools/command_test_support.h"
+
+namespace TolmSDK::Graphics::sfg::tools {
+namespace {
+
+class ImportTest : public CommandTest {
+protected:
+  ImportTest() {
+    write("lib/lib.fraglib", R"json({
+      "mtlx_constant_color3": { "language": ["dx11"], "implementation": [
+        "void mtlx_constant_color3(float3 value, out float3 out_)", "{", "  out_ = value;", "}" ] } })json");
+    write("lib/definitions.json",
+          "[\n{\"node\": \"constant\", \"name\": \"constant_color3\", \"inputs\": [{\"name\": \"value\", "
+          "\"type\": \"color3\", \"value\": \"0, 0, 0\"}], \"outputs\": [{\"name\": \"out\", \"type\": "
+          "\"color3\"}]}\n]\n");
+    write("two.mtlx", R"(<materialx version="1.39">
+<nodegraph name="g">
+<constant name="red" type="color3"><input name="value" type="color3" value="1, 0, 0" /></constant>
+<constant name="dim" type="color3"><input name="value" type="color3" value="0.5, x" /></constant>
+<output name="a" type="color3" nodename="red" />
+<output name="b" type="color3" nodename="dim" />
+</nodegraph></materialx>
+)");
+  }
+};
+
+constexpr const char* kRed = R"({
+  "inputs": [],
+  "outputs": [
+    {
+      "name": "out_a",
+      "type": "float3",
+      "node": "g/red",
+      "output": "out_"
+    }
+  ],
+  "uniforms": [],
+  "nodes": [
+    {
+      "name": "g/red",
+      "fragment": "mtlx_constant_color3",
+      "inputs": {
+        "value": {
+          "constant": [
+            1.0,
+            0.0,
+            0.0
+          ]
+        }
+      }
+    }
+  ],
+  "preprocess": [],
+  "postprocess": []
+}
+)";
+
+TEST_F(ImportTest, WritesAGraphForEachOutput) {
+  const CommandRun imported = run("import two.mtlx -L lib --no-standard-library -o out");
+  EXPECT_EQ(imported.err, "out/g.a.json: note: written [file-written]\n"
+                          "two.mtlx:4:36: error: `0.5, x` is no value of the type `color3` [wrong-value]\n"
+                          "out/g.b.json: note: written [file-written]\n");
+  EXPECT_EQ(imported.status, 1);
+  EXPECT_EQ(read("out/g.a.json"), kRed);
+  EXPECT_EQ(read("out/g.a.textures.json"), "[]\n");
+  EXPECT_TRUE(exists("out/g.b.json"));
+}
+
+TEST_F(ImportTest, PrintsTheMaterialThatIsNamed) {
+  const CommandRun imported = run("import two.mtlx -L lib --no-standard-library --material g/a");
+  EXPECT_EQ(imported.err, "");
+  EXPECT_EQ(imported.status, 0);
+  EXPECT_EQ(imported.out, kRed);
+}
+
+TEST_F(ImportTest, GivesOtherCommandsTheSameGraph) {
+  write("red.json", kRed);
+  const CommandRun direct = run("collapse two.mtlx -L lib --no-standard-library --material g/a");
+  EXPECT_EQ(direct.err, "");
+  EXPECT_EQ(direct.out, run("collapse red.json -L lib --no-standard-library").out);
+}
+
+TEST_F(ImportTest, AsksForANameWhereThereAreSeveral) {
+  const CommandRun unnamed = run("collapse two.mtlx -L lib --no-standard-library");
+  EXPECT_EQ(unnamed.err, "two.mtlx: error: there are several materials: `g/a`, `g/b` [unknown-material]\n");
+  EXPECT_EQ(unnamed.status, 2);
+  const CommandRun unknown = run("import two.mtlx -L lib --no-standard-library --material g/c");
+  EXPECT_EQ(unknown.err, "two.mtlx: error: there is no material `g/c` [unknown-material]\n");
+  EXPECT_EQ(unknown.status, 2);
+}
+
+TEST_F(ImportTest, RefusesAMaterialOfAGraphDocument) {
+  write("red.json", kRed);
+  const CommandRun refused = run("collapse red.json -L lib --no-standard-library --material g/a");
+  EXPECT_EQ(refused.err, "sfg: error: `--material` is for a MaterialX document (*.mtlx) [wrong-usage]\n");
+  EXPECT_EQ(refused.status, 2);
+}
+
+TEST_F(ImportTest, NeedsTheDefinitions) {
+  write("empty/a.fraglib", "{}");
+  const CommandRun refused = run("import two.mtlx -L empty --no-standard-library");
+  EXPECT_EQ(refused.err, "sfg: error: no folder of the libraries has the definitions of MaterialX nodes "
+                         "(`library/materialx`) [wrong-usage]\n");
+  EXPECT_EQ(refused.status, 2);
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg::tools
