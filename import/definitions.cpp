@@ -172,9 +172,9 @@ void Definitions::addOwn(const Element& element) {
   auto definition = std::make_unique<Definition>();
   definition->name = element.name;
   definition->node = element.attribute("node");
-  if (!element.scope->nameSpace.empty()) {
-    definition->node = element.scope->nameSpace + ":" + definition->node;
-  }
+  const std::string_view own = element.attribute("namespace");
+  const std::string nameSpace = own.empty() ? element.scope->nameSpace : std::string(own);
+  if (!nameSpace.empty()) definition->node = nameSpace + ":" + definition->node;
   definition->version = element.attribute("version");
   definition->isDefault = definition->version.empty() || element.attribute("isdefaultversion") == "true";
   definition->element = &element;
