@@ -36,6 +36,7 @@ private:
 std::unique_ptr<Command> makeCollapseCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCompileCommand(CLI::App& parent);
 std::unique_ptr<Command> makeGraphCommand(CLI::App& parent);
+std::unique_ptr<Command> makeRenderCommand(CLI::App& parent);
 std::unique_ptr<Command> makeReflectCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCheckCommand(CLI::App& parent);
 std::unique_ptr<Command> makeReferenceCommand(CLI::App& parent);

@@ -8,6 +8,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& parent) {
   commands.push_back(makeCompileCommand(parent));
   commands.push_back(makeReflectCommand(parent));
   commands.push_back(makeGraphCommand(parent));
+  commands.push_back(makeRenderCommand(parent));
   commands.push_back(makeCheckCommand(parent));
   commands.push_back(makeSchemaCommand(parent));
   commands.push_back(makeReferenceCommand(parent));
