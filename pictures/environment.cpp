@@ -66,29 +66,41 @@ const float* texelAt(const render::Texture& cube, std::size_t level, const Vecto
   return &cube.levels[level][4 * ((side * width + index(y)) * width + index(x))];
 }
 
-/// What a surface of that roughness mirrors along n where it is seen along n. Each sample reads the level
-/// whose texels are as large as what the sample stands for, so that small bright lights do not sparkle.
-Vector blurred(const render::Texture& sharp, const Vector& n, double roughness) {
+/// A direction that a surface mirrors, about its normal, with the level of the sharp cube whose texels are as
+/// large as what it stands for: small bright lights do not sparkle then.
+struct Ray {
+  Vector local;
+  std::size_t level = 0;
+};
+
+/// What a surface of that roughness mirrors where it is seen along its normal.
+std::vector<Ray> mirroredRays(double roughness, std::size_t levels) {
   const double alpha = std::max(roughness * roughness, 1e-4);
-  const Vector aside = unit(cross(std::abs(n[1]) < 0.9 ? Vector{0, 1, 0} : Vector{1, 0, 0}, n));
-  const Vector across = cross(n, aside);
   const double texel = 4 * kPi / (6.0 * kSide * kSide);
-  Vector sum{};
-  double weights = 0;
+  std::vector<Ray> rays;
   for (std::uint32_t i = 0; i < kSamples; ++i) {
     const Vector h = facet(alpha, hammersley(i, kSamples));
     const double towards = 2 * h[2] * h[2] - 1;
     if (towards <= 0) continue;
-    const Vector local = {2 * h[2] * h[0], 2 * h[2] * h[1], towards};
     const double d = h[2] * h[2] * (alpha * alpha - 1) + 1;
     const double density = alpha * alpha / (kPi * d * d) / 4;
     const double level = 0.5 * std::log2(1 / (kSamples * density * texel)) + 1;
-    const auto last = static_cast<double>(sharp.levels.size() - 1);
-    const float* const seen =
-        texelAt(sharp, static_cast<std::size_t>(std::lround(std::clamp(level, 0.0, last))),
-                aside * local[0] + across * local[1] + n * local[2]);
-    sum = sum + Vector{seen[0], seen[1], seen[2]} * towards;
-    weights += towards;
+    const double last = static_cast<double>(levels) - 1;
+    rays.push_back({{2 * h[2] * h[0], 2 * h[2] * h[1], towards},
+                    static_cast<std::size_t>(std::lround(std::clamp(level, 0.0, last)))});
+  }
+  return rays;
+}
+
+Vector blurred(const render::Texture& sharp, const Vector& n, const std::vector<Ray>& rays) {
+  const Vector aside = unit(cross(std::abs(n[1]) < 0.9 ? Vector{0, 1, 0} : Vector{1, 0, 0}, n));
+  const Vector across = cross(n, aside);
+  Vector sum{};
+  double weights = 0;
+  for (const auto& [local, level] : rays) {
+    const float* const seen = texelAt(sharp, level, aside * local[0] + across * local[1] + n * local[2]);
+    sum = sum + Vector{seen[0], seen[1], seen[2]} * local[2];
+    weights += local[2];
   }
   return sum * (1 / weights);
 }
@@ -221,9 +233,9 @@ Picture studioPanorama() {
   return makePanorama([](const Vector& d) {
     const double wall = 0.16 + 0.10 * ramp(-0.4, 0.9, d[1]) - 0.08 * ramp(0.0, -0.7, d[1]);
     Vector color = Vector{1.0, 0.98, 0.95} * wall;
-    color = color + Vector{1.0, 0.97, 0.92} * (9.0 * panel(d, {-0.8, 0.75, 0.9}, 0.55, 0.4));
+    color = color + Vector{1.0, 0.97, 0.92} * (7.0 * panel(d, {-0.8, 0.75, 0.9}, 0.45, 0.34));
     color = color + Vector{0.85, 0.93, 1.0} * (3.5 * panel(d, {1.0, 0.25, 0.35}, 0.16, 0.9));
-    return color + Vector{0.9, 0.95, 1.0} * (2.0 * panel(d, {0.2, 0.5, -1.0}, 0.7, 0.3));
+    return color + Vector{0.9, 0.95, 1.0} * (1.2 * panel(d, {0.2, 0.7, -1.0}, 0.6, 0.25));
   });
 }
 
@@ -252,12 +264,14 @@ EnvironmentLight makeEnvironmentLight(const Picture& panorama) {
   light.mirrored.levels[0] = sharp.levels[0];
   for (std::uint32_t level = 1; level < kLevels; ++level) {
     const std::uint32_t side = kSide >> level;
+    const std::vector<Ray> rays =
+        mirroredRays(static_cast<double>(level) / (kLevels - 1), sharp.levels.size());
     float* to = light.mirrored.levels[level].data();
     for (std::size_t face = 0; face < 6; ++face) {
       for (std::uint32_t i = 0; i < side * side; ++i, to += 4) {
         const Vector n =
             cubeDirection(face, (i % side + 0.5) / side * 2 - 1, (i / side + 0.5) / side * 2 - 1);
-        const Vector color = blurred(sharp, n, static_cast<double>(level) / (kLevels - 1));
+        const Vector color = blurred(sharp, n, rays);
         for (std::size_t k = 0; k < 3; ++k) to[k] = static_cast<float>(color[k]);
         to[3] = 1;
       }

@@ -66,7 +66,9 @@ Mesh makeCube() {
   constexpr Vector kSides[6][2] = {{{0, 0, 1}, {1, 0, 0}},  {{1, 0, 0}, {0, 0, -1}}, {{0, 0, -1}, {-1, 0, 0}},
                                    {{-1, 0, 0}, {0, 0, 1}}, {{0, 1, 0}, {1, 0, 0}},  {{0, -1, 0}, {1, 0, 0}}};
   Mesh mesh;
-  for (const auto& [normal, tangent] : kSides) {
+  for (const auto& side : kSides) {
+    const Vector normal = side[0];
+    const Vector tangent = side[1];
     addGrid(mesh, 1, 1, [&](double u, double v) {
       const Vector down = cross(tangent, normal);
       const Vector from = normal + tangent * (2 * u - 1) + down * (2 * v - 1);

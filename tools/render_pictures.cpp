@@ -200,6 +200,14 @@ pictures::Textures texturesOf(const RenderRequest& request, const host::ShaderIn
   }
   std::vector<std::string> names;
   for (const host::InterfaceTexture& texture : shader.textures) names.push_back(texture.origin.path());
+  for (const auto& [name, file] : files) {
+    const bool isKnown =
+        std::any_of(shader.textures.begin(), shader.textures.end(), [&wanted = name](const auto& texture) {
+          return wanted == texture.origin.path() || wanted == texture.name;
+        });
+    if (!isKnown)
+      throw host::InputError("the shader has no texture `" + name + "`" + didYouMean(name, names));
+  }
   pictures::Textures made;
   for (const host::InterfaceTexture& texture : shader.textures) {
     const auto binding = static_cast<std::uint32_t>(texture.place.binding.value());
@@ -221,10 +229,7 @@ pictures::Textures texturesOf(const RenderRequest& request, const host::ShaderIn
     }
     const Picture picture = readFor("`--texture " + file->first + "`", file->second);
     made.emplace(binding, pictures::makeTexture(picture, space, typeOf(texture.type)));
-    files.erase(file);
   }
-  for (const auto& [name, file] : files)
-    throw host::InputError("the shader has no texture `" + name + "`" + didYouMean(name, names));
   return made;
 }
 

@@ -35,8 +35,11 @@ protected:
   }
   CommandRun render(const std::string& arguments) const {
     const std::string library = repository("library");
-    return run("render graph.json -L " + library + " -I " + library +
-               " --no-standard-library --size 64 --samples 1 " + arguments);
+    std::string all =
+        "render graph.json -L " + library + " -I " + library + " --no-standard-library " + arguments;
+    if (arguments.find("--size") == std::string::npos) all += " --size 64";
+    if (arguments.find("--samples") == std::string::npos) all += " --samples 1";
+    return run(all);
   }
   Picture picture(const std::string& name) const { return pictures::readPicture(path(name)); }
   /// As a PNG stores it.
@@ -49,7 +52,8 @@ protected:
   void expectError(const std::string& arguments, const std::string& error) const {
     const CommandRun drawn = render(arguments);
     EXPECT_EQ(drawn.status, 2) << arguments;
-    EXPECT_EQ(drawn.err, "sfg: error: " + error + "\n") << arguments;
+    EXPECT_EQ(drawn.err, (error.find(": error: ") == error.npos ? "sfg: error: " : "") + error + "\n")
+        << arguments;
     EXPECT_FALSE(exists("a.png")) << arguments;
   }
 
@@ -109,9 +113,14 @@ TEST_F(RenderTest, KnowsWhenTheGraphEncodesColors) {
 
 /// Red, green / blue, white: seen from outside as the file has it, decoded for ports of linear colours.
 TEST_F(RenderTest, TexturesLieUprightAndAreReadByTheirSpace) {
-  Picture image(2, 2);
+  constexpr float kQuarters[4][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0.5f, 0.5f, 0.5f}};
+  Picture image(16, 16);
   image.isEncoded = true;
-  image.texels = {1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 1, 0.5f, 0.5f, 0.5f, 1};
+  for (std::size_t i = 0; i < 256; ++i) {
+    const auto& color = kQuarters[i / 128 * 2 + i % 16 / 8];
+    std::copy(std::begin(color), std::end(color), &image.texels[4 * i]);
+    image.texels[4 * i + 3] = 1;
+  }
   write("image.png", pictures::writePicture(image, pictures::PictureFormat::png));
   for (const char* fragment : {"sampleTexture2D", "sampleTextureSrgb2D"}) {
     writeGraph(fragment, "");
@@ -141,16 +150,15 @@ TEST_F(RenderTest, CamerasGoRoundTheShape) {
 }
 
 TEST_F(RenderTest, ShowsWhatANodeComputes) {
-  writeGraph("scaleFloat3", R"("a": { "node": "where" }, "factor": { "value": 2.0 })");
   write("graph.json", R"({ "nodes": [ { "name": "where", "fragment": "objectPosition" },
-    { "name": "far", "fragment": "lengthFloat3", "inputs": { "a": { "node": "where" } } },
+    { "name": "far", "fragment": "vectorLength", "inputs": { "a": { "node": "where" } } },
     { "name": "pixel", "fragment": "outputColor", "inputs": { "color": { "node": "where" } } } ],
     "outputs": [ { "name": "color", "type": "float4", "node": "pixel" } ] })");
-  const CommandRun drawn = render("-o a.png --shape plane --node far");
+  const CommandRun drawn = render("-o shown.png --shape plane --node far");
   EXPECT_EQ(drawn.status, 0);
   EXPECT_EQ(drawn.err, "");
   EXPECT_THAT(drawn.out, testing::MatchesRegex("far.result: float, from 0\\.0[0-9]+ to 0\\.9[0-9]+\n"));
-  const Picture seen = picture("a.png");
+  const Picture seen = picture("shown.png");
   EXPECT_LT(seen.at(32, 32)[0], 0.02f);
   EXPECT_GT(seen.at(13, 13)[0], 0.9f);
   EXPECT_EQ(seen.at(20, 20)[0], seen.at(20, 20)[2]);
@@ -176,7 +184,7 @@ TEST_F(RenderTest, ComparesWithAnotherPicture) {
   EXPECT_EQ(at(difference, 32, 32), (Bytes{0, 0, 255, 255}));
   EXPECT_EQ(at(difference, 1, 1), (Bytes{0, 0, 0, 255}));
   EXPECT_EQ(render("-o b.png --size 32 --compare " + path("a.png")).err,
-            "sfg: error: " + path("a.png") + ": is a picture of 64x64, not of 32x32 [wrong-value]\n");
+            path("a.png") + ": error: is a picture of 64x64, not of 32x32 [wrong-value]\n");
 }
 
 TEST_F(RenderTest, TurnsTheShape) {
@@ -230,7 +238,7 @@ TEST_F(RenderTest, NamesWhatItCannotUse) {
   expectError("-o a.bmp", "`-o a.bmp`: expected a name that ends in `.png`, `.exr` or `.hdr` [wrong-usage]");
   expectError("-o a.png --size 0", "`--size 0`: expected `N` or `WxH`, each from 1 to 8192 [wrong-usage]");
   expectError("-o a.png --shape shpere", "there is no shape `shpere`; did you mean `sphere`? [wrong-usage]");
-  expectError("-o a.png --shape gone.obj", "gone.obj: there is no such file [unreadable-file]");
+  expectError("-o a.png --shape gone.obj", "gone.obj: error: there is no such file [unreadable-file]");
   expectError("-o a.png --camera 3",
               "`--camera 3`: expected `AZIMUTH,ELEVATION[,DISTANCE[,ANGLE]]`: an elevation from "
               "-90 to 90, a distance above 0, an angle between 0 and 170 [wrong-usage]");
