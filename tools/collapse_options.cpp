@@ -147,10 +147,11 @@ void declareJobOptions(CLI::App& app, JobOptions& options) {
       ->required();
   declareMaterialOption(app, options.material);
   declareLibraryOptions(app, options.libraries);
+  std::vector<std::pair<std::string, host::CollapseTool>> tools = {
+      {"default", host::CollapseTool::standard}, {"lightloop", host::CollapseTool::lightLoop}};
+  if (options.collapse.tool == host::CollapseTool::lightLoop) std::swap(tools[0], tools[1]);
   declareChoice<host::CollapseTool>(
-      app, "--tool",
-      {{"default", host::CollapseTool::standard}, {"lightloop", host::CollapseTool::lightLoop}},
-      options.collapse.tool,
+      app, "--tool", tools, options.collapse.tool,
       "`default`: one function of the graph's inputs and outputs; `lightloop`: a lit surface, accumulated "
       "over the "
       "lights of the environment");

@@ -75,7 +75,7 @@ struct JobOptions {
   std::string environmentFile;
   host::CollapseOptions collapse;
 };
-/// GRAPH and everything that decides how it is collapsed.
+/// GRAPH and everything that decides how it is collapsed; the tool that it holds is the default.
 void declareJobOptions(CLI::App& app, JobOptions& options);
 /// The job, with everything read. Throws InputError.
 host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics);

@@ -37,6 +37,7 @@ std::unique_ptr<Command> makeCollapseCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCompileCommand(CLI::App& parent);
 std::unique_ptr<Command> makeGraphCommand(CLI::App& parent);
 std::unique_ptr<Command> makeImportCommand(CLI::App& parent);
+std::unique_ptr<Command> makeRenderCommand(CLI::App& parent);
 std::unique_ptr<Command> makeReflectCommand(CLI::App& parent);
 std::unique_ptr<Command> makeBuildCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCheckCommand(CLI::App& parent);

@@ -12,6 +12,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& parent) {
   commands.push_back(makeWatchCommand(parent));
   commands.push_back(makeEmbedCommand(parent));
   commands.push_back(makeImportCommand(parent));
+  commands.push_back(makeRenderCommand(parent));
   commands.push_back(makeCheckCommand(parent));
   commands.push_back(makeSchemaCommand(parent));
   commands.push_back(makeReferenceCommand(parent));

@@ -14,9 +14,7 @@ namespace {
 /// NO_COLOR (https://no-color.org) and a dumb terminal switch colours off.
 bool wantsColours() {
   const char* const noColour = std::getenv("NO_COLOR");
-  const char* const terminal = std::getenv("TERM");
-  if (noColour != nullptr && *noColour != '\0') return false;
-  return isatty(STDERR_FILENO) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
+  return (noColour == nullptr || *noColour == '\0') && Diagnostics::isTerminal();
 }
 
 struct Kind {
@@ -33,6 +31,11 @@ const Kind& kindOf(host::Severity severity) {
 }
 
 }  // namespace
+
+bool Diagnostics::isTerminal() {
+  const char* const terminal = std::getenv("TERM");
+  return isatty(STDERR_FILENO) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
+}
 
 Diagnostics Diagnostics::standard() {
   return Diagnostics(std::cerr, wantsColours(), isatty(STDERR_FILENO) != 0);
@@ -72,7 +75,7 @@ void Diagnostics::write(const host::Diagnostic& diagnostic) {
   } else {
     out_ << kind.word << ": " << end;
   }
-  if (detail_ == Detail::full || (detail_ == Detail::standard && isTerminal_)) {
+  if (detail_ == Detail::full || (detail_ == Detail::standard && showsLines_)) {
     out_ << sources_.show(diagnostic.file, diagnostic.line, diagnostic.column);
   }
   out_ << std::flush;

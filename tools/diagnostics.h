@@ -21,13 +21,15 @@ enum class Detail { standard, brief, full };
 /// stream is a terminal that wants them.
 class Diagnostics {
 public:
-  Diagnostics(std::ostream& out, bool colours, bool isTerminal = false)
-      : out_(out), colours_(colours), isTerminal_(isTerminal) {}
+  Diagnostics(std::ostream& out, bool colours, bool showsLines = false)
+      : out_(out), colours_(colours), showsLines_(showsLines) {}
   Diagnostics(const Diagnostics&) = delete;
   Diagnostics& operator=(const Diagnostics&) = delete;
   ~Diagnostics() { release({}); }
   /// The standard error stream.
   static Diagnostics standard();
+  /// Whether that is one on which a line can be written over.
+  static bool isTerminal();
 
   void setDetail(Detail detail) { detail_ = detail; }
   /// What is shown at once when something else is, in front of it, unless that tells the same again: then
@@ -52,7 +54,7 @@ private:
 
   std::ostream& out_;
   bool colours_;
-  bool isTerminal_;
+  bool showsLines_;
   Detail detail_ = Detail::standard;
   std::vector<host::Diagnostic> held_;
   std::set<std::string> shown_;

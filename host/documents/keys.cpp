@@ -98,6 +98,8 @@ constexpr Key kEnvironmentKeys[] = {
     kDescription,
     {"lights", Holds::objects, "Are the lights of the scene.", false, &kLight},
     {"output", Holds::name, "Names the fragment that takes the outputs of every surface."},
+    {"image", Holds::name,
+     "Names the picture around the scene for who renders it: a file beside the document, `studio` or `sky`."},
     {kSchemaKey, Holds::text, "Names the schema, for editors."}};
 constexpr KeyTable kEnvironment = {"an environment", "What surfaces are seen under.", kEnvironmentKeys};
 

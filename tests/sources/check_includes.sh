@@ -47,11 +47,12 @@ for room in documents library job shader modules origins diagnostics lints drawi
 done
 allow import 'sfg|tolmsdk|import|nlohmann|pugixml.hpp'
 other='tools/lsp/'
-allow tools "sfg|tolmsdk|tools|import|CLI|unistd.h"
+allow tools "sfg|tolmsdk|tools|import|pictures|render|CLI|unistd.h"
 other=
 allow tools/lsp "sfg|tolmsdk|tools|nlohmann"
 # To be copied: nothing of this project.
 allow render 'vulkan|png.h|renderer.h'
+allow pictures 'sfg|tolmsdk|pictures|render|nlohmann|assimp|Imf[A-Za-z]*.h|png.h|stb|zlib.h'
 
 if [ "$bad" -gt 0 ]; then
   echo "$bad includes that their folder may not have"

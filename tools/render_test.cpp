@@ -1,0 +1,278 @@
+// Pictures that the command draws, read back.
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <cstdlib>
+
+#include "pictures/picture.h"
+#include "tools/command_test_support.h"
+
+namespace TolmSDK::Graphics::sfg::tools {
+namespace {
+
+using pictures::Picture;
+using Bytes = std::vector<int>;
+
+class RenderTest : public CommandTest {
+protected:
+  void SetUp() override {
+    // Drivers and their compiler keep some memory to the end, which is no leak of the program.
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 0);
+    setenv("XDG_CACHE_HOME", path("cache").c_str(), 1);
+    const char* const skip = std::getenv("SFG_SKIP_VULKAN_TESTS");
+    if (skip != nullptr && *skip != '\0' && std::string_view(skip) != "0") GTEST_SKIP();
+  }
+
+  /// A node of a fragment with these inputs (JSON) behind a fragment that makes a pixel of its colour.
+  void writeGraph(const std::string& fragment, const std::string& inputs,
+                  const std::string& more = "") const {
+    write("graph.json", R"({ "nodes": [ { "name": "a", "fragment": ")" + fragment + R"(", "inputs": {)" +
+                            inputs +
+                            R"(} }, { "name": "pixel", "fragment": "outputColor", "inputs": {
+      "color": { "node": "a" } } } ], "outputs": [ { "name": "color", "type": "float4", "node": "pixel" } ])" +
+                            more + " }");
+  }
+  CommandRun render(const std::string& arguments) const {
+    const std::string library = repository("library");
+    std::string all =
+        "render graph.json -L " + library + " -I " + library + " --no-standard-library " + arguments;
+    if (arguments.find("--size") == std::string::npos) all += " --size 64";
+    if (arguments.find("--samples") == std::string::npos) all += " --samples 1";
+    return run(all);
+  }
+  Picture picture(const std::string& name) const { return pictures::readPicture(path(name)); }
+  /// As a PNG stores it.
+  static Bytes at(const Picture& picture, std::size_t x, std::size_t y) {
+    Bytes bytes;
+    for (std::size_t i = 0; i < 4; ++i)
+      bytes.push_back(static_cast<int>(std::lround(255 * picture.at(x, y)[i])));
+    return bytes;
+  }
+  void expectError(const std::string& arguments, const std::string& error) const {
+    const CommandRun drawn = render(arguments);
+    EXPECT_EQ(drawn.status, 2) << arguments;
+    EXPECT_EQ(drawn.err, (error.find(": error: ") == error.npos ? "sfg: error: " : "") + error + "\n")
+        << arguments;
+    EXPECT_FALSE(exists("a.png")) << arguments;
+  }
+
+  static constexpr const char* kTint = R"("a": { "value": [0.5, 0.25, 1.0] }, "factor": { "value": 1.0 })";
+};
+
+TEST_F(RenderTest, ShowsAShapeOverABackground) {
+  writeGraph("scaleFloat3", kTint);
+  const CommandRun drawn = render("-o a.png --background 0,1,0");
+  EXPECT_EQ(drawn.err, "");
+  EXPECT_EQ(drawn.status, 0);
+  EXPECT_EQ(drawn.out, "");
+  const Picture seen = picture("a.png");
+  ASSERT_EQ(seen.width, 64u);
+  ASSERT_EQ(seen.height, 64u);
+  EXPECT_EQ(at(seen, 32, 32), (Bytes{188, 137, 255, 255}));
+  EXPECT_EQ(at(seen, 1, 1), (Bytes{0, 255, 0, 255}));
+
+  EXPECT_EQ(render("-o b.png --background transparent --size 32x16 --set a.factor=0.5").status, 0);
+  const Picture other = picture("b.png");
+  ASSERT_EQ(other.width, 32u);
+  ASSERT_EQ(other.height, 16u);
+  EXPECT_EQ(at(other, 16, 8), (Bytes{137, 99, 188, 255}));
+  EXPECT_EQ(at(other, 1, 8), (Bytes{0, 0, 0, 0}));
+}
+
+TEST_F(RenderTest, SamplesMeetInLinearLight) {
+  writeGraph("scaleFloat3", R"("a": { "value": [1.0, 1.0, 1.0] }, "factor": { "value": 1.0 })");
+  EXPECT_EQ(render("-o a.exr --samples 16 --background 0,0,0").status, 0);
+  const Picture seen = picture("a.exr");
+  std::size_t between = 0;
+  for (std::size_t x = 0; x < 64; ++x) {
+    const float value = seen.at(x, 32)[0] * 16;
+    EXPECT_NEAR(value, std::round(value), 0.01) << x;
+    if (value > 0.5f && value < 15.5f) ++between;
+  }
+  EXPECT_GE(between, 1u);
+  EXPECT_EQ(seen.at(32, 32)[0], 1);
+}
+
+TEST_F(RenderTest, WritesColorsAboveOne) {
+  writeGraph("scaleFloat3", R"("a": { "value": [5.0, 0.5, 0.25] }, "factor": { "value": 2.0 })");
+  EXPECT_EQ(render("-o a.exr").status, 0);
+  EXPECT_EQ(picture("a.exr").at(32, 32)[0], 10);
+  EXPECT_EQ(render("-o a.hdr").status, 0);
+  EXPECT_NEAR(picture("a.hdr").at(32, 32)[0], 10, 0.1);
+}
+
+/// A post-process fragment that encodes does not make the picture brighter.
+TEST_F(RenderTest, KnowsWhenTheGraphEncodesColors) {
+  writeGraph("scaleFloat3", kTint);
+  EXPECT_EQ(render("-o a.png").status, 0);
+  writeGraph("scaleFloat3", kTint, R"(, "postprocess": ["postSrgb"])");
+  EXPECT_EQ(render("-o b.png").status, 0);
+  EXPECT_EQ(at(picture("a.png"), 32, 32), at(picture("b.png"), 32, 32));
+}
+
+/// Red, green / blue, white: seen from outside as the file has it, decoded for ports of linear colours.
+TEST_F(RenderTest, TexturesLieUprightAndAreReadByTheirSpace) {
+  constexpr float kQuarters[4][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0.5f, 0.5f, 0.5f}};
+  Picture image(16, 16);
+  image.isEncoded = true;
+  for (std::size_t i = 0; i < 256; ++i) {
+    const auto& color = kQuarters[i / 128 * 2 + i % 16 / 8];
+    std::copy(std::begin(color), std::end(color), &image.texels[4 * i]);
+    image.texels[4 * i + 3] = 1;
+  }
+  write("image.png", pictures::writePicture(image, pictures::PictureFormat::png));
+  for (const char* fragment : {"sampleTexture2D", "sampleTextureSrgb2D"}) {
+    writeGraph(fragment, "");
+    const CommandRun drawn = render("-o a.png --shape plane --texture a.image=" + path("image.png"));
+    EXPECT_EQ(drawn.err, "");
+    const Picture seen = picture("a.png");
+    EXPECT_EQ(at(seen, 22, 22), (Bytes{255, 0, 0, 255})) << fragment;
+    EXPECT_EQ(at(seen, 42, 22), (Bytes{0, 255, 0, 255})) << fragment;
+    EXPECT_EQ(at(seen, 22, 42), (Bytes{0, 0, 255, 255})) << fragment;
+    EXPECT_EQ(at(seen, 42, 42), (Bytes{128, 128, 128, 255})) << fragment;
+  }
+  const CommandRun without = render("-o b.png --shape plane");
+  EXPECT_EQ(without.status, 0);
+  EXPECT_EQ(
+      without.err,
+      "sfg: note: texture `a.image` has no file (`--texture`): it is a coloured board [unconnected-input]\n");
+}
+
+TEST_F(RenderTest, CamerasGoRoundTheShape) {
+  writeGraph("objectPosition", "");
+  EXPECT_EQ(render("-o a.exr --shape cube --camera 90,0,4").status, 0);
+  const Picture right = picture("a.exr");
+  EXPECT_NEAR(right.at(32, 32)[0], 0.57, 0.01);
+  EXPECT_LT(right.at(38, 32)[2], right.at(26, 32)[2]);
+  EXPECT_EQ(render("-o a.exr --shape cube --camera 0,90,4").status, 0);
+  EXPECT_NEAR(picture("a.exr").at(32, 32)[1], 0.57, 0.01);
+}
+
+TEST_F(RenderTest, ShowsWhatANodeComputes) {
+  write("graph.json", R"({ "nodes": [ { "name": "where", "fragment": "objectPosition" },
+    { "name": "far", "fragment": "vectorLength", "inputs": { "a": { "node": "where" } } },
+    { "name": "pixel", "fragment": "outputColor", "inputs": { "color": { "node": "where" } } } ],
+    "outputs": [ { "name": "color", "type": "float4", "node": "pixel" } ] })");
+  const CommandRun drawn = render("-o shown.png --shape plane --node far");
+  EXPECT_EQ(drawn.status, 0);
+  EXPECT_EQ(drawn.err, "");
+  EXPECT_THAT(drawn.out, testing::MatchesRegex("far.result: float, from 0\\.0[0-9]+ to 0\\.9[0-9]+\n"));
+  const Picture seen = picture("shown.png");
+  EXPECT_LT(seen.at(32, 32)[0], 0.02f);
+  EXPECT_GT(seen.at(13, 13)[0], 0.9f);
+  EXPECT_EQ(seen.at(20, 20)[0], seen.at(20, 20)[2]);
+  // A vector: -1 is black, 1 is white.
+  EXPECT_THAT(render("-o b.png --shape plane --node where.result").out,
+              testing::StartsWith("where.result: float3, from -0.6"));
+  EXPECT_NEAR(picture("b.png").at(32, 32)[2], 0.5f, 0.01f);
+  expectError("-o c.png --node fat",
+              "`--node`: the graph has no node `fat`; did you mean `far`? [wrong-usage]");
+  expectError("-o c.png --node far.resolt",
+              "`--node`: node `far` has no output `resolt`; did you mean `result`? [wrong-usage]");
+}
+
+TEST_F(RenderTest, ComparesWithAnotherPicture) {
+  writeGraph("scaleFloat3", kTint);
+  EXPECT_EQ(render("-o a.png").status, 0);
+  const CommandRun same = render("-o b.png --compare " + path("a.png"));
+  EXPECT_EQ(same.err, "");
+  EXPECT_EQ(same.out, "differences: mean 0, root mean square 0, greatest 0; 0 % of the numbers differ\n");
+  const CommandRun other = render("-o b.png --set a.a=0.5,0.25,0 --compare " + path("a.png"));
+  EXPECT_THAT(other.out, testing::HasSubstr("greatest 1; "));
+  const Picture difference = picture("b-difference.png");
+  EXPECT_EQ(at(difference, 32, 32), (Bytes{0, 0, 255, 255}));
+  EXPECT_EQ(at(difference, 1, 1), (Bytes{0, 0, 0, 255}));
+  EXPECT_EQ(render("-o b.png --size 32 --compare " + path("a.png")).err,
+            path("a.png") + ": error: is a picture of 64x64, not of 32x32 [wrong-value]\n");
+}
+
+TEST_F(RenderTest, TurnsTheShape) {
+  writeGraph("worldNormal", "");
+  EXPECT_EQ(render("-o a.png --shape plane --turntable 12").status, 0);
+  EXPECT_FALSE(exists("a.png"));
+  EXPECT_FALSE(exists("a-12.png"));
+  EXPECT_TRUE(exists("a-11.png"));
+  // Three twelfths show the edge of a plane.
+  EXPECT_EQ(at(picture("a-00.png"), 32, 32), (Bytes{0, 0, 255, 255}));
+  EXPECT_EQ(at(picture("a-03.png"), 20, 32), at(picture("a-03.png"), 1, 1));
+  EXPECT_EQ(render("-o a.apng --shape plane --turntable 3").status, 0);
+  EXPECT_THAT(read("a.apng"), testing::HasSubstr("acTL"));
+}
+
+TEST_F(RenderTest, MetalsMirrorTheImageOfTheEnvironment) {
+  Picture white(64, 32);
+  std::fill(white.texels.begin(), white.texels.end(), 2.0f);
+  write("white.hdr", pictures::writePicture(white, pictures::PictureFormat::hdr));
+  write("white.json", R"({ "image": "white.hdr" })");
+  writeGraph("ggxSurface", R"("albedo": { "value": [1.0, 1.0, 1.0] }, "metallic": { "value": 1.0 },
+    "roughness": { "value": 0.2 })");
+  const CommandRun drawn = render("-o a.exr --environment " + path("white.json"));
+  EXPECT_EQ(drawn.err, "");
+  EXPECT_NEAR(picture("a.exr").at(32, 32)[1], 2, 0.05);
+  EXPECT_NEAR(picture("a.exr").at(20, 40)[1], 2, 0.05);
+  // A missing image is named, also when lights are given.
+  write("white.json", R"({ "image": "gone.hdr", "lights": [] })");
+  const std::string gone = path("gone.hdr");
+  expectError("-o a.png --environment " + path("white.json"),
+              "the environment's image: cannot read `" + gone +
+                  "`: there is no such file, or it may not be read [wrong-usage]");
+  // The studio has a lamp on the left.
+  EXPECT_EQ(render("-o b.exr --set a.roughness=0").status, 0);
+  float left = 0;
+  float right = 0;
+  const Picture studio = picture("b.exr");
+  for (std::size_t y = 0; y < 64; ++y) {
+    for (std::size_t x = 0; x < 32; ++x) {
+      left = std::max(left, studio.at(x, y)[1]);
+      right = std::max(right, studio.at(x + 32, y)[1]);
+    }
+  }
+  EXPECT_GT(left, 5);
+  EXPECT_LT(right, left);
+}
+
+TEST_F(RenderTest, NamesWhatItCannotUse) {
+  writeGraph("sampleTexture2D", "");
+  expectError("", "a picture needs a file: `-o NAME.png` [wrong-usage]");
+  expectError("-o a.bmp", "`-o a.bmp`: expected a name that ends in `.png`, `.exr` or `.hdr` [wrong-usage]");
+  expectError("-o a.png --size 0", "`--size 0`: expected `N` or `WxH`, each from 1 to 8192 [wrong-usage]");
+  expectError("-o a.png --shape shpere", "there is no shape `shpere`; did you mean `sphere`? [wrong-usage]");
+  expectError("-o a.png --shape gone.obj", "gone.obj: error: there is no such file [unreadable-file]");
+  expectError("-o a.png --camera 3",
+              "`--camera 3`: expected `AZIMUTH,ELEVATION[,DISTANCE[,ANGLE]]`: an elevation from "
+              "-90 to 90, a distance above 0, an angle between 0 and 170 [wrong-usage]");
+  expectError(
+      "-o a.png --background red",
+      "`--background red`: expected `R,G,B`, `R,G,B,A`, `transparent` or `environment` [wrong-usage]");
+  expectError("-o a.png --uv-scale x", "`--uv-scale x`: expected one number, or two [wrong-usage]");
+  expectError("-o a.png --texture x", "`--texture x`: expected `NAME=FILE` [wrong-usage]");
+  expectError("-o a.png --texture a.imge=b.png",
+              "the shader has no texture `a.imge`; did you mean `a.image`? [wrong-usage]");
+  expectError("-o a.png --texture a.image=gone.png", "`--texture a.image`: cannot read `gone.png`: there is "
+                                                     "no such file, or it may not be read [wrong-usage]");
+  const CommandRun device = render("-o a.png --device nothing-of-the-kind");
+  EXPECT_EQ(device.status, 2);
+  EXPECT_THAT(device.err,
+              testing::StartsWith("sfg: error: no device has `nothing-of-the-kind` in its name (there is "));
+  writeGraph("scaleFloat3", kTint);
+  expectError("-o a.png --set a.facter=2",
+              "the shader has no value `a.facter`; did you mean `a.factor`? [bad-setting]");
+  const CommandRun count = render("-o a.png --set a.factor=1,2");
+  EXPECT_EQ(count.status, 2);
+  EXPECT_THAT(count.err, testing::HasSubstr("[bad-setting]"));
+}
+
+TEST_F(RenderTest, ListsDevices) {
+  const CommandRun listed = run("render --list-devices");
+  EXPECT_EQ(listed.status, 0);
+  EXPECT_EQ(listed.err, "");
+  EXPECT_NE(listed.out, "");
+  writeGraph("scaleFloat3", kTint);
+  const std::string name = listed.out.substr(0, listed.out.find(' '));
+  EXPECT_EQ(render("-o a.png --device " + name).status, 0);
+  EXPECT_EQ(run("render -o a.png").err, "sfg: error: `GRAPH` is required [wrong-usage]\n");
+}
+
+}  // namespace
+}  // namespace TolmSDK::Graphics::sfg::tools
