@@ -3,7 +3,6 @@
 #ifndef SFG_ENVIRONMENT_H
 #define SFG_ENVIRONMENT_H
 
-#include "sfg_math.h"
 #include "sfg_samplers.h"
 
 // Irradiance divided by pi along the unit vector n. The nine colours are factors of 1, y, z, x, xy, yz, 3 z z - 1, xz
