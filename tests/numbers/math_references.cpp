@@ -10,6 +10,8 @@ namespace {
 Tolerance const kOneRounding{1e-37, 0.5 * kUlp, "one correctly rounded operation"};
 Tolerance const kDivision{1e-37, 3.0 * kUlp, "Vulkan divides to 2.5 units in the last place"};
 Tolerance const kTrigonometry{0x1p-11, 0.0, "Vulkan's sine and cosine are off by up to 2^-11"};
+Tolerance const kArcFunction{1e-3, 4096.0 * kUlp,
+                             "Vulkan's arc sine: an arc tangent of a rounded root near 1"};
 Tolerance const kArcTangent{1e-6, 4096.0 * kUlp,
                             "Vulkan's arc tangent is off by up to 4096 units in the last place"};
 
@@ -20,7 +22,10 @@ double schlickGain(double t, double a) {
   return t < 0.5 ? schlickBias(2.0 * t, a) / 2.0 : 1.0 - schlickBias(2.0 - 2.0 * t, a) / 2.0;
 }
 
-double rampPosition(Sample const& in) { return clamp01((in(2) - in(0)) / (in(1) - in(0))); }
+double rampPosition(Sample const& in, bool isClamped = true) {
+  double const t = (in(2) - in(0)) / (in(1) - in(0));
+  return isClamped ? clamp01(t) : t;
+}
 
 std::vector<Row> unaryRows() {
   return {
@@ -174,6 +179,131 @@ std::vector<Row> widerRows() {
   };
 }
 
+// Quilez 2013: the corner of radius k is lower than the minimum by k / 4 at most.
+double roundedMin(double a, double b, double radius) {
+  double const h = std::max(radius - std::fabs(a - b), 0.0) / radius;
+  return std::min(a, b) - h * h * radius / 4.0;
+}
+
+std::vector<Row> functionRows() {
+  return {
+      {"arcSineFloat",
+       {number("a", -1.5, 1.5)},
+       kArcFunction,
+       [](Sample const& in) { return Result(std::asin(std::clamp(in(0), -1.0, 1.0))); }},
+      {"arcCosineFloat",
+       {number("a", -1.5, 1.5)},
+       kArcFunction,
+       [](Sample const& in) { return Result(std::acos(std::clamp(in(0), -1.0, 1.0))); }},
+      {"tangentFloat",
+       {number("a", -1.2, 1.2)},
+       {8.0 * 0x1p-11, 0.0, "the quotient of Vulkan's sine and cosine, each off by up to 2^-11"},
+       [](Sample const& in) { return Result(std::tan(in(0))); }},
+      {"roundFloat",
+       {number("a", -50, 50)},
+       exactly(),
+       [](Sample const& in) { return Result(std::floor(in(0) + 0.5)); }},
+      {"truncateFloat",
+       {number("a", -50, 50)},
+       exactly(),
+       [](Sample const& in) { return Result(std::trunc(in(0))); }},
+      {"reciprocalFloat",
+       {number("a", -50, 50)},
+       kDivision,
+       [](Sample const& in) { return Result(in(0) == 0.0 ? 0.0 : 1.0 / in(0)); }},
+      {"squareFloat",
+       {number("a", -50, 50)},
+       kOneRounding,
+       [](Sample const& in) { return Result(in(0) * in(0)); }},
+      {"exponentialTwoFloat",
+       {number("a", -10, 10)},
+       {0.0, 23.0 * kUlp, "Vulkan's exp2: 3 + 2 |a| units in the last place"},
+       [](Sample const& in) { return Result(std::exp2(in(0))); }},
+      {"logarithmTwoFloat",
+       {number("a", -1, 100)},
+       {0x1p-21, 3.0 * kUlp, "Vulkan's log2: 2^-21 around 1, else 3 units"},
+       [](Sample const& in) { return Result(std::log2(std::max(in(0), 1e-30))); }},
+      {"radiansFromDegrees",
+       {number("degrees", -720, 720)},
+       rounding(2, 1e-6),
+       [](Sample const& in) { return Result(in(0) / 180.0 * kPi); }},
+      {"degreesFromRadians",
+       {number("radians", -10, 10)},
+       rounding(2, 1e-6),
+       [](Sample const& in) { return Result(in(0) * 180.0 / kPi); }},
+      {"gaussianFloat",
+       {number("a", -2, 2), number("deviation", 0.2, 3)},
+       {1e-5, 0.0, "Vulkan's exp: 3 + 2 |a| units in the last place"},
+       [](Sample const& in) { return Result(std::exp(-0.5 * in(0) * in(0) / (in(1) * in(1)))); }},
+      {"multiplyAddFloat",
+       {number("a", -10, 10), number("factor", -5, 5), number("offset", -10, 10)},
+       rounding(2, 60),
+       [](Sample const& in) { return Result(in(0) * in(1) + in(2)); }},
+      {"smoothMinFloat",
+       {number("a", -2, 2), number("b", -2, 2), number("radius", 0.1, 2)},
+       rounding(8, 3),
+       [](Sample const& in) { return Result(roundedMin(in(0), in(1), in(2))); }},
+      {"smoothMaxFloat",
+       {number("a", -2, 2), number("b", -2, 2), number("radius", 0.1, 2)},
+       rounding(8, 3),
+       [](Sample const& in) { return Result(-roundedMin(-in(0), -in(1), in(2))); }},
+      {"inverseMixFloat",
+       {number("low", -2, 0), number("high", 0.5, 2), number("a", -3, 3)},
+       rounding(6, 10),
+       [](Sample const& in) { return Result(rampPosition(in, false)); }},
+  };
+}
+
+// Whether a wave of that period jumps next to a number, given the places of its jumps in periods.
+bool nearJump(double turns, double jump) {
+  double const off = turns - jump - std::round(turns - jump);
+  return off != 0.0 && std::fabs(off) < 1e-5;
+}
+
+std::vector<Row> periodicRows() {
+  return {
+      {"wrapFloat",
+       {number("a", -5, 5), number("low", -2, 0), number("high", 0.5, 2)},
+       rounding(16, 4),
+       [](Sample const& in) {
+         double const period = in(2) - in(1);
+         return Result(in(1) + period * fraction((in(0) - in(1)) / period));
+       },
+       -1.0,
+       {},
+       [](Sample const& in) {
+         double const turns = (in(0) - in(1)) / (in(2) - in(1));
+         return std::fabs(turns - std::round(turns)) < 1e-5 && in(0) != in(1);
+       }},
+      {"pingPongFloat",
+       {number("a", -5, 5), number("reach", 0.5, 3)},
+       rounding(16, 4),
+       [](Sample const& in) {
+         double const period = 2.0 * in(1);
+         double const at = in(0) - period * std::floor(in(0) / period);
+         return Result(at < in(1) ? at : period - at);
+       }},
+      {"snapFloat",
+       {number("a", -5, 5), number("stride", 0.1, 2)},
+       rounding(2, 5),
+       [](Sample const& in) { return Result(std::floor(in(0) / in(1)) * in(1)); },
+       -1.0,
+       {},
+       [](Sample const& in) { return nearJump(in(0) / in(1), 0.0) || in(0) == in(1); }},
+      {"sawtoothWave",
+       {number("a", -5, 5)},
+       kOneRounding,
+       [](Sample const& in) { return Result(fraction(in(0))); }},
+      {"squareWave",
+       {number("a", -5, 5), number("share", 0.01, 1)},
+       exactly(),
+       [](Sample const& in) { return Result(fraction(in(0)) < in(1) ? 1.0 : 0.0); },
+       -1.0,
+       {},
+       [](Sample const& in) { return nearJump(in(0), in(1)) || nearJump(in(0), 0.0); }},
+  };
+}
+
 std::vector<Row> inlineRows() {
   std::vector<Input> const pair = {vector3("a", -10, 10), vector3("b", -10, 10)};
   return {
@@ -218,7 +348,8 @@ std::vector<Row> inlineRows() {
 
 Topic mathTopic() {
   Topic topic{"math.fraglib", {}};
-  for (std::vector<Row> const& rows : {unaryRows(), binaryRows(), widerRows(), inlineRows()}) {
+  for (std::vector<Row> const& rows :
+       {unaryRows(), binaryRows(), widerRows(), functionRows(), periodicRows(), inlineRows()}) {
     topic.rows.insert(topic.rows.end(), rows.begin(), rows.end());
   }
   return topic;

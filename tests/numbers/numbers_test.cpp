@@ -80,6 +80,10 @@ TEST(References, AreAllUsed) {
 
 TEST_F(Numbers, OfTheMathsFragmentsAgree) { check(mathTopic()); }
 
+TEST_F(Numbers, OfTheLogicFragmentsAgree) { check(logicTopic()); }
+
+TEST_F(Numbers, OfTheOperatorsAgree) { check(operatorTopic()); }
+
 TEST_F(Numbers, OfTheVectorFragmentsAgree) { check(vectorTopic()); }
 
 TEST_F(Numbers, OfTheColourFragmentsAgree) { check(colorTopic()); }

@@ -53,8 +53,8 @@ Sample::Sample(std::span<Input const> inputs, std::span<float const> values) : v
 }
 
 std::vector<Topic> allTopics() {
-  return {mathTopic(),    vectorTopic(), colorTopic(),      noiseTopic(),
-          patternTopic(), brdfTopic(),   coordinateTopic(), inputTopic()};
+  return {mathTopic(), vectorTopic(),     colorTopic(), noiseTopic(), patternTopic(),
+          brdfTopic(), coordinateTopic(), inputTopic(), logicTopic(), operatorTopic()};
 }
 
 }  // namespace numbers_test

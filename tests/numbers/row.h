@@ -125,6 +125,8 @@ Topic patternTopic();
 Topic brdfTopic();
 Topic coordinateTopic();
 Topic inputTopic();
+Topic logicTopic();
+Topic operatorTopic();
 
 std::vector<Topic> allTopics();
 

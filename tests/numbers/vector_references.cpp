@@ -137,6 +137,104 @@ std::vector<Row> arithmeticRows() {
   };
 }
 
+std::vector<Row> widthRows() {
+  std::vector<Input> const pair2 = {vector2("a", -10, 10), vector2("b", -10, 10)};
+  std::vector<Input> const pair3 = {vector3("a", -10, 10), vector3("b", -10, 10)};
+  std::vector<Input> const pair4 = {vector4("a", -10, 10), vector4("b", -10, 10)};
+  auto const each4 = [](double (*f)(double, double)) {
+    return [f](Sample const& in) {
+      Vec4 const a = in.vec4(0);
+      Vec4 const b = in.vec4(1);
+      return Result(f(a.x, b.x), f(a.y, b.y), f(a.z, b.z), f(a.w, b.w));
+    };
+  };
+  return {
+      {"subtractFloat2", pair2, kOneRounding,
+       [](Sample const& in) { return Result(in.vec2(0) - in.vec2(1)); }},
+      {"multiplyFloat2", pair2, kOneRounding,
+       [](Sample const& in) { return Result(in.vec2(0) * in.vec2(1)); }},
+      {"mixFloat2",
+       {vector2("a", -10, 10), vector2("b", -10, 10), number("amount", -1, 2)},
+       rounding(4, 10),
+       [](Sample const& in) { return Result(mix(in.vec2(0), in.vec2(1), in(2))); }},
+      {"dotFloat2", pair2, rounding(3, 100),
+       [](Sample const& in) { return Result(dot(in.vec2(0), in.vec2(1))); }},
+      {"lengthFloat2",
+       {vector2("a", -10, 10)},
+       rounding(6, 1e-6),
+       [](Sample const& in) { return Result(length(in.vec2(0))); }},
+      {"distanceFloat2", pair2, rounding(6, 10),
+       [](Sample const& in) { return Result(length(in.vec2(0) - in.vec2(1))); }},
+      {"addFloat4", pair4, kOneRounding, each4([](double a, double b) { return a + b; })},
+      {"subtractFloat4", pair4, kOneRounding, each4([](double a, double b) { return a - b; })},
+      {"multiplyFloat4", pair4, kOneRounding, each4([](double a, double b) { return a * b; })},
+      {"scaleFloat4",
+       {vector4("a", -10, 10), number("factor", -5, 5)},
+       kOneRounding,
+       [](Sample const& in) {
+         Vec4 const a = in.vec4(0);
+         return Result(a.x * in(1), a.y * in(1), a.z * in(1), a.w * in(1));
+       }},
+      {"mixFloat4",
+       {vector4("a", -10, 10), vector4("b", -10, 10), number("amount", -1, 2)},
+       rounding(4, 10),
+       [](Sample const& in) {
+         Vec4 const a = in.vec4(0);
+         Vec4 const b = in.vec4(1);
+         return Result(mix(a.x, b.x, in(2)), mix(a.y, b.y, in(2)), mix(a.z, b.z, in(2)),
+                       mix(a.w, b.w, in(2)));
+       }},
+      {"divideFloat3",
+       pair3,
+       {1e-37, 3.0 * kUlp, "Vulkan divides to 2.5 units in the last place"},
+       [](Sample const& in) {
+         return Result(
+             each(in.vec3(0), in.vec3(1), [](double a, double b) { return b == 0.0 ? 0.0 : a / b; }));
+       }},
+      {"negateFloat3",
+       {vector3("a", -10, 10)},
+       exactly(),
+       [](Sample const& in) { return Result(-in.vec3(0)); }},
+      {"absoluteFloat3",
+       {vector3("a", -10, 10)},
+       exactly(),
+       [](Sample const& in) { return Result(each(in.vec3(0), [](double v) { return std::fabs(v); })); }},
+      {"minFloat3", pair3, exactly(),
+       [](Sample const& in) {
+         return Result(each(in.vec3(0), in.vec3(1), [](double a, double b) { return std::min(a, b); }));
+       }},
+      {"maxFloat3", pair3, exactly(),
+       [](Sample const& in) {
+         return Result(each(in.vec3(0), in.vec3(1), [](double a, double b) { return std::max(a, b); }));
+       }},
+      {"clampFloat3",
+       {vector3("a", -2, 2), vector3("low", -1, 0), vector3("high", 0, 1)},
+       exactly(),
+       [](Sample const& in) {
+         Vec3 const above = each(in.vec3(0), in.vec3(1), [](double a, double b) { return std::max(a, b); });
+         return Result(each(above, in.vec3(2), [](double a, double b) { return std::min(a, b); }));
+       }},
+      {"floorFloat3",
+       {vector3("a", -50, 50)},
+       exactly(),
+       [](Sample const& in) { return Result(each(in.vec3(0), [](double v) { return std::floor(v); })); }},
+      {"projectVector",
+       {vector3("a", -10, 10), vector3("onto", 0.1, 3)},
+       rounding(16, 20),
+       [](Sample const& in) {
+         Vec3 const along = unit(in.vec3(1));
+         return Result(along * dot(in.vec3(0), along));
+       }},
+      {"rejectVector",
+       {vector3("a", -10, 10), vector3("onto", 0.1, 3)},
+       rounding(16, 20),
+       [](Sample const& in) {
+         Vec3 const along = unit(in.vec3(1));
+         return Result(in.vec3(0) - along * dot(in.vec3(0), along));
+       }},
+  };
+}
+
 std::vector<Row> geometryRows() {
   std::vector<Input> const pair = {vector3("a", -10, 10), vector3("b", -10, 10)};
   return {
@@ -297,7 +395,8 @@ std::vector<Row> inlineRows() {
 
 Topic vectorTopic() {
   Topic topic{"vectors.fraglib", {}};
-  for (std::vector<Row> const& rows : {arithmeticRows(), geometryRows(), matrixRows(), inlineRows()}) {
+  for (std::vector<Row> const& rows :
+       {arithmeticRows(), widthRows(), geometryRows(), matrixRows(), inlineRows()}) {
     topic.rows.insert(topic.rows.end(), rows.begin(), rows.end());
   }
   return topic;
