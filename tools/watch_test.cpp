@@ -34,7 +34,7 @@ protected:
 
   void start(const std::string& arguments) {
     const std::string line = "cd '" + path("") + "' && exec '" SFG_COMMAND "' watch " + arguments +
-                             " --no-cache --diagnostics brief >out 2>err </dev/null";
+                             " --no-cache --diagnostics short >out 2>err </dev/null";
     process_ = fork();
     if (process_ == 0) {
       execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
