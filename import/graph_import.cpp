@@ -1109,13 +1109,11 @@ private:
 
   /// The source as the output of a node: values and graph inputs go through one that hands them on.
   Source asNode(Source source, const std::string& type, const std::string& name, const Element& place) {
-    const std::size_t helper = addNode("output:" + name, "mtlx_dot_" + type, place);
-    const FragmentPorts* const ports = nodes_[helper].ports;
+    if (source.kind == Source::Kind::node && source.channels.empty()) return source;
+    const std::string fragment = "mtlx_dot_" + type;
+    const FragmentPorts* const ports = options_.fragments(fragment);
     if (ports == nullptr || ports->inputs.empty() || ports->outputs.empty()) return {};
-    if (source.kind == Source::Kind::node && source.channels.empty()) {
-      nodes_.pop_back();
-      return source;
-    }
+    const std::size_t helper = addNode("output:" + name, fragment, place);
     DefinedPort port;
     port.name = name;
     port.type = type;
