@@ -208,7 +208,7 @@ private:
       Source source;
       const bool isDone = followOne(scope, at, channels, source);
       if (!isDone) continue;
-      source.channels = std::move(channels);
+      source.channels.insert(source.channels.begin(), channels.begin(), channels.end());
       return source;
     }
     tellOnce(*start, "this leads through more than 256 references, or back to itself", "loop");
@@ -283,6 +283,10 @@ private:
     }
     const Definition* const definition = definitions_.find(node);
     if (definition == nullptr) return true;
+    if (isFurtherStream(node)) {
+      reached = fromStream(node, std::string(node.attribute("type")));
+      return true;
+    }
     if (definition->graph != nullptr) return enter(scope, at, node, *definition->graph, definition, output);
     if (definition->outputs.empty()) return true;
     const DefinedPort* port = &definition->outputs.front();
@@ -466,6 +470,26 @@ private:
     return graphInput("geomprop_" + identifierOf(name.text), type, node);
   }
 
+  static int streamOf(const Element& node) {
+    const Element* const index = node.child("input", "index");
+    return index == nullptr ? 0 : std::atoi(std::string(index->attribute("value")).c_str());
+  }
+
+  /// A set of colours or coordinates that is not among the state of the surface.
+  static bool isFurtherStream(const Element& node) {
+    if (node.category == "geomcolor") return streamOf(node) > 0;
+    return node.category == "texcoord" && streamOf(node) > 3;
+  }
+
+  Source fromStream(const Element& node, const std::string& type) {
+    const std::string number = std::to_string(streamOf(node));
+    if (node.category == "texcoord") return graphInput("texCoord" + number, "vector2", node);
+    Source source = graphInput("vertexColor" + number, "color4", node);
+    if (type == "color3") source.channels.push_back({"rgb", type});
+    if (type == "float") source.channels.push_back({"r", type});
+    return source;
+  }
+
   Source graphInput(const std::string& name, const std::string& type, const Element& place) {
     const auto [entry, isNew] = graphInputs_.try_emplace(name, type);
     if (entry->second != type) {
@@ -534,7 +558,8 @@ private:
       }
       const FragmentPorts::Port* const fragmentPort = findPort(ports.inputs, port.name);
       if (fragmentPort == nullptr) {
-        if (at != nullptr && !nodes_[index].isTwin && at->attribute("value") != port.value) {
+        const bool isLeftOut = at != nullptr && !nodes_[index].isTwin && !twinTakes(index, port.name);
+        if (isLeftOut && at->attribute("value") != port.value) {
           warnOnce(*at, "`" + port.name + "` of `" + element.category + "` is left out", "cannot-import");
         }
         continue;
@@ -563,6 +588,14 @@ private:
     nodes_[twin].scope = nodes_[index].scope;
     nodes_[twin].isTwin = true;
     return entry->second = twin;
+  }
+
+  bool twinTakes(std::size_t index, const std::string& input) const {
+    for (const char* const suffix : {"_emission", "_throughput"}) {
+      const FragmentPorts* const ports = options_.fragments(nodes_[index].fragment + suffix);
+      if (ports != nullptr && findPort(ports->inputs, input) != nullptr) return true;
+    }
+    return false;
   }
 
   static Source outputOfNode(std::size_t node, std::string output, std::string type) {
@@ -1076,13 +1109,11 @@ private:
 
   /// The source as the output of a node: values and graph inputs go through one that hands them on.
   Source asNode(Source source, const std::string& type, const std::string& name, const Element& place) {
-    const std::size_t helper = addNode("output:" + name, "mtlx_dot_" + type, place);
-    const FragmentPorts* const ports = nodes_[helper].ports;
+    if (source.kind == Source::Kind::node && source.channels.empty()) return source;
+    const std::string fragment = "mtlx_dot_" + type;
+    const FragmentPorts* const ports = options_.fragments(fragment);
     if (ports == nullptr || ports->inputs.empty() || ports->outputs.empty()) return {};
-    if (source.kind == Source::Kind::node && source.channels.empty()) {
-      nodes_.pop_back();
-      return source;
-    }
+    const std::size_t helper = addNode("output:" + name, fragment, place);
     DefinedPort port;
     port.name = name;
     port.type = type;

@@ -219,6 +219,20 @@ TEST(GraphImport, AsksForPropertiesOfTheGeometry) {
       "doc.mtlx:4:1: note: the renderer gives this as the graph input `geomprop_dirt` [cannot-import]\n");
 }
 
+TEST(GraphImport, AsksForFurtherColours) {
+  EXPECT_EQ(
+      ImportFixture().import(graph("<geomcolor name=\"c\" type=\"float\">"
+                                   "<input name=\"index\" type=\"integer\" value=\"1\"/></geomcolor>\n"
+                                   "<sin name=\"s\" type=\"float\">"
+                                   "<input name=\"in\" type=\"float\" nodename=\"c\"/></sin>\n"
+                                   "<output name=\"out\" type=\"float\" nodename=\"s\"/>\n")),
+      "input float4 vertexColor1\n"
+      "g/s: mtlx_sin_float in_=g/s.in_.1.0.out_\n"
+      "g/s.in_.1.0: mtlx_extract_color4 in_=<vertexColor1> index=0\n"
+      "output float out_out=g/s.out_\n"
+      "doc.mtlx:4:1: note: the renderer gives this as the graph input `vertexColor1` [cannot-import]\n");
+}
+
 TEST(GraphImport, HandsTheNamedInputOnWhereNothingComputesANode) {
   ImportFixture fixture;
   fixture.withoutFragment = {"contrast"};

@@ -85,7 +85,8 @@ TEST_F(ImportTest, AsksForANameWhereThereAreSeveral) {
   EXPECT_EQ(unnamed.err, "two.mtlx: error: there are several materials: `g/a`, `g/b` [unknown-material]\n");
   EXPECT_EQ(unnamed.status, 2);
   const CommandRun unknown = run("import two.mtlx -L lib --no-standard-library --material g/c");
-  EXPECT_EQ(unknown.err, "two.mtlx: error: there is no material `g/c` [unknown-material]\n");
+  EXPECT_EQ(unknown.err,
+            "two.mtlx: error: there is no material `g/c`; did you mean `g/a`? [unknown-material]\n");
   EXPECT_EQ(unknown.status, 2);
 }
 

@@ -21,7 +21,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 RESULT = ROOT / "library" / "materialx" / "definitions.json"
 
 # Names that a definition takes without listing them.
-SPACES = ["model", "object", "world"]
+SPACES = ["", "model", "object", "world"]
 UNLISTED = {"fromspace": SPACES, "tospace": SPACES}
 
 
@@ -74,13 +74,15 @@ def definition_of(row):
 
 
 def with_inherited(rows):
-    """A definition that inherits has the inputs of the other, too."""
+    """A definition that inherits has the inputs and outputs of the other, too."""
     by_name = {row["name"]: row for row in rows}
     for row in rows:
         base = by_name.get(row.get("inherit"))
-        known = {port["name"] for port in row["inputs"]}
-        more = [port for port in base["inputs"] if port["name"] not in known] if base else []
-        yield {**row, "inputs": row["inputs"] + more}
+        whole = dict(row)
+        for key in ("inputs", "outputs") if base else ():
+            known = {port["name"] for port in row[key]}
+            whole[key] = row[key] + [port for port in base[key] if port["name"] not in known]
+        yield whole
 
 
 def main():

@@ -214,8 +214,7 @@ public:
 private:
   std::vector<float> runOutput(const materialx::ImportedMaterial& material, std::size_t channels) {
     for (const host::Diagnostic& diagnostic : material.diagnostics) {
-      if (diagnostic.severity == host::Severity::note || diagnostic.identifier == "unreadable-file") continue;
-      throw std::runtime_error(diagnostic.text);
+      if (diagnostic.severity == host::Severity::error) throw std::runtime_error(diagnostic.text);
     }
     host::CollapseOptions options;
     if (material.isLit) options.tool = host::CollapseTool::lightLoop;
