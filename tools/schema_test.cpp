@@ -140,9 +140,9 @@ class SchemaCommandTest : public CommandTest {};
 
 TEST_F(SchemaCommandTest, KnowsFiveDocuments) {
   const CommandRun near = run("schema libary");
-  EXPECT_EQ(near.err,
-            "sfg: error: DOCUMENT: `libary` is none of `library`, `graph`, `environment`, "
-            "`manifest`, `reflection`; did you mean `library`? [wrong-usage]\ntry `sfg --help`, or `sfg COMMAND --help`\n");
+  EXPECT_EQ(near.err, "sfg: error: DOCUMENT: `libary` is none of `library`, `graph`, `environment`, "
+                      "`manifest`, `reflection`; did you mean `library`? [wrong-usage]\ntry `sfg --help`, or "
+                      "`sfg COMMAND --help`\n");
   EXPECT_EQ(near.status, 2);
   EXPECT_EQ(run("schema").status, 2);
   EXPECT_EQ(run("schema graph").out.substr(0, 2), "{\n");

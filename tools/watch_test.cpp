@@ -28,7 +28,8 @@ protected:
     writeLibrary();
     write("graphs/a.json", graphOf("tint"));
     write("graphs/b.json", graphOf("tint"));
-    write("manifest.json", R"({ "libraries": ["lib"], "shaders": [ { "graphs": ["graphs"], "targets": ["assembled"] } ] })");
+    write("manifest.json",
+          R"({ "libraries": ["lib"], "shaders": [ { "graphs": ["graphs"], "targets": ["assembled"] } ] })");
   }
   ~WatchTest() override { end(); }
 
