@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/numbers/agreement.h"
+#include "tests/numbers/blending_references.h"
 #include "tests/numbers/compute_shader.h"
 #include "tests/numbers/fragment_source.h"
 #include "tests/numbers/row.h"
@@ -83,6 +84,10 @@ TEST_F(Numbers, OfTheMathsFragmentsAgree) { check(mathTopic()); }
 TEST_F(Numbers, OfTheLogicFragmentsAgree) { check(logicTopic()); }
 
 TEST_F(Numbers, OfTheOperatorsAgree) { check(operatorTopic()); }
+
+TEST_F(Numbers, OfBlendingAgree) { check(blendingTopic()); }
+
+TEST_F(Numbers, OfTheColourSpacesAgree) { check(colorSpaceTopic()); }
 
 TEST_F(Numbers, OfTheVectorFragmentsAgree) { check(vectorTopic()); }
 

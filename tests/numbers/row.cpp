@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "tests/numbers/blending_references.h"
 #include "tests/numbers/compute_shader.h"
 
 namespace numbers_test {
@@ -53,8 +54,9 @@ Sample::Sample(std::span<Input const> inputs, std::span<float const> values) : v
 }
 
 std::vector<Topic> allTopics() {
-  return {mathTopic(), vectorTopic(),     colorTopic(), noiseTopic(), patternTopic(),
-          brdfTopic(), coordinateTopic(), inputTopic(), logicTopic(), operatorTopic()};
+  return {mathTopic(),    vectorTopic(),   colorTopic(),      noiseTopic(),
+          patternTopic(), brdfTopic(),     coordinateTopic(), inputTopic(),
+          logicTopic(),   operatorTopic(), blendingTopic(),   colorSpaceTopic()};
 }
 
 }  // namespace numbers_test
