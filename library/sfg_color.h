@@ -2,6 +2,8 @@
 #ifndef SFG_COLOR_H
 #define SFG_COLOR_H
 
+#include "sfg_math.h"  // keep
+
 // Relative luminance (ITU-R BT.709).
 float sfg_luminance(float3 rgb)
 {

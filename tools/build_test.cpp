@@ -83,7 +83,7 @@ TEST_F(BuildTest, FaultsOfTheManifestAreStatusTwo) {
         "{\"libraries\": [\"lib\"],\n  \"shaders\": [{\"graphs\": [\"graphs\"], \"targets\": [\"x\"]}]}");
   const CommandRun run = build();
   EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err.substr(0, 42), "build.json:2:48: error: `x` is not known h");
+  EXPECT_EQ(run.err.substr(0, 42), "build.json:2:50: error: `x` is not known h");
   EXPECT_FALSE(exists("out"));
   EXPECT_EQ(this->run("build gone.json").status, 2);
   EXPECT_EQ(this->run("build build.json --shard 3/2").status, 2);

@@ -169,21 +169,21 @@ const WarningCase kCases[] = {
      "has no `+=` [structure-summed]\n"},
     {"StructureOfUnlitFragmentIsSound", kStructure, kNoLight, kLoop, ""},
     {"UniformNameInsideOther", kScaled, kNoLight, "",
-     "lib/warnings.fraglib:11:13: warning: fragment `scaled`: the uniform name `al` occurs inside `scale`, "
+     "lib/warnings.fraglib:12:51: warning: fragment `scaled`: the uniform name `al` occurs inside `scale`, "
      "which is changed with it when it is renamed [name-inside-name]\n"},
     {"HelperNameInsideOther", kHelped, kNoLight, "",
-     "lib/warnings.fraglib:13:13: warning: fragment `helped`: the helper name `one` occurs inside `oneHalf`, "
+     "lib/warnings.fraglib:13:89: warning: fragment `helped`: the helper name `one` occurs inside `oneHalf`, "
      "which is changed with it when it is renamed [name-inside-name]\n"},
     {"SamplerOfATextureUniformIsSound", kTextured, kNoLight, "--format json", ""},
     {"StaticConstantOfAFragmentUsedTwice", kRawTwice, kNoLight, "",
-     "lib/warnings.fraglib:17:10: warning: fragment `raw`: it is used 2 times, and so often `static const "
+     "lib/warnings.fraglib:17:83: warning: fragment `raw`: it is used 2 times, and so often `static const "
      "float rawConstant = 1.0;` of its predefines is written [repeated-statement]\n"},
     {"StaticConstantOfAFragmentUsedOnceIsSound", kRawOnce, kNoLight, "", ""},
     {"ConstantBufferOfAFragmentUsedTwice", kBufferedTwice, kNoLight, "",
-     "lib/warnings.fraglib:19:15: warning: fragment `buffered`: it is used 2 times, and so often `cbuffer "
+     "lib/warnings.fraglib:19:54: warning: fragment `buffered`: it is used 2 times, and so often `cbuffer "
      "Own : register(b7) { float own; };` of its predefines is written [repeated-statement]\n"},
     {"SamplerRegisterOfAFragmentUsedTwice", kFilteredTwice, kNoLight, "",
-     "lib/warnings.fraglib:21:15: warning: fragment `filtered`: it is used 2 times, and so often "
+     "lib/warnings.fraglib:21:79: warning: fragment `filtered`: it is used 2 times, and so often "
      "`SamplerState filterState : register(s7);` of its predefines is written [repeated-statement]\n"},
     {"InoutInputWithoutAVariable", R"({ "outputs": [ { "name": "x", "type": "float", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "measure" } ] })",

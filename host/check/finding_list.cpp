@@ -16,10 +16,12 @@ auto placeOf(const FindingGroup& group) {
   return std::tie(finding.file, finding.line, finding.column);
 }
 
-/// What tells findings at one place apart: of what compilers refuse there the first is the cause.
+/// What tells findings at one place apart: of what compilers refuse there the first is the cause, and a
+/// statement that a fragment repeats is the same whether a graph shows it or the fragment alone.
 std::pair<std::string, std::string> matterOf(const Diagnostic& finding) {
-  const bool isCascade = finding.identifier == identifierOf(Finding::compileError);
-  return {finding.identifier, isCascade ? std::string() : finding.text};
+  const bool isOne = finding.identifier == identifierOf(Finding::compileError) ||
+                     finding.identifier == identifierOf(Finding::repeatedStatement);
+  return {finding.identifier, isOne ? std::string() : finding.text};
 }
 
 }  // namespace

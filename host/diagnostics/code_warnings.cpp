@@ -1,5 +1,6 @@
 #include "host/diagnostics/code_warnings.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "host/diagnostics/contained_names.h"
@@ -13,8 +14,13 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-/// The line of the predefines in which a raw statement starts, or nothing.
-std::optional<std::string> rawStatement(const IShaderFragmentProfile& profile) {
+/// The statement of the predefines that is no symbol, to the end of its line.
+struct RawStatement {
+  std::size_t place = 0;  ///< in the predefines
+  std::string line;
+};
+
+std::optional<RawStatement> rawStatement(const IShaderFragmentProfile& profile) {
   CodeSnippet snippet;
   snippet.addCode(profile.predefines());
   snippet.parse();
@@ -22,7 +28,7 @@ std::optional<std::string> rawStatement(const IShaderFragmentProfile& profile) {
   if (!place) return std::nullopt;
   const std::wstring_view code = snippet.getCode();
   const std::size_t start = code.rfind(L'\n', *place) + 1;
-  return toUtf8(code.substr(start, code.find(L'\n', *place) - start));
+  return RawStatement{*place, toUtf8(code.substr(start, code.find(L'\n', *place) - start))};
 }
 
 /// Names of the functions, structures and variables that the predefines declare.
@@ -40,7 +46,8 @@ Set<WString> helperNames(const IShaderFragmentProfile& profile) {
 
 class CodeWarnings {
 public:
-  CodeWarnings(const CollapseFacts& facts, WarningList& warnings) : facts_(facts), warnings_(warnings) {}
+  CodeWarnings(const CollapseFacts& facts, WarningList& warnings)
+      : facts_(facts), warnings_(warnings), codes_(facts.job().libraries()) {}
 
   void run() {
     namesInsideOthers();
@@ -62,34 +69,55 @@ private:
         const WString code = profile->predefines() + L"\n" + profile->getFunctionBody();
         const Set<std::wstring_view> identifiers = identifiersOf(code);
         for (const ContainedNames::Found& found : uniformSearch.find(identifiers)) {
-          nameInsideOther(use, "uniform", uniforms[found.name].text, found.inside, told);
+          nameInsideOther(use, profile, "uniform", uniforms[found.name].text, found.inside, told);
         }
         const Set<WString> helperTexts = helperNames(*profile);
         std::vector<ContainedNames::Name> helpers;
         for (const WString& helper : helperTexts) helpers.push_back({helper, false});
         for (const ContainedNames::Found& found : ContainedNames(helpers).find(identifiers)) {
-          nameInsideOther(use, "helper", helpers[found.name].text, found.inside, told);
+          nameInsideOther(use, profile, "helper", helpers[found.name].text, found.inside, told);
         }
       }
     }
   }
 
-  void nameInsideOther(const FragmentUse& use, const char* kind, std::wstring_view name,
+  void nameInsideOther(const FragmentUse& use, Profile profile, const char* kind, std::wstring_view name,
                        std::wstring_view other, Set<std::string>& told) {
     const std::string text = std::string("the ") + kind + " name " + inTicks(name) + " occurs inside " +
                              inTicks(other) + ", which is changed with it when it is renamed";
-    if (told.insert(text).second) warnings_.atFragment(Finding::nameInsideName, *use.fragment, text);
+    if (!told.insert(text).second) return;
+    for (const CodePart part : {CodePart::predefine, CodePart::implementation}) {
+      const FragmentCode* const code = codeOf(use, profile, part);
+      const CodeToken* const token = code != nullptr ? findName(*code, other) : nullptr;
+      if (token == nullptr) continue;
+      return warnings_.atCode(Finding::nameInsideName, *use.fragment, code, token->begin, text);
+    }
+    warnings_.atFragment(Finding::nameInsideName, *use.fragment, text);
+  }
+
+  static const CodeToken* findName(const FragmentCode& code, std::wstring_view name) {
+    const auto found = std::find_if(code.tokens.begin(), code.tokens.end(), [&](const CodeToken& token) {
+      return token.isName && token.in(code.text) == name;
+    });
+    return found != code.tokens.end() ? &*found : nullptr;
+  }
+
+  const FragmentCode* codeOf(const FragmentUse& use, Profile profile, CodePart part) {
+    for (std::size_t i = 0; i < use.fragment->getNumProfiles(); ++i)
+      if (use.fragment->getProfile(i) == profile) return codes_.find(use.fragment->key(), i, part);
+    return nullptr;
   }
 
   void rawStatements() {
     for (const auto& [key, use] : facts_.uses()) {
       if (use.count < 2) continue;
       for (const Profile profile : use.profiles) {
-        const std::optional<std::string> statement = rawStatement(*profile);
+        const std::optional<RawStatement> statement = rawStatement(*profile);
         if (!statement) continue;
-        warnings_.atFragment(Finding::repeatedStatement, *use.fragment,
-                             "it is used " + std::to_string(use.count) + " times, and so often `" +
-                                 *statement + "` of its predefines is written");
+        warnings_.atCode(Finding::repeatedStatement, *use.fragment, codeOf(use, profile, CodePart::predefine),
+                         statement->place,
+                         "it is used " + std::to_string(use.count) + " times, and so often `" +
+                             statement->line + "` of its predefines is written");
         break;
       }
     }
@@ -97,6 +125,7 @@ private:
 
   const CollapseFacts& facts_;
   WarningList& warnings_;
+  FragmentCodes codes_;
 };
 
 }  // namespace

@@ -22,8 +22,8 @@ protected:
     warnOfCode(CollapseFacts(*made), warnings);
     return textOf(warnings.take());
   }
-  std::string atFragment(const std::string& text) const {
-    return path("lib.fraglib") + ":1:8: fragment `f`: " + text + "\n";
+  std::string at(int column, const std::string& text) const {
+    return path("lib.fraglib") + ":1:" + std::to_string(column) + ": fragment `f`: " + text + "\n";
   }
 };
 
@@ -31,12 +31,11 @@ TEST_F(CodeWarningsTest, TellsUniformsAndHelpersInsideOtherNames) {
   EXPECT_EQ(
       warningsOf(R"("uniforms": [ { "name": "gain", "type": "float" } ], )",
                  "float again = gain; result = again;"),
-      atFragment(
-          "the uniform name `gain` occurs inside `again`, which is changed with it when it is renamed"));
-  EXPECT_EQ(warningsOf(R"("predefine": ["float wave(float a) { return a; }"], )",
-                       "float waves = wave(x); result = waves;"),
-            atFragment(
-                "the helper name `wave` occurs inside `waves`, which is changed with it when it is renamed"));
+      at(154, "the uniform name `gain` occurs inside `again`, which is changed with it when it is renamed"));
+  EXPECT_EQ(
+      warningsOf(R"("predefine": ["float wave(float a) { return a; }"], )",
+                 "float waves = wave(x); result = waves;"),
+      at(153, "the helper name `wave` occurs inside `waves`, which is changed with it when it is renamed"));
   EXPECT_EQ(warningsOf(R"("uniforms": [ { "name": "gain", "type": "float" } ], )", "result = gain;"), "");
 }
 
@@ -45,7 +44,7 @@ TEST_F(CodeWarningsTest, TellsRawTextOfPredefinesThatAreWrittenSeveralTimes) {
       R"("predefine": ["float one() { return 1; }", "// only a comment", "typedef float f1;"], )";
   EXPECT_EQ(warningsOf(members, "result = x;", 1), "");
   EXPECT_EQ(warningsOf(members, "result = x;", 3),
-            atFragment("it is used 3 times, and so often `typedef float f1;` of its predefines is written"));
+            at(97, "it is used 3 times, and so often `typedef float f1;` of its predefines is written"));
   EXPECT_EQ(warningsOf(R"("predefine": ["// only a comment", "#define A 1"], )", "result = x;", 2), "");
 }
 

@@ -51,7 +51,7 @@ bool isReserved(std::string_view name) {
       "else",     "for",     "while",  "do",      "switch",   "case",      "default", "break",
       "continue", "discard", "struct", "cbuffer", "register", "technique", "pass",    "sampler",
       "texture",  "matrix",  "vector", "line",    "point",    "triangle",  "sample",  "linear",
-      "centroid", "precise", "string", "true",    "false"};
+      "centroid", "precise", "string", "true",    "false",    "void"};
   return isValueType(name) || std::find(words.begin(), words.end(), name) != words.end();
 }
 
@@ -210,7 +210,7 @@ private:
         told_.isBehind = true;
         return syntax("missing " + ticks(subject()) + " behind " + ticks(at(token_ - 1)));
       }
-      if (isReserved(here) && isReserved(at(token_ - 1)) && subject() == ";")
+      if (isReserved(here) && isReserved(at(token_ - 1)) && (subject() == ";" || subject() == ")"))
         return syntax(ticks(here) + " is a reserved word; it cannot be a name");
       return syntax("unexpected " + ticks(here) + "; expected " + ticks(subject()) + " behind " +
                     ticks(at(token_ - 1)));

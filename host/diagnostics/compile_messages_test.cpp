@@ -35,6 +35,13 @@ TEST(CompileMessagesTest, KeepsWordsThatItDoesNotKnow) {
   EXPECT_EQ(described(L"", {1, "';' : Expected", 1}), "the code ends too early");
 }
 
+TEST(CompileMessagesTest, TellsTypesThatAreUsedAsNames) {
+  EXPECT_EQ(described(L"void half(float x) {}", {1, "';' : Expected", 6}),
+            "1:6 `half` is a reserved word; it cannot be a name");
+  EXPECT_EQ(described(L"float f(float float2) {}", {1, "')' : Expected", 15}),
+            "1:15 `float2` is a reserved word; it cannot be a name");
+}
+
 TEST(CompileMessagesTest, NamesTheNearestName) {
   EXPECT_EQ(meantName("colour", {"color", "count"}), "color");
   EXPECT_EQ(meantName("vec3", {"vec2"}), "float3");

@@ -20,6 +20,16 @@ void WarningList::atFragment(Finding kind, const IShaderFragment& fragment, cons
                                "fragment " + inTicks(fragment.key()) + ": " + text));
 }
 
+void WarningList::atCode(Finding kind, const IShaderFragment& fragment, const FragmentCode* code,
+                         std::size_t offset, const std::string& text) {
+  atFragment(kind, fragment, text);
+  if (code == nullptr) return;
+  warnings_.back().file = *code->file;
+  const TextPosition position = code->placeOf(offset);
+  warnings_.back().line = position.line;
+  warnings_.back().column = position.column;
+}
+
 std::string named(const GraphNode& node) { return "node " + inTicks(node.name()); }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -8,6 +8,7 @@
 
 #include "host/documents/diagnostic_kinds.h"
 #include "host/job/collapse_job.h"
+#include "host/origins/fragment_code.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -20,6 +21,9 @@ public:
   void atLight(Finding kind, const ShadingEnvironment::Light& light, const std::string& text);
   /// About a fragment's own code, at its place in the library.
   void atFragment(Finding kind, const IShaderFragment& fragment, const std::string& text);
+  /// At that offset of its code; where its library does not hold the code (null), at the fragment.
+  void atCode(Finding kind, const IShaderFragment& fragment, const FragmentCode* code, std::size_t offset,
+              const std::string& text);
 
   std::vector<Diagnostic> take() { return std::move(warnings_); }
 

@@ -36,6 +36,17 @@ void tellMissing(const LoadedLibraries& libraries, const std::string& who, const
   lints.at(Finding::missingInclude, file, position, text);
 }
 
+/// Whether the line of the name ends with the comment "// keep": whoever includes the file may count on it.
+bool isKept(const IncludeIndex::File& file, const IncludeFiles::Named& name) {
+  if (name.position.line > file.lines.size()) return false;  // the file was changed meanwhile
+  const std::size_t begin = file.lines[name.position.line - 1];
+  const std::wstring_view line =
+      std::wstring_view(file.text).substr(begin, file.text.find(L'\n', begin) - begin);
+  constexpr std::wstring_view kMark = L"// keep";
+  const std::size_t end = line.find_last_not_of(L" \t\r") + 1;
+  return line.substr(0, end).ends_with(kMark);
+}
+
 /// All that is included through the file, itself among them.
 Set<const IncludeIndex::File*> allOf(const IncludeIndex& includes, const IncludeIndex::File& file) {
   std::vector<const IncludeIndex::File*> open = {&file};
@@ -124,7 +135,7 @@ void lintIncludeFile(const LoadedLibraries& libraries, const IncludeIndex::File&
     if (isCollection || included == nullptr || included == &file || !file.declared.isCertain) continue;
     if (joinsNames(file.code) || !includes.isComplete(name.name) || included->declared.names.empty())
       continue;
-    if (used.contains(included)) continue;
+    if (used.contains(included) || isKept(file, name)) continue;
     lints.at(Finding::unusedInclude, file.path, name.position,
              "this include file uses nothing of " + inTicks(name.name));
   }

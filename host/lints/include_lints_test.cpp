@@ -35,6 +35,15 @@ TEST_F(UnusedInclude, IsToldOfIncludeFiles) {
             "a.h:3:12: this include file uses nothing of `b.h` [unused-include]\n");
 }
 
+TEST_F(UnusedInclude, IsNoneThatAnIncludeFileKeeps) {
+  const std::string library = including("\"a.h\"", "r = twice(x);");
+  write("b.h", "float half(float x);\n");
+  write("a.h", "#include \"b.h\"  // keep \r\nfloat twice(float x);\n");
+  EXPECT_EQ(lintsOf(library), "");
+  write("a.h", "#include \"b.h\"  // keep it\nfloat twice(float x);  // keep\n");
+  EXPECT_EQ(lintsOf(library), "a.h:1:10: this include file uses nothing of `b.h` [unused-include]\n");
+}
+
 TEST_F(UnusedInclude, IsNoneWhoseMacroStructureOrVariableIsUsed) {
   write("a.h", "#define GAIN 2.0\n");
   EXPECT_EQ(lintsOf(including("\"a.h\"", "{ if (x > 0.0) { r = x * GAIN; } } r = x;")), "");

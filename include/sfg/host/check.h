@@ -34,7 +34,7 @@ public:
   std::size_t compiledTexts() const;
 
   /// For this library's own use.
-  class Impl;
+  class SFG_HOST_LOCAL Impl;
   Impl& impl() const noexcept { return *impl_; }
 
 private:
@@ -111,7 +111,7 @@ public:
   CheckResult check(const Files& files, std::size_t threads = 1, const OnProgress& onProgress = {}) const;
 
   /// For this library's own use.
-  struct State;
+  struct SFG_HOST_LOCAL State;
 
 private:
   std::unique_ptr<const State> state_;

@@ -8,3 +8,6 @@
 #else
 #define SFG_HOST_API TOLMSDK_DLL_IMPORT
 #endif
+
+// Marks what an exported class keeps to the library.
+#define SFG_HOST_LOCAL TOLMSDK_DLL_LOCAL

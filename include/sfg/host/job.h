@@ -117,7 +117,7 @@ public:
   std::string drawing(const std::string& title) const;
 
 private:
-  struct State;
+  struct SFG_HOST_LOCAL State;
   State& collapsed() const;
 
   std::unique_ptr<State> state_;

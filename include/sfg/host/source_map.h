@@ -76,7 +76,7 @@ public:
   SourceMap(const CollapseJob& job, const AssembledShader& assembled);
 
 private:
-  struct Impl;
+  struct SFG_HOST_LOCAL Impl;
   std::unique_ptr<const Impl> impl_;
 };
 
