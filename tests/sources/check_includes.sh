@@ -45,10 +45,11 @@ for room in documents library job shader modules origins diagnostics lints drawi
     modules) allow host/modules "$rooms|glslang|spirv-tools|spirv_cross_c.h" ;;
   esac
 done
-other='tools/lsp/'
-allow tools "sfg|tolmsdk|tools|CLI|unistd.h"
+other='tools/\(lsp\|watch\)/'
+allow tools "sfg|tolmsdk|tools|CLI|nlohmann|unistd.h|sys"
 other=
 allow tools/lsp "sfg|tolmsdk|tools|nlohmann"
+allow tools/watch "sfg|tolmsdk|tools|poll.h|unistd.h|sys"
 # To be copied: nothing of this project.
 allow render 'vulkan|png.h|renderer.h'
 
