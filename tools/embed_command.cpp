@@ -41,7 +41,7 @@ std::optional<std::string> readBytes(const std::string& file) {
 std::string readShader(const std::string& file) {
   std::optional<std::string> bytes = readBytes(file);
   if (bytes) return *std::move(bytes);
-  throw host::InputError(file, TextPosition(), "cannot be read; `sfg build` makes it", "cannot-read");
+  throw host::InputError(file, TextPosition(), "cannot be read; `sfg build` makes it", "unreadable-file");
 }
 
 /// Keeps the date of a file that holds the text already.
@@ -93,7 +93,7 @@ private:
     auto reflection = nlohmann::ordered_json::parse(readShader(task.reflection), nullptr, false);
     if (!reflection.is_object() || !reflection["hash"].is_string()) {
       throw host::InputError(task.reflection, TextPosition(), "is no reflection; `sfg build` makes it",
-                             "cannot-read");
+                             "unreadable-file");
     }
     reflection.erase("files");
     return writeEmbeddedHeader(scope_, {file, readShader(task.output), reflection["hash"].get<std::string>(),

@@ -1,4 +1,5 @@
-#include <algorithm>
+#include <sys/wait.h>
+
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -197,7 +198,9 @@ private:
     ::setenv("SFG_BUILT", std::to_string(report.built + report.reused).c_str(), 1);
     ::setenv("SFG_FAILED", std::to_string(report.failed).c_str(), 1);
     const int status = std::system(command_.c_str());
-    if (status != 0) std::cout << "`--exec` failed\n" << std::flush;
+    // Ctrl-C reaches the command alone while it runs.
+    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) isEnded = true;
+    if (status != 0 && !isEnded) std::cout << "`--exec` failed\n" << std::flush;
   }
 
   BuildCommandOptions options_;

@@ -42,18 +42,21 @@ protected:
       _exit(127);
     }
   }
-  /// Ends it as Ctrl-C does; answers its status.
-  int end() {
+  /// Ends it as Ctrl-C does, or otherwise; answers its status.
+  int end(int signal = SIGINT) {
+    if (process_ > 0) kill(process_, signal);
+    return wait();
+  }
+  int wait() {
     if (process_ <= 0) return -1;
     int status = 0;
-    kill(process_, SIGINT);
     waitpid(process_, &status, 0);
     process_ = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
   /// What it has printed when that ends with a line that begins so; without the seconds.
   std::string printedUpTo(const std::string& begin) {
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 3000 && waitpid(process_, nullptr, WNOHANG) == 0; ++i) {
       const std::string text = read("out");
       const std::size_t last = text.rfind('\n', text.size() - 2) + 1;
       if (text.size() > told_ && text.ends_with("\n") && text.compare(last, begin.size(), begin) == 0) {
@@ -78,11 +81,11 @@ private:
 
 TEST_F(WatchTest, BuildsWhatASavedFileTouches) {
   start("manifest.json");
-  EXPECT_EQ(printedUpTo("watching"), "watching: 1 built, 1 reused");
+  EXPECT_EQ(printedUpTo("watching"), "watching: 2 built");
   replace("graphs/b.json", graphOf("frame"));
   EXPECT_EQ(printedUpTo("b.json"), "b.json: 1 built, 1 unchanged");
   write("graphs/more/c.json", graphOf("clock"));
-  EXPECT_EQ(printedUpTo("more"), "more and 1 more: 1 built, 2 unchanged");
+  EXPECT_EQ(printedUpTo("more"), "more: 1 built, 2 unchanged");
   EXPECT_EQ(end(), 0);
 }
 
@@ -124,6 +127,14 @@ TEST_F(WatchTest, RunsACommandBehindEachRound) {
   write("graphs/b.json", graphOf("frame"));
   printedUpTo("ran");
   EXPECT_EQ(read("rounds"), "2 0\n1 0\n");
+  // A program that waits for a command does not hear Ctrl-C, which ends the command.
+  EXPECT_EQ(end(SIGTERM), 0);
+}
+
+TEST_F(WatchTest, EndsWithACommandThatCtrlCEnds) {
+  start("manifest.json --exec 'kill -INT $$'");
+  for (int i = 0; i < 3000 && read("out").empty(); ++i) std::this_thread::sleep_for(milliseconds(10));
+  EXPECT_EQ(wait(), 0);
 }
 
 TEST_F(WatchTest, RefusesArgumentsThatNoFileMends) {

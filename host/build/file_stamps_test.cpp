@@ -1,58 +1,57 @@
 #include "host/build/file_stamps.h"
 
+#include <chrono>
+
 #include "host/build/build_fixture.h"
-#include "tolmsdk/sha1.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
-using FileStampsTest = BuildFixture;
+namespace fs = std::filesystem;
 
-TEST_F(FileStampsTest, AreThoseOfRegularFiles) {
-  write("a", "four");
-  ASSERT_TRUE(stampOf(path("a")));
-  EXPECT_EQ(stampOf(path("a"))->size, 4u);
-  EXPECT_FALSE(stampOf(path("none")));
-  EXPECT_FALSE(stampOf(path("lib")));
-  EXPECT_EQ(readBytes(path("a")), "four");
-  EXPECT_EQ(readBytes(path("none")), std::nullopt);
-}
+class FileStamps : public BuildFixture {
+protected:
+  void age(const std::string& name) const {
+    fs::last_write_time(path(name), fs::file_time_type::clock::now() - std::chrono::hours(1));
+  }
+};
 
-TEST_F(FileStampsTest, OfUnknownTimeEqualNone) {
-  EXPECT_TRUE((FileStamp{4, 9}.isSame({4, 9})));
-  EXPECT_FALSE((FileStamp{4, 9}.isSame({5, 9})));
-  EXPECT_FALSE((FileStamp{4, 9}.isSame({4, 8})));
-  EXPECT_FALSE((FileStamp{4, 0}.isSame({4, 0})));
-}
-
-TEST_F(FileStampsTest, SpareReadingWhatIsKnown) {
-  write("a", "four");
-  std::filesystem::last_write_time(path("a"),
-                                   std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
-  FileHashes first;
-  EXPECT_EQ(first.hashOf(path("a")), SHA1_GetBytesHash("four"));
-  const auto learnt = first.takeLearnt();
-  ASSERT_EQ(learnt.size(), 1u);
-  EXPECT_EQ(learnt[0].first, path("a"));
-  EXPECT_TRUE(first.takeLearnt().empty());
-
-  FileHashes next;
-  next.add(path("a"), {learnt[0].second.stamp, "what was noted"});
-  EXPECT_EQ(next.hashOf(path("a")), "what was noted");
-  write("a", "other");
-  FileHashes last;
-  last.add(path("a"), learnt[0].second);
-  EXPECT_EQ(last.hashOf(path("a")), SHA1_GetBytesHash("other"));
-  EXPECT_EQ(last.hashOf(path("none")), "");
-}
-
-TEST_F(FileStampsTest, KnowATextThatIsRead) {
-  write("a", "four");
+TEST_F(FileStamps, FileWithTheSameSizeAndTimeIsNotReadAgain) {
+  write("a", "one");
+  age("a");
   FileHashes hashes;
-  std::string hash;
-  EXPECT_EQ(hashes.read(path("a"), hash), "four");
-  EXPECT_EQ(hash, SHA1_GetBytesHash("four"));
-  EXPECT_EQ(hashes.read(path("none"), hash), std::nullopt);
+  hashes.add(path("a"), {*stampOf(path("a")), "known"});
+  EXPECT_EQ(hashes.hashOf(path("a")), "known");
+  EXPECT_TRUE(hashes.takeLearnt().empty());
+}
+
+TEST_F(FileStamps, AnotherTimeOrSizeIsReadAgain) {
+  write("a", "one");
+  age("a");
+  FileStamp stamp = *stampOf(path("a"));
+  ++stamp.time;
+  FileHashes hashes;
+  hashes.add(path("a"), {stamp, "known"});
+  EXPECT_EQ(hashes.hashOf(path("a")), "fe05bcdcdc4928012781a5f1a2a77cbb5398e106");  // sha1sum of "one"
+  EXPECT_EQ(hashes.takeLearnt().size(), 1u);
+}
+
+/// Within a tick of the clock a file may change again and keep its time.
+TEST_F(FileStamps, FileThatIsNewIsReadAgainTheNextTime) {
+  write("a", "one");
+  FileHashes hashes;
+  hashes.hashOf(path("a"));
+  const auto learnt = hashes.takeLearnt();
+  ASSERT_EQ(learnt.size(), 1u);
+  EXPECT_FALSE(learnt[0].second.stamp.isSame(*stampOf(path("a"))));
+}
+
+TEST_F(FileStamps, FileThatCannotBeReadHasNoHash) {
+  FileHashes hashes;
+  EXPECT_EQ(hashes.hashOf(path("gone")), "");
+  EXPECT_EQ(hashes.hashOf(path("lib")), "");
+  EXPECT_EQ(readBytes(path("gone")), std::nullopt);
+  EXPECT_EQ(stampOf(path("lib")), std::nullopt);
 }
 
 }  // namespace

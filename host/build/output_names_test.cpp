@@ -5,38 +5,37 @@
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
-TEST(OutputNamesTest, FillPatterns) {
+TEST(OutputNames, PlaceholdersAreFilled) {
   OutputName name;
-  name.graph = "brick";
+  name.graph = "stone/wall";
   name.stage = "pixel";
+  name.surfaceLod = "0.5";
   name.extension = "spv";
-  EXPECT_EQ(name.fill("{graph}.{stage}.{extension}"), "brick.pixel.spv");
-  EXPECT_EQ(name.fill("{environment}/{graph}"), "/brick");
-  EXPECT_EQ(name.fill("a{graph"), "a{graph");
-  EXPECT_EQ(name.fill("a}{graph}"), "a}brick");
+  EXPECT_EQ(name.fill("{graph}.{stage}-{surfaceLod}.{extension}"), "stone/wall.pixel-0.5.spv");
+  EXPECT_EQ(name.fill("{graph"), "{graph");
+  EXPECT_EQ(name.fill("a}{stage}{"), "a}pixel{");
 }
 
-TEST(OutputNamesTest, KnowTheirPlaceholders) {
-  for (const std::string& placeholder : placeholders())
-    EXPECT_EQ(unknownPlaceholder("x{" + placeholder + "}"), "") << placeholder;
-  EXPECT_EQ(unknownPlaceholder("{graph}.{stge}.{other}"), "stge");
-  EXPECT_EQ(unknownPlaceholder("plain"), "");
+TEST(OutputNames, UnknownPlaceholderIsTheFirst) {
+  EXPECT_EQ(unknownPlaceholder("{graph}{target}"), "");
+  EXPECT_EQ(unknownPlaceholder("{graph}{tagret}{x}"), "tagret");
 }
 
-TEST(OutputNamesTest, HaveTheExtensionOfTheTarget) {
+TEST(OutputNames, FilesStayInTheOutputFolder) {
+  EXPECT_EQ(outputFault("a/b.spv"), "");
+  EXPECT_EQ(outputFault("a/../b.spv"), "");
+  EXPECT_EQ(outputFault("../a"), "leads out of the output folder");
+  EXPECT_EQ(outputFault("a/../../b"), "leads out of the output folder");
+  EXPECT_EQ(outputFault("/a"), "leads out of the output folder");
+  EXPECT_EQ(outputFault("a/"), "is a folder's");
+  EXPECT_EQ(outputFault(".sfg-build/a"), "lies in a folder that builds keep for themselves");
+}
+
+TEST(OutputNames, ExtensionsAreThoseOfTargets) {
   EXPECT_EQ(extensionOf(std::nullopt), "hlsl");
   EXPECT_EQ(extensionOf(ShaderTarget::spirv), "spv");
   EXPECT_EQ(extensionOf(ShaderTarget::essl300), "essl");
   EXPECT_EQ(extensionOf(ShaderTarget::msl), "metal");
-}
-
-TEST(OutputNamesTest, StayInTheOutputFolder) {
-  EXPECT_EQ(outputFault("a/b.spv"), "");
-  EXPECT_EQ(outputFault("a/../b.spv"), "");
-  for (const char* const out : {"../b.spv", "a/../../b.spv", "/b.spv", ""})
-    EXPECT_EQ(outputFault(out), "leads out of the output folder") << out;
-  for (const char* const folder : {"a/", "."}) EXPECT_EQ(outputFault(folder), "is a folder's") << folder;
-  EXPECT_EQ(outputFault(".sfg-build/b.spv"), "lies in a folder that builds keep for themselves");
 }
 
 }  // namespace

@@ -1,65 +1,54 @@
 #include "host/build/shader_maker.h"
 
 #include "host/build/build_fixture.h"
-#include "sfg/host/compile.h"
+#include "sfg/host/version.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
-class ShaderMakerTest : public BuildFixture {
+class Maker : public BuildFixture {
 protected:
   std::shared_ptr<const LibrarySet> libraries() const {
-    return LibrarySet::load({{path("lib")}, {path("lib")}}, "dx11");
+    return LibrarySet::load({{path("lib")}, {path("lib")}});
   }
-  Document graph(const std::string& text) const {
-    write("graph.json", text);
-    return Document::fromFile(path("graph.json"));
+  Shader shader() const {
+    Job job(libraries(), Document::fromText(redGraph(), "red"));
+    job.collapse();
+    return job.assemble();
   }
-  static BuildTask assembledTask() {
-    BuildTask task;
-    task.target.reset();
-    return task;
-  }
-
   StepTimes times_;
 };
 
-TEST_F(ShaderMakerTest, MakesATextWithoutACompiler) {
-  CompiledTexts texts(nullptr, times_);
-  ShaderMaker maker(libraries(), texts, times_);
-  ASSERT_TRUE(maker.collapse(graph(dimGraph(0.25)), std::nullopt, {}));
-  const auto made = maker.make(assembledTask());
-  ASSERT_TRUE(made);
-  EXPECT_NE(made->bytes->find("#define HALF (DEEP * 0.5)"), std::string::npos);
-  EXPECT_EQ(made->reflection, "");
-  EXPECT_FALSE(made->isCompiled);
-  EXPECT_EQ(texts.compiled(), 0u);
+TEST_F(Maker, WordsAreLittleEndian) {
+  const std::vector<std::uint32_t> words = {0x04030201u, 0xffu};
+  EXPECT_EQ(wordsOf(std::string("\1\2\3\4\xff\0\0\0", 8)), words);
 }
 
-TEST_F(ShaderMakerTest, CompilesATextOnce) {
+TEST_F(Maker, TextIsCompiledOnceForEachTarget) {
   if (!hasCompilers()) GTEST_SKIP() << "the library has no compilers";
   CompiledTexts texts(nullptr, times_);
-  ShaderMaker maker(libraries(), texts, times_);
-  ASSERT_TRUE(maker.collapse(graph(redGraph()), std::nullopt, {}));
-  const auto first = maker.make(BuildTask());
-  const auto second = maker.make(BuildTask());
-  ASSERT_TRUE(first && second);
-  EXPECT_TRUE(first->isCompiled);
-  EXPECT_FALSE(second->isCompiled);
-  EXPECT_EQ(*first->bytes, *second->bytes);
+  EXPECT_TRUE(texts.compile(shader(), ShaderTarget::glsl, {}).isMade);
+  EXPECT_FALSE(texts.compile(shader(), ShaderTarget::glsl, {}).isMade);
+  EXPECT_FALSE(texts.compile(shader(), ShaderTarget::spirv, {}).isMade);  // it was on the way
   EXPECT_EQ(texts.compiled(), 1u);
-  EXPECT_EQ(wordsOf(*first->bytes).front(), 0x07230203u);
+  EXPECT_TRUE(texts.compile(shader(), ShaderTarget::spirv, {.debug = true}).isMade);
+  EXPECT_EQ(texts.compiled(), 2u);
 }
 
-TEST_F(ShaderMakerTest, TellsWhyAGraphIsRefused) {
+TEST_F(Maker, RefusedTextIsRefusedAgain) {
+  if (!hasCompilers()) GTEST_SKIP() << "the library has no compilers";
+  CompiledTexts texts(nullptr, times_);
+  Shader bad = shader();
+  bad.text += "nonsense";
+  EXPECT_THROW(texts.compile(bad, ShaderTarget::spirv, {}), CompileError);
+  EXPECT_THROW(texts.compile(bad, ShaderTarget::spirv, {}), CompileError);
+}
+
+TEST_F(Maker, FailedCollapseIsTold) {
   CompiledTexts texts(nullptr, times_);
   ShaderMaker maker(libraries(), texts, times_);
-  std::string text = redGraph();
-  text.replace(text.find("\"red\""), 5, "\"rad\"");
-  EXPECT_FALSE(maker.collapse(graph(text), std::nullopt, {}));
-  const std::vector<Diagnostic> told = maker.takeDiagnostics();
-  ASSERT_FALSE(told.empty());
-  EXPECT_EQ(told.front().identifier, "unknown-fragment");
+  EXPECT_FALSE(maker.collapse(Document::fromText("{", "broken"), std::nullopt, {}));
+  EXPECT_EQ(maker.takeDiagnostics().size(), 1u);
   EXPECT_TRUE(maker.takeDiagnostics().empty());
 }
 

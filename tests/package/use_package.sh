@@ -139,6 +139,15 @@ case "$test" in
       "$sources/tests/package/shaders/count_rebuilds.sh" "$work/${generator% *}" "$prefix" "$generator" $target $extension
       target=assembled extension=hlsl
     done
+    if [ "$COMPILERS" = ON ]; then
+      mkdir "$work/examples"
+      cp -a "$sources/examples/embed_shaders" "$sources/examples/materials" "$sources/examples/environments" "$work/examples"
+      "$CMAKE" -S "$work/examples/embed_shaders" -B "$work/embed" -G Ninja -DCMAKE_CXX_COMPILER="$CXX" \
+        -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_PREFIX_PATH="$prefix"
+      "$CMAKE" --build "$work/embed"
+      [ "$("$work/embed/embed_shaders" | grep -cE '^(brick|wood)\.(vertex|pixel)\.spv: [0-9]+ bytes, [0-9a-f]{40}$')" = 4 ] ||
+        fail "embed_shaders printed: $("$work/embed/embed_shaders")"
+    fi
     ;;
   SurvivesAMove)
     cp -a "$prefix" "$work/elsewhere"

@@ -47,10 +47,10 @@ for room in documents library job shader modules origins diagnostics lints drawi
 done
 allow import 'sfg|tolmsdk|import|nlohmann|pugixml.hpp'
 other='tools/(lsp|watch)/'
-allow tools "sfg|tolmsdk|tools|import|pictures|render|nlohmann|CLI|unistd.h"
+allow tools "sfg|tolmsdk|tools|import|pictures|render|nlohmann|CLI|unistd.h|sys"
 other=
 allow tools/lsp "sfg|tolmsdk|tools|nlohmann"
-allow tools/watch "sfg|tolmsdk|tools|poll.h|sys/inotify.h|sys/stat.h|unistd.h"
+allow tools/watch "sfg|tolmsdk|tools|poll.h|sys|unistd.h"
 # To be copied: nothing of this project.
 allow render 'vulkan|png.h|renderer.h'
 allow pictures 'sfg|tolmsdk|pictures|render|nlohmann|assimp|Imf[A-Za-z]*.h|png.h|stb|zlib.h'

@@ -15,7 +15,7 @@ fail() {
 # to 22 another.
 fragment() {
   local include='' value=1
-  if [ "$1" -ge 40 ]; then include='"includes": ["shared.h"], ' value='shared()'; fi
+  if [ "$1" -ge 40 ]; then include='"includes": ["shared.h"], ' value='most()'; fi
   if [ "$1" -ge 20 ] && [ "$1" -le 22 ]; then include='"includes": ["few.h"], ' value='few()'; fi
   local code="\"void tint$1(out float3 c)\", \"{\", \"c = float3($2, $1, $value);\", \"}\""
   printf '"tint%d": { "language": ["dx11"], %s"implementation": [%s] }' "$1" "$include" "$code"
@@ -34,7 +34,7 @@ numbers=$(seq 10 59)
   for i in $numbers; do echo "  $(fragment "$i" 0.5)$([ "$i" = 59 ] || echo ,)"; done
   echo '}'
 } >lib/all.fraglib
-echo 'float shared() { return 1.0; }' >lib/shared.h
+echo 'float most() { return 1.0; }' >lib/shared.h
 echo 'float few() { return 1.0; }' >lib/few.h
 for i in $numbers; do graph "$i" >"graphs/m$i.json"; done
 
@@ -67,6 +67,7 @@ touch mark
 sleep 0.02
 "$CMAKE" -S . -B build -G "$generator" -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" \
   -DCMAKE_PREFIX_PATH="$prefix" -DTARGETS="$target"
+# shellcheck disable=SC2086
 after 'the first build' $numbers
 
 # What the program carries are the shaders.
