@@ -729,57 +729,57 @@ const Mistake kMistakes[] = {
      R"json(color * 0.5)json", 1,
      "own/own.fraglib:12:64: error: missing `;` behind `0.5` [compile-error]\n"
      "graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]\n"
-     "generated:376:1: note: the compiler says \"';' : Expected\" of the line `}` [code-origin]\n"},
+     "generated:411:1: note: the compiler says \"';' : Expected\" of the line `}` [code-origin]\n"},
     {"CodeNameMistyped", "compile", "-o out.spv", "own/own.fraglib", R"json(uv.y * rows)json",
      R"json(uv.y * rwos)json", 1,
      "own/own.fraglib:12:31: error: `rwos` is not declared; did you mean `rows`? [compile-error]\n"
      "graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]\n"
-     "generated:375:23: note: the compiler says \"'rwos' : unknown variable\" of the line `result = "
+     "generated:410:23: note: the compiler says \"'rwos' : unknown variable\" of the line `result = "
      "frac(uv.y * rwos) < 0.5 ? color : color * 0.5;` [code-origin]\n"},
     {"CodeFunctionMistyped", "compile", "-o out.spv", "own/own.fraglib", R"json(frac()json",
      R"json(fract()json", 1,
      "own/own.fraglib:12:19: error: `fract` is no function that is declared here; did you mean `frac`? "
      "[compile-error]\n"
      "graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]\n"
-     "generated:375:11: note: the compiler says \"'fract' : no matching overloaded function found\" of the "
+     "generated:410:11: note: the compiler says \"'fract' : no matching overloaded function found\" of the "
      "line `result = fract(uv.y * lines_rows) < 0.5 ? color : color * 0.5;` [code-origin]\n"},
     {"CodeBraceMissing", "compile", "-o out.spv", "own/own.fraglib",
      R"json("\tresult = frac(uv.y * rows) < 0.5 ? color : color * 0.5;",)json",
      R"json("\tif (uv.x > 0.5) {", "\tresult = color * rows;",)json", 1,
      "own/own.fraglib:12:26: error: `{` is not closed [compile-error]\n"
      "graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]\n"
-     "generated:430: note: the compiler says \"'declaration' : Expected\" of the line `` [code-origin]\n"},
+     "generated:465: note: the compiler says \"'declaration' : Expected\" of the line `` [code-origin]\n"},
     {"CodeBracketMissing", "compile", "-o out.spv", "own/own.fraglib", R"json(frac(uv.y * rows) <)json",
      R"json(frac(uv.y * rows <)json", 1,
      "own/own.fraglib:12:23: error: `(` is not closed [compile-error]\n"
      "graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]\n"
-     "generated:375:61: note: the compiler says \"')' : Expected\" of the line `result = frac(uv.y * "
+     "generated:410:61: note: the compiler says \"')' : Expected\" of the line `result = frac(uv.y * "
      "lines_rows < 0.5 ? color : color * 0.5;` [code-origin]\n"},
     {"CodeSwizzleOutOfRange", "compile", "-o out.spv", "own/own.fraglib", R"json(uv.y * rows)json",
      R"json(uv.z * rows)json", 1,
      "own/own.fraglib:12:27: error: `.z` names components that `uv` of type `float2` does not have "
      "[compile-error]\n"
      "graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]\n"
-     "generated:375:19: note: the compiler says \"'z' : vector swizzle selection out of range\" of the line "
+     "generated:410:19: note: the compiler says \"'z' : vector swizzle selection out of range\" of the line "
      "`result = frac(uv.z * lines_rows) < 0.5 ? color : color * 0.5;` [code-origin]\n"},
     {"CodeVectorIntoAnother", "compile", "-o out.spv", "own/own.fraglib", R"json(color * 0.5;)json",
      R"json(color * uv;)json", 1,
      "own/own.fraglib:12:10: error: the value does not fit `result` of type `float3` [compile-error]\n"
      "graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]\n"
-     "generated:375:9: note: the compiler says \"'' : could not create assignment\" of the line `result = "
+     "generated:410:9: note: the compiler says \"'' : could not create assignment\" of the line `result = "
      "frac(uv.y * lines_rows) < 0.5 ? color : color * uv;` [code-origin]\n"},
     {"CodeHelperOfNoInclude", "compile", "-o out.spv", "own/own.fraglib", R"json(frac(uv.y)json",
      R"json(sfg_noSuchHelper(uv.y)json", 1,
      "own/own.fraglib:12:19: error: `sfg_noSuchHelper` is no function that is declared here [compile-error]\n"
      "graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]\n"
-     "generated:375:11: note: the compiler says \"'sfg_noSuchHelper' : no matching overloaded function "
+     "generated:410:11: note: the compiler says \"'sfg_noSuchHelper' : no matching overloaded function "
      "found\" of the line `result = sfg_noSuchHelper(uv.y * lines_rows) < 0.5 ? color : color * 0.5;` "
      "[code-origin]\n"},
     {"CodeInAPredefine", "compile", "-o out.spv", "own/own.fraglib", R"json("includes": ["sfg_math.h"],)json",
      R"json("predefine": ["float half_(float a)", "{", "\treturn a * b;", "}"],)json", 1,
      "own/own.fraglib:8:62: error: `b` is not declared [compile-error]\n"
      "graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]\n"
-     "generated:372:13: note: the compiler says \"'b' : unknown variable\" of the line `return a * b;` "
+     "generated:407:13: note: the compiler says \"'b' : unknown variable\" of the line `return a * b;` "
      "[code-origin]\n"},
     {"CodeIncludeMisspelt", "compile", "-o out.spv", "own/own.fraglib", R"json(sfg_math.h)json",
      R"json(sfg_mtah.h)json", 0,
