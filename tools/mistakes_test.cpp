@@ -497,13 +497,17 @@ const Mistake kMistakes[] = {
      "scene.json:4:5: error: light `fill` asks for the profile `default`, which its fragment `pointLight` "
      "does not have; known are `msl_light`, `sfg_Light` [light-profile]\n"
      "scene.json:4:5: note: the generator says \"Failed to set light profile default.\" [generator]\n"},
+    {"LightNamedWithABlank", "collapse", "--tool lightloop --environment scene.json", "scene.json",
+     R"json("fill")json", R"json("fill light")json", 2,
+     "scene.json:4:15: error: the name of the light `fill light` goes into names of the code, which hold "
+     "letters, digits and `_` only [bad-name]\n"},
     {"UnknownLight", "collapse", "--tool lightloop --environment scene.json", "scene.json",
      R"json("pointLight")json", R"json("pointLigth")json", 2,
      "scene.json:4:35: error: unknown fragment `pointLigth`; did you mean `pointLight`? "
      "[unknown-fragment]\n"},
     {"LightNameTwice", "collapse", "--tool lightloop --environment scene.json", "scene.json",
      R"json("fill")json", R"json("key")json", 2,
-     "scene.json:4:5: error: the light name `key` is used twice [repeated-name]\n"},
+     "scene.json:4:15: error: the light name `key` is used twice [repeated-name]\n"},
     {"UnknownOutputFragment", "collapse", "--tool lightloop --environment scene.json", "scene.json",
      R"json("lights": [)json",
      R"json("output": "outputColour",
@@ -686,18 +690,68 @@ const Mistake kMistakes[] = {
      "own/own.fraglib:9:23 [not-loaded]\n"},
     {"PrototypeWithoutBrackets", "collapse", "", "own/own.fraglib",
      R"json((float3 color, float2 uv, out float3 result))json", "", 1,
-     "own/own.fraglib:10:7: error: fragment `stripes`: incorrect function declaration [not-loaded]\n"
+     "own/own.fraglib:10:19: error: fragment `stripes`: `(` is missing behind the function's name "
+     "[not-loaded]\n"
      "graph.json:10:36: note: for node `lines`, the fragment `stripes` cannot be loaded: see "
-     "own/own.fraglib:10:7 [not-loaded]\n"},
+     "own/own.fraglib:10:19 [not-loaded]\n"},
     {"ParameterWithoutType", "collapse", "", "own/own.fraglib", R"json(float2 uv,)json", R"json(uv,)json", 1,
-     "own/own.fraglib:10:7: error: fragment `stripes`: incorrect function declaration [not-loaded]\n"
+     "own/own.fraglib:10:35: error: fragment `stripes`: the parameter `uv` needs a type and a name "
+     "[not-loaded]\n"
      "graph.json:10:36: note: for node `lines`, the fragment `stripes` cannot be loaded: see "
-     "own/own.fraglib:10:7 [not-loaded]\n"},
+     "own/own.fraglib:10:35 [not-loaded]\n"},
+    {"PrototypeNotClosed", "collapse", "", "own/own.fraglib", R"json(out float3 result)")json",
+     R"json(out float3 result")json", 1,
+     "own/own.fraglib:10:20: error: fragment `stripes`: `(` is not closed [not-loaded]\n"
+     "graph.json:10:36: note: for node `lines`, the fragment `stripes` cannot be loaded: see "
+     "own/own.fraglib:10:20 [not-loaded]\n"},
+    {"ParameterIsAnArray", "collapse", "", "own/own.fraglib", R"json(float2 uv,)json",
+     R"json(float2 uv[2],)json", 1,
+     "own/own.fraglib:10:44: error: fragment `stripes`: a parameter cannot be an array [not-loaded]\n"
+     "graph.json:10:36: note: for node `lines`, the fragment `stripes` cannot be loaded: see "
+     "own/own.fraglib:10:44 [not-loaded]\n"},
+    {"ParameterNameTwice", "collapse", "", "own/own.fraglib", R"json(float2 uv,)json",
+     R"json(float2 color,)json", 1,
+     "own/own.fraglib:10:42: error: fragment `stripes`: the name `color` is given to two parameters "
+     "[not-loaded]\n"
+     "graph.json:10:36: note: for node `lines`, the fragment `stripes` cannot be loaded: see "
+     "own/own.fraglib:10:42 [not-loaded]\n"},
+    {"ParameterCommaTwice", "collapse", "", "own/own.fraglib", R"json(float2 uv,)json",
+     R"json(float2 uv,,)json", 1,
+     "own/own.fraglib:10:44: error: fragment `stripes`: a parameter is missing behind `,` [not-loaded]\n"
+     "graph.json:10:36: note: for node `lines`, the fragment `stripes` cannot be loaded: see "
+     "own/own.fraglib:10:44 [not-loaded]\n"},
+    {"ParameterCommaMissing", "list", "", "own/own.fraglib", R"json(float2 uv, out)json",
+     R"json(float2 uv out)json", 1,
+     "own/own.fraglib:10:45: error: fragment `stripes`: `,` is missing in front of `out` [not-loaded]\n"},
+    {"UniformNameTwice", "collapse", "", "own/own.fraglib", R"json("value": 8.0 })json",
+     R"json("value": 8.0 }, { "name": "rows", "type": "float" })json", 0,
+     "own/own.fraglib:6:80: warning: fragment `stripes`: the uniform name `rows` is used twice "
+     "[repeated-name]\n"},
+    {"UniformNamedAsAPort", "collapse", "", "own/own.fraglib", R"json({ "name": "rows")json",
+     R"json({ "name": "color", "type": "float" }, { "name": "rows")json", 0,
+     "own/own.fraglib:6:29: warning: fragment `stripes`: the uniform name `color` is the name of a port, too "
+     "[repeated-name]\n"},
+    {"PortOfAMistypedStructure", "collapse", "", "own/own.fraglib",
+     R"json("includes": ["sfg_math.h"],
+    "implementation": [
+      "void stripes(float3 color,)json",
+     R"json("includes": ["sfg_math.h"], "predefine": ["struct Tiles { float rows; };"],
+    "implementation": [
+      "void stripes(float3 color, Tils tiles,)json",
+     1,
+     "own/own.fraglib:10:35: error: fragment `stripes`: the type `Tils` of `tiles` is none of the language, "
+     "and "
+     "nothing declares it as a structure; did you mean `Tiles`? [unknown-port-type]\n"},
+    {"UniformOfAnUnknownStructure", "collapse", "", "own/own.fraglib",
+     R"json("type": "float", "value": 8.0)json", R"json("type": "struct", "struct": "Grid")json", 1,
+     "own/own.fraglib:6:65: error: fragment `stripes`: the type `Grid` of `rows` is none of the language, "
+     "and nothing declares it as a structure [unknown-port-type]\n"},
     {"ParameterWithDefault", "collapse", "", "own/own.fraglib", R"json(float2 uv,)json",
      R"json(float2 uv = 0,)json", 1,
-     "own/own.fraglib:10:7: error: fragment `stripes`: incorrect function declaration [not-loaded]\n"
+     "own/own.fraglib:10:45: error: fragment `stripes`: a parameter has no value in the code; give it one as "
+     "`value` in `ports` [not-loaded]\n"
      "graph.json:10:36: note: for node `lines`, the fragment `stripes` cannot be loaded: see "
-     "own/own.fraglib:10:7 [not-loaded]\n"},
+     "own/own.fraglib:10:45 [not-loaded]\n"},
     {"PredefineIsAText", "collapse", "", "own/own.fraglib", R"json("includes": ["sfg_math.h"])json",
      R"json("predefine": "float a;")json", 1,
      "own/own.fraglib:8:18: error: fragment `stripes`: `predefine` must be an array of strings, not a string "
@@ -775,6 +829,38 @@ const Mistake kMistakes[] = {
      "generated:410:11: note: the compiler says \"'sfg_noSuchHelper' : no matching overloaded function "
      "found\" of the line `result = sfg_noSuchHelper(uv.y * lines_rows) < 0.5 ? color : color * 0.5;` "
      "[code-origin]\n"},
+    {"CodeForMistyped", "compile", "-o out.spv", "own/own.fraglib", R"json(\tresult = frac()json",
+     R"json(\tfro (int i = 0; i < 3; ++i) result = color;", "\tresult = frac()json", 1,
+     R"told(own/own.fraglib:12:10: error: unexpected `fro`; did you mean `for`? [compile-error]
+)told"
+     R"told(graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]
+)told"
+     R"told(generated:410:7: note: the compiler says "'int' : unknown variable" of the line `fro (int i = 0; i < 3; ++i) result = color;` [code-origin]
+)told"},
+    {"CodeStateVariableMistyped", "compile", "-o out.spv", "own/own.fraglib", R"json(color * 0.5;)json",
+     R"json(sfg_worldNormals;)json", 1,
+     R"told(own/own.fraglib:12:53: error: `sfg_worldNormals` is not declared; did you mean `sfg_worldNormal`? [compile-error]
+)told"
+     R"told(graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]
+)told"
+     R"told(generated:410:51: note: the compiler says "'sfg_worldNormals' : unknown variable" of the line `result = frac(uv.y * lines_rows) < 0.5 ? color : sfg_worldNormals;` [code-origin]
+)told"},
+    {"CodeForeignCharacter", "compile", "-o out.spv", "own/own.fraglib", R"json(color * 0.5;)json",
+     R"json(color * 0.5；)json", 1,
+     R"told(own/own.fraglib:12:64: error: the character U+FF1B cannot stand in code [compile-error]
+)told"
+     R"told(graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]
+)told"
+     R"told(generated:410:62: note: the compiler says "'<bad token>' : unexpected token" of the line `result = frac(uv.y * lines_rows) < 0.5 ? color : color * 0.5；` [code-origin]
+)told"},
+    {"CodeInclude", "compile", "-o out.spv", "own/own.fraglib", R"json(\tresult = frac()json",
+     R"json(#include \"sfg_math.h\"", "\tresult = frac()json", 1,
+     R"told(own/own.fraglib:12:8: error: `#include` cannot stand in a fragment's code; name the file in `includes` [compile-error]
+)told"
+     R"told(graph.json:10:5: note: node `lines` uses the fragment `stripes` [code-origin]
+)told"
+     R"told(generated:410:2: note: the compiler says "'#include' : Could not process include directive for header name: sfg_math.h" of the line `#include "sfg_math.h"` [code-origin]
+)told"},
     {"CodeInAPredefine", "compile", "-o out.spv", "own/own.fraglib", R"json("includes": ["sfg_math.h"],)json",
      R"json("predefine": ["float half_(float a)", "{", "\treturn a * b;", "}"],)json", 1,
      "own/own.fraglib:8:62: error: `b` is not declared [compile-error]\n"

@@ -117,7 +117,6 @@ public:
 
   std::vector<FindingGroup> check(const ShadingEnvironment& environment) {
     for (std::size_t i = 0; i < environment.getNumLights(); ++i) {
-      checkName(environment.lights()[i], i);
       checkProfile(environment.lights()[i], i);
     }
     return std::move(groups_);
@@ -131,14 +130,6 @@ private:
     const IObjectDataNode* const object = lights != nullptr ? lights->element(index) : nullptr;
     const IObjectDataNode* const value = object != nullptr ? object->member(key) : nullptr;
     return value != nullptr ? value->position() : light.position;
-  }
-
-  /// It becomes part of names in the code.
-  void checkName(const ShadingEnvironment::Light& light, std::size_t index) {
-    if (nameFault("light_" + toUtf8(light.name), false).empty()) return;
-    tell(Finding::badName, Severity::error, placeOf(light, index, L"name"),
-         "the name of the light " + inTicks(light.name) +
-             " goes into names of the code, which hold letters, digits and `_` only");
   }
 
   void checkProfile(const ShadingEnvironment::Light& light, std::size_t index) {

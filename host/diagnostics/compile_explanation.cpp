@@ -8,6 +8,7 @@
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
 #include "sfg/host/source_map.h"
+#include "tolmsdk/state_variables.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -126,6 +127,8 @@ private:
     if (place.kind == Kind::include) addDeclared(names, text_);
     std::vector<std::string> all(names.begin(), names.end());
     for (const std::string_view name : languageNames()) all.emplace_back(name);
+    for (const char* const name : {"for", "sfg_isConnected", "sfg_shader", "while"}) all.emplace_back(name);
+    for (const StateVariableInfo& variable : allStateVariables()) all.push_back(toUtf8(variable.name.view()));
     return all;
   }
 

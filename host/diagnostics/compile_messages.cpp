@@ -1,6 +1,8 @@
 #include "host/diagnostics/compile_messages.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <map>
 #include <optional>
 #include <set>
@@ -163,7 +165,10 @@ public:
     if (text == "missing #endif") return syntax("a conditional (`#if`) is not closed by `#endif`");
     if (text.starts_with("invalid directive:"))
       return say("there is no directive " + ticks("#" + text.substr(text.find(':') + 2)));
-    if (text == "unexpected token") return syntax("unexpected " + ticks(subject()));
+    if (text == "unexpected token") return unexpected();
+    if (text.starts_with("Could not process include directive"))
+      return say("`#include` cannot stand in a fragment's code; name the file in `includes`");
+    if (subject() == "macro expansion") return macro();
     if (text.starts_with("vector index out of range"))
       return say("the index" + lastQuoted(text) + " is out of range");
     std::string words = subject().empty() ? text : ticks(subject()) + ": " + text;
@@ -222,11 +227,43 @@ private:
     return syntax("unexpected " + ticks(here));
   }
 
+  /// The compiler does not say which character it is.
+  ToldMistake unexpected() {
+    const std::string here = at(token_);
+    if (subject() != "<bad token>" || here.empty()) return syntax("unexpected " + ticks(subject()));
+    const wchar_t character = all_.text_[all_.tokens_[token_].begin];
+    if (character < 0x80) return syntax("unexpected " + ticks(here));
+    std::array<char, 16> number{};
+    std::snprintf(number.data(), number.size(), "U+%04lX", static_cast<unsigned long>(character));
+    return syntax("the character " + std::string(number.data()) + " cannot stand in code");
+  }
+
+  /// "Too many args in macro M", "End of input in macro M"
+  ToldMistake macro() {
+    const std::string name = ticks(message_.text.substr(message_.text.rfind(' ') + 1));
+    if (message_.text.starts_with("Too many"))
+      return say("the macro " + name + " is given too many arguments");
+    if (message_.text.starts_with("Too few")) return say("the macro " + name + " is given too few arguments");
+    if (message_.text.starts_with("End of input"))
+      return syntax("the arguments of the macro " + name + " are not closed");
+    return say(ticks(subject()) + ": " + message_.text);
+  }
+
   ToldMistake unknown(bool isFunction) {
+    // `fro (int i = ..`: no call has a declaration as argument.
+    if (!isFunction && isReserved(subject()) && token_ != kNotFound && token_ >= 2 && at(token_ - 1) == "(" &&
+        isName(token_ - 2) && isName(token_ + 1) && isValueType(subject()) && !isReserved(at(token_ - 2))) {
+      told_.token = token_ - 2;
+      told_.unknown = at(told_.token);
+      return say("unexpected " + ticks(told_.unknown));
+    }
     told_.unknown = subject();
     told_.isFunction = isFunction;
     const bool isType = !isFunction && isName(token_ + 1) && token_ != kNotFound;
-    if (isReserved(subject())) return say("unexpected " + ticks(subject()));
+    if (isReserved(subject())) {
+      told_.unknown.clear();
+      return say("unexpected " + ticks(subject()));
+    }
     return say(ticks(subject()) + (isType       ? " is no type"
                                    : isFunction ? " is no function that is declared here"
                                                 : " is not declared"));

@@ -202,16 +202,17 @@ public:
     for (const auto& [name, entry] : used_) {
       Set<WString> told;
       for (const FragmentFiles::TypedPlace& place : entry->structures) {
-        // Any other name may be a structure of the host's.
+        if (isShaderType(place.type) || isDeclared(place.type)) continue;
+        // Any other name in code may be a structure of the host's.
         const std::string type = toUtf8(place.type);
-        if (meantType(type).empty() || isShaderType(place.type)) continue;
-        if (isDeclared(place.type) || !told.insert(place.type).second) continue;
+        const std::string meant = meantName(type);
+        if ((meant.empty() && !isUniform(name, place.parameter)) || !told.insert(place.type).second) continue;
         told_.insert(place.type);
         errors.push_back(diagnose(Finding::unknownPortType, severity, entry->file, place.position,
                                   "fragment " + inTicks(name) + ": the type " + inTicks(type) + " of " +
                                       inTicks(place.parameter) + " is none of the language, and nothing " +
-                                      "declares it as a structure" + didYouMean(meantType(type)),
-                                  std::string(meantType(type))));
+                                      "declares it as a structure" + didYouMean(meant),
+                                  meant));
       }
     }
     return errors;
@@ -226,6 +227,19 @@ private:
   void add(const WString& name) {
     const FragmentFiles::Entry* const entry = libraries_.files().find(name);
     if (entry != nullptr && libraries_.language().findFragment(name) != nullptr) used_.emplace(name, entry);
+  }
+
+  bool isUniform(const WString& fragment, const WString& name) const {
+    const IShaderFragment& found = *libraries_.language().findFragment(fragment);
+    for (std::size_t i = 0; i < found.getNumUniforms(); ++i)
+      if (found.getUniform(i)->getName() == name) return true;
+    return false;
+  }
+
+  /// A type of the language, or a structure whose name is near.
+  std::string meantName(const std::string& type) const {
+    if (const std::string_view meant = meantType(type); !meant.empty()) return std::string(meant);
+    return std::string(nearestName(type, structures_));
   }
 
   /// In include files and in predefines of any fragment: texts of one fragment may use what others declare.
@@ -246,12 +260,18 @@ private:
   }
 
   void addWords(const WString& code) {
-    for (const std::wstring_view word : identifiersOf(code)) declared_->insert(word);
+    bool isStructure = false;
+    forEachIdentifier(code, [&](std::wstring_view word) {
+      declared_->insert(word);
+      if (isStructure) structures_.insert(toUtf8(word));
+      isStructure = word == L"struct";
+    });
   }
 
   const LoadedLibraries& libraries_;
   Map<WString, const FragmentFiles::Entry*> used_;
   std::optional<Set<std::wstring_view>> declared_;
+  Set<std::string> structures_;
   Set<WString> told_;
 };
 

@@ -1,6 +1,7 @@
 #include "host/documents/shading_environment.h"
 
 #include "host/documents/document_reader.h"
+#include "host/documents/shader_names.h"
 #include "sfg/shader_fragment_profile_function.h"
 #include "sfg/size_limit.h"
 #include "tolmsdk/exception.h"
@@ -27,6 +28,12 @@ ShadingEnvironment::Light readLight(const DocumentReader& reader, const IObjectD
   ShadingEnvironment::Light light;
   light.position = reader.positionOf(object);
   light.name = reader.optionalName(object, L"name").value_or(L"light" + itos(static_cast<long long>(index)));
+  // It becomes part of names in the code.
+  if (!nameFault("light_" + toUtf8(light.name), false).empty()) {
+    reader.refuse(Finding::badName, *object.member(L"name"),
+                  "the name of the light " + inTicks(light.name) +
+                      " goes into names of the code, which hold letters, digits and `_` only");
+  }
   const WString fragment = reader.requiredName(object, L"fragment");
   light.fragment =
       cloneWithPorts(requireFragment(reader, *object.member(L"fragment"), fragment, language, whyUnknown),
@@ -71,8 +78,10 @@ RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILang
       environment->lights_.push_back(readLight(reader, object, i, language, libraryPorts, whyUnknown));
       const WString& name = environment->lights_.back().name;
       environment->lightIndex_.emplace(environment->lights_.back().fragment.get(), i);
+      const IObjectDataNode* const spelled = object.member(L"name");
       if (!names.insert(name).second)
-        reader.refuse(Finding::repeatedName, object, "the light name " + inTicks(name) + " is used twice");
+        reader.refuse(Finding::repeatedName, spelled != nullptr ? *spelled : object,
+                      "the light name " + inTicks(name) + " is used twice");
     }
   }
   if (const std::optional<WString> name = reader.optionalName(reader.root(), L"output")) {

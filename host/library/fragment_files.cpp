@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/library/string_places.h"
 #include "sfg/host/errors.h"
 #include "sfg/shader_fragment_profile.h"
 #include "tolmsdk/type_id.h"
@@ -41,15 +42,6 @@ std::size_t findWord(std::wstring_view text, std::wstring_view word, std::size_t
       return at;
   }
   return text.npos;
-}
-
-/// Where a character of a string stands in its file, when what must be escaped has its short form.
-TextPosition positionIn(const IObjectDataNode& string, std::size_t index) {
-  TextPosition position = string.position();
-  ++position.column;
-  const std::wstring_view before = std::wstring_view(string.asString()).substr(0, index);
-  for (const wchar_t c : before) position.column += c == L'"' || c == L'\\' || c < L' ' ? 2 : 1;
-  return position;
 }
 
 /// Where the code of the fragment or of one of its profiles declares the parameter.
@@ -106,6 +98,13 @@ void FragmentFiles::addCode(const IObjectDataNode& object, const IShaderFragment
     const ITextParameterList& list = *fragment.getProfile(i)->getFunctionParameters();
     for (std::size_t k = 0; k < list.getNumInputs(); ++k) add(list.getInputType(k), list.getInputName(k));
     for (std::size_t k = 0; k < list.getNumOutputs(); ++k) add(list.getOutputType(k), list.getOutputName(k));
+  }
+  const IObjectDataNode* const uniforms = object.member(L"uniforms");
+  for (std::size_t i = 0; uniforms != nullptr && i < uniforms->size(); ++i) {
+    const IObjectDataNode* const type = uniforms->elementOrNull(i)->member(L"struct");
+    const IObjectDataNode* const name = uniforms->elementOrNull(i)->member(L"name");
+    if (type == nullptr || name == nullptr || !isStructure(type->asString())) continue;
+    structures.push_back({type->asString(), name->asString(), type->position()});
   }
   const auto entry = entries_.find(fragment.key());
   if (entry != entries_.end()) entry->second.structures = std::move(structures);

@@ -10,6 +10,8 @@
 #include "host/documents/load_error.h"
 #include "host/documents/near_name.h"
 #include "host/library/language_dx11.h"
+#include "host/library/prototype_fault.h"
+#include "host/library/string_places.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -69,12 +71,43 @@ std::optional<std::size_t> numberBehind(std::wstring_view text, std::string_view
 
 constexpr std::string_view kModes[] = {"function", "inline", "metaSL"};
 
-bool isMode(std::string_view mode) {
+bool isSameWord(std::string_view word, std::string_view other) {
   const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-  return std::any_of(std::begin(kModes), std::end(kModes), [&](std::string_view known) {
-    return std::equal(mode.begin(), mode.end(), known.begin(), known.end(),
-                      [&](char a, char b) { return lower(a) == lower(b); });
-  });
+  return std::equal(word.begin(), word.end(), other.begin(), other.end(),
+                    [&](char a, char b) { return lower(a) == lower(b); });
+}
+
+bool isMode(std::string_view mode) {
+  return std::any_of(std::begin(kModes), std::end(kModes),
+                     [&](std::string_view known) { return isSameWord(mode, known); });
+}
+
+bool isInline(std::string_view mode) { return isSameWord(mode, "inline"); }
+
+struct PlacedFault {
+  TextPosition position;
+  std::string text;
+};
+
+/// Of the lines up to the first `{`, which are taken as one.
+std::optional<PlacedFault> findPrototypeFault(const IObjectDataNode& code) {
+  WString prototype;
+  std::vector<std::size_t> starts;
+  bool isWhole = false;
+  for (std::size_t i = 0; i < code.size() && !isWhole; ++i) {
+    const IObjectDataNode* const line = code.elementOrNull(i);
+    if (line->kind() != NodeKind::string) return std::nullopt;
+    starts.push_back(prototype.size());
+    prototype += line->asString();
+    isWhole = line->asString().find(L'{') != WString::npos;
+  }
+  if (!prototype.starts_with(L"void ")) return std::nullopt;
+  PrototypeFault fault = prototypeFault(std::wstring_view(prototype).substr(0, prototype.find(L'{')));
+  if (fault.text.empty()) return std::nullopt;
+  const auto next = std::upper_bound(starts.begin(), starts.end(), fault.index);
+  const auto element = static_cast<std::size_t>(next - starts.begin()) - 1;
+  return PlacedFault{positionIn(*code.elementOrNull(element), fault.index - starts[element]),
+                     std::move(fault.text)};
 }
 
 }  // namespace
@@ -111,6 +144,7 @@ void LibraryReport::addFragment(const WString& name, const IObjectDataNode& obje
   fragmentStart_ = problems_.size();
   tellEarlierDefinition(name, object);
   failures_.erase(name);
+  fragment_ = name;
   unknownKeys_ = findUnknownKeys(object, fragmentKeys());
   for (const UnknownKey& found : unknownKeys_) {
     problems_.push_back(host::describe(found, Severity::warning, file_));
@@ -149,7 +183,19 @@ void LibraryReport::tellEarlierDefinition(const WString& name, const IObjectData
   }
 }
 
+/// Of a function that the generator takes; of another the failure tells it. Standard files are sound.
+void LibraryReport::tellPrototype(const IObjectDataNode& profile) {
+  const IObjectDataNode* const mode = profile.member(L"mode");
+  const IObjectDataNode* const code = profile.member(L"implementation");
+  if (isStandard_ || code == nullptr || (mode != nullptr && isInline(mode->asUtf8()))) return;
+  const std::optional<PlacedFault> fault = findPrototypeFault(*code);
+  if (!fault) return;
+  tell(Finding::notLoaded, Severity::error, fault->position,
+       "fragment " + inTicks(fragment_) + ": " + fault->text);
+}
+
 void LibraryReport::tellProfile(const IObjectDataNode& profile) {
+  tellPrototype(profile);
   const IObjectDataNode* const mode = profile.member(L"mode");
   if (mode != nullptr && mode->kind() == NodeKind::string && !isMode(mode->asUtf8())) {
     const std::string name(mode->asUtf8());
@@ -226,11 +272,12 @@ Diagnostic LibraryReport::describe(const FragmentLoadFailure& failure) {
   std::string reason = toUtf8(failure.reason);
   TextPosition position = takePlace(reason);
   Finding kind = Finding::wrongKind;
+  const IObjectDataNode* line = nullptr;
   if (position.line == 0) {
     // Of the code.
     kind = Finding::notLoaded;
     const IObjectDataNode* const code = profile != nullptr ? profile->member(L"implementation") : nullptr;
-    const IObjectDataNode* const line = code != nullptr ? code->elementOrNull(0) : nullptr;
+    line = code != nullptr ? code->elementOrNull(0) : nullptr;
     if (code != nullptr && code->kind() == NodeKind::array && line == nullptr)
       reason = "`implementation` is empty";
     position = line != nullptr      ? line->position()
@@ -238,7 +285,14 @@ Diagnostic LibraryReport::describe(const FragmentLoadFailure& failure) {
                : profile != nullptr ? profile->position()
                                     : failure.object->position();
   }
-  return diagnose(kind, Severity::error, file_, position, fragment + asDiagnostic(std::move(reason)));
+  std::string text = asDiagnostic(std::move(reason));
+  if (line != nullptr && text == "incorrect function declaration") {
+    if (std::optional<PlacedFault> fault = findPrototypeFault(*profile->member(L"implementation"))) {
+      position = fault->position;
+      text = std::move(fault->text);
+    }
+  }
+  return diagnose(kind, Severity::error, file_, position, fragment + text);
 }
 
 Diagnostic LibraryReport::describeMissing(const FragmentLoadFailure& failure, const IObjectDataNode& profile,

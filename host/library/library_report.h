@@ -51,6 +51,7 @@ private:
   void tellRepeatedMembers(const IObjectDataNode& object);
   void tellEarlierDefinition(const WString& name, const IObjectDataNode& object);
   void tellProfile(const IObjectDataNode& profile);
+  void tellPrototype(const IObjectDataNode& profile);
   void tellIgnoredKeys(const IObjectDataNode& object);
   Diagnostic describe(const FragmentLoadFailure& failure);
   Diagnostic describeMissing(const FragmentLoadFailure& failure, const IObjectDataNode& profile,
@@ -61,6 +62,7 @@ private:
   Set<std::string> standardFiles_;
   bool isStandard_ = false;
   std::string file_;
+  WString fragment_;                     ///< the last one's name
   bool isFirst_ = true;                  ///< whether the file has shown no fragment yet
   std::vector<UnknownKey> unknownKeys_;  ///< of the last fragment
   std::size_t fileStart_ = 0;            ///< among the problems: the first of this file

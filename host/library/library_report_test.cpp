@@ -140,6 +140,28 @@ TEST_F(LibraryReportTest, TellsCodeThatCannotBeRead) {
             "lib/a.fraglib:2:3: error: fragment `f`: function result type is not void [not-loaded]\n");
 }
 
+TEST_F(LibraryReportTest, TellsFaultsOfPrototypesInTheirLine) {
+  write("lib/a.fraglib", R"json({ "f": { "language": ["dx11"], "implementation": [
+  "void f(",
+  "\tfloat a, // \"x\"",
+  "out float r) { r = a; }" ] },
+ "g": { "language": ["dx11"], "implementation": [
+  "void g(float a,",
+  "\t/* \"x\" */ b, out float r)", "{", "}" ] },
+ "h": { "language": ["dx11"], "implementation": [
+  "void h(float a,",
+  "\tot float r)", "{ r = a; }" ] },
+ "i": { "language": ["dx11"], "implementation": [
+  "void i(float a,",
+  "\tout float r)", "{ r = a; }" ] } })json");
+  EXPECT_EQ(
+      problems(),
+      "lib/a.fraglib:3:15: error: fragment `f`: this comment hides the parameters behind it: write it "
+      "between `/*` and `*/` [not-loaded]\n"
+      "lib/a.fraglib:7:18: error: fragment `g`: the parameter `b` needs a type and a name [not-loaded]\n"
+      "lib/a.fraglib:10:6: error: fragment `h`: unexpected `ot`; did you mean `out`? [not-loaded]\n");
+}
+
 TEST_F(LibraryReportTest, TellsUniforms) {
   const std::string rest =
       R"json(, "language": ["dx11"], "implementation": ["void f(out float r)", "{", "}"] })json";

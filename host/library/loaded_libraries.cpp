@@ -76,6 +76,31 @@ std::vector<std::string> noLibraries(const std::string& folder) {
   return paths;
 }
 
+/// Uniforms that stand for something else already.
+void tellUniformNames(const IObjectDataNode& object, const IShaderFragment& fragment,
+                      const TellProblem& tell) {
+  const IObjectDataNode* const uniforms = object.member(L"uniforms");
+  if (uniforms == nullptr) return;
+  Set<WString> ports;
+  for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i) {
+    const ITextParameterList& list = *fragment.getProfile(i)->getFunctionParameters();
+    for (std::size_t k = 0; k < list.getNumInputs(); ++k) ports.insert(list.getInputName(k));
+    for (std::size_t k = 0; k < list.getNumOutputs(); ++k) ports.insert(list.getOutputName(k));
+  }
+  Set<WString> names;
+  for (std::size_t i = 0; i < uniforms->size(); ++i) {
+    const IObjectDataNode* const name = uniforms->elementOrNull(i)->member(L"name");
+    if (name == nullptr) continue;
+    const WString& text = name->asString();
+    const std::string told = "fragment " + inTicks(fragment.key()) + ": the uniform name " + inTicks(text);
+    if (!names.insert(text).second) {
+      tell(Finding::repeatedName, name->position(), told + " is used twice");
+    } else if (ports.contains(text)) {
+      tell(Finding::repeatedName, name->position(), told + " is the name of a port, too");
+    }
+  }
+}
+
 }  // namespace
 
 LoadedLibraries::LoadedLibraries(const std::vector<std::string>& libraryFolders,
@@ -156,6 +181,7 @@ void LoadedLibraries::loadFragments(const std::string& folder, LibraryReport& re
   };
   loading.onLoaded = [&](const IObjectDataNode& object, const IShaderFragment& fragment) {
     files_.addCode(object, fragment);
+    tellUniformNames(object, fragment, tell);
     FragmentPorts ports = readPorts(object, fragment, *language_, tell);
     ports_.erase(fragment.key());
     if (!ports.ports.empty() || !ports.uniforms.empty()) ports_.emplace(fragment.key(), std::move(ports));

@@ -27,6 +27,7 @@ std::vector<Diagnostic> lintLibraries(const LoadedLibraries& libraries, std::spa
       lintProfiles(file, fragment, lints);
       lintOutputs(file, fragment, includes, lints);
       lintInputs(file, fragment, includes, lints);
+      lintBuiltinUses(file, fragment, lints);
       lintUniforms(file, fragment, lints);
       lintNames(file, fragment, lints);
       lintStatements(file, fragment, lints);

@@ -1,6 +1,9 @@
 #include "host/lints/use_lints.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "host/documents/near_name.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -71,6 +74,32 @@ void lintInputs(const LintedFile& file, const LintedFragment& fragment, const In
       const CodeToken& token = profile.implementation.plain.tokens[parameter.token];
       lints.at(Finding::unreadInput, file.name, profile.implementation.placeOf(token),
                named(fragment) + " never reads its input " + inTicks(WString(parameter.name)));
+    }
+  }
+}
+
+void lintBuiltinUses(const LintedFile& file, const LintedFragment& fragment, LintList& lints) {
+  std::vector<std::string> inputs;
+  for (const LintedProfile& profile : fragment.profiles)
+    for (const CodeParameter& parameter : profile.parameters)
+      if (!parameter.isOutput) inputs.push_back(toUtf8(parameter.name));
+  for (const LintedProfile& profile : fragment.profiles) {
+    const PlainCode& code = profile.implementation.plain;
+    if (profile.isInline() || hasGivenParameters(profile)) continue;
+    for (std::size_t i = profile.bodyBegin; i + 2 < profile.bodyEnd; ++i) {
+      const bool isUse = code.isFreeName(i) &&
+                         (code.word(i) == L"sfg_isConnected" || code.word(i) == L"sfg_shader") &&
+                         code.is(i + 1, L'(') && code.isName(i + 2);
+      if (!isUse) continue;
+      const std::string name = toUtf8(code.word(i + 2));
+      if (std::find(inputs.begin(), inputs.end(), name) != inputs.end()) continue;
+      Diagnostic lint = diagnose(Finding::unknownPort, Severity::warning, file.name,
+                                 profile.implementation.placeOf(code.tokens[i + 2]),
+                                 named(fragment) + ": " + inTicks(code.word(i)) +
+                                     " names an input, and there is none of the name " +
+                                     inTicks(std::string_view(name)) + didYouMean(nearestName(name, inputs)));
+      lint.suggestion = nearestName(name, inputs);
+      lints.add(std::move(lint));
     }
   }
 }

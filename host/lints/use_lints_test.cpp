@@ -8,6 +8,20 @@ namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
 using UnreadInput = LintFixture;
+using BuiltinUse = LintFixture;
+
+TEST_F(BuiltinUse, IsToldOfAnInputThatIsNotThere) {
+  EXPECT_EQ(
+      lintsOf(R"json("f": { "language": ["dx11"], "implementation": [
+  "void f(float3 height, float2 uv, out float3 r)", "{",
+  "r = sfg_isConnected(heigth) ? height : float3(uv, 0.0);",
+  "sfg_shader(image, uv, r, r);", "sfg_shader(height, uv, r, r);",
+  "}"] })json"),
+      "lib.fraglib:3:24: fragment `f`: `sfg_isConnected` names an input, and there is none of the name "
+      "`heigth`; did you mean `height`? [unknown-port]\n"
+      "lib.fraglib:4:15: fragment `f`: `sfg_shader` names an input, and there is none of the name `image` "
+      "[unknown-port]\n");
+}
 
 TEST_F(UnreadInput, IsToldAtItsParameter) {
   EXPECT_EQ(lintsOf(fragment("tint", "float3 color, float amount, out float3 result", "result = color;")),
