@@ -114,12 +114,14 @@ private:
       if (unknown == generated) unknown = place.token;
     }
     if (unknown.empty()) return {text, std::string()};
-    const std::string meant(meantName(unknown, visibleNames(place)));
+    const CodeTokens& tokens = messages_.tokens();
+    const bool isCalled = told.token + 1 < tokens.size() && tokens[told.token + 1].in(text_) == L"(";
+    const std::string meant(meantName(unknown, visibleNames(place, isCalled)));
     return {text + didYouMean(meant), meant};
   }
 
   /// What code at the place can name.
-  std::vector<std::string> visibleNames(const SourcePlace& place) const {
+  std::vector<std::string> visibleNames(const SourcePlace& place, bool isCalled) const {
     std::set<std::string> names;
     const IShaderFragment* const fragment =
         job_.libraries().language().findFragment(fromUtf8(place.fragment));
@@ -127,7 +129,9 @@ private:
     if (place.kind == Kind::include) addDeclared(names, text_);
     std::vector<std::string> all(names.begin(), names.end());
     for (const std::string_view name : languageNames()) all.emplace_back(name);
-    for (const char* const name : {"for", "sfg_isConnected", "sfg_shader", "while"}) all.emplace_back(name);
+    // What only stands in front of a bracket.
+    if (isCalled)
+      for (const char* const name : {"for", "sfg_isConnected", "sfg_shader", "while"}) all.emplace_back(name);
     for (const StateVariableInfo& variable : allStateVariables()) all.push_back(toUtf8(variable.name.view()));
     return all;
   }
