@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -16,6 +14,7 @@
 #include "tools/command.h"
 #include "tools/depfile.h"
 #include "tools/output_file.h"
+#include "tools/progress_line.h"
 #include "tools/watch/build_inputs.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
@@ -69,26 +68,17 @@ std::string fixed(double number, int digits) {
 /// line for each finished hundred. On the standard error stream.
 class Progress {
 public:
-  Progress() : isTerminal_(isatty(STDERR_FILENO) == 1) {}
-  ~Progress() { clear(); }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-
   void show(std::size_t done, std::size_t all) {
-    if (!isTerminal_) {
+    if (!line_.isTerminal()) {
       if (done % 100 == 0) std::cerr << textOf(done, all) + "\n" << std::flush;
       return;
     }
     if (const auto now = Clock::now(); now - last_ >= std::chrono::milliseconds(100) || done == all) {
       last_ = now;
-      std::cerr << "\r\x1b[K" << textOf(done, all) << std::flush;
-      isShown_ = true;
+      line_.show(textOf(done, all));
     }
   }
-  void clear() {
-    if (isShown_) std::cerr << "\r\x1b[K" << std::flush;
-    isShown_ = false;
-  }
+  void clear() { line_.clear(); }
 
 private:
   using Clock = std::chrono::steady_clock;
@@ -102,8 +92,7 @@ private:
     return text + ", " + durationText(static_cast<double>(all - done) / std::max(rate, 1e-3)) + " left";
   }
 
-  bool isTerminal_;
-  bool isShown_ = false;
+  ProgressLine line_;
   Clock::time_point start_ = Clock::now();
   Clock::time_point last_ = {};
 };

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
@@ -10,6 +8,7 @@
 #include "tools/collapse_options.h"
 #include "tools/command.h"
 #include "tools/output_file.h"
+#include "tools/progress_line.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -39,25 +38,21 @@ constexpr const char* kNotes =
 
 enum class Format { text, json, sarif };
 
-/// One line that is written over again, on a terminal only.
+/// How many per cent are done.
 class Progress {
 public:
-  explicit Progress(bool isShown) : isShown_(isShown && isatty(STDERR_FILENO) == 1) {}
-  ~Progress() {
-    if (isShown_ && percent_ != kNone) std::cerr << "\r\x1b[K" << std::flush;
-  }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
+  explicit Progress(bool isShown) : isShown_(isShown) {}
 
   void show(std::size_t done, std::size_t all) {
     const std::size_t percent = done * 100 / std::max<std::size_t>(all, 1);
     if (!isShown_ || percent == percent_) return;
     percent_ = percent;
-    std::cerr << "\rchecking: " << percent << "%" << std::flush;
+    line_.show("checking: " + std::to_string(percent) + "%");
   }
 
 private:
   static constexpr std::size_t kNone = 101;
+  ProgressLine line_;
   bool isShown_;
   std::size_t percent_ = kNone;
 };

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -21,6 +20,7 @@
 #include "tolmsdk/unicode.h"
 #include "tools/command.h"
 #include "tools/output_file.h"
+#include "tools/progress_line.h"
 #include "tools/render_options.h"
 #include "tools/render_request.h"
 
@@ -318,27 +318,19 @@ std::string rangeLine(const ShownNode& shown, const Range& range) {
   return line.str();
 }
 
-/// One line that is written over, on a terminal alone.
+/// How much is drawn, in per cent.
 class Progress {
 public:
   Progress(unsigned pictures, unsigned samples) : all_(pictures * samples), samples_(samples) {}
-  ~Progress() {
-    if (isShown_) std::fputs("\r\033[K", stderr);
-  }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
 
   void tell(unsigned picture, unsigned sample) {
-    if (!Diagnostics::isTerminal()) return;
-    isShown_ = true;
-    std::fprintf(stderr, "\r  %u %%", 100 * (picture * samples_ + sample) / all_);
-    std::fflush(stderr);
+    line_.show("  " + std::to_string(100 * (picture * samples_ + sample) / all_) + " %");
   }
 
 private:
   unsigned all_;
   unsigned samples_;
-  bool isShown_ = false;
+  ProgressLine line_;
 };
 
 /// "picture-suffix.png".

@@ -14,6 +14,7 @@
 #include "host/documents/diagnose.h"
 #include "host/job/run_all.h"
 #include "sfg/host/build.h"
+#include "text/ascii.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -46,9 +47,8 @@ std::vector<Unit> unitsOf(const std::vector<BuildTask>& tasks) {
 }
 
 bool isLibraryFile(const fs::path& file) {
-  std::string extension = file.extension().string();
-  for (char& c : extension) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return extension == ".fraglib" || extension == ".h";
+  const std::string extension = file.extension().string();
+  return equalsIgnoringCase(extension, ".fraglib") || equalsIgnoringCase(extension, ".h");
 }
 
 /// Everything in the folders that a library set is loaded of: names and hashes.

@@ -9,6 +9,7 @@
 #include "host/documents/load_error.h"
 #include "host/library/include_files.h"
 #include "sfg/host/check.h"
+#include "text/ascii.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -18,10 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 bool hasExtension(const fs::path& file, std::string_view extension) {
-  std::string own = file.extension().string();
-  std::transform(own.begin(), own.end(), own.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return own == extension;
+  return equalsIgnoringCase(file.extension().string(), extension);
 }
 bool isLibrary(const fs::path& file) { return hasExtension(file, ".fraglib"); }
 

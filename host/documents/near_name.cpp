@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "sfg/host/suggest.h"
+#include "text/ascii.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -17,11 +18,9 @@ constexpr std::size_t kChange = 2 * NearName::kLongest;
 constexpr std::size_t kOtherCase = 1;
 constexpr std::size_t kTooMuch = std::numeric_limits<std::size_t>::max() / 2;
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 std::size_t costOf(char a, char b) {
   if (a == b) return 0;
-  return lower(a) == lower(b) ? kOtherCase : kChange;
+  return toLowerAscii(a) == toLowerAscii(b) ? kOtherCase : kChange;
 }
 
 }  // namespace
@@ -34,7 +33,7 @@ NearName::NearName(std::string_view name) : name_(name), letters_(lettersOf(name
 
 NearName::Letters NearName::lettersOf(std::string_view name) {
   Letters letters = 0;
-  for (const char c : name) letters |= Letters{1} << (static_cast<unsigned char>(lower(c)) & 63);
+  for (const char c : name) letters |= Letters{1} << (static_cast<unsigned char>(toLowerAscii(c)) & 63);
   return letters;
 }
 

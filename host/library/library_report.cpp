@@ -12,6 +12,7 @@
 #include "host/library/language_dx11.h"
 #include "host/library/prototype_fault.h"
 #include "host/library/string_places.h"
+#include "text/ascii.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -71,18 +72,12 @@ std::optional<std::size_t> numberBehind(std::wstring_view text, std::string_view
 
 constexpr std::string_view kModes[] = {"function", "inline", "metaSL"};
 
-bool isSameWord(std::string_view word, std::string_view other) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-  return std::equal(word.begin(), word.end(), other.begin(), other.end(),
-                    [&](char a, char b) { return lower(a) == lower(b); });
-}
-
 bool isMode(std::string_view mode) {
   return std::any_of(std::begin(kModes), std::end(kModes),
-                     [&](std::string_view known) { return isSameWord(mode, known); });
+                     [&](std::string_view known) { return equalsIgnoringCase(mode, known); });
 }
 
-bool isInline(std::string_view mode) { return isSameWord(mode, "inline"); }
+bool isInline(std::string_view mode) { return equalsIgnoringCase(mode, "inline"); }
 
 struct PlacedFault {
   TextPosition position;

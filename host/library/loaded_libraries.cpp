@@ -8,6 +8,7 @@
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
 #include "sfg/host/errors.h"
+#include "text/ascii.h"
 #include "tolmsdk/files.h"
 #include "tolmsdk/unicode.h"
 
@@ -56,12 +57,7 @@ void requireLanguage(const std::string& language) {
                    "unknown language " + inTicks(language) + knownNameHint(language, known));
 }
 
-bool isLibraryName(const fs::path& file) {
-  std::string extension = file.extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return extension == ".fraglib";
-}
+bool isLibraryName(const fs::path& file) { return equalsIgnoringCase(file.extension().string(), ".fraglib"); }
 
 /// Paths of what is named as a library in the folder and is no file.
 std::vector<std::string> noLibraries(const std::string& folder) {
