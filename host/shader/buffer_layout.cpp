@@ -30,14 +30,16 @@ void placeMembers(std::vector<BufferMember>& members) noexcept {
   }
 }
 
-std::vector<ConstantBuffer> makeBuffers(const WString& name, const std::vector<BufferMember>& members) {
+std::vector<ConstantBuffer> makeBuffers(const WString& name, std::vector<BufferMember> members) {
   std::vector<ConstantBuffer> buffers;
   ConstantBuffer plain{name, 0, {}};
-  for (const BufferMember& member : members) {
+  plain.members.reserve(members.size());
+  for (BufferMember& member : members) {
     if (member.port.type == TypeID_nil) {
-      buffers.push_back({name + L"_" + member.port.name, 0, {member}});
+      ConstantBuffer& buffer = buffers.emplace_back(ConstantBuffer{name + L"_" + member.port.name, 0, {}});
+      buffer.members.push_back(std::move(member));
     } else {
-      plain.members.push_back(member);
+      plain.members.push_back(std::move(member));
     }
   }
   if (!plain.members.empty()) buffers.push_back(std::move(plain));

@@ -33,7 +33,7 @@ std::size_t bufferedSize(const TypeID& type) noexcept;
 void placeMembers(std::vector<BufferMember>& members) noexcept;
 
 /// One buffer for all members but structures, which have a buffer each; none without members.
-std::vector<ConstantBuffer> makeBuffers(const WString& name, const std::vector<BufferMember>& members);
+std::vector<ConstantBuffer> makeBuffers(const WString& name, std::vector<BufferMember> members);
 
 /// The place as HLSL writes it: "c1.z".
 WString packOffset(std::size_t offset);

@@ -139,7 +139,8 @@ private:
   /// A light loop has no parameters for the graph inputs: those that its code names are variables around it.
   void findGraphInputs() {
     plan_.inputsAreVariables = job_.settings().tool == CollapseTool::lightLoop;
-    const Set<std::wstring_view> used = identifiersOf(plan_.body);
+    const bool needsNames = plan_.inputsAreVariables && job_.document().getNumInputs() > 0;
+    const Set<std::wstring_view> used = identifiersOf(needsNames ? std::wstring_view(plan_.body) : std::wstring_view());
     for (std::size_t i = 0; i < job_.document().getNumInputs(); ++i) {
       const AParameter& input = *job_.document().getInput(i);
       if (plan_.inputsAreVariables && !used.contains(std::wstring_view(input.getName()))) continue;
@@ -297,31 +298,32 @@ private:
 
   void findBuffers() {
     std::vector<BufferMember> members;
-    for (const Uniform& uniform : uniforms_) {
+    members.reserve(uniforms_.size());
+    for (Uniform& uniform : uniforms_) {
       if (isSamplerType(uniform.parameter->getType())) continue;
       Port port = portOf(*uniform.parameter);
-      port.name = uniform.name;
-      members.push_back({port, uniform.origin, uniform.parameter->getDefaultValue()});
+      port.name = std::move(uniform.name);
+      members.push_back({std::move(port), std::move(uniform.origin), uniform.parameter->getDefaultValue()});
     }
-    addBuffers(L"sfg_Uniforms", members);
+    addBuffers(L"sfg_Uniforms", std::move(members));
     members.clear();
     for (const StateVariableInfo& info : allStateVariables()) {
       if (info.kind != StateVariableKind::uniform || !usedVariables_.contains(info.name)) continue;
       const Port port{info.type, info.type.toString(), info.name.str()};
       members.push_back({port, {Kind::stateVariable, WString(), WString(), info.name.str()}, AValue()});
     }
-    addBuffers(L"sfg_StateUniforms", members);
+    addBuffers(L"sfg_StateUniforms", std::move(members));
     members.clear();
     for (const UsedInput& input : plan_.graphInputs) {
       if (input.way != UsedInput::Way::buffer) continue;
       const Port port{input.port.type, input.port.typeText, input.variable};
       members.push_back({port, graphInputOrigin(input), AValue()});
     }
-    addBuffers(L"sfg_GraphInputs", members);
+    addBuffers(L"sfg_GraphInputs", std::move(members));
   }
 
-  void addBuffers(const WString& name, const std::vector<BufferMember>& members) {
-    for (ConstantBuffer& buffer : makeBuffers(name, members)) {
+  void addBuffers(const WString& name, std::vector<BufferMember> members) {
+    for (ConstantBuffer& buffer : makeBuffers(name, std::move(members))) {
       buffer.number = plan_.buffers.size();
       plan_.buffers.push_back(std::move(buffer));
     }

@@ -1,6 +1,7 @@
 #include "host/shader/value_origin.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace TolmSDK::Graphics::sfg::host {
 
@@ -26,15 +27,14 @@ ValueOrigins::ValueOrigins(const CollapseJob& job) : libraryPorts_(job.libraries
     add(*output, Kind::output, output->instanceName());
   }
   for (const RefPtr<AParameter const>& uniform : document.uniforms()) {
-    add(uniform->getName(),
-        {uniform.get(), {Kind::graphUniform, WString(), WString(), uniform->getName()}, true});
+    candidates_.emplace(uniform->getName(), Candidate{uniform.get(), Kind::graphUniform, {}, {}, true});
   }
 }
 
 void ValueOrigins::add(const IShaderFragment& fragment, ValueOrigin::Kind kind, const WString& owner) {
   const auto addPort = [&](const AParameter& parameter, WString unique, bool isUniform) {
     unique += fragment.instanceName();
-    add(unique, {&parameter, {kind, owner, fragment.key(), parameter.getName()}, isUniform});
+    candidates_.emplace(std::move(unique), Candidate{&parameter, kind, owner, fragment.key(), isUniform});
   };
   for (std::size_t i = 0; i < fragment.getNumUniforms(); ++i) {
     const AParameter& uniform = *fragment.getUniform(i);
@@ -44,12 +44,8 @@ void ValueOrigins::add(const IShaderFragment& fragment, ValueOrigin::Kind kind, 
     const AParameter& input = *fragment.getInput(i);
     WString unique = input.getName();
     std::replace(unique.begin(), unique.end(), L'.', L'_');
-    addPort(input, unique, false);
+    addPort(input, std::move(unique), false);
   }
-}
-
-void ValueOrigins::add(const WString& name, const Candidate& candidate) {
-  candidates_.emplace(name, candidate);
 }
 
 /// Names of two owners can meet; the parameter that the uniform was made from tells them apart.
@@ -63,15 +59,11 @@ ValueOrigin ValueOrigins::find(const AParameter& uniform) const {
     if (found->parameter == original) break;
   }
   if (found == nullptr) return {};
-  ValueOrigin origin = found->origin;
-  origin.port = describe(*found);
-  return origin;
-}
-
-const PortMetadata* ValueOrigins::describe(const Candidate& found) const {
-  const ValueOrigin& origin = found.origin;
-  return found.isUniform ? findUniform(libraryPorts_, origin.fragment, origin.name)
-                         : findPort(libraryPorts_, origin.fragment, origin.name);
+  WString fragment(found->fragment);
+  const WString& name = found->parameter->getName();
+  const PortMetadata* const port = found->isUniform ? findUniform(libraryPorts_, fragment, name)
+                                                    : findPort(libraryPorts_, fragment, name);
+  return {found->kind, WString(found->owner), std::move(fragment), name, port};
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -40,9 +40,12 @@ public:
   ValueOrigin find(const AParameter& uniform) const;
 
 private:
+  /// What the views point into belongs to the job.
   struct Candidate {
     const AParameter* parameter = nullptr;
-    ValueOrigin origin;
+    ValueOrigin::Kind kind = ValueOrigin::Kind::unknown;
+    std::wstring_view owner;
+    std::wstring_view fragment;
     bool isUniform = false;  ///< of the owner's fragment, not an input
   };
   struct Hash {
@@ -51,8 +54,6 @@ private:
     }
   };
   void add(const IShaderFragment& fragment, ValueOrigin::Kind kind, const WString& owner);
-  const PortMetadata* describe(const Candidate& found) const;
-  void add(const WString& name, const Candidate& candidate);
 
   const LibraryPorts& libraryPorts_;
   /// By the name that a uniform has in the result.

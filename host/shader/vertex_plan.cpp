@@ -172,7 +172,7 @@ private:
       const ValueOrigin origin{ValueOrigin::Kind::stateVariable, WString(), WString(), info.name.str()};
       members.push_back({{info.type, info.type.toString(), info.name.str()}, origin, AValue()});
     }
-    plan_.buffers = makeBuffers(L"sfg_VertexUniforms", members);
+    plan_.buffers = makeBuffers(L"sfg_VertexUniforms", std::move(members));
     for (ConstantBuffer& buffer : plan_.buffers) buffer.number = pixel_.buffers.size();
   }
 
