@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/named_pipe.h"
 #include "platform/text_file.h"
 #include "platform/utf.h"
 #include "tolmsdk/exception.h"
@@ -73,9 +74,15 @@ bool readTextFile(std::wstring_view path, std::string& bytes, WString& error) {
     if (!code) bytes.reserve(static_cast<std::size_t>(size) + 1);
   }
 
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) return fail(bytes, error, L"the file cannot be opened");
-  if (!appendRest(stream, bytes)) return fail(bytes, error, L"the file cannot be read");
+  if (isNamedPipe(file)) {
+    const PipeEnd end = readNamedPipe(file, bytes);
+    if (end == PipeEnd::noWriter) return fail(bytes, error, L"nobody writes into this pipe");
+    if (end == PipeEnd::failed) return fail(bytes, error, L"the file cannot be read");
+  } else {
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) return fail(bytes, error, L"the file cannot be opened");
+    if (!appendRest(stream, bytes)) return fail(bytes, error, L"the file cannot be read");
+  }
   if (bytes.size() > kMaximumTextFileSize) return fail(bytes, error, tooLargeMessage());
   if (withoutByteOrderMark(bytes).size() != bytes.size()) bytes.erase(0, 3);
   return true;

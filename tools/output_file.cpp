@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -48,6 +49,30 @@ bool isSameFile(const fs::path& a, const fs::path& b) {
 /// A file that writing would replace.
 bool isFile(const std::string& name) { return !name.empty() && isReplaceable(name); }
 
+/// Holds back the signals that end a program while a file is written under another name: it is not left
+/// behind.
+class SignalsHeld {
+#if defined(_WIN32)
+public:
+  SignalsHeld() {}
+};
+#else
+public:
+  SignalsHeld() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+    pthread_sigmask(SIG_BLOCK, &signals, &before_);
+  }
+  ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+private:
+  sigset_t before_;
+};
+#endif
+
 }  // namespace
 
 void writeOutput(const std::string& file, std::string_view bytes) {
@@ -58,6 +83,7 @@ void writeOutput(const std::string& file, std::string_view bytes) {
   } else if (isReplaceable(file)) {
     std::error_code error;
     const fs::path target = fs::weakly_canonical(file, error);
+    const SignalsHeld held;
     const auto reason = host::replaceFile(error ? fs::path(file) : target, bytes);
     if (reason) cannotWrite(file, *reason);
   } else if (const std::optional<std::string> reason = writeBytes(file, bytes)) {

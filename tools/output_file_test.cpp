@@ -2,9 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <thread>
+
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #include "sfg/host/errors.h"
 
@@ -47,6 +55,28 @@ TEST_F(OutputFileTest, WritesThroughASymbolicLink) {
   EXPECT_TRUE(fs::is_symlink(path("link")));
   EXPECT_EQ(read("target"), "new");
 }
+
+#if !defined(_WIN32)
+TEST_F(OutputFileTest, LeavesNothingElseWhenInterrupted) {
+  const std::string bytes(std::size_t{1} << 20, 'x');
+  for (int round = 0; round < 20; ++round) {
+    const pid_t writer = fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+      for (;;) writeOutput(path("out"), bytes);
+    }
+    while (!fs::exists(path("out"))) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::microseconds(500 * round));
+    kill(writer, round % 2 == 0 ? SIGINT : SIGTERM);
+    int status = 0;
+    ASSERT_EQ(waitpid(writer, &status, 0), writer);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(read("out"), bytes);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 1);
+    fs::remove(path("out"));
+  }
+}
+#endif
 
 TEST_F(OutputFileTest, SaysWhatItCannotWrite) {
   try {

@@ -30,6 +30,20 @@ TEST(CompileTest, IsBothStepsInOne) {
             translateSpirv(spirv, ShaderStage::pixel, ShaderTarget::glsl));
 }
 
+TEST(CompileTest, CompilesDeepExpressions) {
+  if (!hasCompilers()) GTEST_SKIP() << "built without compilers";
+  const Shader deep = makeShader(std::string(4'000, '(') + "float4(1, 2, 3, 4)" + std::string(4'000, ')'));
+  EXPECT_EQ(compileToSpirv(deep), compileToSpirv(makeShader("float4(1, 2, 3, 4)")));
+}
+
+TEST(CompileTest, RefusesWhatIsTooDeep) {
+  if (!hasCompilers()) GTEST_SKIP() << "built without compilers";
+  const Shader deep = makeShader(std::string(100'000, '(') + "1" + std::string(100'000, ')'));
+  EXPECT_EQ(refusal([&] { compileToSpirv(deep); }), "the generated shader is too deep for the compilers");
+  EXPECT_EQ(refusal([&] { compile(deep, ShaderTarget::glsl); }),
+            "the generated shader is too deep for the compilers");
+}
+
 TEST(CompileTest, TellsWhoseLinesTheMessagesAreOf) {
   if (!hasCompilers()) GTEST_SKIP() << "built without compilers";
   try {

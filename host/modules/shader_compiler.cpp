@@ -14,6 +14,7 @@
 #include <spirv-tools/optimizer.hpp>
 #include <sstream>
 
+#include "host/modules/code_depth.h"
 #include "host/modules/new_operations.h"
 #include "host/modules/token_lines.h"
 #include "host/shader/module_names.h"
@@ -534,6 +535,7 @@ bool hasCompilers() noexcept { return true; }
 
 Words compileToSpirv(const std::string& hlsl, const std::string& entryPoint, ShaderStage stage,
                      const CompileOptions& options) {
+  refuseTooDeep(hlsl);
   const Words unoptimised = parseToSpirv(hlsl, entryPoint, stage, options.debug);
   Words words = nameModuleInterface(legaliseAndOptimise(unoptimised, options));
   validate(words);

@@ -140,7 +140,8 @@ private:
   void findGraphInputs() {
     plan_.inputsAreVariables = job_.settings().tool == CollapseTool::lightLoop;
     const bool needsNames = plan_.inputsAreVariables && job_.document().getNumInputs() > 0;
-    const Set<std::wstring_view> used = identifiersOf(needsNames ? std::wstring_view(plan_.body) : std::wstring_view());
+    const Set<std::wstring_view> used =
+        identifiersOf(needsNames ? std::wstring_view(plan_.body) : std::wstring_view());
     for (std::size_t i = 0; i < job_.document().getNumInputs(); ++i) {
       const AParameter& input = *job_.document().getInput(i);
       if (plan_.inputsAreVariables && !used.contains(std::wstring_view(input.getName()))) continue;

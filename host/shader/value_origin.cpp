@@ -61,8 +61,8 @@ ValueOrigin ValueOrigins::find(const AParameter& uniform) const {
   if (found == nullptr) return {};
   WString fragment(found->fragment);
   const WString& name = found->parameter->getName();
-  const PortMetadata* const port = found->isUniform ? findUniform(libraryPorts_, fragment, name)
-                                                    : findPort(libraryPorts_, fragment, name);
+  const PortMetadata* const port =
+      found->isUniform ? findUniform(libraryPorts_, fragment, name) : findPort(libraryPorts_, fragment, name);
   return {found->kind, WString(found->owner), std::move(fragment), name, port};
 }
 

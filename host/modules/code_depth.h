@@ -1,0 +1,20 @@
+#pragma once
+
+// Code whose nesting the compilers cannot bear: they descend into it, and their time grows with its cube.
+
+#include <cstddef>
+#include <string_view>
+
+namespace TolmSDK::Graphics::sfg::host {
+
+constexpr std::size_t kDeepestBrackets = 5'000;  ///< `(` and `[` within each other
+constexpr std::size_t kDeepestBlocks =
+    100;  ///< `if`, `else if`, `for`, .., those of called functions included
+constexpr std::size_t kMostOperators = 50'000;  ///< in one expression
+constexpr std::size_t kMostTokens = 1'000'000;  ///< with every function in the place of its calls
+
+/// Throws CompileError at the first place in the assembled shader that passes one of these limits. Macros are
+/// counted as they stand.
+void refuseTooDeep(std::string_view shader);
+
+}  // namespace TolmSDK::Graphics::sfg::host
