@@ -38,6 +38,12 @@ function(sfg_target_defaults target)
   if(SFG_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
+  if(SFG_HARDEN AND NOT SFG_SANITIZE)
+    # The source folder stays out of what is shipped: builds in two folders give the same bytes.
+    target_compile_options(${target} PRIVATE "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:\
+-fstack-protector-strong;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3;-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
+    target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now)
+  endif()
   if(SFG_SANITIZE)
     target_compile_options(${target} PRIVATE
       "-fsanitize=${SFG_SANITIZE}" -fno-sanitize-recover=all -fno-omit-frame-pointer)

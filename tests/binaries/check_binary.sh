@@ -6,6 +6,7 @@
 #   check_binary.sh references LIBRARY [NAME..]   refers to nothing that ends the process or prints, NAMEs excepted
 #   check_binary.sh soname LIBRARY NAME           carries that name
 #   check_binary.sh needs LIBRARY [NAME..]        needs the language's own libraries and NAMEs, nothing else
+#   check_binary.sh hardened LIBRARY|PROGRAM      has read-only relocations and a stack protector, and may lie anywhere
 # Prints "exported: .." and the like for each thing found, then "bad: N".
 set -euo pipefail
 what=$1 library=$2
@@ -63,6 +64,14 @@ case "$what" in
   needs)
     { dynamic NEEDED | grep -vE '^(libstdc\+\+|libm|libgcc_s|libc|libpthread|ld-linux[^.]*)\.so\.[0-9]+$' || true; } |
       report needs "$@"
+    ;;
+  hardened)
+    {
+      readelf -lW "$library" | grep -q GNU_RELRO || echo "read-only relocations"
+      readelf -dW "$library" | grep -qE 'BIND_NOW|FLAGS.*NOW' || echo "binding at start"
+      nm -D --undefined-only "$library" | grep -q __stack_chk_fail || echo "stack protector"
+      readelf -hW "$library" | grep -qE 'Type: +DYN' || echo "any place in memory"
+    } | report missing
     ;;
   *)
     echo "no such check: $what" >&2

@@ -45,4 +45,7 @@ expect 1 ', expected libleaky.so.0' soname "$library" libleaky.so.0
 expect 1 'needs: libcrypto.so.3
 bad: 1' needs "$library"
 expect 0 'bad: 0' needs "$library" libcrypto.so.3
+expect 1 'missing: binding at start
+missing: stack protector
+bad: 2' hardened "$library"
 [ "$failures" -eq 0 ]
