@@ -73,6 +73,27 @@ TEST_F(Build, EqualTextsAreCompiledOnce) {
   EXPECT_EQ(read("out/red.spv"), read("out/same.spv"));
 }
 
+TEST_F(Build, ChangedValueOfAUniformCompilesNothing) {
+  if (!hasCompilers()) GTEST_SKIP() << "the library has no compilers";
+  const auto graph = [](const std::string& amount) {
+    return R"({"outputs": [{"name": "color", "type": "float3", "node": "a"}],
+      "nodes": [{"name": "a", "fragment": "dim", "inputs": {"amount": {"value": )" +
+           amount + "}}}]}";
+  };
+  write("graphs/one.json", graph("0.25"));
+  write("graphs/two.json", graph("0.75"));
+  const auto plan = [this] {
+    return this->plan(R"("graphs": ["graphs/one.json", "graphs/two.json"], "reflection": true)");
+  };
+  EXPECT_EQ(build(plan(), withCache()), "1 built, 1 reused, 0 unchanged, 0 failed") << told();
+  EXPECT_EQ(report_.compiledTexts, 1u);
+  EXPECT_EQ(read("out/one.spv"), read("out/two.spv"));
+  EXPECT_NE(read("out/one.spv.json"), read("out/two.spv.json"));
+  write("graphs/two.json", graph("0.5"));
+  EXPECT_EQ(build(plan(), withCache()), "0 built, 1 reused, 1 unchanged, 0 failed") << told();
+  EXPECT_EQ(report_.compiledTexts, 0u);
+}
+
 TEST_F(Build, OneCollapseServesStagesAndTargets) {
   if (!hasCompilers()) GTEST_SKIP() << "the library has no compilers";
   const BuildPlan plan =
