@@ -13,6 +13,7 @@
 #include "tools/build_options.h"
 #include "tools/command.h"
 #include "tools/depfile.h"
+#include "tools/kept_memory.h"
 #include "tools/output_file.h"
 #include "tools/progress_line.h"
 #include "tools/watch/build_inputs.h"
@@ -142,6 +143,7 @@ public:
     const host::BuildPlan plan = makePlan(options_, diagnostics);
     if (!depfile_.empty()) writeDependencies(plan);
     host::BuildOptions options = options_.buildOptions();
+    keepFreedMemory();
     std::signal(SIGINT, interrupt);
     options.stop = &isInterrupted;
     Progress progress;

@@ -60,12 +60,17 @@ std::string givenWord(const host::ManifestWords& words) {
   return words.tool.empty() ? "" : "--tool";
 }
 
-host::Document documentOf(const BuildCommandOptions& options) {
+/// What cannot be read, as while it is edited, is what the other options take it for.
+bool isManifest(const BuildCommandOptions& options) {
   std::error_code error;
-  const bool isManifest =
-      !fs::is_directory(options.manifest, error) &&
-      host::documentKindOf(host::Document::fromFile(options.manifest)) != host::DocumentKind::graph;
-  if (isManifest) {
+  if (fs::is_directory(options.manifest, error)) return false;
+  const auto kind = host::documentKindOf(host::Document::fromFile(options.manifest));
+  if (!kind) return givenWord(options.words).empty();
+  return *kind != host::DocumentKind::graph;
+}
+
+host::Document documentOf(const BuildCommandOptions& options) {
+  if (isManifest(options)) {
     if (const std::string given = givenWord(options.words); !given.empty()) {
       throw host::InputError("`" + given + "` is for graphs and folders; a manifest says it itself");
     }

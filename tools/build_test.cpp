@@ -40,6 +40,14 @@ protected:
     return std::system(("cd '" + path(".") + "' && " + command + " >.out 2>.err </dev/null").c_str());
   }
 
+  /// How many results lie in a folder and below.
+  std::size_t resultsIn(const std::string& folder) const {
+    std::size_t count = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(path(folder)))
+      if (entry.path().extension() == ".hlsl") ++count;
+    return count;
+  }
+
   /// Names and bytes of the outputs.
   std::map<std::string, std::string> outputs() const {
     std::map<std::string, std::string> all;
@@ -147,6 +155,76 @@ TEST_F(BuildTest, FullDiskIsToldAndLeavesNothingHalf) {
       << read(".err");
   for (const auto& [name, bytes] : outputs()) EXPECT_EQ(bytes, "") << name;
   EXPECT_EQ(countsOf(build("--cache cache")), "12 shaders: 12 built, 0 reused, 0 unchanged, 0 failed");
+}
+
+TEST_F(BuildTest, FullFileSystemIsToldAndTheNextBuildGoesOn) {
+  // A file system of its own, too small for all, that other processes do not see.
+  const std::string mounted = "unshare --mount sh -c 'mount -t tmpfs -o size=64k full out && ";
+  fs::create_directories(path("out"));
+  if (shell(mounted + "true'") != 0) GTEST_SKIP() << "no file system can be mounted here";
+  for (int i = 0; i < 60; ++i) write("graphs/more/" + std::to_string(i) + ".json", tintGraph(100 + i));
+  shell(mounted + "\"" SFG_COMMAND "\" build build.json --cache cache; echo $? >status; cp -a out kept'");
+  EXPECT_EQ(read("status"), "1\n");
+  EXPECT_NE(read(".err").find("cannot be written: No space left on device [cannot-write]\n"),
+            std::string::npos)
+      << read(".err");
+  const std::size_t fit = resultsIn("kept");
+  EXPECT_GT(fit, 0u);
+  EXPECT_LT(fit, 72u);
+  // With room again only the rest is made, and what was there is what a whole build makes.
+  fs::remove_all(path("out"));
+  fs::rename(path("kept"), path("out"));
+  const auto kept = outputs();
+  const CommandRun run = build("--cache cache");
+  EXPECT_EQ(run.status, 0) << run.err;
+  const auto all = outputs();
+  EXPECT_EQ(all.size(), 12u);
+  for (const auto& [name, bytes] : kept) EXPECT_EQ(bytes, all.at(name)) << name;
+  EXPECT_EQ(resultsIn("out"), 72u);
+}
+
+TEST_F(BuildTest, TwoProcessesBuildIntoOneFolder) {
+  for (int i = 0; i < 40; ++i) write("graphs/more/" + std::to_string(i) + ".json", tintGraph(100 + i));
+  const std::string one = "'" SFG_COMMAND "' build build.json --cache cache --jobs 1";
+  EXPECT_EQ(shell("{ " + one + " >one 2>&1 & p=$!; " + one + " >two 2>&1; s=$?; wait $p && exit $s; }"), 0)
+      << read("one") << read("two");
+  EXPECT_EQ(resultsIn("out"), 52u);
+  for (const auto& entry : fs::directory_iterator(path("out/.sfg-build")))
+    EXPECT_NE(entry.path().extension(), ".part");
+  EXPECT_EQ(countsOf(build("--cache cache")), "52 shaders: 0 built, 0 reused, 52 unchanged, 0 failed");
+  const auto together = outputs();
+  fs::remove_all(path("out"));
+  build();
+  EXPECT_EQ(outputs(), together);
+}
+
+TEST_F(BuildTest, CachesThatCannotBeUsedAreToldOnce) {
+  // A folder under a file is one that nobody can write, not even root.
+  write("file", "");
+  const CommandRun unwritable = build("--cache file/cache");
+  EXPECT_EQ(unwritable.status, 0);
+  EXPECT_EQ(countsOf(unwritable), "12 shaders: 12 built, 0 reused, 0 unchanged, 0 failed");
+  EXPECT_EQ(unwritable.err,
+            "file/cache: warning: nothing can be kept in the cache: Not a directory [cache-trouble]\n");
+  const auto whole = outputs();
+  fs::remove_all(path("out"));
+  write("cache/version", "sfg build cache 99\n");
+  const CommandRun other = build("--cache cache");
+  EXPECT_EQ(other.status, 0);
+  EXPECT_EQ(
+      other.err,
+      "cache: warning: the cache is one of another version of sfg, and is left alone: nothing is reused "
+      "or kept; another folder can be named with `--cache` [cache-trouble]\n");
+  EXPECT_EQ(outputs(), whole);
+  EXPECT_EQ(read("cache/version"), "sfg build cache 99\n");
+}
+
+TEST_F(BuildTest, BrokenGraphWithOptionsIsNoManifest) {
+  write("broken.json", "{ \"nodes\": [\n");
+  const CommandRun run = this->run("build broken.json -L lib -o other --target assembled --no-cache");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err.substr(0, 21), "broken.json:2:1: erro") << run.err;
+  EXPECT_EQ(countsOf(run), "1 shader: 0 built, 0 reused, 0 unchanged, 1 failed");
 }
 
 TEST_F(BuildTest, KilledBuildsGoOnToTheSameBytes) {

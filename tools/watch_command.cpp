@@ -1,5 +1,6 @@
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -15,6 +16,7 @@
 #include "tools/command.h"
 #include "tools/watch/build_inputs.h"
 #include "tools/watch/troubles.h"
+#include "tools/watch/watch_events.h"
 #include "tools/watch/watcher.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
@@ -89,6 +91,8 @@ public:
     app().add_flag("--poll", polls_,
                    "look at the files twice a second, for folders of which the system tells nothing, as on "
                    "some networks");
+    declareChoice<bool>(app(), "--format", {{"text", false}, {"json", true}}, isJson_,
+                        "`text`: what is told a person; `json`: a line for each round");
     app().footer(kNotes);
   }
 
@@ -125,9 +129,12 @@ private:
 
   void runRound(Watcher& watcher, const std::vector<std::string>& changed) {
     Troubles now;
-    std::optional<host::BuildReport> report;
-    if (const std::optional<host::BuildPlan> plan = readPlan(watcher, now)) report = build(*plan, now);
+    WatchRound round{changed, {}, std::nullopt};
+    const std::optional<host::BuildReport>& report = round.report;
+    if (const std::optional<host::BuildPlan> plan = readPlan(watcher, now))
+      round.report = build(*plan, now, round.made);
     if (isEnded) return;
+    std::sort(round.made.begin(), round.made.end());
     // What could not be tried is as wrong as it was.
     if (!report) now.insert(troubles_.begin(), troubles_.end());
     const TroubleNews news = compareTroubles(troubles_, now);
@@ -135,7 +142,7 @@ private:
     const bool isNews = !news.come.empty() || !news.gone.empty();
     const bool isMade = report && (report->built != 0 || report->reused != 0);
     if (!isNews && !isMade && !changed.empty()) return;
-    tell(news, changed, report);
+    tell(round, news);
     if (report && !command_.empty()) runCommand(*report);
   }
 
@@ -160,7 +167,8 @@ private:
   }
 
   /// Nothing when nothing could be tried.
-  std::optional<host::BuildReport> build(const host::BuildPlan& plan, Troubles& now) const {
+  std::optional<host::BuildReport> build(const host::BuildPlan& plan, Troubles& now,
+                                         std::vector<std::string>& made) const {
     host::BuildOptions options = options_.buildOptions();
     options.stop = &isEnded;
     options.onProblems = [&](std::span<const host::Diagnostic> problems) {
@@ -168,7 +176,10 @@ private:
       told.insert(told.end(), problems.begin(), problems.end());
     };
     options.onResult = [&](const host::BuildResult& result, std::size_t, std::size_t) {
-      if (!result.diagnostics.empty()) now[plan.tasks[result.task].output] = result.diagnostics;
+      const std::string& output = plan.tasks[result.task].output;
+      if (!result.diagnostics.empty()) now[output] = result.diagnostics;
+      if (result.outcome == host::BuildOutcome::built || result.outcome == host::BuildOutcome::reused)
+        made.push_back(output);
     };
     try {
       return host::build(plan, options);
@@ -178,19 +189,18 @@ private:
     }
   }
 
-  void tell(const TroubleNews& news, const std::vector<std::string>& changed,
-            const std::optional<host::BuildReport>& report) const {
+  void tell(const WatchRound& round, const TroubleNews& news) const {
+    if (isJson_) {
+      std::cout << roundJson(round, news) << std::flush;
+      return;
+    }
     // What was told in an earlier round may be told again, with the files as they are now.
     Diagnostics diagnostics = Diagnostics::standard();
     diagnostics.setDetail(options_.libraries.detail);
     diagnostics.show(news.come);
     for (const std::string& thing : news.gone) std::cout << "mended: " << thing << "\n";
-    if (changed.empty()) {
-      std::cout << "watching";
-    } else {
-      std::cout << namesOf(changed);
-    }
-    std::cout << ": " << (report ? textOf(*report) : "nothing can be built until that is mended") << "\n"
+    std::cout << (round.changed.empty() ? "watching" : namesOf(round.changed)) << ": "
+              << (round.report ? textOf(*round.report) : "nothing can be built until that is mended") << "\n"
               << std::flush;
   }
 
@@ -200,12 +210,13 @@ private:
     const int status = std::system(command_.c_str());
     // Ctrl-C reaches the command alone while it runs.
     if (WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) isEnded = true;
-    if (status != 0 && !isEnded) std::cout << "`--exec` failed\n" << std::flush;
+    if (status != 0 && !isEnded) (isJson_ ? std::cerr : std::cout) << "`--exec` failed\n" << std::flush;
   }
 
   BuildCommandOptions options_;
   std::string command_;
   bool polls_ = false;
+  bool isJson_ = false;
   WatchedPaths watched_;
   Troubles troubles_;
 };

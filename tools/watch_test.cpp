@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <thread>
@@ -118,6 +119,45 @@ TEST_F(WatchTest, WaitsForAManifestAndForFolders) {
   EXPECT_NE(printedUpTo("lib").find("nothing can be built until that is mended"), std::string::npos);
   fs::rename(path("away"), path("lib"));
   EXPECT_NE(printedUpTo("lib").find("mended: "), std::string::npos);
+  EXPECT_EQ(end(), 0);
+}
+
+TEST_F(WatchTest, FoldersThatVanishAreToldAndNothingIsLost) {
+  start("manifest.json");
+  printedUpTo("watching");
+  const std::string good = read("shaders/b.hlsl");
+  fs::rename(path("graphs"), path("away"));
+  EXPECT_NE(printedUpTo("graphs").find(": nothing can be built until that is mended\n"), std::string::npos);
+  EXPECT_NE(read("err").find("graphs"), std::string::npos) << read("err");
+  EXPECT_EQ(read("shaders/b.hlsl"), good);
+  fs::rename(path("away"), path("graphs"));
+  EXPECT_NE(printedUpTo("graphs").find("mended: the list of shaders"), std::string::npos);
+  // What is gone of the results is made again with the next round.
+  fs::remove_all(path("shaders"));
+  write("graphs/a.json", graphOf("clock"));
+  EXPECT_EQ(printedUpTo("a.json"), "a.json: 2 built");
+  EXPECT_EQ(read("shaders/b.hlsl"), good);
+  EXPECT_EQ(end(), 0);
+}
+
+TEST_F(WatchTest, EventsAreALineForEachRound) {
+  start("manifest.json --format json");
+  const std::string round = R"({"event":"round","version":1,"changed":[)";
+  printedUpTo(round + "]");
+  const std::string first = read("out");
+  EXPECT_EQ(
+      first.substr(0, first.find("\"seconds\"")),
+      round +
+          R"(],"made":["shaders/a.hlsl","shaders/b.hlsl"],"built":2,"reused":0,"unchanged":0,"failed":0,)");
+  write("graphs/b.json", graphOf("missing"));
+  printedUpTo(round + "\"");
+  const std::string all = read("out");
+  const std::string last = all.substr(all.find('\n') + 1);
+  EXPECT_EQ(last.substr(0, last.find("\"seconds\"")),
+            round + R"("graphs/b.json"],"made":[],"built":0,"reused":0,"unchanged":1,"failed":1,)");
+  EXPECT_NE(last.find(R"("diagnostics":[{"file":"graphs/b.json","line":1,)"), std::string::npos) << last;
+  EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 2);
+  EXPECT_EQ(read("err"), "");
   EXPECT_EQ(end(), 0);
 }
 

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <filesystem>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "sfg/host/output.h"
@@ -116,6 +117,9 @@ BuildState::BuildState(const std::string& outputFolder, const std::string& name)
   }
   std::sort(journals.begin(), journals.end());
   for (const std::string& journal : journals) read(journal);
+  std::unordered_set<std::string_view> files;
+  for (const auto& [file, mark] : files_) files.insert(file);
+  known_ = files.size() + notes_.size() + lists_.size();
 }
 
 void BuildState::read(const std::string& file) {
@@ -174,6 +178,7 @@ void BuildState::append(const std::string& line) {
   const std::string text = checked(line);
   journal_.write(text.data(), static_cast<std::streamsize>(text.size())).flush();
   ++lines_;
+  ++appended_;
   if (!journal_) fault_ = std::error_code(errno, std::generic_category()).message();
 }
 
@@ -196,10 +201,13 @@ std::string BuildState::noteFiles(const std::vector<std::string>& files) {
   return hash;
 }
 
-/// Of each thing the last line counts, so reading the journal again gives what is still true.
+/// Of each thing the last line counts, so reading the journal again gives what is still true. There are at
+/// least as many things as were known before, and as were noted since, each once: most journals need not be
+/// read to know that.
 void BuildState::compact() {
   const std::lock_guard<std::mutex> lock(mutex_);
   journal_.close();
+  if (appended_ == 0 || lines_ < 2 * std::max(known_, appended_)) return;
   std::unordered_map<std::string, FileMark> files;
   lines_ = 0;
   files_.clear();

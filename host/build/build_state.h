@@ -64,7 +64,9 @@ private:
   std::vector<std::pair<std::string, FileMark>> files_;
   std::unordered_map<std::string, OutputNote> notes_;
   std::unordered_map<std::string, std::vector<std::string>> lists_;
-  std::size_t lines_ = 0;
+  std::size_t lines_ = 0;     // of all journals
+  std::size_t known_ = 0;     // things that lines told of when they were read
+  std::size_t appended_ = 0;  // lines of this object
   std::string fault_;
 };
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/build/build_keys.h"
+#include "host/build/value_free_text.h"
 #include "host/documents/diagnose.h"
 #include "sfg/host/compile.h"
 
@@ -99,6 +100,18 @@ bool ShaderMaker::collapse(const Document& graph, const std::optional<Document>&
   return false;
 }
 
+namespace {
+
+/// What compilers are given: without values, which they pass over. A module for debuggers holds the whole
+/// text.
+Shader compiledForm(const Shader& shader, const BuildTask& task) {
+  Shader form = shader;
+  if (task.target && !task.compile.debug) form.text = withoutUniformValues(shader.text);
+  return form;
+}
+
+}  // namespace
+
 std::optional<ShaderMaker::Made> ShaderMaker::make(const BuildTask& task) {
   Shader shader;
   try {
@@ -109,12 +122,13 @@ std::optional<ShaderMaker::Made> ShaderMaker::make(const BuildTask& task) {
     return std::nullopt;
   }
   try {
-    const CompiledTexts::Answer answer = texts_.compile(shader, task.target, task.compile);
+    const Shader form = compiledForm(shader, task);
+    const CompiledTexts::Answer answer = texts_.compile(form, task.target, task.compile);
     Made made{answer.bytes,
               {},
-              CompiledTexts::keyOf(shader, task.target, task.compile),
+              CompiledTexts::keyOf(form, task.target, task.compile),
               answer.isMade || !task.target};
-    if (!task.reflection.empty()) made.reflection = reflectionOf(task, shader);
+    if (!task.reflection.empty()) made.reflection = reflectionOf(task, form);
     return made;
   } catch (const CompileError& error) {
     tell(job_->explain(shader, error));

@@ -16,6 +16,7 @@
 
 #include "host/modules/code_depth.h"
 #include "host/modules/new_operations.h"
+#include "host/modules/speed_passes.h"
 #include "host/modules/token_lines.h"
 #include "host/shader/module_names.h"
 #include "host/shader/shader_target.h"
@@ -235,11 +236,6 @@ void registerReached(spvtools::Optimizer& optimizer) {
 /// every function where it is called.
 void registerLegalization(spvtools::Optimizer& optimizer) { optimizer.RegisterLegalizationPasses(); }
 
-void registerSpeed(spvtools::Optimizer& optimizer) {
-  optimizer.RegisterLegalizationPasses();
-  optimizer.RegisterPerformancePasses();
-}
-
 /// For code whose functions stay. The optimizer's own list for size inlines them, and takes members out of
 /// buffers, which shall be what a host was told.
 void registerSizeOfFunctions(spvtools::Optimizer& optimizer) {
@@ -276,7 +272,7 @@ void registerSizeOfFunctions(spvtools::Optimizer& optimizer) {
 /// The smaller of two ways: with functions where they are called, or once each where that is legal.
 Words optimiseSize(const Words& words, bool debug) {
   const auto finish = [debug](const Words& module) { return debug ? module : dropLocalNames(module); };
-  Words inlined = finish(runPasses(words, registerSpeed));
+  Words inlined = finish(runPasses(words, registerSpeedPasses));
   if (!isValid(words)) return inlined;
   Words functions = finish(runPasses(words, registerSizeOfFunctions));
   return functions.size() < inlined.size() ? functions : inlined;
@@ -288,7 +284,7 @@ Words legaliseAndOptimise(const Words& words, const CompileOptions& options) {
   case Optimization::size: return optimiseSize(words, options.debug);
   case Optimization::speed: break;
   }
-  return runPasses(words, registerSpeed);
+  return runPasses(words, registerSpeedPasses);
 }
 
 /// A cross-compilation of one module; everything made from it lives as long as it.

@@ -18,9 +18,10 @@ template <class Visit>
 void forEachIdentifier(std::wstring_view code, const Visit& visit) {
   std::size_t pos = 0;
   while (pos < code.size()) {
-    if (code.substr(pos, 2) == L"//") {
+    const wchar_t next = code[pos] == L'/' && pos + 1 < code.size() ? code[pos + 1] : L'\0';
+    if (next == L'/') {
       pos = std::min(code.find(L'\n', pos), code.size());
-    } else if (code.substr(pos, 2) == L"/*") {
+    } else if (next == L'*') {
       const std::size_t end = code.find(L"*/", pos + 2);
       pos = end == code.npos ? code.size() : end + 2;
     } else if (isIdentifierPart(code[pos])) {

@@ -25,7 +25,7 @@ WString asIdentifier(std::wstring_view text) {
 
 class Namer {
 public:
-  explicit Namer(const Set<std::wstring_view>& taken) : taken_(taken) {}
+  explicit Namer(const std::unordered_set<std::wstring_view>& taken) : taken_(taken) {}
 
   WString name(const ValueOrigin& origin) {
     const bool isOwned = !origin.owner.empty();
@@ -47,7 +47,7 @@ private:
     return !isReservedWord(name) && !taken_.contains(std::wstring_view(name)) && given_.insert(name).second;
   }
 
-  const Set<std::wstring_view>& taken_;
+  const std::unordered_set<std::wstring_view>& taken_;
   Set<WString> given_;
 };
 
@@ -61,8 +61,8 @@ bool changes(const NamedUniform& uniform) {
 
 }  // namespace
 
-std::unordered_map<std::wstring_view, WString> readableNames(const std::vector<NamedUniform>& uniforms,
-                                                             const Set<std::wstring_view>& taken) {
+std::unordered_map<std::wstring_view, WString>
+readableNames(const std::vector<NamedUniform>& uniforms, const std::unordered_set<std::wstring_view>& taken) {
   Namer namer(taken);
   std::unordered_map<std::wstring_view, WString> names;
   for (const bool wantsNodes : {true, false}) {

@@ -15,7 +15,8 @@ NamedUniform node(const WString& name, const WString& owner, const WString& inpu
 }
 
 /// "old=new " in the order of the uniforms.
-WString named(const std::vector<NamedUniform>& uniforms, const Set<std::wstring_view>& taken = {}) {
+WString named(const std::vector<NamedUniform>& uniforms,
+              const std::unordered_set<std::wstring_view>& taken = {}) {
   const auto names = readableNames(uniforms, taken);
   WString text;
   for (const NamedUniform& uniform : uniforms) {

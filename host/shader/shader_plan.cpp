@@ -1,6 +1,7 @@
 #include "host/shader/shader_plan.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "host/documents/document_reader.h"
 #include "host/shader/identifiers.h"
@@ -93,10 +94,14 @@ private:
 
   /// Uniforms are renamed wherever the code names them. Those that include files name keep their names.
   void nameUniforms() {
-    Set<std::wstring_view> taken = identifiersOf(plan_.body);
-    taken.merge(identifiersOf(plan_.predefines));
-    Set<std::wstring_view> included;
-    for (const IncludedText& include : plan_.includes) included.merge(identifiersOf(include.text));
+    std::unordered_set<std::wstring_view> taken;
+    const auto take = [&taken](std::wstring_view identifier) { taken.insert(identifier); };
+    forEachIdentifier(plan_.body, take);
+    forEachIdentifier(plan_.predefines, take);
+    std::unordered_set<std::wstring_view> included;
+    for (const IncludedText& include : plan_.includes) {
+      forEachIdentifier(include.text, [&](std::wstring_view identifier) { included.insert(identifier); });
+    }
     const ITextParameterList& list = *plan_.parameters.list;
     for (std::size_t i = 0; i < list.getNumInputs(); ++i) taken.insert(list.getInputName(i));
     for (const UsedInput& input : plan_.graphInputs) taken.insert(input.port.name);

@@ -1,0 +1,7 @@
+#include "tools/kept_memory.h"
+
+namespace TolmSDK::Graphics::sfg::tools {
+
+void keepFreedMemory() {}
+
+}  // namespace TolmSDK::Graphics::sfg::tools
