@@ -46,8 +46,11 @@ private:
   void load(const IObjectDataNode& root, bool isRead) const {
     if (!isRead) return failFile(root.getLoadError());
     if (root.kind() != NodeKind::object) return failFile(L"a fragment library is an object of fragments");
-    for (std::size_t i = 0, count = root.size(); i < count; ++i)
-      if (const IObjectDataNode* node = root.element(i)) loadFragment(root.memberName(i), *node, i);
+    for (std::size_t i = 0, count = root.size(); i < count; ++i) {
+      // Null is passed over, unless somebody wants to know.
+      const IObjectDataNode* const node = loading_.onFailure ? root.elementOrNull(i) : root.element(i);
+      if (node != nullptr) loadFragment(root.memberName(i), *node, i);
+    }
   }
 
   void loadFragment(const WString& name, const IObjectDataNode& node, std::size_t index) const {

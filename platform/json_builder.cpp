@@ -41,6 +41,7 @@ WString describe(std::string_view rest) {
   if (rest[0] == '"') return L"a string";
   if (rest.starts_with("//") || rest.starts_with("/*")) return L"a comment, which JSON does not have";
   if (rest.starts_with("\xEF\xBB\xBF")) return L"a second byte-order mark";
+  if (rest.starts_with("\xEF\xBF\xBD")) return L"what is no UTF-8: is the file saved in another encoding?";
   const auto* const wordEnd = std::find_if_not(rest.begin(), rest.end(), isWordCharacter);
   std::size_t length = std::min(static_cast<std::size_t>(wordEnd - rest.begin()), kLongestWord);
   if (length == 0) {

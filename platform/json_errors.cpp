@@ -139,6 +139,7 @@ private:
     const auto isIn = [&](std::string_view rule) { return reason.find(rule) != std::string_view::npos; };
     const bool isFirst = builder_.isFirst();
     if (expectsEnd) return L"the end of the text";
+    if (const wchar_t* const behindComma = commaInFront(reason)) return behindComma;
     if (isIn("while parsing object key")) {
       return isFirst ? L"a member name in double quotes or `}`" : L"a member name in double quotes";
     }
@@ -146,6 +147,19 @@ private:
     if (isIn("while parsing object ")) return L"`,` or `}`";
     if (isIn("while parsing array ")) return L"`,` or `]`";
     return isFirst && builder_.isInArray() ? L"a value or `]`" : L"a value";
+  }
+
+  /// Of a list that goes on behind its last comma, but ends there.
+  const wchar_t* commaInFront(std::string_view reason) const {
+    const bool isEnd = reason.find("unexpected ']'") != std::string_view::npos ||
+                       reason.find("unexpected '}'") != std::string_view::npos;
+    if (!isEnd) return nullptr;
+    const std::string_view before = text_.substr(0, static_cast<std::size_t>(lastRead() - text_.data()));
+    const std::size_t last = before.find_last_not_of(" \t\r\n");
+    if (last == std::string_view::npos || before[last] != ',') return nullptr;
+    return reason.find("while parsing object key") != std::string_view::npos
+               ? L"a member name behind the comma in front of this bracket"
+               : L"a value behind the comma in front of this bracket";
   }
 
   Builder& builder_;

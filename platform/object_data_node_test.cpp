@@ -157,7 +157,8 @@ TEST(JsonNode, SaysWhereAndWhatWasExpected) {
       {L"", L"line 1, column 1: expected a value, found the end of the text"},
       {L" \n ", L"line 2, column 2: expected a value, found the end of the text"},
       {L"{", L"line 1, column 2: expected a member name in double quotes or `}`, found the end of the text"},
-      {L"{\n  \"a\": 1,\n}", L"line 3, column 1: expected a member name in double quotes, found `}`"},
+      {L"{\n  \"a\": 1,\n}",
+       L"line 3, column 1: expected a member name behind the comma in front of this bracket, found `}`"},
       {L"{a: 1}", L"line 1, column 2: expected a member name in double quotes or `}`, found `a`"},
       {L"{1: 1}", L"line 1, column 2: expected a member name in double quotes or `}`, found `1`"},
       {L"{]", L"line 1, column 2: expected a member name in double quotes or `}`, found `]`"},
@@ -173,9 +174,10 @@ TEST(JsonNode, SaysWhereAndWhatWasExpected) {
       {L"[", L"line 1, column 2: expected a value or `]`, found the end of the text"},
       {L"[}", L"line 1, column 2: expected a value or `]`, found `}`"},
       {L"[,1]", L"line 1, column 2: expected a value or `]`, found `,`"},
-      {L"[1,]", L"line 1, column 4: expected a value, found `]`"},
+      {L"[1,]", L"line 1, column 4: expected a value behind the comma in front of this bracket, found `]`"},
       {L"[1,,2]", L"line 1, column 4: expected a value, found `,`"},
-      {L"[1, 2\r\n, 3,\r\n]", L"line 3, column 1: expected a value, found `]`"},
+      {L"[1, 2\r\n, 3,\r\n]",
+       L"line 3, column 1: expected a value behind the comma in front of this bracket, found `]`"},
       {L"[1 2]", L"line 1, column 4: expected `,` or `]`, found `2`"},
       {L"[1", L"line 1, column 3: expected `,` or `]`, found the end of the text"},
       {L"[\"\u00e4\u00f6\" x]", L"line 1, column 7: expected `,` or `]`, found `x`"},
@@ -189,7 +191,8 @@ TEST(JsonNode, SaysWhereAndWhatWasExpected) {
       {L"NaN", L"line 1, column 1: expected a value, found `NaN`"},
       {L"+1", L"line 1, column 1: expected a value, found `+1`"},
       {L"\u00e4", L"line 1, column 1: expected a value, found `\u00e4`"},
-      {L"\uFFFD", L"line 1, column 1: expected a value, found `\uFFFD`"},
+      {L"\uFFFD",
+       L"line 1, column 1: expected a value, found what is no UTF-8: is the file saved in another encoding?"},
       {L"\x01", L"line 1, column 1: expected a value, found a control character"},
       {L"{\"a\": 'x'}", L"line 1, column 7: expected a value, found `'`"},
       {L"// no\n{}", L"line 1, column 1: expected a value, found a comment, which JSON does not have"},
@@ -531,7 +534,8 @@ TEST_F(JsonFile, ReplacesInvalidUtf8) {
   EXPECT_EQ(node_->element(1)->asString(), L"\uFFFD");
   EXPECT_EQ(node_->element(2)->position().column, 14u);
   EXPECT_FALSE(load("[\xFF]"));
-  EXPECT_EQ(node_->getLoadError(), L"line 1, column 2: expected a value or `]`, found `\uFFFD`");
+  EXPECT_EQ(node_->getLoadError(), L"line 1, column 2: expected a value or `]`, found what is no UTF-8: is "
+                                   L"the file saved in another encoding?");
 }
 
 TEST_F(JsonFile, RefusesAMissingFileAndAFolder) {

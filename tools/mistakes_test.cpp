@@ -583,7 +583,9 @@ const Mistake kMistakes[] = {
 )json",
      R"json("output": "result" } } },
 )json",
-     2, "graph.json:12:3: error: expected a value, found `]` [malformed-json]\n"},
+     2,
+     "graph.json:12:3: error: expected a value behind the comma in front of this bracket, found `]` "
+     "[malformed-json]\n"},
     {"CommaMissing", "collapse", "", "graph.json", R"json("fragment": "fbmNoise2",)json",
      R"json("fragment": "fbmNoise2")json", 2,
      "graph.json:7:7: error: expected `,` or `}`, found a string [malformed-json]\n"},

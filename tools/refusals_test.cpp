@@ -92,20 +92,20 @@ const Refusal kDocuments[] = {
      "graph.json:1:14: error: `fragment` is missing [missing-key]\n"},
     {"NodeNameTwice", R"({ "nodes": [ { "name": "a", "fragment": "tint" },
   { "name": "a", "fragment": "tint" } ] })",
-     2, "graph.json:2:3: error: the node name `a` is used twice [repeated-name]\n"},
+     2, "graph.json:2:13: error: the node name `a` is used twice [repeated-name]\n"},
     {"PortNameTwice", R"({ "nodes": [ { "name": "a", "fragment": "twice", "interface": {
   "inputs": [ { "name": "x", "type": "float" }, { "name": "x", "type": "float" } ] } } ] })",
-     2, "graph.json:2:49: error: the port name `x` is used twice [repeated-name]\n"},
+     2, "graph.json:2:59: error: the port name `x` is used twice [repeated-name]\n"},
     {"OutputPortNameTwice", R"({ "nodes": [ { "name": "a", "fragment": "twice", "interface": {
   "outputs": [ { "name": "x", "type": "float" }, { "name": "x", "type": "float" } ] } } ] })",
-     2, "graph.json:2:50: error: the port name `x` is used twice [repeated-name]\n"},
+     2, "graph.json:2:60: error: the port name `x` is used twice [repeated-name]\n"},
     {"GraphInputNameTwice",
      R"({ "inputs": [ { "name": "x", "type": "float" }, { "name": "x", "type": "int" } ] })", 2,
-     "graph.json:1:49: error: the name `x` is used twice among graph inputs and outputs [repeated-name]\n"},
+     "graph.json:1:59: error: the name `x` is used twice among graph inputs and outputs [repeated-name]\n"},
     {"GraphInputAndOutputShareNames", R"({ "inputs": [ { "name": "x", "type": "float" } ],
   "outputs": [ { "name": "x", "type": "float" } ] })",
      2,
-     "graph.json:2:16: error: the name `x` is used twice among graph inputs and outputs [repeated-name]\n"},
+     "graph.json:2:26: error: the name `x` is used twice among graph inputs and outputs [repeated-name]\n"},
     {"ParameterWithoutType", R"({ "inputs": [ { "name": "x" } ] })", 2,
      "graph.json:1:15: error: `type` is missing [missing-key]\n"},
     {"ParameterOfUnknownType", R"({ "uniforms": [ { "name": "x", "type": "float5" } ] })", 2,
@@ -203,7 +203,8 @@ const Refusal kDocuments[] = {
 
 const Refusal kEnvironments[] = {
     {"MalformedEnvironment", kRed, 2,
-     "scene.json:1:18: error: expected a member name in double quotes, found `}` [malformed-json]\n",
+     "scene.json:1:18: error: expected a member name behind the comma in front of this bracket, found `}` "
+     "[malformed-json]\n",
      "{ \"lights\": [ ], }"},
     {"LightsIsNoArray", kRed, 2, "scene.json:1:13: error: `lights` must be an array [wrong-kind]\n",
      R"({ "lights": {} })"},

@@ -56,7 +56,7 @@ public:
     const ProfilePlan plan = probes_.plan(fragment_, index, ports);
     if (plan.areGuesses) return guess(plan, index);
     for (const Probe& probe : plan.probes) add(place(run(probe), index, probe));
-    if (plan.probes.empty() && isLit(*fragment_.getProfile(index))) tellNotChecked(index, plan.whyNone);
+    if (plan.probes.empty() && plan.mayBeUsed) tellNotChecked(index, plan.whyNone);
   }
 
   std::vector<FindingGroup> take() { return std::move(groups_); }
@@ -157,6 +157,7 @@ std::vector<FindingGroup> checkFragment(const CheckTools& tools, const ProbeMake
   const FragmentFiles::Entry* const entry = libraries.files().find(name);
   if (fragment == nullptr || entry == nullptr) return {};
   const auto ports = expressionPorts.find(name);
+  if (libraries.faults().find(name) != libraries.faults().end()) return {};  // told as a problem of the file
   FragmentCheck check(tools, probes, *fragment, *entry);
   for (std::size_t i = 0; i < fragment->getNumProfiles(); ++i)
     check.check(i, ports != expressionPorts.end() ? std::optional(ports->second) : std::nullopt);

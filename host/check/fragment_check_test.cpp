@@ -196,6 +196,7 @@ TEST_F(FragmentCheckTest, MistakeInAnIncludeFileIsToldOnce) {
     "void g1(out float result)", "{", "  result = sharedValue(2.0);", "}"]}
 })json"),
       "common.h:3:14: error: `wrong` is not declared [compile-error]\n"
+      "lib.fraglib:2:44: note: fragment `f` includes it [code-origin]\n"
       "common.h:3:14: note: the compiler says \"'wrong' : unknown variable\" of the line `return a * wrong;` "
       "[code-origin]\n");
 }

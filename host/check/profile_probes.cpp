@@ -258,6 +258,7 @@ struct ProbeMaker::PlanWriter {
     if (isLit(profile)) {
       const std::string light = maker.lightOf(name);
       if (light.empty()) {
+        plan.mayBeUsed = true;
         plan.whyNone = "no fragment of the libraries is a light of the profile `" + name + "`";
         return {};
       }
@@ -306,6 +307,34 @@ struct ProbeMaker::PlanWriter {
     }
   }
 
+  /// Of a function without outputs: no node can be wired to it, but a chain can hold it.
+  void addChain() {
+    Graph graph;
+    const auto addValue = [&](const Parameter& port) {
+      Parameter value = port;
+      value.name = "value";
+      Node node;
+      node.name = "source" + std::to_string(graph.nodes.size());
+      node.fragment = kPassFragment;
+      node.ports = NodeInterface{{value}, {value}};
+      Parameter output = port;
+      output.name = "checkedResult" + std::to_string(graph.outputs.size());
+      graph.outputs.push_back({output, NodeOutput{node.name, "value"}});
+      graph.nodes.push_back(std::move(node));
+    };
+    for (const Parameter& port : ports.inputs) addValue(port);
+    std::vector<std::string>& chain = ports.inputs.empty() ? graph.preprocess : graph.postprocess;
+    chain.push_back(toUtf8(fragment.key()));
+    if (ports.inputs.empty()) {
+      Parameter nothing;
+      nothing.name = "value";
+      nothing.type = "float4";
+      addValue(nothing);
+    }
+    add(std::move(graph), {Environment()});
+    plan.probes.back().options.tool = CollapseTool::lightLoop;
+  }
+
   void takePorts() {
     const ITextParameterList& parameters = *profile.getFunctionParameters();
     const ILanguageTraits& language = maker.libraries_.language();
@@ -335,17 +364,23 @@ ProfilePlan ProbeMaker::plan(const IShaderFragment& fragment, std::size_t index,
                              const std::optional<NodeInterface>& expressionPorts) const {
   const auto* const profile = dynamic_cast<const AShaderFragmentProfile*>(fragment.getProfile(index));
   const UString& language = libraries_.language().getLanguageString();
-  if (profile == nullptr || !serves(*profile, language)) return {{}, false, "it is for another language"};
+  if (profile == nullptr || !serves(*profile, language))
+    return {{}, false, "it is for another language", false};
   if (fragment.findBestProfile(profile->getProfilename(), language, profile->getLOD()) != profile)
-    return {{}, false, "another profile of its name and level of detail comes first"};
+    return {{}, false, "another profile of its name and level of detail comes first", isLit(*profile)};
 
   PlanWriter writer{*this, fragment, *profile, {}, {}};
   const std::vector<Environment> environments = writer.environments();
   if (environments.empty()) return std::move(writer.plan);
   if (!writer.isExpression()) {
     writer.takePorts();
-    if (writer.ports.outputs.empty()) return {{}, false, "it has no output"};
-    writer.addVariants(environments);
+    if (writer.ports.outputs.empty()) {
+      const bool isDefault = toUtf8(profile->getProfilename()) == kDefaultProfile && !isLit(*profile);
+      if (!isDefault) return {{}, false, "it has no output, and chains take the profile `default`", true};
+      writer.addChain();
+    } else {
+      writer.addVariants(environments);
+    }
   } else if (expressionPorts && !expressionPorts->outputs.empty()) {
     writer.ports = *expressionPorts;
     writer.addVariants(environments);

@@ -30,6 +30,8 @@ struct ProfilePlan {
   bool areGuesses = false;
   /// Why there are none: "another profile of this name and level of detail comes first".
   std::string whyNone;
+  /// Without probes: a graph could use the profile all the same.
+  bool mayBeUsed = false;
 };
 
 /// Which fragments of some libraries can be lights, and the sources that inputs of theirs need. Made before

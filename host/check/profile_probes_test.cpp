@@ -110,9 +110,10 @@ TEST_F(ProfileProbesTest, SaysWhyThereAreNone) {
     {"name": "none", "language": ["dx11"], "implementation": ["void f_(float a)", "{ }"]}]
 }
 })json";
-  const std::string reasons[] = {
-      "", "another profile of its name and level of detail comes first", "it is for another language",
-      "no fragment of the libraries is a light of the profile `Lit`", "it has no output"};
+  const std::string reasons[] = {"", "another profile of its name and level of detail comes first",
+                                 "it is for another language",
+                                 "no fragment of the libraries is a light of the profile `Lit`",
+                                 "it has no output, and chains take the profile `default`"};
   for (std::size_t i = 0; i < std::size(reasons); ++i) EXPECT_EQ(plan(library, L"f", i).whyNone, reasons[i]);
 }
 

@@ -6,6 +6,7 @@
 #include "host/diagnostics/contained_names.h"
 #include "host/diagnostics/raw_statements.h"
 #include "host/documents/document_reader.h"
+#include "host/documents/near_name.h"
 #include "host/shader/identifiers.h"
 #include "sfg/code_snippet.h"
 #include "tolmsdk/unicode.h"
@@ -52,6 +53,7 @@ public:
   void run() {
     namesInsideOthers();
     rawStatements();
+    unknownInputs();
   }
 
 private:
@@ -120,6 +122,38 @@ private:
                              statement->line + "` of its predefines is written");
         break;
       }
+    }
+  }
+
+  /// Of no input it is false for ever.
+  void unknownInputs() {
+    for (const auto& [key, use] : facts_.uses()) {
+      std::vector<std::string> inputs;
+      for (std::size_t i = 0; i < use.fragment->getNumProfiles(); ++i) {
+        const ITextParameterList& list = *use.fragment->getProfile(i)->getFunctionParameters();
+        for (std::size_t k = 0; k < list.getNumInputs(); ++k) inputs.push_back(toUtf8(list.getInputName(k)));
+      }
+      for (const Profile profile : use.profiles) {
+        const FragmentCode* const code = codeOf(use, profile, CodePart::implementation);
+        const bool isFunction = profile->getMode() == EShaderFragmentProfileMode::Function;
+        if (code != nullptr && isFunction && profile->getProfilename() != L"msl_light")
+          unknownInputs(use, *code, inputs);
+      }
+    }
+  }
+  void unknownInputs(const FragmentUse& use, const FragmentCode& code,
+                     const std::vector<std::string>& inputs) {
+    const auto is = [&](std::size_t i, std::wstring_view word) {
+      return code.tokens[i].in(code.text) == word;
+    };
+    for (std::size_t i = 0; i + 3 < code.tokens.size(); ++i) {
+      if (!is(i, L"sfg_isConnected") || !is(i + 1, L"(") || !code.tokens[i + 2].isName || !is(i + 3, L")"))
+        continue;
+      const std::string name = toUtf8(code.tokens[i + 2].in(code.text));
+      if (std::find(inputs.begin(), inputs.end(), name) != inputs.end()) continue;
+      warnings_.atCode(Finding::unknownPort, *use.fragment, &code, code.tokens[i + 2].begin,
+                       "`sfg_isConnected` names an input, and there is none of the name " +
+                           inTicks(std::string_view(name)) + didYouMean(nearestName(name, inputs)));
     }
   }
 

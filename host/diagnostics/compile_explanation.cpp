@@ -1,9 +1,12 @@
 #include "host/diagnostics/compile_explanation.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <set>
 #include <utility>
 
 #include "host/diagnostics/compile_messages.h"
+#include "host/diagnostics/include_namer.h"
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
@@ -166,9 +169,20 @@ private:
       add(Severity::error, "generated", error_.messages().front().line, 0, text);
       return;
     }
-    add(Severity::error, place.file, place.line, place.column, text);
+    if (place.kind == Kind::include && isUtf16(place)) {
+      add(Severity::error, place.file, 1, 1, "the include file is written in UTF-16; save it as UTF-8");
+    } else {
+      add(Severity::error, place.file, place.line, place.column, text);
+    }
+    if (place.kind == Kind::include) tellIncluders(place);
     if (!isCode(place)) tellFragment(place);
     tellUsers(place);
+  }
+
+  /// No text for shaders has a zero.
+  bool isUtf16(const SourcePlace& place) const {
+    const std::string* const bytes = job_.libraries().texts().find(place.file);
+    return bytes != nullptr && bytes->find('\0') != bytes->npos;
   }
 
   void tellDocument(const std::string& text) {
@@ -180,6 +194,17 @@ private:
     if (entry == nullptr) return;
     add(Severity::note, entry->file, entry->position.line, entry->position.column,
         "the fragment " + inTicks(std::string_view(place.fragment)) + " is here");
+  }
+
+  /// From the file that the place is in up to a fragment.
+  void tellIncluders(const SourcePlace& place) {
+    constexpr std::size_t kMostIncluders = 4;
+    const WString name = fromUtf8(std::filesystem::path(place.file).filename().string());
+    const std::vector<IncludeNamer> chain = IncludeNamers(job_).chain(name, kMostIncluders);
+    for (const IncludeNamer& by : chain) {
+      add(Severity::note, by.file, by.position.line, by.position.column,
+          by.byInclude.empty() ? by.who + " includes it" : "it is included here");
+    }
   }
 
   /// Those of code; a node is named by its own place.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <set>
@@ -141,6 +142,7 @@ public:
   ToldMistake find() {
     const std::string& text = message_.text;
     if (text == "Expected") return expected();
+    if (subject().starts_with("#") || subject() == "preprocessor evaluation") return directive();
     if (text == "unknown variable") return unknown(false);
     if (text == "no matching overloaded function found") return noOverload();
     if (text == "vector swizzle selection out of range") return swizzle();
@@ -163,8 +165,6 @@ public:
     if (text == "not enough data provided for construction") return construction();
     if (text == "End of input in comment") return syntax("a comment is not closed");
     if (text == "missing #endif") return syntax("a conditional (`#if`) is not closed by `#endif`");
-    if (text.starts_with("invalid directive:"))
-      return say("there is no directive " + ticks("#" + text.substr(text.find(':') + 2)));
     if (text == "unexpected token") return unexpected();
     if (text.starts_with("Could not process include directive"))
       return say("`#include` cannot stand in a fragment's code; name the file in `includes`");
@@ -236,6 +236,50 @@ private:
     std::array<char, 16> number{};
     std::snprintf(number.data(), number.size(), "U+%04lX", static_cast<unsigned long>(character));
     return syntax("the character " + std::string(number.data()) + " cannot stand in code");
+  }
+
+  /// The directive in front of the place: the compiler names the line behind one that lacks something.
+  void goBackToDirective(std::initializer_list<std::string_view> names) {
+    for (std::size_t i = std::min(token_, all_.tokens_.size()); i-- > 0;) {
+      const auto* const found = std::find(names.begin(), names.end(), at(i + 1));
+      if (at(i) != "#" || found == names.end()) continue;
+      told_.token = token_ = i;
+      return;
+    }
+  }
+
+  ToldMistake directive() {
+    const std::string& text = message_.text;
+    if (subject() == "##" && has(token_)) {
+      for (std::size_t i = std::min(token_ + 1, all_.tokens_.size()); i-- > 0 && lineOf(i) == lineOf(token_);)
+        if (isName(i) && goBackToDefinition(at(i))) break;
+      return say("`##` joins two words of a macro; one is missing");
+    }
+    if (subject() == "preprocessor evaluation") {
+      goBackToDirective({"if", "elif"});
+      return say("the condition of " + ticks("#" + at(token_ + 1)) + " is missing or no number");
+    }
+    const std::string name = subject().substr(1);
+    if (text.starts_with("invalid directive:"))
+      return say("there is no directive " + ticks("#" + text.substr(text.find(':') + 2)));
+    if (text == "invalid preprocessor command") return say("there is no directive " + ticks(subject()));
+    if (text.starts_with("must b") || text == "missing parenthesis") goBackToDirective({name});
+    if (text == "must be followed by macro name") return say("a name is missing behind " + ticks(subject()));
+    if (text == "must be followed by a header name")
+      return say("`#include` cannot stand in a fragment's code; name the file in `includes`");
+    if (text == "missing parenthesis") return say("`(` is not closed behind " + ticks(subject()));
+    if (text == "mismatched statements") return say(ticks(subject()) + " stands behind no `#if`");
+    return say(ticks(subject()) + ": " + text);
+  }
+
+  /// Of the last macro of that name in front of the place.
+  bool goBackToDefinition(const std::string& name) {
+    for (std::size_t i = std::min(token_, all_.tokens_.size()); i-- > 0;) {
+      if (at(i) != "#" || at(i + 1) != "define" || at(i + 2) != name) continue;
+      told_.token = token_ = i;
+      return true;
+    }
+    return false;
   }
 
   /// "Too many args in macro M", "End of input in macro M"

@@ -125,7 +125,7 @@ private:
       node->lacksInputs_ = reader_.isMistyped(object, "inputs");
       document_->nodes_.push_back(node);
       if (!nodes_.emplace(name, node.get()).second) {
-        reader_.refuse(Finding::repeatedName, object,
+        reader_.refuse(Finding::repeatedName, *object.member(L"name"),
                        "the node name " + inTicks(node->name_) + " is used twice");
       }
     }
@@ -187,7 +187,7 @@ private:
       const IObjectDataNode& object = reader_.objectAt(*array, i);
       RefPtr<AParameter> port = reader_.port(object, "a port", true);
       if (!names.insert(port->getName()).second) {
-        reader_.refuse(Finding::repeatedName, object,
+        reader_.refuse(Finding::repeatedName, *object.member(L"name"),
                        "the port name " + inTicks(port->getName()) + " is used twice");
       }
       ports.push_back(port);
@@ -215,7 +215,7 @@ private:
 
   void claimGraphName(const IObjectDataNode& object, const WString& name) {
     if (!graphNames_.insert(name).second) {
-      reader_.refuse(Finding::repeatedName, object,
+      reader_.refuse(Finding::repeatedName, *object.member(L"name"),
                      "the name " + inTicks(name) + " is used twice among graph inputs and outputs");
     }
   }

@@ -95,13 +95,19 @@ private:
       report(Finding::wrongKind, member, inTicks(key) + " must be a string that is not empty");
   }
 
+  static std::string meantSpace(const std::string& word) {
+    std::vector<std::string_view> known;
+    known.insert(known.end(), std::begin(kVectorSpaces), std::end(kVectorSpaces));
+    known.insert(known.end(), std::begin(kColorSpaces), std::end(kColorSpaces));
+    return knownNamesHint(word, {known.begin(), known.end()});
+  }
+
   void readKind(const IObjectDataNode& member) {
     readWord(L"kind", member, read_.kind);
     if (read_.kind.empty() || contains(kPortKinds, read_.kind)) return;
-    std::string text = "unknown kind " + inTicks(read_.kind) + "; known are";
-    for (const std::string_view kind : kPortKinds)
-      text += (kind == kPortKinds[0] ? " " : ", ") + inTicks(kind);
-    report(Finding::unknownWord, member, text);
+    const std::vector<std::string> known(std::begin(kPortKinds), std::end(kPortKinds));
+    report(Finding::unknownWord, member,
+           "unknown kind " + inTicks(read_.kind) + knownNamesHint(read_.kind, known));
     read_.kind.clear();
   }
 
@@ -169,7 +175,7 @@ private:
     report(!isVectors && !isColors ? Finding::unknownWord : Finding::wrongValue, *members.member(L"space"),
            isVectors  ? space + " is a space of directions, normals and positions (`kind`)"
            : isColors ? space + " is a space of colors (`kind`) and textures"
-                      : "unknown space " + space);
+                      : "unknown space " + space + meantSpace(read_.space));
     read_.space.clear();
   }
 

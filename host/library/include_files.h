@@ -19,10 +19,16 @@ public:
     WString name;
     TextPosition position;  ///< of the name
   };
+  /// An `#include` line that is left out of the text, but names no file.
+  struct Nameless {
+    std::string text;  ///< what is told of it
+    TextPosition position;
+  };
   struct File {
     std::string path;   ///< of the first of that name
     std::string fault;  ///< "it is a folder": why it cannot be read; empty for one that can
     std::vector<Named> includes;
+    std::vector<Nameless> nameless;
   };
 
   /// Reads what is named "x.h" directly in the folder, whatever it is.
@@ -36,6 +42,9 @@ public:
 private:
   Map<WString, File> files_;
 };
+
+/// A name as a directive writes it without quotation marks, or with others, "<b.h>": "b.h".
+std::string bareIncludeName(std::string_view written);
 
 /// What something is that should be a file: "it is a folder", "it is a link to nothing"; empty for a file.
 std::string whyNoFile(const std::string& path);

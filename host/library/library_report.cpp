@@ -84,6 +84,85 @@ struct PlacedFault {
   std::string text;
 };
 
+/// Lines of code as one text, with the way back.
+class JoinedLines {
+public:
+  explicit JoinedLines(const IObjectDataNode& code) : code_(code) {
+    for (std::size_t i = 0; i < code.size(); ++i) {
+      starts_.push_back(text_.size());
+      text_.append(code.elementOrNull(i)->asString()).append(1, L'\n');
+    }
+  }
+  const WString& text() const { return text_; }
+  TextPosition placeOf(std::size_t index) const {
+    const auto next = std::upper_bound(starts_.begin(), starts_.end(), index);
+    const auto line = static_cast<std::size_t>(next - starts_.begin()) - 1;
+    return positionIn(*code_.elementOrNull(line), index - starts_[line]);
+  }
+
+private:
+  const IObjectDataNode& code_;
+  WString text_;
+  std::vector<std::size_t> starts_;
+};
+
+std::string placeholderName(std::wstring_view text) {
+  const std::size_t first = text.find_first_not_of(L" \t");
+  return first == text.npos ? std::string()
+                            : toUtf8(text.substr(first, text.find_last_not_of(L" \t") + 1 - first));
+}
+
+bool isIdentifier(std::string_view name) {
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
+  return !name.empty() && !isDigit(name[0]) &&
+         std::all_of(name.begin(), name.end(), [&](char c) { return isDigit(c) || isLetter(c); });
+}
+
+/// Whether it is text that begins as the generator wants it.
+bool isWholeFunction(const IObjectDataNode& code) {
+  if (code.kind() != NodeKind::array || code.size() == 0) return false;
+  for (std::size_t i = 0; i < code.size(); ++i)
+    if (code.elementOrNull(i)->kind() != NodeKind::string) return false;
+  return code.elementOrNull(0)->asString().starts_with(L"void ");
+}
+
+bool startsWithWord(std::wstring_view code) {
+  return !code.empty() && ((code[0] >= L'a' && code[0] <= L'z') || (code[0] >= L'A' && code[0] <= L'Z'));
+}
+
+/// The first `{{` that no `}}` follows on its line.
+std::optional<TextPosition> openPlaceholder(const IObjectDataNode& code) {
+  for (std::size_t i = 0; i < code.size(); ++i) {
+    const std::wstring_view text = code.elementOrNull(i)->asString();
+    for (std::size_t at = text.find(L"{{"); at != text.npos; at = text.find(L"{{", at + 2)) {
+      const std::size_t close = text.find(L"}}", at);
+      if (close == text.npos || text.substr(at + 2, close - at - 2).find(L"{{") != text.npos)
+        return positionIn(*code.elementOrNull(i), at);
+    }
+  }
+  return std::nullopt;
+}
+
+/// Of the body, which reaches from the first `{` to the last `}` for the generator, whatever stands behind.
+std::optional<PlacedFault> findBodyFault(const IObjectDataNode& code) {
+  const JoinedLines lines(code);
+  const WString text = withBlankComments(lines.text());
+  const std::size_t last = text.find_last_not_of(L" \t\r\n");
+  if (last == text.npos) return std::nullopt;
+  const std::size_t open = text.find(L'{');
+  if (open == text.npos) {
+    return PlacedFault{lines.placeOf(last), "the function has no body: `{` is missing"};
+  }
+  const std::size_t close = text.rfind(L'}');
+  if (close == text.npos || close < open) return PlacedFault{lines.placeOf(open), "`{` is not closed"};
+  const std::size_t more = text.find_first_not_of(L" \t\r\n;", close + 1);
+  if (more == text.npos) return std::nullopt;
+  return PlacedFault{lines.placeOf(more),
+                     "what stands behind the function's last `}` is left out; functions and declarations "
+                     "beside it belong into `predefine`"};
+}
+
 /// Of the lines up to the first `{`, which are taken as one.
 std::optional<PlacedFault> findPrototypeFault(const IObjectDataNode& code) {
   WString prototype;
@@ -139,6 +218,7 @@ void LibraryReport::addFragment(const WString& name, const IObjectDataNode& obje
   fragmentStart_ = problems_.size();
   tellEarlierDefinition(name, object);
   failures_.erase(name);
+  faults_.erase(name);
   fragment_ = name;
   unknownKeys_ = findUnknownKeys(object, fragmentKeys());
   for (const UnknownKey& found : unknownKeys_) {
@@ -182,15 +262,52 @@ void LibraryReport::tellEarlierDefinition(const WString& name, const IObjectData
 void LibraryReport::tellPrototype(const IObjectDataNode& profile) {
   const IObjectDataNode* const mode = profile.member(L"mode");
   const IObjectDataNode* const code = profile.member(L"implementation");
-  if (isStandard_ || code == nullptr || (mode != nullptr && isInline(mode->asUtf8()))) return;
-  const std::optional<PlacedFault> fault = findPrototypeFault(*code);
+  if (isStandard_ || code == nullptr) return;
+  if (mode != nullptr && isInline(mode->asUtf8())) return tellPlaceholders(*code);
+  std::optional<PlacedFault> fault = findPrototypeFault(*code);
+  if (!fault && isWholeFunction(*code)) fault = findBodyFault(*code);
   if (!fault) return;
-  tell(Finding::notLoaded, Severity::error, fault->position,
-       "fragment " + inTicks(fragment_) + ": " + fault->text);
+  addFault(Finding::notLoaded, fault->position, "fragment " + inTicks(fragment_) + ": " + fault->text);
+}
+
+void LibraryReport::addFault(Finding kind, TextPosition position, const std::string& text) {
+  tell(kind, Severity::error, position, text);
+  faults_.try_emplace(fragment_, problems_.back());
+}
+
+void LibraryReport::tellNamelessIncludes(const IObjectDataNode& profile) {
+  const IObjectDataNode* const includes = profile.member(L"includes");
+  if (includes == nullptr || includes->kind() != NodeKind::array) return;
+  for (std::size_t i = 0; i < includes->size(); ++i) {
+    const IObjectDataNode& name = *includes->elementOrNull(i);
+    if (name.kind() != NodeKind::string || !name.asString().empty()) continue;
+    tell(Finding::missingInclude, Severity::warning, name.position(),
+         "fragment " + inTicks(fragment_) + " includes a file without a name");
+  }
+}
+
+/// Their names are those of inputs.
+void LibraryReport::tellPlaceholders(const IObjectDataNode& code) {
+  for (std::size_t i = 0; i < code.size(); ++i) {
+    const IObjectDataNode& line = *code.elementOrNull(i);
+    if (line.kind() != NodeKind::string) continue;
+    const std::wstring_view text = line.asString();
+    for (std::size_t at = text.find(L"{{"); at != text.npos; at = text.find(L"{{", at + 2)) {
+      const std::size_t close = text.find(L"}}", at);
+      if (close == text.npos) break;
+      const std::string name = placeholderName(text.substr(at + 2, close - at - 2));
+      if (isIdentifier(name)) continue;
+      return addFault(Finding::badName, positionIn(line, at),
+                      "fragment " + inTicks(fragment_) + ": " +
+                          (name.empty() ? std::string("a placeholder names an input: `{{color}}`")
+                                        : inTicks(std::string_view(name)) + " is no name of an input"));
+    }
+  }
 }
 
 void LibraryReport::tellProfile(const IObjectDataNode& profile) {
   tellPrototype(profile);
+  tellNamelessIncludes(profile);
   const IObjectDataNode* const mode = profile.member(L"mode");
   if (mode != nullptr && mode->kind() == NodeKind::string && !isMode(mode->asUtf8())) {
     const std::string name(mode->asUtf8());
@@ -281,6 +398,12 @@ Diagnostic LibraryReport::describe(const FragmentLoadFailure& failure) {
                                     : failure.object->position();
   }
   std::string text = asDiagnostic(std::move(reason));
+  if (line != nullptr && text == "function result type is not void" && !startsWithWord(line->asString()))
+    text = "the code must begin with `void`, without blanks or comments in front";
+  if (line != nullptr && text.find("{{ }} mismatch") != text.npos) {
+    text = "`{{` is not closed by `}}`";
+    position = openPlaceholder(*profile->member(L"implementation")).value_or(position);
+  }
   if (line != nullptr && text == "incorrect function declaration") {
     if (std::optional<PlacedFault> fault = findPrototypeFault(*profile->member(L"implementation"))) {
       position = fault->position;

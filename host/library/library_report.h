@@ -33,6 +33,8 @@ public:
   void addPortProblem(Finding kind, TextPosition position, const std::string& text) {
     tell(kind, Severity::warning, position, text);
   }
+  /// Of the fragment that was added last: it loads, but no shader can be made of it.
+  void addFault(Finding kind, TextPosition position, const std::string& text);
   void addFailure(const FragmentLoadFailure& failure);
   /// Something of a library's name that is no file.
   void addNoFile(const std::string& path, const std::string& fault);
@@ -41,6 +43,8 @@ public:
   std::vector<Diagnostic> take();
   /// The fragments that no file holds in a form that loads, with their failures.
   const Map<WString, Diagnostic>& failures() const noexcept { return failures_; }
+  /// The fragments that load, but of which no shader can be made.
+  const Map<WString, Diagnostic>& faults() const noexcept { return faults_; }
   /// Whether a file could not be read at all.
   bool lacksFile() const noexcept { return lacksFile_; }
 
@@ -51,6 +55,8 @@ private:
   void tellRepeatedMembers(const IObjectDataNode& object);
   void tellEarlierDefinition(const WString& name, const IObjectDataNode& object);
   void tellProfile(const IObjectDataNode& profile);
+  void tellNamelessIncludes(const IObjectDataNode& profile);
+  void tellPlaceholders(const IObjectDataNode& code);
   void tellPrototype(const IObjectDataNode& profile);
   void tellIgnoredKeys(const IObjectDataNode& object);
   Diagnostic describe(const FragmentLoadFailure& failure);
@@ -69,6 +75,7 @@ private:
   std::size_t fragmentStart_ = 0;        ///< and of the last fragment
   std::vector<Diagnostic> problems_;
   Map<WString, Diagnostic> failures_;
+  Map<WString, Diagnostic> faults_;
   bool lacksFile_ = false;
 };
 

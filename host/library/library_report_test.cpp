@@ -188,7 +188,8 @@ TEST_F(LibraryReportTest, TellsFilesThatAreNoLibraries) {
             "lib/d.FRAGLIB: error: the library cannot be read: it is a link to nothing [unreadable-file]\n"
             "lib/e.fraglib: error: the library cannot be read: it is a pipe [unreadable-file]\n"
             "lib/f.fraglib: error: the library cannot be read: it is a device [unreadable-file]\n"
-            "lib/a.fraglib:2:2: error: expected a value, found `}` [malformed-json]\n"
+            "lib/a.fraglib:2:2: error: expected a value behind the comma in front of this bracket, found `}` "
+            "[malformed-json]\n"
             "lib/b.fraglib:1:1: error: a fragment library is an object of fragments [wrong-kind]\n");
 }
 

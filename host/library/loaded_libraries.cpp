@@ -73,15 +73,16 @@ std::vector<std::string> noLibraries(const std::string& folder) {
 }
 
 /// Uniforms that stand for something else already.
-void tellUniformNames(const IObjectDataNode& object, const IShaderFragment& fragment,
-                      const TellProblem& tell) {
+void tellUniformNames(const IObjectDataNode& object, const IShaderFragment& fragment, const TellProblem& tell,
+                      const TellProblem& tellFault) {
   const IObjectDataNode* const uniforms = object.member(L"uniforms");
   if (uniforms == nullptr) return;
-  Set<WString> ports;
+  Set<WString> inputs;
+  Set<WString> outputs;
   for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i) {
     const ITextParameterList& list = *fragment.getProfile(i)->getFunctionParameters();
-    for (std::size_t k = 0; k < list.getNumInputs(); ++k) ports.insert(list.getInputName(k));
-    for (std::size_t k = 0; k < list.getNumOutputs(); ++k) ports.insert(list.getOutputName(k));
+    for (std::size_t k = 0; k < list.getNumInputs(); ++k) inputs.insert(list.getInputName(k));
+    for (std::size_t k = 0; k < list.getNumOutputs(); ++k) outputs.insert(list.getOutputName(k));
   }
   Set<WString> names;
   for (std::size_t i = 0; i < uniforms->size(); ++i) {
@@ -91,7 +92,10 @@ void tellUniformNames(const IObjectDataNode& object, const IShaderFragment& frag
     const std::string told = "fragment " + inTicks(fragment.key()) + ": the uniform name " + inTicks(text);
     if (!names.insert(text).second) {
       tell(Finding::repeatedName, name->position(), told + " is used twice");
-    } else if (ports.contains(text)) {
+    } else if (outputs.contains(text)) {
+      // The code assigns it, which no uniform takes.
+      tellFault(Finding::repeatedName, name->position(), told + " is the name of a port, too");
+    } else if (inputs.contains(text)) {
       tell(Finding::repeatedName, name->position(), told + " is the name of a port, too");
     }
   }
@@ -118,6 +122,7 @@ LoadedLibraries::LoadedLibraries(const std::vector<std::string>& libraryFolders,
   }
   problems_ = report.take();
   failures_ = report.failures();
+  faults_ = report.faults();
   lacksFile_ = report.lacksFile();
 }
 
@@ -177,7 +182,10 @@ void LoadedLibraries::loadFragments(const std::string& folder, LibraryReport& re
   };
   loading.onLoaded = [&](const IObjectDataNode& object, const IShaderFragment& fragment) {
     files_.addCode(object, fragment);
-    tellUniformNames(object, fragment, tell);
+    tellUniformNames(object, fragment, tell,
+                     [&](Finding kind, TextPosition position, const std::string& text) {
+                       report.addFault(kind, position, text);
+                     });
     FragmentPorts ports = readPorts(object, fragment, *language_, tell);
     ports_.erase(fragment.key());
     if (!ports.ports.empty() || !ports.uniforms.empty()) ports_.emplace(fragment.key(), std::move(ports));

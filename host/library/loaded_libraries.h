@@ -53,6 +53,8 @@ public:
   const std::vector<Diagnostic>& problems() const noexcept { return problems_; }
   /// Of a name that is no fragment of these: its failure, or which was meant.
   UnknownName whyUnknown(std::string_view name) const;
+  /// Of the fragments that load, but of which no shader can be made.
+  const Map<WString, Diagnostic>& faults() const noexcept { return faults_; }
   /// What the registry of include files does not tell.
   const IncludeFiles& includeFiles() const noexcept { return includeFiles_; }
   /// The include file of that name: in the first of the folders that has it, or empty.
@@ -80,6 +82,7 @@ private:
   SourceTexts texts_;
   std::vector<Diagnostic> problems_;
   Map<WString, Diagnostic> failures_;
+  Map<WString, Diagnostic> faults_;
   bool lacksFile_ = false;
   std::vector<std::string> includeFolders_;
   mutable std::mutex derivedMutex_;

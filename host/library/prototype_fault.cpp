@@ -35,20 +35,6 @@ struct Word {
   std::wstring_view text;
 };
 
-/// The line with blanks in place of comments.
-WString withBlankComments(std::wstring_view line) {
-  WString text(line);
-  for (std::size_t i = 0; i + 1 < text.size(); ++i) {
-    if (text[i] != L'/' || (text[i + 1] != L'/' && text[i + 1] != L'*')) continue;
-    const std::size_t close = text[i + 1] == L'*' ? text.find(L"*/", i + 2) : text.npos;
-    const std::size_t end = close == text.npos ? text.size() : close + 2;
-    std::fill(text.begin() + static_cast<std::ptrdiff_t>(i), text.begin() + static_cast<std::ptrdiff_t>(end),
-              L' ');
-    i = end - 1;
-  }
-  return text;
-}
-
 class PrototypeReader {
 public:
   explicit PrototypeReader(std::wstring_view line) : line_(line), text_(withBlankComments(line)) {}
@@ -157,6 +143,20 @@ private:
 };
 
 }  // namespace
+
+WString withBlankComments(std::wstring_view text) {
+  WString blank(text);
+  for (std::size_t i = 0; i + 1 < blank.size(); ++i) {
+    if (blank[i] != L'/' || (blank[i + 1] != L'/' && blank[i + 1] != L'*')) continue;
+    const bool isBlock = blank[i + 1] == L'*';
+    const std::size_t close = isBlock ? blank.find(L"*/", i + 2) : blank.find(L'\n', i + 2);
+    const std::size_t end = close == blank.npos ? blank.size() : isBlock ? close + 2 : close;
+    std::fill(blank.begin() + static_cast<std::ptrdiff_t>(i),
+              blank.begin() + static_cast<std::ptrdiff_t>(end), L' ');
+    i = end - 1;
+  }
+  return blank;
+}
 
 PrototypeFault prototypeFault(std::wstring_view line) { return PrototypeReader(line).read(); }
 

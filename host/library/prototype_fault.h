@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "tolmsdk/types.h"
+
 namespace TolmSDK::Graphics::sfg::host {
 
 struct PrototypeFault {
@@ -16,5 +18,8 @@ struct PrototypeFault {
 /// Of `void name(parameters)`: the first fault, at the character that is meant. Also of texts that the
 /// generator takes though they are hardly meant: `float2 uv out float3 result` is one input for it.
 PrototypeFault prototypeFault(std::wstring_view text);
+
+/// The text with blanks in place of comments; a comment that is not closed reaches to the end of its text.
+WString withBlankComments(std::wstring_view text);
 
 }  // namespace TolmSDK::Graphics::sfg::host

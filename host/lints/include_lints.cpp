@@ -31,7 +31,9 @@ void tellMissing(const LoadedLibraries& libraries, const std::string& who, const
   } else {
     std::vector<std::string> known;
     for (const auto& [other, found] : libraries.includeFiles().files()) known.push_back(toUtf8(other));
-    text += didYouMean(std::string(nearestName(toUtf8(name), known)));
+    const std::string bare = bareIncludeName(toUtf8(name));
+    const bool isKnown = libraries.includeFiles().find(fromUtf8(bare)) != nullptr;
+    text += didYouMean(isKnown ? bare : std::string(nearestName(bare, known)));
   }
   lints.at(Finding::missingInclude, file, position, text);
 }
@@ -126,6 +128,10 @@ void lintIncludeFile(const LoadedLibraries& libraries, const IncludeIndex::File&
   const Set<const IncludeIndex::File*> used = includes.filesOf(words);
   // A file that declares nothing is there for what it includes.
   const bool isCollection = file.declared.names.empty();
+  if (const IncludeFiles::File* const read = libraries.includeFiles().find(file.name)) {
+    for (const IncludeFiles::Nameless& line : read->nameless)
+      lints.at(Finding::missingInclude, file.path, line.position, line.text);
+  }
   for (const IncludeFiles::Named& name : file.includes) {
     if (libraries.includeFiles().find(name.name) == nullptr) {
       tellMissing(libraries, "this include file", name.name, file.path, name.position, lints);

@@ -207,6 +207,9 @@ void lintOutputs(const LintedFile& file, const LintedFragment& fragment, const I
       parameters.push_back(&parameter);
     }
     const PlainCode& code = profile.implementation.plain;
+    if (std::none_of(code.tokens.begin(), code.tokens.end(),
+                     [&](const CodeToken& token) { return token.in(code.text) == L"}"; }))
+      continue;  // a body that is missing or not closed is told elsewhere
     for (const FlowFinding& finding :
          findUnassigned(code, profile.bodyBegin, profile.bodyEnd, outputs, names)) {
       const FlowOutput& output = outputs[finding.output];

@@ -1,6 +1,7 @@
 #include "sfg/host/job.h"
 
 #include "host/diagnostics/compile_explanation.h"
+#include "host/diagnostics/faulty_fragments.h"
 #include "host/diagnostics/refusal_place.h"
 #include "host/diagnostics/shader_arguments.h"
 #include "host/diagnostics/warnings.h"
@@ -137,7 +138,9 @@ std::vector<Diagnostic> Job::problems() const {
 }
 
 std::vector<Diagnostic> Job::errors() const {
-  std::vector<Diagnostic> errors = findTypeErrors(state_->job, Severity::error);
+  std::vector<Diagnostic> errors = findFaultyFragments(state_->job);
+  const std::vector<Diagnostic> types = findTypeErrors(state_->job, Severity::error);
+  errors.insert(errors.end(), types.begin(), types.end());
   const std::vector<Diagnostic> arguments = findShaderArguments(state_->job, Severity::error);
   errors.insert(errors.end(), arguments.begin(), arguments.end());
   return errors;
