@@ -2,6 +2,7 @@
 
 #include "sfg/host/errors.h"
 #include "tools/render_request.h"
+#include "tools/thumbnails.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -15,5 +16,9 @@ constexpr const char* kWithout =
 
 int renderPictures(const RenderRequest&, Diagnostics&) { throw host::InputError(kWithout); }
 std::string deviceLines() { throw host::InputError(kWithout); }
+std::unique_ptr<ThumbnailPainter> makeThumbnailPainter(std::shared_ptr<const host::LibrarySet>,
+                                                       const ThumbnailOptions&) {
+  throw host::InputError(kWithout);
+}
 
 }  // namespace TolmSDK::Graphics::sfg::tools
