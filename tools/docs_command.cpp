@@ -8,11 +8,11 @@
 #include "tools/collapse_options.h"
 #include "tools/command.h"
 #include "tools/output_file.h"
+#include "tools/pictures_part.h"
 #include "tools/progress_line.h"
 #include "tools/site/fragment_graph.h"
 #include "tools/site/pages.h"
 #include "tools/site/read_library.h"
-#include "tools/thumbnails.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -95,10 +95,10 @@ private:
   void paintAll(site::Site& site, Diagnostics& diagnostics) {
     std::unique_ptr<ThumbnailPainter> painter;
     try {
-      painter = makeThumbnailPainter(libraries_, thumbnails_);
+      painter = picturesPart().makePainter(libraries_, thumbnails_);
     } catch (const std::exception& error) {
       if (!thumbnails_.device.empty()) throw;
-      diagnostics.note(std::string(), std::string("the site has no pictures: ") + error.what(), {});
+      diagnostics.note(std::string(), std::string("the site has no pictures: ") + error.what(), "no-picture");
       return;
     }
     ProgressLine progress;
@@ -160,7 +160,7 @@ private:
           painter.paint({example.text, example.file, environment, "sphere", "", 1, lit(100)});
       if (!picture) {
         const std::string why = painter.why().empty() ? "all of it has one colour" : painter.why();
-        diagnostics.note(example.file, "it has no picture under `" + environment + "`: " + why, {});
+        diagnostics.note(example.file, "it has no picture under `" + environment + "`: " + why, "no-picture");
         continue;
       }
       const std::string name = fs::path(environment).stem().string();

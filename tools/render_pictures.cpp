@@ -101,9 +101,9 @@ Picture compare(const Picture& picture, const Picture& other, const std::string&
   return difference;
 }
 
-std::optional<pictures::Material> compileFor(host::Job& job, const std::string& graphFile,
-                                             Diagnostics& diagnostics) {
-  if (collapse(job, true, diagnostics) != Outcome::done) return std::nullopt;
+std::optional<pictures::Material> compileFor(host::Job& job, const RenderSteps& steps,
+                                             const std::string& graphFile, Diagnostics& diagnostics) {
+  if (!steps.collapse(job)) return std::nullopt;
   std::vector<host::Diagnostic> why;
   try {
     return pictures::compileMaterial(job, [&](const host::Shader& shader, const host::CompileError& error) {
@@ -120,8 +120,8 @@ std::optional<pictures::Material> compileFor(host::Job& job, const std::string& 
 /// The picture, or pictures, of a request whose options are read.
 class Rendering {
 public:
-  Rendering(const RenderRequest& request, Diagnostics& diagnostics)
-      : request_(request), diagnostics_(diagnostics) {
+  Rendering(const RenderRequest& request, const RenderSteps& steps, Diagnostics& diagnostics)
+      : request_(request), steps_(steps), diagnostics_(diagnostics) {
     format_ = formatOf(request.output);
     options_.size = sizeOf(request.size);
     options_.samples = request.samples;
@@ -130,8 +130,8 @@ public:
     for (const std::string& text : request.textures) splitTexture(text);
     mesh_ = meshOf(request);
     moment_ = {cameraOf(request, mesh_), {}, request.time};
-    checkOutputs(request.job,
-                 {request.output, request.compared.empty() ? "" : withSuffix(request.output, "difference")});
+    steps.checkOutputs(
+        {request.output, request.compared.empty() ? "" : withSuffix(request.output, "difference")});
     deviceIndex_ = deviceOf(request.device);
   }
 
@@ -139,7 +139,8 @@ public:
     readDocuments();
     host::Job job(documents_.libraries, documents_.graphDocument, request_.job.collapse,
                   documents_.environmentDocument);
-    std::optional<pictures::Material> material = compileFor(job, request_.job.graphFile, diagnostics_);
+    std::optional<pictures::Material> material =
+        compileFor(job, steps_, request_.job.graphFile, diagnostics_);
     if (!material) return kRefused;
     Surroundings surroundings(documents_.image);
     const auto textures =
@@ -155,7 +156,7 @@ public:
 
 private:
   void readDocuments() {
-    documents_.libraries = loadLibraries(request_.job.libraries, diagnostics_);
+    documents_.libraries = steps_.loadLibraries();
     documents_.graph = textOf(request_.job.graphFile);
     documents_.graphDocument = host::Document::fromFile(request_.job.graphFile);
     readEnvironment(documents_, request_.job.environmentFile, request_.job.collapse.tool);
@@ -219,6 +220,7 @@ private:
   }
 
   const RenderRequest& request_;
+  const RenderSteps& steps_;
   Diagnostics& diagnostics_;
   PictureFormat format_ = PictureFormat::png;
   pictures::ViewOptions options_;
@@ -246,8 +248,8 @@ std::string deviceLines() {
   return lines;
 }
 
-int renderPictures(const RenderRequest& request, Diagnostics& diagnostics) try {
-  return Rendering(request, diagnostics).run();
+int renderPictures(const RenderRequest& request, const RenderSteps& steps, Diagnostics& diagnostics) try {
+  return Rendering(request, steps, diagnostics).run();
 } catch (const host::PackError& error) {
   throw host::InputError(std::string(), TextPosition(), error.what(), "bad-setting");
 }

@@ -11,7 +11,7 @@
 #include "sfg/host/suggest.h"
 #include "sfg/shader_fragment.h"
 #include "tolmsdk/unicode.h"
-#include "tools/collapse_options.h"
+#include "tools/did_you_mean.h"
 #include "tools/render_options.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
