@@ -7,10 +7,10 @@
 #include "sfg/host/errors.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/fragment_thumbnail.h"
 #include "tools/output_file.h"
 #include "tools/pictures_part.h"
 #include "tools/progress_line.h"
-#include "tools/site/fragment_graph.h"
 #include "tools/site/pages.h"
 #include "tools/site/read_library.h"
 
@@ -118,37 +118,22 @@ private:
     }
   }
 
-  static host::CollapseOptions lit(float level) {
-    host::CollapseOptions options;
-    options.tool = host::CollapseTool::lightLoop;
-    options.surfaceLod = level;
-    options.lightLod = level;
-    return options;
-  }
-
   /// One picture for each of its levels of detail: of what it takes from the renderer, or else of places that
   /// it is given.
   void paintFragment(ThumbnailPainter& painter, site::Fragment& fragment, const std::string& file) const {
     std::set<float, std::greater<>> levels;
-    bool isLit = false;
-    for (const site::Profile& profile : fragment.profiles) {
+    for (const site::Profile& profile : fragment.profiles)
       levels.insert(std::strtof(profile.level.c_str(), nullptr));
-      isLit = isLit || profile.name != "default";
-    }
     for (const bool isFed : {false, true}) {
-      const std::optional<std::string> graph = site::graphShowing(fragment, isFed);
-      if (!graph || !fragment.pictures.empty()) return;
       for (const float level : levels) {
-        host::CollapseOptions options = lit(level);
-        if (!isLit) options.tool = host::CollapseTool::standard;
-        ThumbnailRequest request{*graph, fragment.name, "studio", "", "shown", 1, options};
-        if (isFed) request.scale = 4;
-        const auto picture = painter.paint(request);
+        const auto request = showingFragment(fragment, level, isFed);
+        const auto picture = request ? painter.paint(*request) : std::nullopt;
         if (!picture) continue;
         const std::string number = site::numberText(static_cast<double>(level));
         fragment.pictures.push_back({"pictures/" + file + "-" + number + ".png", "level " + number});
         write(fragment.pictures.back().file, *picture);
       }
+      if (!fragment.pictures.empty()) return;
     }
   }
 
@@ -156,8 +141,9 @@ private:
                     Diagnostics& diagnostics) const {
     const std::vector<std::string> standard = {"studio"};
     for (const std::string& environment : environments_.empty() ? standard : environments_) {
-      const auto picture =
-          painter.paint({example.text, example.file, environment, "sphere", "", 1, lit(100)});
+      ThumbnailRequest request{example.text, example.file, environment, "sphere"};
+      request.collapse.tool = host::CollapseTool::lightLoop;
+      const auto picture = painter.paint(request);
       if (!picture) {
         const std::string why = painter.why().empty() ? "all of it has one colour" : painter.why();
         diagnostics.note(example.file, "it has no picture under `" + environment + "`: " + why, "no-picture");

@@ -15,11 +15,12 @@ struct ThumbnailRequest {
   std::string graph;        ///< JSON
   std::string graphFile;    ///< as diagnostics would call it
   std::string environment;  ///< a file, `studio` or `sky`
-  /// Empty: a plane for what only texture coordinates change, else a sphere.
+  /// A name or a mesh file; empty: a plane for what only texture coordinates change, else a sphere.
   std::string shape;
-  std::string node;  ///< "NAME.OUTPUT" to show one node; empty for the whole graph
-  float scale = 1;   ///< how large the shape is, and how often texture coordinates go through it
-  host::CollapseOptions collapse;
+  std::string node = {};  ///< "NAME.OUTPUT" to show one node; empty for the whole graph
+  float scale = 1;        ///< how large the shape is, and how often texture coordinates go through it
+  host::CollapseOptions collapse = {};
+  std::string camera = {};  ///< as `sfg render` takes it; empty: what suits the shape
 };
 
 struct ThumbnailOptions {

@@ -27,6 +27,7 @@ nlohmann::json portsOf(const Fragment& fragment, Port::Role role) {
 const char* placeFor(const Port& port) {
   if (port.role != Port::Role::input) return nullptr;
   if (port.type == "float2" && (port.kind == "uv" || port.kind == "position")) return "uv";
+  if (port.type == "float" && port.name == "position") return "u";
   if (port.type != "float3") return nullptr;
   if (port.kind == "position") return "position";
   return port.kind == "normal" || port.kind == "direction" ? "normal" : nullptr;
