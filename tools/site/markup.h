@@ -2,6 +2,7 @@
 
 // Text of HTML pages in which nothing stands unescaped by oversight.
 
+#include <concepts>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -36,6 +37,9 @@ using Attributes = std::initializer_list<std::pair<std::string_view, std::string
 
 /// `content` between tags; `meta`, `link`, `img`, `input` have none.
 Markup element(std::string_view name, Attributes attributes = {}, const Markup& content = {});
-inline Markup element(std::string_view name, const Markup& content) { return element(name, {}, content); }
+template <class Content>
+requires std::convertible_to<Content, Markup> Markup element(std::string_view name, const Content& content) {
+  return element(name, {}, Markup(content));
+}
 
 }  // namespace TolmSDK::Graphics::sfg::site
