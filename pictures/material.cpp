@@ -44,7 +44,7 @@ std::size_t componentsOf(const std::string& type) {
 }
 
 /// An input of the graph takes the value set for it, or what of a vertex has its type: two numbers are
-/// texture coordinates, three a position or, by name, a normal.
+/// texture coordinates, one called u the first of them, three a position or, by name, a normal.
 std::vector<float> graphInput(const host::InterfaceAttribute& attribute, const Mesh& mesh,
                               const Settings& settings) {
   const std::string& name = attribute.origin.name;
@@ -62,6 +62,11 @@ std::vector<float> graphInput(const host::InterfaceAttribute& attribute, const M
   }
   const auto has = [&name](const char* word) { return name.find(word) != std::string::npos; };
   if (components == 2) return mesh.parts.at("texCoord0");
+  if (components == 1 && name == "u") {
+    std::vector<float> values;
+    for (std::size_t i = 0; i < mesh.vertices(); ++i) values.push_back(mesh.parts.at("texCoord0")[2 * i]);
+    return values;
+  }
   if (components == 3 && (has("ormal"))) return mesh.parts.at("normal");
   if (components == 3 && (has("osition") || name == "p")) return mesh.parts.at("position");
   if (components == 4 && has("olor")) return mesh.parts.at("color");

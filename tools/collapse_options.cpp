@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "sfg/host/errors.h"
-#include "sfg/host/suggest.h"
 #include "tools/depfile.h"
 #include "tools/material_graph.h"
 #include "tools/output_file.h"
@@ -95,11 +94,6 @@ void addFiles(std::vector<std::string>& files, const std::vector<std::string>& f
 }
 
 }  // namespace
-
-std::string didYouMean(const std::string& word, const std::vector<std::string>& known) {
-  const std::string near = host::suggest(word, known);
-  return near.empty() ? std::string() : "; did you mean `" + near + "`?";
-}
 
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
   declareFolders(

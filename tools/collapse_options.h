@@ -12,11 +12,9 @@
 
 #include "sfg/host/job.h"
 #include "tools/diagnostics.h"
+#include "tools/did_you_mean.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
-
-/// "; did you mean `lightloop`?", or nothing where no word is near.
-std::string didYouMean(const std::string& word, const std::vector<std::string>& known);
 
 /// An option that takes one of a few words, each of which stands for a value; the first is the default.
 template <class Value>

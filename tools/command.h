@@ -35,6 +35,7 @@ private:
 
 std::unique_ptr<Command> makeCollapseCommand(CLI::App& parent);
 std::unique_ptr<Command> makeCompileCommand(CLI::App& parent);
+std::unique_ptr<Command> makeDocsCommand(CLI::App& parent);
 std::unique_ptr<Command> makeGraphCommand(CLI::App& parent);
 std::unique_ptr<Command> makeImportCommand(CLI::App& parent);
 std::unique_ptr<Command> makeRenderCommand(CLI::App& parent);

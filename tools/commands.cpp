@@ -13,6 +13,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& parent) {
   commands.push_back(makeEmbedCommand(parent));
   commands.push_back(makeImportCommand(parent));
   commands.push_back(makeRenderCommand(parent));
+  commands.push_back(makeDocsCommand(parent));
   commands.push_back(makeCheckCommand(parent));
   commands.push_back(makeSchemaCommand(parent));
   commands.push_back(makeReferenceCommand(parent));

@@ -2,7 +2,7 @@
 #include "tools/collapse_options.h"
 #include "tools/command.h"
 #include "tools/output_file.h"
-#include "tools/render_request.h"
+#include "tools/pictures_part.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -52,12 +52,16 @@ public:
 
   int run(Diagnostics& diagnostics) override {
     if (listDevices_) {
-      writeOutput(request_.output, deviceLines());
+      writeOutput(request_.output, picturesPart().devices());
       return kDone;
     }
     if (request_.job.graphFile.empty()) throw host::InputError("`GRAPH` is required");
     if (request_.output.empty()) throw host::InputError("a picture needs a file: `-o NAME.png`");
-    return renderPictures(request_, diagnostics);
+    const RenderSteps steps = {
+        [&](const std::vector<std::string>& outputs) { checkOutputs(request_.job, outputs); },
+        [&] { return loadLibraries(request_.job.libraries, diagnostics); },
+        [&](host::Job& job) { return collapse(job, true, diagnostics) == Outcome::done; }};
+    return picturesPart().render(request_, steps, diagnostics);
   }
 
 private:

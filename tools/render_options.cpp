@@ -79,11 +79,14 @@ pictures::Mesh meshOf(const RenderRequest& request) {
   return mesh;
 }
 
+pictures::Camera cameraOn(const std::string& shape, const pictures::Mesh& mesh) {
+  const bool isFlat = shape == "plane" || shape == "cloth";
+  const bool isBall = shape == "sphere";
+  return isFlat || isBall ? pictures::cameraFor(mesh, 0, 0) : pictures::cameraFor(mesh, 35, 28);
+}
+
 pictures::Camera cameraOf(const RenderRequest& request, const pictures::Mesh& mesh) {
-  const bool isFlat = request.shape == "plane" || request.shape == "cloth";
-  const bool isBall = request.shape == "sphere";
-  pictures::Camera camera =
-      isFlat || isBall ? pictures::cameraFor(mesh, 0, 0) : pictures::cameraFor(mesh, 35, 28);
+  pictures::Camera camera = cameraOn(request.shape, mesh);
   if (request.camera.empty()) return camera;
   const auto given = numbersOf(request.camera);
   const bool isGood = given && given->size() >= 2 && given->size() <= 4 && std::abs((*given)[1]) <= 90 &&

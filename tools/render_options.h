@@ -18,6 +18,8 @@ vk::Extent2D sizeOf(const std::string& text);
 /// By the end of the name.
 pictures::PictureFormat formatOf(const std::string& file);
 pictures::Mesh meshOf(const RenderRequest& request);
+/// What suits a shape of that name.
+pictures::Camera cameraOn(const std::string& shape, const pictures::Mesh& mesh);
 pictures::Camera cameraOf(const RenderRequest& request, const pictures::Mesh& mesh);
 /// Linear colour and opacity; also checks that `environment` is none.
 std::array<float, 4> backgroundOf(const std::string& text);

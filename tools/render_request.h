@@ -2,6 +2,8 @@
 
 // What `sfg render` was asked for, and who does it.
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -31,8 +33,15 @@ struct RenderRequest {
   std::string compared;
 };
 
+/// What the command does for every graph, for whoever draws.
+struct RenderSteps {
+  std::function<void(const std::vector<std::string>& outputs)> checkOutputs;
+  std::function<std::shared_ptr<const host::LibrarySet>()> loadLibraries;
+  std::function<bool(host::Job& job)> collapse;  ///< false where it was refused, which is told
+};
+
 /// Draws and writes. Answers the exit status. Throws InputError, and std::runtime_error of devices and files.
-int renderPictures(const RenderRequest& request, Diagnostics& diagnostics);
+int renderPictures(const RenderRequest& request, const RenderSteps& steps, Diagnostics& diagnostics);
 /// One line for each device, the one that is taken first.
 std::string deviceLines();
 

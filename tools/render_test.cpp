@@ -274,5 +274,37 @@ TEST_F(RenderTest, ListsDevices) {
   EXPECT_EQ(run("render -o a.png").err, "sfg: error: `GRAPH` is required [wrong-usage]\n");
 }
 
+/// A site shows what varies: by itself, or over the places that it is given.
+TEST_F(RenderTest, SitesShowWhatVaries) {
+  write("lib/a.fraglib", R"json({
+  "ramp": { "ports": { "result": { "kind": "factor" } }, "profiles": [
+    { "name": "default", "lod": 100, "language": ["dx11"],
+      "implementation": [ "void ramp(out float result)", "{", "result = sfg_texCoord0.x;", "}" ] },
+    { "name": "default", "lod": 0, "language": ["dx11"],
+      "implementation": [ "void ramp(out float result)", "{", "result = 1 - sfg_texCoord0.x;", "}" ] } ] },
+  "fed": { "ports": { "p": { "kind": "uv", "value": [0, 0] } }, "language": ["dx11"],
+    "implementation": [ "void fed(float2 p, out float result)", "{", "result = p.y;", "}" ] },
+  "one": { "language": ["dx11"], "implementation": [ "void one(out float result)", "{", "result = 1;", "}" ] }
+})json");
+  write("graphs/full.json", R"({ "nodes": [ { "name": "n", "fragment": "ramp" } ],
+    "outputs": [ { "name": "color", "type": "float", "node": "n" } ] })");
+  const CommandRun written =
+      run("docs -L lib --no-standard-library -o site --size 16 --examples graphs --environment sky");
+  EXPECT_EQ(written.err, "");
+  EXPECT_EQ(written.status, 0);
+  const auto middle = [&](const char* name, std::size_t x, std::size_t y) {
+    return at(picture(name), x, y)[0];
+  };
+  EXPECT_LT(middle("site/pictures/ramp-100.png", 2, 8), 60);
+  EXPECT_GT(middle("site/pictures/ramp-100.png", 13, 8), 195);
+  EXPECT_GT(middle("site/pictures/ramp-0.png", 2, 8), 195);
+  EXPECT_LT(middle("site/pictures/fed-100.png", 8, 2), 60);
+  EXPECT_GT(middle("site/pictures/fed-100.png", 8, 13), 195);
+  EXPECT_FALSE(exists("site/pictures/one-100.png"));
+  EXPECT_EQ(at(picture("site/pictures/example-full-sky.png"), 0, 0), (Bytes{0, 0, 0, 0}));
+  EXPECT_NE(read("site/fragments/ramp.html").find("<figcaption>level 0</figcaption>"), std::string::npos);
+  EXPECT_NE(read("site/gallery.html").find("pictures/example-full-sky.png"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # One test of the installed package: use_package.sh TEST BUILD_FOLDER PREFIX WORK_FOLDER VERSION
 # CXX, CXXFLAGS and CMAKE say what to build with, COMPILERS (ON or OFF) what the host library was built with, DRAW
-# (ON or OFF) whether Vulkan is there to draw with.
+# (ON or OFF) whether Vulkan is there to draw with, PICTURES whether the command draws.
 set -euo pipefail
 test=$1 build=$2 prefix=$3 work=$4 version=$5
 # The program is the example that the README shows, so that it is known to work.
@@ -155,6 +155,12 @@ case "$test" in
     ;;
   HasACommandThatRuns)
     expect_output "sfg $version" "$prefix/bin/sfg" --version
+    if [ "$PICTURES" = ON ]; then
+      # What draws is loaded from where it was installed.
+      ASAN_OPTIONS=detect_leaks=0 "$prefix/bin/sfg" render "$sources/examples/materials/brick.json" \
+        --size 16 --samples 1 -o "$work/brick.png"
+      [ "$(head -c 4 "$work/brick.png" | tail -c 3)" = PNG ] || fail 'sfg render wrote no picture'
+    fi
     ;;
   FindsItsLibrary)
     cp -a "$prefix" "$work/elsewhere"
