@@ -11,6 +11,7 @@
 
 #include "import/definitions.h"
 #include "import/element.h"
+#include "import/picture_size.h"
 #include "sfg/host/document.h"
 
 namespace TolmSDK::Graphics::sfg::materialx {
@@ -53,6 +54,8 @@ struct GraphImportOptions {
   FragmentSource fragments;
   /// Whether there is such a file.
   std::function<bool(const std::string&)> hasFile;
+  /// Its width and height; nothing where they are not known.
+  std::function<std::optional<PictureSize>(const std::string&)> sizeOf;
   /// Where texture files are looked for behind the folder of the document.
   std::vector<std::string> folders;
 };

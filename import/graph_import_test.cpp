@@ -105,7 +105,7 @@ TEST(GraphImport, ConvertsColoursOfOtherSpaces) {
                               "<output name=\"out\" type=\"color3\" nodename=\"m\"/></nodegraph>\n")),
       "g/m: mtlx_multiply_color3 in1=g/i.out_.color.out_ in2=g/m.in2.color.out_\n"
       "g/i: mtlx_image_color3 default_=0 0 0 texcoord=0 0 uaddressmode=2 vaddressmode=2 filtertype=1 "
-      "frameoffset=0 frameendaction=0\n"
+      "frameoffset=0 frameendaction=0 texels=0 0\n"
       "g/m.in2.color: mtlx_acescg_to_lin_rec709_color3 in_=1 1 1\n"
       "g/i.out_.color: mtlx_srgb_texture_to_lin_rec709_color3 in_=g/i.out_\n"
       "output float3 out_out=g/m.out_\n"
@@ -130,7 +130,7 @@ TEST(GraphImport, ReplacesTokensInFileNames) {
                                  "<input name=\"file\" type=\"filename\" value=\"wood_[nr].png\"/></image>\n"
                                  "<output name=\"out\" type=\"float\" nodename=\"i\"/>\n")),
             "g/i: mtlx_image_float default_=0 texcoord=0 0 uaddressmode=2 vaddressmode=2 filtertype=1 "
-            "frameoffset=0 frameendaction=0\n"
+            "frameoffset=0 frameendaction=0 texels=0 0\n"
             "output float out_out=g/i.out_\n"
             "texture g/i.file=wood_02.png\n");
 }
@@ -355,6 +355,36 @@ TEST(GraphImport, EndsElementsNestedTooDeep) {
   fixture.importPlain(document(text), "g");
   ASSERT_EQ(fixture.told.size(), 1u);
   EXPECT_EQ(fixture.told[0].text, "elements are nested deeper than 256 levels");
+}
+
+TEST(GraphImport, TellsTheSizeOfTexturesWhoseModesTheSamplerDoesNotHave) {
+  ImportFixture fixture;
+  fixture.files["a.hdr"] = "#?RADIANCE\n\n-Y 20 +X 40\n";
+  const std::string image =
+      "<image name=\"i\" type=\"float\"><input name=\"file\" type=\"filename\" value=\"a.hdr\"/>\n";
+  const std::string output = "</image><output name=\"out\" type=\"float\" nodename=\"i\"/>\n";
+  EXPECT_EQ(fixture.import(graph(image + output)), "g/i: mtlx_image_float default_=0 texcoord=0 0 "
+                                                   "uaddressmode=2 vaddressmode=2 filtertype=1 frameoffset=0 "
+                                                   "frameendaction=0 texels=0 0\n"
+                                                   "output float out_out=g/i.out_\n"
+                                                   "texture g/i.file=a.hdr\n");
+  EXPECT_EQ(fixture.import(
+                graph(image + "<input name=\"vaddressmode\" type=\"string\" value=\"mirror\"/>" + output)),
+            "g/i: mtlx_image_float default_=0 texcoord=0 0 uaddressmode=2 vaddressmode=3 filtertype=1 "
+            "frameoffset=0 "
+            "frameendaction=0 texels=40 20\n"
+            "output float out_out=g/i.out_\n"
+            "texture g/i.file=a.hdr\n");
+  fixture.files["a.hdr"] = "no picture";
+  EXPECT_EQ(fixture.import(
+                graph(image + "<input name=\"filtertype\" type=\"string\" value=\"closest\"/>" + output)),
+            "g/i: mtlx_image_float default_=0 texcoord=0 0 uaddressmode=2 vaddressmode=2 filtertype=0 "
+            "frameoffset=0 "
+            "frameendaction=0 texels=0 0\n"
+            "output float out_out=g/i.out_\n"
+            "texture g/i.file=a.hdr\n"
+            "doc.mtlx:4:1: warning: the size of `a.hdr` cannot be read: its sampler decides modes and filter "
+            "[unreadable-file]\n");
 }
 
 }  // namespace

@@ -207,6 +207,7 @@ ImportedMaterial MaterialDocument::import(const std::string& name) {
   GraphImportOptions options;
   options.fragments = [&](const std::string& fragment) { return state_->ports.find(fragment); };
   options.hasFile = fileExists;
+  options.sizeOf = [](const std::string& file) { return pictureSizeOf(file); };
   for (const std::filesystem::path& folder : state_->folders) options.folders.push_back(folder.string());
   ImportedGraph graph = importGraph(state_->tree.root(), outputs, *state_->definitions, *state_->standard,
                                     options, state_->reports);

@@ -2,7 +2,8 @@
 // [NAME]...
 //
 // FOLDER holds documents, references and an index of them, as its README.md says. Each output of each
-// document is imported, collapsed and run by a compute stage at 16 by 16 points. Prints a line for each
+// document is imported, collapsed and run at 16 by 16 points: by a compute stage, or by a pixel stage where
+// derivatives over the screen are needed. Prints a line for each
 // document that differs, then the counts; --least N asks for N per cent.
 
 #include <algorithm>
@@ -23,6 +24,7 @@
 #include "sfg/host/job.h"
 #include "sfg/host/reflect.h"
 #include "tests/materialx/compute_device.h"
+#include "tests/materialx/surface_field.h"
 
 namespace materialx_test {
 namespace {
@@ -36,7 +38,6 @@ constexpr std::size_t kCount = kSide * kSide;
 constexpr float kTolerance = 1e-3f;
 constexpr double kMostOff = 0.02;
 
-using Numbers = std::vector<double>;
 using Vector = std::array<double, 3>;
 
 Vector minus(Vector a) { return {-a[0], -a[1], -a[2]}; }
@@ -156,6 +157,33 @@ std::vector<std::uint8_t> uniformsOf(const host::InterfaceBuffer& buffer) {
   return host::packBuffer(buffer, settings);
 }
 
+/// The square as a picture, whose lowest row has the lowest v.
+SurfaceField squareField(std::function<render::Texture(const host::InterfaceOrigin&)> texture) {
+  SurfaceField field;
+  field.width = field.height = static_cast<std::uint32_t>(kSide);
+  field.isSeen = [](std::uint32_t, std::uint32_t) { return true; };
+  field.part = [](const std::string& part, std::uint32_t column, std::uint32_t row) {
+    const double u = (column + 0.5) / kSide;
+    const double v = (kSide - row - 0.5) / kSide;
+    const std::map<std::string, std::string> names = {
+        {"position", "sfg_objectPosition"}, {"normal", "sfg_objectNormal"}, {"texCoord0", "sfg_texCoord0"},
+        {"texCoord1", "sfg_texCoord1"},     {"color", "sfg_vertexColor"},
+    };
+    if (part == "tangent") {
+      const Vector tangent = normalized({1, 0, -0.3 * (2 * u - 1)});
+      return Numbers{tangent[0], tangent[1], tangent[2], 1};
+    }
+    const auto name = names.find(part);
+    return valueAt(name == names.end() ? part : name->second, u, v);
+  };
+  field.state = [](const std::string& name) {
+    if (name == "sfg_matWorldViewProj") return Numbers{1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 0, 0.5, 0, 0, 0, 1};
+    return stateValue(name);
+  };
+  field.texture = std::move(texture);
+  return field;
+}
+
 struct Array {
   std::size_t channels = 0;
   std::vector<float> values;
@@ -221,6 +249,7 @@ private:
     host::Job job(libraries_, host::Document::from(material.graph, material.name), options);
     job.collapse();
     const host::Shader shader = job.assemble(host::ShaderStage::compute);
+    if (shader.text.find("sfg_ddx(") != std::string::npos) return runPixels(job, material, channels);
     const std::vector<std::uint32_t> spirv = host::compileToSpirv(shader);
     const host::ShaderInterface interface =
         host::interfaceFor(job.reflect(host::ShaderStage::compute), host::ShaderTarget::spirv);
@@ -249,6 +278,25 @@ private:
     const std::size_t group = std::max<std::size_t>(interface.groupSize, 1);
     return gathered(runCompute(device_, spirv, resources, static_cast<std::uint32_t>(kCount / group)),
                     *output, channels);
+  }
+
+  std::vector<float> runPixels(const host::Job& job, const materialx::ImportedMaterial& material,
+                               std::size_t channels) {
+    const std::vector<float> pixels =
+        evaluate(device_, job, squareField([&](const host::InterfaceOrigin& origin) {
+                   const Image& image = *imageFor(origin, material);
+                   render::Texture texture;
+                   texture.size = vk::Extent3D(image.width, image.height, 1);
+                   texture.levels = {image.texels};
+                   return texture;
+                 }));
+    std::vector<float> result;
+    for (std::size_t i = 0; i < kCount; ++i) {
+      const std::size_t row = kSide - 1 - i / kSide;
+      const float* const pixel = &pixels[4 * (row * kSide + i % kSide)];
+      result.insert(result.end(), pixel, pixel + channels);
+    }
+    return result;
   }
 
   const Image* imageFor(const host::InterfaceOrigin& origin, const materialx::ImportedMaterial& material) {
