@@ -770,9 +770,16 @@ private:
     }
     if (source.kind == Source::Kind::text) source = parsed(source, port, index, fragmentPort.name);
     const bool readsGeometry = !port.geomprop.empty() && port.element == nullptr;
-    if (readsGeometry && source.kind == Source::Kind::value) {  // only a wire replaces what it reads
+    if (readsGeometry && source.kind == Source::Kind::value && isWired(place)) {
+      // Fragments ask whether there is a wire.
       source = throughNode(std::move(source), "mtlx_constant_" + port.type,
                            nodes_[index].name + "." + fragmentPort.name + ".value", place);
+    } else if (readsGeometry && source.kind == Source::Kind::value) {
+      if (told_.insert(&place).second) {
+        reports_.warning(place, "`" + port.name + "` comes from the geometry; a value has no effect",
+                         "cannot-import");
+      }
+      return;
     }
     if (source.kind == Source::Kind::nothing) {
       const std::string_view type = typeOfShader(fragmentPort.type);
@@ -780,6 +787,13 @@ private:
       source = valueSource(type, zeroOf(type));
     }
     nodes_[index].inputs.push_back({fragmentPort.name, std::move(source), &place});
+  }
+
+  /// Whether an input names where its value comes from.
+  static bool isWired(const Element& input) {
+    const auto has = [&](const char* word) { return input.has(word); };
+    constexpr const char* kWords[] = {"nodename", "nodegraph", "output", "interfacename"};
+    return std::any_of(std::begin(kWords), std::end(kWords), has);
   }
 
   static std::string_view typeOfShader(std::string_view type) {
@@ -1124,7 +1138,9 @@ private:
     const Element& element = *wanted.element;
     const Scope* scope = &rootScope_;
     if (element.parent != nullptr && element.parent->category == "nodegraph") {
-      scope = innerScope(&rootScope_, *element.parent, *element.parent, nullptr);
+      // What a graph that implements a definition is given is the definition's own.
+      const Element& graph = *element.parent;
+      scope = innerScope(&rootScope_, graph, graph, definitions_.implementedBy(graph));
     }
     Source source = follow(scope, &element);
     const std::string type(element.attribute("type"));

@@ -37,6 +37,7 @@ using pictures::Picture;
 using pictures::Vector;
 using pictures::operator+;
 using pictures::operator*;
+using pictures::operator-;
 namespace fs = std::filesystem;
 
 constexpr std::uint32_t kSide = 256;
@@ -69,19 +70,20 @@ Vector placeUnder(std::uint32_t column, std::uint32_t row) {
 
 Numbers numbersOf(const Vector& a) { return {a[0], a[1], a[2]}; }
 
-Numbers partOf(const std::string& part, std::uint32_t column, std::uint32_t row) {
+Numbers valueAt(const std::string& name, std::uint32_t column, std::uint32_t row) {
   const Vector p = placeUnder(column, row);
   const double u = std::atan2(p[0], p[2]) / (2 * std::numbers::pi) + 0.5;
   const double v = std::asin(p[1]) / std::numbers::pi + 0.5;
-  if (part == "position" || part == "normal") return numbersOf(p);
-  if (part == "tangent") {
-    Numbers tangent = numbersOf(pictures::unit({p[2], 0, -p[0]}));
-    tangent.push_back(1.0);
-    return tangent;
-  }
-  if (part == "texCoord0") return {u, v};
-  if (part == "texCoord1") return {v, 1 - u};
-  if (part == "color") return {u, v, 1 - u, 0.5 + 0.5 * v};
+  const Vector tangent = pictures::unit({p[2], 0, -p[0]});
+  if (name.ends_with("Position") || name.ends_with("Normal")) return numbersOf(p);
+  if (name == "sfg_worldTangent") return numbersOf(tangent);
+  if (name == "sfg_worldBinormal") return numbersOf(pictures::cross(p, tangent));
+  if (name == "sfg_viewDirection") return numbersOf(pictures::unit(p - Vector{0, 0, kEyeDistance}));
+  if (name == "sfg_frontFacing") return {1.0};
+  if (name == "tangent") return {tangent[0], tangent[1], tangent[2], 1.0};
+  if (name == "sfg_texCoord0") return {u, v};
+  if (name == "sfg_texCoord1") return {v, 1 - u};
+  if (name == "sfg_vertexColor") return {u, v, 1 - u, 0.5 + 0.5 * v};
   return {};
 }
 
@@ -134,19 +136,36 @@ public:
     job.collapse();
     SurfaceField field;
     field.width = field.height = kSide;
-    field.part = partOf;
+    field.at = valueAt;
     field.isSeen = [this](std::uint32_t column, std::uint32_t row) { return isSeen(column, row); };
     field.state = stateOf;
     field.settings = lightSettings();
-    field.texture = [&](const host::InterfaceOrigin& origin) { return textureFor(origin, material); };
-    Picture picture(kSide, kSide);
-    picture.texels = evaluate(device_, job, field);
-    return picture;
+    field.texture = [&](const host::InterfaceOrigin& origin) -> const Image& {
+      return textureFor(origin, material);
+    };
+    return pictureOf(evaluate(device_, job, field).front(), material.graph.outputs.front().parameter.type);
   }
 
 private:
-  const render::Texture& textureFor(const host::InterfaceOrigin& origin,
-                                    const materialx::ImportedMaterial& material) {
+  Picture pictureOf(const FieldOutput& colors, const std::string& type) const {
+    Picture picture(kSide, kSide);
+    const float* next = colors.values.data();
+    for (std::uint32_t row = 0; row < kSide; ++row) {
+      for (std::uint32_t column = 0; column < kSide; ++column) {
+        if (!isSeen(column, row)) continue;
+        // A single number is grey, and the third of two is 0.
+        for (std::size_t i = 0; i < 3; ++i) {
+          picture.at(column, row)[i] = type == "float"              ? next[0]
+                                       : type == "float2" && i == 2 ? 0.0f
+                                                                    : next[i];
+        }
+        next += 4;
+      }
+    }
+    return picture;
+  }
+
+  const Image& textureFor(const host::InterfaceOrigin& origin, const materialx::ImportedMaterial& material) {
     for (const materialx::ImportedTexture& texture : material.textures) {
       if (texture.node != origin.owner || texture.input != origin.name) continue;
       return texture.isMissing ? plainTexture(texture) : textureOf(texture.file);
@@ -154,22 +173,20 @@ private:
     throw std::runtime_error("nothing is known of the texture of " + origin.path());
   }
 
-  const render::Texture& textureOf(const std::string& file) {
+  const Image& textureOf(const std::string& file) {
     const auto [entry, isNew] = textures_.try_emplace(file);
     if (isNew) {
       Picture picture = pictures::readPicture(file);
-      entry->second.size = vk::Extent3D(picture.width, picture.height, 1);
-      entry->second.levels = {std::move(picture.texels)};
+      entry->second = {picture.width, picture.height, std::move(picture.texels)};
     }
     return entry->second;
   }
 
-  const render::Texture& plainTexture(const materialx::ImportedTexture& missing) {
-    render::Texture& texture = textures_["missing " + missing.node];
-    std::vector<float> texel;
-    for (const double number : missing.value) texel.push_back(static_cast<float>(number));
-    texel.resize(4, 1.0f);
-    texture.levels = {texel};
+  const Image& plainTexture(const materialx::ImportedTexture& missing) {
+    Image& texture = textures_["missing " + missing.node];
+    texture = {1, 1, {}};
+    for (const double number : missing.value) texture.texels.push_back(static_cast<float>(number));
+    texture.texels.resize(4, 1.0f);
     return texture;
   }
 
@@ -177,12 +194,13 @@ private:
   std::uint32_t every_;
   std::shared_ptr<const host::LibrarySet> libraries_;
   render::Device device_;
-  std::map<std::string, render::Texture> textures_;
+  std::map<std::string, Image> textures_;
 };
 
 struct Verdict {
   double error = 0.0;
-  Vector mean{};  ///< of the result
+  double off = 0.0;  ///< the share of pixels of which a colour is farther off than 0.02
+  Vector mean{};     ///< of the result
   Vector wanted{};
 };
 
@@ -196,16 +214,20 @@ Verdict compare(const Studio& studio, const Picture& result, const Picture& refe
     for (std::uint32_t column = 0; column < kSide; ++column) {
       if (!studio.isSeen(column, row)) continue;
       count += 1.0;
+      double worst = 0.0;
       for (std::size_t i = 0; i < 3; ++i) {
         const float given = result.at(column, row)[i];
         const double wanted = clamped(reference.at(column, row)[i]);
         const double difference = std::isnan(given) ? kBrightest : clamped(given) - wanted;
+        worst = std::max(worst, std::abs(difference));
         verdict.error += difference * difference;
         verdict.mean[i] += std::isnan(given) ? 0.0 : clamped(given);
         verdict.wanted[i] += wanted;
       }
+      verdict.off += worst > 0.02 ? 1.0 : 0.0;
     }
   }
+  verdict.off /= count;
   verdict.error = std::sqrt(verdict.error / (3.0 * count));
   verdict.mean = verdict.mean * (1.0 / count);
   verdict.wanted = verdict.wanted * (1.0 / count);
@@ -288,7 +310,8 @@ int run(const Arguments& arguments) {
         right += isRight ? 1 : 0;
         std::cout << std::setprecision(3) << verdict.error;
         if (!isRight)
-          std::cout << " WRONG, mean " << textOf(verdict.mean) << " for " << textOf(verdict.wanted);
+          std::cout << " WRONG, off " << verdict.off << ", mean " << textOf(verdict.mean) << " for "
+                    << textOf(verdict.wanted);
         std::cout << "\n";
         if (!arguments.pictures.empty()) {
           const std::string stem = (fs::path(arguments.pictures) / fs::path(file).stem()).string();

@@ -7,7 +7,6 @@
 // document that differs, then the counts; --least N asks for N per cent.
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -20,10 +19,7 @@
 #include <nlohmann/json.hpp>
 
 #include "import/material_document.h"
-#include "sfg/host/compile.h"
 #include "sfg/host/job.h"
-#include "sfg/host/reflect.h"
-#include "tests/materialx/compute_device.h"
 #include "tests/materialx/surface_field.h"
 
 namespace materialx_test {
@@ -91,6 +87,7 @@ Numbers valueAt(const std::string& name, double u, double v) {
   if (name == "sfg_texCoord1") return {v, 1 - u};
   if (name == "sfg_objectPosition") return numbers(position);
   if (name == "sfg_objectNormal") return numbers(normal);
+  if (name == "tangent") return {tangent[0], tangent[1], tangent[2], 1};
   if (name == "sfg_worldPosition") return numbers(worldPosition);
   if (name == "sfg_worldNormal") return numbers(worldNormal);
   if (name == "sfg_worldTangent") return numbers(worldTangent);
@@ -125,56 +122,13 @@ Numbers stateValue(const std::string& name) {
   return {};
 }
 
-bool isWhole(const std::string& type) {
-  return type.starts_with("int") || type.starts_with("uint") || type.starts_with("bool");
-}
-
-std::vector<float> elementsOf(const host::InterfaceBuffer& buffer) {
-  const std::size_t stride = buffer.size / sizeof(float);
-  std::vector<float> elements(kCount * stride);
-  for (std::size_t i = 0; i < kCount; ++i) {
-    const double u = (static_cast<double>(i % kSide) + 0.5) / kSide;
-    const double v = (static_cast<double>(i / kSide) + 0.5) / kSide;
-    for (const host::InterfaceMember& member : buffer.members) {
-      const Numbers numbers = valueAt(member.origin.name, u, v);
-      for (std::size_t c = 0; c < numbers.size() && c * sizeof(float) < member.size; ++c) {
-        elements[i * stride + member.offset / sizeof(float) + c] =
-            isWhole(member.type) ? std::bit_cast<float>(static_cast<std::int32_t>(numbers[c]))
-                                 : static_cast<float>(numbers[c]);
-      }
-    }
-  }
-  return elements;
-}
-
-std::vector<std::uint8_t> uniformsOf(const host::InterfaceBuffer& buffer) {
-  std::vector<host::ValueSetting> settings;
-  for (const host::InterfaceMember& member : buffer.members) {
-    if (member.origin.kind != "stateVariable") continue;
-    const Numbers numbers = stateValue(member.origin.name);
-    if (!numbers.empty()) settings.push_back({member.name, numbers});
-  }
-  return host::packBuffer(buffer, settings);
-}
-
 /// The square as a picture, whose lowest row has the lowest v.
-SurfaceField squareField(std::function<render::Texture(const host::InterfaceOrigin&)> texture) {
+SurfaceField squareField(std::function<const Image&(const host::InterfaceOrigin&)> texture) {
   SurfaceField field;
   field.width = field.height = static_cast<std::uint32_t>(kSide);
   field.isSeen = [](std::uint32_t, std::uint32_t) { return true; };
-  field.part = [](const std::string& part, std::uint32_t column, std::uint32_t row) {
-    const double u = (column + 0.5) / kSide;
-    const double v = (kSide - row - 0.5) / kSide;
-    const std::map<std::string, std::string> names = {
-        {"position", "sfg_objectPosition"}, {"normal", "sfg_objectNormal"}, {"texCoord0", "sfg_texCoord0"},
-        {"texCoord1", "sfg_texCoord1"},     {"color", "sfg_vertexColor"},
-    };
-    if (part == "tangent") {
-      const Vector tangent = normalized({1, 0, -0.3 * (2 * u - 1)});
-      return Numbers{tangent[0], tangent[1], tangent[2], 1};
-    }
-    const auto name = names.find(part);
-    return valueAt(name == names.end() ? part : name->second, u, v);
+  field.at = [](const std::string& name, std::uint32_t column, std::uint32_t row) {
+    return valueAt(name, (column + 0.5) / kSide, (kSide - row - 0.5) / kSide);
   };
   field.state = [](const std::string& name) {
     if (name == "sfg_matWorldViewProj") return Numbers{1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 0, 0.5, 0, 0, 0, 1};
@@ -248,55 +202,9 @@ private:
     if (material.isLit) options.tool = host::CollapseTool::lightLoop;
     host::Job job(libraries_, host::Document::from(material.graph, material.name), options);
     job.collapse();
-    const host::Shader shader = job.assemble(host::ShaderStage::compute);
-    if (shader.text.find("sfg_ddx(") != std::string::npos) return runPixels(job, material, channels);
-    const std::vector<std::uint32_t> spirv = host::compileToSpirv(shader);
-    const host::ShaderInterface interface =
-        host::interfaceFor(job.reflect(host::ShaderStage::compute), host::ShaderTarget::spirv);
-    Resources resources;
-    const host::InterfaceBuffer* output = nullptr;
-    for (const host::InterfaceBuffer& buffer : interface.buffers) {
-      const auto binding = static_cast<std::uint32_t>(buffer.place.binding.value());
-      if (buffer.kind == host::InterfaceBuffer::Kind::input) {
-        resources.input = binding;
-        resources.elements = elementsOf(buffer);
-      } else if (buffer.kind == host::InterfaceBuffer::Kind::output) {
-        resources.output = binding;
-        resources.outputSize = kCount * buffer.size / sizeof(float);
-        output = &buffer;
-      } else {
-        resources.uniforms[binding] = uniformsOf(buffer);
-      }
-    }
-    for (const host::InterfaceTexture& texture : interface.textures) {
-      resources.textures[static_cast<std::uint32_t>(texture.place.binding.value())] =
-          imageFor(texture.origin, material);
-    }
-    for (const host::InterfaceSampler& sampler : interface.samplers) {
-      resources.samplers.push_back(static_cast<std::uint32_t>(sampler.place.binding.value()));
-    }
-    const std::size_t group = std::max<std::size_t>(interface.groupSize, 1);
-    return gathered(runCompute(device_, spirv, resources, static_cast<std::uint32_t>(kCount / group)),
-                    *output, channels);
-  }
-
-  std::vector<float> runPixels(const host::Job& job, const materialx::ImportedMaterial& material,
-                               std::size_t channels) {
-    const std::vector<float> pixels =
-        evaluate(device_, job, squareField([&](const host::InterfaceOrigin& origin) {
-                   const Image& image = *imageFor(origin, material);
-                   render::Texture texture;
-                   texture.size = vk::Extent3D(image.width, image.height, 1);
-                   texture.levels = {image.texels};
-                   return texture;
-                 }));
-    std::vector<float> result;
-    for (std::size_t i = 0; i < kCount; ++i) {
-      const std::size_t row = kSide - 1 - i / kSide;
-      const float* const pixel = &pixels[4 * (row * kSide + i % kSide)];
-      result.insert(result.end(), pixel, pixel + channels);
-    }
-    return result;
+    const SurfaceField field = squareField(
+        [&](const host::InterfaceOrigin& origin) -> const Image& { return *imageFor(origin, material); });
+    return gathered(evaluate(device_, job, field), channels);
   }
 
   const Image* imageFor(const host::InterfaceOrigin& origin, const materialx::ImportedMaterial& material) {
@@ -314,20 +222,19 @@ private:
     throw std::runtime_error("nothing is known of the texture of " + origin.path());
   }
 
-  static std::vector<float> gathered(const std::vector<float>& values, const host::InterfaceBuffer& buffer,
-                                     std::size_t channels) {
-    const std::size_t stride = buffer.size / sizeof(float);
+  /// Of a surface the colour comes first, and its coverage last; v grows with the rows of a reference.
+  static std::vector<float> gathered(const std::vector<FieldOutput>& outputs, std::size_t channels) {
     std::vector<float> result;
     for (std::size_t i = 0; i < kCount; ++i) {
+      const std::size_t place = (kSide - 1 - i / kSide) * kSide + i % kSide;
       std::size_t left = channels;
-      for (const host::InterfaceMember& member : buffer.members) {
-        // Members are widened to four numbers: of a surface the colour comes first, and its coverage last.
-        const std::size_t count = buffer.members.size() == 1 ? left : member.name == "alpha" ? 1 : 3;
-        for (std::size_t c = 0; c < count && left > 0; ++c, --left) {
-          const float value = values[i * stride + member.offset / sizeof(float) + c];
-          result.push_back(isWhole(member.type) ? static_cast<float>(std::bit_cast<std::int32_t>(value))
-                                                : value);
-        }
+      for (const FieldOutput& output : outputs) {
+        const std::size_t count = std::min<std::size_t>(left, outputs.size() == 1      ? channels
+                                                              : output.name == "alpha" ? 1
+                                                                                       : 3);
+        const float* const values = &output.values[4 * place];
+        result.insert(result.end(), values, values + count);
+        left -= count;
       }
       result.resize((i + 1) * channels, 1.0f);
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Evaluates a collapsed graph by its pixel stage at given places of a surface, one for each pixel.
+// Evaluates a collapsed graph at given places of a surface, one for each pixel.
 
 #include <functional>
 #include <map>
@@ -10,6 +10,7 @@
 #include "render/renderer.h"
 #include "sfg/host/job.h"
 #include "sfg/host/reflect.h"
+#include "tests/materialx/compute_device.h"
 
 namespace materialx_test {
 
@@ -20,20 +21,27 @@ using Numbers = std::vector<double>;
 struct SurfaceField {
   std::uint32_t width = 0;
   std::uint32_t height = 0;
-  /// What a vertex at the middle of a pixel would have: a part of a mesh ("position", "normal", "tangent" of
-  /// four numbers, "texCoord0" .., "color"), or an input of the graph. Defined for hidden pixels, too.
-  std::function<Numbers(const std::string& part, std::uint32_t column, std::uint32_t row)> part;
+  /// What varies: a state variable ("sfg_objectPosition"), an input of the graph, or "tangent", that of a
+  /// mesh in object space. Defined for hidden pixels, too.
+  std::function<Numbers(const std::string& name, std::uint32_t column, std::uint32_t row)> at;
   std::function<bool(std::uint32_t column, std::uint32_t row)> isSeen;
-  /// A state variable, or nothing; its matrices bring positions to the pixels they belong to.
+  /// A state variable that does not vary, or nothing; its matrices bring positions to their pixels.
   std::function<Numbers(const std::string& state)> state;
   /// Values of the graph's and the environment's own.
   std::vector<TolmSDK::Graphics::sfg::host::ValueSetting> settings;
-  std::function<render::Texture(const TolmSDK::Graphics::sfg::host::InterfaceOrigin&)> texture;
+  std::function<const Image&(const TolmSDK::Graphics::sfg::host::InterfaceOrigin&)> texture;
 };
 
-/// The first output of the graph: four numbers for each pixel, zero where the surface is not seen. Throws
-/// std::runtime_error.
-std::vector<float> evaluate(const render::Device& device, const TolmSDK::Graphics::sfg::host::Job& job,
-                            const SurfaceField& field);
+/// An output of the graph: for each seen pixel, row by row, four numbers, of which those that its type lacks
+/// mean nothing.
+struct FieldOutput {
+  std::string name;
+  std::vector<float> values;
+};
+
+/// All outputs, computed by a compute stage, which takes every number as it is; or the first one, drawn by a
+/// pixel stage, where derivatives over the screen are asked for. Throws std::runtime_error.
+std::vector<FieldOutput> evaluate(const render::Device& device, const TolmSDK::Graphics::sfg::host::Job& job,
+                                  const SurfaceField& field);
 
 }  // namespace materialx_test
