@@ -7,11 +7,14 @@
 //   --within E      the largest error that counts as right (0.02)
 //   --least N       asks for N per cent
 //   --every N       compares one block of two by two pixels in N by N
+//   --times         draws nothing and tells how much processor time import, collapse and assembly of each
+//                   element take, in a process that has the libraries, and asks for at most 20 ms (--most MS)
 //   --pictures DIR  writes both pictures of each element, small, for a gallery
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iomanip>
@@ -120,20 +123,22 @@ public:
     return column / 2 % every_ == 0 && row / 2 % every_ == 0 && isHit(column, row);
   }
 
-  Picture shoot(const fs::path& document, const std::string& element) {
-    materialx::MaterialDocument::Options options;
-    options.folders = {folder_};
-    materialx::MaterialDocument reader(folder_ / document, libraries_, options);
-    const materialx::ImportedMaterial material = reader.import(element);
-    for (const host::Diagnostic& diagnostic : material.diagnostics) {
-      if (diagnostic.severity == host::Severity::error) throw std::runtime_error(diagnostic.text);
+  /// Milliseconds of processor time from the document's file to the text of its pixel stage: the best of
+  /// three.
+  double timeOf(const fs::path& document, const std::string& element) const {
+    double best = 1e9;
+    for (int i = 0; i < 3; ++i) {
+      const std::clock_t start = std::clock();
+      const host::Job job = collapsed(importOf(document, element));
+      (void)job.assemble(host::ShaderStage::pixel);
+      best = std::min(best, 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
     }
-    host::CollapseOptions collapse;
-    if (material.isLit) collapse.tool = host::CollapseTool::lightLoop;
-    std::optional<host::Document> light;
-    if (material.isLit) light = host::Document::fromText(kLight, "light.json");
-    host::Job job(libraries_, host::Document::from(material.graph, material.name), collapse, light);
-    job.collapse();
+    return best;
+  }
+
+  Picture shoot(const fs::path& document, const std::string& element) {
+    const materialx::ImportedMaterial material = importOf(document, element);
+    const host::Job job = collapsed(material);
     SurfaceField field;
     field.width = field.height = kSide;
     field.at = valueAt;
@@ -147,6 +152,27 @@ public:
   }
 
 private:
+  materialx::ImportedMaterial importOf(const fs::path& document, const std::string& element) const {
+    materialx::MaterialDocument::Options options;
+    options.folders = {folder_};
+    materialx::MaterialDocument reader(folder_ / document, libraries_, options);
+    materialx::ImportedMaterial material = reader.import(element);
+    for (const host::Diagnostic& diagnostic : material.diagnostics) {
+      if (diagnostic.severity == host::Severity::error) throw std::runtime_error(diagnostic.text);
+    }
+    return material;
+  }
+
+  host::Job collapsed(const materialx::ImportedMaterial& material) const {
+    host::CollapseOptions collapse;
+    if (material.isLit) collapse.tool = host::CollapseTool::lightLoop;
+    std::optional<host::Document> light;
+    if (material.isLit) light = host::Document::fromText(kLight, "light.json");
+    host::Job job(libraries_, host::Document::from(material.graph, material.name), collapse, light);
+    job.collapse();
+    return job;
+  }
+
   Picture pictureOf(const FieldOutput& colors, const std::string& type) const {
     Picture picture(kSide, kSide);
     const float* next = colors.values.data();
@@ -260,6 +286,8 @@ struct Arguments {
   double least = -1.0;
   std::uint32_t every = 1;
   std::string pictures;
+  bool isTimed = false;
+  double most = 20.0;
 };
 
 Arguments parse(int argc, char** argv) {
@@ -272,6 +300,10 @@ Arguments parse(int argc, char** argv) {
       arguments.least = std::stod(argv[++i]);
     } else if (word == "--every" && i + 1 < argc) {
       arguments.every = static_cast<std::uint32_t>(std::max(1, std::stoi(argv[++i])));
+    } else if (word == "--times") {
+      arguments.isTimed = true;
+    } else if (word == "--most" && i + 1 < argc) {
+      arguments.most = std::stod(argv[++i]);
     } else if (word == "--pictures" && i + 1 < argc) {
       arguments.pictures = argv[++i];
     } else {
@@ -285,6 +317,26 @@ std::string textOf(const Vector& a) {
   std::ostringstream text;
   text << std::fixed << std::setprecision(3) << a[0] << " " << a[1] << " " << a[2];
   return text.str();
+}
+
+int runTimes(const Arguments& arguments) {
+  const fs::path folder = arguments.words[0];
+  std::ifstream stream(folder / "index.json");
+  const Json index = Json::parse(stream);
+  const Studio studio(folder, arguments.words[1], 1);
+  const std::set<std::string> only(arguments.words.begin() + 2, arguments.words.end());
+  double longest = 0.0;
+  std::cout << std::fixed << std::setprecision(2);
+  for (const auto& [name, facts] : index.items()) {
+    if (!only.empty() && only.count(name) == 0) continue;
+    for (const auto& [element, unused] : facts.at("elements").items()) {
+      const double time = studio.timeOf(facts.at("document").get<std::string>(), element);
+      std::cout << name << " " << element << ": " << time << " ms\n";
+      longest = std::max(longest, time);
+    }
+  }
+  std::cout << "longest: " << longest << " ms\n";
+  return longest <= arguments.most ? 0 : 1;
 }
 
 int run(const Arguments& arguments) {
@@ -338,14 +390,14 @@ int main(int argc, char** argv) {
     if (arguments.words.size() < 2) {
       std::cerr
           << "usage: sfg_materialx_materials FOLDER LIBRARY [NAME]... [--within ERROR] [--least PERCENT] "
-             "[--every N] [--pictures DIR]\n";
+             "[--every N] [--pictures DIR] [--times] [--most MS]\n";
       return 2;
     }
     if (!std::filesystem::exists(std::filesystem::path(arguments.words[0]) / "index.json")) {
       std::cout << "skipped: there are no reference pictures in " << arguments.words[0] << "\n";
       return 77;
     }
-    return materialx_test::run(arguments);
+    return arguments.isTimed ? materialx_test::runTimes(arguments) : materialx_test::run(arguments);
   } catch (const std::exception& error) {
     std::cerr << error.what() << "\n";
     return 1;
