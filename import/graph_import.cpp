@@ -588,6 +588,7 @@ private:
                                         [&](const ImportedTexture& known) { return known.node == node; });
       if (texture != textures_.rend() && !texture->isMissing && options_.sizeOf) {
         texels = options_.sizeOf(texture->file).value_or(PictureSize());
+        texture->isSized = texels.width > 0;
         if (texels.width == 0) {
           warnOnce(*nodes_[index].element,
                    "the size of `" + texture->file + "` cannot be read: its sampler decides modes and filter",

@@ -35,6 +35,7 @@ struct ImportedTexture {
   std::string file;        ///< as it was found; as the document names it where there is none
   bool isMissing = false;  ///< then `value` is what every read gives
   std::vector<double> value = {};
+  bool isSized = false;  ///< the graph holds its width and height
 };
 
 /// A graph and what it needs.
