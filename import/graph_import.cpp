@@ -780,7 +780,7 @@ private:
         reports_.warning(place, "`" + port.name + "` comes from the geometry; a value has no effect",
                          "cannot-import");
       }
-      return;
+      source = {};
     }
     if (source.kind == Source::Kind::nothing) {
       const std::string_view type = typeOfShader(fragmentPort.type);

@@ -387,5 +387,33 @@ TEST(GraphImport, TellsTheSizeOfTexturesWhoseModesTheSamplerDoesNotHave) {
             "[unreadable-file]\n");
 }
 
+TEST(GraphImport, TakesOnlyAWireInPlaceOfWhatIsReadFromTheGeometry) {
+  EXPECT_EQ(
+      ImportFixture().import(graph("<normalmap name=\"n\" type=\"vector3\">\n"
+                                   "<input name=\"normal\" type=\"vector3\" value=\"0, 0, 1\"/>\n"
+                                   "<input name=\"tangent\" type=\"vector3\" interfacename=\"t\"/>"
+                                   "</normalmap>\n"
+                                   "<input name=\"t\" type=\"vector3\" value=\"1, 0, 0\"/>\n"
+                                   "<output name=\"out\" type=\"vector3\" nodename=\"n\"/>\n")),
+      "g/n: mtlx_normalmap_float in_=0.5 0.5 1 scale=1 normal=0 0 0 tangent=g/n.tangent.value.out_ "
+      "bitangent=0 0 0\n"
+      "g/n.tangent.value: mtlx_constant_vector3 value=1 0 0\n"
+      "output float3 out_out=g/n.out_\n"
+      "doc.mtlx:5:1: warning: `normal` comes from the geometry; a value has no effect [cannot-import]\n");
+}
+
+TEST(GraphImport, GivesAGraphThatIsADefinitionItsDefaults) {
+  EXPECT_EQ(ImportFixture().import(document("<nodedef name=\"ND_twice\" node=\"twice\">\n"
+                                            "<input name=\"x\" type=\"float\" value=\"3\"/>\n"
+                                            "<output name=\"out\" type=\"float\"/></nodedef>\n"
+                                            "<nodegraph name=\"g\" nodedef=\"ND_twice\">\n"
+                                            "<sin name=\"s\" type=\"float\">"
+                                            "<input name=\"in\" type=\"float\" interfacename=\"x\"/></sin>\n"
+                                            "<output name=\"out\" type=\"float\" nodename=\"s\"/>"
+                                            "</nodegraph>\n")),
+            "g/s: mtlx_sin_float in_=3\n"
+            "output float out_out=g/s.out_\n");
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg::materialx

@@ -9,7 +9,7 @@
 //   --every N       compares one block of two by two pixels in N by N
 //   --times         draws nothing and tells how much processor time import, collapse and assembly of each
 //                   element take, in a process that has the libraries, and asks for at most 20 ms (--most MS)
-//   --pictures DIR  writes both pictures of each element, small, for a gallery
+//   --pictures DIR  writes the two pictures of each element side by side, small, for a gallery
 
 #include <algorithm>
 #include <array>
@@ -260,13 +260,12 @@ Verdict compare(const Studio& studio, const Picture& result, const Picture& refe
   return verdict;
 }
 
-/// Every fourth pixel in both directions, with opaque ground.
-void writeSmall(const Picture& picture, const fs::path& file) {
+/// The mean of each four by four pixels, on black, into `small` from that column on.
+void shrinkInto(Picture& small, std::uint32_t left, const Picture& picture) {
   constexpr std::uint32_t kEach = 4;
-  Picture small(kSide / kEach, kSide / kEach);
   for (std::uint32_t row = 0; row < small.height; ++row) {
-    for (std::uint32_t column = 0; column < small.width; ++column) {
-      float* const texel = small.at(column, row);
+    for (std::uint32_t column = 0; column < kSide / kEach; ++column) {
+      float* const texel = small.at(left + column, row);
       for (std::uint32_t i = 0; i < kEach * kEach; ++i) {
         const float* const from = picture.at(kEach * column + i % kEach, kEach * row + i / kEach);
         for (std::size_t c = 0; c < 3; ++c) {
@@ -276,8 +275,15 @@ void writeSmall(const Picture& picture, const fs::path& file) {
       texel[3] = 1.0f;
     }
   }
+}
+
+/// The result to the left of the reference.
+void writePair(const Picture& result, const Picture& reference, const fs::path& file) {
+  Picture pair(kSide / 2, kSide / 4);
+  shrinkInto(pair, 0, result);
+  shrinkInto(pair, kSide / 4, reference);
   std::ofstream(file, std::ios::binary)
-      << pictures::writePicture(pictures::encoded(small), pictures::PictureFormat::png);
+      << pictures::writePicture(pictures::encoded(pair), pictures::PictureFormat::png);
 }
 
 struct Arguments {
@@ -366,9 +372,8 @@ int run(const Arguments& arguments) {
                     << textOf(verdict.wanted);
         std::cout << "\n";
         if (!arguments.pictures.empty()) {
-          const std::string stem = (fs::path(arguments.pictures) / fs::path(file).stem()).string();
-          writeSmall(result, stem + ".ours.png");
-          writeSmall(reference, stem + ".reference.png");
+          writePair(result, reference,
+                    fs::path(arguments.pictures) / (fs::path(file).stem().string() + ".png"));
         }
       } catch (const std::exception& error) {
         std::cout << "FAILED, " << error.what() << "\n";
