@@ -218,6 +218,13 @@ void Definitions::connectGraphs(const Element& root) {
   }
 }
 
+const Definition* Definitions::implementedBy(const Element& graph) const {
+  for (const std::unique_ptr<Definition>& definition : own_) {
+    if (definition->graph == &graph) return definition.get();
+  }
+  return nullptr;
+}
+
 bool Definitions::isNode(const Element& element) {
   constexpr std::string_view kOthers[] = {"nodedef",     "implementation", "look",   "typedef", "unitdef",
                                           "unittypedef", "geompropdef",    "output", "token",   "collection"};

@@ -77,6 +77,8 @@ public:
   /// The definition that a node means: by its `nodedef`, else by category, type, inputs and version. Null,
   /// and an error, when there is none.
   const Definition* find(const Element& node);
+  /// The document's own definition that a graph computes, or null.
+  const Definition* implementedBy(const Element& graph) const;
   static bool isNode(const Element& element);
 
 private:

@@ -571,6 +571,57 @@ private:
       }
       connect(index, *fragmentPort, port, std::move(source), at == nullptr ? element : *at);
     }
+    tellSize(index);
+  }
+
+  // --- sizes of textures
+
+  /// Fragments compute the modes of addresses and filters that a repeating, filtering sampler does not have
+  /// from the size of the texture, which they take as an input.
+  void tellSize(std::size_t index) {
+    const FragmentPorts::Port* const size = findPort(nodes_[index].ports->inputs, "texels");
+    if (size == nullptr || nodes_[index].definition->input("texels") != nullptr) return;
+    PictureSize texels;
+    if (!isPlainlySampled(index)) {
+      const std::string& node = nodes_[index].name;
+      const auto texture = std::find_if(textures_.rbegin(), textures_.rend(),
+                                        [&](const ImportedTexture& known) { return known.node == node; });
+      if (texture != textures_.rend() && !texture->isMissing && options_.sizeOf) {
+        texels = options_.sizeOf(texture->file).value_or(PictureSize());
+        texture->isSized = texels.width > 0;
+        if (texels.width == 0) {
+          warnOnce(*nodes_[index].element,
+                   "the size of `" + texture->file + "` cannot be read: its sampler decides modes and filter",
+                   "unreadable-file");
+        }
+      }
+    }
+    const std::vector<double> numbers{static_cast<double>(texels.width), static_cast<double>(texels.height)};
+    nodes_[index].inputs.push_back(
+        {size->name, valueSource("vector2", valueOf("vector2", numbers)), nodes_[index].element});
+  }
+
+  /// Whether a sampler that repeats and filters does all that the node's modes ask for.
+  bool isPlainlySampled(std::size_t index) const {
+    bool hasModes = false;
+    for (const DefinedPort& port : nodes_[index].definition->inputs) {
+      if (port.name.starts_with("frame")) continue;  // of several files, not of one
+      for (const char* const word : {"periodic", "linear"}) {
+        const auto plain = std::find(port.names.begin(), port.names.end(), word);
+        if (plain == port.names.end()) continue;
+        hasModes = hasModes || word[0] == 'p';
+        if (!hasNumber(index, port.name, static_cast<double>(plain - port.names.begin()))) return false;
+      }
+    }
+    return hasModes || nodes_[index].definition->input("uvtiling") != nullptr;
+  }
+
+  bool hasNumber(std::size_t index, const std::string& input, double number) const {
+    for (const BuiltInput& given : nodes_[index].inputs) {
+      if (given.port != input || given.source.kind != Source::Kind::value) continue;
+      return numbersOf(given.source.value) == std::vector<double>{number};
+    }
+    return true;  // the fragment has no such input
   }
 
   // --- closures
@@ -720,9 +771,16 @@ private:
     }
     if (source.kind == Source::Kind::text) source = parsed(source, port, index, fragmentPort.name);
     const bool readsGeometry = !port.geomprop.empty() && port.element == nullptr;
-    if (readsGeometry && source.kind == Source::Kind::value) {  // only a wire replaces what it reads
+    if (readsGeometry && source.kind == Source::Kind::value && isWired(place)) {
+      // Fragments ask whether there is a wire.
       source = throughNode(std::move(source), "mtlx_constant_" + port.type,
                            nodes_[index].name + "." + fragmentPort.name + ".value", place);
+    } else if (readsGeometry && source.kind == Source::Kind::value) {
+      if (told_.insert(&place).second) {
+        reports_.warning(place, "`" + port.name + "` comes from the geometry; a value has no effect",
+                         "cannot-import");
+      }
+      source = {};
     }
     if (source.kind == Source::Kind::nothing) {
       const std::string_view type = typeOfShader(fragmentPort.type);
@@ -730,6 +788,13 @@ private:
       source = valueSource(type, zeroOf(type));
     }
     nodes_[index].inputs.push_back({fragmentPort.name, std::move(source), &place});
+  }
+
+  /// Whether an input names where its value comes from.
+  static bool isWired(const Element& input) {
+    const auto has = [&](const char* word) { return input.has(word); };
+    constexpr const char* kWords[] = {"nodename", "nodegraph", "output", "interfacename"};
+    return std::any_of(std::begin(kWords), std::end(kWords), has);
   }
 
   static std::string_view typeOfShader(std::string_view type) {
@@ -1074,7 +1139,9 @@ private:
     const Element& element = *wanted.element;
     const Scope* scope = &rootScope_;
     if (element.parent != nullptr && element.parent->category == "nodegraph") {
-      scope = innerScope(&rootScope_, *element.parent, *element.parent, nullptr);
+      // What a graph that implements a definition is given is the definition's own.
+      const Element& graph = *element.parent;
+      scope = innerScope(&rootScope_, graph, graph, definitions_.implementedBy(graph));
     }
     Source source = follow(scope, &element);
     const std::string type(element.attribute("type"));

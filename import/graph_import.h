@@ -11,6 +11,7 @@
 
 #include "import/definitions.h"
 #include "import/element.h"
+#include "import/picture_size.h"
 #include "sfg/host/document.h"
 
 namespace TolmSDK::Graphics::sfg::materialx {
@@ -34,6 +35,7 @@ struct ImportedTexture {
   std::string file;        ///< as it was found; as the document names it where there is none
   bool isMissing = false;  ///< then `value` is what every read gives
   std::vector<double> value = {};
+  bool isSized = false;  ///< the graph holds its width and height
 };
 
 /// A graph and what it needs.
@@ -53,6 +55,8 @@ struct GraphImportOptions {
   FragmentSource fragments;
   /// Whether there is such a file.
   std::function<bool(const std::string&)> hasFile;
+  /// Its width and height; nothing where they are not known.
+  std::function<std::optional<PictureSize>(const std::string&)> sizeOf;
   /// Where texture files are looked for behind the folder of the document.
   std::vector<std::string> folders;
 };

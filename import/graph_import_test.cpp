@@ -105,7 +105,7 @@ TEST(GraphImport, ConvertsColoursOfOtherSpaces) {
                               "<output name=\"out\" type=\"color3\" nodename=\"m\"/></nodegraph>\n")),
       "g/m: mtlx_multiply_color3 in1=g/i.out_.color.out_ in2=g/m.in2.color.out_\n"
       "g/i: mtlx_image_color3 default_=0 0 0 texcoord=0 0 uaddressmode=2 vaddressmode=2 filtertype=1 "
-      "frameoffset=0 frameendaction=0\n"
+      "frameoffset=0 frameendaction=0 texels=0 0\n"
       "g/m.in2.color: mtlx_acescg_to_lin_rec709_color3 in_=1 1 1\n"
       "g/i.out_.color: mtlx_srgb_texture_to_lin_rec709_color3 in_=g/i.out_\n"
       "output float3 out_out=g/m.out_\n"
@@ -130,7 +130,7 @@ TEST(GraphImport, ReplacesTokensInFileNames) {
                                  "<input name=\"file\" type=\"filename\" value=\"wood_[nr].png\"/></image>\n"
                                  "<output name=\"out\" type=\"float\" nodename=\"i\"/>\n")),
             "g/i: mtlx_image_float default_=0 texcoord=0 0 uaddressmode=2 vaddressmode=2 filtertype=1 "
-            "frameoffset=0 frameendaction=0\n"
+            "frameoffset=0 frameendaction=0 texels=0 0\n"
             "output float out_out=g/i.out_\n"
             "texture g/i.file=wood_02.png\n");
 }
@@ -355,6 +355,64 @@ TEST(GraphImport, EndsElementsNestedTooDeep) {
   fixture.importPlain(document(text), "g");
   ASSERT_EQ(fixture.told.size(), 1u);
   EXPECT_EQ(fixture.told[0].text, "elements are nested deeper than 256 levels");
+}
+
+TEST(GraphImport, TellsTheSizeOfTexturesWhoseModesTheSamplerDoesNotHave) {
+  ImportFixture fixture;
+  fixture.files["a.hdr"] = "#?RADIANCE\n\n-Y 20 +X 40\n";
+  const std::string image =
+      "<image name=\"i\" type=\"float\"><input name=\"file\" type=\"filename\" value=\"a.hdr\"/>\n";
+  const std::string output = "</image><output name=\"out\" type=\"float\" nodename=\"i\"/>\n";
+  EXPECT_EQ(fixture.import(graph(image + output)), "g/i: mtlx_image_float default_=0 texcoord=0 0 "
+                                                   "uaddressmode=2 vaddressmode=2 filtertype=1 frameoffset=0 "
+                                                   "frameendaction=0 texels=0 0\n"
+                                                   "output float out_out=g/i.out_\n"
+                                                   "texture g/i.file=a.hdr\n");
+  EXPECT_EQ(fixture.import(
+                graph(image + "<input name=\"vaddressmode\" type=\"string\" value=\"mirror\"/>" + output)),
+            "g/i: mtlx_image_float default_=0 texcoord=0 0 uaddressmode=2 vaddressmode=3 filtertype=1 "
+            "frameoffset=0 "
+            "frameendaction=0 texels=40 20\n"
+            "output float out_out=g/i.out_\n"
+            "texture g/i.file=a.hdr\n");
+  fixture.files["a.hdr"] = "no picture";
+  EXPECT_EQ(fixture.import(
+                graph(image + "<input name=\"filtertype\" type=\"string\" value=\"closest\"/>" + output)),
+            "g/i: mtlx_image_float default_=0 texcoord=0 0 uaddressmode=2 vaddressmode=2 filtertype=0 "
+            "frameoffset=0 "
+            "frameendaction=0 texels=0 0\n"
+            "output float out_out=g/i.out_\n"
+            "texture g/i.file=a.hdr\n"
+            "doc.mtlx:4:1: warning: the size of `a.hdr` cannot be read: its sampler decides modes and filter "
+            "[unreadable-file]\n");
+}
+
+TEST(GraphImport, TakesOnlyAWireInPlaceOfWhatIsReadFromTheGeometry) {
+  EXPECT_EQ(
+      ImportFixture().import(graph("<normalmap name=\"n\" type=\"vector3\">\n"
+                                   "<input name=\"normal\" type=\"vector3\" value=\"0, 0, 1\"/>\n"
+                                   "<input name=\"tangent\" type=\"vector3\" interfacename=\"t\"/>"
+                                   "</normalmap>\n"
+                                   "<input name=\"t\" type=\"vector3\" value=\"1, 0, 0\"/>\n"
+                                   "<output name=\"out\" type=\"vector3\" nodename=\"n\"/>\n")),
+      "g/n: mtlx_normalmap_float in_=0.5 0.5 1 scale=1 normal=0 0 0 tangent=g/n.tangent.value.out_ "
+      "bitangent=0 0 0\n"
+      "g/n.tangent.value: mtlx_constant_vector3 value=1 0 0\n"
+      "output float3 out_out=g/n.out_\n"
+      "doc.mtlx:5:1: warning: `normal` comes from the geometry; a value has no effect [cannot-import]\n");
+}
+
+TEST(GraphImport, GivesAGraphThatIsADefinitionItsDefaults) {
+  EXPECT_EQ(ImportFixture().import(document("<nodedef name=\"ND_twice\" node=\"twice\">\n"
+                                            "<input name=\"x\" type=\"float\" value=\"3\"/>\n"
+                                            "<output name=\"out\" type=\"float\"/></nodedef>\n"
+                                            "<nodegraph name=\"g\" nodedef=\"ND_twice\">\n"
+                                            "<sin name=\"s\" type=\"float\">"
+                                            "<input name=\"in\" type=\"float\" interfacename=\"x\"/></sin>\n"
+                                            "<output name=\"out\" type=\"float\" nodename=\"s\"/>"
+                                            "</nodegraph>\n")),
+            "g/s: mtlx_sin_float in_=3\n"
+            "output float out_out=g/s.out_\n");
 }
 
 }  // namespace

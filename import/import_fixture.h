@@ -43,6 +43,7 @@ public:
     GraphImportOptions options;
     options.fragments = [&](const std::string& name) { return portsOf(name); };
     options.hasFile = [&](const std::string& file) { return files.count(file) > 0; };
+    options.sizeOf = [&](const std::string& file) { return pictureSizeIn(files.at(file)); };
     ImportedGraph imported =
         importGraph(tree.root(), outputsOf(tree.root(), graph), definitions, standard(), options, reports);
     told = reports.take();
@@ -89,6 +90,7 @@ private:
         for (const DefinedPort& port : definition.outputs) {
           ports->outputs.push_back({codeName(port.name), typeOf(port.type)});
         }
+        if (node == "image") ports->inputs.push_back({"texels", "float2"});
         return ports;
       }
     }

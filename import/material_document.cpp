@@ -207,6 +207,7 @@ ImportedMaterial MaterialDocument::import(const std::string& name) {
   GraphImportOptions options;
   options.fragments = [&](const std::string& fragment) { return state_->ports.find(fragment); };
   options.hasFile = fileExists;
+  options.sizeOf = [](const std::string& file) { return pictureSizeOf(file); };
   for (const std::filesystem::path& folder : state_->folders) options.folders.push_back(folder.string());
   ImportedGraph graph = importGraph(state_->tree.root(), outputs, *state_->definitions, *state_->standard,
                                     options, state_->reports);
@@ -217,14 +218,18 @@ ImportedMaterial MaterialDocument::import(const std::string& name) {
   return imported;
 }
 
-std::shared_ptr<StandardDefinitions> findDefinitions(const host::LibrarySet& libraries) {
+std::filesystem::path definitionsFile(const host::LibrarySet& libraries) {
   for (const std::filesystem::path& folder : libraries.folders().libraries) {
     const std::filesystem::path file = folder / "definitions.json";
     std::error_code error;
-    if (std::filesystem::is_regular_file(file, error)) return StandardDefinitions::load(file);
+    if (std::filesystem::is_regular_file(file, error)) return file;
   }
   throw host::InputError("no folder of the libraries has the definitions of MaterialX nodes "
                          "(`library/materialx`)");
+}
+
+std::shared_ptr<StandardDefinitions> findDefinitions(const host::LibrarySet& libraries) {
+  return StandardDefinitions::load(definitionsFile(libraries));
 }
 
 }  // namespace TolmSDK::Graphics::sfg::materialx

@@ -74,7 +74,9 @@ private:
   std::unique_ptr<State> state_;
 };
 
-/// The definitions in the first of the set's folders that has `definitions.json`. Throws host::InputError.
+/// `definitions.json` in the first of the set's folders that has one. Throws host::InputError.
+std::filesystem::path definitionsFile(const host::LibrarySet& libraries);
+/// The definitions that it holds. Throws host::InputError.
 std::shared_ptr<StandardDefinitions> findDefinitions(const host::LibrarySet& libraries);
 
 }  // namespace TolmSDK::Graphics::sfg::materialx

@@ -5,8 +5,10 @@
 
 #include "sfg/host/check.h"
 #include "sfg/host/errors.h"
+#include "tools/check_materials.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/material_graph.h"
 #include "tools/output_file.h"
 #include "tools/progress_line.h"
 
@@ -31,6 +33,9 @@ constexpr const char* kNotes =
     "Graphs are collapsed by the tools that they are meant for, under lights of the libraries unless "
     "`--environment` is\n"
     "given. A key that no reader knows is an error here.\n\n"
+    "MaterialX documents (*.mtlx) are checked, too: every material is brought, collapsed and assembled, and "
+    "nothing of it\n"
+    "compiled.\n\n"
     "Exit status: 0 nothing but warnings, with `--strict` nothing at all but notes; 1 errors; 2 wrong usage, "
     "or "
     "a PATH\n"
@@ -67,12 +72,13 @@ std::size_t countOf(const host::CheckResult& result, host::Severity severity) {
                     [&](const host::Diagnostic& diagnostic) { return diagnostic.severity == severity; }));
 }
 
-/// "412 profiles of 265 fragments, 16 graphs, 4 environments: 0 errors, 0 warnings"
-std::string summaryOf(const host::CheckResult& result) {
+/// "412 profiles of 265 fragments, 16 graphs, 4 environments: 0 errors, 0 warnings", with what else was
+/// counted in front of the colon.
+std::string summaryOf(const host::CheckResult& result, const std::string& more) {
   const host::CheckCounts& counts = result.counts;
   std::string text =
       counted(counts.profiles, "profile") + " of " + counted(counts.fragments, "fragment") + ", ";
-  text += counted(counts.graphs, "graph") + ", " + counted(counts.environments, "environment") + ": ";
+  text += counted(counts.graphs, "graph") + ", " + counted(counts.environments, "environment") + more + ": ";
   text += counted(countOf(result, host::Severity::error), "error") + ", ";
   return text + counted(countOf(result, host::Severity::warning), "warning") + "\n";
 }
@@ -82,7 +88,7 @@ public:
   explicit CheckCommand(CLI::App& parent)
       : Command(*parent.add_subcommand("check", "Find mistakes in libraries, graphs and environments")) {
     app()
-        .add_option("PATH", paths_, "library, graph, environment, or folder of these")
+        .add_option("PATH", paths_, "library, graph, environment, MaterialX document, or folder of these")
         ->type_name("PATH")
         ->required();
     declareLibraryOptions(app(), libraries_);
@@ -112,10 +118,13 @@ public:
   }
 
   int run(Diagnostics& diagnostics) override {
-    const host::CheckPaths paths = host::findCheckPaths(paths_);
+    std::vector<std::string> others = paths_;
+    const std::vector<std::string> materials = takeMaterialDocuments(others);
+    const host::CheckPaths paths = host::findCheckPaths(others);
     std::vector<std::string> inputs = paths.files.libraries;
     inputs.insert(inputs.end(), paths.files.graphs.begin(), paths.files.graphs.end());
     inputs.insert(inputs.end(), paths.files.environments.begin(), paths.files.environments.end());
+    inputs.insert(inputs.end(), materials.begin(), materials.end());
     inputs.push_back(environment_);
     checkOutputs(std::vector{output_}, inputs);
 
@@ -124,8 +133,15 @@ public:
     options.language = libraries_.language;
     options.tool = tool_;
     if (!environment_.empty()) options.environment = host::Document::fromFile(environment_);
-    const host::CheckResult result = check(std::move(options), paths);
-    write(result, diagnostics);
+    host::CheckResult result = check(std::move(options), paths);
+    std::string more;
+    if (!materials.empty()) {
+      const MaterialCheck found = checkMaterials(materials, loadMaterialLibraries(libraries_, diagnostics));
+      result.diagnostics.insert(result.diagnostics.end(), found.diagnostics.begin(), found.diagnostics.end());
+      more = ", " + counted(found.materials, "material");
+      more += " of " + counted(found.documents, "MaterialX document");
+    }
+    write(result, more, diagnostics);
     const bool hasErrors = countOf(result, host::Severity::error) != 0;
     const bool hasWarnings = countOf(result, host::Severity::warning) != 0;
     return hasErrors || (isStrict_ && hasWarnings) ? kRefused : kDone;
@@ -140,11 +156,11 @@ private:
     return host::withProblems(std::move(result), paths.problems);
   }
 
-  void write(const host::CheckResult& result, Diagnostics& diagnostics) const {
+  void write(const host::CheckResult& result, const std::string& more, Diagnostics& diagnostics) const {
     if (format_ == Format::json) return writeOutput(output_, host::toJson(result));
     if (format_ == Format::sarif) return writeOutput(output_, host::toSarif(result));
     diagnostics.show(result.diagnostics);
-    writeOutput(output_, summaryOf(result));
+    writeOutput(output_, summaryOf(result, more));
   }
 
   std::vector<std::string> paths_;

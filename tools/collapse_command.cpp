@@ -45,7 +45,8 @@ public:
 
   int run(Diagnostics& diagnostics) override {
     checkOutputs(options_, {output_}, depfile_);
-    host::Job job = makeJob(options_, diagnostics);
+    ReadJob read = makeJob(options_, diagnostics);
+    host::Job& job = read.job;
     switch (collapse(job, format_ == Format::shader, diagnostics)) {
     case Outcome::thrown: return kRefused;
     case Outcome::null:
@@ -61,7 +62,7 @@ public:
       if (!shader) return kRefused;
       writeOutput(output_, shader->text);
     }
-    writeDepfile(depfile_, output_, job);
+    writeDepfile(depfile_, output_, read);
     return kDone;
   }
 

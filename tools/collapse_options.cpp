@@ -170,7 +170,7 @@ void declareJobOptions(CLI::App& app, JobOptions& options) {
       ->default_str("default");
 }
 
-host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics) {
+ReadJob makeJob(const JobOptions& options, Diagnostics& diagnostics) {
   std::optional<host::Document> environment;
   if (!options.environmentFile.empty()) environment = host::Document::fromFile(options.environmentFile);
   if (isMaterialDocument(options.graphFile)) {
@@ -178,13 +178,14 @@ host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics) {
     const MaterialGraph graph = importGraph(options.graphFile, options.material, libraries, diagnostics);
     host::CollapseOptions collapse = options.collapse;
     if (graph.isLit) collapse.tool = host::CollapseTool::lightLoop;
-    return host::Job(libraries, graph.document, collapse, environment);
+    return {host::Job(libraries, graph.document, collapse, environment), graph.files};
   }
   if (!options.material.empty()) {
     throw host::InputError("`--material` is for a MaterialX document (*.mtlx)");
   }
-  return host::Job(loadLibraries(options.libraries, diagnostics), host::Document::fromFile(options.graphFile),
-                   options.collapse, environment);
+  return {host::Job(loadLibraries(options.libraries, diagnostics),
+                    host::Document::fromFile(options.graphFile), options.collapse, environment),
+          {}};
 }
 
 void declareStageOption(CLI::App& app, host::ShaderStage& stage) {
@@ -243,8 +244,12 @@ void checkOutputs(const JobOptions& options, std::vector<std::string> outputs,
   checkOutputs(outputs, inputs);
 }
 
-void writeDepfile(const DepfileOptions& options, const std::string& output, const host::Job& job) {
-  if (isWanted(options)) writeOutput(fileOf(options, output), writeDepfile(output, job.files()));
+void writeDepfile(const DepfileOptions& options, const std::string& output, const ReadJob& read) {
+  if (!isWanted(options)) return;
+  std::vector<std::string> files = read.graphFiles;
+  const std::vector<std::string> others = read.job.files();
+  files.insert(files.end(), others.begin(), others.end());
+  writeOutput(fileOf(options, output), writeDepfile(output, files));
 }
 
 Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) {

@@ -75,8 +75,14 @@ struct JobOptions {
 };
 /// GRAPH and everything that decides how it is collapsed; the tool that it holds is the default.
 void declareJobOptions(CLI::App& app, JobOptions& options);
-/// The job, with everything read. Throws InputError.
-host::Job makeJob(const JobOptions& options, Diagnostics& diagnostics);
+/// A job with everything read, and the files of its graph that it does not know of itself: those that a
+/// MaterialX document is made of.
+struct ReadJob {
+  host::Job job;
+  std::vector<std::string> graphFiles;
+};
+/// Throws InputError.
+ReadJob makeJob(const JobOptions& options, Diagnostics& diagnostics);
 
 /// --stage.
 void declareStageOption(CLI::App& app, host::ShaderStage& stage);
@@ -99,7 +105,7 @@ void declareDepfileOptions(CLI::App& app, DepfileOptions& options);
 void checkOutputs(const JobOptions& options, std::vector<std::string> outputs,
                   const DepfileOptions& depfile = {});
 /// Writes the dependency file, if one is wanted.
-void writeDepfile(const DepfileOptions& options, const std::string& output, const host::Job& job);
+void writeDepfile(const DepfileOptions& options, const std::string& output, const ReadJob& read);
 
 /// How a collapse ended: with a result, with the answer null, or with an exception of the generator or about
 /// the graph's wires.

@@ -49,7 +49,8 @@ public:
   int run(Diagnostics& diagnostics) override {
     checkTargetOptions(target_, stage_);
     checkOutputs(options_, {output_, reflection_}, depfile_);
-    host::Job job = makeJob(options_, diagnostics);
+    ReadJob read = makeJob(options_, diagnostics);
+    host::Job& job = read.job;
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
     const std::optional<host::Shader> shader =
         assemble(job, options_.graphFile, stage_, names_, mesh_, diagnostics);
@@ -63,7 +64,7 @@ public:
       diagnostics.show(job.explain(*shader, error));
       return kRefused;
     }
-    writeDepfile(depfile_, output_, job);
+    writeDepfile(depfile_, output_, read);
     return kDone;
   }
 

@@ -96,7 +96,8 @@ public:
 
   int run(Diagnostics& diagnostics) override {
     checkOutputs(options_, {output_});
-    host::Job job = makeJob(options_, diagnostics);
+    ReadJob read = makeJob(options_, diagnostics);
+    host::Job& job = read.job;
     if (collapse(job, false, diagnostics) != Outcome::done) return kRefused;
     const std::string dot = job.drawing(std::filesystem::path(options_.graphFile).filename().string());
     const bool isSvg =

@@ -105,5 +105,39 @@ TEST_F(ImportTest, NeedsTheDefinitions) {
   EXPECT_EQ(refused.status, 2);
 }
 
+TEST_F(ImportTest, CheckFindsMistakesOfDocumentsInFolders) {
+  write("documents/inner/one.mtlx", R"(<materialx version="1.39">
+<nodegraph name="g">
+<constant name="red" type="color3"><input name="value" type="color3" value="1, 0" /></constant>
+<output name="a" type="color3" nodename="red" />
+<output name="b" type="color3" nodename="rad" />
+</nodegraph></materialx>
+)");
+  write("documents/broken.mtlx", "<materialx version=\"1.39\"><nodegraph");
+  const CommandRun checked = run("check documents two.mtlx -L lib --no-standard-library");
+  EXPECT_EQ(
+      checked.err,
+      "documents/broken.mtlx:1:36: error: this is no XML: error parsing start element tag [malformed-xml]\n"
+      "documents/inner/one.mtlx:3:36: error: `1, 0` is no value of the type `color3` [wrong-value]\n"
+      "documents/inner/one.mtlx:5:1: error: there is no node `rad`; did you mean `red`? [unknown-node]\n"
+      "two.mtlx:4:36: error: `0.5, x` is no value of the type `color3` [wrong-value]\n");
+  EXPECT_EQ(checked.out,
+            "0 profiles of 0 fragments, 0 graphs, 0 environments, 4 materials of 3 MaterialX documents: "
+            "4 errors, 0 warnings\n");
+  EXPECT_EQ(checked.status, 1);
+}
+
+TEST_F(ImportTest, DependencyFilesListWhatADocumentIncludes) {
+  write("parts.mtlx", R"(<materialx version="1.39"><nodegraph name="g">
+<constant name="red" type="color3"/><output name="a" type="color3" nodename="red" /></nodegraph></materialx>
+)");
+  write("whole.mtlx", R"(<materialx version="1.39"><xi:include href="parts.mtlx" /></materialx>)");
+  const CommandRun collapsed =
+      run("collapse whole.mtlx -L lib --no-standard-library --material g/a -o out.hlsl --MD");
+  EXPECT_EQ(collapsed.err, "");
+  EXPECT_EQ(read("out.hlsl.d"),
+            "out.hlsl: \\\n  whole.mtlx \\\n  parts.mtlx \\\n  lib/definitions.json \\\n  lib/lib.fraglib\n");
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg::tools

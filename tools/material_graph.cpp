@@ -44,7 +44,12 @@ MaterialGraph importGraph(const std::string& file, const std::string& material,
   diagnostics.show(document.diagnostics());
   const materialx::ImportedMaterial imported = document.import(material);
   diagnostics.show(imported.diagnostics);
-  return {host::Document::from(imported.graph, file), imported.isLit};
+  MaterialGraph graph{host::Document::from(imported.graph, file), imported.isLit, document.files()};
+  graph.files.push_back(materialx::definitionsFile(*libraries).string());
+  for (const materialx::ImportedTexture& texture : imported.textures) {
+    if (texture.isSized) graph.files.push_back(texture.file);
+  }
+  return graph;
 }
 
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -27,6 +27,7 @@ std::shared_ptr<const host::LibrarySet> loadMaterialLibraries(const LibraryOptio
 struct MaterialGraph {
   host::Document document;
   bool isLit = false;
+  std::vector<std::string> files;  ///< that it was made from
 };
 MaterialGraph importGraph(const std::string& file, const std::string& material,
                           const std::shared_ptr<const host::LibrarySet>& libraries, Diagnostics& diagnostics);

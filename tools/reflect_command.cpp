@@ -67,7 +67,8 @@ public:
       throw host::InputError("`--pack` compiles nothing, and its bytes are the same with `" + given + "`");
     }
     checkOutputs(options_, {output_, packed_});
-    host::Job job = makeJob(options_, diagnostics);
+    ReadJob read = makeJob(options_, diagnostics);
+    host::Job& job = read.job;
     if (collapse(job, true, diagnostics) != Outcome::done) return kRefused;
     const std::optional<host::Shader> shader =
         assemble(job, options_.graphFile, stage_, names_, mesh_, diagnostics);

@@ -91,4 +91,27 @@ float4 sfg_mtlxOverlay(float4 fg, float4 bg)
     return float4(sfg_mtlxOverlay(fg.xyz, bg.xyz), sfg_mtlxOverlay(fg.w, bg.w));
 }
 
+// Between edges in any order: what is not above the low one is 0, then what is not below the high one is 1.
+float sfg_mtlxSmoothstep(float low, float high, float value)
+{
+    if (value <= low)
+        return 0.0;
+    return value >= high ? 1.0 : smoothstep(low, high, value);
+}
+
+float2 sfg_mtlxSmoothstep(float2 low, float2 high, float2 value)
+{
+    return float2(sfg_mtlxSmoothstep(low.x, high.x, value.x), sfg_mtlxSmoothstep(low.y, high.y, value.y));
+}
+
+float3 sfg_mtlxSmoothstep(float3 low, float3 high, float3 value)
+{
+    return float3(sfg_mtlxSmoothstep(low.xy, high.xy, value.xy), sfg_mtlxSmoothstep(low.z, high.z, value.z));
+}
+
+float4 sfg_mtlxSmoothstep(float4 low, float4 high, float4 value)
+{
+    return float4(sfg_mtlxSmoothstep(low.xy, high.xy, value.xy), sfg_mtlxSmoothstep(low.zw, high.zw, value.zw));
+}
+
 #endif

@@ -2,11 +2,11 @@
 // [NAME]...
 //
 // FOLDER holds documents, references and an index of them, as its README.md says. Each output of each
-// document is imported, collapsed and run by a compute stage at 16 by 16 points. Prints a line for each
+// document is imported, collapsed and run at 16 by 16 points: by a compute stage, or by a pixel stage where
+// derivatives over the screen are needed. Prints a line for each
 // document that differs, then the counts; --least N asks for N per cent.
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -19,10 +19,8 @@
 #include <nlohmann/json.hpp>
 
 #include "import/material_document.h"
-#include "sfg/host/compile.h"
 #include "sfg/host/job.h"
-#include "sfg/host/reflect.h"
-#include "tests/materialx/compute_device.h"
+#include "tests/materialx/surface_field.h"
 
 namespace materialx_test {
 namespace {
@@ -36,7 +34,6 @@ constexpr std::size_t kCount = kSide * kSide;
 constexpr float kTolerance = 1e-3f;
 constexpr double kMostOff = 0.02;
 
-using Numbers = std::vector<double>;
 using Vector = std::array<double, 3>;
 
 Vector minus(Vector a) { return {-a[0], -a[1], -a[2]}; }
@@ -90,6 +87,7 @@ Numbers valueAt(const std::string& name, double u, double v) {
   if (name == "sfg_texCoord1") return {v, 1 - u};
   if (name == "sfg_objectPosition") return numbers(position);
   if (name == "sfg_objectNormal") return numbers(normal);
+  if (name == "tangent") return {tangent[0], tangent[1], tangent[2], 1};
   if (name == "sfg_worldPosition") return numbers(worldPosition);
   if (name == "sfg_worldNormal") return numbers(worldNormal);
   if (name == "sfg_worldTangent") return numbers(worldTangent);
@@ -124,36 +122,20 @@ Numbers stateValue(const std::string& name) {
   return {};
 }
 
-bool isWhole(const std::string& type) {
-  return type.starts_with("int") || type.starts_with("uint") || type.starts_with("bool");
-}
-
-std::vector<float> elementsOf(const host::InterfaceBuffer& buffer) {
-  const std::size_t stride = buffer.size / sizeof(float);
-  std::vector<float> elements(kCount * stride);
-  for (std::size_t i = 0; i < kCount; ++i) {
-    const double u = (static_cast<double>(i % kSide) + 0.5) / kSide;
-    const double v = (static_cast<double>(i / kSide) + 0.5) / kSide;
-    for (const host::InterfaceMember& member : buffer.members) {
-      const Numbers numbers = valueAt(member.origin.name, u, v);
-      for (std::size_t c = 0; c < numbers.size() && c * sizeof(float) < member.size; ++c) {
-        elements[i * stride + member.offset / sizeof(float) + c] =
-            isWhole(member.type) ? std::bit_cast<float>(static_cast<std::int32_t>(numbers[c]))
-                                 : static_cast<float>(numbers[c]);
-      }
-    }
-  }
-  return elements;
-}
-
-std::vector<std::uint8_t> uniformsOf(const host::InterfaceBuffer& buffer) {
-  std::vector<host::ValueSetting> settings;
-  for (const host::InterfaceMember& member : buffer.members) {
-    if (member.origin.kind != "stateVariable") continue;
-    const Numbers numbers = stateValue(member.origin.name);
-    if (!numbers.empty()) settings.push_back({member.name, numbers});
-  }
-  return host::packBuffer(buffer, settings);
+/// The square as a picture, whose lowest row has the lowest v.
+SurfaceField squareField(std::function<const Image&(const host::InterfaceOrigin&)> texture) {
+  SurfaceField field;
+  field.width = field.height = static_cast<std::uint32_t>(kSide);
+  field.isSeen = [](std::uint32_t, std::uint32_t) { return true; };
+  field.at = [](const std::string& name, std::uint32_t column, std::uint32_t row) {
+    return valueAt(name, (column + 0.5) / kSide, (kSide - row - 0.5) / kSide);
+  };
+  field.state = [](const std::string& name) {
+    if (name == "sfg_matWorldViewProj") return Numbers{1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 0, 0.5, 0, 0, 0, 1};
+    return stateValue(name);
+  };
+  field.texture = std::move(texture);
+  return field;
 }
 
 struct Array {
@@ -220,35 +202,9 @@ private:
     if (material.isLit) options.tool = host::CollapseTool::lightLoop;
     host::Job job(libraries_, host::Document::from(material.graph, material.name), options);
     job.collapse();
-    const host::Shader shader = job.assemble(host::ShaderStage::compute);
-    const std::vector<std::uint32_t> spirv = host::compileToSpirv(shader);
-    const host::ShaderInterface interface =
-        host::interfaceFor(job.reflect(host::ShaderStage::compute), host::ShaderTarget::spirv);
-    Resources resources;
-    const host::InterfaceBuffer* output = nullptr;
-    for (const host::InterfaceBuffer& buffer : interface.buffers) {
-      const auto binding = static_cast<std::uint32_t>(buffer.place.binding.value());
-      if (buffer.kind == host::InterfaceBuffer::Kind::input) {
-        resources.input = binding;
-        resources.elements = elementsOf(buffer);
-      } else if (buffer.kind == host::InterfaceBuffer::Kind::output) {
-        resources.output = binding;
-        resources.outputSize = kCount * buffer.size / sizeof(float);
-        output = &buffer;
-      } else {
-        resources.uniforms[binding] = uniformsOf(buffer);
-      }
-    }
-    for (const host::InterfaceTexture& texture : interface.textures) {
-      resources.textures[static_cast<std::uint32_t>(texture.place.binding.value())] =
-          imageFor(texture.origin, material);
-    }
-    for (const host::InterfaceSampler& sampler : interface.samplers) {
-      resources.samplers.push_back(static_cast<std::uint32_t>(sampler.place.binding.value()));
-    }
-    const std::size_t group = std::max<std::size_t>(interface.groupSize, 1);
-    return gathered(runCompute(device_, spirv, resources, static_cast<std::uint32_t>(kCount / group)),
-                    *output, channels);
+    const SurfaceField field = squareField(
+        [&](const host::InterfaceOrigin& origin) -> const Image& { return *imageFor(origin, material); });
+    return gathered(evaluate(device_, job, field), channels);
   }
 
   const Image* imageFor(const host::InterfaceOrigin& origin, const materialx::ImportedMaterial& material) {
@@ -266,20 +222,19 @@ private:
     throw std::runtime_error("nothing is known of the texture of " + origin.path());
   }
 
-  static std::vector<float> gathered(const std::vector<float>& values, const host::InterfaceBuffer& buffer,
-                                     std::size_t channels) {
-    const std::size_t stride = buffer.size / sizeof(float);
+  /// Of a surface the colour comes first, and its coverage last; v grows with the rows of a reference.
+  static std::vector<float> gathered(const std::vector<FieldOutput>& outputs, std::size_t channels) {
     std::vector<float> result;
     for (std::size_t i = 0; i < kCount; ++i) {
+      const std::size_t place = (kSide - 1 - i / kSide) * kSide + i % kSide;
       std::size_t left = channels;
-      for (const host::InterfaceMember& member : buffer.members) {
-        // Members are widened to four numbers: of a surface the colour comes first, and its coverage last.
-        const std::size_t count = buffer.members.size() == 1 ? left : member.name == "alpha" ? 1 : 3;
-        for (std::size_t c = 0; c < count && left > 0; ++c, --left) {
-          const float value = values[i * stride + member.offset / sizeof(float) + c];
-          result.push_back(isWhole(member.type) ? static_cast<float>(std::bit_cast<std::int32_t>(value))
-                                                : value);
-        }
+      for (const FieldOutput& output : outputs) {
+        const std::size_t count = std::min<std::size_t>(left, outputs.size() == 1      ? channels
+                                                              : output.name == "alpha" ? 1
+                                                                                       : 3);
+        const float* const values = &output.values[4 * place];
+        result.insert(result.end(), values, values + count);
+        left -= count;
       }
       result.resize((i + 1) * channels, 1.0f);
     }
