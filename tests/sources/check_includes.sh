@@ -47,7 +47,7 @@ for room in documents library job shader modules origins diagnostics lints drawi
 done
 allow import 'sfg|tolmsdk|import|nlohmann|pugixml.hpp'
 other='tools/(lsp|watch)/'
-allow tools "sfg|tolmsdk|tools|import|pictures|render|nlohmann|CLI|unistd.h|sys"
+allow tools "sfg|tolmsdk|tools|import|pictures|render|nlohmann|CLI|unistd.h|dlfcn.h|sys"
 other=
 allow tools/lsp "sfg|tolmsdk|tools|nlohmann"
 allow tools/watch "sfg|tolmsdk|tools|poll.h|sys|unistd.h"
