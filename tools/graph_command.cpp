@@ -3,11 +3,14 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <random>
 
 #include "tools/collapse_options.h"
 #include "tools/command.h"
+#include "tools/material_graph.h"
 #include "tools/output_file.h"
+#include "tools/pictures_part.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
 
@@ -16,6 +19,7 @@ namespace {
 constexpr const char* kNotes =
     "Example:\n\n"
     "  sfg graph brick.json -o brick.svg\n"
+    "  sfg graph brick.json -o brick.svg --pictures\n"
     "  sfg graph brick.json | dot -Tpng -o brick.png\n\n"
     "Each box is a node: its fragment, the profile and level of detail that wrote code, inputs on the left "
     "with "
@@ -66,6 +70,46 @@ std::string quoted(const std::filesystem::path& path) {
 #endif
 }
 
+constexpr const char* kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+std::string base64(const std::string& bytes) {
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    unsigned value = 0;
+    for (std::size_t k = i; k < i + 3; ++k)
+      value = value << 8 | (k < bytes.size() ? static_cast<unsigned char>(bytes[k]) : 0u);
+    for (std::size_t k = 0; k < 4; ++k)
+      text += i + k > bytes.size() ? '=' : kDigits[value >> (18 - 6 * k) & 63];
+  }
+  return text;
+}
+
+/// The pictures of a drawing, as files of a folder: a drawing that is done holds them itself.
+class NodePictures {
+public:
+  void add(const std::string& node, const std::string& png) {
+    const std::string file = (folder_ / ("node" + std::to_string(files_.size()) + ".png").c_str()).string();
+    std::ofstream(file, std::ios::binary) << png;
+    files_[node] = file;
+    data_[file] = "data:image/png;base64," + base64(png);
+  }
+  const std::map<std::string, std::string>& files() const { return files_; }
+  /// Puts them into a drawing that names their files.
+  std::string putInto(std::string svg) const {
+    for (const auto& [file, data] : data_) {
+      const std::string name = "\"" + file + "\"";
+      for (std::size_t at = svg.find(name); at != svg.npos; at = svg.find(name, at + data.size()))
+        svg.replace(at + 1, file.size(), data);
+    }
+    return svg;
+  }
+
+private:
+  TemporaryFolder folder_;
+  std::map<std::string, std::string> files_;
+  std::map<std::string, std::string> data_;
+};
+
 std::string layOut(const std::string& dot) {
   const TemporaryFolder folder;
   std::ofstream(folder / "graph.dot", std::ios::binary) << dot;
@@ -90,26 +134,51 @@ public:
         app(), "--format",
         {{"auto", DrawingFormat::byName}, {"dot", DrawingFormat::dot}, {"svg", DrawingFormat::svg}}, format_,
         "`auto`: by the name of the output, else `dot`");
+    app().add_flag("--pictures", withPictures_, "show in each node what it computes (needs an SVG)");
     declareOutputOption(app(), output_);
     app().footer(kNotes);
   }
 
   int run(Diagnostics& diagnostics) override {
     checkOutputs(options_, {output_});
+    const bool isSvg =
+        format_ == DrawingFormat::svg || (format_ == DrawingFormat::byName && output_.ends_with(".svg"));
+    if (withPictures_ && !isSvg) throw host::InputError("`--pictures` needs an SVG: `-o NAME.svg`");
+    if (withPictures_ && isMaterialDocument(options_.graphFile))
+      throw host::InputError("`--pictures` needs a graph: `sfg import` makes one of a MaterialX document");
     ReadJob read = makeJob(options_, diagnostics);
     host::Job& job = read.job;
     if (collapse(job, false, diagnostics) != Outcome::done) return kRefused;
-    const std::string dot = job.drawing(std::filesystem::path(options_.graphFile).filename().string());
-    const bool isSvg =
-        format_ == DrawingFormat::svg || (format_ == DrawingFormat::byName && output_.ends_with(".svg"));
-    writeOutput(output_, isSvg ? layOut(dot) : dot);
+    NodePictures pictures;
+    if (withPictures_) paint(pictures, diagnostics);
+    const std::string dot =
+        job.drawing(std::filesystem::path(options_.graphFile).filename().string(), pictures.files());
+    writeOutput(output_, isSvg ? pictures.putInto(layOut(dot)) : dot);
     return kDone;
   }
 
 private:
+  /// What cannot be drawn, such as a structure, has no picture.
+  void paint(NodePictures& pictures, Diagnostics& diagnostics) const {
+    ThumbnailOptions thumbnails;
+    thumbnails.side = 80;
+    thumbnails.samples = 4;
+    const auto painter =
+        picturesPart().makePainter(loadLibraries(options_.libraries, diagnostics), thumbnails);
+    std::ifstream file(options_.graphFile, std::ios::binary);
+    const std::string graph{std::istreambuf_iterator<char>(file), {}};
+    for (const std::string& node : painter->nodesOf(graph)) {
+      ThumbnailRequest request{graph, options_.graphFile, options_.environmentFile, "sphere", node};
+      request.collapse = options_.collapse;
+      request.showsUniform = true;
+      if (const auto picture = painter->paint(request)) pictures.add(node, *picture);
+    }
+  }
+
   JobOptions options_;
   DrawingFormat format_ = DrawingFormat::byName;
   std::string output_;
+  bool withPictures_ = false;
 };
 
 }  // namespace

@@ -49,9 +49,10 @@ bool isUniform(const pictures::Shot& shot) {
   return true;
 }
 
-std::optional<pictures::Picture> finish(pictures::Shot& shot, const std::optional<ShownNode>& shown) {
+std::optional<pictures::Picture> finish(pictures::Shot& shot, const std::optional<ShownNode>& shown,
+                                        bool showsUniform) {
   if (shown) {
-    if (isUniform(shot)) return std::nullopt;
+    if (!showsUniform && isUniform(shot)) return std::nullopt;
     showNumbers(shot, *shown, rangeOf(shot, *shown));
   }
   return composed(shot, [](std::size_t, std::size_t) { return std::array<float, 4>{}; });
@@ -100,7 +101,8 @@ std::optional<pictures::Picture> Painter::draw(const ThumbnailRequest& request) 
   }
   host::Job job(libraries_, documents.graphDocument, request.collapse, documents.environmentDocument);
   job.collapse();
-  if (job.reflect(host::ShaderStage::pixel, host::NameStyle::readable).attributes.empty())
+  if (!request.showsUniform &&
+      job.reflect(host::ShaderStage::pixel, host::NameStyle::readable).attributes.empty())
     return std::nullopt;
   pictures::Material material = pictures::compileMaterial(job);
   const bool isFlat = !takes(material, [](const auto& attribute) { return !isCoordinate(attribute); });
@@ -118,7 +120,13 @@ std::optional<pictures::Picture> Painter::draw(const ThumbnailRequest& request) 
   if (shape == "plane" && request.camera.empty()) moment.camera.distance /= std::numbers::sqrt2;
   pictures::Shot shot =
       pictures::View(device_, std::move(material), mesh, textures, settings, view).shoot(moment);
-  return finish(shot, shown);
+  return finish(shot, shown, request.showsUniform);
+}
+
+std::vector<std::string> Painter::nodesOf(const std::string& graph) const {
+  std::vector<std::string> names;
+  for (const pictures::NodeName& node : pictures::nodesOf(graph)) names.push_back(node.name);
+  return names;
 }
 
 Surroundings& Painter::surroundingsOf(const std::string& image) {

@@ -26,6 +26,7 @@ public:
   std::optional<pictures::Picture> draw(const ThumbnailRequest& request);
 
   std::optional<std::string> paint(const ThumbnailRequest& request) override;
+  std::vector<std::string> nodesOf(const std::string& graph) const override;
   const std::string& why() const noexcept override { return why_; }
 
 private:

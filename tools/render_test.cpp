@@ -274,6 +274,25 @@ TEST_F(RenderTest, ListsDevices) {
   EXPECT_EQ(run("render -o a.png").err, "sfg: error: `GRAPH` is required [wrong-usage]\n");
 }
 
+TEST_F(RenderTest, DrawingsOfGraphsShowTheirNodes) {
+  writeGraph("scaleFloat3", kTint);
+  const std::string library = repository("library");
+  const std::string graph =
+      "graph graph.json --pictures -L " + library + " --no-standard-library -I " + library;
+  const CommandRun drawn = run(graph + " -o a.svg");
+  EXPECT_EQ(drawn.err, "");
+  EXPECT_EQ(drawn.status, 0);
+  const std::string svg = read("a.svg");
+  std::size_t count = 0;
+  for (std::size_t at = svg.find("\"data:image/png;base64,iVBORw0KGgo"); at != svg.npos;
+       at = svg.find("\"data:image/png;base64,iVBORw0KGgo", at + 1))
+    ++count;
+  EXPECT_EQ(count, 2u);
+  EXPECT_EQ(svg.find(".png"), svg.npos);
+  EXPECT_EQ(run(graph + " -o a.dot").status, 2);
+  EXPECT_THAT(run(graph).err, testing::HasSubstr("`--pictures` needs an SVG: `-o NAME.svg`"));
+}
+
 /// A site shows what varies: by itself, or over the places that it is given.
 TEST_F(RenderTest, SitesShowWhatVaries) {
   write("lib/a.fraglib", R"json({

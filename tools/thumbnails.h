@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "sfg/host/job.h"
 #include "sfg/host/library_set.h"
@@ -20,7 +21,8 @@ struct ThumbnailRequest {
   std::string node = {};  ///< "NAME.OUTPUT" to show one node; empty for the whole graph
   float scale = 1;        ///< how large the shape is, and how often texture coordinates go through it
   host::CollapseOptions collapse = {};
-  std::string camera = {};  ///< as `sfg render` takes it; empty: what suits the shape
+  bool showsUniform = false;  ///< a node of which nothing varies has a picture, too
+  std::string camera = {};    ///< as `sfg render` takes it; empty: what suits the shape
 };
 
 struct ThumbnailOptions {
@@ -36,6 +38,8 @@ public:
   /// A PNG file's bytes, transparent around the shape. Nothing for a graph of which nothing varies over the
   /// shape, and for what cannot be drawn: `why()` says that.
   virtual std::optional<std::string> paint(const ThumbnailRequest& request) = 0;
+  /// The names of a graph's nodes, in order.
+  virtual std::vector<std::string> nodesOf(const std::string& graph) const = 0;
   /// Why the last answer was nothing; empty where nothing varies.
   virtual const std::string& why() const noexcept = 0;
 };

@@ -89,6 +89,8 @@ std::string labelOf(const DrawnNode& node) {
   for (const std::string& profile : node.profiles) appendSmall(out, profile);
   appendSmall(out, noteOf(node));
   out += "</TD></TR>";
+  if (!node.picture.empty())
+    out += "<TR><TD COLSPAN=\"2\"><IMG SRC=\"" + escaped(node.picture) + "\"/></TD></TR>";
   const std::size_t rows = std::max(node.inputs.size(), node.outputs.size());
   for (std::size_t i = 0; i < rows; ++i) {
     out += "<TR>";

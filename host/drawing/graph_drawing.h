@@ -28,6 +28,7 @@ struct DrawnNode {
   bool isUnused = false;              ///< of a node: no output of the graph reaches it
   std::vector<DrawnPort> inputs;
   std::vector<DrawnPort> outputs;
+  std::string picture = {};  ///< file that shows what it computes; empty without one
 };
 
 /// From an output to an input, by their numbers.

@@ -193,8 +193,13 @@ std::string Job::resultJson() const {
   return writeCollapseJson(state_->job.result(), state_->job.libraries().includes());
 }
 
-std::string Job::drawing(const std::string& title) const {
-  return writeDot(drawGraph(collapsed().job), title);
+std::string Job::drawing(const std::string& title, const std::map<std::string, std::string>& pictures) const {
+  GraphDrawing drawing = drawGraph(collapsed().job);
+  for (DrawnNode& node : drawing.nodes) {
+    const auto picture = pictures.find(node.name);
+    if (node.kind == DrawnNode::Kind::node && picture != pictures.end()) node.picture = picture->second;
+  }
+  return writeDot(drawing, title);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

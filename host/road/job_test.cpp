@@ -251,11 +251,14 @@ TEST_F(JobTest, ExplainsWhatACompilerRefuses) {
     FAIL();
   } catch (const CompileError& error) {
     const std::vector<Diagnostic> told = job.explain(shader, error);
-    ASSERT_EQ(told.size(), 2u);
+    ASSERT_EQ(told.size(), 3u);
     EXPECT_EQ(told[0],
               (Diagnostic{Severity::error, (folder_ / "tone.h").string(), 3, 10,
                           "`colour` is not declared; did you mean `color`?", "compile-error", "color"}));
-    EXPECT_EQ(told[1], (Diagnostic{Severity::note, "generated", 5, 10,
+    EXPECT_EQ(told[1].severity, Severity::note);
+    EXPECT_EQ(told[1].file, (folder_ / "lib.fraglib").string());
+    EXPECT_EQ(told[1].text, "fragment `flat` includes it");
+    EXPECT_EQ(told[2], (Diagnostic{Severity::note, "generated", 5, 10,
                                    "the compiler says \"'colour' : unknown variable\" of the line `return "
                                    "colour;`",
                                    "code-origin"}));

@@ -2,6 +2,7 @@
 
 // One collapse: a library set, a graph, an environment and options; then the complete shader of its result.
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -113,8 +114,10 @@ public:
 
   /// The graph as a drawing in the language of Graphviz (`dot`): nodes with ports, types and values, wires in
   /// the colour of their type, the profiles that wrote code, which nodes are lit or unused, lights and
-  /// chains. `title` stands above it. The graph is collapsed once more for it.
-  std::string drawing(const std::string& title) const;
+  /// chains. `title` stands above it; `pictures` are files to show in nodes, by their names. The graph is
+  /// collapsed once more for it.
+  std::string drawing(const std::string& title,
+                      const std::map<std::string, std::string>& pictures = {}) const;
 
 private:
   struct SFG_HOST_LOCAL State;
