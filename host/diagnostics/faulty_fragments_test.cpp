@@ -10,7 +10,8 @@ protected:
   static std::string graph(const std::string& nodes) {
     return R"({ "outputs": [ { "name": "o", "type": "float", "node": "a" } ],
 "nodes": [
-)" + nodes + " ] }";
+)" + nodes +
+           " ] }";
   }
 };
 
@@ -24,8 +25,9 @@ TEST_F(FaultyFragmentsTest, AreToldAtTheFirstNodeThatUsesEach) {
                fragment("pass", "float x, out float result", "result = x;") + "}");
   const std::vector<Diagnostic> told = findFaultyFragments(*job(graph(R"({ "name": "p", "fragment": "pass" },
 { "name": "a", "fragment": "open" }, { "name": "b", "fragment": "open" })")));
-  EXPECT_EQ(textOf(told), "graph.json:4:28: node `a` uses the fragment `open`, of which no shader can be made: see " +
-                              path("lib.fraglib") + ":1:64\n");
+  EXPECT_EQ(textOf(told),
+            "graph.json:4:28: node `a` uses the fragment `open`, of which no shader can be made: see " +
+                path("lib.fraglib") + ":1:64\n");
   EXPECT_EQ(told.front().severity, Severity::error);
 }
 

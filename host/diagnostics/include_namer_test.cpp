@@ -13,8 +13,9 @@ protected:
   IncludeNamerTest() {
     write("outer.h", "// first\n#include \"inner.h\"\nfloat outer() { return inner(); }\n");
     write("inner.h", "float inner() { return 1.0; }\n");
-    writeLibrary("{" + fragment("bent", "out float result", "result = outer();", "\n\"includes\": [\"outer.h\"], ") +
-                 "}");
+    writeLibrary(
+        "{" + fragment("bent", "out float result", "result = outer();", "\n\"includes\": [\"outer.h\"], ") +
+        "}");
   }
   /// "PLACE: who", a line each.
   static std::string textOf(const std::vector<IncludeNamer>& chain) {
