@@ -560,7 +560,7 @@ const Mistake kMistakes[] = {
      "graph.json:10:68: note: the generator says \"sfgError : circular loop: stripes!\" [generator]\n"},
     {"NodeNameTwice", "collapse", "", "graph.json", R"json("name": "ramp")json",
      R"json("name": "clouds")json", 2,
-     "graph.json:8:5: error: the node name `clouds` is used twice [repeated-name]\n"},
+     "graph.json:8:15: error: the node name `clouds` is used twice [repeated-name]\n"},
     {"OutputWithoutNode", "collapse", "", "graph.json", R"json("node": "pixel", )json", "", 2,
      "graph.json:3:63: error: `output` needs a `node` [output-without-node]\n"},
     {"OutputUnwired", "collapse", "", "graph.json", R"json(, "node": "pixel", "output": "result")json", "", 1,
@@ -667,8 +667,9 @@ const Mistake kMistakes[] = {
      "`result`, `uv` [unknown-port]\n"},
     {"PortKindIsNoWord", "collapse", "", "own/own.fraglib", R"json("kind": "color")json",
      R"json("kind": "colour")json", 0,
-     "own/own.fraglib:5:63: warning: port `color` of fragment `stripes`: unknown kind `colour`; known are "
-     "`angle`, `color`, `direction`, `distance`, `factor`, `normal`, `position`, `uv` [unknown-word]\n"},
+     "own/own.fraglib:5:63: warning: port `color` of fragment `stripes`: unknown kind `colour`; did you "
+     "mean `color`? Known are `angle`, `color`, `direction`, `distance`, `factor`, `normal`, `position`, "
+     "`uv` [unknown-word]\n"},
     {"PortValueDoesNotFit", "collapse", "", "own/own.fraglib", R"json("kind": "color")json",
      R"json("value": 0.5)json", 0,
      "own/own.fraglib:5:64: warning: port `color` of fragment `stripes`: `value` does not fit the type "

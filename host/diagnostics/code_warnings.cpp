@@ -128,21 +128,24 @@ private:
   /// Of no input it is false for ever.
   void unknownInputs() {
     for (const auto& [key, use] : facts_.uses()) {
-      std::vector<std::string> inputs;
+      Set<std::string> inputs;
       for (std::size_t i = 0; i < use.fragment->getNumProfiles(); ++i) {
         const ITextParameterList& list = *use.fragment->getProfile(i)->getFunctionParameters();
-        for (std::size_t k = 0; k < list.getNumInputs(); ++k) inputs.push_back(toUtf8(list.getInputName(k)));
+        for (std::size_t k = 0; k < list.getNumInputs(); ++k) inputs.insert(toUtf8(list.getInputName(k)));
       }
-      for (const Profile profile : use.profiles) {
-        const FragmentCode* const code = codeOf(use, profile, CodePart::implementation);
+      for (std::size_t i = 0; i < use.fragment->getNumProfiles(); ++i) {
+        const Profile profile = use.fragment->getProfile(i);
         const bool isFunction = profile->getMode() == EShaderFragmentProfileMode::Function;
-        if (code != nullptr && isFunction && profile->getProfilename() != L"msl_light")
-          unknownInputs(use, *code, inputs);
+        if (!use.known.contains(profile) || !isFunction || profile->getProfilename() == L"msl_light")
+          continue;
+        // Most code asks nothing.
+        if (profile->getFunctionBody().find(L"sfg_isConnected") == WString::npos) continue;
+        const FragmentCode* const code = codes_.find(use.fragment->key(), i, CodePart::implementation);
+        if (code != nullptr) unknownInputs(use, *code, inputs);
       }
     }
   }
-  void unknownInputs(const FragmentUse& use, const FragmentCode& code,
-                     const std::vector<std::string>& inputs) {
+  void unknownInputs(const FragmentUse& use, const FragmentCode& code, const Set<std::string>& inputs) {
     const auto is = [&](std::size_t i, std::wstring_view word) {
       return code.tokens[i].in(code.text) == word;
     };
@@ -150,7 +153,7 @@ private:
       if (!is(i, L"sfg_isConnected") || !is(i + 1, L"(") || !code.tokens[i + 2].isName || !is(i + 3, L")"))
         continue;
       const std::string name = toUtf8(code.tokens[i + 2].in(code.text));
-      if (std::find(inputs.begin(), inputs.end(), name) != inputs.end()) continue;
+      if (inputs.contains(name)) continue;
       warnings_.atCode(Finding::unknownPort, *use.fragment, &code, code.tokens[i + 2].begin,
                        "`sfg_isConnected` names an input, and there is none of the name " +
                            inTicks(std::string_view(name)) + didYouMean(nearestName(name, inputs)));

@@ -166,8 +166,6 @@ public:
     if (text == "End of input in comment") return syntax("a comment is not closed");
     if (text == "missing #endif") return syntax("a conditional (`#if`) is not closed by `#endif`");
     if (text == "unexpected token") return unexpected();
-    if (text.starts_with("Could not process include directive"))
-      return say("`#include` cannot stand in a fragment's code; name the file in `includes`");
     if (subject() == "macro expansion") return macro();
     if (text.starts_with("vector index out of range"))
       return say("the index" + lastQuoted(text) + " is out of range");
@@ -265,7 +263,8 @@ private:
     if (text == "invalid preprocessor command") return say("there is no directive " + ticks(subject()));
     if (text.starts_with("must b") || text == "missing parenthesis") goBackToDirective({name});
     if (text == "must be followed by macro name") return say("a name is missing behind " + ticks(subject()));
-    if (text == "must be followed by a header name")
+    if (text == "must be followed by a header name" ||
+        text.starts_with("Could not process include directive"))
       return say("`#include` cannot stand in a fragment's code; name the file in `includes`");
     if (text == "missing parenthesis") return say("`(` is not closed behind " + ticks(subject()));
     if (text == "mismatched statements") return say(ticks(subject()) + " stands behind no `#if`");

@@ -120,7 +120,8 @@ const Mistake kMistakes[] = {
      "`position`, "
      "`uv` [unknown-word]\n"},
     {"UnknownSpace", "axis", R"({ "kind": "normal", "space": "screen" })",
-     "unknown space `screen` [unknown-word]\n"},
+     "unknown space `screen`; known are `object`, `tangent`, `view`, `world`, `data`, `linear`, `srgb` "
+     "[unknown-word]\n"},
     {"SpaceOfVectorsForAColor", "axis", R"({ "space": "world", "kind": "color" })",
      "`world` is a space of directions, normals and positions (`kind`) [wrong-value]\n"},
     {"SpaceOfColorsForADirection", "axis", R"({ "space": "srgb", "kind": "direction" })",

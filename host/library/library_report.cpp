@@ -359,6 +359,7 @@ void LibraryReport::addFailure(const FragmentLoadFailure& failure) {
                   problems_.end());
   problems_.push_back(told);
   failures_.insert_or_assign(*failure.fragment, told);
+  faults_.erase(*failure.fragment);
 }
 
 Diagnostic LibraryReport::describe(const FragmentLoadFailure& failure) {
