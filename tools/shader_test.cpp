@@ -476,6 +476,7 @@ TEST_F(ShaderTest, ComplaintAboutAnIncludeFileNamesIt) {
   EXPECT_EQ(
       result.err,
       "inc/bad.h:1:22: error: `nothing` is not declared [compile-error]\n"
+      "lib/more.fraglib:1:48: note: fragment `user` includes it [code-origin]\n"
       "generated:3:22: note: the compiler says \"'nothing' : unknown variable\" of the line `float bad() { "
       "return nothing; }` [code-origin]\n");
 }
