@@ -97,14 +97,14 @@ within() {
 
 start munged munged --foreground --force --socket="$keys/munge.socket" --key-file="$keys/munge.key" \
   --pid-file="$keys/munged.pid" --log-file="$keys/munged.log" --seed-file="$keys/munged.seed"
-within 20 munge test -S "$keys/munge.socket"
+within 90 munge test -S "$keys/munge.socket"
 start slurmctld slurmctld -D
 start_node one
 start_node two
 node_two=$pid
 idle() { [ "$(sinfo -h -N -n "$1" -o '%T')" = idle ]; }
-within 60 'idle first node' idle one
-within 60 'idle second node' idle two
+within 180 'idle first node' idle one
+within 180 'idle second node' idle two
 
 # Materials, different by a constant: as many as keep two nodes busy for a second.
 count=120
@@ -125,12 +125,12 @@ mkdir -p farm/shaders
 job=$(SFG=$sfg sbatch --parsable --array=1-2 --output="$work/shard.%a.log" "$sources/examples/farm/slurm.sh" \
   2 "$work/farm/manifest.json" "$work/cache")
 on_two() { grep -l ' on two, ' "$work"/shard.*.log; }
-within 60 'shard on the second node' on_two
+within 180 'shard on the second node' on_two
 log=$(on_two)
 shard=${log#"$work/shard."}
 shard=${shard%.log}
 some_done() { [ "$(outputs farm/shaders)" -ge 8 ]; }
-within 120 'shaders' some_done
+within 360 'shaders' some_done
 
 # The power goes; somebody says so, which Slurm finds out in some minutes otherwise.
 kill -9 "$node_two"
@@ -139,20 +139,20 @@ squeue -h -j "${job}_$shard" -o '%T %N' | grep -q 'RUNNING two' || fail 'the sha
 scontrol update NodeName=two State=DOWN Reason=killed
 done_before=$(find farm/shaders -type f -name 'm*' ! -path '*/.sfg-build/*' | sort | xargs stat -c '%n %i' )
 requeued() { squeue -h -j "${job}_$shard" -o '%T' | grep -q PENDING; }
-within 60 'requeued shard' requeued
+within 180 'requeued shard' requeued
 scontrol hold "${job}_$shard"
 ends_told() { grep -c '_rpc_terminate_job' "$work/slurmd.two.log" || true; }
 ends_before=$(ends_told)
 start_node two
-within 60 'second node' idle two
+within 180 'second node' idle two
 # The controller goes on sending the node that the shard's first run is over. Another run on it would take that for its
 # own end, so it starts when the message has come.
 end_told() { [ "$(ends_told)" -gt "$ends_before" ]; }
-within 90 'end of the first run' end_told
+within 270 'end of the first run' end_told
 scontrol release "${job}_$shard"
 scontrol update JobId="${job}_$shard" StartTime=now
 finished() { [ -z "$(squeue -h -j "$job")" ]; }
-within 300 'end of the jobs' finished
+within 480 'end of the jobs' finished
 
 grep -q ', start 2$' "$log" || fail "the shard was not started again: $(cat "$log")"
 [ "$(outputs farm/shaders)" = $count ] || fail "there are $(outputs farm/shaders) shaders of $count"
