@@ -21,13 +21,16 @@ TEST_F(FaultyFragmentsTest, AreNothingWhereAllCanBeRead) {
 }
 
 TEST_F(FaultyFragmentsTest, AreToldAtTheFirstNodeThatUsesEach) {
-  writeLibrary(R"({ "open": { "language": ["dx11"], "implementation": ["void open(float x", "{", "}"] },)" +
+  writeLibrary(R"json({ "open": { "language": ["dx11"], "implementation": [
+"void open(float x, out float r)",
+"{", "r = x;"] },)json" +
                fragment("pass", "float x, out float result", "result = x;") + "}");
   const std::vector<Diagnostic> told = findFaultyFragments(*job(graph(R"({ "name": "p", "fragment": "pass" },
 { "name": "a", "fragment": "open" }, { "name": "b", "fragment": "open" })")));
   EXPECT_EQ(textOf(told),
             "graph.json:4:28: node `a` uses the fragment `open`, of which no shader can be made: see " +
-                path("lib.fraglib") + ":1:64\n");
+                path("lib.fraglib") + ":3:2\n");
+  ASSERT_EQ(told.size(), 1u);
   EXPECT_EQ(told.front().severity, Severity::error);
 }
 

@@ -257,7 +257,7 @@ TEST_F(JobTest, ExplainsWhatACompilerRefuses) {
                           "`colour` is not declared; did you mean `color`?", "compile-error", "color"}));
     EXPECT_EQ(told[1].severity, Severity::note);
     EXPECT_EQ(told[1].file, (folder_ / "lib.fraglib").string());
-    EXPECT_EQ(told[1].text, "fragment `flat` includes it");
+    EXPECT_EQ(told[1].text, "fragment `tint` includes it");
     EXPECT_EQ(told[2], (Diagnostic{Severity::note, "generated", 5, 10,
                                    "the compiler says \"'colour' : unknown variable\" of the line `return "
                                    "colour;`",
