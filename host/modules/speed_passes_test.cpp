@@ -2,33 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "host/modules/shader_compiler.h"
+#include "host/modules/test_passes.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 namespace {
-
-using Words = std::vector<std::uint32_t>;
-
-Words run(const Words& module, const spvtools::Optimizer& optimizer) {
-  spvtools::OptimizerOptions options;
-  options.set_run_validator(false);
-  Words optimised;
-  EXPECT_TRUE(optimizer.Run(module.data(), module.size(), &optimised, options));
-  return optimised;
-}
-
-/// Empty when both make the same bytes of the text's module with all its functions.
-std::string difference(const std::string& hlsl, ShaderStage stage) {
-  CompileOptions options;
-  options.optimization = Optimization::none;
-  const Words module = compileToSpirv(hlsl, "main", stage, options);
-  spvtools::Optimizer ours(SPV_ENV_VULKAN_1_1);
-  registerSpeedPasses(ours);
-  spvtools::Optimizer both(SPV_ENV_VULKAN_1_1);
-  both.RegisterLegalizationPasses().RegisterPerformancePasses();
-  EXPECT_LT(ours.GetPassNames().size(), both.GetPassNames().size());
-  return run(module, ours) == run(module, both) ? "" : hlsl;
-}
 
 // What standard fragments do not have: loops to unroll, branches on constants, early returns, arrays.
 constexpr const char* kUnrolled = R"(cbuffer C : register(b0) { float4 k; int n; };
