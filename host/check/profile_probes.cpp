@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "host/documents/shader_names.h"
 #include "host/origins/code_tokens.h"
 #include "tolmsdk/state_variables.h"
 #include "tolmsdk/unicode.h"
@@ -131,6 +132,7 @@ void ProbeMaker::addSources(const AShaderFragmentProfile& profile) {
       // The arguments behind the first are names and values by turns; the last name is what is asked for.
       for (std::size_t k = 1; k + 1 < use.arguments.size(); k += 2) {
         const std::string name = textOf(use.arguments[k]);
+        if (!isIdentifier(name)) continue;
         if (k + 3 >= use.arguments.size()) {
           source.output = name;
           continue;

@@ -61,10 +61,6 @@ bool isWord(std::string_view name) {
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isPart(char c) { return isDigit(c) || c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
-bool isIdentifier(std::string_view name) {
-  return !name.empty() && !isDigit(name.front()) && std::all_of(name.begin(), name.end(), isPart);
-}
-
 bool isIdentifiers(std::string_view name) {
   for (std::size_t start = 0; start <= name.size();) {
     const std::size_t end = std::min(name.find('.', start), name.size());
@@ -94,6 +90,10 @@ std::string repaired(std::string_view name) {
 }
 
 }  // namespace
+
+bool isIdentifier(std::string_view name) {
+  return !name.empty() && !isDigit(name.front()) && std::all_of(name.begin(), name.end(), isPart);
+}
 
 std::string nameFault(std::string_view name, bool isDotted) {
   const bool isWhole = isDotted ? isIdentifiers(name) : isIdentifier(name);

@@ -7,6 +7,9 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
+/// Whether the text (UTF-8) is one identifier; words of the language are.
+bool isIdentifier(std::string_view name);
+
 /// Why the name (UTF-8) cannot be one in shader text, and what could be in its place: "`float` is a word of
 /// the shading language; did you mean `float_`?". Empty for a name that can be used. `isDotted`: parts with
 /// dots between them are names, too.

@@ -9,6 +9,7 @@
 #include "host/documents/document_reader.h"
 #include "host/documents/load_error.h"
 #include "host/documents/near_name.h"
+#include "host/documents/shader_names.h"
 #include "host/library/language_dx11.h"
 #include "host/library/prototype_fault.h"
 #include "host/library/string_places.h"
@@ -110,13 +111,6 @@ std::string placeholderName(std::wstring_view text) {
   const std::size_t first = text.find_first_not_of(L" \t");
   return first == text.npos ? std::string()
                             : toUtf8(text.substr(first, text.find_last_not_of(L" \t") + 1 - first));
-}
-
-bool isIdentifier(std::string_view name) {
-  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
-  return !name.empty() && !isDigit(name[0]) &&
-         std::all_of(name.begin(), name.end(), [&](char c) { return isDigit(c) || isLetter(c); });
 }
 
 /// Whether it is text that begins as the generator wants it.

@@ -1,12 +1,7 @@
 // Whatever a graph document holds: it is refused with a place, or built, collapsed, warned of and assembled.
 
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -16,6 +11,7 @@
 #include "host/job/collapse_job.h"
 #include "host/shader/shader_assembly.h"
 #include "sfg/host/errors.h"
+#include "tests/fuzz/fuzz_input.h"
 #include "tests/support/job_files.h"
 #include "tolmsdk/exception.h"
 
@@ -23,11 +19,6 @@ namespace {
 
 using namespace TolmSDK;
 using namespace TolmSDK::Graphics::sfg;
-namespace fs = std::filesystem;
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
 
 constexpr const char* kLibrary = R"json({
   "tint": { "language": ["dx11"], "implementation": [
@@ -50,26 +41,10 @@ constexpr const char* kLibrary = R"json({
     "implementation": ["void lamp(out Lamp light)", "{", "light.color = 1;", "}"] }
 })json";
 
-/// A folder with the library and two lights, for as long as the process runs.
-class Folder {
-public:
-  Folder() {
-    std::string pattern = (fs::temp_directory_path() / "sfg_graph_fuzz_XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
-    std::ofstream(path_ / "library.fraglib") << kLibrary;
-    std::ofstream(path_ / "scene.json")
-        << R"({ "lights": [ { "fragment": "lamp", "profile": "Lamp" }, { "fragment": "lamp", "profile": "Lamp" } ] })";
-  }
-  ~Folder() { fs::remove_all(path_); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
+void require(bool holds) { TolmSDK::require(holds, "what a job answers"); }
 
-  std::string file(const char* name) const { return (path_ / name).string(); }
-  std::string path() const { return path_.string(); }
-
-private:
-  fs::path path_;
-};
+constexpr const char* kScene =
+    R"({ "lights": [ { "fragment": "lamp", "profile": "Lamp" }, { "fragment": "lamp", "profile": "Lamp" } ] })";
 
 void collapse(const host::JobFiles& settings) try {
   host::CollapseJob job = host::makeJob(settings);
@@ -106,14 +81,11 @@ void collapse(const host::JobFiles& settings) try {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const Folder folder;
-  {
-    std::ofstream graph(folder.file("graph.json"), std::ios::binary | std::ios::trunc);
-    for (std::size_t i = 0; i < size; ++i) graph.put(static_cast<char>(data[i]));
-  }
+  static const FuzzFolder folder({{"library.fraglib", kLibrary}, {"scene.json", kScene}});
+  folder.write("graph.json", bytesOf(data, size));
   host::JobFiles settings;
   settings.graphFile = folder.file("graph.json");
-  settings.libraryFolders = {folder.path()};
+  settings.libraryFolders = {folder.path().string()};
   collapse(settings);
   settings.tool = host::CollapseTool::lightLoop;
   settings.environmentFile = folder.file("scene.json");

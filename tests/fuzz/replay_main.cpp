@@ -1,7 +1,9 @@
 // An ordinary main for fuzz targets: replays every file of the corpus folders named on the command line, then
 // a number of reproducible mutations of them, so that the targets are exercised wherever the tests run.
 //
-//   x_fuzz [--mutations N] [--seed S] [FILE_OR_FOLDER]...
+//   x_fuzz [--mutations N] [--seed S] [--last FILE] [FILE_OR_FOLDER]...
+//
+// --last writes each mutation there before it runs, so that one that crashes can be kept.
 
 #include <algorithm>
 #include <charconv>
@@ -21,6 +23,10 @@
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size);
 
+// Of targets that change their inputs in ways of their own.
+extern "C" [[gnu::weak]] std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                                             std::size_t capacity, unsigned seed);
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -32,6 +38,7 @@ using Bytes = std::vector<std::uint8_t>;
 struct Arguments {
   std::uint64_t mutations = 0;
   std::uint64_t seed = 1;
+  fs::path last;
   std::vector<fs::path> corpora;
 };
 
@@ -48,6 +55,9 @@ bool readArguments(char** first, Arguments& arguments) {
     if (word == "--mutations" || word == "--seed") {
       ++first;
       if (!readNumber(*first, word == "--seed" ? arguments.seed : arguments.mutations)) return false;
+    } else if (word == "--last") {
+      if (*++first == nullptr) return false;
+      arguments.last = *first;
     } else if (word.starts_with("--")) {
       return false;
     } else {
@@ -88,40 +98,54 @@ void run(Bytes const& bytes) {
   LLVMFuzzerTestOneInput(exact.get(), bytes.size());
 }
 
-// One changed copy: a few edits, each of which flips a bit, sets, drops, doubles or cuts, or splices another
-// file in.
-Bytes mutate(std::vector<Bytes> const& inputs, std::mt19937_64& random) {
+// One edit, which flips a bit, sets, drops, doubles or cuts, or splices another file in.
+void edit(Bytes& bytes, std::vector<Bytes> const& inputs, std::mt19937_64& random) {
   auto const below = [&random](std::size_t limit) {
     return limit == 0 ? 0 : static_cast<std::size_t>(random() % limit);
   };
-  auto const at = [](Bytes& bytes, std::size_t index) {
-    return bytes.begin() + static_cast<std::ptrdiff_t>(index);
+  auto const at = [](Bytes& all, std::size_t position) {
+    return all.begin() + static_cast<std::ptrdiff_t>(position);
   };
   constexpr std::string_view kTelling = "{}[]()<>;:,.\"\\/*#\n\r\t 0_\x80\xff";
 
-  Bytes bytes = inputs[below(inputs.size())];
-  for (std::size_t edits = 1 + below(4); edits != 0; --edits) {
-    std::size_t const index = below(bytes.size());
-    std::uint8_t const telling = static_cast<std::uint8_t>(kTelling[below(kTelling.size())]);
-    switch (bytes.empty() ? 1 : below(6)) {
-    case 0: bytes[index] = static_cast<std::uint8_t>(bytes[index] ^ (1U << below(8))); break;
-    case 1: bytes.insert(at(bytes, index), telling); break;
-    case 2: bytes[index] = telling; break;
-    case 3:
-      bytes.erase(at(bytes, index),
-                  at(bytes, index + below(std::min<std::size_t>(16, bytes.size() - index) + 1)));
-      break;
-    case 4: bytes.resize(index); break;
-    default: {
-      Bytes const& other = inputs[below(inputs.size())];
-      std::size_t const begin = below(other.size());
-      std::size_t const length = below(std::min<std::size_t>(64, other.size() - begin) + 1);
-      auto const from = other.begin() + static_cast<std::ptrdiff_t>(begin);
-      bytes.insert(at(bytes, index), from, from + static_cast<std::ptrdiff_t>(length));
-      break;
-    }
-    }
+  std::size_t const index = below(bytes.size());
+  std::uint8_t const telling = static_cast<std::uint8_t>(kTelling[below(kTelling.size())]);
+  switch (bytes.empty() ? 1 : below(6)) {
+  case 0: bytes[index] = static_cast<std::uint8_t>(bytes[index] ^ (1U << below(8))); break;
+  case 1: bytes.insert(at(bytes, index), telling); break;
+  case 2: bytes[index] = telling; break;
+  case 3:
+    bytes.erase(at(bytes, index),
+                at(bytes, index + below(std::min<std::size_t>(16, bytes.size() - index) + 1)));
+    break;
+  case 4: bytes.resize(index); break;
+  default: {
+    Bytes const& other = inputs[below(inputs.size())];
+    std::size_t const begin = below(other.size());
+    std::size_t const length = below(std::min<std::size_t>(64, other.size() - begin) + 1);
+    auto const from = other.begin() + static_cast<std::ptrdiff_t>(begin);
+    bytes.insert(at(bytes, index), from, from + static_cast<std::ptrdiff_t>(length));
+    break;
   }
+  }
+}
+
+// What LLVMFuzzerMutate() draws from.
+std::mt19937_64 ofMutators;
+
+// One changed copy: a few edits, or what the target makes of it.
+Bytes mutate(std::vector<Bytes> const& inputs, std::mt19937_64& random) {
+  constexpr std::size_t kRoom = 4096;
+  Bytes bytes = inputs[static_cast<std::size_t>(random() % inputs.size())];
+  if (LLVMFuzzerCustomMutator != nullptr && random() % 2 == 0) {
+    ofMutators.seed(random());
+    std::size_t const size = bytes.size();
+    bytes.resize(size + kRoom);
+    bytes.resize(LLVMFuzzerCustomMutator(bytes.data(), size, bytes.size(), static_cast<unsigned>(random())));
+    return bytes;
+  }
+  for (std::size_t edits = 1 + static_cast<std::size_t>(random() % 4); edits != 0; --edits)
+    edit(bytes, inputs, random);
   return bytes;
 }
 
@@ -145,7 +169,13 @@ int replay(Arguments const& arguments) {
   for (std::uint64_t n = 0; n != arguments.mutations; ++n) {
     std::mt19937_64 random(arguments.seed + n);
     std::cout << "--seed " << arguments.seed + n << " --mutations 1" << std::endl;
-    run(mutate(inputs, random));
+    Bytes const mutation = mutate(inputs, random);
+    if (!arguments.last.empty()) {
+      std::ofstream(arguments.last, std::ios::binary)
+          .write(reinterpret_cast<char const*>(mutation.data()),
+                 static_cast<std::streamsize>(mutation.size()));
+    }
+    run(mutation);
   }
   std::cout << inputs.size() << " files and " << arguments.mutations << " mutations replayed\n";
   return 0;
@@ -153,10 +183,19 @@ int replay(Arguments const& arguments) {
 
 }  // namespace
 
+// What mutators call for an edit of some bytes.
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t capacity) {
+  Bytes bytes(data, data + size);
+  edit(bytes, {bytes}, ofMutators);
+  bytes.resize(std::min(bytes.size(), capacity));
+  std::copy(bytes.begin(), bytes.end(), data);
+  return bytes.size();
+}
+
 int main(int argc, char** argv) {
   Arguments arguments;
   if (argc < 1 || !readArguments(argv + 1, arguments)) {
-    std::cerr << "usage: x_fuzz [--mutations N] [--seed S] [FILE_OR_FOLDER]...\n";
+    std::cerr << "usage: x_fuzz [--mutations N] [--seed S] [--last FILE] [FILE_OR_FOLDER]...\n";
     return kWrongUsage;
   }
   try {

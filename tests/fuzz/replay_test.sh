@@ -33,11 +33,12 @@ corpus/deep/b
 expect 77 'bad/b
 <a crash>' bad corpus
 expect 2 'no corpus file found' empty
-usage='usage: x_fuzz [--mutations N] [--seed S] [FILE_OR_FOLDER]...'
+usage='usage: x_fuzz [--mutations N] [--seed S] [--last FILE] [FILE_OR_FOLDER]...'
 expect 2 "$usage" --mutations
 expect 2 "$usage" --mutations -1 corpus
 expect 2 "$usage" --mutations 1x corpus
 expect 2 "$usage" --unknown corpus
+expect 2 "$usage" corpus --last
 
 # Mutations are the same at every run, differ from each other, and each can be repeated alone.
 first=$("$program" --mutations 50 --seed 7 corpus)
@@ -47,4 +48,6 @@ different=$(grep -a '^<' <<<"$first" | sort -u | wc -l)
 third=$(grep -a -A1 '^--seed 9 ' <<<"$first")
 alone=$("$program" --seed 9 --mutations 1 corpus | grep -a -A1 '^--seed 9 ')
 [ "$third" = "$alone" ] || { printf 'seed 9 alone:\n%s\nin a row:\n%s\n' "$alone" "$third"; failures=$((failures + 1)); }
+alone=$("$program" --seed 9 --mutations 1 --last last corpus | grep -a -A1 '^--seed 9 ' | tail -1)
+[ "$alone" = "<$(cat last)>" ] || { echo "the last input is \`$(cat last)\` of $alone"; failures=$((failures + 1)); }
 [ "$failures" -eq 0 ]
