@@ -56,6 +56,25 @@ TEST_F(CheckTest, EveryNumberOfJobsFindsTheSame) {
   EXPECT_EQ(one.out, four.out);
 }
 
+/// The front end does not survive the unclosed bracket of a table, nor a name that two things have.
+TEST_F(CheckTest, OutlivesCompilersThatCrash) {
+  write("lib/wrong.fraglib", kWrong);
+  write("lib/crash.fraglib", R"json({"open": {"language": ["dx11"],
+  "predefine": ["static const float kTable[3"],
+  "implementation": ["void open1(float a, out float result)", "{ result = a; }"]},
+"twice": {"language": ["dx11"],
+  "predefine": ["float3 x;", "float4 x;"],
+  "implementation": ["void twice1(float a, out float result)", "{ result = a; }"]}}
+)json");
+  const CommandRun checked = run("check lib");
+  EXPECT_EQ(checked.status, 1) << checked.err;
+  EXPECT_NE(checked.err.find("lib/crash.fraglib:2:43: error: `[` is not closed"), std::string::npos)
+      << checked.err;
+  EXPECT_NE(checked.err.find("lib/crash.fraglib:6:23: error: the compiler crashes"), std::string::npos)
+      << checked.err;
+  EXPECT_NE(checked.err.find("lib/wrong.fraglib:4:"), std::string::npos) << checked.err;
+}
+
 TEST_F(CheckTest, ErrorIsStatusOne) {
   write("lib/wrong.fraglib", kWrong);
   const CommandRun checked = run("check lib");

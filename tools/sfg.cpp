@@ -4,6 +4,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "sfg/host/compile.h"
 #include "sfg/host/errors.h"
 #include "tools/collapse_options.h"
 #include "tools/command.h"
@@ -127,6 +128,8 @@ void checkStandardOutput() {
 
 int main(int argc, char** argv) {
   tools::Diagnostics diagnostics = tools::Diagnostics::standard();
+  // A compiler that crashes is told as what it is.
+  host::isolateCompilers();
   const int status = runProgram(argc, argv, diagnostics);
   if (status != tools::kDone) return status;
   try {

@@ -52,6 +52,7 @@ public:
         messages_(text_), map_(job, assembled) {}
 
   std::vector<Diagnostic> explain() {
+    if (error_.messages().empty()) return explainSilence();
     ToldMistake told = messages_.describe(error_.messages());
     const SourcePlace& unbalanced = map_.findUnbalanced();
     const bool hasPlace = told.token < messages_.tokens().size();
@@ -71,6 +72,15 @@ public:
   }
 
 private:
+  /// Of a compiler that crashed: brackets are what it is most often about.
+  std::vector<Diagnostic> explainSilence() {
+    const SourcePlace& unbalanced = map_.findUnbalanced();
+    const bool isKnown = unbalanced.kind != Kind::unknown;
+    if (isKnown) tell(unbalanced, wordsOf(unbalanced));
+    add(isKnown ? Severity::note : Severity::error, job_.document().file(), 0, 0, error_.what());
+    return std::move(diagnostics_);
+  }
+
   void add(Severity severity, const std::string& file, std::size_t line, std::size_t column,
            std::string text) {
     const Finding kind = severity == Severity::error ? Finding::compileError : Finding::codeOrigin;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "sfg/host/check.h"
+#include "sfg/host/compile.h"
 #include "sfg/host/errors.h"
 #include "tests/fuzz/fuzz_input.h"
 
@@ -51,6 +52,9 @@ void requirePlace(const host::Diagnostic& found, const Texts& texts) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const FuzzFolder folder(
       {{"a.fraglib", "{}"}, {"tone.h", "float3 tone(float3 c)\n{\n  return c;\n}\n"}});
+  // Crashes of compilers are told, and are not looked for.
+  static const bool isIsolated = host::isolateCompilers({10, std::uint64_t{1} << 30});
+  static_cast<void>(isIsolated);
   const std::string library = folder.file("a.fraglib");
   const Texts texts = textsOf(bytesOf(data, size), {library, "graph.json", "environment.json"});
   host::CheckOptions options;

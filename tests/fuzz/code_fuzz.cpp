@@ -100,6 +100,9 @@ void requirePlaces(const host::Job& job, const host::Shader& shader, const std::
 
 void run(const std::string& library) try {
   static const FuzzFolder folder;
+  // Crashes of compilers are told, and are not looked for.
+  static const bool isIsolated = host::isolateCompilers({10, std::uint64_t{1} << 30});
+  static_cast<void>(isIsolated);
   folder.write("library.fraglib", library);
   host::Job job(host::LibrarySet::load({{folder.path()}, {}}), host::Document::fromText(kGraph, "graph"));
   job.collapse();

@@ -42,4 +42,16 @@ SFG_HOST_API std::string compile(const Shader& shader, ShaderTarget target,
 /// has it: compilers leave out what is not read. Throws as compileToSpirv() does.
 SFG_HOST_API void markUsed(ShaderInterface& shader, const std::vector<std::uint32_t>& spirv);
 
+/// What one compile may use; 0 for no limit.
+struct CompilerLimits {
+  unsigned processorSeconds = 300;
+  std::uint64_t memory = std::uint64_t{4} << 30;  ///< bytes of addresses beyond those that the host has
+};
+
+/// From now on every compileToSpirv(), translateSpirv() and compile() of this process does its work in a copy
+/// of it, so that a compiler that crashes, never ends or eats the memory is a CompileError. Costs a few
+/// milliseconds a compile. The copies are made by `fork`: a host whose threads hold locks that an allocator
+/// of its own needs should leave it. Answers false, and changes nothing, where that cannot be done.
+SFG_HOST_API bool isolateCompilers(const CompilerLimits& limits = {});
+
 }  // namespace TolmSDK::Graphics::sfg::host
