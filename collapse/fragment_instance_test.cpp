@@ -446,14 +446,14 @@ TEST_F(Instances, OfOwnExpressionsAreWrittenWithTheirSources) {
 
 // Shader functions.
 
-constexpr std::wstring_view kCall =
+constexpr std::wstring_view kInstanceCall =
     L"void call(float f, float b, out float r)\n{\nsfg_shader(f, a, b, result, r);\n}";
 
 TEST_F(Instances, RefuseToBeCalledAsExpressions) {
   AShaderFragment* expression = scene.addInline(L"e", L"{{a}} * 2", {L"a"});
   AShaderFragment* source = scene.addFunction(L"s", kOne);
   expression->setInputConnection(std::size_t{0}, source, 0);
-  AShaderFragment* call = scene.addFunction(L"c", kCall);
+  AShaderFragment* call = scene.addFunction(L"c", kInstanceCall);
   call->setInputConnection(L"f", expression, L"result");
   made(source);
   FragmentInstance& instance = made(expression);

@@ -9,12 +9,13 @@ namespace {
 
 using test::TestScene;
 
-constexpr std::wstring_view kAdd = L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
+constexpr std::wstring_view kWalkedAdd =
+    L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
 
 // Graphs that no builder would make.
 
 TEST(Evaluation, EndsOnRandomGraphsWithCycles) {
-  const auto add = test::loadFragment(L"add", test::functionJson(kAdd));
+  const auto add = test::loadFragment(L"add", test::functionJson(kWalkedAdd));
   const auto call = test::loadFragment(
       L"call",
       test::functionJson(L"void call(float f, float b, out float r)\n{\nsfg_shader(f, a, b, result, r);\n}"));
@@ -53,7 +54,7 @@ TEST(Evaluation, EndsOnRandomGraphsWithCycles) {
 }
 
 TEST(Evaluation, SurvivesPortsThatDoNotFitPrototypes) {
-  const auto add = test::loadFragment(L"add", test::functionJson(kAdd));
+  const auto add = test::loadFragment(L"add", test::functionJson(kWalkedAdd));
   const auto call = test::loadFragment(
       L"call",
       test::functionJson(L"void call(float f, float b, out float r)\n{\nsfg_shader(f, a, b, result, r);\n}"));

@@ -15,8 +15,10 @@ namespace {
 
 using test::TestScene;
 
-constexpr std::wstring_view kAdd = L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
-constexpr std::wstring_view kLit = L"void lit(float a, out float result)\n{\nresult = sfg_currentLight.x;\n}";
+constexpr std::wstring_view kContextAdd =
+    L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
+constexpr std::wstring_view kContextLit =
+    L"void lit(float a, out float result)\n{\nresult = sfg_currentLight.x;\n}";
 
 struct Context : ::testing::Test {
   bool initialize() {
@@ -73,16 +75,16 @@ TEST_F(Context, RefusesAnEmptyGraphButTakesTheRest) {
 
 TEST_F(Context, CreatesNothingForOpenOutputs) {
   scene.graph->addOutput(TypeID_float, L"open");
-  AShaderFragment* add = scene.addFunction(L"n0", kAdd);
+  AShaderFragment* add = scene.addFunction(L"n0", kContextAdd);
   EXPECT_TRUE(initialize());
   EXPECT_TRUE(context.setActiveSurfaceProfile(L"default")) << "there is no instance yet";
   EXPECT_FALSE(isCreated(add));
 }
 
 TEST_F(Context, CreatesOneInstancePerFragmentThatIsReached) {
-  AShaderFragment* shared = scene.addFunction(L"n0", kAdd);
-  AShaderFragment* top = scene.addFunction(L"n1", kAdd);
-  AShaderFragment* apart = scene.addFunction(L"n2", kAdd);
+  AShaderFragment* shared = scene.addFunction(L"n0", kContextAdd);
+  AShaderFragment* top = scene.addFunction(L"n1", kContextAdd);
+  AShaderFragment* apart = scene.addFunction(L"n2", kContextAdd);
   top->setInputConnection(L"a", shared, L"result");
   top->setInputConnection(L"b", shared, L"result");
   scene.output(L"x", TypeID_float, top);
@@ -96,8 +98,8 @@ TEST_F(Context, CreatesOneInstancePerFragmentThatIsReached) {
 }
 
 TEST_F(Context, GivesFragmentsOfOneNameOneInstance) {
-  AShaderFragment* first = scene.addFunction(L"same", kAdd);
-  AShaderFragment* second = scene.addFunction(L"same", kLit);
+  AShaderFragment* first = scene.addFunction(L"same", kContextAdd);
+  AShaderFragment* second = scene.addFunction(L"same", kContextLit);
   scene.output(L"x", TypeID_float, first);
   scene.output(L"y", TypeID_float, second);
   EXPECT_TRUE(initialize());
@@ -116,7 +118,7 @@ TEST_F(Context, FindsAFragmentByItsNameAlsoAtTheAddressOfAnother) {
 }
 
 TEST_F(Context, KeepsLightsApartFromSurfaces) {
-  AShaderFragment* lit = scene.addFunction(L"key", kLit);
+  AShaderFragment* lit = scene.addFunction(L"key", kContextLit);
   scene.output(L"x", TypeID_float, lit);
   const auto light = scene.addLight(L"key", test::functionJson(L"void key(out L result)\n{\n}"));
   EXPECT_TRUE(initialize());
@@ -136,8 +138,8 @@ TEST_F(Context, FailsForANullLight) {
 }
 
 TEST_F(Context, CreatesEveryInstanceOfACycle) {
-  AShaderFragment* a = scene.addFunction(L"a", kAdd);
-  AShaderFragment* b = scene.addFunction(L"b", kAdd);
+  AShaderFragment* a = scene.addFunction(L"a", kContextAdd);
+  AShaderFragment* b = scene.addFunction(L"b", kContextAdd);
   a->setInputConnection(L"a", b, L"result");
   b->setInputConnection(L"a", a, L"result");
   scene.output(L"x", TypeID_float, a);
@@ -147,11 +149,11 @@ TEST_F(Context, CreatesEveryInstanceOfACycle) {
 }
 
 TEST_F(Context, AsksSurfacesOnlyWhetherTheyNeedTheLight) {
-  const auto light = scene.addLight(L"key", test::functionJson(kLit));
+  const auto light = scene.addLight(L"key", test::functionJson(kContextLit));
   EXPECT_TRUE(initialize());
   EXPECT_TRUE(context.getLightFragmentInstance(light.get()).requiresCurrentLight());
   EXPECT_FALSE(context.requiresCurrentLight());
-  AShaderFragment* lit = scene.addFunction(L"n0", kLit);
+  AShaderFragment* lit = scene.addFunction(L"n0", kContextLit);
   context.getFragmentInstance(lit).create(context, scene.language.get(), lit);
   EXPECT_TRUE(context.requiresCurrentLight());
 }
@@ -220,8 +222,8 @@ TEST_F(Context, TakesTheProfilesNearestToTheLevelOfDetailNow) {
 }
 
 TEST_F(Context, CanBeInitialisedAgain) {
-  AShaderFragment* source = scene.addFunction(L"n0", kAdd);
-  AShaderFragment* top = scene.addFunction(L"n1", kAdd);
+  AShaderFragment* source = scene.addFunction(L"n0", kContextAdd);
+  AShaderFragment* top = scene.addFunction(L"n1", kContextAdd);
   top->setInputConnection(L"a", source, L"result");
   scene.output(L"x", TypeID_float, top);
   EXPECT_TRUE(initialize());
@@ -235,7 +237,7 @@ TEST_F(Context, CanBeInitialisedAgain) {
 TEST_F(Context, KnowsManyInstancesByName) {
   std::vector<AShaderFragment*> fragments;
   for (int i = 0; i < 100; ++i) {
-    fragments.push_back(scene.addFunction(formatted(L"n%i", i).c_str(), kAdd));
+    fragments.push_back(scene.addFunction(formatted(L"n%i", i).c_str(), kContextAdd));
     scene.output(fragments.back()->instanceName(), TypeID_float, fragments.back());
   }
   EXPECT_TRUE(initialize());

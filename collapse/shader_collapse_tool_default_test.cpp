@@ -12,7 +12,7 @@ using test::collapseWith;
 using test::TestScene;
 
 constexpr std::wstring_view kScale = L"void scale(float a, float k, out float result)\n{\nresult = a * k;\n}";
-constexpr std::wstring_view kAdd = L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
+constexpr std::wstring_view kSum = L"void add(float a, float b, out float result)\n{\nresult = a + b;\n}";
 constexpr std::wstring_view kOne = L"void one(out float result)\n{\nresult = 1.0;\n}";
 constexpr std::wstring_view kSplit =
     L"void split(float2 v, out float x, out float y, out float sum)\n{\nx = v.x;\n}";
@@ -21,7 +21,7 @@ TEST(DefaultCollapse, WritesSourcesInFrontOfTheirConsumer) {
   TestScene scene;
   scene.graph->addInput(TypeID_float, L"x");
   AShaderFragment* inner = scene.addFunction(L"n0", kScale);
-  AShaderFragment* outer = scene.addFunction(L"n1", kAdd);
+  AShaderFragment* outer = scene.addFunction(L"n1", kSum);
   ASSERT_TRUE(inner->setInputConnection(L"a", L"x"));
   ASSERT_TRUE(outer->setInputConnection(L"a", inner, L"result"));
   scene.output(L"color", TypeID_float, outer);
@@ -60,7 +60,7 @@ uniforms: float/kn0 float/bn1
 TEST(DefaultCollapse, WritesASharedNodeOnce) {
   TestScene scene;
   AShaderFragment* one = scene.addFunction(L"n0", kOne);
-  AShaderFragment* twice = scene.addFunction(L"n1", kAdd);
+  AShaderFragment* twice = scene.addFunction(L"n1", kSum);
   twice->setInputConnection(L"a", one, L"result");
   twice->setInputConnection(L"b", one, L"result");
   scene.output(L"color", TypeID_float, twice);
@@ -274,7 +274,7 @@ uniforms: float/bn2
 // Outputs that the evaluation is not given.
 
 /// The body of the collapsed function.
-std::string bodyOf(const std::string& text) {
+std::string defaultBody(const std::string& text) {
   const std::size_t at = text.find("{\n", text.find("void CollapsedFunction"));
   return at != std::string::npos ? text.substr(at) : text;
 }
@@ -293,7 +293,7 @@ TEST(DefaultCollapse, AssignsAnExpressionToEveryOutputItFeeds) {
   half->setInputConnection(L"a", one, L"result");
   scene.output(L"x", TypeID_float, half);
   scene.output(L"y", TypeID_float, half);
-  EXPECT_EQ(bodyOf(collapseDefault(scene)), R"({
+  EXPECT_EQ(defaultBody(collapseDefault(scene)), R"({
     float result_n0_01;
     one1(
         result_n0_01);
@@ -329,7 +329,7 @@ TEST(DefaultCollapse, AssignsGraphOutputsOfOneFragmentOutputFromTheLastOfThem) {
   scene.output(L"c", TypeID_float, split, 0);
   scene.output(L"d", TypeID_float, split, 2);
   scene.output(L"e", TypeID_float, split, 0);
-  EXPECT_EQ(bodyOf(collapseDefault(scene)), R"({
+  EXPECT_EQ(defaultBody(collapseDefault(scene)), R"({
     float result_n0_11;
     split1(
         vn0,
@@ -870,8 +870,8 @@ TEST(DefaultCollapse, RefusesAFragmentOfAnotherLanguage) {
 
 TEST(DefaultCollapse, RefusesAGraphWiredIntoACycle) {
   TestScene scene;
-  AShaderFragment* a = scene.addFunction(L"n0", kAdd);
-  AShaderFragment* b = scene.addFunction(L"n1", kAdd);
+  AShaderFragment* a = scene.addFunction(L"n0", kSum);
+  AShaderFragment* b = scene.addFunction(L"n1", kSum);
   a->setInputConnection(L"a", b, L"result");
   b->setInputConnection(L"b", a, L"result");
   scene.output(L"color", TypeID_float, a);

@@ -22,7 +22,7 @@ namespace {
 using TolmSDK::test::LogCapture;
 using TolmSDK::test::messageOf;
 
-const UString kDx11(L"dx11");
+const UString kLanguage(L"dx11");
 
 /// A folder of library files that lasts as long as the test.
 class LibraryFolder : public ::testing::Test {
@@ -158,14 +158,14 @@ TEST_F(FragmentFromCode, HasOneMetaSLProfile) {
   ASSERT_NE(profile, nullptr);
   EXPECT_EQ(profile->getLOD(), 100.0f);
   EXPECT_EQ(profile->getProfilename(), L"default");
-  EXPECT_EQ(profile->languages(), (Set<UString>{kDx11}));
+  EXPECT_EQ(profile->languages(), (Set<UString>{kLanguage}));
   EXPECT_EQ(profile->getFunctionName(), L"f");
   EXPECT_EQ(profile->getFunctionParameters()->getNumInputs(), 1u);
   EXPECT_EQ(profile->getFunctionParameters()->getNumOutputs(), 1u);
   EXPECT_EQ(profile->getFunctionBody(), L"r = a * sfg_isConnected(a);");
   EXPECT_EQ(profile->getBodyBuiltinFunctions().size(), 1u);
   for (const float lod : {-1.0f, 0.0f, 100.0f, 1e9f})
-    EXPECT_EQ(fragment->findBestProfile(L"default", kDx11, lod), profile);
+    EXPECT_EQ(fragment->findBestProfile(L"default", kLanguage, lod), profile);
 }
 
 TEST_F(FragmentFromCode, RequiresMetaSLStateAndTheViewProjection) {

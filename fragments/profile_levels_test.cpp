@@ -14,12 +14,12 @@
 namespace TolmSDK::Graphics::sfg {
 namespace {
 
-const UString kDx11(L"dx11");
+const UString kLevelsLanguage(L"dx11");
 
 RefPtr<AShaderFragmentProfileFunction> makeLevel(float level) {
   auto profile = makeRef<AShaderFragmentProfileFunction>();
   profile->setProfilename(L"default");
-  profile->languages().insert(kDx11);
+  profile->languages().insert(kLevelsLanguage);
   profile->setLOD(level);
   return profile;
 }
@@ -34,7 +34,7 @@ struct Levels {
     fragment->registerProfile(profiles.back().get());
   }
   const IShaderFragmentProfile* find(float level) const {
-    return fragment->findBestProfile(L"default", kDx11, level);
+    return fragment->findBestProfile(L"default", kLevelsLanguage, level);
   }
   const IShaderFragmentProfile* expected(float level) const {
     const IShaderFragmentProfile* best = profiles.front().get();
@@ -85,7 +85,7 @@ TEST(ProfileLevels, FollowProfilesThatAreAdded) {
   const RefPtr<IShaderFragment> clone(levels.fragment->clone(L"clone"));
   levels.add(0.0f);
   EXPECT_EQ(levels.find(0.0f), levels.profiles[40].get());
-  EXPECT_EQ(clone->findBestProfile(L"default", kDx11, 0.0f), levels.profiles[39].get());
+  EXPECT_EQ(clone->findBestProfile(L"default", kLevelsLanguage, 0.0f), levels.profiles[39].get());
 }
 
 /// A level of a host's own, which changes by itself.
@@ -102,7 +102,7 @@ TEST(ProfileLevels, OfAHostsOwnClassAreAskedEachTime) {
   for (int i = 0; i < 40; ++i) levels.add(100.0f);
   const auto rising = makeRef<RisingLevel>();
   rising->setProfilename(L"default");
-  rising->languages().insert(kDx11);
+  rising->languages().insert(kLevelsLanguage);
   levels.fragment->registerProfile(rising.get());
   // Its level is the number of the look-up, which is nearer to 51 than the others' from 3 on up to 99.
   for (int i = 1; i <= 150; ++i) {

@@ -16,10 +16,10 @@ namespace {
 
 using test::TestLanguage;
 
-constexpr std::size_t k0 = 0;
-constexpr std::size_t k1 = 1;
+constexpr std::size_t kFirst = 0;
+constexpr std::size_t kSecond = 1;
 
-RefPtr<AShaderFragment> makeFragment(std::size_t inputs, std::size_t outputs, TypeID type = TypeID_float) {
+RefPtr<AShaderFragment> makeNode(std::size_t inputs, std::size_t outputs, TypeID type = TypeID_float) {
   auto fragment = makeRef<AShaderFragment>();
   for (std::size_t i = 0; i < inputs; ++i) fragment->addInput(type, L"in" + itos(static_cast<int>(i)));
   for (std::size_t i = 0; i < outputs; ++i) fragment->addOutput(type, L"out" + itos(static_cast<int>(i)));
@@ -107,7 +107,7 @@ TEST(ShaderFragmentGraph, HasPortsAndUniforms) {
 TEST(ShaderFragmentGraph, TakesFragmentsThatBelongToNoGraph) {
   const auto graph = makeRef<AShaderFragmentGraph>();
   const auto other = makeRef<AShaderFragmentGraph>();
-  const auto fragment = makeFragment(0, 0);
+  const auto fragment = makeNode(0, 0);
   other->addFragment(fragment.get());
   graph->addFragment(fragment.get());
   EXPECT_EQ(graph->getNumFragments(), 0u);
@@ -139,7 +139,7 @@ TEST(ShaderFragmentGraph, KeepsTheOrderOfMembers) {
   const auto graph = makeRef<AShaderFragmentGraph>();
   RefPtr<AShaderFragment> members[4];
   for (auto& member : members) {
-    member = makeFragment(0, 0);
+    member = makeNode(0, 0);
     graph->addFragment(member.get());
   }
   EXPECT_EQ(graph->findFragment(members[2].get()), 2u);
@@ -155,13 +155,13 @@ TEST(ShaderFragmentGraph, KeepsTheOrderOfMembers) {
 
 TEST(ShaderFragmentGraph, LeavesConnectionsOfRemovedMembers) {
   const auto graph = makeRef<AShaderFragmentGraph>();
-  const auto source = makeFragment(0, 1);
-  const auto target = makeFragment(1, 1);
+  const auto source = makeNode(0, 1);
+  const auto target = makeNode(1, 1);
   graph->addFragment(source.get());
   graph->addFragment(target.get());
   graph->addOutput(TypeID_float, L"o");
-  ASSERT_TRUE(target->setInputConnection(k0, source.get(), k0));
-  ASSERT_TRUE(graph->setOutputConnection(k0, source.get(), k0));
+  ASSERT_TRUE(target->setInputConnection(kFirst, source.get(), kFirst));
+  ASSERT_TRUE(graph->setOutputConnection(kFirst, source.get(), kFirst));
   graph->removeFragment(source.get());
   EXPECT_EQ(target->getInputConnections()[0].fragment, source.get());
   EXPECT_EQ(graph->getOutputConnections()[0].fragment, source.get());
@@ -169,7 +169,7 @@ TEST(ShaderFragmentGraph, LeavesConnectionsOfRemovedMembers) {
 
 TEST(ShaderFragmentGraph, StaysNonConsolidatable) {
   const auto graph = makeRef<AShaderFragmentGraph>();
-  const auto fragment = makeFragment(0, 0);
+  const auto fragment = makeNode(0, 0);
   fragment->SetNonConsolidatable();
   graph->addFragment(fragment.get());
   EXPECT_FALSE(graph->isConsolidatable());
@@ -178,8 +178,8 @@ TEST(ShaderFragmentGraph, StaysNonConsolidatable) {
 }
 
 TEST(ShaderFragmentGraph, LetsMembersGoWhenItDies) {
-  const auto fragment = makeFragment(0, 0);
-  const auto chained = makeFragment(0, 0);
+  const auto fragment = makeNode(0, 0);
+  const auto chained = makeNode(0, 0);
   {
     const auto graph = makeRef<AShaderFragmentGraph>();
     graph->addFragment(fragment.get());
@@ -237,7 +237,7 @@ TEST(ShaderFragmentGraph, FindsAFragmentOnlyOnceItHasToldIt) {
   const auto graph = makeRef<AShaderFragmentGraph>();
   const auto fragment = makeRef<AskingFragment>();
   fragment->asked = graph.get();
-  graph->addFragment(makeFragment(0, 0).get());
+  graph->addFragment(makeNode(0, 0).get());
   graph->addFragment(fragment.get());
   EXPECT_EQ(fragment->places, std::vector<std::size_t>{kNotFound});
   EXPECT_EQ(graph->findFragment(fragment.get()), 1u);
@@ -282,7 +282,7 @@ TEST(ShaderFragmentGraph, TakesAFragmentOnceThatAddsItself) {
   graph->addFragment(fragment.get());
   EXPECT_EQ(graph->getNumFragments(), 1u);
   EXPECT_EQ(graph->findFragment(fragment.get()), 0u);
-  graph->addFragment(makeFragment(0, 0).get());
+  graph->addFragment(makeNode(0, 0).get());
   graph->removeFragment(fragment.get());
   EXPECT_EQ(graph->getNumFragments(), 1u);
   EXPECT_EQ(graph->findFragment(fragment.get()), kNotFound);
@@ -319,17 +319,17 @@ TEST(ShaderFragmentGraph, TakesManyMembersInLinearTime) {
 
 TEST(ShaderFragmentGraph, ConnectsOutputsToMembers) {
   const auto graph = makeRef<AShaderFragmentGraph>();
-  const auto member = makeFragment(0, 2, TypeID_sampler2D);
-  const auto stranger = makeFragment(0, 2);
+  const auto member = makeNode(0, 2, TypeID_sampler2D);
+  const auto stranger = makeNode(0, 2);
   graph->addFragment(member.get());
   graph->addOutput(TypeID_float, L"a");
   graph->addOutput(TypeID_float, L"b");
 
-  EXPECT_TRUE(graph->setOutputConnection(k1, member.get(), k1));  // types are not compared
-  EXPECT_FALSE(graph->setOutputConnection(k0, stranger.get(), k0));
-  EXPECT_FALSE(graph->setOutputConnection(k0, nullptr, k0));
-  EXPECT_FALSE(graph->setOutputConnection(k0, member.get(), std::size_t{2}));
-  EXPECT_FALSE(graph->setOutputConnection(std::size_t{2}, member.get(), k0));
+  EXPECT_TRUE(graph->setOutputConnection(kSecond, member.get(), kSecond));  // types are not compared
+  EXPECT_FALSE(graph->setOutputConnection(kFirst, stranger.get(), kFirst));
+  EXPECT_FALSE(graph->setOutputConnection(kFirst, nullptr, kFirst));
+  EXPECT_FALSE(graph->setOutputConnection(kFirst, member.get(), std::size_t{2}));
+  EXPECT_FALSE(graph->setOutputConnection(std::size_t{2}, member.get(), kFirst));
   EXPECT_EQ(graph->getOutputConnections()[0], ShaderFragmentConnection());
   EXPECT_EQ(graph->getOutputConnections()[1], (ShaderFragmentConnection{member.get(), 1}));
 
@@ -344,8 +344,8 @@ TEST(ShaderFragmentGraph, ConnectsOutputsToMembers) {
 
 TEST(ShaderFragmentGraph, KnowsWhatFeedsAnOutputOfIt) {
   const auto graph = makeRef<AShaderFragmentGraph>();
-  const auto member = makeFragment(0, 2);
-  const auto other = makeFragment(0, 1);
+  const auto member = makeNode(0, 2);
+  const auto other = makeNode(0, 1);
   graph->addFragment(member.get());
   graph->addFragment(other.get());
   graph->addOutput(TypeID_float, L"a");
@@ -353,16 +353,16 @@ TEST(ShaderFragmentGraph, KnowsWhatFeedsAnOutputOfIt) {
   EXPECT_FALSE(graph->isFinalOutput(member.get(), 0));
   EXPECT_FALSE(graph->isFinalOutput(nullptr, kNotFound));  // what an unconnected output holds
 
-  graph->setOutputConnection(k0, member.get(), k1);
-  graph->setOutputConnection(k1, member.get(), k1);
+  graph->setOutputConnection(kFirst, member.get(), kSecond);
+  graph->setOutputConnection(kSecond, member.get(), kSecond);
   EXPECT_TRUE(graph->isFinalOutput(member.get(), 1));
   EXPECT_FALSE(graph->isFinalOutput(member.get(), 0));
   EXPECT_FALSE(graph->isFinalOutput(other.get(), 0));
 
-  graph->setOutputConnection(k0, other.get(), k0);
+  graph->setOutputConnection(kFirst, other.get(), kFirst);
   EXPECT_TRUE(graph->isFinalOutput(member.get(), 1));
   EXPECT_TRUE(graph->isFinalOutput(other.get(), 0));
-  graph->setOutputConnection(k1, other.get(), k0);
+  graph->setOutputConnection(kSecond, other.get(), kFirst);
   EXPECT_FALSE(graph->isFinalOutput(member.get(), 1));
   EXPECT_TRUE(graph->isFinalOutput(other.get(), 0));
 }
@@ -371,8 +371,8 @@ TEST(ShaderFragmentGraph, KnowsWhatFeedsAnOutputOfIt) {
 
 TEST(ShaderFragmentGraph, KeepsPreprocessFragmentsInOrder) {
   const auto graph = makeRef<AShaderFragmentGraph>();
-  const auto a = makeFragment(0, 1);
-  const auto b = makeFragment(2, 0);
+  const auto a = makeNode(0, 1);
+  const auto b = makeNode(2, 0);
   graph->addPreprocessFragment(nullptr);
   EXPECT_EQ(graph->getNumPreprocessFragment(), 0u);
   graph->addPreprocessFragment(a.get());
@@ -389,8 +389,8 @@ TEST(ShaderFragmentGraph, KeepsPreprocessFragmentsInOrder) {
 
 TEST(ShaderFragmentGraph, AppendsPostprocessFragmentsThatFitTheLast) {
   const auto graph = makeRef<AShaderFragmentGraph>();
-  const auto oneToTwo = makeFragment(1, 2);
-  const auto twoToOne = makeFragment(2, 1);
+  const auto oneToTwo = makeNode(1, 2);
+  const auto twoToOne = makeNode(2, 1);
   EXPECT_FALSE(graph->addPostprocessFragment(nullptr));
   EXPECT_TRUE(graph->addPostprocessFragment(oneToTwo.get()));
   EXPECT_FALSE(graph->addPostprocessFragment(oneToTwo.get()));
@@ -411,9 +411,9 @@ TEST(ShaderFragmentGraph, AppendsPostprocessFragmentsThatFitTheLast) {
 
 TEST(ShaderFragmentGraph, TestsAnInsertedFragmentAgainstTheElementAfterTheNext) {
   // A takes 1, B takes 2, C takes 3; each produces what the next takes.
-  const auto a = makeFragment(1, 2);
-  const auto b = makeFragment(2, 3);
-  const auto c = makeFragment(3, 1);
+  const auto a = makeNode(1, 2);
+  const auto b = makeNode(2, 3);
+  const auto c = makeNode(3, 1);
   const struct {
     std::size_t index;
     std::size_t inputs;
@@ -431,7 +431,7 @@ TEST(ShaderFragmentGraph, TestsAnInsertedFragmentAgainstTheElementAfterTheNext) 
   for (const auto& test : cases) {
     const auto graph = makeRef<AShaderFragmentGraph>();
     for (const auto* member : {&a, &b, &c}) ASSERT_TRUE(graph->addPostprocessFragment(member->get()));
-    const auto inserted = makeFragment(test.inputs, test.outputs);
+    const auto inserted = makeNode(test.inputs, test.outputs);
     EXPECT_EQ(graph->insertPostprocessFragment(test.index, inserted.get()), test.expected)
         << test.index << ' ' << test.inputs << ' ' << test.outputs;
     ASSERT_EQ(graph->getNumPostprocessFragments(), test.expected ? 4u : 3u);
@@ -444,27 +444,27 @@ TEST(ShaderFragmentGraph, TestsAnInsertedFragmentAgainstTheElementAfterTheNext) 
 
 TEST(IsFragmentCompatible, AllowsMoreOutputsThanInputs) {
   const auto graph = makeRef<AShaderFragmentGraph>();
-  const auto none = makeFragment(0, 0);
+  const auto none = makeNode(0, 0);
   EXPECT_TRUE(isFragmentCompatible(graph.get(), none.get()));
   EXPECT_TRUE(canConnect(graph.get(), none.get()));
   for (const wchar_t* name : {L"a", L"b", L"c"}) graph->addOutput(TypeID_float, name);
 
-  const auto two = makeFragment(2, 0);
+  const auto two = makeNode(2, 0);
   EXPECT_TRUE(isFragmentCompatible(graph.get(), two.get()));
   EXPECT_FALSE(canConnect(graph.get(), two.get()));
   EXPECT_TRUE(isFragmentCompatible(graph.get(), none.get()));
   EXPECT_FALSE(canConnect(graph.get(), none.get()));
-  EXPECT_TRUE(canConnect(graph.get(), makeFragment(3, 0).get()));
-  EXPECT_FALSE(isFragmentCompatible(graph.get(), makeFragment(4, 0).get()));
-  EXPECT_FALSE(isFragmentCompatible(graph.get(), makeFragment(2, 0, TypeID_fvec3).get()));
-  EXPECT_FALSE(canConnect(graph.get(), makeFragment(3, 0, TypeID_fvec3).get()));
+  EXPECT_TRUE(canConnect(graph.get(), makeNode(3, 0).get()));
+  EXPECT_FALSE(isFragmentCompatible(graph.get(), makeNode(4, 0).get()));
+  EXPECT_FALSE(isFragmentCompatible(graph.get(), makeNode(2, 0, TypeID_fvec3).get()));
+  EXPECT_FALSE(canConnect(graph.get(), makeNode(3, 0, TypeID_fvec3).get()));
 
   const auto holed = makeRef<AShaderFragment>();
   holed->addInput(static_cast<const AParameter*>(nullptr));
   EXPECT_FALSE(isFragmentCompatible(graph.get(), holed.get()));
   const auto withoutOutput = makeRef<AShaderFragmentGraph>();
   withoutOutput->addOutput(static_cast<const AParameter*>(nullptr));
-  EXPECT_FALSE(isFragmentCompatible(withoutOutput.get(), makeFragment(1, 0).get()));
+  EXPECT_FALSE(isFragmentCompatible(withoutOutput.get(), makeNode(1, 0).get()));
 }
 
 }  // namespace

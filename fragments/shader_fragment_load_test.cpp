@@ -20,7 +20,7 @@ namespace {
 using TolmSDK::test::messageOf;
 using TolmSDK::test::parseJson;
 
-const UString kDx11(L"dx11");
+const UString kLoadedLanguage(L"dx11");
 
 RefPtr<AShaderFragment> loaded(std::wstring_view text) {
   const auto fragment = makeRef<AShaderFragment>();
@@ -51,7 +51,7 @@ TEST(FragmentLoad, ReadsTheObjectItselfAsItsOneProfile) {
   const auto fragment = loaded(kOneProfile);
   ASSERT_EQ(fragment->getNumProfiles(), 1u);
   EXPECT_EQ(fragment->getProfile(0)->getProfilename(), L"p");
-  EXPECT_EQ(fragment->findBestProfile(L"p", kDx11, 0.0f), fragment->getProfile(0));
+  EXPECT_EQ(fragment->findBestProfile(L"p", kLoadedLanguage, 0.0f), fragment->getProfile(0));
   EXPECT_EQ(fragment->getNumInputs(), 0u);  // ports come from elsewhere
   EXPECT_EQ(fragment->getNumUniforms(), 0u);
 }
@@ -179,7 +179,7 @@ TEST(FragmentLoad, ReplacesWhatTheFragmentHeld) {
   ASSERT_TRUE(fragment->load(node.get()));
   ASSERT_EQ(fragment->getNumProfiles(), 1u);
   EXPECT_EQ(fragment->getProfile(0)->getProfilename(), L"q");
-  EXPECT_EQ(fragment->findBestProfile(L"p", kDx11, 0.0f), nullptr);
+  EXPECT_EQ(fragment->findBestProfile(L"p", kLoadedLanguage, 0.0f), nullptr);
   EXPECT_NE(fragment->getHashString(), hash);
   EXPECT_EQ(fragment->getHashString().size(), hash.size());
 }

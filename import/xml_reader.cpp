@@ -16,7 +16,7 @@ namespace TolmSDK::Graphics::sfg::materialx {
 
 namespace {
 
-constexpr int kDeepest = 256;
+constexpr int kDeepestElement = 256;
 constexpr std::size_t kMostFiles = 10'000;
 
 /// Reads one file and those that it includes, which wait in a list.
@@ -130,7 +130,7 @@ private:
         parent->children.pop_back();
         waiting_.push_back(
             {&element, std::string(element.attribute("href")), folder, element.scope->nameSpace});
-      } else if (node.first_child() && depth < kDeepest) {
+      } else if (node.first_child() && depth < kDeepestElement) {
         nodes_.push_back(node);
         parent = &element;
         node = node.first_child();

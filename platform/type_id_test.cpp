@@ -10,7 +10,7 @@
 namespace TolmSDK::Graphics {
 namespace {
 
-struct Row {
+struct TypeRow {
   TypeID type;
   const wchar_t* traitsName;
   const wchar_t* shaderName;
@@ -18,7 +18,7 @@ struct Row {
   std::size_t components;
 };
 
-const Row kRows[] = {
+const TypeRow kTypeRows[] = {
     {TypeID_nil, L"nil", L"void", L"", 0},
     {TypeID_bool, L"bool", L"bool", L"false", 1},
     {TypeID_int, L"int", L"int", L"0", 1},
@@ -45,7 +45,7 @@ const Row kRows[] = {
 };
 
 TEST(TypeID, EveryTypeHasItsNamesComponentsAndDefault) {
-  for (const Row& row : kRows) {
+  for (const TypeRow& row : kTypeRows) {
     EXPECT_EQ(ITypeTraits::getTypeName(row.type), row.traitsName);
     EXPECT_EQ(row.type.toString(), row.shaderName);
     EXPECT_EQ(toShaderText(AValue(row.type)), row.defaultText);
@@ -54,7 +54,7 @@ TEST(TypeID, EveryTypeHasItsNamesComponentsAndDefault) {
 }
 
 TEST(TypeID, EitherNameFindsTheType) {
-  for (const Row& row : kRows) {
+  for (const TypeRow& row : kTypeRows) {
     EXPECT_EQ(ITypeTraits::findType(row.traitsName), row.type) << toUtf8(row.traitsName);
     EXPECT_EQ(ITypeTraits::findType(row.shaderName), row.type) << toUtf8(row.shaderName);
   }
@@ -66,14 +66,15 @@ TEST(TypeID, EitherNameFindsTheType) {
 
 TEST(TypeID, AllTypesAreTheTableWithoutNilInOrder) {
   const auto types = allTypes();
-  ASSERT_EQ(types.size() + 1, std::size(kRows));
-  for (std::size_t index = 0; index < types.size(); ++index) EXPECT_EQ(types[index], kRows[index + 1].type);
+  ASSERT_EQ(types.size() + 1, std::size(kTypeRows));
+  for (std::size_t index = 0; index < types.size(); ++index)
+    EXPECT_EQ(types[index], kTypeRows[index + 1].type);
 }
 
 TEST(TypeID, TypesAreDistinctAndOrderedByTheirWords) {
   std::set<TypeID> types;
-  for (const Row& row : kRows) types.insert(row.type);
-  EXPECT_EQ(types.size(), std::size(kRows));
+  for (const TypeRow& row : kTypeRows) types.insert(row.type);
+  EXPECT_EQ(types.size(), std::size(kTypeRows));
   EXPECT_LT(TypeID(1, 9, 9, 9), TypeID(2, 0, 0, 0));
   EXPECT_LT(TypeID(1, 1, 0, 9), TypeID(1, 1, 1, 0));
   EXPECT_LT(TypeID(1, 1, 1, 0), TypeID(1, 1, 1, 1));
@@ -82,8 +83,8 @@ TEST(TypeID, TypesAreDistinctAndOrderedByTheirWords) {
 }
 
 TEST(TypeID, CompatibleMeansEqual) {
-  for (const Row& from : kRows) {
-    for (const Row& to : kRows) EXPECT_EQ(TypeID::isCompatibleType(from.type, to.type), &from == &to);
+  for (const TypeRow& from : kTypeRows) {
+    for (const TypeRow& to : kTypeRows) EXPECT_EQ(TypeID::isCompatibleType(from.type, to.type), &from == &to);
   }
 }
 
@@ -99,7 +100,7 @@ TEST(TypeID, UnknownIdentityHasNoNameAndNoComponents) {
 }
 
 TEST(TypeID, SamplersAreTheSamplerTypes) {
-  for (const Row& row : kRows) {
+  for (const TypeRow& row : kTypeRows) {
     EXPECT_EQ(isSamplerType(row.type), std::wstring_view(row.traitsName).starts_with(L"sampler"));
   }
 }

@@ -301,11 +301,12 @@ TEST(TemporariesOfRandomTexts, AreThoseOfTheLiteralWalk) {
 
 // Light-and-shadow blocks.
 
-const std::wstring kBegin = L"TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN";
-const std::wstring kEnd = L"TOLM_VESSOR_LIGHT_AND_SHADOW_END";
+const std::wstring kLightsBegin = L"TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN";
+const std::wstring kLightsEnd = L"TOLM_VESSOR_LIGHT_AND_SHADOW_END";
 
 TEST(TemporariesInLightBlocks, StandInTheBlockOfTheirCopy) {
-  EXPECT_EQ(makeCaller().expanded(L"<B>" + kBegin + L"<A>TOLM_SCENE_LIGHTING(p);<A>" + kEnd + L"<A><B>", 2),
+  EXPECT_EQ(makeCaller().expanded(
+                L"<B>" + kLightsBegin + L"<A>TOLM_SCENE_LIGHTING(p);<A>" + kLightsEnd + L"<A><B>", 2),
             L"float b_temp;\ng(b_temp);"
             L"\n    {float a_temp;\nf(x, a_temp);TolmSceneLighting0(p);float a_temp2;\nf(x, a_temp2);}\n"
             L"\n    {float a_temp;\nf(x, a_temp);TolmSceneLighting1(p);float a_temp2;\nf(x, a_temp2);}\n"
@@ -313,7 +314,7 @@ TEST(TemporariesInLightBlocks, StandInTheBlockOfTheirCopy) {
 }
 
 TEST(TemporariesInLightBlocks, DisappearWithTheBlock) {
-  EXPECT_EQ(makeCaller().expanded(L"<A>" + kBegin + L"<A>" + kEnd + L"<A>", 0),
+  EXPECT_EQ(makeCaller().expanded(L"<A>" + kLightsBegin + L"<A>" + kLightsEnd + L"<A>", 0),
             L"float a_temp;\nf(x, a_temp);float a_temp2;\nf(x, a_temp2);");
 }
 
@@ -321,25 +322,25 @@ TEST(TemporariesInLightBlocks, MoveWithTheLightingFunctionInTheirCall) {
   Caller caller;
   caller.use(L"<A>", {L"r_TOLM_SCENE_LIGHTING_temp"},
              L"f(TOLM_SCENE_LIGHTING(), r_TOLM_SCENE_LIGHTING_temp);");
-  EXPECT_EQ(caller.expanded(kBegin + L"<A><A>" + kEnd, 1),
+  EXPECT_EQ(caller.expanded(kLightsBegin + L"<A><A>" + kLightsEnd, 1),
             L"\n    {float r_TolmSceneLighting0_temp;\nf(TolmSceneLighting0(), r_TolmSceneLighting0_temp);"
             L"float r_TolmSceneLighting0_temp2;\nf(TolmSceneLighting0(), r_TolmSceneLighting0_temp2);}\n");
 }
 
 TEST(TemporariesInLightBlocks, FollowTheBracesAndCommentsOfTheCopies) {
   // The copies close their own braces, so the second one stands where the first did.
-  EXPECT_EQ(makeCaller().expanded(kBegin + L"}<A>{" + kEnd, 2),
+  EXPECT_EQ(makeCaller().expanded(kLightsBegin + L"}<A>{" + kLightsEnd, 2),
             L"\n    {}float a_temp;\nf(x, a_temp);{}\n\n    {}float a_temp2;\nf(x, a_temp2);{}\n");
   // The line feed in front of a copy ends the comment that its marker stands in.
-  EXPECT_EQ(makeCaller().expanded(L"//" + kBegin + L"<A>/*<A>" + kEnd, 2),
+  EXPECT_EQ(makeCaller().expanded(L"//" + kLightsBegin + L"<A>/*<A>" + kLightsEnd, 2),
             L"//\n    {float a_temp;\nf(x, a_temp);/*float a_temp;\nf(x, a_temp);}\n"
             L"\n    {float a_temp;\nf(x, a_temp);/*float a_temp;\nf(x, a_temp);}\n");
 }
 
 TEST(TemporariesInLightBlocks, MayBeCutByAMarkerInTheirCall) {
   Caller caller;
-  caller.use(L"<A>", {L"a_temp"}, (L"f(" + kBegin + L", a_temp);").c_str());
-  EXPECT_EQ(caller.expanded(L"<A>" + kEnd + L"<A>" + kEnd, 2),
+  caller.use(L"<A>", {L"a_temp"}, (L"f(" + kLightsBegin + L", a_temp);").c_str());
+  EXPECT_EQ(caller.expanded(L"<A>" + kLightsEnd + L"<A>" + kLightsEnd, 2),
             L"float a_temp;\nf(\n    {, a_temp);}\n\n    {, a_temp);}\n"
             L"float a_temp2;\nf(\n    {, a_temp2);}\n\n    {, a_temp2);}\n");
 }

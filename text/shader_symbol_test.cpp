@@ -293,7 +293,7 @@ struct Body {
   std::vector<std::wstring> shaders;
 };
 
-std::vector<std::wstring> calls(const Array<BuiltinFunction>& functions) {
+std::vector<std::wstring> callTexts(const Array<BuiltinFunction>& functions) {
   std::vector<std::wstring> result;
   for (const BuiltinFunction& f : functions) result.emplace_back(f.range.view());
   return result;
@@ -338,8 +338,8 @@ TEST(ParseKeywords, CollectsStateVariablesAndBuiltinCalls) {
       std::vector<std::wstring> variables;
       for (const UString& v : symbol.getStateVariables()) variables.emplace_back(v.view());
       EXPECT_EQ(variables, body.stateVariables);
-      EXPECT_EQ(calls(symbol.getBuiltinFunctions()), body.builtins);
-      EXPECT_EQ(calls(symbol.getShaderFunctions()), body.shaders);
+      EXPECT_EQ(callTexts(symbol.getBuiltinFunctions()), body.builtins);
+      EXPECT_EQ(callTexts(symbol.getShaderFunctions()), body.shaders);
     });
 }
 
@@ -372,7 +372,7 @@ TEST(ParseKeywords, StartsAnewExceptForShaderFunctions) {
   symbol.parseKeywords(second);
   EXPECT_TRUE(symbol.getStateVariables().empty());
   EXPECT_TRUE(symbol.getBuiltinFunctions().empty());
-  EXPECT_EQ(calls(symbol.getShaderFunctions()),
+  EXPECT_EQ(callTexts(symbol.getShaderFunctions()),
             (std::vector<std::wstring>{L"sfg_shader(b)", L"sfg_shader(c)"}));
   symbol.clear();
   EXPECT_TRUE(symbol.getShaderFunctions().empty());
@@ -406,7 +406,7 @@ TEST(ShaderSymbol, SettersSetTheirMembers) {
   EXPECT_EQ(copy.getName().view(), L"name");
   EXPECT_EQ(copy.getRange().view(), L"range");
   EXPECT_EQ(copy.getStateVariables(), Set<UString>{UString(L"sfg_time")});
-  EXPECT_EQ(calls(copy.getBuiltinFunctions()), (std::vector<std::wstring>{L"sfg_isConnected(a)"}));
+  EXPECT_EQ(callTexts(copy.getBuiltinFunctions()), (std::vector<std::wstring>{L"sfg_isConnected(a)"}));
 }
 
 TEST(ShaderSymbol, CopiesEveryMember) {
@@ -423,8 +423,8 @@ TEST(ShaderSymbol, CopiesEveryMember) {
     EXPECT_EQ(copy->getRange().view(), code);
     EXPECT_EQ(copy->getName().view(), L"f");
     EXPECT_EQ(copy->getStateVariables(), Set<UString>{UString(L"sfg_time")});
-    EXPECT_EQ(calls(copy->getBuiltinFunctions()), (std::vector<std::wstring>{L"sfg_isConnected(a)"}));
-    EXPECT_EQ(calls(copy->getShaderFunctions()), (std::vector<std::wstring>{L"sfg_shader(b)"}));
+    EXPECT_EQ(callTexts(copy->getBuiltinFunctions()), (std::vector<std::wstring>{L"sfg_isConnected(a)"}));
+    EXPECT_EQ(callTexts(copy->getShaderFunctions()), (std::vector<std::wstring>{L"sfg_shader(b)"}));
   }
 }
 
@@ -476,7 +476,7 @@ TEST(ShaderSymbol, ClassifiesOneWord) {
   std::size_t pos = 10;
   symbol.parseKeyword(ScopedText(text, 0, 10), text, pos);
   EXPECT_EQ(pos, 14u);
-  EXPECT_EQ(calls(symbol.getShaderFunctions()), (std::vector<std::wstring>{L"sfg_shader (a)"}));
+  EXPECT_EQ(callTexts(symbol.getShaderFunctions()), (std::vector<std::wstring>{L"sfg_shader (a)"}));
   pos = 16;
   symbol.parseKeyword(ScopedText(text, 15, 1), text, pos);
   EXPECT_EQ(pos, 16u);
@@ -725,7 +725,7 @@ TEST(ParseKeywords, TakesTheTextOfItsOwnCall) {
   symbol.parseKeywords(body);
   ASSERT_EQ(symbol.getBuiltinFunctions().size(), 1u);
   symbol.parseKeywords(symbol.getBuiltinFunctions()[0].range);
-  EXPECT_EQ(calls(symbol.getBuiltinFunctions()), (std::vector<std::wstring>{L"sfg_isConnected(a)"}));
+  EXPECT_EQ(callTexts(symbol.getBuiltinFunctions()), (std::vector<std::wstring>{L"sfg_isConnected(a)"}));
 }
 
 static_assert(std::has_virtual_destructor_v<ShaderSymbol>);

@@ -22,7 +22,7 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 namespace {
 
-constexpr const char* kNotes =
+constexpr const char* kBuildNotes =
     "Example:\n\n"
     "  sfg build materials.json\n"
     "  sfg build materials -o shaders --target spirv,glsl --stage pixel,vertex --jobs 8\n"
@@ -67,7 +67,7 @@ std::string fixed(double number, int digits) {
 
 /// "1200 of 10000, 85 a second, 2 min left": a line that is written over again on a terminal, elsewhere a
 /// line for each finished hundred. On the standard error stream.
-class Progress {
+class BuildProgress {
 public:
   void show(std::size_t done, std::size_t all) {
     if (!line_.isTerminal()) {
@@ -136,7 +136,7 @@ public:
         .add_option("--MT", target_, "the file in it that depends on them (also spelled `-MT`)")
         ->type_name("FILE")
         ->needs(depfile);
-    app().footer(kNotes);
+    app().footer(kBuildNotes);
   }
 
   int run(Diagnostics& diagnostics) override {
@@ -146,7 +146,7 @@ public:
     keepFreedMemory();
     std::signal(SIGINT, interrupt);
     options.stop = &isInterrupted;
-    Progress progress;
+    BuildProgress progress;
     options.onProblems = [&](std::span<const host::Diagnostic> problems) {
       progress.clear();
       diagnostics.show(problems);

@@ -48,10 +48,6 @@ void declareWords(CLI::App& app, const char* names, std::vector<std::string>& wo
   app.add_option(names, words, help)->type_name(type)->delimiter(',')->allow_extra_args(false);
 }
 
-std::vector<fs::path> pathsOf(const std::vector<std::string>& folders) {
-  return {folders.begin(), folders.end()};
-}
-
 /// The first option that stands for something that a manifest says; empty without one.
 std::string givenWord(const host::ManifestWords& words) {
   if (!words.environments.empty()) return "--environment";

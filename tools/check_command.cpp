@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kNotes =
+constexpr const char* kCheckNotes =
     "Example:\n\n"
     "  sfg check library examples\n"
     "  sfg check materials -L library -I library --strict --format sarif -o findings.sarif\n\n"
@@ -41,12 +41,12 @@ constexpr const char* kNotes =
     "a PATH\n"
     "that is not there.\n";
 
-enum class Format { text, json, sarif };
+enum class CheckFormat { text, json, sarif };
 
 /// How many per cent are done.
-class Progress {
+class CheckProgress {
 public:
-  explicit Progress(bool isShown) : isShown_(isShown) {}
+  explicit CheckProgress(bool isShown) : isShown_(isShown) {}
 
   void show(std::size_t done, std::size_t all) {
     const std::size_t percent = done * 100 / std::max<std::size_t>(all, 1);
@@ -102,11 +102,12 @@ public:
         .add_option("--environment", environment_,
                     "environment document (JSON) whose lights light the graphs")
         ->type_name("FILE");
-    declareChoice<Format>(app(), "--format",
-                          {{"text", Format::text}, {"json", Format::json}, {"sarif", Format::sarif}}, format_,
-                          "`text`: findings on the standard error stream, then a summary; `json`: findings "
-                          "and counts; `sarif`: "
-                          "SARIF 2.1.0");
+    declareChoice<CheckFormat>(
+        app(), "--format",
+        {{"text", CheckFormat::text}, {"json", CheckFormat::json}, {"sarif", CheckFormat::sarif}}, format_,
+        "`text`: findings on the standard error stream, then a summary; `json`: findings "
+        "and counts; `sarif`: "
+        "SARIF 2.1.0");
     declareOutputOption(app(), output_);
     app().add_flag("--strict", isStrict_, "exit status 1 for warnings, too");
     app()
@@ -114,7 +115,7 @@ public:
         ->type_name("N")
         ->check(CLI::Range(1, 1024))
         ->default_str("as many as the machine has");
-    app().footer(kNotes);
+    app().footer(kCheckNotes);
   }
 
   int run(Diagnostics& diagnostics) override {
@@ -150,15 +151,15 @@ public:
 private:
   host::CheckResult check(host::CheckOptions options, const host::CheckPaths& paths) const {
     const host::Checker checker(std::move(options));
-    Progress progress(format_ == Format::text);
+    CheckProgress progress(format_ == CheckFormat::text);
     host::CheckResult result = checker.check(
         paths.files, jobs_, [&](std::size_t done, std::size_t all) { progress.show(done, all); });
     return host::withProblems(std::move(result), paths.problems);
   }
 
   void write(const host::CheckResult& result, const std::string& more, Diagnostics& diagnostics) const {
-    if (format_ == Format::json) return writeOutput(output_, host::toJson(result));
-    if (format_ == Format::sarif) return writeOutput(output_, host::toSarif(result));
+    if (format_ == CheckFormat::json) return writeOutput(output_, host::toJson(result));
+    if (format_ == CheckFormat::sarif) return writeOutput(output_, host::toSarif(result));
     diagnostics.show(result.diagnostics);
     writeOutput(output_, summaryOf(result, more));
   }
@@ -167,7 +168,7 @@ private:
   LibraryOptions libraries_;
   std::optional<host::CollapseTool> tool_;
   std::string environment_;
-  Format format_ = Format::text;
+  CheckFormat format_ = CheckFormat::text;
   std::string output_;
   bool isStrict_ = false;
   std::size_t jobs_ = std::max(1u, std::thread::hardware_concurrency());

@@ -24,7 +24,7 @@ constexpr const char* kExample =
     "  sfg collapse red.json -L lib --format json   the generated function and what it needs\n\n"
     "Exit status: 0 done; 1 the collapse was refused; 2 wrong usage or unreadable input.\n";
 
-enum class Format { shader, json };
+enum class CollapseFormat { shader, json };
 
 class CollapseCommand : public Command {
 public:
@@ -32,8 +32,8 @@ public:
       : Command(
             *parent.add_subcommand("collapse", "Collapse a graph of fragments into one shader function")) {
     declareJobOptions(app(), options_);
-    declareChoice<Format>(
-        app(), "--format", {{"shader", Format::shader}, {"json", Format::json}}, format_,
+    declareChoice<CollapseFormat>(
+        app(), "--format", {{"shader", CollapseFormat::shader}, {"json", CollapseFormat::json}}, format_,
         "`shader`: a complete shader; `json`: the generated function and what it needs, nothing assembled");
     declareStageOption(app(), stage_);
     declareMeshOption(app(), mesh_);
@@ -47,14 +47,14 @@ public:
     checkOutputs(options_, {output_}, depfile_);
     ReadJob read = makeJob(options_, diagnostics);
     host::Job& job = read.job;
-    switch (collapse(job, format_ == Format::shader, diagnostics)) {
+    switch (collapse(job, format_ == CollapseFormat::shader, diagnostics)) {
     case Outcome::thrown: return kRefused;
     case Outcome::null:
-      if (format_ == Format::json) writeOutput(output_, job.resultJson());
+      if (format_ == CollapseFormat::json) writeOutput(output_, job.resultJson());
       return kRefused;
     case Outcome::done: break;
     }
-    if (format_ == Format::json) {
+    if (format_ == CollapseFormat::json) {
       writeOutput(output_, job.resultJson());
     } else {
       const std::optional<host::Shader> shader =
@@ -68,7 +68,7 @@ public:
 
 private:
   JobOptions options_;
-  Format format_ = Format::shader;
+  CollapseFormat format_ = CollapseFormat::shader;
   host::ShaderStage stage_ = host::ShaderStage::pixel;
   host::MeshLayout mesh_;
   host::NameStyle names_ = host::NameStyle::generated;

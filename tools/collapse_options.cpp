@@ -54,10 +54,6 @@ host::MeshLayout meshOf(const std::vector<std::string>& parts) {
   return mesh;
 }
 
-std::vector<std::filesystem::path> pathsOf(const std::vector<std::string>& folders) {
-  return {folders.begin(), folders.end()};
-}
-
 /// Those that are among the others, under whatever name, are left to them.
 void addFolders(std::vector<std::filesystem::path>& folders, const std::vector<std::filesystem::path>& more) {
   std::erase_if(folders, [&](const std::filesystem::path& folder) {
@@ -94,6 +90,10 @@ void addFiles(std::vector<std::string>& files, const std::vector<std::string>& f
 }
 
 }  // namespace
+
+std::vector<std::filesystem::path> pathsOf(const std::vector<std::string>& folders) {
+  return {folders.begin(), folders.end()};
+}
 
 void declareLibraryOptions(CLI::App& app, LibraryOptions& options) {
   declareFolders(

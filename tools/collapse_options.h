@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,6 +16,8 @@
 #include "tools/did_you_mean.h"
 
 namespace TolmSDK::Graphics::sfg::tools {
+
+std::vector<std::filesystem::path> pathsOf(const std::vector<std::string>& folders);
 
 /// An option that takes one of a few words, each of which stands for a value; the first is the default.
 template <class Value>

@@ -9,7 +9,7 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 namespace {
 
-constexpr const char* kNotes =
+constexpr const char* kCompileNotes =
     "Example:\n\n"
     "  sfg compile brick.json -L library -I library --target spirv -o brick.spv\n"
     "  sfg compile brick.json -L library -I library --tool lightloop --environment sun.json --target glsl\n"
@@ -43,7 +43,7 @@ public:
         .add_option("--reflect", reflection_, "also write what the shader takes and gives, as `reflect` does")
         ->type_name("FILE");
     declareDepfileOptions(app(), depfile_);
-    app().footer(kNotes);
+    app().footer(kCompileNotes);
   }
 
   int run(Diagnostics& diagnostics) override {

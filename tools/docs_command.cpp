@@ -20,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kNotes =
+constexpr const char* kDocsNotes =
     "Example:\n\n"
     "  sfg docs -L library -I library -o site --examples examples/materials\n"
     "  sfg docs -L fragments -o site --no-pictures\n\n"
@@ -62,7 +62,7 @@ public:
         ->type_name("N")
         ->check(CLI::Range(16, 1024))
         ->capture_default_str();
-    app().footer(kNotes);
+    app().footer(kDocsNotes);
   }
 
   int run(Diagnostics& diagnostics) override {

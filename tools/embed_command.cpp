@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kNotes =
+constexpr const char* kEmbedNotes =
     "Example:\n\n"
     "  sfg build materials.json\n"
     "  sfg embed materials.json --as materials --to include\n\n"
@@ -59,7 +59,7 @@ public:
     declareBuildOptions(app(), options_);
     app().add_option("--as", scope_, "the namespace, and the header's name")->type_name("NAME")->required();
     app().add_option("--to", folder_, "folder of the headers")->type_name("DIR")->capture_default_str();
-    app().footer(kNotes);
+    app().footer(kEmbedNotes);
   }
 
   int run(Diagnostics& diagnostics) override {

@@ -16,7 +16,7 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 namespace {
 
-constexpr const char* kNotes =
+constexpr const char* kGraphNotes =
     "Example:\n\n"
     "  sfg graph brick.json -o brick.svg\n"
     "  sfg graph brick.json -o brick.svg --pictures\n"
@@ -70,7 +70,7 @@ std::string quoted(const std::filesystem::path& path) {
 #endif
 }
 
-constexpr const char* kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr const char* kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 std::string base64(const std::string& bytes) {
   std::string text;
@@ -79,7 +79,7 @@ std::string base64(const std::string& bytes) {
     for (std::size_t k = i; k < i + 3; ++k)
       value = value << 8 | (k < bytes.size() ? static_cast<unsigned char>(bytes[k]) : 0u);
     for (std::size_t k = 0; k < 4; ++k)
-      text += i + k > bytes.size() ? '=' : kDigits[value >> (18 - 6 * k) & 63];
+      text += i + k > bytes.size() ? '=' : kBase64[value >> (18 - 6 * k) & 63];
   }
   return text;
 }
@@ -136,7 +136,7 @@ public:
         "`auto`: by the name of the output, else `dot`");
     app().add_flag("--pictures", withPictures_, "show in each node what it computes (needs an SVG)");
     declareOutputOption(app(), output_);
-    app().footer(kNotes);
+    app().footer(kGraphNotes);
   }
 
   int run(Diagnostics& diagnostics) override {

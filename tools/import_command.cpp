@@ -11,7 +11,7 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 namespace {
 
-constexpr const char* kNotes =
+constexpr const char* kImportNotes =
     "Example:\n\n"
     "  sfg import chess.mtlx -o materials\n"
     "  sfg import chess.mtlx --material M_Queen_W\n\n"
@@ -72,7 +72,7 @@ public:
         ->default_str("standard output");
     declareMaterialOption(app(), material_);
     declareLibraryOptions(app(), libraries_);
-    app().footer(kNotes);
+    app().footer(kImportNotes);
   }
 
   int run(Diagnostics& diagnostics) override {

@@ -8,7 +8,7 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 namespace {
 
-constexpr const char* kNotes =
+constexpr const char* kLspNotes =
     "An editor starts it and talks to it over the standard streams: mistakes while you type, completion,\n"
     "descriptions, definitions, symbols, renaming, quick fixes. `docs/editors.md` shows how to set up VS "
     "Code and\n"
@@ -35,7 +35,7 @@ public:
     app().add_flag("--no-standard-library", settings_.withoutStandard,
                    "leave out the fragments and include files that are installed with the command");
     app().add_flag("--stdio", isStdio_, "what some editors add: the standard streams, which it always takes");
-    app().footer(kNotes);
+    app().footer(kLspNotes);
   }
 
   int run(Diagnostics&) override {

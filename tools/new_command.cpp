@@ -65,11 +65,11 @@ constexpr Start kEnvironment = {".json", R"json({
 }
 )json"};
 
-constexpr const char* kNotes = "Example:\n\n"
-                               "  mkdir mine && sfg new fragment tint -o mine/tint.fraglib\n"
-                               "  sfg new graph wall\n"
-                               "  sfg collapse wall.json -L mine\n\n"
-                               "Nothing that exists is overwritten.\n";
+constexpr const char* kNewNotes = "Example:\n\n"
+                                  "  mkdir mine && sfg new fragment tint -o mine/tint.fraglib\n"
+                                  "  sfg new graph wall\n"
+                                  "  sfg collapse wall.json -L mine\n\n"
+                                  "Nothing that exists is overwritten.\n";
 
 bool isIdentifier(const std::string& name) {
   const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
@@ -95,7 +95,7 @@ public:
     app()
         .add_option("-o,--output", file_, "file to write (default: the name, with the extension of its kind)")
         ->type_name("FILE");
-    app().footer(kNotes);
+    app().footer(kNewNotes);
   }
 
   int run(Diagnostics& diagnostics) override {

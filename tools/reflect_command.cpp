@@ -9,7 +9,7 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 namespace {
 
-constexpr const char* kNotes =
+constexpr const char* kReflectNotes =
     "Example:\n\n"
     "  sfg reflect brick.json -L library -I library\n"
     "  sfg reflect brick.json -L library -I library --target glsl -o brick.glsl.json\n\n"
@@ -58,7 +58,7 @@ public:
         ->type_name("NAME")
         ->capture_default_str()
         ->needs(pack);
-    app().footer(kNotes);
+    app().footer(kReflectNotes);
   }
 
   int run(Diagnostics& diagnostics) override {

@@ -8,7 +8,7 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 namespace {
 
-constexpr const char* kNotes =
+constexpr const char* kRenderNotes =
     "Example:\n\n"
     "  sfg render brick.json -o brick.png\n"
     "  sfg render brick.json -o brick.png --shape cube --set pattern.mortar=0.2 --turntable 24\n"
@@ -47,7 +47,7 @@ public:
     app().add_flag("--list-devices", listDevices_, "list the devices that can draw, and do nothing else");
     declareScene();
     declareValues();
-    app().footer(kNotes);
+    app().footer(kRenderNotes);
   }
 
   int run(Diagnostics& diagnostics) override {

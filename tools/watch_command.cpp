@@ -23,7 +23,7 @@ namespace TolmSDK::Graphics::sfg::tools {
 
 namespace {
 
-constexpr const char* kNotes =
+constexpr const char* kWatchNotes =
     "Example:\n\n"
     "  sfg watch materials.json\n"
     "  sfg watch brick.json -L library --target glsl -o out --exec 'touch reload'\n\n"
@@ -93,7 +93,7 @@ public:
                    "some networks");
     declareChoice<bool>(app(), "--format", {{"text", false}, {"json", true}}, isJson_,
                         "`text`: what is told a person; `json`: a line for each round");
-    app().footer(kNotes);
+    app().footer(kWatchNotes);
   }
 
   int run(Diagnostics&) override {

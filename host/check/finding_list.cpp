@@ -1,6 +1,7 @@
 #include "host/check/finding_list.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -36,6 +37,10 @@ std::vector<FindingGroup> groupsOf(std::span<const Diagnostic> diagnostics) {
     }
   }
   return groups;
+}
+
+void append(std::vector<FindingGroup>& groups, std::vector<FindingGroup> more) {
+  std::move(more.begin(), more.end(), std::back_inserter(groups));
 }
 
 void raiseForCheck(std::vector<FindingGroup>& groups) {

@@ -20,6 +20,8 @@ struct FindingGroup {
 /// its own.
 std::vector<FindingGroup> groupsOf(std::span<const Diagnostic> diagnostics);
 
+void append(std::vector<FindingGroup>& groups, std::vector<FindingGroup> more);
+
 /// Errors of a check where a job only warns: keys that no reader knows.
 void raiseForCheck(std::vector<FindingGroup>& groups);
 

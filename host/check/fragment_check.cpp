@@ -10,8 +10,6 @@ namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
 // Names of documents that nobody wrote.
-constexpr const char* kMadeUpGraph = "the check's graph";
-constexpr const char* kMadeUpLights = "the check's lights";
 
 bool isMadeUp(const Diagnostic& diagnostic) {
   return diagnostic.file == kMadeUpGraph || diagnostic.file == kMadeUpLights || diagnostic.file.empty();

@@ -19,10 +19,6 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-constexpr const char* kMadeUpGraph = "the check's graph";
-constexpr const char* kMadeUpLights = "the check's lights";
-constexpr const char* kMslLightProfile = "msl_light";
-
 WhyUnknown whyUnknownOf(const LoadedLibraries& libraries) {
   return [&libraries](std::string_view name) { return libraries.whyUnknown(name); };
 }
@@ -51,7 +47,7 @@ void look(GraphNature& nature, const IShaderFragment& fragment, const UString& l
     }
     if (hasLightBlocks(profile)) {
       nature.hasLightBlocks = true;
-      nature.lightProfiles.insert(kMslLightProfile);
+      nature.lightProfiles.insert(kMslLights);
     }
   }
   if (fragment.findBestProfile(L"default", language, 100.0f) == nullptr) nature.lacksDefault = true;
@@ -97,10 +93,6 @@ void dropMadeUp(std::vector<FindingGroup>& groups, const std::string& document) 
     group.finding.file = document;
     group.finding.line = group.finding.column = 0;
   }
-}
-
-void append(std::vector<FindingGroup>& groups, std::vector<FindingGroup> more) {
-  std::move(more.begin(), more.end(), std::back_inserter(groups));
 }
 
 /// What is wrong with single lights of an environment that was read.

@@ -11,10 +11,6 @@ namespace {
 
 constexpr const char* kGenerated = "generated";
 
-void append(std::vector<FindingGroup>& groups, std::vector<FindingGroup> more) {
-  std::move(more.begin(), more.end(), std::back_inserter(groups));
-}
-
 /// What the generator says has no place, and the note behind it tells place and cause: the note becomes the
 /// error, and what the generator says its note; or, where the note knows the place only, the other way round.
 std::vector<FindingGroup> refusalOf(const CollapseError& refusal) {

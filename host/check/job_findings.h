@@ -14,6 +14,10 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
+/// What documents are called that no file holds: those that a check makes up.
+inline constexpr const char* kMadeUpGraph = "the check's graph";
+inline constexpr const char* kMadeUpLights = "the check's lights";
+
 /// What jobs are checked with. `cache` is null where nothing is compiled.
 struct CheckTools {
   std::shared_ptr<const LibrarySet> libraries;

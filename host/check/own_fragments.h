@@ -7,6 +7,9 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
+/// The profile of lights that MetaSL surfaces ask.
+inline constexpr const char* kMslLights = "msl_light";
+
 /// Makes an output of any type into the graph's float4; the value goes nowhere.
 inline constexpr const char* kDropFragment = "sfg_checkDrop";
 /// The same for an expression of any numeric type, which is evaluated.

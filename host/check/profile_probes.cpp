@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::wstring_view kInout = L"inout ";
 constexpr const char* kDefaultProfile = "default";
-constexpr const char* kMslLightProfile = "msl_light";
 constexpr const char* kChecked = "checked";
 
 bool isInout(std::wstring_view type) { return type.starts_with(kInout); }
@@ -106,7 +105,7 @@ void ProbeMaker::addLights(const IShaderFragment& fragment) {
     const ITextParameterList& parameters = *profile.getFunctionParameters();
     const WString& name = profile.getProfilename();
     if (parameters.getNumOutputs() == 0) continue;
-    if (parameters.getOutputType(0) != name && toUtf8(name) != kMslLightProfile) continue;
+    if (parameters.getOutputType(0) != name && toUtf8(name) != kMslLights) continue;
     lights_.emplace(toUtf8(name), toUtf8(fragment.key()));
   }
 }
@@ -267,8 +266,8 @@ struct ProbeMaker::PlanWriter {
       return {Environment{{{"light", light, name}}, {}}};
     }
     if (hasLightBlocks(profile)) {
-      const std::string light = maker.lightOf(kMslLightProfile);
-      const std::string other = name == kDefaultProfile ? kMslLightProfile : name;
+      const std::string light = maker.lightOf(kMslLights);
+      const std::string other = name == kDefaultProfile ? kMslLights : name;
       Environment lit{{{"light", light.empty() ? kLightFragment : light, other}}, {}};
       if (name != kDefaultProfile) return {lit};
       return {lit, Environment()};

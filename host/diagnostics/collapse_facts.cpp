@@ -9,7 +9,6 @@ namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
 constexpr std::wstring_view kDefaultProfile = L"default";
-constexpr std::wstring_view kMslLightProfile = L"msl_light";
 constexpr float kChainLod = 100.0f;
 
 /// Places of the `inout` parameters of the profiles, each once.

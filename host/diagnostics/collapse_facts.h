@@ -3,12 +3,16 @@
 // What the warnings ask of a job: found once, asked by all.
 
 #include <cstddef>
+#include <string_view>
 #include <vector>
 
 #include "host/job/collapse_job.h"
 #include "host/job/evaluated_surface.h"
 
 namespace TolmSDK::Graphics::sfg::host {
+
+/// Of lights that MetaSL surfaces ask.
+inline constexpr std::wstring_view kMslLightProfile = L"msl_light";
 
 using Profile = const IShaderFragmentProfile*;
 /// Each once, in the order in which they are chosen.

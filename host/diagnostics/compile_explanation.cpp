@@ -18,10 +18,11 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-using Kind = SourcePlace::Kind;
+using PlaceKind = SourcePlace::Kind;
 
 bool isCode(const SourcePlace& place) {
-  return place.kind == Kind::implementation || place.kind == Kind::predefine || place.kind == Kind::include;
+  return place.kind == PlaceKind::implementation || place.kind == PlaceKind::predefine ||
+         place.kind == PlaceKind::include;
 }
 
 std::string trimmed(std::wstring_view text) {
@@ -56,7 +57,7 @@ public:
     ToldMistake told = messages_.describe(error_.messages());
     const SourcePlace& unbalanced = map_.findUnbalanced();
     const bool hasPlace = told.token < messages_.tokens().size();
-    if (told.isSyntax && unbalanced.kind != Kind::unknown) {
+    if (told.isSyntax && unbalanced.kind != PlaceKind::unknown) {
       tell(unbalanced, wordsOf(unbalanced));
     } else if (!hasPlace) {
       tellDocument(told.text);
@@ -75,7 +76,7 @@ private:
   /// Of a compiler that crashed: brackets are what it is most often about.
   std::vector<Diagnostic> explainSilence() {
     const SourcePlace& unbalanced = map_.findUnbalanced();
-    const bool isKnown = unbalanced.kind != Kind::unknown;
+    const bool isKnown = unbalanced.kind != PlaceKind::unknown;
     if (isKnown) tell(unbalanced, wordsOf(unbalanced));
     add(isKnown ? Severity::note : Severity::error, job_.document().file(), 0, 0, error_.what());
     return std::move(diagnostics_);
@@ -96,7 +97,7 @@ private:
       const auto [otherLine, otherColumn] = messages_.placeOf(messages_.tokens()[i].begin);
       if (otherLine != line) break;
       const SourcePlace other = map_.find(otherLine, otherColumn);
-      if (other.kind == Kind::input) place = other;
+      if (other.kind == PlaceKind::input) place = other;
     }
     if (!told.isBehind || !place.isExact) return place;
     SourcePlace last = map_.find(line, column + token.size() - 1);
@@ -139,7 +140,7 @@ private:
     const IShaderFragment* const fragment =
         job_.libraries().language().findFragment(fromUtf8(place.fragment));
     if (fragment != nullptr) addNames(names, *fragment);
-    if (place.kind == Kind::include) addDeclared(names, text_);
+    if (place.kind == PlaceKind::include) addDeclared(names, text_);
     std::vector<std::string> all(names.begin(), names.end());
     for (const std::string_view name : languageNames()) all.emplace_back(name);
     // What only stands in front of a bracket.
@@ -179,12 +180,12 @@ private:
       add(Severity::error, "generated", error_.messages().front().line, 0, text);
       return;
     }
-    if (place.kind == Kind::include && isUtf16(place)) {
+    if (place.kind == PlaceKind::include && isUtf16(place)) {
       add(Severity::error, place.file, 1, 1, "the include file is written in UTF-16; save it as UTF-8");
     } else {
       add(Severity::error, place.file, place.line, place.column, text);
     }
-    if (place.kind == Kind::include) tellIncluders(place);
+    if (place.kind == PlaceKind::include) tellIncluders(place);
     if (!isCode(place)) tellFragment(place);
     tellUsers(place);
   }

@@ -11,8 +11,6 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-constexpr std::wstring_view kMslLightProfile = L"msl_light";
-
 class LightWarnings {
 public:
   LightWarnings(const CollapseFacts& facts, WarningList& warnings) : facts_(facts), warnings_(warnings) {}

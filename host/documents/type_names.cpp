@@ -60,7 +60,7 @@ constexpr std::pair<std::string_view, std::string_view> kForeign[] = {{"vec2", "
                                                                       {"TextureCube", "samplerCube"}};
 
 /// As "dx11" writes them, samplers and structures as documents do.
-const std::vector<std::string>& typeNames() {
+const std::vector<std::string>& knownTypeNames() {
   static const std::vector<std::string> names = [] {
     std::vector<std::string> made;
     for (const TypeID& type : allTypes()) {
@@ -77,15 +77,15 @@ std::string_view meantType(std::string_view name) {
   const auto* const foreign = std::find_if(std::begin(kForeign), std::end(kForeign),
                                            [&](const auto& known) { return known.first == name; });
   if (foreign != std::end(kForeign)) return foreign->second;
-  return nearestName(name, typeNames());
+  return nearestName(name, knownTypeNames());
 }
 
 std::string typeHint(std::string_view name) {
   const std::string_view meant = meantType(name);
   std::string hint = didYouMean(meant);
   hint += meant.empty() ? "; types are " : " Types are ";
-  for (const std::string& type : typeNames()) {
-    hint.append(&type == &typeNames().front() ? "`" : ", `").append(type).append("`");
+  for (const std::string& type : knownTypeNames()) {
+    hint.append(&type == &knownTypeNames().front() ? "`" : ", `").append(type).append("`");
   }
   return hint;
 }

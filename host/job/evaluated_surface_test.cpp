@@ -26,13 +26,14 @@ protected:
   }
 };
 
-constexpr const char* kGraph = R"({ "outputs": [ { "name": "x", "type": "float", "node": "c" } ], "nodes": [
+constexpr const char* kSurfaceGraph =
+    R"({ "outputs": [ { "name": "x", "type": "float", "node": "c" } ], "nodes": [
   { "name": "c", "fragment": "pass", "inputs": { "x": { "node": "b" } } },
   { "name": "unused", "fragment": "pass" },
   { "name": "b", "fragment": "many" } ] })";
 
 TEST_F(EvaluatedSurfaceTest, IsDefaultWithoutLights) {
-  const auto made = job(kGraph);
+  const auto made = job(kSurfaceGraph);
   EvaluatedSurface surface(*made);
   EXPECT_EQ(surface.profileNames(), (Set<WString>{L"default"}));
   const IShaderFragment& many = *made->libraries().language().findFragment(L"many");
@@ -41,7 +42,7 @@ TEST_F(EvaluatedSurfaceTest, IsDefaultWithoutLights) {
 }
 
 TEST_F(EvaluatedSurfaceTest, TakesTheNamesThatLightsAskFor) {
-  const auto made = job(kGraph, CollapseTool::lightLoop, R"({ "lights": [
+  const auto made = job(kSurfaceGraph, CollapseTool::lightLoop, R"({ "lights": [
     { "fragment": "lamp", "profile": "Sun" }, { "fragment": "lamp", "profile": "Area" } ] })");
   EvaluatedSurface surface(*made);
   const IShaderFragment& many = *made->libraries().language().findFragment(L"many");
@@ -57,7 +58,7 @@ TEST_F(EvaluatedSurfaceTest, KnowsWhichNamesAFragmentOffers) {
 }
 
 TEST_F(EvaluatedSurfaceTest, ReachesSourcesFirstAndEndsOnALoop) {
-  EXPECT_EQ(reachableNodes(job(kGraph)->document()), (std::vector<std::size_t>{2, 0}));
+  EXPECT_EQ(reachableNodes(job(kSurfaceGraph)->document()), (std::vector<std::size_t>{2, 0}));
   const auto loop = job(R"({ "outputs": [ { "name": "x", "type": "float", "node": "a" } ], "nodes": [
     { "name": "a", "fragment": "pass", "inputs": { "x": { "node": "b" } } },
     { "name": "b", "fragment": "pass", "inputs": { "x": { "node": "a" } } } ] })");

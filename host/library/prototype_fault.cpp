@@ -28,7 +28,7 @@ std::string_view meantQualifier(std::string_view word) {
 }
 
 bool isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || c == L'_'; }
-bool isWordCharacter(wchar_t c) { return isLetter(c) || (c >= L'0' && c <= L'9'); }
+bool isPartOfName(wchar_t c) { return isLetter(c) || (c >= L'0' && c <= L'9'); }
 
 struct Word {
   std::size_t index = 0;
@@ -96,7 +96,7 @@ private:
       const wchar_t c = text_[i];
       if (isLetter(c)) {
         const std::size_t start = i;
-        while (i < end && isWordCharacter(text_[i])) ++i;
+        while (i < end && isPartOfName(text_[i])) ++i;
         if (depth == 0) words.push_back({start, std::wstring_view(text_).substr(start, i - start)});
         continue;
       }

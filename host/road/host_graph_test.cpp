@@ -14,7 +14,7 @@ namespace TolmSDK::Graphics::sfg::host {
 namespace {
 
 /// A checkered, lit surface whose texture coordinates are a graph input.
-RefPtr<OwnGraph> makeGraph() {
+RefPtr<OwnGraph> makeOwnGraph() {
   const auto graph = makeRef<OwnGraph>();
   graph->inputs = {port(TypeID_fvec2, L"where")};
   graph->outputs = {port(TypeID_fvec4, L"color")};
@@ -73,7 +73,7 @@ TEST(HostGraphTest, BecomesTheShaderOfTheSameDocument) {
   for (const bool isLit : {false, true}) {
     const CollapseOptions options = isLit ? lit() : CollapseOptions();
     const Document scene = Document::from(isLit ? sun() : Environment());
-    Job own(library(), RefPtr<IHostGraph const>(makeGraph()), options, scene);
+    Job own(library(), RefPtr<IHostGraph const>(makeOwnGraph()), options, scene);
     Job read(library(), Document::fromText(kDocument, "graph"), options, scene);
     own.collapse();
     read.collapse();
@@ -88,7 +88,7 @@ TEST(HostGraphTest, BecomesTheShaderOfTheSameDocument) {
 }
 
 TEST(HostGraphTest, IsWhatTheGeneratorWalksOver) {
-  const RefPtr<OwnGraph> graph = makeGraph();
+  const RefPtr<OwnGraph> graph = makeOwnGraph();
   Job job(library(), RefPtr<IHostGraph const>(graph));
   const std::size_t before = graph->nodes[0]->timesAsked;
   job.collapse();
@@ -96,7 +96,7 @@ TEST(HostGraphTest, IsWhatTheGeneratorWalksOver) {
 }
 
 TEST(HostGraphTest, IsKeptByTheJob) {
-  RefPtr<OwnGraph> graph = makeGraph();
+  RefPtr<OwnGraph> graph = makeOwnGraph();
   Job job(library(), RefPtr<IHostGraph const>(graph));
   graph = nullptr;
   job.collapse();
@@ -104,7 +104,7 @@ TEST(HostGraphTest, IsKeptByTheJob) {
 }
 
 TEST(HostGraphTest, HasUniformsAndChains) {
-  const RefPtr<OwnGraph> graph = makeGraph();
+  const RefPtr<OwnGraph> graph = makeOwnGraph();
   graph->uniforms = {port(TypeID_float, L"exposure", {2})};
   graph->postprocess = {"postContrast"};
   std::string text = kDocument;
@@ -120,7 +120,7 @@ TEST(HostGraphTest, HasUniformsAndChains) {
 }
 
 TEST(HostGraphTest, NodesHaveNamesWithoutTheHost) {
-  const RefPtr<OwnGraph> graph = makeGraph();
+  const RefPtr<OwnGraph> graph = makeOwnGraph();
   graph->names.clear();
   Job job(library(), RefPtr<IHostGraph const>(graph));
   job.collapse();
@@ -136,15 +136,15 @@ TEST(HostGraphTest, NeedsAGraphAndALibrary) {
     }
     return std::string("(none)");
   };
-  EXPECT_EQ(refusal(library(), makeGraph()), "(none)");
+  EXPECT_EQ(refusal(library(), makeOwnGraph()), "(none)");
   EXPECT_EQ(refusal(library(), nullptr), "a job needs a graph");
-  EXPECT_NE(refusal(nullptr, makeGraph()), "(none)");
+  EXPECT_NE(refusal(nullptr, makeOwnGraph()), "(none)");
 }
 
 /// What the generator refuses is told with the host's names.
 TEST(HostGraphTest, RefusalsNameTheHostsNodes) {
   const auto told = [](const std::function<void(OwnGraph&)>& change) {
-    const RefPtr<OwnGraph> graph = makeGraph();
+    const RefPtr<OwnGraph> graph = makeOwnGraph();
     change(*graph);
     Job job(library(), RefPtr<IHostGraph const>(graph));
     std::string text;
@@ -198,7 +198,7 @@ TEST(HostGraphTest, RefusesAGraphThatChangesUnderItsJob) {
   };
   for (const auto& [name, change] : changes) {
     SCOPED_TRACE(name);
-    const RefPtr<OwnGraph> graph = makeGraph();
+    const RefPtr<OwnGraph> graph = makeOwnGraph();
     Job job(library(), RefPtr<IHostGraph const>(graph));
     change(*graph);
     EXPECT_THROW(job.collapse(), InputError);
@@ -206,7 +206,7 @@ TEST(HostGraphTest, RefusesAGraphThatChangesUnderItsJob) {
     EXPECT_THROW(job.collapse(), InputError);
   }
   // What was collapsed needs the graph no more.
-  const RefPtr<OwnGraph> graph = makeGraph();
+  const RefPtr<OwnGraph> graph = makeOwnGraph();
   Job job(library(), RefPtr<IHostGraph const>(graph));
   job.collapse();
   const std::string text = job.assemble().text;
@@ -218,7 +218,7 @@ TEST(HostGraphTest, RefusesAGraphThatChangesUnderItsJob) {
 }
 
 TEST(HostGraphTest, CollapsesAGraphThatIsChangedBack) {
-  const RefPtr<OwnGraph> graph = makeGraph();
+  const RefPtr<OwnGraph> graph = makeOwnGraph();
   Job job(library(), RefPtr<IHostGraph const>(graph));
   const OwnNode::Input last = graph->nodes[1]->inputs.back();
   graph->nodes[1]->inputs.pop_back();
@@ -232,7 +232,7 @@ TEST(HostGraphTest, CollapsesAGraphThatIsChangedBack) {
   }
   graph->nodes[1]->inputs.push_back(last);
   job.collapse();
-  Job other(library(), RefPtr<IHostGraph const>(makeGraph()));
+  Job other(library(), RefPtr<IHostGraph const>(makeOwnGraph()));
   other.collapse();
   EXPECT_EQ(job.assemble().text, other.assemble().text);
 }

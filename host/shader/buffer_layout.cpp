@@ -1,13 +1,11 @@
 #include "host/shader/buffer_layout.h"
 
+#include "host/shader/number_shape.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
-
-constexpr std::size_t kComponent = 4;
-constexpr std::size_t kRegister = 16;
 
 std::size_t alignmentOf(const TypeID& type) noexcept {
   const std::size_t components = componentCount(type);

@@ -16,8 +16,6 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-constexpr std::size_t kComponent = 4;
-
 std::string ticked(const std::string& text) { return "`" + text + "`"; }
 
 /// A number, or array of numbers, of a buffer.

@@ -1,5 +1,6 @@
 #include "host/shader/interface_builder.h"
 
+#include "host/shader/number_shape.h"
 #include "host/shader/state_meaning.h"
 #include "host/shader/structure_layout.h"
 #include "tolmsdk/state_variables.h"
@@ -8,8 +9,6 @@
 namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
-
-constexpr std::size_t kRegister = 16;
 
 std::size_t allocatedSize(std::size_t end) { return (end + kRegister - 1) / kRegister * kRegister; }
 

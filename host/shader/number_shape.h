@@ -8,6 +8,11 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
+/// Bytes of a number in a buffer.
+inline constexpr std::size_t kComponent = 4;
+/// Bytes of a register of a constant buffer.
+inline constexpr std::size_t kRegister = 16;
+
 /// "float3" has a row of three columns; "float2x3" two rows of three.
 struct NumberShape {
   enum class Scalar { floating, integer, unsignedInteger, boolean };

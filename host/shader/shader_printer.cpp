@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::wstring_view kStatePrefix = L"state.";
 
-const wchar_t* textureType(const TypeID& sampler) {
+const wchar_t* textureKeyword(const TypeID& sampler) {
   if (sampler == TypeID_sampler1D) return L"Texture1D<float4>";
   if (sampler == TypeID_sampler2D) return L"Texture2D<float4>";
   if (sampler == TypeID_sampler3D) return L"Texture3D<float4>";
@@ -129,7 +129,7 @@ private:
     out_.section(Kind::declarations);
     out_.write(L"\n");
     for (const TexturePair& pair : plan_.textures) {
-      out_.writef(L"%s %s : register(t%Iu);\n", textureType(pair.type), pair.texture, pair.number);
+      out_.writef(L"%s %s : register(t%Iu);\n", textureKeyword(pair.type), pair.texture, pair.number);
       out_.writef(L"SamplerState %s : register(s%Iu);\n", pair.sampler, pair.number);
     }
   }

@@ -10,8 +10,6 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-constexpr std::size_t kComponent = 4;
-constexpr std::size_t kRegister = 16;
 constexpr std::size_t kDeepest = 32;
 constexpr std::size_t kLongestArray = 65536;
 constexpr std::size_t kMostMembers = 1024;

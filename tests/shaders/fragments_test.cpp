@@ -139,15 +139,15 @@ TEST_P(FragmentsTest, EveryProfileCompilesAlone) {
   EXPECT_GT(count, 0u);
 }
 
-std::vector<std::string> libraryFiles() {
+std::vector<std::string> libraryFileNames() {
   std::set<std::string> files;
   for (const std::string& name : fragmentNames()) files.insert(libraryFileOf(name));
   return {files.begin(), files.end()};
 }
 
-std::string nameOf(const testing::TestParamInfo<std::string>& info) { return info.param; }
+std::string nameOfFile(const testing::TestParamInfo<std::string>& info) { return info.param; }
 
-INSTANTIATE_TEST_SUITE_P(Library, FragmentsTest, testing::ValuesIn(libraryFiles()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Library, FragmentsTest, testing::ValuesIn(libraryFileNames()), nameOfFile);
 
 }  // namespace
 }  // namespace shaders_test

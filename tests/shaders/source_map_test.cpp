@@ -22,8 +22,8 @@ using sfg::host::SourcePlace;
 using TolmSDK::WString;
 using Kind = SourcePlace::Kind;
 
-constexpr unsigned kGraphs = 300;
-constexpr unsigned kGroups = 10;
+constexpr unsigned kMappedGraphs = 300;
+constexpr unsigned kMappedGroups = 10;
 
 bool isWordPart(wchar_t c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == L'_'; }
 
@@ -223,7 +223,7 @@ class SourceMapTest : public ShaderFixture, public testing::WithParamInterface<u
 TEST_P(SourceMapTest, FindsEveryTokenOfRandomGraphs) {
   const std::vector<Usable> fragments = usableFragments();
   Counts counts;
-  for (unsigned seed = GetParam(); seed < kGraphs; seed += kGroups) {
+  for (unsigned seed = GetParam(); seed < kMappedGraphs; seed += kMappedGroups) {
     RandomGraph random(seed);
     const Json graph = random.make(fragments);
     std::optional<Json> environment;
@@ -239,7 +239,7 @@ TEST_P(SourceMapTest, FindsEveryTokenOfRandomGraphs) {
   EXPECT_GT(counts.included, 10000u);
   EXPECT_LT(counts.putIn * 10, counts.exact);
 }
-INSTANTIATE_TEST_SUITE_P(Groups, SourceMapTest, testing::Range(0u, kGroups));
+INSTANTIATE_TEST_SUITE_P(Groups, SourceMapTest, testing::Range(0u, kMappedGroups));
 
 class ExampleMapTest : public ShaderFixture {};
 TEST_F(ExampleMapTest, FindsEveryTokenOfTheExamples) {
@@ -368,7 +368,7 @@ TEST_P(MutationTest, TellsAnUndefinedNameAtItsVeryPlace) {
   }
   EXPECT_EQ(told, kMutants);
 }
-INSTANTIATE_TEST_SUITE_P(Groups, MutationTest, testing::Range(0u, kGroups));
+INSTANTIATE_TEST_SUITE_P(Groups, MutationTest, testing::Range(0u, kMappedGroups));
 
 }  // namespace
 }  // namespace shaders_test
