@@ -12,6 +12,7 @@
 #include "platform/never_destroyed.h"
 #include "platform/text_file.h"
 #include "platform/utf.h"
+#include "tolmsdk/exception.h"
 #include "tolmsdk/files.h"
 #include "tolmsdk/unicode.h"
 
@@ -228,6 +229,16 @@ const WString& Node::getLoadError() const { return emptyText(); }
 
 namespace {
 
+/// How bytes say that they are in another encoding: by a byte-order mark, or by the zeros beside the first
+/// character of a document. Null for all others.
+const wchar_t* otherEncoding(std::string_view bytes) {
+  using namespace std::string_view_literals;
+  if (bytes.starts_with("\xFF\xFE\0\0"sv) || bytes.starts_with("\0\0\xFE\xFF"sv)) return L"UTF-32";
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("{\0"sv)) return L"UTF-16, low byte first";
+  if (bytes.starts_with("\xFE\xFF") || bytes.starts_with("\0{"sv)) return L"UTF-16, high byte first";
+  return nullptr;
+}
+
 /// The node that createJsonNode answers: it keeps the document that it has loaded.
 class RootNode final : public RefCounted<ValueNode> {
 public:
@@ -235,6 +246,10 @@ public:
     std::string bytes;
     WString error;
     if (!readTextFile(path, bytes, error)) return fail(std::move(error));
+    if (const wchar_t* const encoding = otherEncoding(bytes)) {
+      return fail(
+          formatted(L"line 1, column 1: expected text in UTF-8, found %s: save the file as UTF-8", encoding));
+    }
     return load(std::move(bytes));
   }
 

@@ -514,6 +514,24 @@ TEST_F(JsonFile, LoadsUtf8) {
   EXPECT_EQ(node_->toText(), L"{\"\u00e4\":\"\u20ac\"}");
 }
 
+TEST_F(JsonFile, NamesTheEncodingThatIsNotRead) {
+  using namespace std::string_literals;
+  const std::pair<std::string, const wchar_t*> cases[] = {
+      {"\xFF\xFE{\0}\0"s, L"UTF-16, low byte first"},
+      {"\xFE\xFF\0{\0}"s, L"UTF-16, high byte first"},
+      {"{\0}\0"s, L"UTF-16, low byte first"},
+      {"\0{\0}"s, L"UTF-16, high byte first"},
+      {"\xFF\xFE"s, L"UTF-16, low byte first"},
+      {"\xFF\xFE\0\0{\0\0\0"s, L"UTF-32"},
+      {"\0\0\xFE\xFF\0\0\0{"s, L"UTF-32"},
+  };
+  for (const auto& [bytes, encoding] : cases) {
+    EXPECT_FALSE(load(bytes));
+    EXPECT_EQ(node_->getLoadError(), L"line 1, column 1: expected text in UTF-8, found " + WString(encoding) +
+                                         L": save the file as UTF-8");
+  }
+}
+
 TEST_F(JsonFile, DropsAByteOrderMark) {
   ASSERT_TRUE(load("\xEF\xBB\xBF{\"a\": 1}"));
   EXPECT_EQ(node_->toText(), L"{\"a\":1}");

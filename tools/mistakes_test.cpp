@@ -898,7 +898,11 @@ const Mistake kMistakes[] = {
      "`sfg_Light`, which light `key` asks for, nor `default` for the language `dx11` [no-profile]\n"
      "graph.json:10:5: note: the generator says \"Failed to set light profile sfg_Light.\" [generator]\n"},
     {"LightFragmentIsASurface", "collapse lit.json", "--tool lightloop --environment scene.json",
-     "scene.json", R"json("pointLight")json", R"json("lambertSurface")json", 0, ""},
+     "scene.json", R"json("pointLight")json", R"json("lambertSurface")json", 1,
+     "scene.json:4:5: error: light `fill` gives `result` of type `float3` in the profile `sfg_Light` of "
+     "fragment `lambertSurface`, but node `wall` (fragment `lambertSurface`) reads `sfg_currentLight` of "
+     "type "
+     "`sfg_Light` [light-type]\n"},
     {"SurfaceMistyped", "collapse", "--tool lightloop --environment scene.json", "lit.json",
      R"json("lambertSurface")json", R"json("lambertSurfce")json", 1,
      "lit.json:6:35: error: node `wall` uses the fragment `lambertSurfce`, which no library has; did you "

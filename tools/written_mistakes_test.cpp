@@ -615,11 +615,373 @@ float3 twice(float x) { return thrice(x); }
      "[repeated-name]\n"
      "g.json:2:41: error: node `a` uses the fragment `f`, of which no shader can be made: see "
      "./l.fraglib:1:34 [not-loaded]\n"},
+    {"LightOfAnotherType",
+     {{"l.fraglib", R"json({ "glow": { "name": "sfg_Light", "language": ["dx11"],
+  "implementation": [
+    "void glow(out float3 light)",
+    "{",
+    "  light = float3(1.0, 0.8, 0.5);",
+    "}" ] } }
+)json"},
+      {"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "glow", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "wall", "output": "result" } ],
+  "nodes": [
+    { "name": "bricks", "fragment": "brickColor", "inputs": { "uv": { "value": [0.5, 0.5] } } },
+    { "name": "wall", "fragment": "lambertSurface", "inputs": { "albedo": { "node": "bricks", "output": "color" } } }
+  ] }
+)json"}},
+     "compile g.json --tool lightloop --environment e.json -L LIBRARY -I LIBRARY -L . -o o",
+     1,
+     "e.json:3:5: error: light `fill` gives `light` of type `float3` in the profile `sfg_Light` of fragment "
+     "`glow`, but node `wall` (fragment `lambertSurface`) reads `sfg_currentLight` of type `sfg_Light` "
+     "[light-type]\n"},
+    {"LightOfAnotherTypeInACollapse",
+     {{"l.fraglib", R"json({ "glow": { "name": "sfg_Light", "language": ["dx11"],
+  "implementation": [
+    "void glow(out float3 light)",
+    "{",
+    "  light = float3(1.0, 0.8, 0.5);",
+    "}" ] } }
+)json"},
+      {"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "glow", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "wall", "output": "result" } ],
+  "nodes": [
+    { "name": "bricks", "fragment": "brickColor", "inputs": { "uv": { "value": [0.5, 0.5] } } },
+    { "name": "wall", "fragment": "lambertSurface", "inputs": { "albedo": { "node": "bricks", "output": "color" } } }
+  ] }
+)json"}},
+     "collapse g.json --format json --tool lightloop --environment e.json -L LIBRARY -I LIBRARY -L . -o o",
+     0,
+     "e.json:3:5: warning: light `fill` gives `light` of type `float3` in the profile `sfg_Light` of "
+     "fragment `glow`, but node `wall` (fragment `lambertSurface`) reads `sfg_currentLight` of type "
+     "`sfg_Light` [light-type]\n"},
+    {"LightOfAnotherTypeInACheckOfTheLights",
+     {{"l.fraglib", R"json({ "glow": { "name": "sfg_Light", "language": ["dx11"],
+  "implementation": [
+    "void glow(out float3 light)",
+    "{",
+    "  light = float3(1.0, 0.8, 0.5);",
+    "}" ] } }
+)json"},
+      {"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "glow", "profile": "sfg_Light" }
+  ] }
+)json"}},
+     "check e.json -L LIBRARY -I LIBRARY -L .",
+     1,
+     "e.json:3:5: error: light `fill` gives `light` of type `float3` in the profile `sfg_Light` of fragment "
+     "`glow`, but a surface reads `sfg_currentLight` of type `sfg_Light` [light-type]\n"},
+    {"LightThatLacksTheProfile",
+     {{"l.fraglib", R"json({ "glow": { "language": ["dx11"],
+  "implementation": [
+    "void glow(out float3 light)",
+    "{",
+    "  light = float3(1.0, 0.8, 0.5);",
+    "}" ] } }
+)json"},
+      {"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "glow", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "wall", "output": "result" } ],
+  "nodes": [
+    { "name": "bricks", "fragment": "brickColor", "inputs": { "uv": { "value": [0.5, 0.5] } } },
+    { "name": "wall", "fragment": "lambertSurface", "inputs": { "albedo": { "node": "bricks", "output": "color" } } }
+  ] }
+)json"}},
+     "collapse g.json --tool lightloop --environment e.json -L LIBRARY -I LIBRARY -L . -o o",
+     1,
+     "e.json:3:5: error: light `fill` gives `light` of type `float3` in the profile `default` of fragment "
+     "`glow`, but node `wall` (fragment `lambertSurface`) reads `sfg_currentLight` of type `sfg_Light` "
+     "[light-type]\n"},
+    {"SurfaceAsALight",
+     {{"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "lambertSurface", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "wall", "output": "result" } ],
+  "nodes": [
+    { "name": "bricks", "fragment": "brickColor", "inputs": { "uv": { "value": [0.5, 0.5] } } },
+    { "name": "wall", "fragment": "lambertSurface", "inputs": { "albedo": { "node": "bricks", "output": "color" } } }
+  ] }
+)json"}},
+     "compile g.json --tool lightloop --environment e.json -L LIBRARY -I LIBRARY -o o",
+     1,
+     "e.json:3:5: error: light `fill` gives `result` of type `float3` in the profile `sfg_Light` of fragment "
+     "`lambertSurface`, but node `wall` (fragment `lambertSurface`) reads `sfg_currentLight` of type "
+     "`sfg_Light` [light-type]\n"},
+    {"LightBlockWithoutEnd",
+     {{"l.fraglib", R"json({ "rim": { "mode": "metaSL", "language": ["dx11"],
+  "implementation": [
+    "void rim(float3 tint, out float3 result)",
+    "{",
+    "  result = float3(0.0, 0.0, 0.0);",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN",
+    "  Light_iterator light;",
+    "  TOLM_SCENE_LIGHTING(state.position, state.normal, light);",
+    "  result += tint * light.msl_contribution;",
+    "}" ] } }
+)json"},
+      {"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "pointLight", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "edge", "output": "result" } ],
+  "nodes": [ { "name": "edge", "fragment": "rim", "inputs": { "tint": { "value": [1, 1, 1] } } } ] }
+)json"}},
+     "compile g.json --tool lightloop --environment e.json -L LIBRARY -I LIBRARY -L . -o o",
+     1,
+     "./l.fraglib:6:8: error: fragment `rim`: `TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN` has no "
+     "`TOLM_VESSOR_LIGHT_AND_SHADOW_END` behind it [compile-error]\n"
+     "./l.fraglib:6:8: note: the generator says \"sfgError : light and shadow block is not closed!\" "
+     "[generator]\n"},
+    {"LightBlockWithoutEndInACheck",
+     {{"l.fraglib", R"json({ "rim": { "mode": "metaSL", "language": ["dx11"],
+  "implementation": [
+    "void rim(float3 tint, out float3 result)",
+    "{",
+    "  result = float3(0.0, 0.0, 0.0);",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN",
+    "  Light_iterator light;",
+    "  TOLM_SCENE_LIGHTING(state.position, state.normal, light);",
+    "  result += tint * light.msl_contribution;",
+    "}" ] } }
+)json"}},
+     "check l.fraglib -L LIBRARY -I LIBRARY",
+     1,
+     "./l.fraglib:6:8: error: fragment `rim`: `TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN` has no "
+     "`TOLM_VESSOR_LIGHT_AND_SHADOW_END` behind it [compile-error]\n"
+     "./l.fraglib:6:8: note: the generator says \"sfgError : light and shadow block is not closed!\" "
+     "[generator]\n"},
+    {"LightBlockThatEndsFirst",
+     {{"l.fraglib", R"json({ "rim": { "mode": "metaSL", "language": ["dx11"],
+  "implementation": [
+    "void rim(float3 tint, out float3 result)",
+    "{",
+    "  result = float3(0.0, 0.0, 0.0);",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_END",
+    "\tTOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN",
+    "  Light_iterator light;",
+    "  TOLM_SCENE_LIGHTING(state.position, state.normal, light);",
+    "  result += tint * light.msl_contribution;",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_END",
+    "}" ] } }
+)json"},
+      {"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "pointLight", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "edge", "output": "result" } ],
+  "nodes": [ { "name": "edge", "fragment": "rim", "inputs": { "tint": { "value": [1, 1, 1] } } } ] }
+)json"}},
+     "compile g.json --tool lightloop --environment e.json -L LIBRARY -I LIBRARY -L . -o o",
+     1,
+     "./l.fraglib:6:8: error: fragment `rim`: `TOLM_VESSOR_LIGHT_AND_SHADOW_END` closes no light and shadow "
+     "block [compile-error]\n"
+     "./l.fraglib:6:8: note: the generator says \"sfgError : light and shadow block is not closed!\" "
+     "[generator]\n"},
+    {"LightBlockInsideAnother",
+     {{"l.fraglib", R"json({ "rim": { "mode": "metaSL", "language": ["dx11"],
+  "implementation": [
+    "void rim(float3 tint, out float3 result)",
+    "{",
+    "  result = float3(0.0, 0.0, 0.0);",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN",
+    "  Light_iterator light; TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN",
+    "  TOLM_SCENE_LIGHTING(state.position, state.normal, light);",
+    "  result += tint * light.msl_contribution;",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_END",
+    "}" ] } }
+)json"},
+      {"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "pointLight", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "edge", "output": "result" } ],
+  "nodes": [ { "name": "edge", "fragment": "rim", "inputs": { "tint": { "value": [1, 1, 1] } } } ] }
+)json"}},
+     "compile g.json --tool lightloop --environment e.json -L LIBRARY -I LIBRARY -L . -o o",
+     1,
+     "./l.fraglib:7:30: error: fragment `rim`: `TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN` stands inside another "
+     "light and shadow block, which only one light allows [compile-error]\n"
+     "./l.fraglib:7:30: note: the generator says \"sfgError : light and shadow block is not closed!\" "
+     "[generator]\n"},
+    {"MisspeltBeginOfALightBlock",
+     {{"l.fraglib", R"json({ "rim": { "mode": "metaSL", "language": ["dx11"],
+  "implementation": [
+    "void rim(float3 tint, out float3 result)",
+    "{",
+    "  result = float3(0.0, 0.0, 0.0);",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_BEGN",
+    "  Light_iterator light;",
+    "  TOLM_SCENE_LIGHTING(state.position, state.normal, light);",
+    "  result += tint * light.msl_contribution;",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_END",
+    "}" ] } }
+)json"},
+      {"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "pointLight", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "edge", "output": "result" } ],
+  "nodes": [ { "name": "edge", "fragment": "rim", "inputs": { "tint": { "value": [1, 1, 1] } } } ] }
+)json"}},
+     "check l.fraglib -L LIBRARY -I LIBRARY",
+     1,
+     "./l.fraglib:6:8: error: `TOLM_VESSOR_LIGHT_AND_SHADOW_BEGN` is no type; did you mean "
+     "`TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN`? [compile-error]\n"
+     "./l.fraglib:6:8: note: the compiler says \"'TOLM_VESSOR_LIGHT_AND_SHADOW_BEGN' : unknown variable\" of "
+     "the line `TOLM_VESSOR_LIGHT_AND_SHADOW_BEGN` [code-origin]\n"},
+    {"MisspeltSceneLighting",
+     {{"l.fraglib", R"json({ "rim": { "mode": "metaSL", "language": ["dx11"],
+  "implementation": [
+    "void rim(float3 tint, out float3 result)",
+    "{",
+    "  result = float3(0.0, 0.0, 0.0);",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN",
+    "  Light_iterator light;",
+    "  TOLM_SCENE_LIGHTNING(state.position, state.normal, light);",
+    "  result += tint * light.msl_contribution;",
+    "  TOLM_VESSOR_LIGHT_AND_SHADOW_END",
+    "}" ] } }
+)json"},
+      {"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "pointLight", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "edge", "output": "result" } ],
+  "nodes": [ { "name": "edge", "fragment": "rim", "inputs": { "tint": { "value": [1, 1, 1] } } } ] }
+)json"}},
+     "compile g.json --tool lightloop --environment e.json -L LIBRARY -I LIBRARY -L . -o o",
+     1,
+     "./l.fraglib:8:8: error: `TOLM_SCENE_LIGHTNING` is no function that is declared here; did you mean "
+     "`TOLM_SCENE_LIGHTING`? [compile-error]\n"
+     "g.json:2:14: note: node `edge` uses the fragment `rim` [code-origin]\n"
+     "generated:746:2: note: the compiler says \"'TOLM_SCENE_LIGHTNING' : no matching overloaded function "
+     "found\" of the line `TOLM_SCENE_LIGHTNING(state.position, state.normal, light);` [code-origin]\n"},
+    {"LightsWithoutTheLightLoop",
+     {{"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "pointLight", "profile": "sfg_Light" }
+  ] }
+)json"},
+      {"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "wall", "output": "result" } ],
+  "nodes": [
+    { "name": "bricks", "fragment": "brickColor", "inputs": { "uv": { "value": [0.5, 0.5] } } },
+    { "name": "wall", "fragment": "lambertSurface", "inputs": { "albedo": { "node": "bricks", "output": "color" } } }
+  ] }
+)json"}},
+     "compile g.json --environment e.json -L LIBRARY -I LIBRARY -o o",
+     0,
+     "g.json:4:5: warning: node `wall` is not lit: only the light loop (`--tool lightloop`) uses the lights "
+     "of the environment [lit-without-light]\n"},
+    {"ShaderNamesNoInput",
+     {{"l.fraglib", R"json({ "bump": { "language": ["dx11"],
+  "implementation": [
+    "void bump(float3 height, out float3 result)",
+    "{",
+    "  result = 0.0;",
+    "  sfg_shader(hieght, height, result);",
+    "}" ] } }
+)json"},
+      {"g.json", R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "bump", "inputs": { "height": { "value": [1, 1, 1] } } } ] }
+)json"}},
+     "collapse g.json -L . -o o",
+     0,
+     "./l.fraglib:6:19: warning: fragment `bump`: `sfg_shader` names an input, and there is none of the name "
+     "`hieght`; did you mean `height`? [unknown-port]\n"},
+    {"ExpressionWithoutInterface",
+     {{"l.fraglib",
+       R"json({ "gain": { "mode": "inline", "language": ["dx11"], "implementation": ["{{color}} * {{amount}}"] } }
+)json"},
+      {"g.json", R"json({ "outputs": [ { "name": "color", "type": "float4", "node": "out" } ],
+  "nodes": [
+    { "name": "a", "fragment": "gain", "inputs": { "color": { "value": [1, 1, 1] } } },
+    { "name": "out", "fragment": "outputColor" } ] }
+)json"}},
+     "compile g.json -L LIBRARY -I LIBRARY -L . -o o",
+     2,
+     "g.json:3:52: error: node `a` has no input `color`: its fragment `gain` is an expression, so the node "
+     "needs an `interface`, with inputs for `{{color}}`, `{{amount}}` [unknown-port]\n"},
+    {"LibraryAsAGraph",
+     {{"l.fraglib",
+       R"json({ "gain": { "mode": "inline", "language": ["dx11"], "implementation": ["{{color}} * {{amount}}"] } }
+)json"}},
+     "compile l.fraglib -L . -o o",
+     2,
+     "l.fraglib:1:1: error: this is a library of fragments, not a graph [wrong-kind]\n"},
+    {"EnvironmentAsAGraph",
+     {{"e.json", R"json({ "lights": [
+    { "name": "key", "fragment": "directionalLight", "profile": "sfg_Light" },
+    { "name": "fill", "fragment": "pointLight", "profile": "sfg_Light" }
+  ] }
+)json"}},
+     "compile e.json -L LIBRARY -I LIBRARY -o o",
+     2,
+     "e.json:1:1: error: this is an environment, not a graph [wrong-kind]\n"},
+    {"GraphAsAnEnvironment",
+     {{"g.json",
+       R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "wall", "output": "result" } ],
+  "nodes": [
+    { "name": "bricks", "fragment": "brickColor", "inputs": { "uv": { "value": [0.5, 0.5] } } },
+    { "name": "wall", "fragment": "lambertSurface", "inputs": { "albedo": { "node": "bricks", "output": "color" } } }
+  ] }
+)json"}},
+     "compile g.json --tool lightloop --environment g.json -L LIBRARY -I LIBRARY -o o",
+     2,
+     "g.json:1:1: error: this is a graph, not an environment [wrong-kind]\n"},
 };
 
 std::string nameOf(const testing::TestParamInfo<WrittenMistake>& info) { return info.param.name; }
 
 INSTANTIATE_TEST_SUITE_P(Documents, WrittenMistakeTest, testing::ValuesIn(kMistakes), nameOf);
+
+TEST_F(CommandTest, WrittenMistakeDocumentInUtf16) {
+  const std::string graph = "{ \"outputs\": [] }\n";
+  std::string lowFirst = "\xFF\xFE";
+  std::string highFirst = "\xFE\xFF";
+  for (const char c : graph) {
+    lowFirst.append({c, '\0'});
+    highFirst.append({'\0', c});
+  }
+  write("low.json", lowFirst);
+  write("high.json", highFirst);
+  write("low.fraglib", lowFirst);
+  const auto told = [](const std::string& file, const std::string& order) {
+    return file + ":1:1: error: expected text in UTF-8, found UTF-16, " + order +
+           " byte first: save the file as UTF-8 [malformed-json]\n";
+  };
+  EXPECT_EQ(run("collapse low.json").err, told("low.json", "low"));
+  EXPECT_EQ(run("collapse high.json").err, told("high.json", "high"));
+  EXPECT_NE(run("check low.fraglib").err.find(told("low.fraglib", "low")), std::string::npos);
+}
 
 /// UTF-16 is full of zeros.
 TEST_F(CommandTest, WrittenMistakeIncludeFileInUtf16) {

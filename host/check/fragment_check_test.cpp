@@ -165,7 +165,7 @@ TEST_F(FragmentCheckTest, BranchOfAFinalOutput) {
             "lib.fraglib:5:22: error: array size must be a positive integer [compile-error]\n");
 }
 
-TEST_F(FragmentCheckTest, RefusalOfTheGeneratorIsToldAtTheProfile) {
+TEST_F(FragmentCheckTest, RefusalOfTheGeneratorIsToldAtTheCode) {
   EXPECT_EQ(firstLine(checkLibrary(R"json({
   "f": {"mode": "metaSL", "language": ["dx11"], "implementation": [
     "void f1(out float4 result)",
@@ -174,7 +174,8 @@ TEST_F(FragmentCheckTest, RefusalOfTheGeneratorIsToldAtTheProfile) {
     "  result = 1.0;",
     "}"]}
 })json")),
-            "lib.fraglib:2:8: error: sfgError : light and shadow block is not closed! [generator]\n");
+            "lib.fraglib:5:8: error: fragment `f`: `TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN` has no "
+            "`TOLM_VESSOR_LIGHT_AND_SHADOW_END` behind it [compile-error]\n");
 }
 
 TEST_F(FragmentCheckTest, MissingIncludeIsTheCause) {

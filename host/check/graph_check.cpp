@@ -213,7 +213,9 @@ std::vector<FindingGroup> checkGraph(const CheckTools& tools, const ProbeMaker& 
   } catch (const InputError& error) {
     return refusalOf(error);
   }
-  const Environment lights = lightsFor(nature, probes);
+  // Of the default tool only light blocks have use for lights.
+  const bool usesLights = tool != CollapseTool::standard || nature.hasLightBlocks;
+  const Environment lights = usesLights ? lightsFor(nature, probes) : Environment();
   const std::optional<Document> scene =
       environment || lights.lights.empty() ? environment : Document::from(lights, kMadeUpLights);
 

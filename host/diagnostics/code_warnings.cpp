@@ -125,7 +125,7 @@ private:
     }
   }
 
-  /// Of no input it is false for ever.
+  /// Of no input `sfg_isConnected` is false for ever, and `sfg_shader` calls nothing.
   void unknownInputs() {
     for (const auto& [key, use] : facts_.uses()) {
       Set<std::string> inputs;
@@ -139,7 +139,9 @@ private:
         if (!use.known.contains(profile) || !isFunction || profile->getProfilename() == L"msl_light")
           continue;
         // Most code asks nothing.
-        if (profile->getFunctionBody().find(L"sfg_isConnected") == WString::npos) continue;
+        const WString& body = profile->getFunctionBody();
+        if (body.find(L"sfg_isConnected") == WString::npos && body.find(L"sfg_shader") == WString::npos)
+          continue;
         const FragmentCode* const code = codes_.find(use.fragment->key(), i, CodePart::implementation);
         if (code != nullptr) unknownInputs(use, *code, inputs);
       }
@@ -150,12 +152,14 @@ private:
       return code.tokens[i].in(code.text) == word;
     };
     for (std::size_t i = 0; i + 3 < code.tokens.size(); ++i) {
-      if (!is(i, L"sfg_isConnected") || !is(i + 1, L"(") || !code.tokens[i + 2].isName || !is(i + 3, L")"))
-        continue;
+      const bool asks = is(i, L"sfg_isConnected") && is(i + 3, L")");
+      const bool calls = is(i, L"sfg_shader") && (is(i + 3, L",") || is(i + 3, L")"));
+      if ((!asks && !calls) || !is(i + 1, L"(") || !code.tokens[i + 2].isName) continue;
       const std::string name = toUtf8(code.tokens[i + 2].in(code.text));
       if (inputs.contains(name)) continue;
       warnings_.atCode(Finding::unknownPort, *use.fragment, &code, code.tokens[i + 2].begin,
-                       "`sfg_isConnected` names an input, and there is none of the name " +
+                       inTicks(code.tokens[i].in(code.text)) +
+                           " names an input, and there is none of the name " +
                            inTicks(std::string_view(name)) + didYouMean(nearestName(name, inputs)));
     }
   }

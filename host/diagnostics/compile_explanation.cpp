@@ -146,8 +146,19 @@ private:
     // What only stands in front of a bracket.
     if (isCalled)
       for (const char* const name : {"for", "sfg_isConnected", "sfg_shader", "while"}) all.emplace_back(name);
+    if (fragment != nullptr && hasMetaSL(*fragment)) {
+      for (const char* const name :
+           {"TOLM_SCENE_LIGHTING", "TOLM_VESSOR_LIGHT_AND_SHADOW_BEGIN", "TOLM_VESSOR_LIGHT_AND_SHADOW_END"})
+        all.emplace_back(name);
+    }
     for (const StateVariableInfo& variable : allStateVariables()) all.push_back(toUtf8(variable.name.view()));
     return all;
+  }
+
+  static bool hasMetaSL(const IShaderFragment& fragment) {
+    for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i)
+      if (fragment.getProfile(i)->getMode() == EShaderFragmentProfileMode::MetaSL) return true;
+    return false;
   }
 
   void addNames(std::set<std::string>& names, const IShaderFragment& fragment) const {

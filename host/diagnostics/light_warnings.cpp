@@ -20,6 +20,7 @@ public:
     litAtOutputAndInLit();
     structureAccumulated();
     litWithoutLights();
+    lightsWithoutLoop();
     lightUniformsNobodyDeclares();
     profileNobodyOffers();
     lightsOfAnotherProfile();
@@ -71,6 +72,21 @@ private:
                         named(facts_.document().node(i)) + " reads the current light, but " +
                             (facts_.isLightLoop() ? "the environment has no lights"
                                                   : "only the light loop (`--tool lightloop`) has one"));
+    }
+  }
+
+  /// Without the light loop nodes take their profiles for no light. Told at the first that has others.
+  void lightsWithoutLoop() {
+    if (facts_.isLightLoop() || facts_.lights().empty() || hasMetaSL()) return;
+    for (std::size_t i = 0; i < facts_.nodeCount(); ++i) {
+      const NodeFragment& node = facts_.fragmentOf(i);
+      if (node.fragment == nullptr || !facts_.reached().contains(&node) || facts_.isLit(i)) continue;
+      if (!readsALight(*node.fragment)) continue;
+      warnings_.atGraph(Finding::litWithoutLight, facts_.document().node(i).position(),
+                        named(facts_.document().node(i)) +
+                            " is not lit: only the light loop (`--tool lightloop`) uses the lights of the "
+                            "environment");
+      return;
     }
   }
 
@@ -139,15 +155,16 @@ private:
   }
 
   bool hasLitProfile() const {
-    const UString& language = facts_.language();
-    return std::any_of(facts_.reached().begin(), facts_.reached().end(), [&](const NodeFragment* node) {
-      const IShaderFragment& fragment = *node->fragment;
-      for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i) {
-        const Profile profile = fragment.getProfile(i);
-        if (profile->languages().contains(language) && readsCurrentLight(profile)) return true;
-      }
-      return false;
-    });
+    return std::any_of(facts_.reached().begin(), facts_.reached().end(),
+                       [&](const NodeFragment* node) { return readsALight(*node->fragment); });
+  }
+
+  bool readsALight(const IShaderFragment& fragment) const {
+    for (std::size_t i = 0; i < fragment.getNumProfiles(); ++i) {
+      const Profile profile = fragment.getProfile(i);
+      if (profile->languages().contains(facts_.language()) && readsCurrentLight(profile)) return true;
+    }
+    return false;
   }
 
   static std::string nearOffered(const Set<WString>& offered, const WString& name) {

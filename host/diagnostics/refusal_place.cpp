@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "fragments/profile_choice.h"
+#include "host/diagnostics/light_blocks.h"
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
@@ -170,6 +171,8 @@ public:
     return std::nullopt;
   }
 
+  Found openLightBlock() const { return findOpenLightBlock(job_); }
+
   Diagnostic outputOrFile() const {
     for (const GraphNode::Wire& wire : document_.outputWires()) {
       if (wire.source != nullptr) {
@@ -328,6 +331,7 @@ Found findByMessage(const RefusalSearch& search, std::wstring_view message) {
   if (says(L"have a default profile")) return search.withoutDefaultProfile();
   if (says(L"Failed to set default profile")) return search.nodeWithoutDefaultProfile();
   if (says(L"Inline body parameter count")) return search.mismatchedPorts();
+  if (says(L"block is not closed")) return search.openLightBlock();
   if (says(L"light")) return search.light(message);
   return std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include "host/diagnostics/chain_warnings.h"
 #include "host/diagnostics/code_warnings.h"
 #include "host/diagnostics/include_warnings.h"
+#include "host/diagnostics/light_types.h"
 #include "host/diagnostics/light_warnings.h"
 #include "host/diagnostics/port_warnings.h"
 #include "host/diagnostics/shader_arguments.h"
@@ -25,6 +26,7 @@ std::vector<Diagnostic> findWarnings(const CollapseJob& job, bool completeShader
   };
   if (!completeShader) {
     append(findTypeErrors(job, Severity::warning));
+    append(findLightTypeErrors(job, Severity::warning));
     append(findShaderArguments(job, Severity::warning));
   }
   append(findDroppedComponents(job));

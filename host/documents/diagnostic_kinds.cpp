@@ -57,6 +57,7 @@ constexpr KindRow kRows[] = {
     {Finding::emptyInclude, {"empty-include", "an include file holds nothing"}},
     {Finding::unreadableInclude, {"unreadable-include", "an include file cannot be read"}},
     {Finding::wireType, {"wire-type", "a wire leads from one type to another that does not take it"}},
+    {Finding::lightType, {"light-type", "a light gives another type than surfaces read"}},
     {Finding::droppedComponents, {"dropped-components", "a wire leads from a vector to a shorter one"}},
     {Finding::calledExpression,
      {"called-expression", "an inline expression is wired to an input that is called as a function"}},

@@ -45,6 +45,7 @@ enum class Finding {
   unreadableInclude,
   // Wires
   wireType,
+  lightType,
   droppedComponents,
   calledExpression,
   interfaceMismatch,

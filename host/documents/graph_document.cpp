@@ -7,6 +7,7 @@
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
+#include "host/documents/other_kind.h"
 #include "host/documents/port_finder.h"
 #include "host/documents/shading_environment.h"
 #include "sfg/shader_fragment_graph_builder.h"
@@ -79,6 +80,7 @@ public:
 
   RefPtr<GraphDocument> load(std::span<const NodeConstant> constants) {
     reader_.checkKeys(graphKeys());
+    refuseOtherKind(reader_, graphKeys(), "a graph");
     document_->problems_ = reader_.problems();
     readGraphInputs();
     readUniforms();
@@ -231,6 +233,17 @@ private:
     }
   }
 
+  /// Whether the node has the ports of an expression, which are its placeholders.
+  static bool isExpression(const GraphNode& node) {
+    return !node.inputs().empty() && node.inputs()[0]->getName().starts_with(L"{{");
+  }
+  static std::string placeholders(const GraphNode& node) {
+    std::string text;
+    for (const auto& input : node.inputs())
+      text.append(text.empty() ? "" : ", ") += inTicks(input->getName());
+    return text;
+  }
+
   void wireInput(GraphNode& node, const IObjectDataNode& inputs, std::size_t index) {
     const WString& name = inputs.memberName(index);
     const IObjectDataNode& object = *inputs.elementOrNull(index);
@@ -244,6 +257,13 @@ private:
     }
     const std::size_t port = portFinder_.find(node.type_->inputs, name);
     if (port == kNotFound && !node.type_->knowsPorts) return;
+    if (port == kNotFound && isExpression(node)) {
+      reader_.refuseMember(Finding::unknownPort, inputs, index,
+                           "node " + inTicks(node.name_) + " has no input " + inTicks(name) +
+                               ": its fragment " + inTicks(node.fragmentName()) +
+                               " is an expression, so the node needs an `interface`, with inputs for " +
+                               placeholders(node));
+    }
     if (port == kNotFound) {
       reader_.refuseMember(Finding::unknownPort, inputs, index,
                            "node " + inTicks(node.name_) + " has no input " + inTicks(name) +

@@ -1,6 +1,7 @@
 #include "host/documents/shading_environment.h"
 
 #include "host/documents/document_reader.h"
+#include "host/documents/other_kind.h"
 #include "host/documents/shader_names.h"
 #include "sfg/shader_fragment_profile_function.h"
 #include "sfg/size_limit.h"
@@ -63,6 +64,7 @@ RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILang
                                            const LibraryPorts& libraryPorts, const WhyUnknown& whyUnknown) {
   DocumentReader reader(document);
   reader.checkKeys(environmentKeys());
+  refuseOtherKind(reader, environmentKeys(), "an environment");
   RefPtr<ShadingEnvironment> environment = makeRef<ShadingEnvironment>();
   environment->file_ = document.name();
   environment->problems_ = reader.problems();

@@ -2,6 +2,7 @@
 
 #include "host/diagnostics/compile_explanation.h"
 #include "host/diagnostics/faulty_fragments.h"
+#include "host/diagnostics/light_types.h"
 #include "host/diagnostics/refusal_place.h"
 #include "host/diagnostics/shader_arguments.h"
 #include "host/diagnostics/warnings.h"
@@ -141,6 +142,8 @@ std::vector<Diagnostic> Job::errors() const {
   std::vector<Diagnostic> errors = findFaultyFragments(state_->job);
   const std::vector<Diagnostic> types = findTypeErrors(state_->job, Severity::error);
   errors.insert(errors.end(), types.begin(), types.end());
+  const std::vector<Diagnostic> lights = findLightTypeErrors(state_->job, Severity::error);
+  errors.insert(errors.end(), lights.begin(), lights.end());
   const std::vector<Diagnostic> arguments = findShaderArguments(state_->job, Severity::error);
   errors.insert(errors.end(), arguments.begin(), arguments.end());
   return errors;

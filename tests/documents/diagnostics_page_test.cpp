@@ -25,7 +25,7 @@ DiagnosticsPage thePage() {
 
 /// What only a broken machine or a program can deserve.
 const std::set<std::string> kWithoutExample = {"unreadable-folder", "too-many-lights", "no-result",
-                                               "out-of-memory", "failure"};
+                                               "out-of-memory",     "failure",         "collapse-place"};
 
 /// What can be told of sound documents, and so has an example that does not deserve it.
 const std::set<std::string> kLints = {
