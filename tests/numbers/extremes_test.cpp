@@ -8,6 +8,7 @@
 #include "tests/numbers/agreement.h"
 #include "tests/numbers/compute_shader.h"
 #include "tests/numbers/device_fragment.h"
+#include "tests/numbers/layer_references.h"
 #include "tests/numbers/reflection_models.h"
 #include "tests/numbers/shape_references.h"
 
@@ -92,6 +93,8 @@ TEST_F(Extremes, OfReflectionModelsAreFinite) { check(brdfTopic()); }
 TEST_F(Extremes, OfNoisesAreFinite) { check(noiseTopic()); }
 
 TEST_F(Extremes, OfPatternsAreFinite) { check(patternTopic()); }
+
+TEST_F(Extremes, OfLayersAreFinite) { check(layerTopic()); }
 
 TEST_F(Extremes, OfShapesAreFinite) { check(shapeTopic()); }
 
