@@ -13,7 +13,11 @@ struct sfg_Light
     float3 groundColor; // radiance from below; zero for lamps
     float3 mirrorColor; // radiance along the mirror direction of the view, where mirrorShare is 1
     float3 mirrorBlurred; // the same for the roughest surface
-    float mirrorShare;  // 0: sky and ground are mirrored, 1: the two above
+    float mirrorShare;  // 0: sky and ground are mirrored, 1: the two above and the four below
+    float3 mirrorSmooth; // the same for a roughness of 0.2
+    float3 mirrorSatin;  // 0.4
+    float3 mirrorBrushed; // 0.6
+    float3 mirrorRough;  // 0.8
 };
 
 // Inverse square of the distance, at least minDistance, faded to zero at `range` (Karis 2013). Range 0: no fade.
@@ -52,6 +56,10 @@ sfg_Light sfg_makeLight(float3 direction, float distance, float3 color)
     made.mirrorColor = float3(0.0, 0.0, 0.0);
     made.mirrorBlurred = float3(0.0, 0.0, 0.0);
     made.mirrorShare = 0.0;
+    made.mirrorSmooth = float3(0.0, 0.0, 0.0);
+    made.mirrorSatin = float3(0.0, 0.0, 0.0);
+    made.mirrorBrushed = float3(0.0, 0.0, 0.0);
+    made.mirrorRough = float3(0.0, 0.0, 0.0);
     return made;
 }
 
@@ -86,13 +94,17 @@ sfg_Light sfg_makeEnvironmentLight(float3 skyColor, float3 groundColor)
 }
 
 // An environment of which only three directions are known: `around` arrives on the surface along its normal, the
-// other two along the mirror direction of the view, sharp and blurred.
+// other two along the mirror direction of the view, sharp and blurred. Surfaces between them mix the two.
 sfg_Light sfg_makeImageLight(float3 around, float3 mirrored, float3 blurred)
 {
     sfg_Light made = sfg_makeEnvironmentLight(around, around);
     made.mirrorColor = mirrored;
     made.mirrorBlurred = blurred;
     made.mirrorShare = 1.0;
+    made.mirrorSmooth = lerp(mirrored, blurred, 0.2);
+    made.mirrorSatin = lerp(mirrored, blurred, 0.4);
+    made.mirrorBrushed = lerp(mirrored, blurred, 0.6);
+    made.mirrorRough = lerp(mirrored, blurred, 0.8);
     return made;
 }
 
@@ -112,8 +124,11 @@ float3 sfg_lightAmbient(sfg_Light light, float3 n)
 // What a surface of that roughness mirrors of sky and ground towards the eye, `mirrored` being the mirror direction.
 float3 sfg_lightMirrored(sfg_Light light, float3 mirrored, float roughness)
 {
-    return lerp(sfg_lightAmbient(light, mirrored),
-        lerp(light.mirrorColor, light.mirrorBlurred, saturate(roughness)), light.mirrorShare);
+    float place = 5.0 * saturate(roughness);
+    float3 seen = light.mirrorColor * saturate(1.0 - place) + light.mirrorBlurred * saturate(place - 4.0) +
+        light.mirrorSmooth * saturate(1.0 - abs(place - 1.0)) + light.mirrorSatin * saturate(1.0 - abs(place - 2.0)) +
+        light.mirrorBrushed * saturate(1.0 - abs(place - 3.0)) + light.mirrorRough * saturate(1.0 - abs(place - 4.0));
+    return lerp(sfg_lightAmbient(light, mirrored), seen, light.mirrorShare);
 }
 
 // Irradiance from the lamp on a surface with normal n.

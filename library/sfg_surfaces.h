@@ -139,6 +139,10 @@ sfg_Light sfg_lightThroughCoat(sfg_Light light, float3 n, float3 v, float coatRo
     below.groundColor = light.groundColor * sky;
     below.mirrorColor = light.mirrorColor * sky;
     below.mirrorBlurred = light.mirrorBlurred * sky;
+    below.mirrorSmooth = light.mirrorSmooth * sky;
+    below.mirrorSatin = light.mirrorSatin * sky;
+    below.mirrorBrushed = light.mirrorBrushed * sky;
+    below.mirrorRough = light.mirrorRough * sky;
     return below;
 }
 

@@ -26,9 +26,9 @@ std::vector<OutputPort> interfaceOutputs(const std::string& graph, const std::st
 std::string withOutput(const std::string& graph, const std::string& node, const std::string& output,
                        const std::string& type);
 
-/// The last fragment behind a graph, whose first output is the pixel: of the environment's "output", else of
-/// the graph's "postprocess"; empty without one.
-std::string lastFragment(const std::string& graph, const std::string& environment);
+/// The fragments behind a graph, whose first output is the pixel, the last one first: the environment's
+/// "output", then the graph's "postprocess" backwards.
+std::vector<std::string> lastFragments(const std::string& graph, const std::string& environment);
 
 /// What a library file says of a port; empty where it says nothing.
 struct PortWords {

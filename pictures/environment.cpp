@@ -18,6 +18,7 @@ namespace {
 constexpr std::uint32_t kSide = 128;     ///< texels of the sharpest level
 constexpr std::uint32_t kLevels = 6;     ///< the last is 4 texels wide
 constexpr std::uint32_t kSamples = 128;  ///< for each blurred texel
+constexpr std::uint32_t kTable = 64;     ///< texels along each side of the table of the split sum
 constexpr double kPi = std::numbers::pi;
 
 /// A point of the square that fills it evenly with the others (Hammersley).
@@ -169,6 +170,7 @@ double panel(const Vector& d, const Vector& axis, double halfWidth, double halfH
 }
 
 // Files: a mark with the version of the method, the panorama's sum, then all numbers.
+constexpr char kTableMark[8] = {'s', 'f', 'g', 's', 'u', 'm', '0', '1'};
 constexpr char kMark[8] = {'s', 'f', 'g', 'e', 'n', 'v', '0', '1'};
 
 std::uint64_t sumOf(const Picture& picture) {
@@ -210,21 +212,28 @@ bool readKept(const std::filesystem::path& file, std::uint64_t sum, EnvironmentL
 }
 
 /// Under another name first: whoever reads sees a whole file or none.
-void keep(const std::filesystem::path& file, std::uint64_t sum, const EnvironmentLight& light) {
+template <class Write>
+void keepFile(const std::filesystem::path& file, const Write& write) {
   std::error_code error;
   std::filesystem::create_directories(file.parent_path(), error);
   std::filesystem::path unfinished = file;
-  unfinished += "." + std::to_string(reinterpret_cast<std::uintptr_t>(&light)) + ".part";
+  unfinished += "." + std::to_string(reinterpret_cast<std::uintptr_t>(&error)) + ".part";
   std::ofstream stream(unfinished, std::ios::binary);
-  stream.write(kMark, sizeof(kMark));
-  stream.write(reinterpret_cast<const char*>(&sum), sizeof(sum));
-  stream.write(reinterpret_cast<const char*>(light.diffuse.data()), sizeof(light.diffuse));
-  for (const std::vector<float>& level : light.mirrored.levels)
-    stream.write(reinterpret_cast<const char*>(level.data()),
-                 static_cast<std::streamsize>(level.size() * sizeof(float)));
+  write(stream);
   stream.close();
   if (stream) std::filesystem::rename(unfinished, file, error);
   if (!stream || error) std::filesystem::remove(unfinished, error);
+}
+
+void keep(const std::filesystem::path& file, std::uint64_t sum, const EnvironmentLight& light) {
+  keepFile(file, [&](std::ostream& stream) {
+    stream.write(kMark, sizeof(kMark));
+    stream.write(reinterpret_cast<const char*>(&sum), sizeof(sum));
+    stream.write(reinterpret_cast<const char*>(light.diffuse.data()), sizeof(light.diffuse));
+    for (const std::vector<float>& level : light.mirrored.levels)
+      stream.write(reinterpret_cast<const char*>(level.data()),
+                   static_cast<std::streamsize>(level.size() * sizeof(float)));
+  });
 }
 
 }  // namespace
@@ -307,7 +316,6 @@ Vector diffuseAt(const EnvironmentLight& light, const Vector& n) {
 }
 
 Picture splitSumTable() {
-  constexpr std::uint32_t kTable = 64;
   Picture table(kTable, kTable);
   for (std::uint32_t row = 0; row < kTable; ++row) {
     const double alpha = std::max(std::pow((row + 0.5) / kTable, 2), 1e-3);
@@ -335,6 +343,24 @@ Picture splitSumTable() {
       table.at(column, row)[3] = 1;
     }
   }
+  return table;
+}
+
+Picture keptSplitSumTable(const std::filesystem::path& folder) {
+  if (folder.empty()) return splitSumTable();
+  const std::filesystem::path file = folder / "split-sum.bin";
+  Picture table(kTable, kTable);
+  const auto bytes = static_cast<std::streamsize>(table.texels.size() * sizeof(float));
+  char mark[sizeof(kTableMark)] = {};
+  std::ifstream kept(file, std::ios::binary);
+  kept.read(mark, sizeof(mark));
+  kept.read(reinterpret_cast<char*>(table.texels.data()), bytes);
+  if (kept && std::equal(std::begin(mark), std::end(mark), kTableMark)) return table;
+  table = splitSumTable();
+  keepFile(file, [&](std::ostream& stream) {
+    stream.write(kTableMark, sizeof(kTableMark));
+    stream.write(reinterpret_cast<const char*>(table.texels.data()), bytes);
+  });
   return table;
 }
 

@@ -39,5 +39,7 @@ Vector diffuseAt(const EnvironmentLight& light, const Vector& n);
 /// Red and green are the factor of the reflectance along the normal and what is added to it: the cosine of
 /// the view runs to the right from 0 to 1, the roughness down (Karis 2013; masking of both sides by Smith).
 Picture splitSumTable();
+/// The same, kept in a folder for the next time as lights are.
+Picture keptSplitSumTable(const std::filesystem::path& folder);
 
 }  // namespace pictures

@@ -104,6 +104,25 @@ TEST(EnvironmentTest, TheTableOfTheSplitSumKeepsEnergy) {
   EXPECT_GT(table.at(0, 2)[1], 0.85f);
 }
 
+TEST(EnvironmentTest, TheTableOfTheSplitSumIsKept) {
+  const TestFolder folder;
+  const std::filesystem::path file = folder.path() / "split-sum.bin";
+  const Picture made = keptSplitSumTable(folder.path());
+  EXPECT_EQ(made.texels, splitSumTable().texels);
+  ASSERT_TRUE(std::filesystem::exists(file));
+  {
+    std::fstream stream(file, std::ios::binary | std::ios::in | std::ios::out);
+    const float changed = 7;
+    stream.seekp(8);
+    stream.write(reinterpret_cast<const char*>(&changed), sizeof(changed));
+  }
+  EXPECT_EQ(keptSplitSumTable(folder.path()).texels[0], 7);
+  // A file cut short is computed anew.
+  std::filesystem::resize_file(file, 1000);
+  EXPECT_EQ(keptSplitSumTable(folder.path()).texels, made.texels);
+  EXPECT_EQ(keptSplitSumTable(file / "below a file").texels, made.texels);
+}
+
 TEST(EnvironmentTest, BuiltInPanoramasHaveLampsOfTheirOwn) {
   const auto brightest = [](const Picture& picture) {
     return *std::max_element(picture.texels.begin(), picture.texels.end());

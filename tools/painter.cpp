@@ -96,8 +96,7 @@ std::optional<pictures::Picture> Painter::draw(const ThumbnailRequest& request) 
         pictures::withOutput(documents.graph, shown->node, shown->output.name, shown->output.type),
         request.graphFile);
   } else {
-    const std::string last = pictures::lastFragment(documents.graph, documents.environment);
-    view.isEncoded = !last.empty() && wordsOf(documents, last, "result").space == "srgb";
+    view.isEncoded = isEncoded(documents);
   }
   host::Job job(libraries_, documents.graphDocument, request.collapse, documents.environmentDocument);
   job.collapse();

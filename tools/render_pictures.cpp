@@ -167,8 +167,7 @@ private:
           request_.job.graphFile);
       return;
     }
-    const std::string last = pictures::lastFragment(documents_.graph, documents_.environment);
-    options_.isEncoded = !last.empty() && wordsOf(documents_, last, "result").space == "srgb";
+    options_.isEncoded = isEncoded(documents_);
   }
 
   Picture develop(pictures::Shot shot, Surroundings& surroundings) const {

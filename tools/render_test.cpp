@@ -187,6 +187,146 @@ TEST_F(RenderTest, ComparesWithAnotherPicture) {
             path("a.png") + ": error: is a picture of 64x64, not of 32x32 [wrong-value]\n");
 }
 
+/// Brightness runs with the seconds; what does not read them stays.
+TEST_F(RenderTest, ShowsAMoment) {
+  writeGraph("scaleFloat3", R"("a": { "value": [1.0, 1.0, 1.0] }, "factor": { "node": "clock" } }
+    }, { "name": "clock", "fragment": "sceneTime", "inputs": { "speed": { "value": 0.5 } )");
+  for (const auto& [seconds, expected] : {std::pair("0", 0.0f), {"1", 0.5f}, {"3", 1.5f}}) {
+    const CommandRun drawn = render("-o a.exr --shape plane --time " + std::string(seconds));
+    EXPECT_EQ(drawn.err, "");
+    EXPECT_NEAR(picture("a.exr").at(32, 32)[0], expected, 0.001f) << seconds;
+  }
+  writeGraph("scaleFloat3", kTint);
+  EXPECT_EQ(render("-o a.png --time 0").status, 0);
+  EXPECT_THAT(render("-o b.png --time 7 --compare " + path("a.png")).out, testing::HasSubstr("greatest 0;"));
+}
+
+/// Colours, nothing, and the surroundings, of which a plane hides the middle.
+TEST_F(RenderTest, ShowsEveryBackground) {
+  Picture around(64, 32);
+  for (std::size_t i = 0; i < around.texels.size(); i += 4) {
+    around.texels[i] = 0.25f;
+    around.texels[i + 1] = 3.0f;
+    around.texels[i + 3] = 1;
+  }
+  write("around.hdr", pictures::writePicture(around, pictures::PictureFormat::hdr));
+  write("around.json", R"({ "image": "around.hdr" })");
+  writeGraph("scaleFloat3", kTint);
+  const CommandRun drawn = render("-o a.exr --background environment --environment " + path("around.json"));
+  EXPECT_EQ(drawn.err, "");
+  EXPECT_NEAR(picture("a.exr").at(1, 1)[0], 0.25f, 0.01f);
+  EXPECT_NEAR(picture("a.exr").at(1, 1)[1], 3.0f, 0.05f);
+  EXPECT_EQ(picture("a.exr").at(32, 32)[0], 0.5f);
+  EXPECT_EQ(render("-o b.png --background environment --environment " + path("around.json")).status, 0);
+  EXPECT_EQ(at(picture("b.png"), 1, 1), (Bytes{137, 255, 0, 255}));
+  EXPECT_EQ(render("-o c.exr --background 0.5,0.25,2").status, 0);
+  EXPECT_EQ(picture("c.exr").at(1, 1)[0], 0.5f);
+  EXPECT_EQ(picture("c.exr").at(1, 1)[2], 2.0f);
+  EXPECT_EQ(render("-o d.exr --background transparent").status, 0);
+  EXPECT_EQ(picture("d.exr").at(1, 1)[3], 0.0f);
+  EXPECT_EQ(picture("d.exr").at(32, 32)[3], 1.0f);
+  EXPECT_EQ(render("-o e.exr --background nowhere").status, 2);
+}
+
+/// 16 x 16 points: the left half 200, 40, 20, the right one 30, 90, 180.
+TEST_F(RenderTest, ReadsJpegTextures) {
+  writeGraph("sampleTexture2D", "");
+  const CommandRun drawn =
+      render("-o a.png --shape plane --texture a.image=" + repository("tests/pictures/two_colors.jpg"));
+  EXPECT_EQ(drawn.err, "");
+  const Picture seen = picture("a.png");
+  // Colours are encoded as sRGB and come out so; the compression is off by a few steps.
+  EXPECT_NEAR(seen.at(22, 32)[0], 200.0f / 255, 0.03f);
+  EXPECT_NEAR(seen.at(22, 32)[1], 40.0f / 255, 0.03f);
+  EXPECT_NEAR(seen.at(42, 32)[0], 30.0f / 255, 0.03f);
+  EXPECT_NEAR(seen.at(42, 32)[2], 180.0f / 255, 0.03f);
+}
+
+/// One triangle that fills the lower left half of a square, with its numbers in the document itself.
+TEST_F(RenderTest, DrawsGltfShapes) {
+  std::string bytes;
+  const auto add = [&bytes](std::initializer_list<float> numbers) {
+    for (const float number : numbers) bytes.append(reinterpret_cast<const char*>(&number), sizeof(number));
+  };
+  add({-1, -1, 0, 1, -1, 0, -1, 1, 0});
+  add({0, 0, 1, 0, 0, 1, 0, 0, 1});
+  write("triangle.bin", bytes);
+  write("triangle.gltf", R"({ "asset": { "version": "2.0" }, "scene": 0, "scenes": [ { "nodes": [ 0 ] } ],
+    "nodes": [ { "mesh": 0 } ],
+    "meshes": [ { "primitives": [ { "attributes": { "POSITION": 0, "NORMAL": 1 } } ] } ],
+    "accessors": [ { "bufferView": 0, "componentType": 5126, "count": 3, "type": "VEC3",
+      "min": [ -1, -1, 0 ], "max": [ 1, 1, 0 ] },
+      { "bufferView": 1, "componentType": 5126, "count": 3, "type": "VEC3" } ],
+    "bufferViews": [ { "buffer": 0, "byteLength": 36 }, { "buffer": 0, "byteOffset": 36, "byteLength": 36 } ],
+    "buffers": [ { "uri": "triangle.bin", "byteLength": 72 } ] })");
+  writeGraph("objectNormal", "");
+  const CommandRun drawn =
+      render("-o a.exr --background 9,9,9 --camera 0,0,4 --shape " + path("triangle.gltf"));
+  EXPECT_EQ(drawn.err, "");
+  ASSERT_EQ(drawn.status, 0);
+  const Picture seen = picture("a.exr");
+  EXPECT_NEAR(seen.at(26, 38)[2], 1.0f, 0.001f);
+  EXPECT_NEAR(seen.at(26, 38)[0], 0.0f, 0.001f);
+  EXPECT_EQ(seen.at(40, 24)[0], 9.0f);
+}
+
+/// An output that lets colours through as they come leaves it to the graph whether they are encoded; a MetaSL
+/// surface takes the light of the surroundings.
+TEST_F(RenderTest, OutputsThatChangeNothingLeaveTheEncodingToTheGraph) {
+  write("lamp.json", R"({ "lights": [], "output": "framebuffer" })");
+  writeGraph("scaleFloat3", kTint, R"(, "postprocess": ["postSrgb"])");
+  EXPECT_EQ(render("-o a.png").status, 0);
+  EXPECT_EQ(render("-o b.png --environment " + path("lamp.json")).status, 0);
+  EXPECT_EQ(at(picture("b.png"), 32, 32), at(picture("a.png"), 32, 32));
+  writeGraph("scaleFloat3", kTint);
+  EXPECT_EQ(render("-o c.png --environment " + path("lamp.json")).status, 0);
+  EXPECT_EQ(at(picture("c.png"), 32, 32), at(picture("a.png"), 32, 32));
+}
+
+TEST_F(RenderTest, SurroundingsLightMetaSl) {
+  Picture around(64, 32);
+  std::fill(around.texels.begin(), around.texels.end(), 2.0f);
+  write("around.hdr", pictures::writePicture(around, pictures::PictureFormat::hdr));
+  write("around.json", R"({ "image": "around.hdr" })");
+  writeGraph("mslLambertSurface", R"("diffuse": { "value": [0.5, 0.25, 1.0] })");
+  const CommandRun drawn = render("-o a.exr --environment " + path("around.json"));
+  EXPECT_EQ(drawn.err, "");
+  EXPECT_NEAR(picture("a.exr").at(32, 32)[0], 1.0f, 0.03f);
+  EXPECT_NEAR(picture("a.exr").at(32, 32)[1], 0.5f, 0.03f);
+}
+
+/// Of one colour everywhere, or the mean of a picture, whatever is moved and blended.
+TEST_F(RenderTest, TextureFragmentsKeepColors) {
+  Picture plain(16, 16);
+  Picture board(16, 16);
+  for (std::size_t i = 0; i < 256; ++i) {
+    const bool isBright = (i / 16 + i) % 2 == 0;
+    const float colors[4] = {0.5f, 0.25f, 0.75f, 1};
+    std::copy(std::begin(colors), std::end(colors), &plain.texels[4 * i]);
+    for (std::size_t k = 0; k < 3; ++k) board.texels[4 * i + k] = isBright ? 1.0f : 0.0f;
+    board.texels[4 * i + 3] = 1;
+  }
+  write("plain.exr", pictures::writePicture(plain, pictures::PictureFormat::exr));
+  write("board.exr", pictures::writePicture(board, pictures::PictureFormat::exr));
+  for (const char* fragment : {"hexTiledTexture", "sampleTexture2D", "triplanarTexture", "boxTexture",
+                               "flowTexture", "sampleTextureLevel2D"}) {
+    writeGraph(fragment, "");
+    const CommandRun drawn = render("-o a.exr --texture a.image=" + path("plain.exr"));
+    EXPECT_EQ(drawn.err, "") << fragment;
+    for (std::size_t at : {20, 32, 40}) {
+      EXPECT_NEAR(picture("a.exr").at(at, 32)[0], 0.5f, 0.002f) << fragment;
+      EXPECT_NEAR(picture("a.exr").at(at, 32)[2], 0.75f, 0.002f) << fragment;
+    }
+  }
+  // Blended evenly, a board stays grey on average; a repetition is not seen.
+  writeGraph("hexTiledTexture", R"("contrast": { "value": 0.0 }, "sharpness": { "value": 1.0 })");
+  EXPECT_EQ(render("-o a.exr --shape plane --samples 16 --texture a.image=" + path("board.exr")).status, 0);
+  const Picture tiled = picture("a.exr");
+  double sum = 0;
+  for (std::size_t i = 0; i < 400; ++i) sum += static_cast<double>(tiled.at(22 + i % 20, 22 + i / 20)[0]);
+  EXPECT_NEAR(sum / 400, 0.5, 0.03);
+}
+
 TEST_F(RenderTest, TurnsTheShape) {
   writeGraph("worldNormal", "");
   EXPECT_EQ(render("-o a.png --shape plane --turntable 12").status, 0);

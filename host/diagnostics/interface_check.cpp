@@ -39,7 +39,7 @@ private:
   void check(const GraphNode& node, const IShaderFragment& code) {
     for (std::size_t i = 0; i < std::min(node.getNumInputs(), code.getNumInputs()); ++i) {
       const AParameter& port = *node.getInput(i);
-      if (fitOf(port, *code.getInput(i), false) != Fit::fits)
+      if (fitOf(port, *code.getInput(i), false) != Fit::fits && !isInputOfAProfile(code, i, port))
         tell(node, "input ", port, *code.getInput(i), node.inputPlaces()[i]);
     }
     for (std::size_t i = 0; i < std::min(node.getNumOutputs(), code.getNumOutputs()); ++i) {
@@ -50,12 +50,26 @@ private:
     }
   }
 
-  /// Profiles for other lights may have outputs of other types.
-  static bool isOutputOfAProfile(const IShaderFragment& code, std::size_t output, const AParameter& port) {
-    const WString type = port.getType() == TypeID_struct ? port.getStructName() : port.getType().toString();
+  static WString typeOf(const AParameter& port) {
+    return port.getType() == TypeID_struct ? port.getStructName() : port.getType().toString();
+  }
+
+  /// Profiles for MetaSL code are called with inputs of their own.
+  static bool isInputOfAProfile(const IShaderFragment& code, std::size_t input, const AParameter& port) {
     for (std::size_t i = 1; i < code.getNumProfiles(); ++i) {
       const ITextParameterList& list = *code.getProfile(i)->getFunctionParameters();
-      if (output < list.getNumOutputs() && list.getOutputType(output) == type) return true;
+      if (input < list.getNumInputs() && list.getInputName(input) == port.getName() &&
+          list.getInputType(input) == typeOf(port))
+        return true;
+    }
+    return false;
+  }
+
+  /// Profiles for other lights may have outputs of other types.
+  static bool isOutputOfAProfile(const IShaderFragment& code, std::size_t output, const AParameter& port) {
+    for (std::size_t i = 1; i < code.getNumProfiles(); ++i) {
+      const ITextParameterList& list = *code.getProfile(i)->getFunctionParameters();
+      if (output < list.getNumOutputs() && list.getOutputType(output) == typeOf(port)) return true;
     }
     return false;
   }

@@ -356,5 +356,30 @@ float3 numbers_shade(float metallic, float roughness)
   }
 }
 
+// A surface between two of the six degrees of blur mixes the two.
+TEST_F(Reflection, OfAnImageHasSixDegreesOfBlur) {
+  Function function;
+  function.code = includeText("sfg_lights.h") + R"(
+float3 numbers_mirrored(float roughness)
+{
+    sfg_Light light = sfg_makeImageLight(float3(0.0, 0.0, 0.0), float3(0.0, 0.0, 1.0), float3(0.0, 0.0, 32.0));
+    light.mirrorSmooth = float3(0.0, 0.0, 2.0);
+    light.mirrorSatin = float3(0.0, 0.0, 4.0);
+    light.mirrorBrushed = float3(0.0, 0.0, 8.0);
+    light.mirrorRough = float3(0.0, 0.0, 16.0);
+    return sfg_lightMirrored(light, float3(0.0, 1.0, 0.0), roughness);
+}
+)";
+  function.call = "result = numbers_mirrored(roughness);";
+  function.inputs = {{{"roughness", "float"}, false}};
+  function.outputs = {{"result", "float3"}};
+  std::vector<float> const seen = DeviceFragment(function).run(
+      compute_, {-1.0f, 0.0f, 0.1f, 0.2f, 0.4f, 0.5f, 0.6f, 0.8f, 0.9f, 1.0f, 2.0f});
+  float const expected[] = {1, 1, 1.5f, 2, 4, 6, 8, 16, 24, 32, 32};
+  for (std::size_t i = 0; i < std::size(expected); ++i) {
+    EXPECT_NEAR(seen[3 * i + 2], expected[i], 1e-4f) << i;
+  }
+}
+
 }  // namespace
 }  // namespace numbers_test

@@ -8,7 +8,9 @@
 #include "tests/numbers/agreement.h"
 #include "tests/numbers/compute_shader.h"
 #include "tests/numbers/device_fragment.h"
+#include "tests/numbers/layer_references.h"
 #include "tests/numbers/reflection_models.h"
+#include "tests/numbers/shape_references.h"
 
 namespace numbers_test {
 namespace {
@@ -91,6 +93,10 @@ TEST_F(Extremes, OfReflectionModelsAreFinite) { check(brdfTopic()); }
 TEST_F(Extremes, OfNoisesAreFinite) { check(noiseTopic()); }
 
 TEST_F(Extremes, OfPatternsAreFinite) { check(patternTopic()); }
+
+TEST_F(Extremes, OfLayersAreFinite) { check(layerTopic()); }
+
+TEST_F(Extremes, OfShapesAreFinite) { check(shapeTopic()); }
 
 TEST_F(Extremes, OfCoordinatesAreFinite) { check(coordinateTopic()); }
 

@@ -11,8 +11,10 @@
 #include "tests/numbers/blending_references.h"
 #include "tests/numbers/compute_shader.h"
 #include "tests/numbers/fragment_source.h"
+#include "tests/numbers/layer_references.h"
 #include "tests/numbers/row.h"
 #include "tests/numbers/sampler.h"
+#include "tests/numbers/shape_references.h"
 #include "tests/numbers/vulkan_compute.h"
 
 namespace numbers_test {
@@ -96,6 +98,10 @@ TEST_F(Numbers, OfTheColourFragmentsAgree) { check(colorTopic()); }
 TEST_F(Numbers, OfTheNoiseFragmentsAgree) { check(noiseTopic()); }
 
 TEST_F(Numbers, OfThePatternFragmentsAgree) { check(patternTopic()); }
+
+TEST_F(Numbers, OfTheLayersAgree) { check(layerTopic()); }
+
+TEST_F(Numbers, OfTheShapesAgree) { check(shapeTopic()); }
 
 TEST_F(Numbers, OfTheCoordinateFragmentsAgree) { check(coordinateTopic()); }
 

@@ -4,6 +4,8 @@
 
 #include "tests/numbers/blending_references.h"
 #include "tests/numbers/compute_shader.h"
+#include "tests/numbers/layer_references.h"
+#include "tests/numbers/shape_references.h"
 
 namespace numbers_test {
 

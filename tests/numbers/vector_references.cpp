@@ -332,6 +332,104 @@ std::vector<Row> matrixRows() {
   };
 }
 
+// Row by row, of any size.
+std::vector<double> flatMatrix(Sample const& in, std::size_t m, std::size_t size) {
+  std::vector<double> values;
+  for (std::size_t i = 0; i < size * size; ++i) values.push_back(in.at(m, i));
+  return values;
+}
+
+double determinantOf(std::vector<double> const& a, std::size_t size) {
+  if (size == 1) return a[0];
+  double sum = 0.0;
+  for (std::size_t column = 0; column < size; ++column) {
+    std::vector<double> minor;
+    for (std::size_t i = size; i < size * size; ++i) {
+      if (i % size != column) minor.push_back(a[i]);
+    }
+    sum += (column % 2 == 0 ? 1.0 : -1.0) * a[column] * determinantOf(minor, size - 1);
+  }
+  return sum;
+}
+
+// Cramer's rule: each column of the identity in place of each column of the matrix.
+Result inverseOf(Sample const& in, std::size_t size) {
+  std::vector<double> const a = flatMatrix(in, 0, size);
+  double const whole = determinantOf(a, size);
+  Result result;
+  for (std::size_t row = 0; row < size; ++row) {
+    for (std::size_t column = 0; column < size; ++column) {
+      std::vector<double> replaced = a;
+      for (std::size_t i = 0; i < size; ++i) replaced[i * size + row] = i == column ? 1.0 : 0.0;
+      result.add(whole == 0.0 ? 0.0 : determinantOf(replaced, size) / whole);
+    }
+  }
+  return result;
+}
+
+// So near to a matrix without an inverse that rounding decides.
+bool isNearlyFlat(Sample const& in, std::size_t size) {
+  return std::fabs(determinantOf(flatMatrix(in, 0, size), size)) < 0.05;
+}
+
+std::vector<Row> makingRows() {
+  std::vector<Input> const three = {vector3("first", -5, 5), vector3("second", -5, 5),
+                                    vector3("third", -5, 5)};
+  Tolerance const inverted{2e-3, 1e-3, "differences of products, divided by a determinant from 0.05 on"};
+  return {
+      {"matrixFromRows3", three, exactly(),
+       [](Sample const& in) { return Result(in.vec3(0), in.vec3(1), in.vec3(2)); }},
+      {"matrixFromColumns3", three, exactly(),
+       [](Sample const& in) {
+         Vec3 const a = in.vec3(0);
+         Vec3 const b = in.vec3(1);
+         Vec3 const c = in.vec3(2);
+         return Result(Vec3{a.x, b.x, c.x}, Vec3{a.y, b.y, c.y}, Vec3{a.z, b.z, c.z});
+       }},
+      {"scaleMatrix3",
+       {vector3("factors", -5, 5)},
+       exactly(),
+       [](Sample const& in) {
+         Vec3 const f = in.vec3(0);
+         return Result(Vec3{f.x, 0, 0}, Vec3{0, f.y, 0}, Vec3{0, 0, f.z});
+       }},
+      {"affineMatrix4",
+       {matrix3("linearPart", -2, 2), vector3("offset", -5, 5)},
+       exactly(),
+       [](Sample const& in) {
+         Vec3 const o = in.vec3(1);
+         return Result(extended(matrixRow(in, 0, 0), o.x), extended(matrixRow(in, 0, 1), o.y),
+                       extended(matrixRow(in, 0, 2), o.z), Vec4{0, 0, 0, 1});
+       }},
+      {"multiplyMatrix4",
+       {matrix4("a", -2, 2), matrix4("b", -2, 2)},
+       rounding(8, 16),
+       [](Sample const& in) {
+         Result result;
+         for (std::size_t i = 0; i < 16; ++i) {
+           double sum = 0.0;
+           for (std::size_t k = 0; k < 4; ++k) sum += in.at(0, i / 4 * 4 + k) * in.at(1, k * 4 + i % 4);
+           result.add(sum);
+         }
+         return result;
+       }},
+      {"inverseMatrix3",
+       {matrix3("a", -2, 2)},
+       inverted,
+       [](Sample const& in) { return inverseOf(in, 3); },
+       -1.0,
+       {},
+       [](Sample const& in) { return isNearlyFlat(in, 3); }},
+      {"inverseMatrix4",
+       {matrix4("a", -2, 2)},
+       inverted,
+       [](Sample const& in) { return inverseOf(in, 4); },
+       -1.0,
+       {},
+       [](Sample const& in) { return isNearlyFlat(in, 4); }},
+  };
+}
+
 std::vector<Row> inlineRows() {
   return {
       {"dotInline",
@@ -396,7 +494,7 @@ std::vector<Row> inlineRows() {
 Topic vectorTopic() {
   Topic topic{"vectors.fraglib", {}};
   for (std::vector<Row> const& rows :
-       {arithmeticRows(), widthRows(), geometryRows(), matrixRows(), inlineRows()}) {
+       {arithmeticRows(), widthRows(), geometryRows(), matrixRows(), makingRows(), inlineRows()}) {
     topic.rows.insert(topic.rows.end(), rows.begin(), rows.end());
   }
   return topic;
