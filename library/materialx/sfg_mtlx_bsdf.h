@@ -168,8 +168,8 @@ float2 sfg_mtlxBorder(float cosine, float below, float n1, float n2)
         (n1 * cosine - n2 * below) / (n1 * cosine + n2 * below));
 }
 
-// Fourier transform of the sensitivity of the eye at a path difference in nanometres, as Rec. 709 (Belcour and Barla
-// 2017, with its Gaussian fit of the CIE functions in XYZ).
+// Fourier transform of the sensitivity of the eye at a path difference in nanometres, as XYZ (Belcour and Barla 2017,
+// with its Gaussian fit of the CIE functions).
 float3 sfg_mtlxSensitivity(float path, float3 shift)
 {
     float phase = SFG_TWO_PI * path * 0.000000001;
@@ -182,6 +182,7 @@ float3 sfg_mtlxSensitivity(float path, float3 shift)
     return xyz / 1.0685e-7;
 }
 
+// As CIE RGB of 1931, whose white has equal parts of XYZ.
 float3 sfg_mtlxRgbOfXyz(float3 xyz)
 {
     return float3(dot(xyz, float3(2.3706743, -0.9000405, -0.4706338)),
