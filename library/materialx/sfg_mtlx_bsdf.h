@@ -168,8 +168,8 @@ float2 sfg_mtlxBorder(float cosine, float below, float n1, float n2)
         (n1 * cosine - n2 * below) / (n1 * cosine + n2 * below));
 }
 
-// Fourier transform of the sensitivity of the eye at a path difference in nanometres, as Rec. 709 (Belcour and Barla
-// 2017, with its Gaussian fit of the CIE functions in XYZ).
+// Fourier transform of the sensitivity of the eye at a path difference in nanometres, as XYZ (Belcour and Barla 2017,
+// with its Gaussian fit of the CIE functions).
 float3 sfg_mtlxSensitivity(float path, float3 shift)
 {
     float phase = SFG_TWO_PI * path * 0.000000001;
@@ -182,6 +182,7 @@ float3 sfg_mtlxSensitivity(float path, float3 shift)
     return xyz / 1.0685e-7;
 }
 
+// As CIE RGB of 1931, whose white has equal parts of XYZ.
 float3 sfg_mtlxRgbOfXyz(float3 xyz)
 {
     return float3(dot(xyz, float3(2.3706743, -0.9000405, -0.4706338)),
@@ -436,22 +437,67 @@ sfg_MtlxBsdf sfg_mtlxSubsurface(
 }
 
 // Albedo of cloth threads: a fit of the integral of the two terms below, roughness from 0.05 on.
-float sfg_mtlxSheenAlbedo(float cosine, float roughness)
+float sfg_mtlxThreadAlbedo(float cosine, float roughness)
 {
     return saturate(sfg_sheenAlbedo(max(sqrt(roughness), 0.2), cosine));
 }
 
-// Sheen of cloth (Estevez and Kulla 2017, Neubelt and Pettineo 2013).
-sfg_MtlxBsdf sfg_mtlxSheen(sfg_Light light, float3 n, float3 v, float3 color, float roughness, float weight)
+// Albedo of a volume of fibres: a bell over the cosine, whose place, width and height go with the roughness (Zeltner,
+// Burley and Chiang 2022, fit of the reflectance).
+float sfg_mtlxFibreAlbedo(float cosine, float roughness)
+{
+    float y = roughness;
+    float width = y * (0.0206607 + 1.58491 * y) / (0.0379424 + y * (1.32227 + y));
+    float middle = y * (-0.193854 + y * (-1.14885 + y * (1.7932 - 0.95943 * y))) / (0.046391 + y);
+    float least = y * (0.000654023 + y * (-0.0207818 + 0.119681 * y)) / (1.26264 + y * (-1.92021 + y));
+    float away = (cosine - middle) / width;
+    return saturate(exp(-0.5 * away * away) / (width * sqrt(SFG_TWO_PI)) + least);
+}
+
+// How the fibres share out what they reflect, with the cosine to the light: a cosine lobe drawn along the plane of the
+// eye, whose integral is 1 (Zeltner, Burley and Chiang 2022). along: cosine between the light and the part of v in the
+// surface, 0 at the zenith, where the lobe is round.
+float sfg_mtlxFibreLobe(float nDotL, float along, float nDotV, float roughness)
+{
+    float y = roughness;
+    float spread = (2.58126 * nDotV + 0.813703 * y) * y / (1.0 + 0.310327 * nDotV * nDotV + 2.60994 * nDotV * y);
+    float skew = sqrt(max(1.0 - nDotV, 0.0)) * (y - 1.0) * y * y * y /
+        (0.0000254053 + 1.71228 * nDotV - 1.71506 * nDotV * y + 1.34174 * y * y);
+    float up = max(nDotL, 0.0);
+    float length2 = spread * spread * (1.0 - up * up) + up * (2.0 * spread * skew * along + up * (skew * skew + 1.0));
+    float share = spread / max(length2, 0.00000001);
+    return up * share * share * SFG_INV_PI;
+}
+
+// Albedo of sheen; mode 0 threads, 1 fibres.
+float sfg_mtlxSheenAlbedo(float cosine, float roughness, int mode)
 {
     float r = clamp(roughness, 0.01, 1.0);
-    float3 h = sfg_safeNormalize(light.direction + v);
-    float nDotL = sfg_mtlxCosine(n, light.direction);
+    return mode == 1 ? sfg_mtlxFibreAlbedo(cosine, r) : sfg_mtlxThreadAlbedo(cosine, r);
+}
+
+// Sheen of cloth; mode 0: threads (Estevez and Kulla 2017, Neubelt and Pettineo 2013), 1: a volume of fibres (Zeltner,
+// Burley and Chiang 2022).
+sfg_MtlxBsdf sfg_mtlxSheen(
+    sfg_Light light, float3 n, float3 v, float3 color, float roughness, float weight, int mode)
+{
+    float r = clamp(roughness, 0.01, 1.0);
     float nDotV = sfg_mtlxCosine(n, v);
-    float threads = sfg_charlieDistribution(r, sfg_mtlxCosine(n, h)) * sfg_clothVisibility(nDotL, nDotV);
-    float albedo = sfg_mtlxSheenAlbedo(nDotV, r);
-    return sfg_mtlxBsdf(weight * color * (threads * sfg_lightIrradiance(light, n) +
-                            albedo * sfg_lightAmbient(light, reflect(-v, n))),
+    float albedo = sfg_mtlxSheenAlbedo(nDotV, r, mode);
+    float3 lamp;
+    if (mode == 1)
+    {
+        float along = dot(light.direction, sfg_safeNormalize(v - n * dot(n, v)));
+        lamp = albedo * sfg_mtlxFibreLobe(dot(n, light.direction), along, nDotV, r) * light.color;
+    }
+    else
+    {
+        float3 h = sfg_safeNormalize(light.direction + v);
+        float nDotL = sfg_mtlxCosine(n, light.direction);
+        lamp = sfg_charlieDistribution(r, sfg_mtlxCosine(n, h)) * sfg_clothVisibility(nDotL, nDotV) *
+            sfg_lightIrradiance(light, n);
+    }
+    return sfg_mtlxBsdf(weight * color * (lamp + albedo * sfg_lightAmbient(light, reflect(-v, n))),
         (1.0 - weight * albedo) * float3(1.0, 1.0, 1.0));
 }
 

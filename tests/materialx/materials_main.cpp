@@ -9,6 +9,7 @@
 //   --every N       compares one block of two by two pixels in N by N
 //   --times         draws nothing and tells how much processor time import, collapse and assembly of each
 //                   element take, in a process that has the libraries, and asks for at most 20 ms (--most MS)
+//   --worst N       tells the N pixels of each wrong picture that are farthest off
 //   --pictures DIR  writes the two pictures of each element side by side, small, for a gallery
 
 #include <algorithm>
@@ -73,10 +74,19 @@ Vector placeUnder(std::uint32_t column, std::uint32_t row) {
 
 Numbers numbersOf(const Vector& a) { return {a[0], a[1], a[2]}; }
 
+/// The arcsine of the device that drew the reference pictures: a polynomial under a root, off by up to 2e-4.
+/// That moves a texture that is repeated 16 times by half a texel, which shows in sharp highlights.
+double arcsineOfReferences(double x) {
+  const double size = std::abs(x);
+  const double right = 0.5 * std::numbers::pi;
+  const double inner = 0.5 * right - 1.0 + size * (0.086566724 - size * 0.03102955);
+  return std::copysign(right - std::sqrt(1.0 - size) * (right + size * inner), x);
+}
+
 Numbers valueAt(const std::string& name, std::uint32_t column, std::uint32_t row) {
   const Vector p = placeUnder(column, row);
   const double u = std::atan2(p[0], p[2]) / (2 * std::numbers::pi) + 0.5;
-  const double v = std::asin(p[1]) / std::numbers::pi + 0.5;
+  const double v = arcsineOfReferences(p[1]) / std::numbers::pi + 0.5;
   const Vector tangent = pictures::unit({p[2], 0, -p[0]});
   if (name.ends_with("Position") || name.ends_with("Normal")) return numbersOf(p);
   if (name == "sfg_worldTangent") return numbersOf(tangent);
@@ -260,6 +270,39 @@ Verdict compare(const Studio& studio, const Picture& result, const Picture& refe
   return verdict;
 }
 
+std::string textOf(const Vector& a) {
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(3) << a[0] << " " << a[1] << " " << a[2];
+  return text.str();
+}
+
+/// Where the pictures differ most: column and row, the place on the sphere, both colours.
+void tellWorst(const Studio& studio, const Picture& result, const Picture& reference, std::size_t count) {
+  std::vector<std::array<double, 3>> pixels;  // how far off, column, row
+  for (std::uint32_t row = 0; row < kSide; ++row) {
+    for (std::uint32_t column = 0; column < kSide; ++column) {
+      if (!studio.isSeen(column, row)) continue;
+      double off = 0.0;
+      for (std::size_t i = 0; i < 3; ++i) {
+        off = std::max(off,
+                       std::abs(clamped(result.at(column, row)[i]) - clamped(reference.at(column, row)[i])));
+      }
+      pixels.push_back({-off, static_cast<double>(column), static_cast<double>(row)});
+    }
+  }
+  std::sort(pixels.begin(), pixels.end());
+  pixels.resize(std::min(count, pixels.size()));
+  for (const auto& [off, x, y] : pixels) {
+    const auto column = static_cast<std::uint32_t>(x);
+    const auto row = static_cast<std::uint32_t>(y);
+    const float* const given = result.at(column, row);
+    const float* const wanted = reference.at(column, row);
+    std::cout << "  " << column << " " << row << " at " << textOf(placeUnder(column, row)) << ": "
+              << textOf({given[0], given[1], given[2]}) << " for "
+              << textOf({wanted[0], wanted[1], wanted[2]}) << "\n";
+  }
+}
+
 /// The mean of each four by four pixels, on black, into `small` from that column on.
 void shrinkInto(Picture& small, std::uint32_t left, const Picture& picture) {
   constexpr std::uint32_t kEach = 4;
@@ -291,6 +334,7 @@ struct Arguments {
   double within = 0.02;
   double least = -1.0;
   std::uint32_t every = 1;
+  std::size_t worst = 0;
   std::string pictures;
   bool isTimed = false;
   double most = 20.0;
@@ -306,6 +350,8 @@ Arguments parse(int argc, char** argv) {
       arguments.least = std::stod(argv[++i]);
     } else if (word == "--every" && i + 1 < argc) {
       arguments.every = static_cast<std::uint32_t>(std::max(1, std::stoi(argv[++i])));
+    } else if (word == "--worst" && i + 1 < argc) {
+      arguments.worst = static_cast<std::size_t>(std::max(0, std::stoi(argv[++i])));
     } else if (word == "--times") {
       arguments.isTimed = true;
     } else if (word == "--most" && i + 1 < argc) {
@@ -317,12 +363,6 @@ Arguments parse(int argc, char** argv) {
     }
   }
   return arguments;
-}
-
-std::string textOf(const Vector& a) {
-  std::ostringstream text;
-  text << std::fixed << std::setprecision(3) << a[0] << " " << a[1] << " " << a[2];
-  return text.str();
 }
 
 int runTimes(const Arguments& arguments) {
@@ -371,6 +411,7 @@ int run(const Arguments& arguments) {
           std::cout << " WRONG, off " << verdict.off << ", mean " << textOf(verdict.mean) << " for "
                     << textOf(verdict.wanted);
         std::cout << "\n";
+        if (!isRight) tellWorst(studio, result, reference, arguments.worst);
         if (!arguments.pictures.empty()) {
           writePair(result, reference,
                     fs::path(arguments.pictures) / (fs::path(file).stem().string() + ".png"));
@@ -395,7 +436,7 @@ int main(int argc, char** argv) {
     if (arguments.words.size() < 2) {
       std::cerr
           << "usage: sfg_materialx_materials FOLDER LIBRARY [NAME]... [--within ERROR] [--least PERCENT] "
-             "[--every N] [--pictures DIR] [--times] [--most MS]\n";
+             "[--every N] [--worst N] [--pictures DIR] [--times] [--most MS]\n";
       return 2;
     }
     if (!std::filesystem::exists(std::filesystem::path(arguments.words[0]) / "index.json")) {
