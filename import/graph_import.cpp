@@ -1217,7 +1217,9 @@ private:
         const std::size_t next = input.source.node;
         if (states[next] == State::open) {
           tellOnce(*input.place, "this wire closes a cycle; its default value stands in its place", "loop");
-          input.source = valueSource(input.source.type, zeroOf(input.source.type));
+          // A closure has no value of its own: the input is left to its fragment.
+          const bool hasValue = componentCount(input.source.type) > 0;
+          input.source = hasValue ? valueSource(input.source.type, zeroOf(input.source.type)) : Source();
         } else if (states[next] == State::fresh) {
           states[next] = State::open;
           stack.emplace_back(next, 0);
@@ -1252,6 +1254,7 @@ private:
     result.name = node.name;
     result.fragment = node.fragment;
     for (const BuiltInput& input : node.inputs) {
+      if (input.source.kind == Source::Kind::nothing) continue;
       host::NodeInput wire;
       wire.name = input.port;
       if (input.source.kind == Source::Kind::node) {

@@ -415,5 +415,116 @@ TEST(GraphImport, GivesAGraphThatIsADefinitionItsDefaults) {
             "output float out_out=g/s.out_\n");
 }
 
+TEST(GraphImport, WiresClosuresThatAreUsedTwice) {
+  EXPECT_EQ(ImportFixture().import(
+                graph("<oren_nayar_diffuse_bsdf name=\"d\" type=\"BSDF\"/>\n"
+                      "<layer name=\"l\" type=\"BSDF\"><input name=\"top\" type=\"BSDF\" nodename=\"d\"/>"
+                      "<input name=\"base\" type=\"BSDF\" nodename=\"d\"/></layer>\n"
+                      "<add name=\"a\" type=\"BSDF\"><input name=\"in1\" type=\"BSDF\" nodename=\"l\"/>"
+                      "<input name=\"in2\" type=\"BSDF\" nodename=\"d\"/></add>\n"
+                      "<multiply name=\"m\" type=\"BSDF\"><input name=\"in1\" type=\"BSDF\" nodename=\"a\"/>"
+                      "<input name=\"in2\" type=\"float\" value=\"0.5\"/></multiply>\n"
+                      "<mix name=\"x\" type=\"BSDF\"><input name=\"fg\" type=\"BSDF\" nodename=\"m\"/>"
+                      "<input name=\"bg\" type=\"BSDF\" nodename=\"l\"/><input name=\"mix\" type=\"float\" "
+                      "value=\"0.25\"/></mix>\n"
+                      "<output name=\"out\" type=\"BSDF\" nodename=\"x\"/>\n")),
+            "g/x: mtlx_mix_bsdf fg=g/m.out_ bg=g/l.out_ mix=0.25\n"
+            "g/m: mtlx_multiply_bsdfF in1=g/a.out_ in2=0.5\n"
+            "g/l: mtlx_layer_bsdf top=g/d.out_ base=g/d.out_\n"
+            "g/a: mtlx_add_bsdf in1=g/l.out_ in2=g/d.out_\n"
+            "g/d: mtlx_oren_nayar_diffuse_bsdf weight=1 color=0.18 0.18 0.18 roughness=0 normal=0 0 0 "
+            "energy_compensation=0\n"
+            "output BSDF color=g/x.out_\n");
+}
+
+TEST(GraphImport, LeavesAClosureThatClosesACycleToItsFragment) {
+  EXPECT_EQ(ImportFixture().import(graph("<layer name=\"l\" type=\"BSDF\">\n"
+                                         "<input name=\"base\" type=\"BSDF\" nodename=\"l\"/></layer>\n"
+                                         "<output name=\"out\" type=\"BSDF\" nodename=\"l\"/>\n")),
+            "g/l: mtlx_layer_bsdf\n"
+            "output BSDF color=g/l.out_\n"
+            "doc.mtlx:5:1: error: this wire closes a cycle; its default value stands in its place [loop]\n");
+}
+
+// Documents of earlier versions.
+
+TEST(GraphImport, RenamesNodesAndInputsOfEarlierVersions) {
+  EXPECT_EQ(ImportFixture().import(document(
+                "<opgraph name=\"g\">\n"
+                "<scale name=\"s\" type=\"vector\"><parameter name=\"amount\" type=\"float\" value=\"2\"/>"
+                "<parameter name=\"in\" type=\"vector\" value=\"1, 2, 3\"/></scale>\n"
+                "<log name=\"n\" type=\"float\"><parameter name=\"in\" type=\"float\" value=\"3\"/></log>\n"
+                "<compare name=\"c\" type=\"float\"><parameter name=\"cutoff\" type=\"float\" value=\"0.5\"/>"
+                "<input name=\"intest\" type=\"float\" nodename=\"n\"/>"
+                "<input name=\"in1\" type=\"float\" value=\"7\"/><input name=\"in2\" type=\"float\" "
+                "value=\"8\"/></compare>\n"
+                "<output name=\"a\" type=\"vector\" nodename=\"s\"/>"
+                "<output name=\"b\" type=\"float\" nodename=\"c\"/></opgraph>\n",
+                "version=\"1.36\"")),
+            "g/s: mtlx_multiply_vector3FA in1=1 2 3 in2=2\n"
+            "g/c: mtlx_ifgreater_float value1=g/n.out_ value2=0.5 in1=8 in2=7\n"
+            "g/n: mtlx_ln_float in_=3\n"
+            "output float3 out_a=g/s.out_\n"
+            "output float out_b=g/c.out_\n");
+}
+
+TEST(GraphImport, RenamesInputsOfVersion138) {
+  EXPECT_EQ(ImportFixture().import(
+                document("<nodegraph name=\"g\">\n"
+                         "<atan2 name=\"t\" type=\"float\"><input name=\"in1\" type=\"float\" value=\"2\"/>"
+                         "<input name=\"in2\" type=\"float\" value=\"3\"/></atan2>\n"
+                         "<output name=\"out\" type=\"float\" nodename=\"t\"/></nodegraph>\n",
+                         "version=\"1.38\"")),
+            "g/t: mtlx_atan2_float iny=2 inx=3\n"
+            "output float out_out=g/t.out_\n");
+}
+
+TEST(GraphImport, ConvertsLengthsAndTellsUnknownUnits) {
+  EXPECT_EQ(ImportFixture().import(
+                graph("<multiply name=\"m\" type=\"float\">\n"
+                      "<input name=\"in1\" type=\"float\" value=\"3\" unit=\"inch\" unittype=\"distance\"/>\n"
+                      "<input name=\"in2\" type=\"float\" value=\"2\" unit=\"furlong\" "
+                      "unittype=\"distance\"/></multiply>\n"
+                      "<output name=\"out\" type=\"float\" nodename=\"m\"/>\n")),
+            "g/m: mtlx_multiply_float in1=0.0762 in2=2\n"
+            "output float out_out=g/m.out_\n"
+            "doc.mtlx:6:1: warning: `furlong` is no unit [unknown-word]\n");
+}
+
+TEST(GraphImport, TellsTokensThatNobodyGives) {
+  EXPECT_EQ(
+      ImportFixture().import(graph("<image name=\"i\" type=\"float\">\n"
+                                   "<input name=\"file\" type=\"filename\" value=\"a_[none].png\"/></image>\n"
+                                   "<output name=\"out\" type=\"float\" nodename=\"i\"/>\n")),
+      "g/i: mtlx_dot_float in_=0\n"
+      "output float out_out=g/i.out_\n"
+      "doc.mtlx:5:1: warning: there is no token `none` [unknown-word]\n");
+}
+
+TEST(GraphImport, TellsMeasuredEmissionAndVolumesAtTheirLines) {
+  ImportFixture fixture;
+  fixture.withoutFragment = {"measured_edf", "anisotropic_vdf"};
+  EXPECT_EQ(
+      fixture.import(graph(
+          "<measured_edf name=\"e\" type=\"EDF\"/>\n"
+          "<anisotropic_vdf name=\"v\" type=\"VDF\"/>\n"
+          "<dielectric_bsdf name=\"d\" type=\"BSDF\"><input name=\"weight\" type=\"float\" "
+          "value=\"0.5\"/></dielectric_bsdf>\n"
+          "<layer name=\"l\" type=\"BSDF\"><input name=\"top\" type=\"BSDF\" nodename=\"d\"/>"
+          "<input name=\"base\" type=\"VDF\" nodename=\"v\"/></layer>\n"
+          "<sin name=\"s\" type=\"float\"/>\n"
+          "<output name=\"o\" type=\"EDF\" nodename=\"e\"/><output name=\"p\" type=\"BSDF\" nodename=\"l\"/>"
+          "<output name=\"q\" type=\"float\" nodename=\"s\"/>\n")),
+      "g/l: mtlx_layer_vdf top=g/d.out_\n"
+      "g/s: mtlx_sin_float in_=0\n"
+      "g/d: mtlx_dielectric_bsdf weight=0.5 tint=1 1 1 ior=1.5 roughness=0.05 0.05 retroreflective=0 "
+      "thinfilm_thickness=0 thinfilm_ior=1.5 normal=0 0 0 tangent=0 0 0 distribution=0 scatter_mode=0\n"
+      "output BSDF color=g/l.out_\n"
+      "output float out_q=g/s.out_\n"
+      "doc.mtlx:4:1: warning: nothing computes the node `measured_edf` for `EDF` [cannot-import]\n"
+      "doc.mtlx:9:1: warning: `o` is left out: nothing feeds it [cannot-import]\n"
+      "doc.mtlx:5:1: warning: nothing computes the node `anisotropic_vdf` for `VDF` [cannot-import]\n");
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg::materialx

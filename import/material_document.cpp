@@ -175,6 +175,16 @@ std::vector<WantedOutput> outputsOf(const Element& root, const std::string& name
   return outputs;
 }
 
+/// What is listed under that name, or null.
+const Element* elementCalled(const Element& root, const std::string& name,
+                             const std::vector<std::string>& listed) {
+  if (std::find(listed.begin(), listed.end(), name) == listed.end()) return nullptr;
+  for (const Element* const child : root.children) {
+    if (child->name == name) return child;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 ImportedMaterial MaterialDocument::import(const std::string& name) {
@@ -195,6 +205,13 @@ ImportedMaterial MaterialDocument::import(const std::string& name) {
   }
   const std::vector<WantedOutput> outputs = outputsOf(state_->tree.root(), imported.name, state_->reports);
   if (outputs.empty()) {
+    if (const Element* const element = elementCalled(state_->tree.root(), imported.name, names)) {
+      std::size_t line = 0;
+      std::size_t column = 0;
+      if (element->file != nullptr) element->file->locate(element->offset, line, column);
+      throw host::InputError(state_->file.string(), {line, column},
+                             "`" + imported.name + "` has no surface to bring", "cannot-import");
+    }
     host::InputError error(state_->file.string(), {},
                            "there is no material `" + imported.name + "`" +
                                (host::suggest(imported.name, names).empty()
