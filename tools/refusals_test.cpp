@@ -477,7 +477,10 @@ const Refusal kCalls[] = {
      "[called-expression]\n",
      kLamp, "--tool lightloop"},
     {"ExpressionNotCalledWithoutTheLight", kCalledLit, 0, "", nullptr, "--tool lightloop"},
-    {"ExpressionNotCalledByTheDefaultTool", kCalledLit, 0, "", kLamp},
+    {"ExpressionNotCalledByTheDefaultTool", kCalledLit, 0,
+     "graph.json:2:14: warning: node `shade` is not lit: only the light loop (`--tool lightloop`) uses the "
+     "lights of the environment [lit-without-light]\n",
+     kLamp},
     {"EachExpression", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "shade" } ],
   "nodes": [ { "name": "shade", "fragment": "shade", "inputs": { "a": { "node": "mix" } } },
   { "name": "mix", "fragment": "lerp3", "interface": {

@@ -155,7 +155,8 @@ const WarningCase kCases[] = {
      "[lit-without-light]\n"},
     {"LitProfileWithLightIsSound", kAlways, kOneLight, kLoop, ""},
     {"DefaultProfileThatCannotReadTheLight", kAlways,
-     R"({ "lights": [ { "name": "key", "fragment": "lit", "profile": "Neon" } ] })", kLoop,
+     R"({ "lights": [ { "name": "key", "fragment": "lit", "profile": "Neon" } ] })",
+     "--tool lightloop --format json",
      "scene.json:1:15: warning: light `key` asks for the profile `Neon`, which no fragment of the graph has "
      "[unoffered-profile]\n"},
     {"LitFragmentWithDefaultProfileIsSoundWithoutLights", kLit, kNoLight, kLoop, ""},

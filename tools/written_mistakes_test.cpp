@@ -1,6 +1,7 @@
 // A second table of mistakes: each in documents of its own, beside or without the standard library.
 
 #include <ostream>
+#include <regex>
 #include <utility>
 #include <vector>
 
@@ -35,7 +36,9 @@ TEST_P(WrittenMistakeTest, IsToldWhereItWasMade) {
   for (const auto& [file, text] : mistake.files) write(file, text);
   const std::string library = repository("library");
   const CommandRun result = run(withReplaced(command, "LIBRARY", "'" + library + "'"));
-  EXPECT_EQ(withReplaced(result.err, library, "LIBRARY"), mistake.told);
+  // The lines of the shader change with the include files in front of them.
+  const std::string told = std::regex_replace(result.err, std::regex("generated:[0-9]+:"), "generated:LINE:");
+  EXPECT_EQ(withReplaced(told, library, "LIBRARY"), mistake.told);
   EXPECT_EQ(result.status, mistake.status);
 }
 
@@ -152,7 +155,7 @@ float3 twice(float x) { return x + x; }
      "below becomes a part of this comment [missing-include]\n"
      "./l.fraglib:5:12: error: `twice` is no function that is declared here [compile-error]\n"
      "g.json:2:14: note: node `a` uses the fragment `f` [code-origin]\n"
-     "generated:10:6: note: the compiler says \"'twice' : no matching overloaded function found\" of the "
+     "generated:LINE:6: note: the compiler says \"'twice' : no matching overloaded function found\" of the "
      "line `r = twice(1.0);` [code-origin]\n"},
     {"IncludeNamedWithAngles",
      {{"g.json", R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
@@ -882,7 +885,7 @@ float3 twice(float x) { return thrice(x); }
      "./l.fraglib:8:8: error: `TOLM_SCENE_LIGHTNING` is no function that is declared here; did you mean "
      "`TOLM_SCENE_LIGHTING`? [compile-error]\n"
      "g.json:2:14: note: node `edge` uses the fragment `rim` [code-origin]\n"
-     "generated:746:2: note: the compiler says \"'TOLM_SCENE_LIGHTNING' : no matching overloaded function "
+     "generated:LINE:2: note: the compiler says \"'TOLM_SCENE_LIGHTNING' : no matching overloaded function "
      "found\" of the line `TOLM_SCENE_LIGHTNING(state.position, state.normal, light);` [code-origin]\n"},
     {"LightsWithoutTheLightLoop",
      {{"e.json", R"json({ "lights": [
