@@ -56,7 +56,8 @@ TEST_F(CheckTest, EveryNumberOfJobsFindsTheSame) {
   EXPECT_EQ(one.out, four.out);
 }
 
-/// The front end does not survive the unclosed bracket of a table, nor a name that two things have.
+/// The front end does not survive the unclosed bracket of a table, a name that two things have, nor a name
+/// that nothing has behind a question mark.
 TEST_F(CheckTest, OutlivesCompilersThatCrash) {
   write("lib/wrong.fraglib", kWrong);
   write("lib/crash.fraglib", R"json({"open": {"language": ["dx11"],
@@ -64,13 +65,17 @@ TEST_F(CheckTest, OutlivesCompilersThatCrash) {
   "implementation": ["void open1(float a, out float result)", "{ result = a; }"]},
 "twice": {"language": ["dx11"],
   "predefine": ["float3 x;", "float4 x;"],
-  "implementation": ["void twice1(float a, out float result)", "{ result = a; }"]}}
+  "implementation": ["void twice1(float a, out float result)", "{ result = a; }"]},
+"choice": {"language": ["dx11"],
+  "implementation": ["void choice1(float a, out float result)", "{ result = a > 0 ? aa : 1; }"]}}
 )json");
   const CommandRun checked = run("check lib");
   EXPECT_EQ(checked.status, 1) << checked.err;
   EXPECT_NE(checked.err.find("lib/crash.fraglib:2:43: error: `[` is not closed"), std::string::npos)
       << checked.err;
   EXPECT_NE(checked.err.find("lib/crash.fraglib:6:23: error: the compiler crashes"), std::string::npos)
+      << checked.err;
+  EXPECT_NE(checked.err.find("lib/crash.fraglib:8:85: error: `aa` is not declared"), std::string::npos)
       << checked.err;
   EXPECT_NE(checked.err.find("lib/wrong.fraglib:4:"), std::string::npos) << checked.err;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/modules/child_process.h"
+#include "host/modules/crash_guard.h"
 #include "host/modules/message_bytes.h"
 #include "sfg/host/compile.h"
 #include "sfg/host/errors.h"
@@ -48,7 +49,7 @@ CompileError readError(ByteReader& reader) {
   return {what, std::move(messages), inAssembledText};
 }
 
-std::string answerOf(const std::string& bytes) {
+std::string wordsOf(const std::string& bytes) {
   ByteReader reader(bytes);
   const auto work = reinterpret_cast<Work>(reader.number());
   try {
@@ -59,6 +60,13 @@ std::string answerOf(const std::string& bytes) {
   } catch (const std::bad_alloc&) {
     return ByteWriter().number(static_cast<std::uint64_t>(Answer::outOfMemory)).take();
   }
+}
+
+/// Behind the words stands whether the process has survived a crash.
+std::string answerOf(const std::string& bytes) {
+  expectCrashes();
+  const std::string words = wordsOf(bytes);
+  return words + (hasCrashed() ? '!' : '.');
 }
 
 std::string resultOf(const std::string& answer) {
@@ -134,7 +142,7 @@ std::string inIsolation(const std::string& request, Work work) {
   const ChildOutcome outcome =
       worker->ask(ByteWriter().number(reinterpret_cast<std::uintptr_t>(work)).text(request).take());
   if (outcome.kind == ChildOutcome::Kind::answered) {
-    workers().giveBack(std::move(worker));
+    if (outcome.answer.back() == '.') workers().giveBack(std::move(worker));
     return resultOf(outcome.answer);
   }
   if (outcome.kind == ChildOutcome::Kind::outOfTime) {

@@ -15,6 +15,7 @@
 #include <sstream>
 
 #include "host/modules/code_depth.h"
+#include "host/modules/crash_guard.h"
 #include "host/modules/new_operations.h"
 #include "host/modules/speed_passes.h"
 #include "host/modules/token_lines.h"
@@ -105,34 +106,37 @@ public:
 
   Parsed(const std::string& text, Language language, const std::string& entryPoint, ShaderStage stage,
          const std::string& what, bool isAssembledText)
-      : shader_(stageOf(stage)) {
+      : shader_(std::make_unique<glslang::TShader>(stageOf(stage))) {
     static const FrontEnd frontEnd;
     const bool isHlsl = language == Language::hlsl;
     const char* const strings = text.c_str();
     const int length = static_cast<int>(text.size());
-    shader_.setStringsWithLengths(&strings, &length, 1);
-    shader_.setEntryPoint(entryPoint.c_str());
+    shader_->setStringsWithLengths(&strings, &length, 1);
+    shader_->setEntryPoint(entryPoint.c_str());
     const glslang::EShClient client = isHlsl ? glslang::EShClientVulkan : glslang::EShClientOpenGL;
-    shader_.setEnvInput(isHlsl ? glslang::EShSourceHlsl : glslang::EShSourceGlsl, stageOf(stage), client,
-                        100);
+    shader_->setEnvInput(isHlsl ? glslang::EShSourceHlsl : glslang::EShSourceGlsl, stageOf(stage), client,
+                         100);
     if (isHlsl) {
-      shader_.setEnvClient(client, glslang::EShTargetVulkan_1_1);
-      shader_.setEnvTarget(glslang::EShTargetSpv, glslang::EShTargetSpv_1_3);
+      shader_->setEnvClient(client, glslang::EShTargetVulkan_1_1);
+      shader_->setEnvTarget(glslang::EShTargetSpv, glslang::EShTargetSpv_1_3);
     }
-    shader_.setHlslIoMapping(isHlsl);
-    shader_.setAutoMapBindings(true);
-    shader_.setAutoMapLocations(true);
-    shader_.setShiftBinding(glslang::EResTexture, kFirstTextureBinding);
-    shader_.setShiftBinding(glslang::EResSampler, kFirstSamplerBinding);
-    shader_.setShiftBinding(glslang::EResUav, kFirstWritableBinding);
+    shader_->setHlslIoMapping(isHlsl);
+    shader_->setAutoMapBindings(true);
+    shader_->setAutoMapLocations(true);
+    shader_->setShiftBinding(glslang::EResTexture, kFirstTextureBinding);
+    shader_->setShiftBinding(glslang::EResSampler, kFirstSamplerBinding);
+    shader_->setShiftBinding(glslang::EResUav, kFirstWritableBinding);
 
     const EShMessages messages =
         isHlsl ? static_cast<EShMessages>(EShMsgReadHlsl | EShMsgSpvRules | EShMsgVulkanRules)
                : EShMsgDefault;
-    if (!shader_.parse(GetDefaultResources(), 100, false, messages)) {
-      throw CompileError(what + " does not compile", readLog(shader_.getInfoLog()), isAssembledText);
+    bool isRight = false;
+    if (!survives([&] { isRight = shader_->parse(GetDefaultResources(), 100, false, messages); }))
+      tellCrash(what, isAssembledText);
+    if (!isRight) {
+      throw CompileError(what + " does not compile", readLog(shader_->getInfoLog()), isAssembledText);
     }
-    program_.addShader(&shader_);
+    program_.addShader(shader_.get());
     if (!program_.link(messages) || (isHlsl && !program_.mapIO())) {
       throw CompileError(what + " does not link", readLog(program_.getInfoLog()), isAssembledText);
     }
@@ -153,7 +157,14 @@ public:
   }
 
 private:
-  glslang::TShader shader_;
+  /// What the front end had told until then. It is left as it is, since nothing of it can be trusted.
+  [[noreturn]] void tellCrash(const std::string& what, bool isAssembledText) {
+    std::vector<CompilerMessage> told = readLog(shader_.release()->getInfoLog());
+    if (told.empty()) throw CompileError("the compiler crashes on " + what, {}, true);
+    throw CompileError(what + " does not compile", std::move(told), isAssembledText);
+  }
+
+  std::unique_ptr<glslang::TShader> shader_;
   glslang::TProgram program_;
 };
 

@@ -348,6 +348,8 @@ protected:
 };
 
 TEST_P(MutationTest, TellsAnUndefinedNameAtItsVeryPlace) {
+  // The front end does not survive an undefined name behind a question mark.
+  sfg::host::isolateCompilers();
   constexpr unsigned kMutants = 30;
   const std::vector<Usable> fragments = usableFragments();
   std::mt19937 random(GetParam());

@@ -42,7 +42,7 @@ for room in documents library job shader modules origins diagnostics lints drawi
   case "$room" in
     library | origins | diagnostics | lints | drawing | road) allow "host/$room" "$rooms" ;;
     documents | job | shader | check | build) allow "host/$room" "$rooms|nlohmann" ;;
-    modules) allow host/modules "$rooms|glslang|spirv-tools|spirv_cross_c.h|pthread.h|fcntl.h|poll.h|signal.h|sys|unistd.h" ;;
+    modules) allow host/modules "$rooms|glslang|spirv-tools|spirv_cross_c.h|pthread.h|fcntl.h|poll.h|setjmp.h|signal.h|sys|unistd.h" ;;
   esac
 done
 allow import 'sfg|tolmsdk|import|nlohmann|pugixml.hpp'
