@@ -7,7 +7,7 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-using Kind = DrawnNode::Kind;
+using DrawnKind = DrawnNode::Kind;
 
 /// For the text of a label, which is a kind of XML: control characters cannot stand in it.
 std::string escaped(std::string_view text) {
@@ -46,10 +46,10 @@ const char* colorOf(std::string_view type) {
 
 const char* headColorOf(const DrawnNode& node) {
   if (node.isUnused) return "#f3f4f6";
-  if (node.kind == Kind::light) return "#fde68a";
+  if (node.kind == DrawnKind::light) return "#fde68a";
   if (node.isLit) return "#fed7aa";
   if (node.isBelowLit) return "#fef3c7";
-  return node.kind == Kind::node ? "#dbeafe" : "#e5e7eb";
+  return node.kind == DrawnKind::node ? "#dbeafe" : "#e5e7eb";
 }
 
 const char* noteOf(const DrawnNode& node) {
@@ -116,19 +116,19 @@ public:
            "  node [shape=plain, fontname=\"Helvetica\", fontsize=11];\n"
            "  edge [arrowsize=0.6, penwidth=1.6, fontname=\"Helvetica\"];\n";
     writeNodes();
-    writeChain(Kind::preprocess, "before the graph");
-    writeChain(Kind::light, "lights");
-    writeChain(Kind::output, "of every surface");
-    writeChain(Kind::postprocess, "behind the graph");
+    writeChain(DrawnKind::preprocess, "before the graph");
+    writeChain(DrawnKind::light, "lights");
+    writeChain(DrawnKind::output, "of every surface");
+    writeChain(DrawnKind::postprocess, "behind the graph");
     for (const DrawnWire& wire : drawing_.wires) writeWire(wire);
     writeOutputsToChains();
     return out_ + "}\n";
   }
 
 private:
-  static bool isOfGraph(Kind kind) {
-    return kind == Kind::node || kind == Kind::graphInputs || kind == Kind::graphOutputs ||
-           kind == Kind::graphUniforms;
+  static bool isOfGraph(DrawnKind kind) {
+    return kind == DrawnKind::node || kind == DrawnKind::graphInputs || kind == DrawnKind::graphOutputs ||
+           kind == DrawnKind::graphUniforms;
   }
 
   void writeNode(std::size_t index, const char* indent) {
@@ -146,7 +146,7 @@ private:
   }
 
   /// Lights stand beside one another; fragments of a chain run one after another.
-  void writeChain(Kind kind, const char* label) {
+  void writeChain(DrawnKind kind, const char* label) {
     bool isFirst = true;
     for (std::size_t i = 0; i < drawing_.nodes.size(); ++i) {
       if (drawing_.nodes[i].kind != kind) continue;
@@ -155,7 +155,7 @@ private:
                 " {\n    label=<" + label + ">; color=\"#9ca3af\"; style=\"rounded\";\n";
       }
       writeNode(i, "    ");
-      if (!isFirst && kind != Kind::light) {
+      if (!isFirst && kind != DrawnKind::light) {
         writeOrder(i - 1, i);
       }
       isFirst = false;
@@ -167,11 +167,11 @@ private:
     std::size_t outputs = drawing_.nodes.size();
     bool isFirst = true;
     for (std::size_t i = 0; i < drawing_.nodes.size(); ++i) {
-      const Kind kind = drawing_.nodes[i].kind;
-      if (kind == Kind::graphOutputs) outputs = i;
-      if (outputs < i && (kind == Kind::output || (kind == Kind::postprocess && isFirst)))
+      const DrawnKind kind = drawing_.nodes[i].kind;
+      if (kind == DrawnKind::graphOutputs) outputs = i;
+      if (outputs < i && (kind == DrawnKind::output || (kind == DrawnKind::postprocess && isFirst)))
         writeOrder(outputs, i);
-      isFirst = isFirst && kind != Kind::postprocess;
+      isFirst = isFirst && kind != DrawnKind::postprocess;
     }
   }
 

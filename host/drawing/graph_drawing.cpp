@@ -13,7 +13,7 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-using Kind = DrawnNode::Kind;
+using DrawnKind = DrawnNode::Kind;
 
 std::string levelText(float level) {
   std::array<char, 32> text{};
@@ -62,22 +62,22 @@ public:
     drawUniforms();
     const AShaderFragmentGraph& graph = *job_.graph();
     for (std::size_t i = 0; i < graph.getNumPreprocessFragment(); ++i) {
-      drawFragment(Kind::preprocess, document_.preprocess()[i].name, *graph.getPreprocessFragment(i));
+      drawFragment(DrawnKind::preprocess, document_.preprocess()[i].name, *graph.getPreprocessFragment(i));
     }
     for (const ShadingEnvironment::Light& light : facts_.lights()) {
-      drawFragment(Kind::light, light.name, *light.fragment);
+      drawFragment(DrawnKind::light, light.name, *light.fragment);
     }
     if (const IShaderFragment* const output = job_.environment().getOutputFragment()) {
-      drawFragment(Kind::output, output->key(), *output);
+      drawFragment(DrawnKind::output, output->key(), *output);
     }
     for (std::size_t i = 0; i < graph.getNumPostprocessFragments(); ++i) {
-      drawFragment(Kind::postprocess, document_.postprocess()[i].name, *graph.getPostprocessFragment(i));
+      drawFragment(DrawnKind::postprocess, document_.postprocess()[i].name, *graph.getPostprocessFragment(i));
     }
     return std::move(drawing_);
   }
 
 private:
-  DrawnNode& add(Kind kind, const std::string& name) {
+  DrawnNode& add(DrawnKind kind, const std::string& name) {
     DrawnNode& node = drawing_.nodes.emplace_back();
     node.kind = kind;
     node.name = name;
@@ -104,7 +104,7 @@ private:
   void drawNode(std::size_t index) {
     const GraphNode& node = document_.node(index);
     const IShaderFragment* const fragment = job_.graph()->getFragment(index);
-    DrawnNode& drawn = add(Kind::node, toUtf8(node.name()));
+    DrawnNode& drawn = add(DrawnKind::node, toUtf8(node.name()));
     drawn.fragment = toUtf8(node.fragmentName());
     drawn.profiles = profiles_[fragment];
     drawn.isLit = facts_.isLit(index);
@@ -137,7 +137,7 @@ private:
 
   void drawGraphInputs() {
     if (document_.getNumInputs() == 0) return;
-    DrawnNode& box = add(Kind::graphInputs, "inputs");
+    DrawnNode& box = add(DrawnKind::graphInputs, "inputs");
     for (std::size_t i = 0; i < document_.getNumInputs(); ++i) {
       box.outputs.push_back(portOf(*document_.getInput(i)));
     }
@@ -145,7 +145,7 @@ private:
 
   void drawGraphOutputs() {
     const std::size_t index = drawing_.nodes.size();
-    DrawnNode& box = add(Kind::graphOutputs, "outputs");
+    DrawnNode& box = add(DrawnKind::graphOutputs, "outputs");
     for (std::size_t i = 0; i < document_.getNumOutputs(); ++i) {
       box.inputs.push_back(portOf(*document_.getOutput(i)));
       const GraphNode::Wire& wire = document_.outputWires()[i];
@@ -155,12 +155,12 @@ private:
 
   void drawUniforms() {
     if (document_.uniforms().empty()) return;
-    DrawnNode& box = add(Kind::graphUniforms, "uniforms");
+    DrawnNode& box = add(DrawnKind::graphUniforms, "uniforms");
     for (const auto& uniform : document_.uniforms()) box.inputs.push_back(inputOf(*uniform));
   }
 
   /// Inputs of the chains take what earlier outputs of their name hold.
-  void drawFragment(Kind kind, const WString& name, const IShaderFragment& fragment) {
+  void drawFragment(DrawnKind kind, const WString& name, const IShaderFragment& fragment) {
     DrawnNode& drawn = add(kind, toUtf8(name));
     drawn.fragment = toUtf8(fragment.key());
     drawn.profiles = profiles_[&fragment];
@@ -174,13 +174,13 @@ private:
       const AParameter* const output = fragment.getOutput(i);
       if (output == nullptr) continue;
       drawn.outputs.push_back(portOf(*output));
-      if (kind == Kind::postprocess) chainOutputs_.insert(output->getName());
+      if (kind == DrawnKind::postprocess) chainOutputs_.insert(output->getName());
     }
   }
 
-  bool isFed(Kind kind, const WString& input) const {
-    if (kind != Kind::output && kind != Kind::postprocess) return false;
-    if (kind == Kind::postprocess && chainOutputs_.count(input) != 0) return true;
+  bool isFed(DrawnKind kind, const WString& input) const {
+    if (kind != DrawnKind::output && kind != DrawnKind::postprocess) return false;
+    if (kind == DrawnKind::postprocess && chainOutputs_.count(input) != 0) return true;
     for (std::size_t i = 0; i < document_.getNumOutputs(); ++i) {
       if (document_.getOutput(i)->getName() == input) return true;
     }

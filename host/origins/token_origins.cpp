@@ -7,7 +7,7 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-using Kind = TokenOrigin::Kind;
+using OriginKind = TokenOrigin::Kind;
 
 /// Where a definition's code is cut: its parameters end, its body begins and ends.
 struct FunctionTokens {
@@ -69,7 +69,7 @@ OriginText TokenOrigins::ofPredefines(std::wstring_view predefines) {
 std::vector<TokenOrigin> TokenOrigins::ofCode(std::size_t record, const CodeTokens& tokens) {
   const CollapseRecord::Code& written = record_.codes()[record];
   const CodePart part = written.isDefinition ? CodePart::implementation : CodePart::predefine;
-  TokenOrigin origin{Kind::node, false, written.writer, nullptr, part, 0, record};
+  TokenOrigin origin{OriginKind::node, false, written.writer, nullptr, part, 0, record};
   std::vector<TokenOrigin> origins(tokens.size(), origin);
   const FragmentCode* const code = codeOf(written.writer, part);
   if (code == nullptr) return origins;
@@ -79,7 +79,7 @@ std::vector<TokenOrigin> TokenOrigins::ofCode(std::size_t record, const CodeToke
           : alignTokens(allOf(code->text, code->tokens), allOf(written.text, tokens), numLights_);
   for (std::size_t i = 0; i < tokens.size(); ++i) {
     if (sources[i].token >= code->tokens.size()) continue;
-    origins[i].kind = Kind::code;
+    origins[i].kind = OriginKind::code;
     origins[i].code = code;
     origins[i].isExact = sources[i].isExact;
     origins[i].offset = code->tokens[sources[i].token].begin;
@@ -193,17 +193,17 @@ private:
       if (!tokens_[i].isName) continue;
       const auto found = variables_.find(WString(tokens_[i].in(body_)));
       if (found == variables_.end()) continue;
-      set(i, Kind::node, found->second, 0, true);
+      set(i, OriginKind::node, found->second, 0, true);
       if (owner == kNotFound) owner = found->second;
     }
     for (std::size_t i = first; i < last && owner != kNotFound; ++i)
-      if (origins_[i].kind == Kind::none) set(i, Kind::node, owner, 0, false);
+      if (origins_[i].kind == OriginKind::none) set(i, OriginKind::node, owner, 0, false);
   }
 
   void readCall(const CollapseRecord::Call& call) {
     const std::size_t first = tokenAt(tokens_, call.place);
     const std::size_t last = tokenAt(tokens_, call.place + call.text.size());
-    for (std::size_t i = first; i < last; ++i) set(i, Kind::node, call.writer, 0, i == first);
+    for (std::size_t i = first; i < last; ++i) set(i, OriginKind::node, call.writer, 0, i == first);
     std::size_t at = call.text.find(L'(');
     if (at == WString::npos) return;
     ++at;
@@ -230,7 +230,7 @@ private:
         continue;
       }
       for (std::size_t i = value.first; i < value.last; ++i)
-        set(i, Kind::input, value.writer, value.input, true);
+        set(i, OriginKind::input, value.writer, value.input, true);
     }
   }
 
@@ -238,14 +238,14 @@ private:
   void readExpression(const CollapseRecord::Expression& expression, std::size_t first, std::size_t last) {
     const FragmentCode* const code = owner_.codeOf(expression.writer, CodePart::implementation);
     if (code == nullptr || code->tokens.empty()) {
-      for (std::size_t i = first; i < last; ++i) set(i, Kind::node, expression.writer, 0, false);
+      for (std::size_t i = first; i < last; ++i) set(i, OriginKind::node, expression.writer, 0, false);
       return;
     }
     const std::size_t lineEnd = code->starts.size() > 1 ? code->starts[1] : code->text.size();
     const std::size_t end = tokenAt(code->tokens, lineEnd);
     const auto at = [&](std::size_t source) { return code->tokens[std::min(source, end - 1)].begin; };
     const auto setCode = [&](std::size_t token, std::size_t source, bool isExact) {
-      set(token, Kind::code, expression.writer, at(source), isExact);
+      set(token, OriginKind::code, expression.writer, at(source), isExact);
       origins_[token].code = code;
     };
 
@@ -280,7 +280,7 @@ private:
     while (j < behind) setCode(j++, i, false);
   }
 
-  void set(std::size_t token, Kind kind, std::size_t writer, std::size_t offset, bool isExact) {
+  void set(std::size_t token, OriginKind kind, std::size_t writer, std::size_t offset, bool isExact) {
     origins_[token] = {kind, isExact, writer, nullptr, CodePart::implementation, offset, kNotFound};
   }
 

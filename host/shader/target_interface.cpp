@@ -10,7 +10,7 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
-using Kind = InterfaceBuffer::Kind;
+using BufferKind = InterfaceBuffer::Kind;
 
 std::size_t moduleBinding(const InterfacePlace& place) {
   switch (place.kind) {
@@ -41,7 +41,7 @@ void nameAsModule(ShaderInterface& shader) {
   }
   for (InterfaceRenderTarget& target : shader.renderTargets) target.name = renderTargetName(target.name);
   for (InterfaceBuffer& buffer : shader.buffers) {
-    if (buffer.kind == Kind::constant) buffer.variable = blockVariable(buffer.name);
+    if (buffer.kind == BufferKind::constant) buffer.variable = blockVariable(buffer.name);
   }
 }
 
@@ -57,7 +57,7 @@ void toSpirv(ShaderInterface& shader) {
 void toHlsl(ShaderInterface& shader) {
   shader.entryPoint = "main";
   for (InterfaceBuffer& buffer : shader.buffers) {
-    if (buffer.kind != Kind::constant) continue;
+    if (buffer.kind != BufferKind::constant) continue;
     for (InterfaceMember& member : buffer.members) member.name = buffer.variable + "_" + member.name;
     buffer.variable.clear();
   }
@@ -96,13 +96,13 @@ void toGlsl(ShaderInterface& shader) {
     place.registerName.clear();
   });
   for (InterfaceBuffer& buffer : shader.buffers) {
-    if (buffer.kind != Kind::constant) buffer.place.binding = moduleBinding(buffer.place);
+    if (buffer.kind != BufferKind::constant) buffer.place.binding = moduleBinding(buffer.place);
   }
 }
 
 InterfaceBuffer sizesBuffer() {
   InterfaceBuffer buffer;
-  buffer.kind = Kind::sizes;
+  buffer.kind = BufferKind::sizes;
   buffer.name = "spvBufferSizeConstants";
   buffer.place.number = kMetalSizesBuffer;
   buffer.place.binding = kMetalSizesBuffer;
@@ -122,8 +122,8 @@ void toMsl(ShaderInterface& shader) {
     place.registerName.clear();
   });
   for (InterfaceBuffer& buffer : shader.buffers) {
-    if (buffer.kind == Kind::input) buffer.place.binding = kMetalInputBuffer;
-    if (buffer.kind == Kind::output) buffer.place.binding = kMetalOutputBuffer;
+    if (buffer.kind == BufferKind::input) buffer.place.binding = kMetalInputBuffer;
+    if (buffer.kind == BufferKind::output) buffer.place.binding = kMetalOutputBuffer;
   }
   if (shader.stage == ShaderStage::compute) shader.buffers.push_back(sizesBuffer());
   const bool isVertex = shader.stage == ShaderStage::vertex;
