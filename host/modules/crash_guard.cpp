@@ -5,6 +5,7 @@
 #if defined(__unix__)
 #include <setjmp.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <vector>
 #endif
@@ -30,7 +31,7 @@ thread_local sigjmp_buf* wayOut = nullptr;
 extern "C" void leave(int number) {
   if (wayOut != nullptr) siglongjmp(*wayOut, number);
   signal(number, SIG_DFL);
-  raise(number);
+  kill(getpid(), number);
 }
 
 /// For the handler, when it is the stack that is used up.
