@@ -15,10 +15,10 @@ namespace pictures {
 
 namespace {
 
-constexpr std::uint32_t kSide = 128;     ///< texels of the sharpest level
-constexpr std::uint32_t kLevels = 6;     ///< the last is 4 texels wide
-constexpr std::uint32_t kSamples = 128;  ///< for each blurred texel
-constexpr std::uint32_t kTable = 64;     ///< texels along each side of the table of the split sum
+constexpr std::uint32_t kSharpestSide = 128;  ///< texels of the sharpest level
+constexpr std::uint32_t kLevels = 6;          ///< the last is 4 texels wide
+constexpr std::uint32_t kSamples = 128;       ///< for each blurred texel
+constexpr std::uint32_t kTable = 64;          ///< texels along each side of the table of the split sum
 constexpr double kPi = std::numbers::pi;
 
 /// A point of the square that fills it evenly with the others (Hammersley).
@@ -77,7 +77,7 @@ struct Ray {
 /// What a surface of that roughness mirrors where it is seen along its normal.
 std::vector<Ray> mirroredRays(double roughness, std::size_t levels) {
   const double alpha = std::max(roughness * roughness, 1e-4);
-  const double texel = 4 * kPi / (6.0 * kSide * kSide);
+  const double texel = 4 * kPi / (6.0 * kSharpestSide * kSharpestSide);
   std::vector<Ray> rays;
   for (std::uint32_t i = 0; i < kSamples; ++i) {
     const Vector h = facet(alpha, hammersley(i, kSamples));
@@ -190,9 +190,9 @@ std::uint64_t sumOf(const Picture& picture) {
 render::Texture emptyCube() {
   render::Texture cube;
   cube.type = vk::ImageViewType::eCube;
-  cube.size = vk::Extent3D(kSide, kSide, 1);
+  cube.size = vk::Extent3D(kSharpestSide, kSharpestSide, 1);
   for (std::uint32_t level = 0; level < kLevels; ++level)
-    cube.levels.emplace_back(std::size_t{4} * 6 * (kSide >> level) * (kSide >> level));
+    cube.levels.emplace_back(std::size_t{4} * 6 * (kSharpestSide >> level) * (kSharpestSide >> level));
   return cube;
 }
 
@@ -266,13 +266,13 @@ Picture skyPanorama() {
 }
 
 EnvironmentLight makeEnvironmentLight(const Picture& panorama) {
-  const render::Texture sharp = cubeOf(linearized(panorama), kSide);
+  const render::Texture sharp = cubeOf(linearized(panorama), kSharpestSide);
   EnvironmentLight light;
   light.diffuse = project(sharp);
   light.mirrored = emptyCube();
   light.mirrored.levels[0] = sharp.levels[0];
   for (std::uint32_t level = 1; level < kLevels; ++level) {
-    const std::uint32_t side = kSide >> level;
+    const std::uint32_t side = kSharpestSide >> level;
     const std::vector<Ray> rays =
         mirroredRays(static_cast<double>(level) / (kLevels - 1), sharp.levels.size());
     float* to = light.mirrored.levels[level].data();

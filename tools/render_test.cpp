@@ -313,7 +313,7 @@ TEST_F(RenderTest, TextureFragmentsKeepColors) {
     writeGraph(fragment, "");
     const CommandRun drawn = render("-o a.exr --texture a.image=" + path("plain.exr"));
     EXPECT_EQ(drawn.err, "") << fragment;
-    for (std::size_t at : {20, 32, 40}) {
+    for (const std::size_t at : {20u, 32u, 40u}) {
       EXPECT_NEAR(picture("a.exr").at(at, 32)[0], 0.5f, 0.002f) << fragment;
       EXPECT_NEAR(picture("a.exr").at(at, 32)[2], 0.75f, 0.002f) << fragment;
     }
