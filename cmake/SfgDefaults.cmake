@@ -44,6 +44,8 @@ function(sfg_target_defaults target)
 -fstack-protector-strong;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3;-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
     target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now)
   endif()
+  # Some compilers ask this of the linker by themselves: a library of which nothing is used is not needed.
+  target_link_options(${target} PRIVATE "$<$<PLATFORM_ID:Linux>:LINKER:--as-needed>")
   if(SFG_SANITIZE)
     target_compile_options(${target} PRIVATE
       "-fsanitize=${SFG_SANITIZE}" -fno-sanitize-recover=all -fno-omit-frame-pointer)
