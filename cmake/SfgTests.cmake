@@ -1,5 +1,12 @@
 # Helpers that add tests and fuzz targets.
 
+# What is undefined is looked for in what is shipped, not in the tests of it: they compile in half the time.
+function(sfg_test_instrumentation target)
+  if(SFG_SANITIZE MATCHES "undefined")
+    target_compile_options(${target} PRIVATE -fno-sanitize=undefined)
+  endif()
+endfunction()
+
 # The headers nearly every test includes, compiled once for all of them.
 function(sfg_use_test_headers target)
   if(NOT TARGET sfg_test_headers)
@@ -7,6 +14,7 @@ function(sfg_use_test_headers target)
     configure_file("${PROJECT_BINARY_DIR}/sfg_test_headers.cpp.in" "${PROJECT_BINARY_DIR}/sfg_test_headers.cpp" COPYONLY)
     add_executable(sfg_test_headers "${PROJECT_BINARY_DIR}/sfg_test_headers.cpp")
     sfg_target_defaults(sfg_test_headers)
+    sfg_test_instrumentation(sfg_test_headers)
     target_link_libraries(sfg_test_headers PRIVATE GTest::gtest GTest::gmock)
     target_precompile_headers(sfg_test_headers PRIVATE
       <gtest/gtest.h> <gmock/gmock.h>
@@ -33,6 +41,7 @@ function(sfg_add_tests name)
   endif()
   add_executable(${name} ${arg_SOURCES})
   sfg_target_defaults(${name})
+  sfg_test_instrumentation(${name})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE sfg ${arg_LINK} GTest::gtest_main GTest::gmock)
   sfg_use_test_headers(${name})

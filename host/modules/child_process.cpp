@@ -26,29 +26,16 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <mutex>
-#include <set>
+#include <utility>
 
 namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
 constexpr int kUnforeseen = 70;
-
-/// Sockets of this process to its children: none of them gets those of others.
-struct Sockets {
-  std::mutex mutex;
-  std::set<int> open;
-};
-
-Sockets& sockets() {
-  static Sockets one;
-  return one;
-}
 
 bool sendBytes(int socket, const char* bytes, std::size_t size) {
   while (size > 0) {
@@ -80,11 +67,6 @@ public:
     message.resize(size);
     return readBytes(message.data(), size);
   }
-  bool isTooLate() const noexcept { return isTooLate_; }
-
-private:
-  using Clock = std::chrono::steady_clock;
-
   bool readBytes(char* bytes, std::size_t size) {
     while (size > 0) {
       if (!wait()) return false;
@@ -96,6 +78,10 @@ private:
     }
     return true;
   }
+  bool isTooLate() const noexcept { return isTooLate_; }
+
+private:
+  using Clock = std::chrono::steady_clock;
 
   bool wait() {
     if (isPatient_) return true;
@@ -147,12 +133,14 @@ void limitMemory(std::uint64_t limit) {
 #endif
 }
 
-[[noreturn]] void serve(int socket, ChildProcess::Work work, const ChildLimits& limits) {
-  for (const int number : {SIGTERM, SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGXCPU})
+void takeSignals() {
+  for (const int number : {SIGTERM, SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGXCPU, SIGCHLD})
     signal(number, SIG_DFL);
-  // Ctrl-C reaches all processes; this one ends with the one that it works for.
+  // Ctrl-C reaches all processes; these end with the one that they work for.
   for (const int number : {SIGINT, SIGHUP, SIGQUIT}) signal(number, SIG_IGN);
-  for (const int other : sockets().open) close(other);
+}
+
+[[noreturn]] void serve(int socket, ChildProcess::Work work, const ChildLimits& limits) {
   setLimit(RLIMIT_CORE, 0);
   limitMemory(limits.memory);
   try {
@@ -166,53 +154,168 @@ void limitMemory(std::uint64_t limit) {
   }
 }
 
+/// What a maker is asked for: another child, or the end of one.
+using Order = pid_t;
+constexpr Order kAnother = 0;
+
+/// A process that has been made, with the socket to it beside these bytes, or the status of one that has
+/// ended.
+struct Made {
+  pid_t process = -1;
+  int status = 0;
+};
+
+/// A socket that goes with bytes, in the layout that the system asks for.
+class Enclosure {
+public:
+  explicit Enclosure(Made& made) : bytes_{&made, sizeof(made)} {
+    header_.msg_iov = &bytes_;
+    header_.msg_iovlen = 1;
+    header_.msg_control = space_;
+    header_.msg_controllen = sizeof(space_);
+  }
+  bool send(int through, int socket) {
+    cmsghdr* const part = CMSG_FIRSTHDR(&header_);
+    part->cmsg_level = SOL_SOCKET;
+    part->cmsg_type = SCM_RIGHTS;
+    part->cmsg_len = CMSG_LEN(sizeof(socket));
+    std::memcpy(CMSG_DATA(part), &socket, sizeof(socket));
+    ssize_t sent = 0;
+    while ((sent = sendmsg(through, &header_, MSG_NOSIGNAL)) < 0 && errno == EINTR) {
+    }
+    return sent == static_cast<ssize_t>(sizeof(Made));
+  }
+  /// The socket; -1 where there is none.
+  int receive(int through) {
+    ssize_t got = 0;
+    while ((got = recvmsg(through, &header_, MSG_CMSG_CLOEXEC | MSG_WAITALL)) < 0 && errno == EINTR) {
+    }
+    const cmsghdr* const part = CMSG_FIRSTHDR(&header_);
+    int socket = -1;
+    if (got == static_cast<ssize_t>(sizeof(Made)) && part != nullptr && part->cmsg_type == SCM_RIGHTS)
+      std::memcpy(&socket, CMSG_DATA(part), sizeof(socket));
+    return socket;
+  }
+
+private:
+  msghdr header_{};
+  iovec bytes_;
+  alignas(cmsghdr) char space_[CMSG_SPACE(sizeof(int))] = {};
+};
+
+/// Two ends that no program started later gets.
+bool openSockets(int (&ends)[2]) {
+  if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0) return false;
+  for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
+  return true;
+}
+
+/// A maker's answer to an order of another child.
+bool makeOne(int control, ChildProcess::Work work, const ChildLimits& limits) {
+  Made made;
+  int ends[2];
+  if (!openSockets(ends)) return sendBytes(control, reinterpret_cast<const char*>(&made), sizeof(made));
+  made.process = fork();
+  if (made.process == 0) {
+    close(control);
+    close(ends[0]);
+    serve(ends[1], work, limits);
+  }
+  const bool isSent = Enclosure(made).send(control, ends[0]);
+  for (const int end : ends) close(end);
+  return isSent;
+}
+
+int waitFor(pid_t process) {
+  int status = 0;
+  while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
+  }
+  return status;
+}
+
+[[noreturn]] void makeChildren(int control, ChildProcess::Work work, const ChildLimits& limits) {
+  takeSignals();
+  Order order = kAnother;
+  for (bool isAsked = true; isAsked;) {
+    isAsked = MessageReader(control, {}).readBytes(reinterpret_cast<char*>(&order), sizeof(order));
+    if (isAsked && order == kAnother) {
+      isAsked = makeOne(control, work, limits);
+    } else if (isAsked) {
+      const Made ended{order, waitFor(order)};
+      isAsked = sendBytes(control, reinterpret_cast<const char*>(&ended), sizeof(ended));
+    }
+  }
+  _exit(0);
+}
+
 }  // namespace
 
-std::unique_ptr<ChildProcess> ChildProcess::start(Work work, const ChildLimits& limits) {
-  const std::lock_guard<std::mutex> lock(sockets().mutex);
+std::shared_ptr<ChildMaker> ChildMaker::start(Work work, const ChildLimits& limits) {
   int ends[2];
-  if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0) return nullptr;
-  for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
+  if (!openSockets(ends)) return nullptr;
   const pid_t process = fork();
   if (process == 0) {
     close(ends[0]);
-    serve(ends[1], work, limits);
+    makeChildren(ends[1], work, limits);
   }
   close(ends[1]);
   if (process < 0) {
     close(ends[0]);
     return nullptr;
   }
-  sockets().open.insert(ends[0]);
-  return std::unique_ptr<ChildProcess>(new ChildProcess(ends[0], process, limits));
+  return std::shared_ptr<ChildMaker>(new ChildMaker(ends[0], process, limits));
 }
 
-ChildProcess::ChildProcess(int socket, int process, const ChildLimits& limits)
+ChildMaker::ChildMaker(int socket, int process, const ChildLimits& limits)
     : socket_(socket), process_(process), limits_(limits) {}
 
+ChildMaker::~ChildMaker() {
+  close(socket_);
+  kill(process_, SIGKILL);
+  waitFor(process_);
+}
+
+std::unique_ptr<ChildProcess> ChildMaker::make() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const Order order = kAnother;
+  if (!sendBytes(socket_, reinterpret_cast<const char*>(&order), sizeof(order))) return nullptr;
+  Made made;
+  const int socket = Enclosure(made).receive(socket_);
+  if (socket >= 0 && made.process > 0)
+    return std::unique_ptr<ChildProcess>(new ChildProcess(shared_from_this(), socket, made.process));
+  if (socket >= 0) close(socket);
+  return nullptr;
+}
+
+int ChildMaker::statusOf(int process) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const Order order = process;
+  Made ended;
+  if (!sendBytes(socket_, reinterpret_cast<const char*>(&order), sizeof(order)) ||
+      !MessageReader(socket_, {}).readBytes(reinterpret_cast<char*>(&ended), sizeof(ended)))
+    return 0;
+  return ended.status;
+}
+
+ChildProcess::ChildProcess(std::shared_ptr<ChildMaker> maker, int socket, int process)
+    : maker_(std::move(maker)), socket_(socket), process_(process) {}
+
 ChildProcess::~ChildProcess() {
-  {
-    const std::lock_guard<std::mutex> lock(sockets().mutex);
-    sockets().open.erase(socket_);
-    close(socket_);
-  }
+  close(socket_);
   if (process_ < 0) return;
   kill(process_, SIGKILL);
-  while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
-  }
+  maker_->statusOf(process_);
 }
 
 ChildOutcome ChildProcess::ask(const std::string& request) {
   ChildOutcome outcome;
-  MessageReader reader(socket_, limits_.patience);
+  MessageReader reader(socket_, maker_->limits_.patience);
   if (process_ >= 0 && sendMessage(socket_, request) && reader.read(outcome.answer)) {
     outcome.kind = ChildOutcome::Kind::answered;
     return outcome;
   }
-  int status = 0;
   if (reader.isTooLate()) kill(process_, SIGKILL);
-  while (process_ >= 0 && waitpid(process_, &status, 0) < 0 && errno == EINTR) {
-  }
+  const int status = process_ >= 0 ? maker_->statusOf(process_) : 0;
   process_ = -1;
   outcome.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
   if (reader.isTooLate() || outcome.signal == SIGXCPU) outcome.kind = ChildOutcome::Kind::outOfTime;
@@ -225,11 +328,11 @@ ChildOutcome ChildProcess::ask(const std::string& request) {
 
 namespace TolmSDK::Graphics::sfg::host {
 
-std::unique_ptr<ChildProcess> ChildProcess::start(Work, const ChildLimits&) { return nullptr; }
-ChildProcess::ChildProcess(int socket, int process, const ChildLimits& limits)
-    : socket_(socket), process_(process), limits_(limits) {}
 ChildProcess::~ChildProcess() = default;
 ChildOutcome ChildProcess::ask(const std::string&) { return {}; }
+std::shared_ptr<ChildMaker> ChildMaker::start(Work, const ChildLimits&) { return nullptr; }
+ChildMaker::~ChildMaker() = default;
+std::unique_ptr<ChildProcess> ChildMaker::make() { return nullptr; }
 
 }  // namespace TolmSDK::Graphics::sfg::host
 

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -28,16 +29,14 @@ struct ChildOutcome {
   int signal = 0;
 };
 
-/// A copy of this process that does one kind of work, over and over, and ends with this object or with this
-/// process. Used by one thread at a time.
+class ChildMaker;
+
+/// A process that does one kind of work, over and over, and ends with this object or with this process. Used
+/// by one thread at a time.
 class ChildProcess {
 public:
   using Work = std::string (*)(const std::string& request);
 
-  /// Only the calling thread goes on in the copy; locks that other threads hold stay locked there, but for
-  /// the allocator's. What the work throws is a crash. Null where there can be no such process: on systems
-  /// that do not copy them, and under the thread sanitizer.
-  static std::unique_ptr<ChildProcess> start(Work work, const ChildLimits& limits);
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
@@ -46,8 +45,39 @@ public:
   ChildOutcome ask(const std::string& request);
 
 private:
-  ChildProcess(int socket, int process, const ChildLimits& limits);
+  friend class ChildMaker;
+  ChildProcess(std::shared_ptr<ChildMaker> maker, int socket, int process);
 
+  std::shared_ptr<ChildMaker> maker_;
+  int socket_;
+  int process_;
+};
+
+/// A copy of this process that is copied in turn for every child. It has one thread, so that no child waits
+/// for a lock that a thread of this process held when it was copied. Used by several threads at once.
+class ChildMaker : public std::enable_shared_from_this<ChildMaker> {
+public:
+  using Work = ChildProcess::Work;
+
+  /// To be called before this process has threads that may hold locks. What the work throws is a crash of the
+  /// child. Null where there can be no such process: on systems that do not copy them, and under the thread
+  /// sanitizer.
+  static std::shared_ptr<ChildMaker> start(Work work, const ChildLimits& limits);
+  ~ChildMaker();
+  ChildMaker(const ChildMaker&) = delete;
+  ChildMaker& operator=(const ChildMaker&) = delete;
+
+  /// Null where the system has no more processes.
+  std::unique_ptr<ChildProcess> make();
+
+private:
+  friend class ChildProcess;
+  ChildMaker(int socket, int process, const ChildLimits& limits);
+
+  /// Waits for the end of a child, and gives its status; 0 where that is not known.
+  int statusOf(int process);
+
+  std::mutex mutex_;
   int socket_;
   int process_;
   ChildLimits limits_;

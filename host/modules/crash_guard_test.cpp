@@ -52,11 +52,13 @@ protected:
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "the sanitizer takes the signals";
 #endif
-    if (ChildProcess::start(work, {}) == nullptr) GTEST_SKIP() << "there are no processes here";
+    maker_ = ChildMaker::start(work, {});
+    if (maker_ == nullptr) GTEST_SKIP() << "there are no processes here";
   }
-  static std::string told(const std::string& request) {
-    return ChildProcess::start(work, {})->ask(request).answer;
-  }
+  std::string told(const std::string& request) { return maker_->make()->ask(request).answer; }
+
+private:
+  std::shared_ptr<ChildMaker> maker_;
 };
 
 TEST_F(CrashGuardTest, SaysWhetherWorkCrashed) {

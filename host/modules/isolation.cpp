@@ -82,11 +82,17 @@ std::string resultOf(const std::string& answer) {
 /// The processes that wait for work.
 class Workers {
 public:
-  void setLimits(const CompilerLimits& limits) {
+  /// Whether there can be any.
+  bool start(const CompilerLimits& limits) {
+    const std::chrono::seconds time(limits.processorSeconds);
+    std::shared_ptr<ChildMaker> maker = ChildMaker::start(answerOf, {time, limits.memory, time * kPatience});
+    if (maker == nullptr) return false;
     const std::lock_guard<std::mutex> lock(mutex_);
     limits_ = limits;
+    maker_ = std::move(maker);
     idle_.clear();
     isOn_ = true;
+    return true;
   }
   bool isOn() const noexcept { return isOn_; }
   CompilerLimits limits() {
@@ -96,6 +102,7 @@ public:
 
   /// Null where there can be none.
   std::unique_ptr<ChildProcess> take() {
+    std::shared_ptr<ChildMaker> maker;
     {
       const std::lock_guard<std::mutex> lock(mutex_);
       if (!idle_.empty()) {
@@ -103,10 +110,9 @@ public:
         idle_.pop_back();
         return worker;
       }
+      maker = maker_;
     }
-    const CompilerLimits now = limits();
-    const std::chrono::seconds time(now.processorSeconds);
-    return ChildProcess::start(answerOf, {time, now.memory, time * kPatience});
+    return maker->make();
   }
 
   void giveBack(std::unique_ptr<ChildProcess> worker) {
@@ -118,6 +124,7 @@ private:
   std::atomic<bool> isOn_ = false;
   std::mutex mutex_;
   CompilerLimits limits_;
+  std::shared_ptr<ChildMaker> maker_;
   std::vector<std::unique_ptr<ChildProcess>> idle_;
 };
 
@@ -128,11 +135,7 @@ Workers& workers() {
 
 }  // namespace
 
-bool isolateCompilers(const CompilerLimits& limits) {
-  if (ChildProcess::start(answerOf, {}) == nullptr) return false;
-  workers().setLimits(limits);
-  return true;
-}
+bool isolateCompilers(const CompilerLimits& limits) { return workers().start(limits); }
 
 bool isIsolated() noexcept { return workers().isOn(); }
 

@@ -50,8 +50,9 @@ struct CompilerLimits {
 
 /// From now on every compileToSpirv(), translateSpirv() and compile() of this process does its work in a copy
 /// of it, so that a compiler that crashes, never ends or eats the memory is a CompileError. Costs a few
-/// milliseconds a compile. The copies are made by `fork`: a host whose threads hold locks that an allocator
-/// of its own needs should leave it. Answers false, and changes nothing, where that cannot be done.
+/// milliseconds a compile. The copies are made by `fork`, of the process as it is now: to be called early,
+/// before there are threads that may hold locks. Answers false, and changes nothing, where that cannot be
+/// done.
 SFG_HOST_API bool isolateCompilers(const CompilerLimits& limits = {});
 
 }  // namespace TolmSDK::Graphics::sfg::host
