@@ -194,7 +194,8 @@ TEST(JsonNode, SaysWhereAndWhatWasExpected) {
       {L"\uFFFD",
        L"line 1, column 1: expected a value, found what is no UTF-8: is the file saved in another encoding?"},
       {L"\x01", L"line 1, column 1: expected a value, found a control character"},
-      {L"{\"a\": 'x'}", L"line 1, column 7: expected a value, found `'`; strings stand in double quotes, `\"`"},
+      {L"{\"a\": 'x'}",
+       L"line 1, column 7: expected a value, found `'`; strings stand in double quotes, `\"`"},
       {L"// no\n{}", L"line 1, column 1: expected a value, found a comment, which JSON does not have"},
       {L"[1, /* no */ 2]", L"line 1, column 5: expected a value, found a comment, which JSON does not have"},
       {L"\uFEFF\uFEFF{}", L"line 1, column 1: expected a value, found a second byte-order mark"},
@@ -202,17 +203,20 @@ TEST(JsonNode, SaysWhereAndWhatWasExpected) {
       {L"[1\0]"sv, L"line 1, column 3: expected `,` or `]`, found a null character"},
       {L"\0"sv, L"line 1, column 1: expected a value, found a null character"},
       {L"[\n \"abc", L"line 2, column 2: expected a closing `\"` for this string, found the end of the text"},
-      {L"[\"ab\n\"]", L"line 1, column 5: expected a closing `\"` before the end of the line; a line feed is written `\\n`"},
-      {L"[\"ab\r\n\"]", L"line 1, column 5: expected a closing `\"` before the end of the line; a line feed is written `\\n`"},
-      {L"[\"missing closing quote\n\"]",
-       L"line 1, column 24: expected a closing `\"` before the end of the line; a line feed is written `\\n`"},
+      {L"[\"ab\n\"]",
+       L"line 1, column 5: expected a closing `\"` before the end of the line; a line feed is written `\\n`"},
+      {L"[\"ab\r\n\"]",
+       L"line 1, column 5: expected a closing `\"` before the end of the line; a line feed is written `\\n`"},
+      {L"[\"missing closing quote\n\"]", L"line 1, column 24: expected a closing `\"` before the end of the "
+                                         L"line; a line feed is written `\\n`"},
       {L"[\"; last read: '; expected end of input\n\"]",
-       L"line 1, column 40: expected a closing `\"` before the end of the line; a line feed is written `\\n`"},
+       L"line 1, column 40: expected a closing `\"` before the end of the line; a line feed is written "
+       L"`\\n`"},
       {L"[1 ; expected end of input", L"line 1, column 4: expected `,` or `]`, found `;`"},
       {L"[\"a\tb\"]", L"line 1, column 4: a tab in a string is written `\\t`"},
       {L"\"a\0b\""sv, L"line 1, column 3: control character U+0000 (NUL) must be escaped to \\u0000"},
-      {L"\"\u00e4\\x\"",
-       L"line 1, column 4: expected one of `\"`, `\\`, `/`, `b`, `f`, `n`, `r`, `t`, `u` behind `\\`; a backslash is written `\\\\`"},
+      {L"\"\u00e4\\x\"", L"line 1, column 4: expected one of `\"`, `\\`, `/`, `b`, `f`, `n`, `r`, `t`, `u` "
+                         L"behind `\\`; a backslash is written `\\\\`"},
       {L"\"\\u12g4\"", L"line 1, column 6: expected four hexadecimal digits behind `\\u`"},
       {L"\"\\u12", L"line 1, column 6: expected four hexadecimal digits behind `\\u`"},
       {L"\"\\ud800x\"",
@@ -227,28 +231,39 @@ TEST(JsonNode, SaysWhereAndWhatWasExpected) {
       // Quotes that are missing, or stand in a string.
       {L"{\"a\": \"b, \"c\": 1}", L"line 1, column 9: missing `\"` at the end of this string"},
       {L"{\"a: \"b\"}", L"line 1, column 4: missing `\"` at the end of this string"},
-      {L"[\"say \"hi\" to\"]", L"line 1, column 7: this `\"` ends the string; a quote inside of one is written `\\\"`"},
-      {L"[\u201Ca\u201D]", L"line 1, column 2: expected a value or `]`, found `\u201C`; strings stand in double quotes, `\"`"},
-      {L"{'a': 1}", L"line 1, column 2: expected a member name in double quotes or `}`, found `'`; strings stand in double quotes, `\"`"},
+      {L"[\"say \"hi\" to\"]",
+       L"line 1, column 7: this `\"` ends the string; a quote inside of one is written `\\\"`"},
+      {L"[\u201Ca\u201D]",
+       L"line 1, column 2: expected a value or `]`, found `\u201C`; strings stand in double quotes, `\"`"},
+      {L"{'a': 1}", L"line 1, column 2: expected a member name in double quotes or `}`, found `'`; strings "
+                    L"stand in double quotes, `\"`"},
       // Brackets: told where they are missing, from what the rest of the text closes.
-      {L"{\n \"a\": [ { \"b\": 1 ],\n \"c\": [ ]\n}", L"line 2, column 17: missing `}` for the `{` of line 2, column 9"},
-      {L"{\n \"a\": [ { \"b\": 1 } },\n \"c\": [ ]\n}", L"line 2, column 20: expected `]` for the `[` of line 2, column 7, found `}`"},
+      {L"{\n \"a\": [ { \"b\": 1 ],\n \"c\": [ ]\n}",
+       L"line 2, column 17: missing `}` for the `{` of line 2, column 9"},
+      {L"{\n \"a\": [ { \"b\": 1 } },\n \"c\": [ ]\n}",
+       L"line 2, column 20: expected `]` for the `[` of line 2, column 7, found `}`"},
       {L"{\n \"a\": [ 1 ]],\n \"c\": [ ]\n}", L"line 2, column 12: `]` closes nothing"},
       {L"{\n \"a\": [ 1,\n \"c\": [ ]\n}", L"line 2, column 10: missing `]` for the `[` of line 2, column 7"},
-      {L"{\"a\": [\"c\": 1]}", L"line 1, column 7: values with names stand in `{` and `}`, not in `[` and `]`"},
-      {L"{\"a\": [{\"b\": {\"c\": 1}, {\"b\": 2}]}", L"line 1, column 22: missing `}` for the `{` of line 1, column 8"},
+      {L"{\"a\": [\"c\": 1]}",
+       L"line 1, column 7: values with names stand in `{` and `}`, not in `[` and `]`"},
+      {L"{\"a\": [{\"b\": {\"c\": 1}, {\"b\": 2}]}",
+       L"line 1, column 22: missing `}` for the `{` of line 1, column 8"},
       {L"{\n \"a\": {\n  \"b\": {\n },\n \"c\": 1\n}\n", L"line 3, column 8: `{` is not closed"},
       {L"{}\n}", L"line 2, column 1: `}` closes nothing"},
       {L"{\"a\": 1},\n\"b\": 2}", L"line 1, column 8: this `}` ends the document, but more follows"},
       // Values of other languages.
       {L"[true, False]", L"line 1, column 8: expected a value, found `False`; write `false`"},
       {L"{\"a\": None}", L"line 1, column 7: expected a value, found `None`; write `null`"},
-      {L"[0.5f]", L"line 1, column 2: expected a number, found `0.5f`; numbers are written as `0.5`, `-1` or `2e3`"},
-      {L"[0xff]", L"line 1, column 2: expected a number, found `0xff`; numbers are written as `0.5`, `-1` or `2e3`"},
-      {L"{\"a\": .5}", L"line 1, column 7: expected a value, found `.5`; numbers are written as `0.5`, `-1` or `2e3`"},
+      {L"[0.5f]",
+       L"line 1, column 2: expected a number, found `0.5f`; numbers are written as `0.5`, `-1` or `2e3`"},
+      {L"[0xff]",
+       L"line 1, column 2: expected a number, found `0xff`; numbers are written as `0.5`, `-1` or `2e3`"},
+      {L"{\"a\": .5}",
+       L"line 1, column 7: expected a value, found `.5`; numbers are written as `0.5`, `-1` or `2e3`"},
       {L"{\"a\": 0,5}", L"line 1, column 8: a number is written with a point, not with a comma"},
       {L"{\"a\": (1, 2)}", L"line 1, column 7: expected a value, found `(`; lists stand in `[` and `]`"},
-      {L"{\n# no\n}", L"line 2, column 1: expected a member name in double quotes or `}`, found a comment, which JSON does not have"},
+      {L"{\n# no\n}", L"line 2, column 1: expected a member name in double quotes or `}`, found a comment, "
+                      L"which JSON does not have"},
       {L"[1,\n  -1e999]",
        L"line 2, column 3: expected a number within the range of double precision, found `-1e999`"},
   };
@@ -562,7 +577,8 @@ TEST_F(JsonFile, DropsAByteOrderMark) {
   EXPECT_EQ(node_->toText(), L"{\"a\":1}");
   EXPECT_EQ(node_->position().column, 1u);
   EXPECT_FALSE(load("\xEF\xBB\xBF x"));
-  EXPECT_EQ(node_->getLoadError(), L"line 1, column 2: expected a value, found `x`; text stands in double quotes");
+  EXPECT_EQ(node_->getLoadError(),
+            L"line 1, column 2: expected a value, found `x`; text stands in double quotes");
 }
 
 TEST_F(JsonFile, CountsCarriageReturnLineFeedAsOneLineEnd) {
