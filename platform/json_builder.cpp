@@ -39,7 +39,8 @@ WString describe(std::string_view rest) {
   if (rest[0] == '\0') return L"a null character";
   if (static_cast<unsigned char>(rest[0]) < 0x20) return L"a control character";
   if (rest[0] == '"') return L"a string";
-  if (rest.starts_with("//") || rest.starts_with("/*")) return L"a comment, which JSON does not have";
+  if (rest.starts_with("//") || rest.starts_with("/*") || rest.starts_with('#'))
+    return L"a comment, which JSON does not have";
   if (rest.starts_with("\xEF\xBB\xBF")) return L"a second byte-order mark";
   if (rest.starts_with("\xEF\xBF\xBD")) return L"what is no UTF-8: is the file saved in another encoding?";
   const auto* const wordEnd = std::find_if_not(rest.begin(), rest.end(), isWordCharacter);
@@ -245,8 +246,8 @@ bool Builder::end() {
   return true;
 }
 
-bool Builder::failExpecting(std::wstring_view what) {
-  return failHere(formatted(L"expected %s, found %s", what, describe(counter_.rest())));
+bool Builder::failExpecting(std::wstring_view what, std::wstring_view advice) {
+  return failHere(formatted(L"expected %s, found %s%s", what, describe(counter_.rest()), advice));
 }
 
 bool Builder::failHere(const WString& message) {

@@ -91,8 +91,8 @@ public:
   bool isFirst() const noexcept { return !frames_.empty() && values_.size() == frames_.back().firstValue; }
   bool isInArray() const noexcept { return !frames_.empty() && frames_.back().value.kind == NodeKind::array; }
 
-  /// Fails at the counter's position, where something else stands.
-  bool failExpecting(std::wstring_view what);
+  /// Fails at the counter's position, where something else stands; `advice` ends the message.
+  bool failExpecting(std::wstring_view what, std::wstring_view advice = {});
   /// Fails at the counter's position.
   bool failHere(const WString& message);
   const WString& error() const noexcept { return error_; }

@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
+#include "platform/json_mistakes.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::json {
@@ -62,15 +64,19 @@ struct TokenError {
 
 constexpr TokenError kTokenErrors[] = {
     {"missing closing quote", L"expected a closing `\"` for this string, found the end of the text", true},
-    {"U+000A (LF)", L"expected a closing `\"` before the end of the line", false},
-    {"U+000D (CR)", L"expected a closing `\"` before the end of the line", false},
+    {"U+000A (LF)", L"expected a closing `\"` before the end of the line; a line feed is written `\\n`",
+     false},
+    {"U+000D (CR)", L"expected a closing `\"` before the end of the line; a line feed is written `\\n`",
+     false},
     {"must be followed by 4 hex digits", L"expected four hexadecimal digits behind `\\u`", false},
     {"must be followed by U+DC00", L"expected the second half of a surrogate pair, `\\uDC00` to `\\uDFFF`",
      false},
     {"must follow U+D800",
      L"expected the first half of a surrogate pair, `\\uD800` to `\\uDBFF`, before this one", false},
     {"forbidden character after backslash",
-     L"expected one of `\"`, `\\`, `/`, `b`, `f`, `n`, `r`, `t`, `u` behind `\\`", false},
+     L"expected one of `\"`, `\\`, `/`, `b`, `f`, `n`, `r`, `t`, `u` behind `\\`; a backslash is written "
+     L"`\\\\`",
+     false},
     {"expected digit after '-'", L"expected a digit behind `-`", false},
     {"expected digit after '.'", L"expected a digit behind `.`", false},
     {"expected '+', '-', or digit after exponent", L"expected `+`, `-` or a digit behind the exponent's `e`",
@@ -112,9 +118,10 @@ public:
     constexpr std::string_view kControl = "control character";
     if (const std::size_t control = reason.find(kControl); control != std::string_view::npos) {
       builder_.counter().moveTo(lastRead());
+      if (*lastRead() == '\t') return builder_.failHere(L"a tab in a string is written `\\t`");
       return builder_.failHere(fromUtf8(reason.substr(control)));
     }
-    return builder_.failExpecting(expectation(reason, message.ends_with("; expected end of input")));
+    return failUnexpected(reason, wantedBy(reason, message.ends_with("; expected end of input")));
   }
 
 private:
@@ -135,18 +142,40 @@ private:
   }
 
   /// What the parser wanted; its message names the rule it was in.
-  const wchar_t* expectation(std::string_view reason, bool expectsEnd) const {
+  static Wanted wantedBy(std::string_view reason, bool expectsEnd) {
     const auto isIn = [&](std::string_view rule) { return reason.find(rule) != std::string_view::npos; };
+    if (expectsEnd) return Wanted::end;
+    if (isIn("while parsing object key")) return Wanted::name;
+    if (isIn("while parsing object separator")) return Wanted::colon;
+    if (isIn("while parsing object ")) return Wanted::moreOfObject;
+    if (isIn("while parsing array ")) return Wanted::moreOfArray;
+    return Wanted::value;
+  }
+
+  const wchar_t* wordsOf(Wanted wanted) const {
     const bool isFirst = builder_.isFirst();
-    if (expectsEnd) return L"the end of the text";
-    if (const wchar_t* const behindComma = commaInFront(reason)) return behindComma;
-    if (isIn("while parsing object key")) {
+    switch (wanted) {
+    case Wanted::end: return L"the end of the text";
+    case Wanted::name:
       return isFirst ? L"a member name in double quotes or `}`" : L"a member name in double quotes";
+    case Wanted::colon: return L"`:`";
+    case Wanted::moreOfObject: return L"`,` or `}`";
+    case Wanted::moreOfArray: return L"`,` or `]`";
+    default: return isFirst && builder_.isInArray() ? L"a value or `]`" : L"a value";
     }
-    if (isIn("while parsing object separator")) return L"`:`";
-    if (isIn("while parsing object ")) return L"`,` or `}`";
-    if (isIn("while parsing array ")) return L"`,` or `]`";
-    return isFirst && builder_.isInArray() ? L"a value or `]`" : L"a value";
+  }
+
+  bool failUnexpected(std::string_view reason, Wanted wanted) {
+    PositionCounter& counter = builder_.counter();
+    if (wanted != Wanted::end) {
+      if (const wchar_t* const behindComma = commaInFront(reason)) return builder_.failExpecting(behindComma);
+    }
+    const auto stop = static_cast<std::size_t>(counter.at() - text_.data());
+    const std::optional<JsonMistake> mistake = findMistake(text_, stop, wanted);
+    if (!mistake) return builder_.failExpecting(wordsOf(wanted), whatToWrite(counter.rest(), wanted));
+    counter = PositionCounter(text_);
+    counter.moveTo(text_.data() + mistake->at);
+    return builder_.failHere(mistake->text);
   }
 
   /// Of a list that goes on behind its last comma, but ends there.

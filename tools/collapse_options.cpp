@@ -264,7 +264,7 @@ Outcome collapse(host::Job& job, bool completeShader, Diagnostics& diagnostics) 
     diagnostics.show(refusal.diagnostics());
     return refusal.reason() == host::CollapseError::Reason::noResult ? Outcome::null : Outcome::thrown;
   }
-  diagnostics.show(job.warnings(completeShader));
+  diagnostics.hold(job.warnings(completeShader));
   return Outcome::done;
 }
 

@@ -30,6 +30,12 @@ const Kind& kindOf(host::Severity severity) {
   return severity == host::Severity::note ? kNote : kError;
 }
 
+/// With the same severity or as an error.
+bool isToldAgain(host::Diagnostic held, const host::Diagnostic& other) {
+  if (other.severity == host::Severity::error) held.severity = other.severity;
+  return held == other;
+}
+
 }  // namespace
 
 bool Diagnostics::isTerminal() {
@@ -47,7 +53,8 @@ void Diagnostics::hold(std::span<const host::Diagnostic> diagnostics) {
 
 void Diagnostics::release(std::span<const host::Diagnostic> next) {
   for (const host::Diagnostic& held : held_) {
-    if (std::find(next.begin(), next.end(), held) == next.end()) write(held);
+    const auto tellsIt = [&held](const host::Diagnostic& other) { return isToldAgain(held, other); };
+    if (std::none_of(next.begin(), next.end(), tellsIt)) write(held);
   }
   held_.clear();
 }

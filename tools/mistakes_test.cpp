@@ -444,7 +444,7 @@ const Mistake kMistakes[] = {
      R"json("}"
     )json",
      1,
-     "own/own.fraglib:15:3: error: expected `,` or `]`, found `}` [malformed-json]\n"
+     "own/own.fraglib:13:10: error: missing `]` for the `[` of line 9, column 23 [malformed-json]\n"
      "graph.json:10:36: error: node `lines` uses the fragment `stripes`, which no library has; not all "
      "libraries could be read [unknown-fragment]\n"
      "graph.json:10:36: note: the generator says \"sfgError : Failed to create fragment: stripes!\" "
@@ -588,10 +588,11 @@ const Mistake kMistakes[] = {
      "[malformed-json]\n"},
     {"CommaMissing", "collapse", "", "graph.json", R"json("fragment": "fbmNoise2",)json",
      R"json("fragment": "fbmNoise2")json", 2,
-     "graph.json:7:7: error: expected `,` or `}`, found a string [malformed-json]\n"},
+     "graph.json:6:48: error: missing `,` behind this value [malformed-json]\n"},
     {"QuotationMarkMissing", "collapse", "", "graph.json", R"json("fbmNoise2",)json",
      R"json("fbmNoise2,)json", 2,
-     "graph.json:6:48: error: expected a closing `\"` before the end of the line [malformed-json]\n"},
+     "graph.json:6:48: error: expected a closing `\"` before the end of the line; a line feed is written "
+     "`\\n` [malformed-json]\n"},
     {"SlashesInJson", "collapse", "", "graph.json", R"json(  "nodes": [)json",
      R"json(  // the nodes
   "nodes": [)json",
@@ -599,7 +600,8 @@ const Mistake kMistakes[] = {
      "graph.json:5:3: error: expected a member name in double quotes, found a comment, which JSON does not "
      "have [malformed-json]\n"},
     {"SingleQuotes", "collapse", "", "graph.json", R"json("fbmNoise2")json", R"json('fbmNoise2')json", 2,
-     "graph.json:6:37: error: expected a value, found `'` [malformed-json]\n"},
+     "graph.json:6:37: error: expected a value, found `'`; strings stand in double quotes, `\"` "
+     "[malformed-json]\n"},
     {"TwoUnknownFragments", "collapse", "", "graph.json", R"json("fragment": "colorRampTwo")json",
      R"json("fragment": "colorRamp2")json", 1,
      "graph.json:8:35: error: node `ramp` uses the fragment `colorRamp2`, which no library has; did you mean "

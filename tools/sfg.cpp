@@ -55,6 +55,10 @@ std::string describeUnexpected(const CLI::App& app) {
   const std::string word = unexpected(rest);
   std::vector<std::string> known;
   if (word.starts_with("-")) {
+    const bool isKnown = owner.get_option_no_throw(word) != nullptr;
+    if (!chosen.empty() && isKnown)
+      return "the option `" + word + "` stands in front of the command; write `sfg " + owner.get_name() +
+             " " + word + " ..`";
     for (const CLI::Option* const option : owner.get_options()) {
       for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
     }

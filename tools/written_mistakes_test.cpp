@@ -151,12 +151,8 @@ float3 twice(float x) { return x + x; }
 )json"}},
      "compile g.json -L . -I . -o o",
      1,
-     "./a.h:1:4: warning: `#include` counts in comments, too, and takes the line's end with it: what stands "
-     "below becomes a part of this comment [missing-include]\n"
-     "./l.fraglib:5:12: error: `twice` is no function that is declared here [compile-error]\n"
-     "g.json:2:14: note: node `a` uses the fragment `f` [code-origin]\n"
-     "generated:LINE:6: note: the compiler says \"'twice' : no matching overloaded function found\" of the "
-     "line `r = twice(1.0);` [code-origin]\n"},
+     "./a.h:1:4: error: `#include` counts in comments, too, and takes the line's end with it: what stands "
+     "below becomes a part of this comment [missing-include]\n"},
     {"IncludeNamedWithAngles",
      {{"g.json", R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
   "nodes": [ { "name": "a", "fragment": "f" } ] }
@@ -960,6 +956,99 @@ float3 twice(float x) { return thrice(x); }
      "compile g.json --tool lightloop --environment g.json -L LIBRARY -I LIBRARY -o o",
      2,
      "g.json:1:1: error: this is a graph, not an environment [wrong-kind]\n"},
+    {"IncludeAndSoItsFunctionMissing",
+     {{"l.fraglib", R"json({ "f": { "language": ["dx11"], "includes": ["mymath.h"],
+  "implementation": [
+    "void f(out float3 r)",
+    "{",
+    "  r = twice(0.5);",
+    "}" ] } }
+)json"},
+      {"g.json", R"json({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ],
+  "nodes": [ { "name": "a", "fragment": "f" } ] }
+)json"}},
+     "compile g.json -L . -I . -o o",
+     1,
+     "./l.fraglib:1:45: error: fragment `f` includes `mymath.h`, which is in no include folder "
+     "[missing-include]\n"},
+    {"MacroWithAnEqualsSign",
+     {{"l.fraglib", R"json({ "f": { "language": ["dx11"], "predefine": ["#define DARK = 0.5"],
+  "implementation": [
+    "void f(out float3 r)",
+    "{",
+    "  r = float3(1.0, 1.0, 1.0) * DARK;",
+    "}" ] } }
+)json"}},
+     "check l.fraglib",
+     1,
+     "./l.fraglib:1:60: error: `=` is taken for a part of the macro's value; leave it out [compile-error]\n"
+     "./l.fraglib:1:60: note: the compiler says \"'expression' : Expected\" of the line `r = float3(1.0, "
+     "1.0, 1.0) * DARK;` [code-origin]\n"},
+    {"MacroWithASemicolon",
+     {{"l.fraglib", R"json({ "f": { "language": ["dx11"], "predefine": ["#define DARK 0.5;"],
+  "implementation": [
+    "void f(out float3 r)",
+    "{",
+    "  r = (1.0 * DARK) * float3(1.0, 1.0, 1.0);",
+    "}" ] } }
+)json"}},
+     "check l.fraglib",
+     1,
+     "./l.fraglib:1:63: error: `;` is taken for a part of the macro's value; leave it out [compile-error]\n"
+     "./l.fraglib:1:63: note: the compiler says \"')' : Expected\" of the line `r = (1.0 * DARK) * "
+     "float3(1.0, 1.0, 1.0);` [code-origin]\n"},
+    {"ExpressionWithASemicolon",
+     {{"l.fraglib",
+       R"json({ "f": { "mode": "inline", "language": ["dx11"], "implementation": ["{{a}} + {{b}};"] } }
+)json"}},
+     "check l.fraglib",
+     1,
+     "./l.fraglib:1:83: error: fragment `f`: `;` cannot stand in an expression [not-loaded]\n"},
+    {"ExpressionWithASemicolonInside",
+     {{"l.fraglib",
+       R"json({ "f": { "mode": "inline", "language": ["dx11"], "implementation": ["({{a}}; + {{b}})"] } }
+)json"}},
+     "check l.fraglib",
+     1,
+     "./l.fraglib:1:76: error: fragment `f`: `;` cannot stand in an expression [not-loaded]\n"},
+    {"PlaceholderWithOneBrace",
+     {{"l.fraglib",
+       R"json({ "f": { "mode": "inline", "language": ["dx11"], "implementation": ["{{color}} * {amount}"] } }
+)json"}},
+     "check l.fraglib",
+     1,
+     "./l.fraglib:1:82: error: fragment `f`: `{amount}` is no placeholder; write `{{amount}}` "
+     "[not-loaded]\n"},
+    {"ExpressionWithBraces",
+     {{"l.fraglib",
+       R"json({ "f": { "mode": "inline", "language": ["dx11"], "implementation": ["{ {{color}} * 2.0 }"] } }
+)json"}},
+     "check l.fraglib",
+     1,
+     "./l.fraglib:1:70: error: fragment `f`: `{` cannot stand in an expression [not-loaded]\n"},
+    {"SoundExpression",
+     {{"l.fraglib",
+       R"json({ "f": { "mode": "inline", "language": ["dx11"], "implementation": ["{{color}} * 2.0 /* {a}; */"] } }
+)json"}},
+     "check l.fraglib",
+     0,
+     ""},
+    {"OptionInFrontOfTheCommand",
+     {{"l.fraglib",
+       R"json({ "f": { "mode": "inline", "language": ["dx11"], "implementation": ["{{x}} * 2.0"] } }
+)json"}},
+     "-v check l.fraglib",
+     2,
+     "sfg: error: the option `-v` stands in front of the command; write `sfg check -v ..` [wrong-usage]\n"
+     "try `sfg --help`, or `sfg COMMAND --help`\n"},
+    {"OptionWithValueInFrontOfTheCommand",
+     {{"l.fraglib",
+       R"json({ "f": { "mode": "inline", "language": ["dx11"], "implementation": ["{{x}} * 2.0"] } }
+)json"}},
+     "-L . check l.fraglib",
+     2,
+     "sfg: error: the option `-L` stands in front of the command; write `sfg check -L ..` [wrong-usage]\n"
+     "try `sfg --help`, or `sfg COMMAND --help`\n"},
 };
 
 std::string nameOf(const testing::TestParamInfo<WrittenMistake>& info) { return info.param.name; }

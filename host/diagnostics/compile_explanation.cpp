@@ -7,6 +7,7 @@
 
 #include "host/diagnostics/compile_messages.h"
 #include "host/diagnostics/include_namer.h"
+#include "host/diagnostics/include_warnings.h"
 #include "host/documents/diagnose.h"
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
@@ -55,6 +56,9 @@ public:
   std::vector<Diagnostic> explain() {
     if (error_.messages().empty()) return explainSilence();
     ToldMistake told = messages_.describe(error_.messages());
+    if (!told.unknown.empty()) {
+      if (std::vector<Diagnostic> includes = lackingIncludes(); !includes.empty()) return includes;
+    }
     const SourcePlace& unbalanced = map_.findUnbalanced();
     const bool hasPlace = told.token < messages_.tokens().size();
     if (told.isSyntax && unbalanced.kind != PlaceKind::unknown) {
@@ -80,6 +84,13 @@ private:
     if (isKnown) tell(unbalanced, wordsOf(unbalanced));
     add(isKnown ? Severity::note : Severity::error, job_.document().file(), 0, 0, error_.what());
     return std::move(diagnostics_);
+  }
+
+  /// Where one is missing, so is what it declares.
+  std::vector<Diagnostic> lackingIncludes() const {
+    std::vector<Diagnostic> includes = findIncludeWarnings(job_);
+    for (Diagnostic& include : includes) include.severity = Severity::error;
+    return includes;
   }
 
   void add(Severity severity, const std::string& file, std::size_t line, std::size_t column,

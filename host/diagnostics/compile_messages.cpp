@@ -198,7 +198,38 @@ private:
     return words.empty() ? std::string() : " " + ticks(words.back());
   }
 
+  /// Of a macro at the place or in front of it whose value is no expression: told where it is defined.
+  bool isMacroAtFault() {
+    if (token_ == kNotFound) return false;
+    for (std::size_t i = token_; i + 2 > token_ && has(i) && i != 0; --i) {
+      if (isName(i) && findWrongValue(at(i))) return true;
+    }
+    return false;
+  }
+
+  /// Of the last definition of that name in front of the place: `#define X = 0.5`, `#define X 0.5;`.
+  bool findWrongValue(const std::string& name) {
+    for (std::size_t i = std::min(token_, all_.tokens_.size()); i-- > 0;) {
+      if (at(i) != "#" || at(i + 1) != "define" || at(i + 2) != name) continue;
+      std::size_t value = i + 3;
+      const bool hasParameters = at(value) == "(" && all_.tokens_[value].begin == endOf(value - 1);
+      if (hasParameters) value = behindBrackets(all_.text_, all_.tokens_, value);
+      std::size_t last = value;
+      while (has(last + 1) && lineOf(last + 1) == lineOf(i)) ++last;
+      if (!has(value) || lineOf(value) != lineOf(i)) return false;
+      if (at(value) != "=" && at(last) != ";") return false;
+      told_.token = at(value) == "=" ? value : last;
+      return true;
+    }
+    return false;
+  }
+  std::size_t endOf(std::size_t token) const {
+    return all_.tokens_[token].begin + all_.tokens_[token].size();
+  }
+
   ToldMistake expected() {
+    if (isMacroAtFault())
+      return say(ticks(at(told_.token)) + " is taken for a part of the macro's value; leave it out");
     if (subject() == "loop or switch") {
       if (token_ != kNotFound && token_ != 0) told_.token = token_ - 1;
       return say(ticks(at(told_.token)) + " stands outside of a loop");

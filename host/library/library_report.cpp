@@ -113,12 +113,16 @@ std::string placeholderName(std::wstring_view text) {
                             : toUtf8(text.substr(first, text.find_last_not_of(L" \t") + 1 - first));
 }
 
-/// Whether it is text that begins as the generator wants it.
-bool isWholeFunction(const IObjectDataNode& code) {
+bool isText(const IObjectDataNode& code) {
   if (code.kind() != NodeKind::array || code.size() == 0) return false;
   for (std::size_t i = 0; i < code.size(); ++i)
     if (code.elementOrNull(i)->kind() != NodeKind::string) return false;
-  return code.elementOrNull(0)->asString().starts_with(L"void ");
+  return true;
+}
+
+/// Whether it is text that begins as the generator wants it.
+bool isWholeFunction(const IObjectDataNode& code) {
+  return isText(code) && code.elementOrNull(0)->asString().starts_with(L"void ");
 }
 
 bool startsWithWord(std::wstring_view code) {
@@ -134,6 +138,27 @@ std::optional<TextPosition> openPlaceholder(const IObjectDataNode& code) {
       if (close == text.npos || text.substr(at + 2, close - at - 2).find(L"{{") != text.npos)
         return positionIn(*code.elementOrNull(i), at);
     }
+  }
+  return std::nullopt;
+}
+
+/// Of an expression, which stands in parentheses wherever it is used: what only statements have.
+std::optional<PlacedFault> findStatement(const IObjectDataNode& code) {
+  const JoinedLines lines(code);
+  const WString text = withBlankComments(lines.text());
+  for (std::size_t at = text.find_first_of(L"{};#"); at != text.npos; at = text.find_first_of(L"{};#", at)) {
+    const std::wstring_view rest = std::wstring_view(text).substr(at);
+    const std::size_t close = rest.find(L'}');
+    if (rest[0] == L'#') return std::nullopt;
+    if (rest.starts_with(L"{{")) {
+      at += rest.find(L"}}") + 2;
+      continue;
+    }
+    const std::string name = close != rest.npos ? placeholderName(rest.substr(1, close - 1)) : std::string();
+    if (rest[0] == L'{' && isIdentifier(name))
+      return PlacedFault{lines.placeOf(at), "`{" + name + "}` is no placeholder; write `{{" + name + "}}`"};
+    return PlacedFault{lines.placeOf(at),
+                       "`" + toUtf8(rest.substr(0, 1)) + "` cannot stand in an expression"};
   }
   return std::nullopt;
 }
@@ -297,6 +322,13 @@ void LibraryReport::tellPlaceholders(const IObjectDataNode& code) {
                                         : inTicks(std::string_view(name)) + " is no name of an input"));
     }
   }
+  if (isText(code) && !openPlaceholder(code)) tellStatement(code);
+}
+
+void LibraryReport::tellStatement(const IObjectDataNode& code) {
+  const std::optional<PlacedFault> fault = findStatement(code);
+  if (fault)
+    addFault(Finding::notLoaded, fault->position, "fragment " + inTicks(fragment_) + ": " + fault->text);
 }
 
 void LibraryReport::tellProfile(const IObjectDataNode& profile) {

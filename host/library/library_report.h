@@ -57,6 +57,7 @@ private:
   void tellProfile(const IObjectDataNode& profile);
   void tellNamelessIncludes(const IObjectDataNode& profile);
   void tellPlaceholders(const IObjectDataNode& code);
+  void tellStatement(const IObjectDataNode& code);
   void tellPrototype(const IObjectDataNode& profile);
   void tellIgnoredKeys(const IObjectDataNode& object);
   Diagnostic describe(const FragmentLoadFailure& failure);
