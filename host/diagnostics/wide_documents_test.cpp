@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -252,6 +253,20 @@ INSTANTIATE_TEST_SUITE_P(All, WarningCostTest,
                                          WideCase{"ProfilesOfANode", manyInoutWires, 0, 250},
                                          WideCase{"LightsOfAType", manyLightsOfAType, 1, 250}),
                          testing::PrintToStringParamName());
+
+TEST(IncludeCostTest, GrowsWithTheFilesThatAreMissing) {
+  constexpr std::size_t kTold = 1000;  // the others are counted
+  const auto time = [](std::size_t count) {
+    const Scene scene(oneNode(R"("includes": [ )" + repeated(count, R"("gone#.h")") + " ], "));
+    JobFiles settings = scene.settings();
+    settings.includeFolders = settings.libraryFolders;
+    CollapseJob job = makeJob(settings);
+    job.run();
+    return test::processorTime(
+        [&] { EXPECT_EQ(findWarnings(job, true).size(), std::min(count, kTold + 1)); });
+  };
+  EXPECT_LT(test::timeGrowth(kTold, time), test::kLinearGrowth);
+}
 
 class SurfaceCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(SurfaceCostTest, GrowsWithTheDocument) {
