@@ -123,6 +123,14 @@ Documents manyInputs(std::size_t count) {
                  R"(, "inputs": { )" + repeated(count, R"("i#_": { "value": 1 })") + " }");
 }
 
+/// Nodes that each have a key which is near to another.
+Documents manyMistypedKeys(std::size_t count) {
+  Documents documents = oneNode({});
+  documents.graph =
+      R"({ "nodes": [ )" + repeated(count, R"({ "name": "n#", "fragment": "f", "input": {} })") + " ] }";
+  return documents;
+}
+
 Documents manyPortsOfAnInterface(std::size_t count) {
   return oneNode({}, repeated(count, "float i#_") + ", ",
                  R"(, "interface": { "inputs": [ )" +
@@ -235,7 +243,8 @@ TEST_P(LoadingCostTest, GrowsWithTheDocument) {
 }
 INSTANTIATE_TEST_SUITE_P(All, LoadingCostTest,
                          testing::Values(WideCase{"Inputs", manyInputs}, WideCase{"Outputs", manyOutputs},
-                                         WideCase{"Interface", manyPortsOfAnInterface}),
+                                         WideCase{"Interface", manyPortsOfAnInterface},
+                                         WideCase{"MistypedKeys", manyMistypedKeys}),
                          testing::PrintToStringParamName());
 
 class WarningCostTest : public testing::TestWithParam<WideCase> {};
