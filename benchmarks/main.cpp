@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "benchmarks/report.h"
+#include "tolmsdk/read_limits.h"
 
 namespace {
 
@@ -188,6 +189,8 @@ int run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Documents of a million nodes are larger than hosts take by default.
+  TolmSDK::setReadLimits({.documentValues = 100'000'000});
   CLI::App app("Measures sfg.");
   Options options;
   declare(app, options);

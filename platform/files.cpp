@@ -10,6 +10,7 @@
 #include "platform/text_file.h"
 #include "platform/utf.h"
 #include "tolmsdk/exception.h"
+#include "tolmsdk/read_limits.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK {
@@ -26,7 +27,8 @@ std::string_view asBytes(const std::u8string& text) {
 /// error.
 bool appendRest(std::ifstream& file, std::string& bytes) {
   constexpr std::size_t kStep = std::size_t{1} << 16;
-  while (bytes.size() <= kMaximumTextFileSize) {
+  const std::size_t most = readLimits().fileBytes;
+  while (bytes.size() <= most) {
     // Files grow by doubling, so that a stream of unknown length costs no more than its own size again.
     const std::size_t before = bytes.size();
     const std::size_t room = std::max(bytes.capacity() - before, kStep);
@@ -53,7 +55,10 @@ fs::path toPath(std::wstring_view path) {
 }
 
 WString tooLargeMessage() {
-  return formatted(L"the file is larger than %Iu MiB", static_cast<std::size_t>(kMaximumTextFileSize >> 20));
+  constexpr std::size_t kMebibyte = std::size_t{1} << 20;
+  const std::size_t most = readLimits().fileBytes;
+  if (most % kMebibyte == 0) return formatted(L"the file is larger than %Iu MiB", most / kMebibyte);
+  return formatted(L"the file is larger than %Iu bytes", most);
 }
 
 bool readTextFile(std::wstring_view path, std::string& bytes, WString& error) {
@@ -70,7 +75,7 @@ bool readTextFile(std::wstring_view path, std::string& bytes, WString& error) {
   if (status.type() == fs::file_type::directory) return fail(bytes, error, L"this is a folder, not a file");
   if (status.type() == fs::file_type::regular) {
     const std::uintmax_t size = fs::file_size(file, code);
-    if (!code && size > kMaximumTextFileSize) return fail(bytes, error, tooLargeMessage());
+    if (!code && size > readLimits().fileBytes) return fail(bytes, error, tooLargeMessage());
     if (!code) bytes.reserve(static_cast<std::size_t>(size) + 1);
   }
 
@@ -83,7 +88,7 @@ bool readTextFile(std::wstring_view path, std::string& bytes, WString& error) {
     if (!stream) return fail(bytes, error, L"the file cannot be opened");
     if (!appendRest(stream, bytes)) return fail(bytes, error, L"the file cannot be read");
   }
-  if (bytes.size() > kMaximumTextFileSize) return fail(bytes, error, tooLargeMessage());
+  if (bytes.size() > readLimits().fileBytes) return fail(bytes, error, tooLargeMessage());
   if (withoutByteOrderMark(bytes).size() != bytes.size()) bytes.erase(0, 3);
   return true;
 }

@@ -156,12 +156,14 @@ Name* NamePool::find(std::string_view utf8) {
 }
 
 bool Builder::null() {
+  if (!admitValue()) return false;
   values_.push_back(valueHere(NodeKind::null));
   counter_.moveWithinLine(counter_.at() + kNullLength);
   return true;
 }
 
 bool Builder::boolean(bool boolean) {
+  if (!admitValue()) return false;
   Value value = valueHere(NodeKind::boolean);
   value.boolean = boolean;
   values_.push_back(value);
@@ -170,6 +172,7 @@ bool Builder::boolean(bool boolean) {
 }
 
 bool Builder::number() {
+  if (!admitValue()) return false;
   Value value = valueHere(NodeKind::number);
   const char* const end = passNumber(counter_.at(), counter_.end());
   if (!readNumber(value, {counter_.at(), static_cast<std::size_t>(end - counter_.at())}))
@@ -180,6 +183,7 @@ bool Builder::number() {
 }
 
 bool Builder::string(std::string_view decoded) {
+  if (!admitValue()) return false;
   Value value = valueHere(NodeKind::string);
   std::string_view kept;
   if (!passString(decoded, kept)) return false;
@@ -199,6 +203,7 @@ bool Builder::key(std::string_view decoded) {
 }
 
 bool Builder::open(NodeKind kind) {
+  if (!admitValue()) return false;
   const Value value = valueHere(kind);
   counter_.moveWithinLine(counter_.at() + 1);
   frames_.push_back({value, values_.size(), members_.size()});
@@ -254,6 +259,15 @@ bool Builder::failHere(const WString& message) {
   error_ = formatted(L"line %Iu, column %Iu: ", std::size_t{counter_.line()}, std::size_t{counter_.column()});
   error_ += message;
   return false;
+}
+
+/// Whether the document may hold one value more.
+bool Builder::admitValue() {
+  if (valuesLeft_-- != 0) return true;
+  counter_.skipToToken();
+  return failHere(formatted(L"expected at most %Iu values (objects, arrays, texts, numbers) in one document: "
+                            L"split it",
+                            readLimits().documentValues));
 }
 
 Value Builder::valueHere(NodeKind kind) noexcept {

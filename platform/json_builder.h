@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/json_value.h"
+#include "tolmsdk/read_limits.h"
 
 namespace TolmSDK::json {
 
@@ -112,6 +113,7 @@ private:
     NamePlace place;
   };
 
+  bool admitValue();
   Value valueHere(NodeKind kind) noexcept;
   bool passString(std::string_view decoded, std::string_view& kept);
   Frame close() noexcept;
@@ -126,6 +128,7 @@ private:
   std::vector<Member> members_;
   std::vector<Frame> frames_;
   std::uint64_t objects_ = 0;
+  std::size_t valuesLeft_ = readLimits().documentValues;
   WString error_;
 };
 

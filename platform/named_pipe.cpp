@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "tolmsdk/files.h"
+#include "tolmsdk/read_limits.h"
 
 #if __has_include(<poll.h>)
 #include <fcntl.h>
@@ -59,7 +59,7 @@ PipeEnd readNamedPipe(const fs::path& path, std::string& bytes) {
   if (!pipe.isOpen()) return PipeEnd::failed;
   const Clock::time_point start = Clock::now();
   bool hasWriter = false;
-  while (bytes.size() <= kMaximumTextFileSize) {
+  while (bytes.size() <= readLimits().fileBytes) {
     const std::size_t before = bytes.size();
     bytes.resize(before + kStep);
     const ssize_t count = pipe.read(bytes.data() + before, kStep);

@@ -13,7 +13,7 @@
 #include "platform/text_file.h"
 #include "platform/utf.h"
 #include "tolmsdk/exception.h"
-#include "tolmsdk/files.h"
+#include "tolmsdk/read_limits.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::json {
@@ -255,7 +255,7 @@ public:
 
   bool loadFromText(std::wstring_view text) override {
     std::string bytes = toUtf8(text);
-    if (bytes.size() > kMaximumTextFileSize) return fail(tooLargeMessage());
+    if (bytes.size() > readLimits().fileBytes) return fail(tooLargeMessage());
     bytes.erase(0, bytes.size() - withoutByteOrderMark(bytes).size());
     return load(std::move(bytes));
   }

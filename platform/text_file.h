@@ -13,11 +13,11 @@ namespace TolmSDK {
 /// The system's form of a path given as wide text.
 std::filesystem::path toPath(std::wstring_view path);
 
-/// Reads a file of at most kMaximumTextFileSize bytes, without its byte-order mark. On failure answers false,
+/// Reads a file of at most ReadLimits::fileBytes, without its byte-order mark. On failure answers false,
 /// leaves `bytes` empty and says why in `error`.
 bool readTextFile(std::wstring_view path, std::string& bytes, WString& error);
 
-/// The message for a text above kMaximumTextFileSize.
+/// The message for a text above ReadLimits::fileBytes.
 WString tooLargeMessage();
 
 }  // namespace TolmSDK

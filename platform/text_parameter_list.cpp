@@ -5,6 +5,8 @@
 #include <set>
 #include <vector>
 
+#include "tolmsdk/read_limits.h"
+
 namespace TolmSDK::Graphics {
 
 namespace {
@@ -178,15 +180,16 @@ private:
   std::size_t pos_ = 0;
 };
 
-/// All parameters of a list; nothing when one is malformed or a name is given twice.
+/// All parameters of a list; nothing when one is malformed, a name is given twice, or they are too many.
 std::optional<std::vector<Parameter>> readParameters(std::wstring_view text) {
   std::vector<Parameter> parameters;
   ParameterReader reader(text);
   if (reader.atEnd()) return parameters;
   std::set<std::wstring_view> names;
+  const std::size_t most = readLimits().parameters;
   do {
     const std::optional<Parameter> parameter = reader.readParameter();
-    if (!parameter || !names.insert(parameter->name).second) return {};
+    if (!parameter || !names.insert(parameter->name).second || parameters.size() == most) return {};
     parameters.push_back(*parameter);
   } while (reader.passComma());
   return parameters;

@@ -4,6 +4,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/job/collapse_job.h"
@@ -18,7 +20,8 @@ struct IncludeNamer {
   WString byInclude;  ///< the name of the include file that names it; empty for a fragment
 };
 
-/// The include files of one collapse and who names them. Refers to the job.
+/// The include files of one collapse and who names them. Refers to the job. Takes time in
+/// proportion to all that name one; an answer takes none.
 class IncludeNamers {
 public:
   explicit IncludeNamers(const CollapseJob& job);
@@ -31,11 +34,21 @@ public:
   std::vector<IncludeNamer> chain(const WString& name, std::size_t most) const;
 
 private:
-  std::optional<IncludeNamer> findIn(const IShaderFragment& fragment, const WString& name) const;
+  /// Where a name stands: in a fragment, or in an include file.
+  struct Place {
+    const IShaderFragment* fragment = nullptr;
+    const WString* include = nullptr;
+    const std::string* file = nullptr;
+    TextPosition position;
+  };
 
-  const CollapseJob& job_;
-  const LoadedLibraries& libraries_;
+  void addFragments(const CollapseJob& job);
+  void addFragment(const LoadedLibraries& libraries, const IShaderFragment& fragment);
+  void addFiles(const LoadedLibraries& libraries);
+
   Array<WString> names_;
+  /// By the name that stands there, the first one of each.
+  std::unordered_map<std::wstring_view, Place> places_;
 };
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -13,18 +13,23 @@ namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
 
+/// Of files that are missing; the others are counted.
+constexpr std::size_t kMostTold = 1000;
+
 class IncludeCheck {
 public:
-  explicit IncludeCheck(const CollapseJob& job) : job_(job), libraries_(job.libraries()), namers_(job) {}
+  explicit IncludeCheck(const CollapseJob& job) : job_(job), libraries_(job.libraries()), namers_(job) {
+    for (const auto& [name, file] : libraries_.includeFiles().files()) known_.push_back(toUtf8(name));
+  }
 
-  std::vector<Diagnostic> run() const {
+  std::vector<Diagnostic> run() {
     std::vector<Diagnostic> warnings;
     for (const WString& name : namers_.names()) {
       tellNameless(name, warnings);
       if (!libraries_.includes().getIncludeContent(name.c_str()).empty()) continue;
       const IncludeFiles::File* const file = libraries_.includeFiles().find(name);
       if (file == nullptr) {
-        warnings.push_back(missing(name));
+        if (++missing_ <= kMostTold) warnings.push_back(missing(name));
       } else if (!file->fault.empty()) {
         warnings.push_back(diagnose(Finding::unreadableInclude, Severity::warning, file->path, {},
                                     "the include file cannot be read: " + file->fault + namedBy(name)));
@@ -32,6 +37,11 @@ public:
         warnings.push_back(diagnose(Finding::emptyInclude, Severity::warning, file->path, {},
                                     "the include file is empty" + namedBy(name)));
       }
+    }
+    if (missing_ > kMostTold) {
+      warnings.push_back(diagnose(Finding::missingInclude, Severity::warning, job_.document().file(), {},
+                                  "the result includes " + std::to_string(missing_ - kMostTold) +
+                                      " more files that are in no include folder"));
     }
     return warnings;
   }
@@ -60,11 +70,9 @@ private:
   }
 
   std::string nearName(const std::string& name) const {
-    std::vector<std::string> known;
-    for (const auto& [other, file] : libraries_.includeFiles().files()) known.push_back(toUtf8(other));
     const std::string bare = bareIncludeName(name);
     if (bare != name && libraries_.includeFiles().find(fromUtf8(bare)) != nullptr) return bare;
-    return std::string(nearestName(bare, known));
+    return std::string(nearestName(bare, known_));
   }
 
   std::string namedBy(const WString& name) const {
@@ -75,6 +83,8 @@ private:
   const CollapseJob& job_;
   const LoadedLibraries& libraries_;
   const IncludeNamers namers_;
+  std::vector<std::string> known_;  ///< include files
+  std::size_t missing_ = 0;
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -122,6 +123,14 @@ Documents manyInputs(std::size_t count) {
                  R"(, "inputs": { )" + repeated(count, R"("i#_": { "value": 1 })") + " }");
 }
 
+/// Nodes that each have a key which is near to another.
+Documents manyMistypedKeys(std::size_t count) {
+  Documents documents = oneNode({});
+  documents.graph =
+      R"({ "nodes": [ )" + repeated(count, R"({ "name": "n#", "fragment": "f", "input": {} })") + " ] }";
+  return documents;
+}
+
 Documents manyPortsOfAnInterface(std::size_t count) {
   return oneNode({}, repeated(count, "float i#_") + ", ",
                  R"(, "interface": { "inputs": [ )" +
@@ -234,7 +243,8 @@ TEST_P(LoadingCostTest, GrowsWithTheDocument) {
 }
 INSTANTIATE_TEST_SUITE_P(All, LoadingCostTest,
                          testing::Values(WideCase{"Inputs", manyInputs}, WideCase{"Outputs", manyOutputs},
-                                         WideCase{"Interface", manyPortsOfAnInterface}),
+                                         WideCase{"Interface", manyPortsOfAnInterface},
+                                         WideCase{"MistypedKeys", manyMistypedKeys}),
                          testing::PrintToStringParamName());
 
 class WarningCostTest : public testing::TestWithParam<WideCase> {};
@@ -252,6 +262,20 @@ INSTANTIATE_TEST_SUITE_P(All, WarningCostTest,
                                          WideCase{"ProfilesOfANode", manyInoutWires, 0, 250},
                                          WideCase{"LightsOfAType", manyLightsOfAType, 1, 250}),
                          testing::PrintToStringParamName());
+
+TEST(IncludeCostTest, GrowsWithTheFilesThatAreMissing) {
+  constexpr std::size_t kTold = 1000;  // the others are counted
+  const auto time = [](std::size_t count) {
+    const Scene scene(oneNode(R"("includes": [ )" + repeated(count, R"("gone#.h")") + " ], "));
+    JobFiles settings = scene.settings();
+    settings.includeFolders = settings.libraryFolders;
+    CollapseJob job = makeJob(settings);
+    job.run();
+    return test::processorTime(
+        [&] { EXPECT_EQ(findWarnings(job, true).size(), std::min(count, kTold + 1)); });
+  };
+  EXPECT_LT(test::timeGrowth(kTold, time), test::kLinearGrowth);
+}
 
 class SurfaceCostTest : public testing::TestWithParam<WideCase> {};
 TEST_P(SurfaceCostTest, GrowsWithTheDocument) {

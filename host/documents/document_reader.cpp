@@ -1,6 +1,7 @@
 #include "host/documents/document_reader.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "host/documents/diagnose.h"
@@ -21,6 +22,9 @@ const char* expectedValue(const TypeID& type) {
   if (type == TypeID_float) return "a number";
   return nullptr;
 }
+
+/// The order by objects, each of which is asked for its own keys.
+bool isOfEarlierObject(const UnknownKey& a, const UnknownKey& b) { return std::less<>()(a.object, b.object); }
 
 bool holds(const IObjectDataNode& object, const IObjectDataNode& member) {
   for (std::size_t i = 0; i < object.size(); ++i) {
@@ -60,6 +64,7 @@ void DocumentReader::checkKeys(const KeyTable& table) {
   for (const UnknownKey& found : unknownKeys_) {
     problems_.push_back(placed(describe(found, Severity::warning, file_)));
   }
+  std::stable_sort(unknownKeys_.begin(), unknownKeys_.end(), isOfEarlierObject);
   for (const RepeatedMember& repeated : root_->repeatedMembers()) {
     if (!isCommentKey(repeated.name)) problems_.push_back(placed(describe(repeated, file_)));
   }
@@ -95,8 +100,11 @@ void DocumentReader::refuse(Finding kind, const IObjectDataNode& at, const std::
 }
 
 bool DocumentReader::isMistyped(const IObjectDataNode& object, std::string_view key) const {
-  return std::any_of(unknownKeys_.begin(), unknownKeys_.end(),
-                     [&](const UnknownKey& found) { return found.object == &object && found.meant == key; });
+  UnknownKey wanted;
+  wanted.object = &object;
+  const auto [begin, end] =
+      std::equal_range(unknownKeys_.begin(), unknownKeys_.end(), wanted, isOfEarlierObject);
+  return std::any_of(begin, end, [&](const UnknownKey& found) { return found.meant == key; });
 }
 
 void DocumentReader::refuse(const UnknownName& unknown, const IObjectDataNode& at) const {

@@ -3,17 +3,14 @@
 #include "host/documents/document_reader.h"
 #include "host/documents/other_kind.h"
 #include "host/documents/shader_names.h"
+#include "sfg/host/limits.h"
 #include "sfg/shader_fragment_profile_function.h"
-#include "sfg/size_limit.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
 
 namespace {
-
-/// No light loop over more lights stays within the size limit: each one's comment lines alone are longer.
-constexpr std::size_t kMaximumLights = kMaximumTextLength / 128;
 
 const IShaderFragment& requireFragment(const DocumentReader& reader, const IObjectDataNode& at,
                                        const WString& name, const ILanguageTraits& language,
@@ -70,10 +67,11 @@ RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILang
   environment->problems_ = reader.problems();
   Set<WString> names;
   if (const IObjectDataNode* lights = reader.optionalArray(reader.root(), L"lights")) {
-    if (lights->size() > kMaximumLights) {
+    const std::size_t most = limits().lights;
+    if (lights->size() > most) {
       reader.refuse(Finding::tooManyLights, *lights,
-                    std::to_string(lights->size()) + " lights are too many; at most " +
-                        std::to_string(kMaximumLights) + " can be written");
+                    std::to_string(lights->size()) + " lights are too many; at most " + std::to_string(most) +
+                        " can be written");
     }
     for (std::size_t i = 0; i < lights->size(); ++i) {
       const IObjectDataNode& object = reader.objectAt(*lights, i);

@@ -7,6 +7,7 @@
 
 #include "host/documents/document_reader.h"
 #include "host/documents/near_name.h"
+#include "tolmsdk/read_limits.h"
 #include "tolmsdk/unicode.h"
 
 namespace TolmSDK::Graphics::sfg::host {
@@ -134,6 +135,9 @@ private:
     const Word& name = words.back();
     if (!names_.emplace(name.text, name.index).second)
       return {name.index, "the name " + ticks(name.text) + " is given to two parameters"};
+    const std::size_t most = readLimits().parameters;
+    if (names_.size() > most)
+      return {name.index, "a function has at most " + std::to_string(most) + " parameters: give it fewer"};
     return none();
   }
 

@@ -75,6 +75,54 @@ TEST(CodeDepthTest, RefusesCallsThatDouble) {
             "67:8: the calls of functions make too much code: so many words (at most 1000000)");
 }
 
+const std::string kMacros = "the uses of macros make too much code: so many words (at most 1000000)";
+
+std::string doublingMacros(std::size_t count, const std::string& parameters, const std::string& between) {
+  std::string macros = "#define A0" + parameters + " a\n";
+  for (std::size_t i = 1; i < count; ++i) {
+    const std::string before = "A" + std::to_string(i - 1) + parameters;
+    macros += "#define A" + std::to_string(i) + parameters + " (" + before + between + "+ " + before + ")\n";
+  }
+  return macros;
+}
+
+TEST(CodeDepthTest, RefusesMacrosThatDouble) {
+  EXPECT_EQ(refusal(doublingMacros(18, "", " ") + function("f", "r = A17;")), "");
+  EXPECT_EQ(refusal(doublingMacros(40, "", " ")), "19:1: " + kMacros);
+  EXPECT_EQ(refusal(doublingMacros(40, "()", " ")), "18:1: " + kMacros);
+  EXPECT_EQ(refusal(doublingMacros(40, "", " \\\n")), "36:1: " + kMacros);
+}
+
+TEST(CodeDepthTest, CountsMacrosWhereTheyAreUsed) {
+  const std::string macros = doublingMacros(16, "", " ");  // A15 is of 196,603 words
+  EXPECT_EQ(refusal(macros + function("f", repeat(5, "r = A15;\n"))), "");
+  EXPECT_EQ(refusal(macros + function("f", repeat(6, "r = A15;\n"))), "24:5: " + kMacros);
+  EXPECT_EQ(refusal(macros + "static const float r[] = {" + repeat(6, "A15,\n") + "};"), "22:1: " + kMacros);
+  EXPECT_EQ(refusal(macros + "#if " + repeat(6, "A15 + ") + "0\n#endif\n"), "17:1: " + kMacros);
+  EXPECT_EQ(refusal(macros + function("f", repeat(5, "r = A15;\n")) + function("g", "f(); A15;")),
+            "28:6: " + kMacros);
+}
+
+TEST(CodeDepthTest, RefusesArgumentsThatMacrosRepeat) {
+  const std::string twice = "#define D(x) ((x) + (x))\n#define E(x) (x)\n";
+  const auto nested = [&](const std::string& name, std::size_t count) {
+    return twice + function("f", "r = " + repeat(count, name + "(") + "a" + repeat(count, ")") + ";");
+  };
+  EXPECT_EQ(refusal(nested("D", 15)), "");
+  EXPECT_EQ(refusal(nested("E", 2000)), "");
+  EXPECT_EQ(refusal(nested("D", 40)), "5:41: " + kMacros);
+  EXPECT_EQ(refusal(twice + "#define F(x) " + repeat(40, "D(") + "x" + repeat(40, ")") + "\n" +
+                    function("f", "r = F(a);")),
+            "3:1: " + kMacros);
+  // One behind the other, they repeat nothing of each other.
+  EXPECT_EQ(refusal(twice + function("f", repeat(1000, "r = D(a) + E(b);\n"))), "");
+}
+
+TEST(CodeDepthTest, BearsMacrosThatUseThemselves) {
+  EXPECT_EQ(refusal("#define A(x) A(x) A(x)\n#define B C C\n#define C B B\n" + function("f", "A(B) C;")), "");
+  EXPECT_EQ(refusal("#define\n#define 1 2\n#\n#define A(\n#define A(x\n#if\n#define B \\"), "");
+}
+
 TEST(CodeDepthTest, RefusesAnExpressionOfTooManyOperators) {
   EXPECT_EQ(refusal(function("f", "r = " + repeat(60'000, "- ") + "a;")),
             "3:100003: an expression is too long (at most 50000)");

@@ -9,7 +9,11 @@
 #include <fstream>
 #include <new>
 
+#include "sfg/fragment_library.h"
 #include "sfg/host/job.h"
+#include "sfg/shader_includes.h"
+#include "tolmsdk/files.h"
+#include "tolmsdk/unicode.h"
 
 // The C library's own allocator, behind the names below: defining malloc in the program puts every allocation
 // of every library through it.
@@ -55,6 +59,25 @@ constexpr const char* kLibrary = R"json({
     "  result = tone(color) * amount * gain;", "}" ] }
 })json";
 
+constexpr const char* kLitLibrary = R"json({
+  "lamp": { "name": "Lamp", "language": ["dx11"], "predefine": [ "struct Lamp", "{", "  float3 c;", "};" ],
+    "implementation": [ "void lamp(out Lamp light)", "{", "  light.c = 1;", "}" ] },
+  "matte": { "name": "Lamp", "language": ["dx11"], "uniforms": [ { "name": "tone", "type": "float3" } ],
+    "implementation": [ "void matte(float3 albedo, out float3 result)", "{",
+    "  result = albedo * sfg_currentLight.c * tone;", "}" ] }
+})json";
+
+constexpr const char* kLitGraph = R"json({
+  "inputs":  [ { "name": "albedo", "type": "float3" } ],
+  "outputs": [ { "name": "color", "type": "float3", "node": "surface" } ],
+  "nodes":   [ { "name": "surface", "fragment": "matte", "inputs": { "albedo": { "graphInput": "albedo" } } } ]
+})json";
+
+constexpr const char* kLights = R"json({
+  "lights": [ { "name": "key", "fragment": "lamp", "profile": "Lamp" },
+              { "name": "fill", "fragment": "lamp", "profile": "Lamp" } ]
+})json";
+
 constexpr const char* kGraph = R"json({
   "inputs":  [ { "name": "amount", "type": "float" } ],
   "outputs": [ { "name": "color", "type": "float3", "node": "second" } ],
@@ -86,6 +109,28 @@ std::size_t failEverywhere(Action&& action, Verify&& verify) {
   }
 }
 
+/// The same for some of the allocations only, spread over all: of what makes many.
+template <class Action, class Verify>
+std::size_t failSomewhere(std::size_t samples, long long allocations, Action&& action, Verify&& verify) {
+  std::size_t failures = 0;
+  for (std::size_t sample = 0; sample < samples; ++sample) {
+    bool failed = false;
+    allocationsLeft = allocations * static_cast<long long>(sample) / static_cast<long long>(samples);
+    try {
+      action();
+    } catch (const std::bad_alloc&) {
+      failed = true;
+    } catch (...) {
+      allocationsLeft = -1;
+      throw;
+    }
+    failures += allocationsLeft < 0 ? 1 : 0;
+    allocationsLeft = -1;
+    verify(failed);
+  }
+  return failures;
+}
+
 /// How many allocations it makes.
 template <class Action>
 long long allocationsOf(Action&& action) {
@@ -106,6 +151,7 @@ protected:
     std::string pattern = (std::filesystem::temp_directory_path() / "sfg_memory_XXXXXX").string();
     folder_ = mkdtemp(pattern.data());
     std::ofstream(folder_ / "lib.fraglib") << kLibrary;
+    std::ofstream(folder_ / "lit.fraglib") << kLitLibrary;
     std::ofstream(folder_ / "tone.h") << "float3 tone(float3 c)\n{\n  return c;\n}\n";
     libraries_ = LibrarySet::load({{folder_}, {folder_}});
   }
@@ -120,6 +166,127 @@ protected:
   std::filesystem::path folder_;
   std::shared_ptr<const LibrarySet> libraries_;
 };
+
+/// A chain of nodes.
+std::string chainOf(std::size_t count) {
+  std::string nodes = R"({ "name": "n0", "fragment": "tint" })";
+  for (std::size_t i = 1; i < count; ++i) {
+    nodes += R"(, { "name": "n)" + std::to_string(i) +
+             R"(", "fragment": "tint", "inputs": { "color": { "node": "n)" + std::to_string(i - 1) +
+             "\" } } }";
+  }
+  return R"({ "outputs": [ { "name": "color", "type": "float3", "node": "n)" + std::to_string(count - 1) +
+         R"(" } ], "nodes": [ )" + nodes + " ] }";
+}
+
+TEST_F(OutOfMemoryTest, WhileAFileIsRead) {
+  const WString path = fromUtf8((folder_ / "lib.fraglib").string());
+  WString text;
+  WString error;
+  bool isRead = false;
+  const std::size_t failures = failEverywhere([&] { isRead = GetUTF8TextFileString(path, text, &error); },
+                                              [&](bool failed) {
+                                                if (failed) return;
+                                                ASSERT_EQ(text, isRead ? fromUtf8(kLibrary) : WString());
+                                                ASSERT_EQ(error.empty(), isRead);
+                                              });
+  EXPECT_GT(failures, 3u);
+  EXPECT_TRUE(isRead);
+  EXPECT_EQ(text, fromUtf8(kLibrary));
+}
+
+TEST_F(OutOfMemoryTest, WhileFragmentsLoad) {
+  const WString text = fromUtf8(kLibrary);
+  ShaderIncludes includes;
+  bool isTold = false;
+  FragmentLoading loading;
+  loading.includes = &includes;
+  loading.onFailure = [&](const FragmentLoadFailure&) { isTold = true; };
+  bool isLoaded = false;
+  const auto load = [&] {
+    isTold = isLoaded = false;
+    FragmentLibrary library;
+    library.loadText(L"lib.fraglib", text, loading);
+    isLoaded = library.acquireFragment(L"tint") != nullptr;
+  };
+  const std::size_t failures =
+      failEverywhere(load, [&](bool failed) { ASSERT_TRUE(failed || isTold != isLoaded); });
+  EXPECT_GT(failures, 50u);
+  load();
+  EXPECT_TRUE(isLoaded);
+}
+
+TEST_F(OutOfMemoryTest, WhileManyFragmentsLoad) {
+  constexpr std::size_t kCount = 200;
+  WString text = L"{";
+  for (std::size_t i = 0; i < kCount; ++i) {
+    text += i == 0 ? L"\"f" : L", \"f";
+    text +=
+        fromUtf8(std::to_string(i)) +
+        L"\": { \"language\": [\"dx11\"], \"implementation\": [ \"void f(out float r)\", \"{ r = 1; }\" ] }";
+  }
+  text += L" }";
+  ShaderIncludes includes;
+  std::size_t told = 0;
+  std::size_t loaded = 0;
+  FragmentLoading loading;
+  loading.includes = &includes;
+  loading.onFailure = [&](const FragmentLoadFailure&) { ++told; };
+  loading.onLoaded = [&](const IObjectDataNode&, const IShaderFragment&) { ++loaded; };
+  const auto load = [&] {
+    told = loaded = 0;
+    FragmentLibrary library;
+    library.loadText(L"lib.fraglib", text, loading);
+  };
+  const std::size_t failures = failSomewhere(300, allocationsOf(load), load, [&](bool failed) {
+    ASSERT_TRUE(failed || loaded == kCount || told != 0);
+  });
+  EXPECT_EQ(failures, 300u);
+  load();
+  EXPECT_EQ(loaded, kCount);
+}
+
+TEST_F(OutOfMemoryTest, WhileALitSurfaceCollapses) {
+  const auto lit = [&] {
+    CollapseOptions options;
+    options.tool = CollapseTool::lightLoop;
+    return Job(libraries_, Document::fromText(kLitGraph, "graph"), options,
+               Document::fromText(kLights, "lights"));
+  };
+  const std::size_t read =
+      failEverywhere([&] { static_cast<void>(lit()); }, [](bool failed) { ASSERT_TRUE(failed); });
+  EXPECT_GT(read, 100u);
+  Job whole = lit();
+  whole.collapse();
+  const std::string expected = whole.assemble().text;
+  EXPECT_NE(expected.find("result_fill_01"), expected.npos);
+
+  Job job = lit();
+  const std::size_t failures =
+      failEverywhere([&] { job.collapse(); }, [&](bool failed) { ASSERT_EQ(job.isCollapsed(), !failed); });
+  EXPECT_GT(failures, 100u);
+  EXPECT_EQ(job.assemble().text, expected);
+}
+
+TEST_F(OutOfMemoryTest, WhileALargeGraphCollapses) {
+  const Document graph = Document::fromText(chainOf(300), "graph");
+  const auto make = [&] { return Job(libraries_, graph); };
+  Job whole = make();
+  const long long allocations = allocationsOf([&] { whole.collapse(); });
+  const std::string expected = whole.assemble().text;
+  Job job = make();
+  const std::size_t failures = failSomewhere(
+      200, allocations,
+      [&] {
+        if (job.isCollapsed()) job = make();
+        job.collapse();
+      },
+      [&](bool failed) { ASSERT_EQ(job.isCollapsed(), !failed); });
+  // Code that is kept from one collapse to the next saves the later ones some.
+  EXPECT_GT(failures, 190u);
+  job.collapse();
+  EXPECT_EQ(job.assemble().text, expected);
+}
 
 TEST_F(OutOfMemoryTest, WhileAJobReads) {
   const Document graph = Document::fromText(kGraph, "graph");
