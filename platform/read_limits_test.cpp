@@ -25,7 +25,7 @@ protected:
 
 TEST_F(ReadLimitsTest, DefaultsAreThoseOfTheConstants) {
   EXPECT_EQ(readLimits().fileBytes, kMaximumTextFileSize);
-  EXPECT_EQ(readLimits().documentValues, 1'000'000u);
+  EXPECT_EQ(readLimits().documentValues, 2'000'000u);
   EXPECT_EQ(readLimits().parameters, 100'000u);
 }
 

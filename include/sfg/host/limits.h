@@ -16,7 +16,7 @@ struct Limits {
   /// as much and more while it is used.
   std::size_t fileBytes = std::size_t{1} << 28;
   /// Objects, arrays, texts, numbers and so on in one JSON document: graph, library, environment, manifest.
-  std::size_t documentValues = 1'000'000;
+  std::size_t documentValues = 2'000'000;
   /// Parameters of one function in a fragment's code.
   std::size_t parameters = 100'000;
   /// Lights of one environment; 524,288 at most, whatever stands here.

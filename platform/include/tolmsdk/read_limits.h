@@ -14,7 +14,7 @@ struct ReadLimits {
   /// Bytes of one file or text; 4 GiB - 1 at most, whatever stands here.
   std::size_t fileBytes = std::size_t{1} << 28;
   /// Arrays, objects, texts, numbers and so on in one JSON document.
-  std::size_t documentValues = 1'000'000;
+  std::size_t documentValues = 2'000'000;
   /// Parameters of one function in shader code.
   std::size_t parameters = 100'000;
 };
