@@ -11,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/json_characters.h"
 #include "platform/utf.h"
 #include "tolmsdk/exception.h"
 #include "tolmsdk/unicode.h"
@@ -21,15 +22,7 @@ namespace {
 
 bool isBlank(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
-
-/// Characters of numbers, literals and what people write in their place.
-bool isWordCharacter(char c) {
-  const bool isAlphanumeric = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-  return isAlphanumeric || c == '_' || c == '+' || c == '-' || c == '.';
-}
 
 constexpr std::size_t kLongestWord = 40;
 

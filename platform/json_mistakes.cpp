@@ -1,13 +1,13 @@
 #include "platform/json_mistakes.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <initializer_list>
 #include <string>
 #include <vector>
 
 #include "platform/json_builder.h"
+#include "platform/json_characters.h"
 #include "tolmsdk/exception.h"
 
 namespace TolmSDK::json {
@@ -15,11 +15,6 @@ namespace TolmSDK::json {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
-
-bool isAlphanumeric(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-/// Of numbers, literals and what people write in their place.
-bool isWordCharacter(char c) { return isAlphanumeric(c) || c == '+' || c == '-' || c == '.'; }
 
 char closerOf(char open) { return open == '[' ? ']' : '}'; }
 
@@ -245,8 +240,7 @@ WString whatToWrite(std::string_view found, Wanted wanted) {
   if (word == "true" || word == "yes" || word == "on") return L"; write `true`";
   if (word == "false" || word == "no" || word == "off") return L"; write `false`";
   if (isOneOf(word, {"none", "null", "nil", "undefined"})) return L"; write `null`";
-  if (!std::isalpha(static_cast<unsigned char>(word[0])) && word[0] != '_')
-    return L"; numbers are written as `0.5`, `-1` or `2e3`";
+  if (!isAlphanumeric(word[0]) || isDigit(word[0])) return L"; numbers are written as `0.5`, `-1` or `2e3`";
   return L"; text stands in double quotes";
 }
 

@@ -75,8 +75,6 @@ struct MacroHead {
   std::string_view body;
 };
 
-bool isWordPart(char c) { return isName({&c, 1}) || (c >= '0' && c <= '9'); }
-
 /// The line from its next word on.
 void skipToWord(std::string_view& line) {
   while (!line.empty() && !isWordPart(line.front())) line.remove_prefix(1);

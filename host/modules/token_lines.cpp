@@ -6,9 +6,10 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
+bool isWordPart(char c) noexcept { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
+
 namespace {
 
-bool isWordPart(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 class Splitter {

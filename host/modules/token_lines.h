@@ -9,6 +9,9 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
+/// A character of names and numbers.
+bool isWordPart(char c) noexcept;
+
 /// The same tokens and preprocessor lines, and where each line stood: counted from 1, columns in code points.
 struct TokenLines {
   struct Place {
