@@ -1,6 +1,7 @@
 #include "platform/json_mistakes.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstddef>
 #include <initializer_list>
 #include <string>

@@ -86,26 +86,38 @@ constexpr const char* kGraph = R"json({
                { "name": "second", "fragment": "tint", "inputs": { "color": { "node": "first" } } } ]
 })json";
 
+struct Attempt {
+  bool failed = false;     ///< by std::bad_alloc
+  bool isReached = false;  ///< the allocation that fails
+};
+
+/// Does it with the allocation behind so many others failing.
+template <class Action>
+Attempt failAfter(long long allocations, Action&& action) {
+  Attempt attempt;
+  allocationsLeft = allocations;
+  try {
+    action();
+  } catch (const std::bad_alloc&) {
+    attempt.failed = true;
+  } catch (...) {
+    allocationsLeft = -1;
+    throw;
+  }
+  attempt.isReached = allocationsLeft < 0;
+  allocationsLeft = -1;
+  return attempt;
+}
+
 /// Does it with the first allocation failing, then the second and so on, until none of them does. Answers how
 /// often it failed; `verify` runs after each failure.
 template <class Action, class Verify>
 std::size_t failEverywhere(Action&& action, Verify&& verify) {
   for (std::size_t failures = 0;; ++failures) {
-    bool failed = false;
-    allocationsLeft = static_cast<long long>(failures);
-    try {
-      action();
-    } catch (const std::bad_alloc&) {
-      failed = true;
-    } catch (...) {
-      allocationsLeft = -1;
-      throw;
-    }
-    const bool isReached = allocationsLeft < 0;
-    allocationsLeft = -1;
-    if (!failed && !isReached) return failures;
+    const Attempt attempt = failAfter(static_cast<long long>(failures), action);
+    if (!attempt.failed && !attempt.isReached) return failures;
     // A failure may be made up for, but is not taken for a result.
-    verify(failed);
+    verify(attempt.failed);
   }
 }
 
@@ -114,19 +126,10 @@ template <class Action, class Verify>
 std::size_t failSomewhere(std::size_t samples, long long allocations, Action&& action, Verify&& verify) {
   std::size_t failures = 0;
   for (std::size_t sample = 0; sample < samples; ++sample) {
-    bool failed = false;
-    allocationsLeft = allocations * static_cast<long long>(sample) / static_cast<long long>(samples);
-    try {
-      action();
-    } catch (const std::bad_alloc&) {
-      failed = true;
-    } catch (...) {
-      allocationsLeft = -1;
-      throw;
-    }
-    failures += allocationsLeft < 0 ? 1 : 0;
-    allocationsLeft = -1;
-    verify(failed);
+    const Attempt attempt =
+        failAfter(allocations * static_cast<long long>(sample) / static_cast<long long>(samples), action);
+    failures += attempt.isReached ? 1 : 0;
+    verify(attempt.failed);
   }
   return failures;
 }

@@ -10,7 +10,7 @@ namespace TolmSDK::Graphics::sfg::host {
 
 /// Of the whole process. What passes one of them is refused at its place with an InputError, a problem of the
 /// library set or a CompileError, which names the limit. With the defaults, JSON documents of millions of
-/// parts end within seconds and a gibibyte. What one compile may use is set by isolateCompilers().
+/// parts are refused within seconds. What one compile may use is set by isolateCompilers().
 struct Limits {
   /// Bytes of one file or document; 4 GiB - 1 at most, whatever stands here. A document may take ten times
   /// as much and more while it is used.
