@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
@@ -10,9 +11,11 @@
 #include <new>
 
 #include "sfg/fragment_library.h"
+#include "sfg/host/check.h"
 #include "sfg/host/job.h"
 #include "sfg/shader_includes.h"
 #include "tolmsdk/files.h"
+#include "tolmsdk/sha1.h"
 #include "tolmsdk/unicode.h"
 
 // The C library's own allocator, behind the names below: defining malloc in the program puts every allocation
@@ -21,12 +24,22 @@ extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* memory, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* memory);
 }
 
 namespace {
 
 /// Allocations that succeed before one fails; negative: all do.
 thread_local long long allocationsLeft = -1;
+
+/// Blocks that are not freed yet.
+std::atomic<long long> blocksInUse = 0;
+
+void* counted(void* memory) noexcept {
+  if (memory != nullptr) ++blocksInUse;
+  return memory;
+}
 
 bool isOutOfMemory() noexcept {
   if (allocationsLeft < 0) return false;
@@ -40,12 +53,25 @@ bool isOutOfMemory() noexcept {
 // Hidden, as this project compiles its own names, they would serve the program alone.
 #pragma GCC visibility push(default)
 extern "C" {
-void* malloc(std::size_t size) { return isOutOfMemory() ? nullptr : __libc_malloc(size); }
+void* malloc(std::size_t size) { return isOutOfMemory() ? nullptr : counted(__libc_malloc(size)); }
 void* calloc(std::size_t count, std::size_t size) {
-  return isOutOfMemory() ? nullptr : __libc_calloc(count, size);
+  return isOutOfMemory() ? nullptr : counted(__libc_calloc(count, size));
 }
 void* realloc(void* memory, std::size_t size) {
-  return isOutOfMemory() ? nullptr : __libc_realloc(memory, size);
+  if (isOutOfMemory()) return nullptr;
+  return memory == nullptr ? counted(__libc_malloc(size)) : __libc_realloc(memory, size);
+}
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+  return isOutOfMemory() ? nullptr : counted(__libc_memalign(alignment, size));
+}
+void* memalign(std::size_t alignment, std::size_t size) { return aligned_alloc(alignment, size); }
+int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {
+  *memory = aligned_alloc(alignment, size);
+  return *memory == nullptr ? ENOMEM : 0;
+}
+void free(void* memory) {
+  if (memory != nullptr) --blocksInUse;
+  __libc_free(memory);
 }
 }
 #pragma GCC visibility pop
@@ -121,6 +147,19 @@ std::size_t failEverywhere(Action&& action, Verify&& verify) {
   }
 }
 
+/// The same, twice: what the first round left behind is kept for later calls, what the second leaves is lost.
+template <class Action>
+std::size_t failWithoutLeaks(Action&& action) {
+  failEverywhere(action, [](bool) {});
+  long long before = 0;
+  return failEverywhere(
+      [&] {
+        before = blocksInUse;
+        action();
+      },
+      [&](bool) { ASSERT_EQ(blocksInUse, before); });
+}
+
 /// The same for some of the allocations only, spread over all: of what makes many.
 template <class Action, class Verify>
 std::size_t failSomewhere(std::size_t samples, long long allocations, Action&& action, Verify&& verify) {
@@ -182,6 +221,15 @@ std::string chainOf(std::size_t count) {
          R"(" } ], "nodes": [ )" + nodes + " ] }";
 }
 
+// OpenSSL's own start, at the first hash of a process, does not outlive it: the fixture has been there.
+TEST_F(OutOfMemoryTest, WhileATextIsHashed) {
+  WString hash;
+  const std::size_t failures =
+      failEverywhere([&] { hash = SHA1_GetStringHash(L"abc"); }, [](bool failed) { ASSERT_TRUE(failed); });
+  EXPECT_GT(failures, 1u);
+  EXPECT_EQ(hash, L"a9993e364706816aba3e25717850c26c9cd0d89d");
+}
+
 TEST_F(OutOfMemoryTest, WhileAFileIsRead) {
   const WString path = fromUtf8((folder_ / "lib.fraglib").string());
   WString text;
@@ -196,6 +244,54 @@ TEST_F(OutOfMemoryTest, WhileAFileIsRead) {
   EXPECT_GT(failures, 3u);
   EXPECT_TRUE(isRead);
   EXPECT_EQ(text, fromUtf8(kLibrary));
+}
+
+TEST_F(OutOfMemoryTest, WhileAJobLivesAndDies) {
+  const Document graph = Document::fromText(kGraph, "graph");
+  const std::size_t failures = failWithoutLeaks([&] {
+    Job job(libraries_, graph);
+    job.collapse();
+    static_cast<void>(job.warnings());
+    static_cast<void>(job.reflect());
+  });
+  EXPECT_GT(failures, 500u);
+}
+
+TEST_F(OutOfMemoryTest, WhileAJobReadsABrokenGraph) {
+  const Document graph =
+      Document::fromText(R"({ "nodes": [ { "name": "a", "fragment": "tinnt" } ] })", "graph");
+  bool isRefused = false;
+  const std::size_t failures = failWithoutLeaks([&] {
+    try {
+      Job job(libraries_, graph);
+      job.collapse();
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& refusal) {
+      isRefused = std::string_view(refusal.what()).find("tinnt") != std::string_view::npos;
+    }
+  });
+  EXPECT_GT(failures, 50u);
+  EXPECT_TRUE(isRefused);
+}
+
+TEST_F(OutOfMemoryTest, WhileDocumentsAreChecked) {
+  std::ofstream(folder_ / "broken.fraglib")
+      << R"json({ "broken": { "language": ["dx11"], "implementation": [ "void f(float a)" ], "tset": 1 } })json";
+  CheckOptions options;
+  options.folders = {{folder_}, {folder_}};
+  options.compiles = false;
+  const Checker checker(options);
+  const Document graph = Document::fromText(kGraph, "graph");
+  std::size_t found = 0;
+  const std::size_t failures = failWithoutLeaks([&] {
+    found = 0;
+    for (const std::string& file : checker.libraryFiles())
+      found += checker.checkLibrary(file).diagnostics.size();
+    found += checker.checkGraph(graph).diagnostics.size();
+  });
+  EXPECT_GT(failures, 300u);
+  EXPECT_GT(found, 0u);
 }
 
 TEST_F(OutOfMemoryTest, WhileFragmentsLoad) {
@@ -351,6 +447,21 @@ TEST_F(OutOfMemoryTest, IsNotCalledForByAShaderThatIsThere) {
   const long long reflected = allocationsOf([&] { static_cast<void>(job.reflect()); });
   letGo(job);
   EXPECT_GT(allocationsOf([&] { static_cast<void>(job.reflect()); }), reflected + first / 2);
+}
+
+TEST_F(OutOfMemoryTest, WhileAJobReflects) {
+  Job job(libraries_, Document::fromText(kGraph, "graph"));
+  job.collapse();
+  const std::string expected = writeInterfaceJson(job.reflect());
+  letGo(job);
+  std::string told;
+  const std::size_t failures = failEverywhere([&] { told = writeInterfaceJson(job.reflect()); },
+                                              [&](bool failed) {
+                                                ASSERT_TRUE(failed || told == expected);
+                                                letGo(job);
+                                              });
+  EXPECT_GT(failures, 100u);
+  EXPECT_EQ(told, expected);
 }
 
 TEST_F(OutOfMemoryTest, WhileAJobNamesUniformsReadably) {

@@ -26,18 +26,23 @@ constexpr ShaderStage kStages[] = {ShaderStage::pixel, ShaderStage::vertex, Shad
 
 // What a member is written as: a text that is not empty, a number that is not 0, and so on.
 
-std::optional<Json> ifAny(const std::string& text) {
-  return text.empty() ? std::nullopt : std::optional<Json>(text);
+std::optional<JsonText> ifAny(const std::string& text) {
+  return text.empty() ? std::nullopt : std::optional(jsonText(text));
 }
-std::optional<Json> ifAny(std::size_t number) {
-  return number == 0 ? std::nullopt : std::optional<Json>(number);
+std::optional<JsonText> ifAny(std::size_t number) {
+  return number == 0 ? std::nullopt : std::optional(jsonText(number));
 }
-std::optional<Json> ifAny(const std::vector<double>& numbers) {
-  return numbers.empty() ? std::nullopt : std::optional<Json>(numbersJson(numbers));
+std::optional<JsonText> ifAny(const std::vector<double>& numbers) {
+  if (numbers.empty()) return std::nullopt;
+  return writeEach(numbers, [](double number) { return jsonText(numberJson(number)); });
 }
 template <class Value>
-std::optional<Json> ifAny(const std::optional<Value>& value) {
-  return value ? std::optional<Json>(*value) : std::nullopt;
+std::optional<JsonText> ifAny(const std::optional<Value>& value) {
+  return value ? std::optional(jsonText(*value)) : std::nullopt;
+}
+
+JsonText namesText(const std::vector<std::string>& names) {
+  return writeEach(names, [](const std::string& name) { return jsonText(name); });
 }
 
 Json numbersSchema() { return listSchema(ofType("number")); }
@@ -89,22 +94,22 @@ const JsonTable<InterfaceOrigin>& originTable() {
   using Origin = InterfaceOrigin;
   static const JsonTable<Origin> table = {
       {"kind", "Of which part of graph and scene it is.", oneOfWords(kOriginKinds), true,
-       [](const Origin& origin) { return Json(origin.kind); }},
+       [](const Origin& origin) { return jsonText(origin.kind); }},
       {"owner", "The node's or light's name.", textSchema(), false,
        [](const Origin& origin) { return ifAny(origin.owner); }},
       {"name", "Of the input, uniform, output or state variable.", textSchema(), true,
-       [](const Origin& origin) { return Json(origin.name); }},
+       [](const Origin& origin) { return jsonText(origin.name); }},
       {"fragment", "The owner's fragment.", textSchema(), false,
        [](const Origin& origin) { return ifAny(origin.fragment); }},
       {"port", "What the fragment's library says of the input or uniform.", defined("port"), false,
        [](const Origin& origin) {
-         return origin.port ? std::optional<Json>(writeObject(portTable(), *origin.port)) : std::nullopt;
+         return origin.port ? std::optional(writeObject(portTable(), *origin.port)) : std::nullopt;
        }},
   };
   return table;
 }
 
-std::optional<Json> ifKnown(const InterfaceOrigin& origin) {
+std::optional<JsonText> ifKnown(const InterfaceOrigin& origin) {
   if (origin.kind.empty()) return std::nullopt;
   return writeObject(originTable(), origin);
 }
@@ -113,7 +118,7 @@ std::optional<Json> ifKnown(const InterfaceOrigin& origin) {
 template <class Thing>
 JsonMember<Thing> originMember() {
   return {"origin", "What it stands for; null when that is not known.", orNull(defined("origin")), true,
-          [](const Thing& thing) { return ifKnown(thing.origin).value_or(Json()); }};
+          [](const Thing& thing) { return ifKnown(thing.origin).value_or(jsonText(Json())); }};
 }
 
 /// Where a resource is bound.
@@ -141,12 +146,12 @@ const JsonTable<InterfaceMember>& memberTable() {
   using Member = InterfaceMember;
   static const JsonTable<Member> table = {
       {"name", "In the target's text.", textSchema(), true,
-       [](const Member& member) { return Json(member.name); }},
+       [](const Member& member) { return jsonText(member.name); }},
       {"type", "In HLSL's words, or the structure's name.", textSchema(), true,
-       [](const Member& member) { return Json(member.type); }},
+       [](const Member& member) { return jsonText(member.type); }},
       {"offset", "In bytes, from the start of the buffer.", sizeSchema(), true,
-       [](const Member& member) { return Json(member.offset); }},
-      {"size", "In bytes.", sizeSchema(), true, [](const Member& member) { return Json(member.size); }},
+       [](const Member& member) { return jsonText(member.offset); }},
+      {"size", "In bytes.", sizeSchema(), true, [](const Member& member) { return jsonText(member.size); }},
       {"arrayLength", "Of an array.", sizeSchema(), false,
        [](const Member& member) { return ifAny(member.arrayLength); }},
       {"arrayStride", "In bytes, from one element to the next.", sizeSchema(), false,
@@ -160,7 +165,7 @@ const JsonTable<InterfaceMember>& memberTable() {
       {"members", "Of a structure.", listSchema(defined("member")), false,
        [](const Member& member) {
          return member.members.empty() ? std::nullopt
-                                       : std::optional<Json>(writeList(memberTable(), member.members));
+                                       : std::optional(writeList(memberTable(), member.members));
        }},
   };
   return table;
@@ -173,11 +178,11 @@ const JsonTable<InterfaceBuffer>& bufferTable() {
       joined<Buffer>(
           {
               {"name", "In the target's text.", textSchema(), true,
-               [](const Buffer& buffer) { return Json(buffer.name); }},
+               [](const Buffer& buffer) { return jsonText(buffer.name); }},
               {"kind", "Constant buffer, elements that a compute stage reads or writes, or sizes of these.",
                oneOfWords(kBufferKinds), true,
                [](const Buffer& buffer) {
-                 return Json(std::string(kBufferKinds[static_cast<std::size_t>(buffer.kind)]));
+                 return jsonText(std::string(kBufferKinds[static_cast<std::size_t>(buffer.kind)]));
                }},
               {"variable", "By which the target's text reaches the members.", textSchema(), false,
                [](const Buffer& buffer) { return ifAny(buffer.variable); }},
@@ -188,11 +193,11 @@ const JsonTable<InterfaceBuffer>& bufferTable() {
            orNull(sizeSchema()), false,
            [](const Buffer& buffer) {
              const Json size = buffer.isComplete ? Json(buffer.size) : Json();
-             return buffer.kind == Kind::constant ? std::optional<Json>(size) : std::nullopt;
+             return buffer.kind == Kind::constant ? std::optional(jsonText(size)) : std::nullopt;
            }},
           {"stride", "In bytes, of one element.", sizeSchema(), false,
            [](const Buffer& buffer) {
-             return buffer.kind == Kind::constant ? std::nullopt : std::optional<Json>(buffer.size);
+             return buffer.kind == Kind::constant ? std::nullopt : std::optional(jsonText(buffer.size));
            }},
           {"members", "Of the buffer, or of an element.", listSchema(defined("member")), true,
            [](const Buffer& buffer) { return writeList(memberTable(), buffer.members); }},
@@ -206,9 +211,9 @@ const JsonTable<InterfaceTexture>& textureTable() {
       joined(joined<Texture>(
                  {
                      {"name", "In the target's text.", textSchema(), true,
-                      [](const Texture& texture) { return Json(texture.name); }},
+                      [](const Texture& texture) { return jsonText(texture.name); }},
                      {"type", "\"texture2D\", or \"sampler2D\" where texture and sampler are one.",
-                      textSchema(), true, [](const Texture& texture) { return Json(texture.type); }},
+                      textSchema(), true, [](const Texture& texture) { return jsonText(texture.type); }},
                  },
                  placeMembers<Texture>()),
              {originMember<Texture>()});
@@ -221,9 +226,9 @@ const JsonTable<InterfaceSampler>& samplerTable() {
       joined(joined<Sampler>(
                  {
                      {"name", "In the target's text.", textSchema(), true,
-                      [](const Sampler& sampler) { return Json(sampler.name); }},
+                      [](const Sampler& sampler) { return jsonText(sampler.name); }},
                      {"texture", "The texture it belongs to.", textSchema(), true,
-                      [](const Sampler& sampler) { return Json(sampler.texture); }},
+                      [](const Sampler& sampler) { return jsonText(sampler.texture); }},
                  },
                  placeMembers<Sampler>()),
              {originMember<Sampler>()});
@@ -234,9 +239,9 @@ const JsonTable<InterfaceAttribute>& attributeTable() {
   using Attribute = InterfaceAttribute;
   static const JsonTable<Attribute> table = {
       {"name", "In the target's text.", textSchema(), true,
-       [](const Attribute& attribute) { return Json(attribute.name); }},
+       [](const Attribute& attribute) { return jsonText(attribute.name); }},
       {"type", "In HLSL's words.", textSchema(), true,
-       [](const Attribute& attribute) { return Json(attribute.type); }},
+       [](const Attribute& attribute) { return jsonText(attribute.type); }},
       {"location", "Of what is interpolated.", sizeSchema(), false,
        [](const Attribute& attribute) { return ifAny(attribute.location); }},
       {"builtin", "What the stage itself provides.", oneOfWords(kBuiltins), false,
@@ -245,7 +250,7 @@ const JsonTable<InterfaceAttribute>& attributeTable() {
        [](const Attribute& attribute) { return ifAny(attribute.semantic); }},
       {"flat", "Whether it is not interpolated.", ofType("boolean"), false,
        [](const Attribute& attribute) {
-         return attribute.isFlat ? std::optional<Json>(true) : std::nullopt;
+         return attribute.isFlat ? std::optional(jsonText(true)) : std::nullopt;
        }},
       {"used", "Whether the compiled shader still has it.", ofType("boolean"), false,
        [](const Attribute& attribute) { return ifAny(attribute.isUsed); }},
@@ -262,11 +267,11 @@ const JsonTable<InterfaceRenderTarget>& renderTargetTable() {
   using Target = InterfaceRenderTarget;
   static const JsonTable<Target> table = {
       {"name", "In the target's text.", textSchema(), true,
-       [](const Target& target) { return Json(target.name); }},
+       [](const Target& target) { return jsonText(target.name); }},
       {"index", "Of the render target.", sizeSchema(), true,
-       [](const Target& target) { return Json(target.index); }},
+       [](const Target& target) { return jsonText(target.index); }},
       {"type", "In HLSL's words.", textSchema(), true,
-       [](const Target& target) { return Json(target.type); }},
+       [](const Target& target) { return jsonText(target.type); }},
       {"row", "Of a matrix.", sizeSchema(), false, [](const Target& target) { return ifAny(target.row); }},
       originMember<Target>(),
   };
@@ -278,13 +283,15 @@ const JsonTable<ShaderInterface>& contentTable() {
   using Shader = ShaderInterface;
   static const JsonTable<Shader> table = {
       {"target", "What the shader is compiled to.", targetSchema(), true,
-       [](const Shader& shader) { return Json(shader.target ? targetName(*shader.target) : kAssembled); }},
+       [](const Shader& shader) {
+         return jsonText(shader.target ? targetName(*shader.target) : kAssembled);
+       }},
       {"version", "Of the target's language, where it was chosen.", textSchema(), false,
        [](const Shader& shader) { return ifAny(shader.version); }},
       {"stage", "Of the pipeline.", stageSchema(), true,
-       [](const Shader& shader) { return Json(toUtf8(stageName(shader.stage))); }},
+       [](const Shader& shader) { return jsonText(toUtf8(stageName(shader.stage))); }},
       {"entryPoint", "Name of the function to start.", textSchema(), true,
-       [](const Shader& shader) { return Json(shader.entryPoint); }},
+       [](const Shader& shader) { return jsonText(shader.entryPoint); }},
       {"groupSize", "Invocations of a compute group.", sizeSchema(), false,
        [](const Shader& shader) { return ifAny(shader.groupSize); }},
       {"attributes", "What the stage takes for each pixel or vertex.", listSchema(defined("attribute")), true,
@@ -292,7 +299,7 @@ const JsonTable<ShaderInterface>& contentTable() {
       {"varyings", "What a vertex stage hands to the pixel stage.", listSchema(defined("attribute")), false,
        [](const Shader& shader) {
          return shader.stage == ShaderStage::vertex
-                    ? std::optional<Json>(writeList(attributeTable(), shader.varyings))
+                    ? std::optional(writeList(attributeTable(), shader.varyings))
                     : std::nullopt;
        }},
       {"buffers", "Constant buffers and buffers of elements.", listSchema(defined("buffer")), true,
@@ -304,7 +311,7 @@ const JsonTable<ShaderInterface>& contentTable() {
       {"renderTargets", "What a pixel stage writes.", listSchema(defined("renderTarget")), true,
        [](const Shader& shader) { return writeList(renderTargetTable(), shader.renderTargets); }},
       {"includes", "Names of the include files.", textsSchema(), true,
-       [](const Shader& shader) { return Json(shader.includes); }},
+       [](const Shader& shader) { return namesText(shader.includes); }},
   };
   return table;
 }
@@ -314,9 +321,9 @@ const JsonTable<ShaderInterface>& fileTable() {
   using Shader = ShaderInterface;
   static const JsonTable<Shader> table = {
       {"files", "The files that the shader was made of.", textsSchema(), true,
-       [](const Shader& shader) { return Json(shader.files); }},
+       [](const Shader& shader) { return namesText(shader.files); }},
       {"hash", "Of the shader's text and its interface.", hashSchema(), true,
-       [](const Shader& shader) { return Json(shader.hash); }},
+       [](const Shader& shader) { return jsonText(shader.hash); }},
   };
   return table;
 }
@@ -338,13 +345,49 @@ Json sizeOrStride() {
   return either;
 }
 
+/// Members and elements on lines of their own, two blanks for each level.
+std::string indentJson(std::string_view json) {
+  std::string text;
+  std::size_t level = 0;
+  bool isInString = false;
+  const auto startLine = [&] { text.append(1, '\n').append(2 * level, ' '); };
+  for (std::size_t at = 0; at < json.size(); ++at) {
+    const char c = json[at];
+    if (isInString) {
+      text += c;
+      if (c == '\\') text += json[++at];
+      isInString = c != '"';
+    } else if (c == '{' || c == '[') {
+      text += c;
+      ++level;
+      const char next = json[at + 1];
+      if (next == '}' || next == ']') {
+        text += next;
+        --level;
+        ++at;
+      } else {
+        startLine();
+      }
+    } else if (c == '}' || c == ']') {
+      --level;
+      startLine();
+      text += c;
+    } else {
+      text += c;
+      if (c == ',') startLine();
+      if (c == ':') text += ' ';
+      isInString = c == '"';
+    }
+  }
+  return text;
+}
+
 }  // namespace
 
 std::string writeInterfaceJson(const ShaderInterface& shader) {
-  Json json = writeObject(contentTable(), shader);
-  addMembers(json, fileTable(), shader);
-  // Paths need not be text.
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return indentJson("{" + writeMembers(contentTable(), shader) + "," + writeMembers(fileTable(), shader) +
+                    "}") +
+         "\n";
 }
 
 std::string interfaceSchemaJson() {
@@ -365,8 +408,8 @@ std::string interfaceSchemaJson() {
 }
 
 void hashInterface(ShaderInterface& shader, const std::string& text) {
-  const Json json = writeObject(contentTable(), shader);
-  shader.hash = toUtf8(SHA1_GetStringHash(fromUtf8(text + "\n" + json.dump())));
+  const JsonText content = writeObject(contentTable(), shader);
+  shader.hash = toUtf8(SHA1_GetStringHash(fromUtf8(text + "\n" + content.text)));
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -106,16 +106,33 @@ struct Pair {
 
 TEST(JsonTableTest, WritesAndDescribesTheSameMembers) {
   const JsonTable<Pair> table = {
-      {"a", "First.", sizeSchema(), true, [](const Pair& pair) { return OrderedJson(pair.a); }},
+      {"a", "First.", sizeSchema(), true, [](const Pair& pair) { return jsonText(pair.a); }},
       {"b", "Second.", orNull(oneOfWords({})), false,
-       [](const Pair& pair) { return pair.b == 0 ? std::nullopt : std::optional<OrderedJson>(pair.b); }}};
-  EXPECT_EQ(writeList(table, std::vector<Pair>{{1, 0}, {2, 3}}).dump(), R"([{"a":1},{"a":2,"b":3}])");
+       [](const Pair& pair) { return pair.b == 0 ? std::nullopt : std::optional(jsonText(pair.b)); }}};
+  EXPECT_EQ(writeList(table, std::vector<Pair>{{1, 0}, {2, 3}}).text, R"([{"a":1},{"a":2,"b":3}])");
   OrderedJson schema = OrderedJson::object();
   addToSchema(schema, table);
   EXPECT_EQ(
       schema.dump(),
       R"({"type":"object","properties":{"a":{"description":"First.","type":"integer","minimum":0},"b":{"description":"Second.","oneOf":[{"enum":[]},{"type":"null"}]}},"required":["a"],"additionalProperties":false})");
-  EXPECT_EQ(numbersJson({1.0, 0.1, -2.0, 1e300}).dump(), R"([1,0.1,-2,null])");
+}
+
+TEST(JsonTableTest, WritesNumbersShortly) {
+  const auto write = [](double number) { return jsonText(numberJson(number)); };
+  EXPECT_EQ(writeEach(std::vector<double>{1.0, 0.1, -2.0, 1e300}, write).text, "[1,0.1,-2,null]");
+}
+
+TEST(InterfaceJsonTest, KeepsTextsThatLookLikeJson) {
+  ShaderInterface shader = makeInterface();
+  shader.includes = {R"({"a": [1, 2]}, \" ] })", "\\", "\xff"};
+  shader.entryPoint = "{:,";
+  const std::string json = writeInterfaceJson(shader);
+  const OrderedJson read = OrderedJson::parse(json);
+  EXPECT_EQ(read["includes"][0], shader.includes[0]);
+  EXPECT_EQ(read["includes"][1], shader.includes[1]);
+  EXPECT_EQ(read["includes"][2], "\xEF\xBF\xBD");
+  EXPECT_EQ(read["entryPoint"], shader.entryPoint);
+  EXPECT_EQ(json, read.dump(2) + "\n");
 }
 
 }  // namespace

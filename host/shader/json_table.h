@@ -19,6 +19,17 @@ namespace TolmSDK::Graphics::sfg::host {
 using OrderedJson = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t,
                                          std::uint64_t, float>;
 
+/// A value as it is written. Text and no tree of values: such a tree asks for memory when it is destroyed,
+/// which ends the process where there is none.
+struct JsonText {
+  std::string text;
+};
+
+/// A name, a number, a boolean or null; bytes that are no UTF-8 become U+FFFD.
+inline JsonText jsonText(const OrderedJson& scalar) {
+  return {scalar.dump(-1, ' ', false, OrderedJson::error_handler_t::replace)};
+}
+
 /// A member of the objects that Things are written as.
 template <class Thing>
 struct JsonMember {
@@ -27,32 +38,44 @@ struct JsonMember {
   OrderedJson schema;  ///< what its value is
   bool isRequired = true;
   /// Nothing where an object goes without it; never for a required one.
-  std::function<std::optional<OrderedJson>(const Thing&)> value;
+  std::function<std::optional<JsonText>(const Thing&)> value;
 };
 
 template <class Thing>
 using JsonTable = std::vector<JsonMember<Thing>>;
 
-/// Adds the members of the table to an object, in its order.
+/// The members of the table, in its order, as they stand between the braces of an object.
 template <class Thing>
-void addMembers(OrderedJson& object, const JsonTable<Thing>& table, const Thing& thing) {
+std::string writeMembers(const JsonTable<Thing>& table, const Thing& thing) {
+  std::string members;
   for (const JsonMember<Thing>& member : table) {
-    if (std::optional<OrderedJson> value = member.value(thing)) object[member.name] = std::move(*value);
+    const std::optional<JsonText> value = member.value(thing);
+    if (!value) continue;
+    if (!members.empty()) members += ',';
+    members += jsonText(member.name).text + ":" + value->text;
   }
+  return members;
 }
 
 template <class Thing>
-OrderedJson writeObject(const JsonTable<Thing>& table, const Thing& thing) {
-  OrderedJson object = OrderedJson::object();
-  addMembers(object, table, thing);
-  return object;
+JsonText writeObject(const JsonTable<Thing>& table, const Thing& thing) {
+  return {"{" + writeMembers(table, thing) + "}"};
+}
+
+/// Things in brackets, each by `write`.
+template <class Thing, class Write>
+JsonText writeEach(const std::vector<Thing>& things, Write&& write) {
+  std::string list = "[";
+  for (const Thing& thing : things) {
+    if (list.size() > 1) list += ',';
+    list += write(thing).text;
+  }
+  return {list + "]"};
 }
 
 template <class Thing>
-OrderedJson writeList(const JsonTable<Thing>& table, const std::vector<Thing>& things) {
-  OrderedJson list = OrderedJson::array();
-  for (const Thing& thing : things) list.push_back(writeObject(table, thing));
-  return list;
+JsonText writeList(const JsonTable<Thing>& table, const std::vector<Thing>& things) {
+  return writeEach(things, [&](const Thing& thing) { return writeObject(table, thing); });
 }
 
 /// Adds what the schema of an object says of the table's members; it has no others.
@@ -74,12 +97,6 @@ inline OrderedJson numberJson(double number) {
   constexpr double kLargest = 9007199254740992.0;  // beyond it all numbers are whole
   if (std::abs(number) < kLargest && std::trunc(number) == number) return static_cast<std::int64_t>(number);
   return static_cast<float>(number);
-}
-
-inline OrderedJson numbersJson(const std::vector<double>& numbers) {
-  OrderedJson list = OrderedJson::array();
-  for (const double number : numbers) list.push_back(numberJson(number));
-  return list;
 }
 
 /// Schemas of values.
