@@ -53,6 +53,9 @@ function(sfg_target_defaults target)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
       # Instrumented code confuses this warning: GCC 12 finds one in every use of its own <regex>.
       target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)
+    else()
+      target_compile_options(${target} PRIVATE
+        "-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/tests/sanitizers/foreign.ignorelist")
     endif()
   endif()
   if(SFG_LIBFUZZER)
