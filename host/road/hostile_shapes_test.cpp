@@ -10,7 +10,9 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iostream>
 #include <new>
+#include <optional>
 #include <string>
 
 #include "sfg/host/job.h"
@@ -39,6 +41,7 @@ struct Shape {
       R"({ "outputs": [ { "name": "o", "type": "float", "node": "n" } ], "nodes": [ { "name": "n", "fragment": "f" } ] })";
   std::string environment = R"({ "lights": [] })";
   std::string include;
+  std::optional<CollapseTool> tool;
 };
 
 Shape withLibrary(const std::string& members,
@@ -96,6 +99,96 @@ Shape overlongUtf8(std::size_t count) {
   return withGraph("\"//\": \"" + repeated(count, "\xC0\xAF\xE0\x80\xAF\xED\xA0\x80", {}) + "\", ");
 }
 
+Shape outputs(std::size_t count) {
+  Shape shape;
+  shape.graph = R"({ "outputs": [ )" + repeated(count, R"({"name":"o#","type":"float","node":"n"})") +
+                R"( ], "nodes": [ { "name": "n", "fragment": "f" } ] })";
+  return shape;
+}
+Shape levelsOfDetail(std::size_t count) {
+  Shape shape;
+  shape.library =
+      R"({ "f": { "profiles": [ )" +
+      repeated(
+          count,
+          R"json({"name":"default","lod":#,"language":["dx11"],"implementation":["void f(float a, out float r)","{ r = a; }"]})json") +
+      " ] } }";
+  return shape;
+}
+Shape namedProfiles(std::size_t count) {
+  Shape shape;
+  shape.library =
+      R"({ "f": { "profiles": [ )" +
+      repeated(
+          count,
+          R"json({"name":"p#","language":["dx11"],"implementation":["void f(float a, out float r)","{ r = a; }"]})json") +
+      R"json(, {"name":"default","language":["dx11"],"implementation":["void f(float a, out float r)","{ r = a; }"]} ] } })json";
+  return shape;
+}
+/// Nodes behind each other, the last one first.
+Shape chain(std::size_t count) {
+  Shape shape;
+  shape.graph = R"({ "outputs": [ { "name": "o", "type": "float", "node": "n)" + std::to_string(count) +
+                R"(" } ], "nodes": [ )";
+  for (std::size_t i = count; i > 0; --i) {
+    shape.graph += R"({"name":"n)" + std::to_string(i) + R"(","fragment":"f","inputs":{"a":{"node":"n)" +
+                   std::to_string(i - 1) + "\"}}},";
+  }
+  shape.graph += R"({"name":"n0","fragment":"f"} ] })";
+  return shape;
+}
+/// Each node takes the one before twice.
+Shape doubling(std::size_t count, const std::string& members, const std::string& code,
+               const std::string& node) {
+  Shape shape;
+  shape.library =
+      R"json({ "s": { "language": ["dx11"], "implementation": ["void s(out float r)", "{ r = 1; }"] },
+    "f": { "language": ["dx11"], )json" +
+      members + R"("implementation": [ )" + code + " ] } }";
+  shape.graph = R"({ "outputs": [ { "name": "o", "type": "float", "node": "n)" + std::to_string(count) +
+                R"(" } ], "nodes": [ { "name": "n0", "fragment": "s" })";
+  for (std::size_t i = 1; i <= count; ++i) {
+    const std::string before = R"({"node":"n)" + std::to_string(i - 1) + "\"}";
+    shape.graph += R"(, {"name":"n)" + std::to_string(i) + R"(","fragment":"f","inputs":{"a":)" + before +
+                   ",\"b\":" + before + "}" + node + "}";
+  }
+  shape.graph += " ] }";
+  return shape;
+}
+Shape doublingCalls(std::size_t count) {
+  return doubling(count, {}, R"json("void f(float a, float b, out float r)", "{ r = a + b; }")json", {});
+}
+Shape doublingExpressions(std::size_t count) {
+  return doubling(
+      count, R"("mode": "inline", )", R"("{{a}} + {{b}}")",
+      R"(, "interface": { "inputs": [ {"name":"a","type":"float"}, {"name":"b","type":"float"} ], "outputs": [ {"name":"r","type":"float"} ] })");
+}
+Shape doublingShaderFunctions(std::size_t count) {
+  return doubling(
+      count, {},
+      R"json("void f(float a, float b, out float r)", "{", "float t;", "sfg_shader(a, t);", "sfg_shader(b, r);", "r += t;", "}")json",
+      {});
+}
+Shape litSurface(std::size_t lights) {
+  Shape shape;
+  shape.library = R"json({
+    "l": { "name": "L", "language": ["dx11"], "predefine": ["struct L { float3 c; };"],
+      "implementation": ["void l(float3 tint, out L light)", "{ light.c = tint; }"] },
+    "f": { "name": "L", "language": ["dx11"],
+      "implementation": ["void f(float3 a, out float r)", "{ r = sfg_currentLight.c.x * a.x; }"] } })json";
+  shape.environment =
+      R"({ "lights": [ )" + repeated(lights, R"({"name":"l#","fragment":"l","profile":"L"})") + " ] }";
+  shape.tool = CollapseTool::lightLoop;
+  return shape;
+}
+Shape nestedLists(std::size_t count) {
+  return withGraph("\"//\": " + std::string(count, '[') + std::string(count, ']') + ", ");
+}
+Shape wordsWithoutEnd(std::size_t count) {
+  return withLibrary({},
+                     "\"void f(float a, out float r)\", \"{ r = " + repeated(count, "(", {}) + "a;\", \"}\"");
+}
+
 /// What becomes of it: the first thing that is told, or nothing.
 std::string outcomeOf(const std::filesystem::path& folder, const Shape& shape) {
   try {
@@ -103,7 +196,9 @@ std::string outcomeOf(const std::filesystem::path& folder, const Shape& shape) {
     for (const Diagnostic& problem : libraries->problems())
       if (problem.severity == Severity::error)
         return problem.place().substr(folder.string().size() + 1) + ": " + problem.text;
-    Job job(libraries, Document::fromText(shape.graph, "graph"), {},
+    CollapseOptions options;
+    if (shape.tool) options.tool = *shape.tool;
+    Job job(libraries, Document::fromText(shape.graph, "graph"), options,
             Document::fromText(shape.environment, "environment"));
     job.collapse();
     static_cast<void>(job.warnings());
@@ -117,10 +212,16 @@ std::string outcomeOf(const std::filesystem::path& folder, const Shape& shape) {
   }
 }
 
+struct Outcome {
+  std::string told;
+  double seconds = 0;       ///< of processor time
+  long long mebibytes = 0;  ///< of memory, at most
+};
+
 /// The same in a process that may use so much and no more.
-std::string outcomeWithinLimits(const std::filesystem::path& folder, const Shape& shape) {
+Outcome outcomeWithinLimits(const std::filesystem::path& folder, const Shape& shape) {
   std::array<int, 2> ends{};
-  if (pipe(ends.data()) != 0) return "no pipe";
+  if (pipe(ends.data()) != 0) return {"no pipe"};
   const pid_t child = fork();
   if (child == 0) {
     std::size_t pages = 0;
@@ -134,15 +235,20 @@ std::string outcomeWithinLimits(const std::filesystem::path& folder, const Shape
     _exit(isSent ? 0 : 1);
   }
   close(ends[1]);
-  std::string outcome;
+  Outcome outcome;
   std::array<char, 1000> bytes{};
   for (ssize_t count = 0; (count = read(ends[0], bytes.data(), bytes.size())) > 0;)
-    outcome.append(bytes.data(), static_cast<std::size_t>(count));
+    outcome.told.append(bytes.data(), static_cast<std::size_t>(count));
   close(ends[0]);
   int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child) return "no process";
-  if (WIFSIGNALED(status)) return "it was ended by signal " + std::to_string(WTERMSIG(status));
-  return WEXITSTATUS(status) == 0 ? outcome : "the limits cannot be set";
+  rusage used{};
+  if (child < 0 || wait4(child, &status, 0, &used) != child) return {"no process"};
+  if (WIFSIGNALED(status)) outcome.told = "it was ended by signal " + std::to_string(WTERMSIG(status));
+  if (WIFEXITED(status) && WEXITSTATUS(status) != 0) outcome.told = "the limits cannot be set";
+  outcome.seconds =
+      static_cast<double>(used.ru_utime.tv_sec) + static_cast<double>(used.ru_utime.tv_usec) * 1e-6;
+  outcome.mebibytes = used.ru_maxrss >> 10;
+  return outcome;
 }
 
 struct HostileCase {
@@ -150,6 +256,7 @@ struct HostileCase {
   Shape (*make)(std::size_t count);
   std::size_t count;
   const char* told = "";
+  bool hasPlace = true;
 };
 std::ostream& operator<<(std::ostream& out, const HostileCase& shape) { return out << shape.name; }
 
@@ -171,14 +278,16 @@ TEST_P(HostileShapesTest, EndsOrIsRefused) {
   const Shape shape = GetParam().make(GetParam().count);
   std::ofstream(folder_ / "lib.fraglib") << shape.library;
   std::ofstream(folder_ / "all.h") << shape.include;
-  const std::string outcome = outcomeWithinLimits(folder_, shape);
+  const auto [outcome, seconds, mebibytes] = outcomeWithinLimits(folder_, shape);
+  std::cout << seconds << " s, " << mebibytes << " MiB: " << (outcome.empty() ? "done" : outcome)
+            << std::endl;
   const std::string expected = GetParam().told;
   if (expected.empty()) {
     EXPECT_EQ(outcome, "");
   } else {
     // "FILE:LINE:COLUMN: what is told"
     EXPECT_TRUE(outcome.ends_with(expected)) << outcome;
-    EXPECT_NE(outcome.find(":1:"), outcome.npos) << outcome;
+    EXPECT_EQ(outcome.find(":1:") != outcome.npos, GetParam().hasPlace) << outcome;
   }
 }
 
@@ -200,7 +309,18 @@ INSTANTIATE_TEST_SUITE_P(
         HostileCase{"MissingIncludesOfAFile", includesOfAFile, 300'000},
         HostileCase{"Lights", lights, 300'000, "300000 lights are too many; at most 100000 can be written"},
         HostileCase{"FewerLights", lights, 100'000}, HostileCase{"NamesOfTenMegabytes", longName, 10'000'000},
-        HostileCase{"OverlongUtf8", overlongUtf8, 500'000}),
+        HostileCase{"OverlongUtf8", overlongUtf8, 500'000}, HostileCase{"Outputs", outputs, 300'000},
+        HostileCase{"LevelsOfDetail", levelsOfDetail, 200'000},
+        HostileCase{"NamedProfiles", namedProfiles, 200'000}, HostileCase{"Chain", chain, 100'000},
+        HostileCase{"DoublingCalls", doublingCalls, 1000},
+        HostileCase{"DoublingExpressions", doublingExpressions, 1000, "the generated code is too large!",
+                    false},
+        HostileCase{"DoublingShaderFunctions", doublingShaderFunctions, 1000,
+                    "the generated code is too large!", false},
+        HostileCase{"LitSurface", litSurface, 100'000},
+        HostileCase{"NestedLists", nestedLists, 1'000'000,
+                    "expected at most 256 levels of arrays and objects"},
+        HostileCase{"OpenParentheses", wordsWithoutEnd, 1'000'000}),
     testing::PrintToStringParamName());
 
 }  // namespace
