@@ -409,7 +409,7 @@ std::string interfaceSchemaJson() {
 
 void hashInterface(ShaderInterface& shader, const std::string& text) {
   const JsonText content = writeObject(contentTable(), shader);
-  shader.hash = toUtf8(SHA1_GetStringHash(fromUtf8(text + "\n" + content.text)));
+  shader.hash = SHA1_GetBytesHash(text + "\n" + content.text);
 }
 
 }  // namespace TolmSDK::Graphics::sfg::host
