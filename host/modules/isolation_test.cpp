@@ -23,6 +23,7 @@ protected:
 /// What the request names.
 std::string work(const std::string& request) {
   if (request == "process") return std::to_string(getpid());
+  if (request == "maker") return std::to_string(getppid());
   if (request == "refuse") throw CompileError("does not compile", {{3, "here", 7}, {0, "there", 0}}, true);
   if (request == "memory") throw std::bad_alloc();
   if (request == "crash") std::raise(SIGABRT);
@@ -71,6 +72,16 @@ TEST_F(IsolationTest, BringsErrorsBack) {
 TEST_F(IsolationTest, MakesACrashAnErrorAndGoesOn) {
   EXPECT_EQ(refusal("crash"), "the compiler crashes on the generated shader (signal 6)");
   EXPECT_EQ(inIsolation("again", work), "again");
+}
+
+TEST_F(IsolationTest, TellsWhenThereAreNoProcessesLeft) {
+  const pid_t maker = std::stoi(inIsolation("maker", work));
+  EXPECT_NE(maker, getpid());
+  refusal("crash");
+  ASSERT_EQ(kill(maker, SIGKILL), 0);
+  EXPECT_EQ(refusal("text"), "the system gives no process for the compiler");
+  ASSERT_TRUE(isolateCompilers());
+  EXPECT_EQ(inIsolation("text", work), "text");
 }
 
 TEST_F(IsolationTest, EndsWhatDoesNotEnd) {

@@ -51,8 +51,8 @@ struct CompilerLimits {
 /// From now on every compileToSpirv(), translateSpirv() and compile() of this process does its work in a copy
 /// of it, so that a compiler that crashes, never ends or eats the memory is a CompileError. Costs a few
 /// milliseconds a compile. The copies are made by `fork`, of the process as it is now: to be called early,
-/// before there are threads that may hold locks. Answers false, and changes nothing, where that cannot be
-/// done.
+/// before there are threads that may hold locks. A system that gives no more processes is a CompileError of
+/// the compile, too. Answers false, and changes nothing, where that cannot be done.
 SFG_HOST_API bool isolateCompilers(const CompilerLimits& limits = {});
 
 }  // namespace TolmSDK::Graphics::sfg::host
