@@ -79,6 +79,25 @@ float3 sfg_shadeGgxOfView(sfg_Light light, float3 n, float3 v, float3 f0, float3
         albedoV * sfg_lightMirrored(light, reflect(-v, n), roughness);
 }
 
+// Skin, wax and stone that light wanders in: it comes out around the terminator too, `scatter` wide in each channel,
+// and as much of it as without (wrapped and normalised: Green 2004, McAuley 2011). Diffuse light depends on the view
+// alone.
+float3 sfg_shadeScattering(
+    sfg_Light light, float3 n, float3 v, float3 albedo, float3 scatter, float roughness)
+{
+    float alpha = sfg_alphaOf(roughness);
+    float nDotV = saturate(dot(n, v));
+    float3 f0 = float3(0.04, 0.04, 0.04);
+    float3 bounced = sfg_bounceColor(f0, sfg_ggxMeanLoss(alpha)) * (sfg_ggxLoss(alpha, nDotV) * SFG_INV_PI);
+    float3 albedoV = sfg_ggxAlbedo(f0, alpha, nDotV);
+    float3 width = saturate(scatter);
+    float3 wrapped = saturate((dot(n, light.direction) + width) / (1.0 + width)) / (1.0 + width);
+    float3 below = albedo * (1.0 - albedoV);
+    return (sfg_ggxSpecular(n, light.direction, v, f0, roughness) + bounced) * sfg_lightIrradiance(light, n) +
+        below * (wrapped * light.color * SFG_INV_PI + sfg_lightAmbient(light, n)) +
+        albedoV * sfg_lightMirrored(light, reflect(-v, n), roughness);
+}
+
 float3 sfg_shadeGgxSimple(sfg_Light light, float3 n, float3 v, float3 albedo, float metallic, float roughness)
 {
     float3 f0 = lerp(float3(0.04, 0.04, 0.04), albedo, metallic);

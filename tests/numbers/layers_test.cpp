@@ -168,6 +168,59 @@ TEST_F(Layers, OfHairAreThoseOfTheSurface) {
   }
 }
 
+// Scattered light comes out somewhere else, and as much of it: around the edge of the shadow where it is
+// wide.
+TEST_F(Layers, ScatterAroundTheEdgeOfTheShadow) {
+  DeviceFragment const device({"scatteringSurface", "sfg_Light", 100.0},
+                              {unit3("normal"), vector3("sfg_worldPosition", 0, 0),
+                               vector3("sfg_eyePosition", 0, 0), vector3("albedo", 0, 1),
+                               vector3("scatter", 0, 1), number("roughness", 0, 1), unit3("light_axisSun"),
+                               vector3("light_colorSun", 0, 1), number("light_intensitySun", 0, 1)},
+                              "sun.json");
+  auto const sent = [&](Vec3 const& width, std::vector<Vec3> const& lights) {
+    std::vector<float> samples;
+    for (Vec3 const light : lights) {
+      for (Vec3 const v : {Vec3{0, 0, 1}, Vec3{}, Vec3{0, 0.6, 0.8}, Vec3{1.0, 0.5, 0.8}, width}) {
+        append(samples, v);
+      }
+      samples.push_back(0.6f);
+      append(samples, -light);
+      append(samples, splat(1.0));
+      samples.push_back(1.0f);
+    }
+    return device.run(compute_, samples);
+  };
+  Vec3 const wide{1.0, 0.5, 0.0};
+
+  std::vector<float> const below = sent(wide, {direction(std::cos(1.8), 0.3), direction(std::cos(2.4), 0.3)});
+  // Cosines of -0.227 and -0.737: red comes out at both, green at the first, which is within its width.
+  double const white =
+      static_cast<double>(below[0]) / (1.0 - 0.2272) * 4.0;  // at a cosine of 1 without a width
+  EXPECT_GT(white, 0.2);
+  EXPECT_NEAR(static_cast<double>(below[1]), 0.5 * white * (0.5 - 0.2272) / 2.25, 1e-4);
+  EXPECT_EQ(below[2], 0.0f);
+  EXPECT_NEAR(static_cast<double>(below[3]), white * (1.0 - 0.7374) / 4.0, 1e-4);
+  EXPECT_EQ(below[4], 0.0f);
+  EXPECT_EQ(below[5], 0.0f);
+
+  constexpr std::size_t kPoints = 16384;
+  std::vector<Vec3> lights;
+  for (std::size_t i = 0; i < kPoints; ++i) {
+    Vec2 const point = evenPoint(i, kPoints);
+    lights.push_back(direction(2.0 * point.x - 1.0, 2.0 * kPi * point.y));
+  }
+  std::vector<float> const scattered = sent(wide, lights);
+  std::vector<float> const plain = sent({}, lights);
+  double sums[2] = {0.0, 0.0};
+  for (std::size_t i = 0; i < scattered.size(); i += 3) {
+    sums[0] += static_cast<double>(scattered[i]) * 4.0 * kPi / kPoints;
+    sums[1] += static_cast<double>(plain[i]) * 4.0 * kPi / kPoints;
+  }
+  std::printf("all around, red: %.4f scattered, %.4f not\n", sums[0], sums[1]);
+  EXPECT_NEAR(sums[0], sums[1], 0.002);
+  EXPECT_GT(sums[1], 0.8);
+}
+
 TEST_F(Layers, ScatterTheirAlbedo) {
   DeviceFragment const device(
       {"diffusionProfile", "default", 100.0},

@@ -155,6 +155,18 @@ void addLayers(std::vector<ReflectionModel>& models) {
   }
 }
 
+// Light that arrives beyond the edge of the shadow is missed by lamps above the surface: a quarter of it
+// where it gets to the far side.
+void addScattering(std::vector<ReflectionModel>& models) {
+  Settings const colors = {{1, 1, 1, 0, 0, 0}, {1, 0.5, 0.18, 0.5, 0.25, 0.1}, {1, 1, 1, 1, 0.5, 0}};
+  models.push_back(surface("scatteringSurface", 100, "",
+                           {color("albedo"), color("scatter"), scalar("roughness")}, product(colors, kRough),
+                           0.0));
+  models.back().roughnesses = {6};
+  models.back().isReciprocal = false;
+  models.back().skyApart = 0.26;
+}
+
 std::vector<Input> directionsOf(ReflectionModel const& model) {
   if (!model.isSurface) {
     std::vector<Input> inputs = {unit3("normal"), unit3("light")};
@@ -235,6 +247,7 @@ std::vector<ReflectionModel> reflectionModels() {
   addPlainSurfaces(models);
   addMetals(models);
   addLayers(models);
+  addScattering(models);
   return models;
 }
 
