@@ -2,6 +2,8 @@
 // of it: the parse loses nothing but blanks, and the accumulator writes each symbol of an instance once.
 
 #include <algorithm>
+#include <set>
+#include <string_view>
 
 #include "sfg/code_accumulator.h"
 #include "sfg/code_snippet.h"
@@ -50,6 +52,16 @@ std::size_t lengthOfRawText(const CodeSnippetInstance& instance) {
   return length;
 }
 
+/// Whether declarations are told apart by their blanks alone, as of `A Bc;` and `AB c;`.
+bool hasSharedKeys(const CodeSnippetInstance& instance) {
+  std::set<std::wstring_view> keys;
+  for (std::size_t i = 0; i < instance.getNumSymbols(); ++i) {
+    const std::wstring_view key = instance.getSymbol(i).getInstanceKey();
+    if (!key.empty() && !keys.insert(key).second) return true;
+  }
+  return false;
+}
+
 void requireWrittenOnce(const CodeSnippetInstance& first, const CodeSnippetInstance& second) {
   CodeAccumulator accumulator;
   const KeywordReplacePattern none;
@@ -62,8 +74,9 @@ void requireWrittenOnce(const CodeSnippetInstance& first, const CodeSnippetInsta
   KeywordReplacePattern renames;
   const std::size_t size = out.size();
   accumulator.append(out, first, none, renames);
-  require(out.size() == size + lengthOfRawText(first) && renames.empty(),
-          "known symbols are not written again");
+  require(out.size() == size + lengthOfRawText(first), "known symbols are not written again");
+  // Of equal keys the names of the first count.
+  require(renames.empty() || hasSharedKeys(first), "known symbols keep their names");
 }
 
 }  // namespace
