@@ -227,7 +227,8 @@ void CodeAccumulator::Impl::decide(std::size_t ring, const CodeSnippetInstance& 
       hasFunction = hasFunction || code.getSymbol(symbol).getType() == EShaderSymbolType::function;
     }
     Name* used = givenNames[firstName + i];
-    if (used == nullptr) continue;
+    // `float x;` and `floatx;` have one key, and the second has no name.
+    if (used == nullptr || ownNames[number] == nullptr) continue;
     decisions.push_back({ownNames[number], used, same == nullptr && hasFunction});
     useName(number, *used, renamePattern);
   }

@@ -114,6 +114,19 @@ TEST_F(CodeAccumulatorTest, EqualSymbolsOfOneCallAreBothWritten) {
   EXPECT_EQ(append(L"void F() {}\n"), L"void F1() {}\n") << "one is not the same as two";
 }
 
+// Keys know no blanks, so a mistyped declaration has that of the one that was meant.
+TEST_F(CodeAccumulatorTest, ADeclarationWithoutANameMayHaveTheKeyOfOneWithAName) {
+  append(L"float x;\n");
+  EXPECT_EQ(append(L"floatx;\n"), L"");
+  EXPECT_EQ(renames, Rules());
+  append(L"doubley;\n");
+  EXPECT_EQ(append(L"double y;\n"), L"");
+  EXPECT_EQ(renames, Rules());
+  append(L"A Bc;\n");
+  EXPECT_EQ(append(L"AB c;\n"), L"");
+  EXPECT_EQ(renames, Rules({{L"c", L"Bc"}}));
+}
+
 TEST_F(CodeAccumulatorTest, RenamesASymbolWhoseNameAnEarlierCallUsed) {
   EXPECT_EQ(append(L"float F() { return sfg_isConnected(a); }", {L"true"}), L"float F() { return true; }");
   EXPECT_EQ(append(L"float F() { return sfg_isConnected(a); }", {L"false"}), L"float F1() { return false; }");
