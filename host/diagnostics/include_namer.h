@@ -25,6 +25,8 @@ struct IncludeNamer {
 class IncludeNamers {
 public:
   explicit IncludeNamers(const CollapseJob& job);
+  IncludeNamers(const IncludeNamers&) = delete;  // its places point into it
+  IncludeNamers& operator=(const IncludeNamers&) = delete;
 
   /// All that the result includes, those that others include first.
   const Array<WString>& names() const noexcept { return names_; }
