@@ -1,6 +1,5 @@
 #include "pictures/documents.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 namespace pictures {
@@ -71,19 +70,6 @@ PortWords portWords(const std::string& library, const std::string& fragment, con
   const Json document = parsed(library);
   const Json& words = memberOf(memberOf(memberOf(document, fragment.c_str()), "ports"), port.c_str());
   return {textOf(words, "kind"), textOf(words, "space")};
-}
-
-std::optional<std::string> imageOf(const std::string& environment) {
-  const std::string image = textOf(parsed(environment), "image");
-  return image.empty() ? std::nullopt : std::optional(image);
-}
-
-bool hasLight(const std::string& environment, const std::vector<std::string>& fragments) {
-  const Json document = parsed(environment);
-  const Json& lights = memberOf(document, "lights");
-  return std::any_of(lights.begin(), lights.end(), [&](const Json& light) {
-    return std::find(fragments.begin(), fragments.end(), textOf(light, "fragment")) != fragments.end();
-  });
 }
 
 std::string withLight(const std::string& environment, const std::string& name, const std::string& fragment,

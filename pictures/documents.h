@@ -2,7 +2,6 @@
 
 // What pictures need of graph and environment documents besides a collapse.
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,10 +36,6 @@ struct PortWords {
 };
 PortWords portWords(const std::string& library, const std::string& fragment, const std::string& port);
 
-/// The "image" of an environment.
-std::optional<std::string> imageOf(const std::string& environment);
-/// Whether one of its lights is of one of these fragments.
-bool hasLight(const std::string& environment, const std::vector<std::string>& fragments);
 /// The same environment with one more light.
 std::string withLight(const std::string& environment, const std::string& name, const std::string& fragment,
                       const std::string& profile);

@@ -283,6 +283,16 @@ TEST_F(RenderTest, OutputsThatChangeNothingLeaveTheEncodingToTheGraph) {
   EXPECT_EQ(at(picture("c.png"), 32, 32), at(picture("a.png"), 32, 32));
 }
 
+TEST_F(RenderTest, RefusesAnImageThatIsNoNameAtItsPlace) {
+  writeGraph("scaleFloat3", kTint);
+  write("scene.json", "{ \"lights\": [],\n  \"image\": 5 }");
+  const CommandRun drawn = render("-o a.png --environment " + path("scene.json"));
+  EXPECT_EQ(drawn.status, 2);
+  EXPECT_THAT(drawn.err,
+              testing::HasSubstr(
+                  "scene.json:2:12: error: `image` must be a string that is not empty [wrong-kind]\n"));
+}
+
 TEST_F(RenderTest, SurroundingsLightMetaSl) {
   Picture around(64, 32);
   std::fill(around.texels.begin(), around.texels.end(), 2.0f);
