@@ -25,10 +25,6 @@ std::vector<OutputPort> interfaceOutputs(const std::string& graph, const std::st
 std::string withOutput(const std::string& graph, const std::string& node, const std::string& output,
                        const std::string& type);
 
-/// The fragments behind a graph, whose first output is the pixel, the last one first: the environment's
-/// "output", then the graph's "postprocess" backwards.
-std::vector<std::string> lastFragments(const std::string& graph, const std::string& environment);
-
 /// What a library file says of a port; empty where it says nothing.
 struct PortWords {
   std::string kind;

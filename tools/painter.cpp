@@ -95,10 +95,9 @@ std::optional<pictures::Picture> Painter::draw(const ThumbnailRequest& request) 
     documents.graphDocument = host::Document::fromText(
         pictures::withOutput(documents.graph, shown->node, shown->output.name, shown->output.type),
         request.graphFile);
-  } else {
-    view.isEncoded = isEncoded(documents);
   }
   host::Job job(libraries_, documents.graphDocument, request.collapse, documents.environmentDocument);
+  view.isEncoded = !shown && job.colorSpace() == "srgb";
   job.collapse();
   if (!request.showsUniform &&
       job.reflect(host::ShaderStage::pixel, host::NameStyle::readable).attributes.empty())

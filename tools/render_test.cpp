@@ -283,6 +283,18 @@ TEST_F(RenderTest, OutputsThatChangeNothingLeaveTheEncodingToTheGraph) {
   EXPECT_EQ(at(picture("c.png"), 32, 32), at(picture("a.png"), 32, 32));
 }
 
+/// The output fragment of an environment is no part of the shader, a node that encodes is.
+TEST_F(RenderTest, KnowsWhatOfTheEncodingIsDrawn) {
+  writeGraph("scaleFloat3", kTint);
+  EXPECT_EQ(render("-o a.png").status, 0);
+  write("screen.json", R"({ "lights": [], "output": "postSrgb" })");
+  EXPECT_EQ(render("-o b.png --environment " + path("screen.json")).status, 0);
+  EXPECT_EQ(at(picture("b.png"), 32, 32), at(picture("a.png"), 32, 32));
+  writeGraph("linearToSrgb", R"("color": { "value": [0.5, 0.5, 0.5] })");
+  EXPECT_EQ(render("-o c.png").status, 0);
+  EXPECT_EQ(at(picture("c.png"), 32, 32), (Bytes{188, 188, 188, 255}));
+}
+
 TEST_F(RenderTest, RefusesAnImageThatIsNoNameAtItsPlace) {
   writeGraph("scaleFloat3", kTint);
   write("scene.json", "{ \"lights\": [],\n  \"image\": 5 }");

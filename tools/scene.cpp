@@ -93,14 +93,6 @@ pictures::PortWords wordsOf(const Documents& documents, const std::string& fragm
   return {};
 }
 
-bool isEncoded(const Documents& documents) {
-  for (const std::string& fragment : pictures::lastFragments(documents.graph, documents.environment)) {
-    const std::string space = wordsOf(documents, fragment, "result").space;
-    if (!space.empty()) return space == "srgb";
-  }
-  return false;
-}
-
 /// A node's name may hold dots: the whole text is tried first.
 ShownNode findNode(const Documents& documents, const std::string& given) {
   const std::vector<pictures::NodeName> nodes = pictures::nodesOf(documents.graph);
