@@ -102,7 +102,7 @@ std::optional<pictures::Picture> Painter::draw(const ThumbnailRequest& request) 
   if (!request.showsUniform &&
       job.reflect(host::ShaderStage::pixel, host::NameStyle::readable).attributes.empty())
     return std::nullopt;
-  pictures::Material material = pictures::compileMaterial(job);
+  pictures::Material material = pictures::compileMaterial(job, {}, &vertexStages_);
   const bool isFlat = !takes(material, [](const auto& attribute) { return !isCoordinate(attribute); });
   const std::string shape = !request.shape.empty() ? request.shape : isFlat ? "plane" : "sphere";
   Surroundings& surroundings = surroundingsOf(documents.image);
