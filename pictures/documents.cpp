@@ -1,6 +1,5 @@
 #include "pictures/documents.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 namespace pictures {
@@ -56,34 +55,10 @@ std::string withOutput(const std::string& graph, const std::string& node, const 
   return document.dump();
 }
 
-std::vector<std::string> lastFragments(const std::string& graph, const std::string& environment) {
-  std::vector<std::string> fragments;
-  if (const std::string output = textOf(parsed(environment), "output"); !output.empty())
-    fragments.push_back(output);
-  const Json document = parsed(graph);
-  const Json& chain = memberOf(document, "postprocess");
-  for (std::size_t i = chain.is_array() ? chain.size() : 0; i-- > 0;)
-    if (chain[i].is_string()) fragments.push_back(chain[i].get<std::string>());
-  return fragments;
-}
-
 PortWords portWords(const std::string& library, const std::string& fragment, const std::string& port) {
   const Json document = parsed(library);
   const Json& words = memberOf(memberOf(memberOf(document, fragment.c_str()), "ports"), port.c_str());
   return {textOf(words, "kind"), textOf(words, "space")};
-}
-
-std::optional<std::string> imageOf(const std::string& environment) {
-  const std::string image = textOf(parsed(environment), "image");
-  return image.empty() ? std::nullopt : std::optional(image);
-}
-
-bool hasLight(const std::string& environment, const std::vector<std::string>& fragments) {
-  const Json document = parsed(environment);
-  const Json& lights = memberOf(document, "lights");
-  return std::any_of(lights.begin(), lights.end(), [&](const Json& light) {
-    return std::find(fragments.begin(), fragments.end(), textOf(light, "fragment")) != fragments.end();
-  });
 }
 
 std::string withLight(const std::string& environment, const std::string& name, const std::string& fragment,

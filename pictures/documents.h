@@ -2,7 +2,6 @@
 
 // What pictures need of graph and environment documents besides a collapse.
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,10 +25,6 @@ std::vector<OutputPort> interfaceOutputs(const std::string& graph, const std::st
 std::string withOutput(const std::string& graph, const std::string& node, const std::string& output,
                        const std::string& type);
 
-/// The fragments behind a graph, whose first output is the pixel, the last one first: the environment's
-/// "output", then the graph's "postprocess" backwards.
-std::vector<std::string> lastFragments(const std::string& graph, const std::string& environment);
-
 /// What a library file says of a port; empty where it says nothing.
 struct PortWords {
   std::string kind;
@@ -37,10 +32,6 @@ struct PortWords {
 };
 PortWords portWords(const std::string& library, const std::string& fragment, const std::string& port);
 
-/// The "image" of an environment.
-std::optional<std::string> imageOf(const std::string& environment);
-/// Whether one of its lights is of one of these fragments.
-bool hasLight(const std::string& environment, const std::vector<std::string>& fragments);
 /// The same environment with one more light.
 std::string withLight(const std::string& environment, const std::string& name, const std::string& fragment,
                       const std::string& profile);

@@ -1,6 +1,7 @@
 #include "pictures/material.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <numbers>
 #include <stdexcept>
@@ -14,20 +15,35 @@ namespace host = TolmSDK::Graphics::sfg::host;
 
 namespace {
 
-CompiledStage
-compileStage(const host::Job& job, host::ShaderStage stage,
-             const std::function<void(const host::Shader&, const host::CompileError&)>& refused) {
-  const host::Shader shader = job.assemble(stage, host::NameStyle::readable);
+std::atomic<std::size_t> compiledStages{0};
+std::atomic<std::size_t> madePipelines{0};
+
+using Refused = std::function<void(const host::Shader&, const host::CompileError&)>;
+
+std::vector<std::uint32_t> compile(const host::Shader& shader, const Refused& refused) {
   try {
-    CompiledStage made;
-    made.module = host::compileToSpirv(shader);
-    made.interface =
-        host::interfaceFor(job.reflect(stage, host::NameStyle::readable), host::ShaderTarget::spirv);
-    return made;
+    ++compiledStages;
+    return host::compileToSpirv(shader);
   } catch (const host::CompileError& error) {
     if (refused) refused(shader, error);
     throw;
   }
+}
+
+CompiledStage compileStage(const host::Job& job, host::ShaderStage stage, const Refused& refused,
+                           Modules* known) {
+  const host::Shader shader = job.assemble(stage, host::NameStyle::readable);
+  CompiledStage made;
+  const auto found = known != nullptr ? known->find(shader.text) : Modules::iterator();
+  if (known != nullptr && found != known->end()) {
+    made.module = found->second;
+  } else {
+    made.module = compile(shader, refused);
+    if (known != nullptr) known->emplace(shader.text, made.module);
+  }
+  made.interface =
+      host::interfaceFor(job.reflect(stage, host::NameStyle::readable), host::ShaderTarget::spirv);
+  return made;
 }
 
 bool isState(const host::InterfaceMember& member) { return member.origin.kind == "stateVariable"; }
@@ -43,23 +59,32 @@ std::size_t componentsOf(const std::string& type) {
   return last >= '2' && last <= '4' ? static_cast<std::size_t>(last - '0') : 1;
 }
 
+bool isGraphInput(const host::InterfaceAttribute& attribute) { return attribute.origin.kind == "graphInput"; }
+
+/// The numbers of an input of the graph, for each vertex.
+std::vector<float> atEachVertex(const host::InterfaceAttribute& attribute, std::size_t vertices,
+                                const std::vector<double>& numbers) {
+  const std::size_t components = componentsOf(attribute.type);
+  if (numbers.size() != components) {
+    throw host::PackError("the graph's input `" + attribute.origin.name + "` takes " +
+                          std::to_string(components) + " numbers, not " + std::to_string(numbers.size()));
+  }
+  std::vector<float> values;
+  values.reserve(vertices * components);
+  for (std::size_t i = 0; i < vertices; ++i) {
+    for (const double number : numbers) values.push_back(static_cast<float>(number));
+  }
+  return values;
+}
+
 /// An input of the graph takes the value set for it, or what of a vertex has its type: two numbers are
 /// texture coordinates, one called u the first of them, three a position or, by name, a normal.
 std::vector<float> graphInput(const host::InterfaceAttribute& attribute, const Mesh& mesh,
                               const Settings& settings) {
   const std::string& name = attribute.origin.name;
   const std::size_t components = componentsOf(attribute.type);
-  if (const host::ValueSetting* const given = findSetting(settings, name)) {
-    if (given->numbers.size() != components) {
-      throw host::PackError("the graph's input `" + name + "` takes " + std::to_string(components) +
-                            " numbers, not " + std::to_string(given->numbers.size()));
-    }
-    std::vector<float> values;
-    for (std::size_t i = 0; i < mesh.vertices(); ++i) {
-      for (const double number : given->numbers) values.push_back(static_cast<float>(number));
-    }
-    return values;
-  }
+  if (const host::ValueSetting* const given = findSetting(settings, name))
+    return atEachVertex(attribute, mesh.vertices(), given->numbers);
   const auto has = [&name](const char* word) { return name.find(word) != std::string::npos; };
   if (components == 2) return mesh.parts.at("texCoord0");
   if (components == 1 && name == "u") {
@@ -76,7 +101,7 @@ std::vector<float> graphInput(const host::InterfaceAttribute& attribute, const M
 
 std::vector<float> attributeValues(const host::InterfaceAttribute& attribute, const Mesh& mesh,
                                    const Settings& settings) {
-  if (attribute.origin.kind == "graphInput") return graphInput(attribute, mesh, settings);
+  if (isGraphInput(attribute)) return graphInput(attribute, mesh, settings);
   const auto part = mesh.parts.find(attribute.origin.name);
   if (part == mesh.parts.end()) throw std::runtime_error("a mesh has no `" + attribute.origin.name + "`");
   return part->second;
@@ -206,11 +231,12 @@ float colorAt(std::span<const std::byte> bytes, std::size_t index, vk::Format fo
 
 }  // namespace
 
-Material compileMaterial(const host::Job& job,
-                         const std::function<void(const host::Shader&, const host::CompileError&)>& refused) {
-  return {compileStage(job, host::ShaderStage::vertex, refused),
-          compileStage(job, host::ShaderStage::pixel, refused)};
+Material compileMaterial(const host::Job& job, const Refused& refused, Modules* vertexStages) {
+  return {compileStage(job, host::ShaderStage::vertex, refused, vertexStages),
+          compileStage(job, host::ShaderStage::pixel, refused, nullptr)};
 }
+
+Compilations compilations() { return {compiledStages, madePipelines}; }
 
 Vector Camera::eye() const {
   const double around = azimuth * std::numbers::pi / 180;
@@ -250,7 +276,7 @@ std::vector<std::string> settableNames(const Material& material) {
     }
   });
   for (const host::InterfaceAttribute& attribute : material.vertex.interface.attributes) {
-    if (attribute.origin.kind == "graphInput") names.push_back(attribute.origin.name);
+    if (isGraphInput(attribute)) names.push_back(attribute.origin.name);
   }
   std::sort(names.begin(), names.end());
   names.erase(std::unique(names.begin(), names.end()), names.end());
@@ -266,7 +292,7 @@ void checkSettings(const Material& material, const Settings& settings) {
       }
     });
     for (const host::InterfaceAttribute& attribute : material.vertex.interface.attributes) {
-      isKnown = isKnown || (attribute.origin.kind == "graphInput" && attribute.origin.name == setting.name);
+      isKnown = isKnown || (isGraphInput(attribute) && attribute.origin.name == setting.name);
     }
     if (isKnown) continue;
     const std::vector<std::string> known = settableNames(material);
@@ -278,13 +304,13 @@ void checkSettings(const Material& material, const Settings& settings) {
 
 View::View(const render::Device& device, Material material, const Mesh& mesh, const Textures& textures,
            const Settings& settings, const ViewOptions& options)
-    : material_(std::move(material)), options_(options) {
+    : material_(std::move(material)), vertices_(mesh.vertices()), options_(options) {
   checkSettings(material_, settings);
   settings_ = settings;
   render::Triangles triangles;
   triangles.vertexStage = material_.vertex.module;
   triangles.pixelStage = material_.pixel.module;
-  triangles.vertices = static_cast<std::uint32_t>(mesh.vertices());
+  triangles.vertices = static_cast<std::uint32_t>(vertices_);
   for (const host::InterfaceAttribute& attribute : material_.vertex.interface.attributes) {
     if (!attribute.location) continue;
     triangles.attributes[static_cast<std::uint32_t>(*attribute.location)] =
@@ -305,12 +331,32 @@ View::View(const render::Device& device, Material material, const Mesh& mesh, co
     const bool repeats = owner == all.end() || (owner->type != "texture1D" && owner->type != "textureCube");
     triangles.samplers[static_cast<std::uint32_t>(sampler.place.binding.value())] = {repeats, finer};
   }
+  ++madePipelines;
   drawing_.emplace(device, triangles, options.size, formatOf(material_));
 }
 
 void View::set(const Settings& settings) {
   checkSettings(material_, settings);
-  settings_.insert(settings_.end(), settings.begin(), settings.end());
+  Settings all = settings_;
+  for (const host::ValueSetting& setting : settings) {
+    // Whoever drags a value sets it a thousand times.
+    std::erase_if(all, [&](const host::ValueSetting& known) { return known.name == setting.name; });
+    all.push_back(setting);
+  }
+  // Buffers are packed for each picture; here only what cannot be packed is told.
+  const State state = stateOf(Moment(), options_.size, 0, 0);
+  eachBuffer(material_,
+             [&](const host::InterfaceBuffer& buffer, std::uint32_t) { bytesOf(buffer, state, all); });
+  std::map<std::uint32_t, std::vector<float>> attributes;
+  for (const host::InterfaceAttribute& attribute : material_.vertex.interface.attributes) {
+    if (!attribute.location || !isGraphInput(attribute)) continue;
+    if (const host::ValueSetting* const given = findSetting(settings, attribute.origin.name)) {
+      attributes[static_cast<std::uint32_t>(*attribute.location)] =
+          atEachVertex(attribute, vertices_, given->numbers);
+    }
+  }
+  for (const auto& [location, values] : attributes) drawing_->setAttribute(location, values);
+  settings_ = std::move(all);
 }
 
 void View::feed(const Moment& moment, double x, double y) {

@@ -29,12 +29,26 @@ struct Material {
   CompiledStage pixel;
 };
 
+/// Modules by the text that they were compiled from.
+using Modules = std::map<std::string, std::vector<std::uint32_t>>;
+
 /// Both stages of a job that is collapsed. Throws AssemblyError, and CompileError behind `refused` was called
-/// with the shader that the compiler refused.
+/// with the shader that the compiler refused. `vertexStages`, unless it is null, spares materials one after
+/// another what most of them have in common: it is asked first, and gets what is compiled.
 Material
 compileMaterial(const TolmSDK::Graphics::sfg::host::Job& job,
                 const std::function<void(const TolmSDK::Graphics::sfg::host::Shader&,
-                                         const TolmSDK::Graphics::sfg::host::CompileError&)>& refused = {});
+                                         const TolmSDK::Graphics::sfg::host::CompileError&)>& refused = {},
+                Modules* vertexStages = nullptr);
+
+/// What this process has compiled for pictures so far: what takes long.
+struct Compilations {
+  std::size_t stages = 0;     ///< shaders, to modules
+  std::size_t pipelines = 0;  ///< both modules of a material, by the device's driver
+
+  bool operator==(const Compilations&) const = default;
+};
+Compilations compilations();
 
 /// Looks at a point from around it.
 struct Camera {
@@ -86,7 +100,8 @@ public:
   View(const render::Device& device, Material material, const Mesh& mesh, const Textures& textures,
        const Settings& settings, const ViewOptions& options);
 
-  /// From now on. Throws as checkSettings() does.
+  /// From now on. Throws PackError as checkSettings() does, and for numbers that do not fit; nothing is set
+  /// then.
   void set(const Settings& settings);
   /// `progress` is told how many samples are done.
   Shot shoot(const Moment& moment, const std::function<void(unsigned samples)>& progress = {});
@@ -95,6 +110,7 @@ private:
   void feed(const Moment& moment, double x, double y);
 
   Material material_;
+  std::size_t vertices_;
   Settings settings_;
   ViewOptions options_;
   std::optional<render::Drawing> drawing_;

@@ -152,6 +152,11 @@ vk::UniquePipeline makePipeline(const Device& device, const Triangles& triangles
   return device->createGraphicsPipelineUnique({}, info).value;
 }
 
+void overwrite(const Buffer& buffer, std::span<const std::byte> bytes) {
+  if (buffer.bytes.size() != bytes.size()) throw std::runtime_error("a buffer cannot change its size");
+  std::ranges::copy(bytes, buffer.bytes.begin());
+}
+
 }  // namespace
 
 namespace {
@@ -247,9 +252,9 @@ Drawing::Drawing(const Device& device, const Triangles& triangles, vk::Extent2D 
     : device_(device), size_(size), format_(color), vertices_(triangles.vertices) {
   bind(triangles);
   for (const auto& [location, values] : triangles.attributes) {
-    attributeBuffers_.push_back(
-        device.makeBuffer(std::as_bytes(std::span(values)), vk::BufferUsageFlagBits::eVertexBuffer));
-    attributes_.push_back(*attributeBuffers_.back().buffer);
+    const Buffer& buffer = attributeBuffers_[location] =
+        device.makeBuffer(std::as_bytes(std::span(values)), vk::BufferUsageFlagBits::eVertexBuffer);
+    attributes_.push_back(*buffer.buffer);
   }
   using Usage = vk::ImageUsageFlagBits;
   color_ = makeTarget(device, color, size, Usage::eColorAttachment | Usage::eTransferSrc);
@@ -304,9 +309,11 @@ void Drawing::bind(const Triangles& triangles) {
 }
 
 void Drawing::setUniform(std::uint32_t binding, std::span<const std::uint8_t> bytes) {
-  const std::span<std::byte> to = uniforms_.at(binding).bytes;
-  if (to.size() != bytes.size()) throw std::runtime_error("a buffer cannot change its size");
-  std::ranges::copy(std::as_bytes(bytes), to.begin());
+  overwrite(uniforms_.at(binding), std::as_bytes(bytes));
+}
+
+void Drawing::setAttribute(std::uint32_t location, std::span<const float> values) {
+  overwrite(attributeBuffers_.at(location), std::as_bytes(values));
 }
 
 void Drawing::draw() {

@@ -97,6 +97,8 @@ public:
 
   /// Changes the bytes of a buffer of the same size.
   void setUniform(std::uint32_t binding, std::span<const std::uint8_t> bytes);
+  /// Changes the values of an attribute, as many as before.
+  void setAttribute(std::uint32_t location, std::span<const float> values);
   /// Draws the nearest triangles over zeros, and opaque black where the format is sRGB.
   void draw();
   /// What was drawn last: rows from top to bottom.
@@ -113,7 +115,7 @@ private:
   std::map<std::uint32_t, Buffer> uniforms_;
   std::vector<Image> textures_;
   std::vector<vk::UniqueSampler> samplers_;
-  std::vector<Buffer> attributeBuffers_;
+  std::map<std::uint32_t, Buffer> attributeBuffers_;
   std::vector<vk::Buffer> attributes_;
   std::uint32_t vertices_;
   vk::UniqueDescriptorSetLayout setLayout_;

@@ -95,15 +95,14 @@ std::optional<pictures::Picture> Painter::draw(const ThumbnailRequest& request) 
     documents.graphDocument = host::Document::fromText(
         pictures::withOutput(documents.graph, shown->node, shown->output.name, shown->output.type),
         request.graphFile);
-  } else {
-    view.isEncoded = isEncoded(documents);
   }
   host::Job job(libraries_, documents.graphDocument, request.collapse, documents.environmentDocument);
+  view.isEncoded = !shown && job.colorSpace() == "srgb";
   job.collapse();
   if (!request.showsUniform &&
       job.reflect(host::ShaderStage::pixel, host::NameStyle::readable).attributes.empty())
     return std::nullopt;
-  pictures::Material material = pictures::compileMaterial(job);
+  pictures::Material material = pictures::compileMaterial(job, {}, &vertexStages_);
   const bool isFlat = !takes(material, [](const auto& attribute) { return !isCoordinate(attribute); });
   const std::string shape = !request.shape.empty() ? request.shape : isFlat ? "plane" : "sphere";
   Surroundings& surroundings = surroundingsOf(documents.image);

@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "pictures/material.h"
 #include "pictures/mesh.h"
 #include "pictures/picture.h"
 #include "render/renderer.h"
@@ -38,6 +39,7 @@ private:
   render::Device device_;
   std::map<std::string, Surroundings> surroundings_;
   std::map<std::pair<std::string, float>, pictures::Mesh> meshes_;
+  pictures::Modules vertexStages_;  ///< most graphs have one of a few
   std::string why_;
 };
 

@@ -139,6 +139,7 @@ public:
     readDocuments();
     host::Job job(documents_.libraries, documents_.graphDocument, request_.job.collapse,
                   documents_.environmentDocument);
+    options_.isEncoded = !shown_ && job.colorSpace() == "srgb";
     std::optional<pictures::Material> material =
         compileFor(job, steps_, request_.job.graphFile, diagnostics_);
     if (!material) return kRefused;
@@ -165,9 +166,7 @@ private:
       documents_.graphDocument = host::Document::fromText(
           pictures::withOutput(documents_.graph, shown_->node, shown_->output.name, shown_->output.type),
           request_.job.graphFile);
-      return;
     }
-    options_.isEncoded = isEncoded(documents_);
   }
 
   Picture develop(pictures::Shot shot, Surroundings& surroundings) const {

@@ -283,6 +283,28 @@ TEST_F(RenderTest, OutputsThatChangeNothingLeaveTheEncodingToTheGraph) {
   EXPECT_EQ(at(picture("c.png"), 32, 32), at(picture("a.png"), 32, 32));
 }
 
+/// The output fragment of an environment is no part of the shader, a node that encodes is.
+TEST_F(RenderTest, KnowsWhatOfTheEncodingIsDrawn) {
+  writeGraph("scaleFloat3", kTint);
+  EXPECT_EQ(render("-o a.png").status, 0);
+  write("screen.json", R"({ "lights": [], "output": "postSrgb" })");
+  EXPECT_EQ(render("-o b.png --environment " + path("screen.json")).status, 0);
+  EXPECT_EQ(at(picture("b.png"), 32, 32), at(picture("a.png"), 32, 32));
+  writeGraph("linearToSrgb", R"("color": { "value": [0.5, 0.5, 0.5] })");
+  EXPECT_EQ(render("-o c.png").status, 0);
+  EXPECT_EQ(at(picture("c.png"), 32, 32), (Bytes{188, 188, 188, 255}));
+}
+
+TEST_F(RenderTest, RefusesAnImageThatIsNoNameAtItsPlace) {
+  writeGraph("scaleFloat3", kTint);
+  write("scene.json", "{ \"lights\": [],\n  \"image\": 5 }");
+  const CommandRun drawn = render("-o a.png --environment " + path("scene.json"));
+  EXPECT_EQ(drawn.status, 2);
+  EXPECT_THAT(drawn.err,
+              testing::HasSubstr(
+                  "scene.json:2:12: error: `image` must be a string that is not empty [wrong-kind]\n"));
+}
+
 TEST_F(RenderTest, SurroundingsLightMetaSl) {
   Picture around(64, 32);
   std::fill(around.texels.begin(), around.texels.end(), 2.0f);

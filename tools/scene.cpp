@@ -53,11 +53,15 @@ void readEnvironment(Documents& documents, const std::string& given, host::Colla
   }
   documents.environment = textOf(given);
   documents.environmentDocument = host::Document::fromFile(given);
-  const std::optional<std::string> image = pictures::imageOf(documents.environment);
-  if (!image) return;
-  documents.image =
-      *image == "studio" || *image == "sky" ? *image : (fs::path(given).parent_path() / *image).string();
-  if (!hasMapLight || pictures::hasLight(documents.environment, {kMapLight, "imageLight"})) return;
+  const host::Environment scene = host::readEnvironment(*documents.environmentDocument);
+  if (scene.image.empty()) return;
+  const bool isDrawn = scene.image == "studio" || scene.image == "sky";
+  documents.image = isDrawn ? scene.image : (fs::path(given).parent_path() / scene.image).string();
+  const bool hasSurroundings =
+      std::any_of(scene.lights.begin(), scene.lights.end(), [](const host::Light& light) {
+        return light.fragment == kMapLight || light.fragment == "imageLight";
+      });
+  if (!hasMapLight || hasSurroundings) return;
   addSurroundings();
   documents.environmentDocument = host::Document::fromText(documents.environment, given);
 }
@@ -87,14 +91,6 @@ pictures::PortWords wordsOf(const Documents& documents, const std::string& fragm
     if (info.name == fragment) return pictures::portWords(textOf(info.file), fragment, port);
   }
   return {};
-}
-
-bool isEncoded(const Documents& documents) {
-  for (const std::string& fragment : pictures::lastFragments(documents.graph, documents.environment)) {
-    const std::string space = wordsOf(documents, fragment, "result").space;
-    if (!space.empty()) return space == "srgb";
-  }
-  return false;
 }
 
 /// A node's name may hold dots: the whole text is tried first.

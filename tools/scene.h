@@ -39,9 +39,6 @@ struct Documents {
 void readEnvironment(Documents& documents, const std::string& given, host::CollapseTool tool);
 
 /// What a library says of a port.
-/// Whether the pixels are encoded for the screen: the last fragment behind the graph that names a colour
-/// space says so.
-bool isEncoded(const Documents& documents);
 pictures::PortWords wordsOf(const Documents& documents, const std::string& fragment, const std::string& port);
 
 /// What of a graph is shown alone.

@@ -7,7 +7,8 @@
 
 namespace TolmSDK::Graphics::sfg::host {
 
-/// The default tool evaluates no post-process fragments.
+/// The default tool evaluates no post-process fragments; colours that are encoded for the screen twice are
+/// too bright.
 void warnOfChains(const CollapseFacts& facts, WarningList& warnings);
 
 }  // namespace TolmSDK::Graphics::sfg::host

@@ -9,8 +9,12 @@ void WarningList::atGraph(Finding kind, TextPosition position, const std::string
   warnings_.push_back(diagnose(kind, Severity::warning, job_.document().file(), position, text));
 }
 
+void WarningList::atEnvironment(Finding kind, TextPosition position, const std::string& text) {
+  warnings_.push_back(diagnose(kind, Severity::warning, job_.environment().file(), position, text));
+}
+
 void WarningList::atLight(Finding kind, const ShadingEnvironment::Light& light, const std::string& text) {
-  warnings_.push_back(diagnose(kind, Severity::warning, job_.environment().file(), light.position, text));
+  atEnvironment(kind, light.position, text);
 }
 
 void WarningList::atFragment(Finding kind, const IShaderFragment& fragment, const std::string& text) {

@@ -18,6 +18,7 @@ public:
   explicit WarningList(const CollapseJob& job) : job_(job) {}
 
   void atGraph(Finding kind, TextPosition position, const std::string& text);
+  void atEnvironment(Finding kind, TextPosition position, const std::string& text);
   void atLight(Finding kind, const ShadingEnvironment::Light& light, const std::string& text);
   /// About a fragment's own code, at its place in the library.
   void atFragment(Finding kind, const IShaderFragment& fragment, const std::string& text);

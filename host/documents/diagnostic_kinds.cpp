@@ -97,6 +97,8 @@ constexpr KindRow kRows[] = {
      {"repeated-statement", "a statement of the predefines is written more than once"}},
     {Finding::idlePostprocess,
      {"idle-postprocess", "a post-process fragment that only the light loop evaluates"}},
+    {Finding::encodedTwice,
+     {"encoded-twice", "colours that are encoded for the screen are encoded once more"}},
     {Finding::unassignedOutput,
      {"unassigned-output", "a fragment does not assign one of its outputs on every path"}},
     {Finding::unreadInput, {"unread-input", "a fragment never reads one of its inputs"}},

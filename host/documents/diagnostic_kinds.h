@@ -76,6 +76,7 @@ enum class Finding {
   nameInsideName,
   repeatedStatement,
   idlePostprocess,
+  encodedTwice,
   // Lints
   unassignedOutput,
   unreadInput,

@@ -126,6 +126,8 @@ std::string toJson(const Environment& environment) {
   for (const Light& light : environment.lights) lights.push_back(lightJson(light));
   Json json = {{"lights", std::move(lights)}};
   if (!environment.output.empty()) json["output"] = environment.output;
+  if (!environment.image.empty()) json["image"] = environment.image;
+  if (!environment.image.empty()) json["image"] = environment.image;
   return textOf(json);
 }
 

@@ -108,7 +108,42 @@ TEST(DocumentTest, WritesAnEnvironmentWithItsDefaults) {
   "output": "tone"
 }
 )");
+  EXPECT_EQ(toJson(Environment{{}, "", "sky"}), "{\n  \"lights\": [],\n  \"image\": \"sky\"\n}\n");
   EXPECT_EQ(toJson(Environment()), "{\n  \"lights\": []\n}\n");
+}
+
+TEST(DocumentTest, WritesAnEnvironmentAsItIsRead) {
+  const Environment environment{
+      {{"", "pointLight", ""}, {"key", "spotLight", "sfg_Light"}}, "tone", "stadium.hdr"};
+  const Environment read = readEnvironment(Document::from(environment));
+  EXPECT_EQ(toJson(read), toJson(environment));
+  ASSERT_EQ(read.lights.size(), 2u);
+  EXPECT_EQ(read.lights[0].name, "");
+  EXPECT_EQ(read.lights[0].fragment, "pointLight");
+  EXPECT_EQ(read.lights[0].profile, "");
+  EXPECT_EQ(read.lights[1].name, "key");
+  EXPECT_EQ(read.lights[1].profile, "sfg_Light");
+  EXPECT_EQ(read.output, "tone");
+  EXPECT_EQ(read.image, "stadium.hdr");
+  EXPECT_EQ(readEnvironment(Document::fromText("{}", "scene")).image, "");
+}
+
+std::string refusal(const std::string& environment) {
+  try {
+    readEnvironment(Document::fromText(environment, "scene"));
+  } catch (const InputError& error) {
+    return error.place() + ": " + error.what();
+  }
+  return "(nothing thrown)";
+}
+
+TEST(DocumentTest, RefusesAMalformedEnvironmentAtItsPlace) {
+  EXPECT_EQ(refusal("{ \"lights\": [],\n  \"image\": 5 }"),
+            "scene:2:12: `image` must be a string that is not empty");
+  EXPECT_EQ(refusal("{ \"lights\": [],\n  \"image\": \"\" }"),
+            "scene:2:12: `image` must be a string that is not empty");
+  EXPECT_EQ(refusal("{ \"lights\": [\n{ \"name\": \"key\" } ] }"), "scene:2:1: `fragment` is missing");
+  EXPECT_EQ(refusal("{ \"nodes\": [], \"outputs\": [] }"), "scene:1:1: this is a graph, not an environment");
 }
 
 std::string refusal(const NodeInput& first, const NodeInput& second) {

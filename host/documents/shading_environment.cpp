@@ -20,26 +20,59 @@ const IShaderFragment& requireFragment(const DocumentReader& reader, const IObje
   return *fragment;
 }
 
-ShadingEnvironment::Light readLight(const DocumentReader& reader, const IObjectDataNode& object,
-                                    std::size_t index, const ILanguageTraits& language,
-                                    const LibraryPorts& libraryPorts, const WhyUnknown& whyUnknown) {
-  ShadingEnvironment::Light light;
-  light.position = reader.positionOf(object);
-  light.name = reader.optionalName(object, L"name").value_or(L"light" + itos(static_cast<long long>(index)));
+Light readLight(const DocumentReader& reader, const IObjectDataNode& object) {
+  Light light;
+  light.name = reader.optionalUtf8(object, L"name");
   // It becomes part of names in the code.
-  if (!nameFault("light_" + toUtf8(light.name), false).empty()) {
+  if (!light.name.empty() && !nameFault("light_" + light.name, false).empty()) {
     reader.refuse(Finding::badName, *object.member(L"name"),
                   "the name of the light " + inTicks(light.name) +
                       " goes into names of the code, which hold letters, digits and `_` only");
   }
-  const WString fragment = reader.requiredName(object, L"fragment");
-  light.fragment =
-      cloneWithPorts(requireFragment(reader, *object.member(L"fragment"), fragment, language, whyUnknown),
-                     light.name, language, libraryPorts);
+  light.fragment = reader.requiredUtf8(object, L"fragment");
+  light.profile = reader.optionalUtf8(object, L"profile");
+  return light;
+}
+
+/// `taken` is told of each light as soon as it is read, and where it stands.
+template <class Taken>
+Environment readEnvironment(DocumentReader& reader, const Taken& taken) {
+  reader.checkKeys(environmentKeys());
+  refuseOtherKind(reader, environmentKeys(), "an environment");
+  Environment environment;
+  if (const IObjectDataNode* lights = reader.optionalArray(reader.root(), L"lights")) {
+    const std::size_t most = limits().lights;
+    if (lights->size() > most) {
+      reader.refuse(Finding::tooManyLights, *lights,
+                    std::to_string(lights->size()) + " lights are too many; at most " + std::to_string(most) +
+                        " can be written");
+    }
+    for (std::size_t i = 0; i < lights->size(); ++i) {
+      const IObjectDataNode& object = reader.objectAt(*lights, i);
+      taken(environment.lights.emplace_back(readLight(reader, object)), object);
+    }
+  }
+  environment.output = reader.optionalUtf8(reader.root(), L"output");
+  environment.image = reader.optionalUtf8(reader.root(), L"image");
+  return environment;
+}
+
+/// With its fragment. `index`: among the lights.
+ShadingEnvironment::Light shadingLight(const DocumentReader& reader, const Light& read,
+                                       const IObjectDataNode& object, std::size_t index,
+                                       const ILanguageTraits& language, const LibraryPorts& libraryPorts,
+                                       const WhyUnknown& whyUnknown) {
+  ShadingEnvironment::Light light;
+  light.position = reader.positionOf(object);
+  light.name =
+      read.name.empty() ? L"light" + itos(static_cast<long long>(index)) : WString(fromUtf8(read.name));
+  light.fragment = cloneWithPorts(
+      requireFragment(reader, *object.member(L"fragment"), fromUtf8(read.fragment), language, whyUnknown),
+      light.name, language, libraryPorts);
   light.profile = makeRef<AShaderFragmentProfileFunction>();
   const IObjectDataNode* const profile = object.member(L"profile");
   light.profilePosition = reader.positionOf(profile != nullptr ? *profile : object);
-  light.profile->setProfilename(reader.optionalName(object, L"profile").value_or(L"default"));
+  light.profile->setProfilename(read.profile.empty() ? L"default" : fromUtf8(read.profile));
   return light;
 }
 
@@ -60,36 +93,34 @@ RefPtr<ShadingEnvironment> loadEnvironment(const std::string& file, const ILangu
 RefPtr<ShadingEnvironment> loadEnvironment(const Document& document, const ILanguageTraits& language,
                                            const LibraryPorts& libraryPorts, const WhyUnknown& whyUnknown) {
   DocumentReader reader(document);
-  reader.checkKeys(environmentKeys());
-  refuseOtherKind(reader, environmentKeys(), "an environment");
   RefPtr<ShadingEnvironment> environment = makeRef<ShadingEnvironment>();
   environment->file_ = document.name();
-  environment->problems_ = reader.problems();
   Set<WString> names;
-  if (const IObjectDataNode* lights = reader.optionalArray(reader.root(), L"lights")) {
-    const std::size_t most = limits().lights;
-    if (lights->size() > most) {
-      reader.refuse(Finding::tooManyLights, *lights,
-                    std::to_string(lights->size()) + " lights are too many; at most " + std::to_string(most) +
-                        " can be written");
-    }
-    for (std::size_t i = 0; i < lights->size(); ++i) {
-      const IObjectDataNode& object = reader.objectAt(*lights, i);
-      environment->lights_.push_back(readLight(reader, object, i, language, libraryPorts, whyUnknown));
-      const WString& name = environment->lights_.back().name;
-      environment->lightIndex_.emplace(environment->lights_.back().fragment.get(), i);
-      const IObjectDataNode* const spelled = object.member(L"name");
-      if (!names.insert(name).second)
-        reader.refuse(Finding::repeatedName, spelled != nullptr ? *spelled : object,
-                      "the light name " + inTicks(name) + " is used twice");
-    }
-  }
-  if (const std::optional<WString> name = reader.optionalName(reader.root(), L"output")) {
+  const Environment read = readEnvironment(reader, [&](const Light& light, const IObjectDataNode& object) {
+    const std::size_t index = environment->lights_.size();
+    environment->lights_.push_back(
+        shadingLight(reader, light, object, index, language, libraryPorts, whyUnknown));
+    const WString& name = environment->lights_.back().name;
+    environment->lightIndex_.emplace(environment->lights_.back().fragment.get(), index);
+    const IObjectDataNode* const spelled = object.member(L"name");
+    if (!names.insert(name).second)
+      reader.refuse(Finding::repeatedName, spelled != nullptr ? *spelled : object,
+                    "the light name " + inTicks(name) + " is used twice");
+  });
+  environment->problems_ = reader.problems();
+  if (!read.output.empty()) {
     const IObjectDataNode& at = *reader.root().member(L"output");
-    environment->output_ = cloneWithPorts(requireFragment(reader, at, *name, language, whyUnknown), L"output",
-                                          language, libraryPorts);
+    environment->outputPosition_ = reader.positionOf(at);
+    environment->output_ =
+        cloneWithPorts(requireFragment(reader, at, fromUtf8(read.output), language, whyUnknown), L"output",
+                       language, libraryPorts);
   }
   return environment;
+}
+
+Environment readEnvironment(const Document& document) {
+  DocumentReader reader(document);
+  return readEnvironment(reader, [](const Light&, const IObjectDataNode&) {});
 }
 
 RefPtr<IShaderFragment> cloneWithPorts(const IShaderFragment& fragment, const WString& instanceName,

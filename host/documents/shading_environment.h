@@ -36,6 +36,8 @@ public:
   const IShaderFragment* getOutputFragment() const override { return output_.get(); }
 
   const Array<Light>& lights() const noexcept { return lights_; }
+  /// Of the output fragment's name.
+  TextPosition outputPosition() const noexcept { return outputPosition_; }
   /// The light whose fragment this is, or null.
   const Light* findLight(const IShaderFragment* fragment) const;
   /// The document it was loaded from; empty for a default-made one.
@@ -52,6 +54,7 @@ private:
   Array<Light> lights_;
   std::unordered_map<const IShaderFragment*, std::size_t> lightIndex_;
   RefPtr<IShaderFragment> output_;
+  TextPosition outputPosition_;
 };
 
 /// Reads an environment document. Throws InputError for a malformed one, more lights than code can be written

@@ -57,5 +57,11 @@ TEST_F(ShadingEnvironmentTest, RefusesUnknownFragmentsAndNamesUsedTwice) {
             "scene:1:57: the light name `light1` is used twice");
 }
 
+TEST_F(ShadingEnvironmentTest, RefusesAnImageThatIsNoName) {
+  EXPECT_EQ(refusal("{ \"lights\": [],\n  \"image\": [ \"sky\" ] }"),
+            "scene:2:12: `image` must be a string that is not empty");
+  EXPECT_EQ(read(R"({ "image": "sky" })")->getNumLights(), 0u);
+}
+
 }  // namespace
 }  // namespace TolmSDK::Graphics::sfg::host

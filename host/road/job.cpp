@@ -12,6 +12,7 @@
 #include "host/job/called_expressions.h"
 #include "host/job/collapse_job.h"
 #include "host/job/collapse_json.h"
+#include "host/job/color_steps.h"
 #include "host/job/input_files.h"
 #include "host/shader/shader_assembly.h"
 #include "tolmsdk/exception.h"
@@ -110,6 +111,8 @@ Job::Job(std::shared_ptr<const LibrarySet> libraries, RefPtr<IHostGraph const> g
 Job::Job(Job&& other) noexcept = default;
 Job& Job::operator=(Job&& other) noexcept = default;
 Job::~Job() = default;
+
+std::string Job::colorSpace() const { return colorSpaceOf(state_->job); }
 
 void Job::collapse() {
   if (isCollapsed()) return;

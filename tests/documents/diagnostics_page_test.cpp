@@ -31,7 +31,7 @@ const std::set<std::string> kWithoutExample = {"unreadable-folder", "too-many-li
 const std::set<std::string> kLints = {
     "unassigned-output",   "unread-input",     "unused-uniform",     "two-structures",     "unused-include",
     "unreachable-profile", "repeated-level",   "interface-mismatch", "unused-graph-input", "unused-node",
-    "missing-include",     "name-inside-name", "repeated-statement"};
+    "missing-include",     "name-inside-name", "repeated-statement", "encoded-twice"};
 
 std::string joined(const std::set<std::string>& words) {
   std::string text;

@@ -97,6 +97,9 @@ struct Light {
 struct Environment {
   std::vector<Light> lights;
   std::string output;  ///< name of the output fragment; empty for none
+  /// The picture around the scene: a file beside the document, `studio` or `sky`; empty for none. For who
+  /// renders: no code is written for it.
+  std::string image = {};
 };
 
 /// The graph or environment as a document (JSON, UTF-8), as `sfg collapse` reads it. Throws InputError for a
@@ -131,5 +134,13 @@ private:
   std::optional<std::string> text_;
   bool hasPlaces_ = true;
 };
+
+/// The environment of a document. Throws InputError for a malformed one; whether its fragments are there, a
+/// job tells.
+SFG_HOST_API Environment readEnvironment(const Document& document);
+
+/// What a document says of its environment; defaults stay empty. Throws InputError for a malformed one.
+/// Whether its fragments are known, and what is odd in it, a job tells.
+SFG_HOST_API Environment readEnvironment(const Document& document);
 
 }  // namespace TolmSDK::Graphics::sfg::host

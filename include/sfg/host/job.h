@@ -66,6 +66,11 @@ public:
   /// of `sfg_shader` that do not arrive as they are written. Collapsed or not; collapse() does not mind.
   std::vector<Diagnostic> errors() const;
 
+  /// In which space the function writes the colours of the first output: what the libraries say of the port
+  /// that writes them, else of the one before it that says something. "linear", "srgb", "data", or empty. An
+  /// environment's output fragment is no part of the function. Collapsed or not.
+  std::string colorSpace() const;
+
   /// Builds the graph and collapses it; a job that is collapsed stays as it is. Throws InputError (a
   /// post-process fragment that does not fit, a host's own graph that has changed since the job was made) and
   /// CollapseError; then it may be tried again.
