@@ -106,7 +106,7 @@ std::optional<pictures::Picture> Painter::draw(const ThumbnailRequest& request) 
   const bool isFlat = !takes(material, [](const auto& attribute) { return !isCoordinate(attribute); });
   const std::string shape = !request.shape.empty() ? request.shape : isFlat ? "plane" : "sphere";
   Surroundings& surroundings = surroundingsOf(documents.image);
-  const auto textures = texturesOf({}, material.pixel.interface, surroundings, nullptr);
+  const auto textures = texturesOf(request.textures, material.pixel.interface, surroundings, nullptr);
   const auto settings = diffuseSettings(material.pixel.interface, surroundings);
   const pictures::Mesh& mesh = meshNamed(shape, request.scale);
   pictures::Moment moment;

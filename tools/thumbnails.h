@@ -21,8 +21,9 @@ struct ThumbnailRequest {
   std::string node = {};  ///< "NAME.OUTPUT" to show one node; empty for the whole graph
   float scale = 1;        ///< how large the shape is, and how often texture coordinates go through it
   host::CollapseOptions collapse = {};
-  bool showsUniform = false;  ///< a node of which nothing varies has a picture, too
-  std::string camera = {};    ///< as `sfg render` takes it; empty: what suits the shape
+  bool showsUniform = false;               ///< a node of which nothing varies has a picture, too
+  std::string camera = {};                 ///< as `sfg render` takes it; empty: what suits the shape
+  std::vector<std::string> textures = {};  ///< "node.input=FILE"; stand-ins for the others
 };
 
 struct ThumbnailOptions {

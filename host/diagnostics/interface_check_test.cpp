@@ -57,6 +57,31 @@ TEST_F(InterfaceCheckTest, TakesOutputsOfTheProfilesForOtherLights) {
                                                        "of fragment `lamp`\n");
 }
 
+TEST_F(InterfaceCheckTest, TakesInputsOfLaterProfiles) {
+  writeLibrary(R"json({ "lamp": { "profiles": [
+    { "language": ["dx11"], "implementation": ["void lamp(float3 from, float3 to, out float3 light)", "{", "light = from;", "}"] },
+    { "name": "Ray", "language": ["dx11"], "implementation": ["void lamp(Ray from, float3 to, out float3 light)", "{", "}"] } ] } })json");
+  const auto structPort = [](const std::string& name, const std::string& type) {
+    return R"({ "name": ")" + name + R"(", "type": "struct", "struct": ")" + type + "\" }";
+  };
+  const std::string to = "," + port("to", "float3");
+  const std::string result = port("light", "float3");
+  EXPECT_EQ(told("lamp", structPort("from", "Ray") + to, result), "");
+  EXPECT_EQ(
+      told("lamp", structPort("from", "Beam") + to, result),
+      "graph.json:2:38: input `from` of node `a` is of type `Beam` here, but of type `float3` in the code "
+      "of fragment `lamp`\n");
+  EXPECT_EQ(
+      told("lamp", structPort("start", "Ray") + to, result),
+      "graph.json:2:39: input `start` of node `a` is of type `Ray` here, but of type `float3`, as `from` "
+      "in the code of fragment `lamp`\n");
+  // Not at another place.
+  EXPECT_EQ(
+      told("lamp", port("start", "float3") + "," + structPort("from", "Ray"), result),
+      "graph.json:2:76: input `from` of node `a` is of type `Ray` here, but of type `float3`, as `to` in "
+      "the code of fragment `lamp`\n");
+}
+
 TEST_F(InterfaceCheckTest, LeavesTheNumberOfPortsToTheCollapse) {
   EXPECT_EQ(told("tint", port("color", "float3"), port("result", "float3") + "," + port("s", "float")), "");
 }

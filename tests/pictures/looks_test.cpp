@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -122,10 +124,19 @@ std::vector<fs::path> documentsIn(const char* folder) {
   return files;
 }
 
+/// The lights that every example is seen under.
+constexpr std::array<std::string_view, 4> kInStrips = {"no_lights", "outdoor", "studio", "sun"};
+
+bool isInStrips(const fs::path& environment) {
+  return std::find(kInStrips.begin(), kInStrips.end(), environment.stem().string()) != kInStrips.end();
+}
+
 TEST_F(Looks, ExamplesUnderEveryEnvironment) {
   Painter painter(libraries_, {"", 128, 8});
   std::vector<std::string> environments = {"studio", "sky"};
-  for (const fs::path& file : documentsIn("examples/environments")) environments.push_back(file.string());
+  for (const fs::path& file : documentsIn("examples/environments"))
+    if (isInStrips(file)) environments.push_back(file.string());
+  ASSERT_EQ(environments.size(), 2 + kInStrips.size());
   const std::vector<fs::path> materials = documentsIn("examples/materials");
   EXPECT_GT(materials.size(), 10u);
   for (std::size_t i = 0; i < materials.size(); ++i) {
@@ -149,6 +160,35 @@ TEST_F(Looks, ExamplesUnderEveryEnvironment) {
     }
     if (isUpdate()) writeLook(name, seen);
   }
+}
+
+/// Every other environment, on the ground and on spheres.
+TEST_F(Looks, SomeExamplesUnderOtherLamps) {
+  Painter painter(libraries_, {"", 128, 8});
+  std::size_t count = 0;
+  for (const fs::path& environment : documentsIn("examples/environments")) {
+    if (isInStrips(environment)) continue;
+    const std::string name = "lamps/" + environment.stem().string();
+    std::vector<Picture> seen;
+    for (const char* const material : {"wood", "marble", "hair"}) {
+      const fs::path file = fs::path("examples/materials") / (std::string(material) + ".json");
+      ThumbnailRequest request{textOfFile(file), file.string(), environment.string(), "sphere"};
+      request.collapse.tool = host::CollapseTool::lightLoop;
+      if (seen.empty()) {
+        request.shape = "tests/pictures/ground.obj";
+        request.camera = "20,40,5";
+      }
+      if (environment.stem() == "downlight") request.textures = {"lamp.candela=tests/pictures/downlight.png"};
+      const std::optional<Picture> picture = painter.draw(request);
+      ASSERT_TRUE(picture.has_value()) << file << " under " << environment;
+      if (!isUpdate())
+        expectLook(name, seen.size(), *picture, environment.stem().string() + "_on_" + material);
+      seen.push_back(*picture);
+    }
+    if (isUpdate()) writeLook(name, seen);
+    ++count;
+  }
+  EXPECT_GE(count, 3u);
 }
 
 TEST_F(Looks, Patterns) {
