@@ -14,6 +14,7 @@
 #include "sfg/shader_fragment_graph.h"
 #include "sfg/shader_fragment_profile.h"
 #include "sfg/shader_includes.h"
+#include "tests/numbers/reference_texture.h"
 #include "tolmsdk/object_data_node.h"
 #include "tolmsdk/state_variables.h"
 #include "tolmsdk/text_parameter_list.h"
@@ -46,6 +47,18 @@ Input const* findInput(Row const& row, std::string const& name) {
 
 bool isInline(IShaderFragment const& fragment) {
   return fragment.getProfile(0)->getMode() == EShaderFragmentProfileMode::Inline;
+}
+
+// Textures are graph inputs that no row needs to name: there is only the one of reference_texture.h.
+bool isTexture(std::string const& type) { return type.starts_with("sfg_sampler"); }
+
+bool hasTextures(ITextParameterList const& parameters) {
+  for (std::size_t i = 0; i < parameters.getNumInputs(); ++i) {
+    if (isTexture(toUtf8(parameters.getInputType(i)))) {
+      return true;
+    }
+  }
+  return false;
 }
 
 // An expression's ports have the types of the row.
@@ -85,10 +98,10 @@ RefPtr<AShaderFragmentGraph> graphOf(FragmentProfile const& profile, Row const& 
   for (std::size_t i = 0; i < subject->getNumInputs(); ++i) {
     std::string const type = toUtf8(subject->getInputType(&libraries().language(), i));
     Input const* const input = findInput(row, toUtf8(subject->getInputName(i)));
-    if (input == nullptr) {
+    if (input == nullptr && !isTexture(type)) {
       continue;  // not connected
     }
-    if (input->type != type) {
+    if (input != nullptr && input->type != type) {
       refuse(profile, "input `" + input->name + "` is a " + type);
     }
     graph->addInput(subject->getInput(i));
@@ -215,7 +228,8 @@ Function collapseWith(FragmentProfile const& profile, Row const& row,
   call += L");";
 
   Function function;
-  function.code = includedText(code.includes()) + toUtf8(code.predefines()) + toUtf8(definition);
+  function.code = (hasTextures(parameters) ? textureOnDevice() : std::string()) +
+                  includedText(code.includes()) + toUtf8(code.predefines()) + toUtf8(definition);
   function.call = toUtf8(call);
   placeInputs(profile, parameters, row, *result, *graph, function);
   for (std::size_t i = 0; i < parameters.getNumOutputs(); ++i) {

@@ -22,7 +22,7 @@ std::vector<FragmentProfile> profilesIn(std::string const& file);
 
 // What the generator makes of a graph of this one fragment, whose inputs are graph inputs: the collapsed
 // function over the inputs of the row. Throws std::runtime_error when the row does not fit the fragment; what
-// the row does not name is zero.
+// the row does not name is zero, and textures are that of reference_texture.h.
 Function collapsedFunction(FragmentProfile const& profile, Row const& row);
 
 // The same of a surface, collapsed by the light loop under the lights of an environment document.

@@ -15,6 +15,7 @@
 #include "tests/numbers/row.h"
 #include "tests/numbers/sampler.h"
 #include "tests/numbers/shape_references.h"
+#include "tests/numbers/texture_references.h"
 #include "tests/numbers/vulkan_compute.h"
 
 namespace numbers_test {
@@ -102,6 +103,8 @@ TEST_F(Numbers, OfThePatternFragmentsAgree) { check(patternTopic()); }
 TEST_F(Numbers, OfTheLayersAgree) { check(layerTopic()); }
 
 TEST_F(Numbers, OfTheShapesAgree) { check(shapeTopic()); }
+
+TEST_F(Numbers, OfTheTexturesAgree) { check(textureTopic()); }
 
 TEST_F(Numbers, OfTheCoordinateFragmentsAgree) { check(coordinateTopic()); }
 

@@ -6,6 +6,7 @@
 #include "tests/numbers/compute_shader.h"
 #include "tests/numbers/layer_references.h"
 #include "tests/numbers/shape_references.h"
+#include "tests/numbers/texture_references.h"
 
 namespace numbers_test {
 
