@@ -30,6 +30,8 @@ struct Work {
   /// What counts is the gain of a second thread, for the round and for the reference: both are called by one
   /// thread and by two at a time.
   bool inTwoThreads = false;
+  /// The round works in threads of its own: the processor time of all counts.
+  bool usesThreads = false;
 };
 
 struct Case {

@@ -7,6 +7,7 @@
 #include "benchmarks/file_cases.h"
 #include "benchmarks/graph_cases.h"
 #include "benchmarks/job_cases.h"
+#include "benchmarks/picture_cases.h"
 #include "benchmarks/text_cases.h"
 
 namespace TolmSDK::Graphics::sfg::benchmarks {
@@ -57,6 +58,7 @@ std::vector<Case> makeCases() {
   add("two threads", 0, twoThreads);
 
   for (const Case& step : jobCases()) cases.push_back(step);
+  for (const Case& step : pictureCases()) cases.push_back(step);
   add("files to shader", 10'000, filesToShader);
   add("- read", 10'000, readFiles);
   add("- build", 10'000, buildFromFiles);

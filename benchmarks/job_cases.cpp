@@ -54,6 +54,8 @@ Case lastOf(const std::string& name, const std::vector<Step>& steps) {
             const auto job = std::make_shared<LitJob>();
             for (const Step step : steps) ((*job).*step)();
             Work work;
+            // Compilers run on a larger stack.
+            work.usesThreads = true;
             work.round = [job, step = steps.back()] { ((*job).*step)(); };
             return work;
           }};
@@ -63,6 +65,7 @@ Case allOf(const std::string& name, const std::vector<Step>& steps) {
   return {name, {0}, [steps](std::size_t) {
             const auto job = std::make_shared<LitJob>();
             Work work;
+            work.usesThreads = true;
             work.round = [job, steps] {
               for (const Step step : steps) ((*job).*step)();
             };
@@ -78,6 +81,7 @@ Case checkOfLibrary() {
             const auto files = std::make_shared<host::Checker::Files>();
             files->libraries = host::Checker(options).libraryFiles();
             Work work;
+            work.usesThreads = true;
             work.fragments = host::Checker(options).check(*files).counts.fragments;
             work.round = [options, files] { host::Checker(options).check(*files); };
             return work;
@@ -94,6 +98,7 @@ Case checkAgain() {
             const auto files = std::make_shared<host::Checker::Files>();
             files->libraries = checker->libraryFiles();
             Work work;
+            work.usesThreads = true;
             work.fragments = checker->check(*files).counts.fragments;
             work.round = [checker, files] { checker->check(*files); };
             return work;

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "benchmarks/picture_cases.h"
 #include "benchmarks/report.h"
 #include "tolmsdk/read_limits.h"
 
@@ -172,6 +173,7 @@ int run(const Options& options) {
   }
   if (options.list) return 0;
   printGrowth(rows);
+  if (const std::string why = whyNoPictures(); !why.empty()) std::printf("\nno pictures: %s\n", why.c_str());
 
   const auto failed = std::count_if(rows.begin(), rows.end(), [](const Row& row) { return row.failed(); });
   std::printf("\n%zu rows, %zu failed\n", rows.size(), static_cast<std::size_t>(failed));

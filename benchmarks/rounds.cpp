@@ -32,7 +32,7 @@ struct Contestant {
 
 /// Seconds of one round: the least of all repetitions.
 struct Times {
-  double processor = std::numeric_limits<double>::infinity();  ///< of one thread
+  double processor = std::numeric_limits<double>::infinity();  ///< of one thread, or of all of the process
   double wall = std::numeric_limits<double>::infinity();       ///< divided by the number of threads
 };
 
@@ -87,8 +87,15 @@ BestTimes measure(const std::vector<Contestant>& contestants, const Configure& c
   return times;
 }
 
-double measureOnce(const std::function<void()>& round) {
-  return measure({{"once", round}}, [](auto& benchmark) { benchmark.Iterations(1); }).of("once").processor;
+/// Whose processor time counts: that of the thread which calls the rounds, or of all threads.
+void countThreads(const Work& work, benchmark::internal::Benchmark& benchmark) {
+  if (work.usesThreads) benchmark.MeasureProcessCPUTime();
+}
+
+double measureOnce(const Work& work) {
+  const BestTimes times =
+      measure({{"once", work.round}}, [&](auto& benchmark) { countThreads(work, *benchmark.Iterations(1)); });
+  return times.of("once").processor;
 }
 
 /// What a second thread gains, for the round and for its reference.
@@ -127,7 +134,7 @@ void measureMemory(const Work& work, std::size_t textLength, Figures& figures) {
 Figures measureWork(const Work& work, double seconds) {
   if (work.inTwoThreads) return measureGains(work, seconds);
   // The first round pays for what profiles keep from then on.
-  const double first = measureOnce(work.round);
+  const double first = measureOnce(work);
   Figures figures = {{"first", first}};
   std::vector<Contestant> contestants = {{"best", work.round}};
   if (work.reference) contestants.push_back({"reference", work.reference});
@@ -146,17 +153,18 @@ Figures measureWork(const Work& work, double seconds) {
   const double repetitions = std::clamp(seconds / first, first < kLong ? 3.0 : 1.0, kMostRepetitions);
   const double share = seconds / repetitions / static_cast<double>(contestants.size());
   const BestTimes times = measure(contestants, [&](auto& benchmark) {
-    benchmark.MinTime(share)->Repetitions(static_cast<int>(repetitions));
+    countThreads(work, *benchmark.MinTime(share)->Repetitions(static_cast<int>(repetitions)));
   });
   for (const Contestant& contestant : contestants) {
     figures[contestant.name] = times.of(contestant.name).processor;
   }
+  if (work.usesThreads) figures["wall"] = times.of("best").wall;
   measureMemory(work, text.size(), figures);
   return figures;
 }
 
 Figures measureLargeWork(const Work& work) {
-  Figures figures = {{"best", measureOnce(work.round)}};
+  Figures figures = {{"best", measureOnce(work)}};
   measureMemory(work, 0, figures);
   return figures;
 }

@@ -290,7 +290,8 @@ TEST_F(RenderTest, KnowsWhatOfTheEncodingIsDrawn) {
   write("screen.json", R"({ "lights": [], "output": "postSrgb" })");
   EXPECT_EQ(render("-o b.png --environment " + path("screen.json")).status, 0);
   EXPECT_EQ(at(picture("b.png"), 32, 32), at(picture("a.png"), 32, 32));
-  writeGraph("linearToSrgb", R"("color": { "value": [0.5, 0.5, 0.5] })");
+  write("graph.json", R"({ "outputs": [ { "name": "color", "type": "float3", "node": "a" } ], "nodes": [
+    { "name": "a", "fragment": "linearToSrgb", "inputs": { "color": { "value": [0.5, 0.5, 0.5] } } } ] })");
   EXPECT_EQ(render("-o c.png").status, 0);
   EXPECT_EQ(at(picture("c.png"), 32, 32), (Bytes{188, 188, 188, 255}));
 }
