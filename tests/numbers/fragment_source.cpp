@@ -52,7 +52,13 @@ bool isInline(IShaderFragment const& fragment) {
 // Textures are graph inputs that no row needs to name: there is only the one of reference_texture.h.
 bool isTexture(std::string const& type) { return type.starts_with("sfg_sampler"); }
 
-bool hasTextures(ITextParameterList const& parameters) {
+// As parameters, or as uniforms of lights.
+bool hasTextures(ITextParameterList const& parameters, IShaderFragment const& result) {
+  for (std::size_t i = 0; i < result.getNumUniforms(); ++i) {
+    if (isTexture(toUtf8(result.getUniform(i)->getType().toString()))) {
+      return true;
+    }
+  }
   for (std::size_t i = 0; i < parameters.getNumInputs(); ++i) {
     if (isTexture(toUtf8(parameters.getInputType(i)))) {
       return true;
@@ -198,7 +204,7 @@ void placeInputs(FragmentProfile const& profile, ITextParameterList const& param
   for (std::size_t i = 0; i < result.getNumUniforms(); ++i) {
     std::string const name = toUtf8(result.getUniform(i)->getName());
     std::string const type = toUtf8(result.getUniform(i)->getType().toString());
-    if (!filled.contains(name)) {
+    if (!filled.contains(name) && !isTexture(type)) {
       unset += "static " + type + " " + name + " = (" + type + ")0;\n";
     }
   }
@@ -228,7 +234,7 @@ Function collapseWith(FragmentProfile const& profile, Row const& row,
   call += L");";
 
   Function function;
-  function.code = (hasTextures(parameters) ? textureOnDevice() : std::string()) +
+  function.code = (hasTextures(parameters, *result) ? textureOnDevice() : std::string()) +
                   includedText(code.includes()) + toUtf8(code.predefines()) + toUtf8(definition);
   function.call = toUtf8(call);
   placeInputs(profile, parameters, row, *result, *graph, function);

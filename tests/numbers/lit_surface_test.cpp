@@ -6,6 +6,7 @@
 #include "tests/numbers/compute_shader.h"
 #include "tests/numbers/fragment_source.h"
 #include "tests/numbers/reference_brdf.h"
+#include "tests/numbers/reference_texture.h"
 #include "tests/numbers/sampler.h"
 #include "tests/numbers/vulkan_compute.h"
 
@@ -217,6 +218,24 @@ Light torch() {
           }};
 }
 
+// The table: the angle about the axis to the right, from the axis down.
+Light measured() {
+  return {{vector3("light_positionLamp", 2.5, 6), vector3("light_axisLamp", -1, -0.1),
+           vector3("light_referenceLamp", 0.2, 1), vector3("light_colorLamp", 0, 1),
+           number("light_intensityLamp", 0, 30)},
+          [](Sample const& in, std::size_t first, Vec3 point) {
+            Vec3 const leaving = unit(point - in.vec3(first));
+            Vec3 const axis = unit(in.vec3(first + 1));
+            Vec3 const reference = in.vec3(first + 2);
+            Vec3 const zero = unit(reference - axis * dot(reference, axis));
+            double const around = std::atan2(dot(leaving, cross(axis, zero)), dot(leaving, zero));
+            double const away = std::acos(std::clamp(dot(leaving, axis), -1.0, 1.0));
+            double const share = textureAt(Vec2{around / (2.0 * kPi), away / kPi}).x;
+            double const strength = in(first + 4) * falloff(length(in.vec3(first) - point), 0.0) * share;
+            return Arrival{-leaving, in.vec3(first + 3) * strength, {}, {}};
+          }};
+}
+
 // The lamp at the eye that stands for the light of a scene without lights.
 Arrival headLight(Sample const& in) { return {unit(in.vec3(kEye) - in.vec3(kPosition)), splat(kPi), {}, {}}; }
 
@@ -276,6 +295,8 @@ TEST_F(LitSurfaces, AreLitByALampAtTheEyeWithoutLights) { check("none.json", {})
 TEST_F(LitSurfaces, ReflectOneLight) { check("sun.json", {sun()}); }
 
 TEST_F(LitSurfaces, AddUpFourLights) { check("four.json", {sun(), sky(), lantern(), torch()}); }
+
+TEST_F(LitSurfaces, ReflectALampWithATable) { check("measured.json", {measured()}); }
 
 }  // namespace
 }  // namespace numbers_test

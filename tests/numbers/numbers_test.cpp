@@ -12,6 +12,7 @@
 #include "tests/numbers/compute_shader.h"
 #include "tests/numbers/fragment_source.h"
 #include "tests/numbers/layer_references.h"
+#include "tests/numbers/output_references.h"
 #include "tests/numbers/row.h"
 #include "tests/numbers/sampler.h"
 #include "tests/numbers/shape_references.h"
@@ -105,6 +106,12 @@ TEST_F(Numbers, OfTheLayersAgree) { check(layerTopic()); }
 TEST_F(Numbers, OfTheShapesAgree) { check(shapeTopic()); }
 
 TEST_F(Numbers, OfTheTexturesAgree) { check(textureTopic()); }
+
+TEST_F(Numbers, OfTheOutputsAgree) { check(outputTopic()); }
+
+TEST_F(Numbers, OfThePostProcessAgree) { check(postTopic()); }
+
+TEST_F(Numbers, OfTheSurroundingsAgree) { check(environmentTopic()); }
 
 TEST_F(Numbers, OfTheCoordinateFragmentsAgree) { check(coordinateTopic()); }
 

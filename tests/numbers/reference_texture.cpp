@@ -80,6 +80,8 @@ struct sfg_sampler1D { float unused; };
 struct sfg_sampler2D { float unused; };
 struct sfg_sampler3D { float unused; };
 struct sfg_samplerCube { float unused; };
+#define sfg_make_sampler2D(image, filtering) ((sfg_sampler2D)0)
+#define sfg_make_samplerCube(image, filtering) ((sfg_samplerCube)0)
 
 float numbers_texel(int3 at, int level, int channel)
 {

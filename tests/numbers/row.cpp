@@ -5,6 +5,7 @@
 #include "tests/numbers/blending_references.h"
 #include "tests/numbers/compute_shader.h"
 #include "tests/numbers/layer_references.h"
+#include "tests/numbers/output_references.h"
 #include "tests/numbers/shape_references.h"
 #include "tests/numbers/texture_references.h"
 
@@ -57,9 +58,9 @@ Sample::Sample(std::span<Input const> inputs, std::span<float const> values) : v
 }
 
 std::vector<Topic> allTopics() {
-  return {mathTopic(),    vectorTopic(),   colorTopic(),      noiseTopic(),
-          patternTopic(), brdfTopic(),     coordinateTopic(), inputTopic(),
-          logicTopic(),   operatorTopic(), blendingTopic(),   colorSpaceTopic()};
+  return {mathTopic(),     vectorTopic(),     colorTopic(),   noiseTopic(),  patternTopic(),
+          brdfTopic(),     coordinateTopic(), inputTopic(),   logicTopic(),  operatorTopic(),
+          blendingTopic(), colorSpaceTopic(), textureTopic(), outputTopic(), postTopic()};
 }
 
 }  // namespace numbers_test
