@@ -2,7 +2,9 @@
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 
+#include <cmath>
 #include <stdexcept>
+#include <string>
 
 #include "pictures/mesh.h"
 
@@ -37,6 +39,10 @@ void addVertex(Mesh& mesh, const aiMesh& from, unsigned i) {
   add(mesh.parts["color"], {color.r, color.g, color.b, color.a});
 }
 
+[[noreturn]] void cannotRead(const std::filesystem::path& file, const std::string& reason) {
+  throw std::runtime_error("cannot read `" + file.string() + "`: " + reason);
+}
+
 }  // namespace
 
 Mesh readMesh(const std::filesystem::path& file) {
@@ -46,8 +52,7 @@ Mesh readMesh(const std::filesystem::path& file) {
   constexpr unsigned kSteps = aiProcess_Triangulate | aiProcess_SortByPType | aiProcess_PreTransformVertices |
                               aiProcess_GenSmoothNormals | aiProcess_FlipUVs | aiProcess_CalcTangentSpace;
   const aiScene* const scene = importer.ReadFile(file.string(), kSteps);
-  if (scene == nullptr)
-    throw std::runtime_error("cannot read `" + file.string() + "`: " + importer.GetErrorString());
+  if (scene == nullptr) cannotRead(file, importer.GetErrorString());
   Mesh mesh;
   for (unsigned m = 0; m < scene->mNumMeshes; ++m) {
     const aiMesh& part = *scene->mMeshes[m];
@@ -57,7 +62,9 @@ Mesh readMesh(const std::filesystem::path& file) {
         addVertex(mesh, part, face.mIndices[k]);
     }
   }
-  if (mesh.parts.empty()) throw std::runtime_error("`" + file.string() + "` holds no triangles");
+  if (mesh.parts.empty()) cannotRead(file, "it holds no triangles");
+  for (const float number : mesh.parts.at("position"))
+    if (!std::isfinite(number)) cannotRead(file, "a position of it is not finite");
   return mesh;
 }
 

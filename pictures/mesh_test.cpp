@@ -102,6 +102,8 @@ TEST(MeshTest, NamesFilesThatCannotBeRead) {
   EXPECT_THAT(refusalOf(bad), testing::StartsWith("cannot read `" + bad + "`: "));
   const std::string empty = folder.write("points.obj", "v 0 0 0\n").string();
   EXPECT_NE(refusalOf(empty), "read");
+  const std::string endless = folder.write("endless.obj", "v nan 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n").string();
+  EXPECT_EQ(refusalOf(endless), "cannot read `" + endless + "`: a position of it is not finite");
 }
 
 }  // namespace

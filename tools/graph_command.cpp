@@ -140,6 +140,7 @@ public:
   }
 
   int run(Diagnostics& diagnostics) override {
+    checkName();
     checkOutputs(options_, {output_});
     const bool isSvg =
         format_ == DrawingFormat::svg || (format_ == DrawingFormat::byName && output_.ends_with(".svg"));
@@ -158,6 +159,18 @@ public:
   }
 
 private:
+  /// A drawing is not written under the name of another kind of picture.
+  void checkName() const {
+    if (format_ != DrawingFormat::byName) return;
+    const std::string extension = std::filesystem::path(output_).extension().string();
+    for (const char* const other : {".png", ".jpg", ".jpeg", ".pdf", ".exr", ".hdr"}) {
+      if (extension == other)
+        throw host::InputError("`-o " + output_ +
+                               "`: expected a name that ends in `.svg` or `.dot` (`dot -Tpng` of Graphviz "
+                               "draws other kinds)");
+    }
+  }
+
   /// What cannot be drawn, such as a structure, has no picture.
   void paint(NodePictures& pictures, Diagnostics& diagnostics) const {
     ThumbnailOptions thumbnails;

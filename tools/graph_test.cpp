@@ -48,6 +48,14 @@ TEST_F(GraphTest, RefusesWhatCannotBeCollapsed) {
   EXPECT_FALSE(exists("a.svg"));
 }
 
+TEST_F(GraphTest, RefusesNamesOfOtherPictures) {
+  EXPECT_EQ(run("graph graph.json -L . --no-standard-library -o a.png").err,
+            "sfg: error: `-o a.png`: expected a name that ends in `.svg` or `.dot` (`dot -Tpng` of Graphviz "
+            "draws other kinds) [wrong-usage]\n");
+  EXPECT_FALSE(exists("a.png"));
+  EXPECT_EQ(run("graph graph.json -L . --no-standard-library -o a.txt").status, 0);
+}
+
 TEST_F(GraphTest, RefusesToReplaceTheGraph) {
   EXPECT_EQ(run("graph graph.json -L . -o graph.json").status, 2);
 }

@@ -108,4 +108,14 @@ void checkOutputs(std::span<const std::string> outputs, std::span<const std::str
   }
 }
 
+void checkFolder(const std::string& file) {
+  const fs::path folder = fs::path(file).parent_path();
+  std::error_code error;
+  if (folder.empty() || fs::is_directory(folder, error)) return;
+  const bool isThere = fs::exists(folder, error);
+  cannotWrite(
+      file, std::make_error_code(isThere ? std::errc::not_a_directory : std::errc::no_such_file_or_directory)
+                .message());
+}
+
 }  // namespace TolmSDK::Graphics::sfg::tools

@@ -17,4 +17,7 @@ void writeOutput(const std::string& file, std::string_view bytes);
 /// or pipe may be named any number of times.
 void checkOutputs(std::span<const std::string> outputs, std::span<const std::string> inputs);
 
+/// Throws InputError when the folder of a file is not there: for results that take long to make.
+void checkFolder(const std::string& file);
+
 }  // namespace TolmSDK::Graphics::sfg::tools

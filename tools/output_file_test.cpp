@@ -88,6 +88,23 @@ TEST_F(OutputFileTest, SaysWhatItCannotWrite) {
   }
 }
 
+TEST_F(OutputFileTest, SaysThatAFolderIsMissing) {
+  const auto refusalOf = [this](const std::string& name) -> std::string {
+    try {
+      checkFolder(path(name));
+    } catch (const host::InputError& error) {
+      EXPECT_EQ(error.place(), path(name));
+      return error.what();
+    }
+    return "there";
+  };
+  writeOutput(path("file"), "text");
+  EXPECT_EQ(refusalOf("gone/out"), "cannot be written: No such file or directory");
+  EXPECT_EQ(refusalOf("file/out"), "cannot be written: Not a directory");
+  EXPECT_EQ(refusalOf("out"), "there");
+  EXPECT_NO_THROW(checkFolder("out"));
+}
+
 TEST_F(OutputFileTest, SaysThatADeviceIsFull) {
   if (!fs::exists("/dev/full")) GTEST_SKIP() << "no full device here";
   try {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 
 #include "sfg/host/errors.h"
 #include "sfg/host/suggest.h"
@@ -57,8 +58,20 @@ PictureFormat formatOf(const std::string& file) {
   if (extension == ".png" || extension == ".apng") return PictureFormat::png;
   if (extension == ".exr") return PictureFormat::exr;
   if (extension == ".hdr") return PictureFormat::hdr;
-  throw badValue("-o", file, "a name that ends in `.png`, `.exr` or `.hdr`");
+  throw badValue("-o", file, "a name that ends in `.png`, `.apng`, `.exr` or `.hdr`");
 }
+
+namespace {
+
+pictures::Mesh readMeshFor(const std::string& file) {
+  try {
+    return pictures::readMesh(file);
+  } catch (const std::runtime_error& error) {
+    throw host::InputError(std::string("`--shape`: ") + error.what());
+  }
+}
+
+}  // namespace
 
 pictures::Mesh meshOf(const RenderRequest& request) {
   const std::vector<std::string>& names = pictures::shapeNames();
@@ -72,7 +85,7 @@ pictures::Mesh meshOf(const RenderRequest& request) {
   }
   if (isFile && !fs::is_regular_file(request.shape))
     throw host::InputError(request.shape, TextPosition(), "there is no such file", "unreadable-file");
-  pictures::Mesh mesh = isKnown ? pictures::makeShape(request.shape) : pictures::readMesh(request.shape);
+  pictures::Mesh mesh = isKnown ? pictures::makeShape(request.shape) : readMeshFor(request.shape);
   const auto scale = numbersOf(request.uvScale);
   if (!scale || scale->size() > 2) throw badValue("--uv-scale", request.uvScale, "one number, or two");
   mesh.scaleTexCoords(scale->front(), scale->back());

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <limits>
 #include <numbers>
 #include <sstream>
 
@@ -64,28 +65,43 @@ std::string numbered(const std::string& file, unsigned index, unsigned count) {
   return withSuffix(file, digits);
 }
 
-/// As a PNG holds them, from 0 to 255.
-float stored(float value) { return std::round(255 * std::clamp(value, 0.0f, 1.0f)); }
+/// As a PNG holds it, from 0 to 255; what is not a number is 0 there.
+float stored(float value) { return std::isnan(value) ? 0 : std::round(255 * std::clamp(value, 0.0f, 1.0f)); }
 
-/// Tells the differences of encoded colours, from 0 to 1, and gives them as a picture.
-Picture compare(const Picture& picture, const Picture& other, const std::string& name) {
-  if (other.width != picture.width || other.height != picture.height) {
-    throw host::InputError(name, TextPosition(),
-                           "is a picture of " + std::to_string(other.width) + "x" +
-                               std::to_string(other.height) + ", not of " + std::to_string(picture.width) +
-                               "x" + std::to_string(picture.height),
-                           "wrong-value");
-  }
-  const Picture seen = pictures::encoded(picture);
-  const Picture expected = pictures::encoded(other);
+/// How far two numbers of files without limits are from each other; infinitely where one is not a number.
+float distance(float a, float b) {
+  if (a == b || (std::isnan(a) && std::isnan(b))) return 0;
+  const float far = std::abs(a - b);
+  return std::isnan(far) ? std::numeric_limits<float>::infinity() : far;
+}
+
+/// The picture to compare with. Throws InputError when it cannot be read or has another size.
+Picture comparedPicture(const std::string& file, const vk::Extent2D& size) {
+  Picture other = readFor("`--compare`", file);
+  if (other.width == size.width && other.height == size.height) return other;
+  throw host::InputError(file, TextPosition(),
+                         "is a picture of " + std::to_string(other.width) + "x" +
+                             std::to_string(other.height) + ", not of " + std::to_string(size.width) + "x" +
+                             std::to_string(size.height),
+                         "wrong-value");
+}
+
+/// Tells the differences of two pictures of one size, and gives them as a picture: those of linear numbers
+/// without limits where both files hold such, else of encoded colours, from 0 to 1.
+Picture compare(const Picture& picture, const Picture& other, PictureFormat format) {
+  const bool isLinear = format != PictureFormat::png && !other.isEncoded;
+  const Picture seen = isLinear ? pictures::linearized(picture) : pictures::encoded(picture);
+  const Picture expected = isLinear ? other : pictures::encoded(other);
   Picture difference(seen.width, seen.height);
-  difference.isEncoded = true;
+  difference.isEncoded = !isLinear;
   double sum = 0;
   double squares = 0;
   double greatest = 0;
   std::size_t different = 0;
   for (std::size_t i = 0; i < seen.texels.size(); ++i) {
-    const float far = std::abs(stored(seen.texels[i]) - stored(expected.texels[i])) / 255;
+    const float a = seen.texels[i];
+    const float b = expected.texels[i];
+    const float far = isLinear ? distance(a, b) : distance(stored(a), stored(b)) / 255;
     difference.texels[i] = i % 4 == 3 ? 1.0f : far;
     sum += far;
     squares += static_cast<double>(far) * far;
@@ -126,12 +142,12 @@ public:
     options_.size = sizeOf(request.size);
     options_.samples = request.samples;
     background_ = backgroundOf(request.background);
+    if (!std::isfinite(request.time)) throw host::InputError("`--time`: expected a finite number");
     for (const std::string& text : request.settings) settings_.push_back(host::parseSetting(text));
-    for (const std::string& text : request.textures) splitTexture(text);
+    checkFiles();
     mesh_ = meshOf(request);
     moment_ = {cameraOf(request, mesh_), {}, request.time};
-    steps.checkOutputs(
-        {request.output, request.compared.empty() ? "" : withSuffix(request.output, "difference")});
+    if (!request.compared.empty()) compared_ = comparedPicture(request.compared, options_.size);
     deviceIndex_ = deviceOf(request.device);
   }
 
@@ -156,6 +172,26 @@ public:
   }
 
 private:
+  bool isAnimated() const { return request_.output.ends_with(".apng"); }
+  unsigned count() const { return std::max(request_.turntable, 1u); }
+  std::string fileOf(unsigned picture) const {
+    return request_.turntable > 0 && !isAnimated() ? numbered(request_.output, picture, count())
+                                                   : request_.output;
+  }
+  std::string differenceFile() const { return withSuffix(request_.output, "difference"); }
+
+  /// Nothing that is read is written over, and drawing is not for nothing.
+  void checkFiles() const {
+    std::vector<std::string> inputs{request_.shape, request_.compared};
+    for (const std::string& text : request_.textures) inputs.push_back(splitTexture(text).second);
+    std::vector<std::string> outputs{fileOf(0)};
+    for (unsigned i = 1; i < count() && !isAnimated(); ++i) outputs.push_back(fileOf(i));
+    if (!request_.compared.empty()) outputs.push_back(differenceFile());
+    steps_.checkOutputs(outputs);
+    checkOutputs(outputs, inputs);
+    checkFolder(request_.output);
+  }
+
   void readDocuments() {
     documents_.libraries = steps_.loadLibraries();
     documents_.graph = textOf(request_.job.graphFile);
@@ -191,30 +227,21 @@ private:
   }
 
   void shoot(pictures::View& view, Surroundings& surroundings) {
-    const unsigned count = std::max(request_.turntable, 1u);
-    const bool isAnimated = request_.output.ends_with(".apng");
     std::vector<Picture> frames;
-    for (unsigned i = 0; i < count; ++i) {
-      moment_.world = pictures::turnedAroundY(2 * std::numbers::pi * i / count);
+    for (unsigned i = 0; i < count(); ++i) {
+      moment_.world = pictures::turnedAroundY(2 * std::numbers::pi * i / count());
       Picture picture;
       {
-        Progress progress(count, options_.samples);
+        Progress progress(count(), options_.samples);
         picture =
             develop(view.shoot(moment_, [&](unsigned sample) { progress.tell(i, sample); }), surroundings);
       }
-      if (isAnimated) {
-        frames.push_back(std::move(picture));
-        continue;
-      }
-      const std::string file = request_.turntable > 0 ? numbered(request_.output, i, count) : request_.output;
-      writeOutput(file, pictures::writePicture(picture, format_));
-      if (i == 0 && !request_.compared.empty()) {
-        const Picture difference =
-            compare(picture, readFor("`--compare`", request_.compared), request_.compared);
-        writeOutput(withSuffix(request_.output, "difference"), pictures::writePicture(difference, format_));
-      }
+      if (!isAnimated()) writeOutput(fileOf(i), pictures::writePicture(picture, format_));
+      if (i == 0 && compared_)
+        writeOutput(differenceFile(), pictures::writePicture(compare(picture, *compared_, format_), format_));
+      if (isAnimated()) frames.push_back(std::move(picture));
     }
-    if (isAnimated) writeOutput(request_.output, pictures::writeAnimation(frames, 24));
+    if (isAnimated()) writeOutput(request_.output, pictures::writeAnimation(frames, 24));
   }
 
   const RenderRequest& request_;
@@ -229,6 +256,7 @@ private:
   std::size_t deviceIndex_ = 0;
   Documents documents_;
   std::optional<ShownNode> shown_;
+  std::optional<Picture> compared_;
 };
 
 }  // namespace

@@ -187,6 +187,50 @@ TEST_F(RenderTest, ComparesWithAnotherPicture) {
             path("a.png") + ": error: is a picture of 64x64, not of 32x32 [wrong-value]\n");
 }
 
+TEST_F(RenderTest, ComparesLinearNumbersWithoutLimits) {
+  writeGraph("scaleFloat3", kTint);
+  EXPECT_EQ(render("-o a.exr --set a.factor=4").status, 0);
+  // Both are white where they are clamped.
+  const CommandRun far = render("-o b.exr --set a.factor=8 --compare " + path("a.exr"));
+  EXPECT_THAT(far.out, testing::HasSubstr("greatest 4; "));
+  EXPECT_EQ(picture("b-difference.exr").at(32, 32)[2], 4);
+  EXPECT_THAT(render("-o b.png --set a.factor=8 --compare " + path("a.exr")).out,
+              testing::HasSubstr("greatest 0; "));
+}
+
+TEST_F(RenderTest, ComparesTheFirstOfAnAnimation) {
+  writeGraph("scaleFloat3", kTint);
+  EXPECT_EQ(render("-o a.png").status, 0);
+  EXPECT_THAT(render("-o b.apng --turntable 2 --compare " + path("a.png")).out,
+              testing::StartsWith("differences: mean 0, "));
+  EXPECT_TRUE(exists("b-difference.apng"));
+}
+
+TEST_F(RenderTest, KeepsWhatItReads) {
+  writeGraph("sampleTexture2D", "");
+  Picture red(2, 2);
+  write("red.png", pictures::writePicture(red, pictures::PictureFormat::png));
+  write("red-0.png", read("red.png"));
+  write("red-difference.png", read("red.png"));
+  const std::string before = read("red.png");
+  const std::string refusal = ": error: is read by this command; write to another file [cannot-write]\n";
+  EXPECT_EQ(render("-o red.png --compare red.png").err, "red.png" + refusal);
+  EXPECT_EQ(render("-o red.png --texture a.image=red.png").err, "red.png" + refusal);
+  EXPECT_EQ(render("-o red.png --compare red-difference.png").err, "red-difference.png" + refusal);
+  EXPECT_EQ(render("-o red.png --turntable 2 --texture a.image=red-0.png").err, "red-0.png" + refusal);
+  EXPECT_EQ(read("red.png"), before);
+}
+
+/// Long before the picture is done.
+TEST_F(RenderTest, ChecksFilesBeforeItDraws) {
+  writeGraph("unknown", "");
+  expectError("-o gone/a.png",
+              "gone/a.png: error: cannot be written: No such file or directory [cannot-write]");
+  expectError("-o a.png --compare gone.png",
+              "`--compare`: cannot read `gone.png`: there is no such file, or it may not be read "
+              "[wrong-usage]");
+}
+
 /// Brightness runs with the seconds; what does not read them stays.
 TEST_F(RenderTest, ShowsAMoment) {
   writeGraph("scaleFloat3", R"("a": { "value": [1.0, 1.0, 1.0] }, "factor": { "node": "clock" } }
@@ -398,10 +442,16 @@ TEST_F(RenderTest, MetalsMirrorTheImageOfTheEnvironment) {
 TEST_F(RenderTest, NamesWhatItCannotUse) {
   writeGraph("sampleTexture2D", "");
   expectError("", "a picture needs a file: `-o NAME.png` [wrong-usage]");
-  expectError("-o a.bmp", "`-o a.bmp`: expected a name that ends in `.png`, `.exr` or `.hdr` [wrong-usage]");
+  expectError("-o a.bmp",
+              "`-o a.bmp`: expected a name that ends in `.png`, `.apng`, `.exr` or `.hdr` [wrong-usage]");
   expectError("-o a.png --size 0", "`--size 0`: expected `N` or `WxH`, each from 1 to 8192 [wrong-usage]");
   expectError("-o a.png --shape shpere", "there is no shape `shpere`; did you mean `sphere`? [wrong-usage]");
   expectError("-o a.png --shape gone.obj", "gone.obj: error: there is no such file [unreadable-file]");
+  write("points.obj", "# an object of points only\nv 0 0 0\nv 1 0 0\n");
+  const CommandRun points = render("-o a.png --shape points.obj");
+  EXPECT_EQ(points.status, 2);
+  EXPECT_THAT(points.err, testing::StartsWith("sfg: error: `--shape`: cannot read `points.obj`: "));
+  expectError("-o a.png --time nan", "`--time`: expected a finite number [wrong-usage]");
   expectError("-o a.png --camera 3",
               "`--camera 3`: expected `AZIMUTH,ELEVATION[,DISTANCE[,ANGLE]]`: an elevation from "
               "-90 to 90, a distance above 0, an angle between 0 and 170 [wrong-usage]");
