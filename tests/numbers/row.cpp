@@ -58,9 +58,9 @@ Sample::Sample(std::span<Input const> inputs, std::span<float const> values) : v
 }
 
 std::vector<Topic> allTopics() {
-  return {mathTopic(),     vectorTopic(),     colorTopic(),   noiseTopic(),  patternTopic(),
-          brdfTopic(),     coordinateTopic(), inputTopic(),   logicTopic(),  operatorTopic(),
-          blendingTopic(), colorSpaceTopic(), textureTopic(), outputTopic(), postTopic()};
+  return {mathTopic(),       vectorTopic(), colorTopic(), noiseTopic(),    patternTopic(),  brdfTopic(),
+          coordinateTopic(), inputTopic(),  logicTopic(), operatorTopic(), blendingTopic(), colorSpaceTopic(),
+          textureTopic(),    outputTopic(), postTopic(),  layerTopic(),    shapeTopic()};
 }
 
 }  // namespace numbers_test
