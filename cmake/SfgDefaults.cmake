@@ -42,7 +42,7 @@ function(sfg_target_defaults target)
     # The source folder stays out of what is shipped: builds in two folders give the same bytes.
     target_compile_options(${target} PRIVATE "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:\
 -fstack-protector-strong;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3;-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
-    target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now)
+    target_link_options(${target} PRIVATE "$<$<PLATFORM_ID:Linux>:LINKER:-z,relro,-z,now>")
   endif()
   # Some compilers ask this of the linker by themselves: a library of which nothing is used is not needed.
   target_link_options(${target} PRIVATE "$<$<PLATFORM_ID:Linux>:LINKER:--as-needed>")
@@ -76,6 +76,9 @@ function(sfg_shared_library target building)
     SOVERSION ${PROJECT_VERSION_MAJOR}
     INSTALL_RPATH "$ORIGIN")
   target_compile_definitions(${target} PRIVATE ${building} "SFG_VERSION=\"${PROJECT_VERSION}\"")
+  if(WIN32)
+    return()  # The export macros alone say what leaves it.
+  endif()
   set(script "${PROJECT_SOURCE_DIR}/cmake/exports.map")
   # Nobody replaces single functions of the library, so that its own calls of them need not ask who does.
   target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" LINKER:-Bsymbolic-functions)

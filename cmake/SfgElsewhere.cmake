@@ -1,0 +1,28 @@
+# In place of SfgDependencies, for machines of which no packages are installed (SFG_GENERATOR_ONLY): headers of this
+# machine that are the same everywhere, SHA-1 of the tests' own, GoogleTest from its sources.
+
+set(headers "${PROJECT_BINARY_DIR}/headers")
+file(MAKE_DIRECTORY "${headers}")
+foreach(folder nlohmann rapidjson unicode)
+  if(NOT EXISTS "/usr/include/${folder}")
+    message(FATAL_ERROR "/usr/include/${folder} is missing")
+  endif()
+  file(CREATE_LINK "/usr/include/${folder}" "${headers}/${folder}" SYMBOLIC)
+endforeach()
+foreach(library nlohmann_json::nlohmann_json ICU::uc)
+  add_library(${library} INTERFACE IMPORTED)
+  target_include_directories(${library} SYSTEM INTERFACE "${headers}")
+endforeach()
+set(RAPIDJSON_INCLUDE_DIRS "${headers}")
+
+if(SFG_BUILD_TESTS)
+  set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  add_subdirectory(/usr/src/googletest "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
+  foreach(library gtest gtest_main gmock)
+    if(NOT TARGET GTest::${library})
+      add_library(GTest::${library} ALIAS ${library})
+    endif()
+  endforeach()
+  include(GoogleTest)
+endif()
