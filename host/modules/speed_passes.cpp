@@ -25,6 +25,8 @@ void registerSpeedPasses(spvtools::Optimizer& optimizer) {
       .RegisterPass(CreateCombineAccessChainsPass())
       .RegisterPass(CreateSimplificationPass())
       .RegisterPass(CreateAggressiveDCEPass())
+      // Components that nobody asks for.
+      .RegisterPass(CreateVectorDCEPass())
       .RegisterPass(CreateIfConversionPass())
       .RegisterPass(CreateAggressiveDCEPass())
       .RegisterPass(CreateBlockMergePass())
