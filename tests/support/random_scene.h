@@ -315,12 +315,16 @@ private:
       lines.push_back(L"struct " + name + L" { float x" + number(random_.below(2)) + L"; };");
       features_.add("structure");
       break;
-    case 2:
+    case 2: {
+      // One behind the other: compilers differ in which side of a sum comes first.
+      const WString value =
+          random_.of({L" = 0;", L" = 1;", L" : register(c0);", L"[2] <string s = 1;> = 1;", L";"});
       lines.push_back(
           random_.of({L"uniform float ", L"float ", L"uniform extern float4 ", L"Texture2D<float4> "}) +
-          name + random_.of({L" = 0;", L" = 1;", L" : register(c0);", L"[2] <string s = 1;> = 1;", L";"}));
+          name + value);
       features_.add("uniform in the predefines");
       break;
+    }
     case 3:
       lines.push_back(head + L" { return sfg_isConnected(a) ? 1 : 2; }");
       features_.add("built-in call in the predefines");
@@ -454,11 +458,13 @@ private:
   void addNode() {
     const Kind& kind = library_[random_.below(library_.size())];
     const WString name = L"n" + number(nodes_.size());
+    // One behind the other: compilers differ in the order of arguments.
+    const RefPtr<AParameter> result = output(L"r", TypeID_float);
     AShaderFragment* node = scene.addWithPorts(
         *kind.fragment, name,
         {parameter(TypeID_float, L"a"),
          random_.percent(8) ? parameter(TypeID_samplerCube, L"b") : parameter(TypeID_float, L"b")},
-        {output(L"r", TypeID_float)});
+        {result});
     if (kind.properties.hasThird()) node->addInput(thirdInput().get());
     if (kind.properties.hasSecondOutput()) node->addOutput(output(L"s", TypeID_fvec3).get());
     for (const Node& other : nodes_)
