@@ -49,7 +49,7 @@ CompileError readError(ByteReader& reader) {
   return {what, std::move(messages), inAssembledText};
 }
 
-std::string wordsOf(const std::string& bytes) {
+std::string doneOrRefused(const std::string& bytes) {
   ByteReader reader(bytes);
   const auto work = reinterpret_cast<Work>(reader.number());
   try {
@@ -65,7 +65,7 @@ std::string wordsOf(const std::string& bytes) {
 /// Behind the words stands whether the process has survived a crash.
 std::string answerOf(const std::string& bytes) {
   expectCrashes();
-  const std::string words = wordsOf(bytes);
+  const std::string words = doneOrRefused(bytes);
   return words + (hasCrashed() ? '!' : '.');
 }
 
