@@ -127,7 +127,6 @@ std::string toJson(const Environment& environment) {
   Json json = {{"lights", std::move(lights)}};
   if (!environment.output.empty()) json["output"] = environment.output;
   if (!environment.image.empty()) json["image"] = environment.image;
-  if (!environment.image.empty()) json["image"] = environment.image;
   return textOf(json);
 }
 

@@ -6,8 +6,8 @@ check_seen.py ROOT [EXCEPTIONS]
 ROOT holds library/*.fraglib and what the tests look at. A fragment counts when
 
 - a test of tests/numbers names it in quotes, or an environment there has it as a light,
-- a document of examples/materials, examples/environments or examples/lamps has it, each of which is drawn, or it is
-  the light of the environments `studio` and `sky`, under which the examples are drawn,
+- a document of examples/materials or examples/environments has it, each of which is drawn, or it is the light of the
+  environments `studio` and `sky`, under which the examples are drawn,
 - docs/pictures/patterns has its picture.
 
 EXCEPTIONS holds lines "FRAGMENT: REASON"; one that is no fragment, or that is seen after all, is a fault.
@@ -45,7 +45,7 @@ for file in sorted((root / "library").glob("*.fraglib")):
     fragments.update((name, file.name) for name in json.loads(file.read_text()) if not name.startswith("//"))
 
 seen = {"environmentMapLight"} | set(re.findall(r'"(\w+)"', texts("tests/numbers", "*.cpp")))
-for folder in ("tests/numbers/environments", "examples/materials", "examples/environments", "examples/lamps"):
+for folder in ("tests/numbers/environments", "examples/materials", "examples/environments"):
     for file in sorted((root / folder).glob("*.json")):
         seen.update(words_in_documents(json.loads(file.read_text())))
 seen.update(file.stem for file in (root / "docs/pictures/patterns").glob("*.png"))

@@ -135,10 +135,6 @@ private:
   bool hasPlaces_ = true;
 };
 
-/// The environment of a document. Throws InputError for a malformed one; whether its fragments are there, a
-/// job tells.
-SFG_HOST_API Environment readEnvironment(const Document& document);
-
 /// What a document says of its environment; defaults stay empty. Throws InputError for a malformed one.
 /// Whether its fragments are known, and what is odd in it, a job tells.
 SFG_HOST_API Environment readEnvironment(const Document& document);
